@@ -1,0 +1,23 @@
+// The settings of one run, set by the command line and read everywhere.
+#pragma once
+
+#include <string>
+
+struct Settings {
+    std::string mainSource;    // -s, as given
+    std::string sourceFolder;  // folder part of mainSource, "." when it has none
+    std::string outputPath;    // -o
+    bool traceMode = false;       // -t: source lines ride along as C++ comments
+    bool outputComments = false;  // -c: the user's comments reach the output
+    bool verbose = false;         // -v
+    bool debugMode = false;       // -d, --debug; forces safeMode
+    bool safeMode = false;        // -safe
+    bool quickBuild = false;      // -quick
+
+    // Where translation stands; shown by ReportFatal.
+    std::string currentFile;
+    int currentLine = 0;
+};
+
+// Written by the command line (the flags) and by the translator (file and line).
+extern Settings settings;

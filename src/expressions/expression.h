@@ -1,0 +1,61 @@
+// The expression translator: one walk over the tokens that yields C++ text and its type.
+#pragma once
+
+#include <string>
+
+#include "lexer/token_span.h"
+#include <vector>
+
+#include "symbols/symbols.h"
+
+// C++ precedence of the operator at the top of a text; a smaller number binds tighter.
+enum class Level : unsigned char { Primary, Unary, Product, Sum, Shift, Relation, Equality, BitAnd, BitXor, BitOr, And, Or, Assignment };
+
+struct Expr {
+    std::string text;  // C++, no blanks at either end
+    ValueType type;
+    Level level = Level::Primary;
+    ArrayForm form = ArrayForm::None;
+    bool slot = false;             // an Element behind a pointer: members through "->", the value is (*text)
+    bool literal = false;          // a bare string literal: const char* to C++
+    bool assignable = false;       // may stand on the left of an assignment
+    bool isCall = false;
+    bool isConst = false;
+    const Variable* variable = nullptr;  // when the expression is just this variable
+};
+
+enum class ExprMode : unsigned char {
+    Statement,  // "=" at the top level assigns
+    Condition,  // "=" compares
+    Print,      // "=" compares; an unknown name gives the message of Print
+};
+
+// Translates all tokens as one expression. Whatever is wrong ends the run. A token that begins with
+// "//" ends the expression. No tokens give an empty text of type Void.
+Expr TranslateExpression(TokenSpan tokens, ExprMode mode);
+
+// The text of an expression where a value is wanted: an Element behind a pointer is dereferenced.
+std::string ValueText(const Expr& expr);
+
+// The text of `expr` where C++ wants a value of type `to` in an initialiser, an assignment, an argument
+// or a Return: pointer forms of arrays, literals, conversions. The caller has checked Assignable.
+std::string TextAs(const Expr& expr, const ValueType& to);
+
+// C++ type of an expression ("unknown" without tokens), with the verbose notes of type inference.
+std::string GetExpressionType(TokenSpan tokens);
+
+// Type of an initialiser, without messages in verbose mode; used for untyped declarations.
+ValueType InferType(TokenSpan tokens);
+
+// Splits at commas outside parentheses and brackets. No tokens give no parts.
+std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens);
+
+// A statement that no keyword claims: assignment checks done by the caller (statements/assignments).
+// True when the tokens are a call that may stand as a statement; text gets the C++ call.
+bool TranslateCallStatement(TokenSpan tokens, std::string& text);
+
+// Translates a string token (with its quotes): escapes and interpolation.
+Expr TranslateString(const std::string& token);
+
+// While on, unknown names are let through (an included file translated from a first pass).
+extern bool lenient;

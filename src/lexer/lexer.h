@@ -1,0 +1,36 @@
+// The line lexer: cuts one line of Korvel into tokens and checks its brackets and strings.
+// A token is a string; every later stage decides what it means by looking at its text.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using Tokens = std::vector<std::string>;
+
+class Lexer {
+public:
+    std::vector<std::string> delimiters;  // the 29 one-character tokens
+    std::uint32_t indent = 0;             // leading blanks and tabs of the last line
+    std::string fileName;                 // shown in error messages
+    std::int32_t lineNumber = 0;          // advanced by LexLine when countLine is set
+    std::string lineText;                 // last line lexed with countLine set
+    Tokens tokens;                        // tokens of the last line
+
+    Lexer();
+
+    // Replaces `tokens` with those of `line` and returns their number. Unbalanced brackets and
+    // open strings end the run, unless skipValidation is set or the line ends in a lone "_".
+    std::int32_t LexLine(std::string line, bool keepComment, bool countLine, bool skipValidation);
+
+    std::int32_t TokenCount() const;
+    std::string GetToken(std::int32_t i) const;  // empty outside the list
+    std::uint32_t GetIndent() const;
+};
+
+// Tokens of a piece of text, comments dropped and nothing checked.
+Tokens Split(const std::string& text);
+
+// ASCII lower case; other bytes stay.
+std::string Lower(std::string_view text);

@@ -1,0 +1,21 @@
+// Support code that only some programs need. It is written into the main header behind the fixed
+// prelude for those programs and leaves all others as they are.
+#pragma once
+
+#include <string>
+
+enum class Support : unsigned char {
+    ArrayPassing,  // row pointers for two-dimensional arguments, taking over returned arrays
+    BoolArray,     // KVBool, whose arrays can be passed as bool*
+    ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
+    StringSelect,  // constexpr hash for Select over String and Double
+    SafeIndex,     // bounds check where the lambda text cannot compile
+    Count,
+};
+
+// Marks the support code as used by this program.
+void RequireSupport(Support support);
+bool SupportUsed(Support support);
+// The text of all marked support code, in the order of the enum.
+std::string SupportText();
+void ResetSupport();

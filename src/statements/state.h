@@ -1,0 +1,68 @@
+// The second pass's state for one file, and the line writer that every statement uses.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "lexer/token_span.h"
+#include "prelude/output.h"
+#include "symbols/symbols.h"
+
+struct LocalArray {
+    Variable* variable = nullptr;
+    bool ownsSlots = false;  // its slots hold objects that must be freed
+    bool inOuterBlock = true;
+};
+
+struct State {
+    FileOutput* out = nullptr;
+    std::string traceText;    // with -t: source of the statement, until attached to a line
+    std::string commentText;  // with -c: "//..." of the line, until attached to a line
+    int lineIndent = 0;
+    int currentLine = 0;
+
+    bool inFunction = false;
+    std::string functionName;
+    int functionLine = 0;
+    bool inMethod = false;
+    std::string methodName;
+    int methodLine = 0;
+    bool inType = false;
+    std::string typeName;
+    int typeLine = 0;
+    bool isElement = false;
+    ClassInfo* cls = nullptr;       // the class being emitted
+    std::string access = "public";
+    bool inExtern = false;
+    int externLine = 0;
+
+    int loopDepth = 0;
+    int selectDepth = 0;
+    int selectLine = 0;
+    std::vector<int> repeatStack;
+    std::vector<int> ifStack;
+    std::vector<int> loopStack;
+    std::vector<std::string> loopKindStack;
+
+    bool inPreCalc = false;
+    int preCalcLine = 0;
+    Tokens preCalcHeader;
+    std::vector<std::string> preCalcBody;
+    std::vector<int> preCalcBodyLines;
+    std::vector<int> withLines;  // start lines of this file's open With blocks
+
+    // The open routine.
+    const Routine* routine = nullptr;
+    std::string returnType;  // C++ spelling
+    bool isMainRoutine = false;
+    bool hasReturn = false;
+    std::vector<LocalArray> localArrays;
+};
+
+// Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
+// of a statement carries its source and its comment.
+void EmitLine(State& state, const std::string& text);
+
+// A statement translator gets the statement's tokens (the keyword first) and emits lines, changes the
+// state or ends the run.
+using StatementHandler = void (*)(State& state, TokenSpan tokens);

@@ -1,0 +1,141 @@
+// All process-wide tables of a run, in one place. The first pass fills them file by file; they are
+// never emptied during a run. Look-ups by name go through the indexes, the lists keep the order.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "lexer/lexer.h"
+#include "symbols/value_type.h"
+
+// How the C++ text of an array is held.
+enum class ArrayForm : unsigned char {
+    None,
+    Vector,   // declared array: std::vector, of vectors for more dimensions
+    Pointer,  // parameter: a plain pointer whose sizes are not known
+    Fixed,    // PreCalc table: a C array
+    Owned,    // fresh from a call: a pointer that somebody has to take over
+};
+
+// A variable of any kind: Local, parameter, loop variable, Global, Const, Field, PreCalc table.
+struct Variable {
+    std::string name;     // as written
+    std::string cppName;  // as emitted
+    ValueType type;
+    ArrayForm form = ArrayForm::None;
+    std::vector<std::string> sizes;  // size texts of an array, one per dimension, as written (tokens joined by blanks)
+    bool isConst = false;
+    bool isPreCalc = false;
+    bool slot = false;       // an Element reached through a pointer (EachIn over an array of Elements)
+    bool isPrivate = false;  // Fields only
+    std::string file;        // where it was declared
+    int line = 0;
+    Tokens initialiser;      // Globals, Consts and Fields; the type of untyped ones is inferred from it
+    bool typed = false;      // declared with a ":" type
+};
+
+struct Parameter {
+    std::string name;
+    ValueType type;
+    bool hasDefault = false;
+    Tokens defaultValue;  // a literal, a signed number, True/False/Null or a Const
+};
+
+// A Function, Method or userlib function as calls see it.
+struct Routine {
+    std::string name;     // as written
+    std::string cppName;  // as emitted ("kvl_" + name for userlib functions)
+    ValueType result = Single(Base::Void);
+    std::vector<Parameter> parameters;
+    std::vector<std::string> resultSizes;  // sizes of the array that its Returns give, when known
+    bool isExtern = false;
+    bool isUserlib = false;
+    bool isPrivate = false;
+    const ClassInfo* owner = nullptr;  // Methods
+    std::string file;
+    int line = 0;
+};
+
+// One Type or Element. Its name is known from the start of the run; the rest is filled by the first
+// pass when its block is closed, which also puts it on classList.
+struct ClassInfo {
+    std::string name;
+    std::string sourceFile;
+    bool isElement = false;
+    std::vector<std::string> fields;   // in declaration order
+    std::vector<std::string> methods;  // in declaration order
+    std::vector<std::string> third;    // kept empty; part of the record's layout
+    std::map<std::string, std::string> fieldTypes;  // typed Fields only, C++ spelling, "int[10]" for arrays
+
+    std::string cppName;
+    int line = 0;
+    bool registered = false;                            // on classList
+    std::unordered_map<std::string, Variable> members;  // Fields by name
+    std::unordered_map<std::string, Routine> routines;  // Methods by name ("constructor", "destructor" included)
+};
+
+struct UserlibParameter {
+    std::string name, korvelType, cppType;
+};
+struct UserlibFunction {
+    std::string name, symbol, korvelReturn, cppReturn;
+    std::vector<UserlibParameter> parameters;
+    std::string declsFile;
+    int line = 0;
+};
+struct UserlibDll {
+    std::string name;
+    std::vector<UserlibFunction> functions;
+};
+
+struct Symbols {
+    // Types and Elements. Written by the name scan (names) and the first pass (the rest).
+    std::deque<ClassInfo> classes;                         // every name declared anywhere, stable addresses
+    std::unordered_map<std::string, ClassInfo*> classIndex;  // by exact name, first declaration
+    std::vector<ClassInfo*> classList;                     // registered ones, in order of registration
+
+    // Functions, Extern functions included. Written by the first pass, read by calls.
+    std::unordered_map<std::string, Routine> functions;
+    std::unordered_set<std::string> externFunctions;
+
+    // Globals, Consts and PreCalc tables. Written by the first pass, read by every look-up.
+    std::unordered_map<std::string, Variable> globals;
+    std::unordered_map<std::string, Variable> constants;
+
+    // Every Field name, with the first class that has it: for the clash with Globals and Consts.
+    std::unordered_map<std::string, const ClassInfo*> fieldOwners;
+
+    // Userlibs. Written by Import, read by calls and by the runtime-linking code.
+    std::deque<UserlibDll> userlibDLLs;
+    std::unordered_map<std::string, std::string> userlibFunctions;  // name -> C++ return type
+    std::unordered_map<std::string, Routine> userlibRoutines;       // name -> signature of the later declaration
+
+    // Names of files already included or imported, and what the run produces.
+    std::vector<std::string> processedNames;
+    std::vector<std::string> includeHeaders;
+    std::vector<std::string> generatedFiles;
+    std::vector<std::string> linkerFlags;
+};
+
+extern Symbols symbols;
+void ResetSymbols();
+
+// Exact, case-sensitive. Null when there is none.
+ClassInfo* FindClass(const std::string& name);
+bool IsClass(const std::string& name);    // declared anywhere
+bool IsElement(const std::string& name);  // false when there is no such class
+const Routine* FindFunction(const std::string& name);  // Functions and Extern functions
+const Routine* FindUserlibFunction(const std::string& name);
+const Routine* FindMethod(const ClassInfo& cls, const std::string& name);
+const Variable* FindField(const ClassInfo& cls, const std::string& name);
+
+// A Global, Const or PreCalc table, its type settled (an untyped one takes that of its initialiser).
+const Variable* FindGlobal(const std::string& name);
+
+// Adds text to a list unless it is there already.
+void AddOnce(std::vector<std::string>& list, const std::string& text);

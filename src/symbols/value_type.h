@@ -1,0 +1,74 @@
+// What a Korvel value is: the type that the typed walk over expressions carries along.
+#pragma once
+
+#include <string>
+
+struct ClassInfo;
+
+enum class Base : unsigned char {
+    Unknown,  // lets every check pass; only while names are still unread (lenient pass) or after inline C++
+    Void,
+    Int,
+    Double,
+    String,
+    Byte,
+    Short,
+    Long,
+    Bool,
+    Pointer,  // void*
+    Null,
+    Object,   // a Type: C++ handles it through KVL_T*
+    Element,  // an Element: a C++ value KVL_T
+};
+
+struct ValueType {
+    Base base = Base::Unknown;
+    bool sequence = false;           // KVSeq of `base`
+    int dims = 0;                    // number of array dimensions, 0 for a single value
+    const ClassInfo* cls = nullptr;  // for Object and Element
+
+    bool IsArray() const { return dims > 0; }
+    bool IsSingle() const { return dims == 0 && !sequence; }
+    bool Is(Base b) const { return IsSingle() && base == b; }
+    bool IsKnown() const { return base != Base::Unknown; }
+    // Int, Double, Byte, Short, Long and Bool, which convert into each other.
+    bool IsNumber() const;
+    bool IsInteger() const;  // a number other than Double
+    ValueType Item() const;  // what one index, one round of EachIn or SeqGet yields
+};
+
+bool operator==(const ValueType& a, const ValueType& b);
+inline bool operator!=(const ValueType& a, const ValueType& b) { return !(a == b); }
+
+inline ValueType Single(Base base, const ClassInfo* cls = nullptr) { return {base, false, 0, cls}; }
+
+// The C++ spelling of a variable of the type: "int", "KVL_TFoo*", "KVSeq<int>",
+// "std::vector<std::vector<double>>". Arrays of Elements hold pointers ("std::vector<KVL_TPoint*>");
+// arrays of Bool are "std::vector<KVBool>" once a program has to pass one on as bool* (see support.h).
+std::string CppName(const ValueType& type);
+
+// The C++ spelling in signatures: arrays become pointers ("int*", "double**", "KVL_TPoint**").
+// As a parameter a Sequence is taken by reference ("KVSeq<int>&"), as a result by value.
+std::string ParameterCppName(const ValueType& type);
+std::string ResultCppName(const ValueType& type);
+
+// The spelling a Korvel programmer uses, for second lines of messages: "Int", "TPlayer", "Sequence Of Int".
+std::string KorvelName(const ValueType& type);
+
+// The type that an annotation names ("Int", "TPlayer", "Int[]" with dims counted). Names of Types
+// and Elements are known from the start of the run, wherever they are declared. An unknown name gives
+// Base::Void for "anything else" and ends the run for T-names, like MapType.
+ValueType ParseType(const std::string& annotation);
+
+// C++ spelling of a Korvel annotation; "void" for a name that is no type. A T-name that is declared
+// nowhere ends the run.
+std::string MapType(const std::string& annotation);
+
+// C++ initialiser of a variable declared without a value.
+std::string DefaultValue(const std::string& cppType);
+
+// Whether a value of type `from` may be assigned to, passed to or returned as `to`.
+bool Assignable(const ValueType& to, const ValueType& from);
+
+// The second line of a mismatch message ("\nUse ToString(...) ..."), or empty when there is no advice.
+std::string ConversionHint(const ValueType& to, const ValueType& from);
