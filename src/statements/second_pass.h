@@ -1,0 +1,13 @@
+// The second pass: reads a file's lines, cuts them into statements and dispatches each on its first word.
+#pragma once
+
+#include "lexer/lexer.h"
+#include "statements/state.h"
+
+// Runs the pass over the whole source; the .cpp goes to the pieces of state.out. Blocks still open at
+// the end of the file end the run.
+void RunSecondPass(State& state, Lexer& lexer, const std::string& source);
+
+// Translates one statement: keyword statements by the dispatch table, everything else as an
+// assignment or a call.
+void DispatchStatement(State& state, TokenSpan tokens);

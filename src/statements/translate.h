@@ -1,0 +1,24 @@
+// Translation of one source file: first pass, header, second pass, outputs.
+#pragma once
+
+#include <string>
+
+// Translates the main source and everything it includes, then puts the pieces of the whole program
+// into an order that compiles. Whatever is wrong ends the run.
+void TranslateProgram(const std::string& mainSource);
+
+// Translates one file into outputFolder. While `lenientRun` is set, unknown names are let through: an
+// included file met in a first pass, whose outputs the strict run of the second pass replaces.
+void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun);
+
+// Splits the quoted name of an Include into its folder part ("" without one) and file part.
+struct IncludeName {
+    std::string name, folder, file;
+};
+IncludeName SplitIncludeName(const std::string& name);
+
+// The output folder of an included file, created when it does not exist; failure ends the run.
+std::string IncludeOutputFolder(const IncludeName& name);
+
+// The path that opens an included file from the working directory.
+std::string IncludeSourcePath(const IncludeName& name);
