@@ -34,3 +34,14 @@ Tokens Split(const std::string& text);
 
 // ASCII lower case; other bytes stay.
 std::string Lower(std::string_view text);
+
+// The raw line up to its last "_" that is code; its trailing comment does not count. For lines whose
+// last token is "_".
+std::string CutAtContinuation(const std::string& rawLine);
+
+// "//" and everything after the ';' that starts the comment of a raw line, safe to stand at the end of
+// a C++ line; empty without a comment.
+std::string CommentOf(const std::string& rawLine);
+
+// The comment, with a point behind it where its end would make C++ join the next line to it.
+std::string GuardComment(std::string comment);

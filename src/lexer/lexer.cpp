@@ -1,0 +1,272 @@
+#include "lexer/lexer.h"
+
+#include <array>
+#include <cstdio>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+
+namespace {
+
+constexpr char delimiterCharacters[] = "!@#$%^&*()-+={}[]|\\:\"'<>,.?/~";
+
+enum class CharClass : unsigned char {
+    Word,  // part of an identifier or number; every character that is not listed below
+    Digit,
+    Blank,
+    Delimiter,
+    OpenParen,
+    CloseParen,
+    OpenBracket,
+    CloseBracket,
+    Dollar,
+    Point,
+    Quote,
+    Comment,
+};
+
+std::array<CharClass, 256> MakeClassTable() {
+    std::array<CharClass, 256> table{};
+    const auto set = [&table](char c, CharClass cls) { table[static_cast<unsigned char>(c)] = cls; };
+    for (const char* c = delimiterCharacters; *c; ++c) set(*c, CharClass::Delimiter);
+    for (char c = '0'; c <= '9'; ++c) set(c, CharClass::Digit);
+    set(' ', CharClass::Blank);
+    set('\t', CharClass::Blank);
+    set('(', CharClass::OpenParen);
+    set(')', CharClass::CloseParen);
+    set('[', CharClass::OpenBracket);
+    set(']', CharClass::CloseBracket);
+    set('$', CharClass::Dollar);
+    set('.', CharClass::Point);
+    set('"', CharClass::Quote);
+    set(';', CharClass::Comment);
+    return table;
+}
+
+const std::array<CharClass, 256> classTable = MakeClassTable();
+
+CharClass ClassOf(char c) { return classTable[static_cast<unsigned char>(c)]; }
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
+// What a scan found besides the tokens.
+struct ScanResult {
+    std::size_t comment = std::string_view::npos;  // position of the ';' that starts the comment
+    bool openString = false;
+    int parenDepth = 0;
+    int bracketDepth = 0;
+    const char* unmatched = nullptr;  // message of the first closer without an opener
+};
+
+// One scan over a line. Every token is a contiguous piece of the line, so a start position is all that
+// the current token needs.
+class Scanner {
+public:
+    Scanner(std::string_view text, Tokens& out) : line(text), tokens(out) {}
+
+    ScanResult Run(bool stopAtUnmatched) {
+        while (at < line.size() && result.comment == std::string_view::npos) {
+            Step();
+            if (stopAtUnmatched && result.unmatched) return result;
+        }
+        Flush();
+        return result;
+    }
+
+private:
+    std::string_view line;
+    Tokens& tokens;
+    ScanResult result;
+    std::size_t at = 0;
+    std::size_t start = 0;
+    bool inToken = false;
+    bool onlyDigits = false;  // the current token so far
+
+    void Step() {
+        switch (ClassOf(line[at])) {
+            case CharClass::Word: Append(false); break;
+            case CharClass::Digit: Append(true); break;
+            case CharClass::Blank: Flush(); ++at; break;
+            case CharClass::Delimiter: Delimiter(); break;
+            case CharClass::OpenParen: ++result.parenDepth; Delimiter(); break;
+            case CharClass::CloseParen:
+                Close(result.parenDepth, "Unmatched closing parenthesis ')'");
+                break;
+            case CharClass::OpenBracket: ++result.bracketDepth; Delimiter(); break;
+            case CharClass::CloseBracket:
+                Close(result.bracketDepth, "Unmatched closing bracket ']'");
+                break;
+            case CharClass::Dollar: Dollar(); break;
+            case CharClass::Point: Point(); break;
+            case CharClass::Quote: String(); break;
+            case CharClass::Comment: result.comment = at; break;
+        }
+    }
+
+    bool NextIs(bool (*test)(char)) const { return at + 1 < line.size() && test(line[at + 1]); }
+
+    void Append(bool digit) {
+        if (!inToken) {
+            inToken = true;
+            start = at;
+            onlyDigits = true;
+        }
+        onlyDigits = onlyDigits && digit;
+        ++at;
+    }
+
+    void Flush() {
+        if (inToken) tokens.emplace_back(line.substr(start, at - start));
+        inToken = false;
+    }
+
+    void Delimiter() {
+        Flush();
+        tokens.emplace_back(1, line[at++]);
+    }
+
+    void Close(int& depth, const char* message) {
+        if (--depth < 0 && !result.unmatched) result.unmatched = message;
+        Delimiter();
+    }
+
+    // "$" begins a hexadecimal literal; the digits stay the current token, so what follows without a
+    // blank is part of it.
+    void Dollar() {
+        if (inToken || !NextIs(IsHexDigit)) return Delimiter();
+        Append(false);
+        while (at < line.size() && IsHexDigit(line[at])) ++at;
+    }
+
+    void Point() {
+        if (inToken && onlyDigits && NextIs(IsDigit)) return Append(false);
+        Delimiter();
+    }
+
+    // A string runs to the next quote; there is no escape character.
+    void String() {
+        Flush();
+        const std::size_t close = line.find('"', at + 1);
+        result.openString = close == std::string_view::npos;
+        const std::size_t end = result.openString ? line.size() : close + 1;
+        tokens.emplace_back(line.substr(at, end - at));
+        at = end;
+    }
+};
+
+// Position of the ';' that starts the comment of a line, or npos.
+std::size_t CommentStart(std::string_view line) {
+    bool inString = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') inString = !inString;
+        if (line[i] == ';' && !inString) return i;
+    }
+    return std::string_view::npos;
+}
+
+const char* BoolText(bool value) { return value ? "true" : "false"; }
+
+void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view line) {
+    std::string text = "DEBUG LexLine: line=" + std::to_string(number) +
+                       " skipValidation=" + BoolText(skipValidation) + " content=\"";
+    text += line.substr(0, 50);
+    if (line.size() > 50) text += "...";
+    text += "\"\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+[[noreturn]] void Fail(const Lexer& lexer, const char* message) {
+    FailOnErrorStream("Error in " + lexer.fileName + " (line " + std::to_string(lexer.lineNumber) +
+                      "): " + message + "\nLine: " + lexer.lineText);
+}
+
+void CheckClosed(const Lexer& lexer, const ScanResult& found) {
+    if (found.openString) Fail(lexer, "Unclosed string literal");
+    if (found.parenDepth > 0) {
+        if (settings.verbose) {
+            std::fprintf(stderr,
+                         "DEBUG: Triggering unclosed paren error - parenDepth=%d skipValidation=false "
+                         "hasLineContinuation=false\n",
+                         found.parenDepth);
+        }
+        Fail(lexer, "Unclosed parenthesis '('");
+    }
+    if (found.bracketDepth > 0) Fail(lexer, "Unclosed bracket '['");
+}
+
+std::size_t IndentOf(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    return first == std::string_view::npos ? line.size() : first;
+}
+
+}  // namespace
+
+Lexer::Lexer() {
+    for (const char* c = delimiterCharacters; *c; ++c) delimiters.emplace_back(1, *c);
+}
+
+std::int32_t Lexer::LexLine(std::string line, bool keepComment, bool countLine, bool skipValidation) {
+    tokens.clear();
+    if (settings.verbose) PrintVerboseLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
+    if (countLine) {
+        ++lineNumber;
+        lineText = std::move(line);
+    }
+    std::string_view rest = countLine ? lineText : line;
+    indent = static_cast<std::uint32_t>(IndentOf(rest));
+    rest.remove_prefix(indent);
+
+    const ScanResult found = Scanner(rest, tokens).Run(!skipValidation);
+    if (!skipValidation && found.unmatched) Fail(*this, found.unmatched);
+    const bool continues = !tokens.empty() && tokens.back() == "_";
+    if (keepComment && found.comment != std::string_view::npos) {
+        tokens.push_back("//" + std::string(rest.substr(found.comment + 1)));
+    }
+    if (!skipValidation && !continues) CheckClosed(*this, found);
+    return TokenCount();
+}
+
+std::int32_t Lexer::TokenCount() const { return static_cast<std::int32_t>(tokens.size()); }
+
+std::string Lexer::GetToken(std::int32_t i) const {
+    return i >= 0 && i < TokenCount() ? tokens[static_cast<std::size_t>(i)] : std::string();
+}
+
+std::uint32_t Lexer::GetIndent() const { return indent; }
+
+Tokens Split(const std::string& text) {
+    if (settings.verbose) PrintVerboseLine(0, true, text);
+    Tokens tokens;
+    Scanner(text, tokens).Run(false);
+    return tokens;
+}
+
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return lower;
+}
+
+std::string CutAtContinuation(const std::string& rawLine) {
+    const std::size_t comment = CommentStart(rawLine);
+    const std::size_t mark = rawLine.substr(0, comment).rfind('_');
+    return rawLine.substr(0, mark == std::string::npos ? comment : mark);
+}
+
+std::string CommentOf(const std::string& rawLine) {
+    const std::size_t comment = CommentStart(rawLine);
+    if (comment == std::string::npos) return {};
+    return GuardComment("//" + rawLine.substr(comment + 1));
+}
+
+std::string GuardComment(std::string comment) {
+    const std::size_t last = comment.find_last_not_of(" \t\r\f\v");
+    if (last == std::string::npos) return comment;
+    const bool backslash = comment[last] == '\\';
+    const bool trigraph = last >= 2 && comment.compare(last - 2, 3, "?" "?/") == 0;
+    return backslash || trigraph ? comment + " ." : comment;
+}

@@ -1,0 +1,35 @@
+#include "lexer/source_reader.h"
+
+#include <cstdio>
+
+bool ReadFile(const std::string& path, std::string& text) {
+    text.clear();
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file) return false;
+    char buffer[65536];
+    std::size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, got);
+    const bool complete = std::ferror(file) == 0;
+    std::fclose(file);
+    return complete;
+}
+
+bool SourceReader::Open(const std::string& path) {
+    const bool opened = ReadFile(path, text);
+    begin = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    Rewind();
+    return opened;
+}
+
+std::string SourceReader::NextLine() {
+    if (AtEnd()) return {};
+    std::size_t end = text.find('\n', position);
+    if (end == std::string::npos) end = text.size();
+    std::size_t length = end - position;
+    if (length > 0 && text[end - 1] == '\r') --length;
+    std::string line = text.substr(position, length);
+    position = end + 1;
+    return line;
+}
+
+void SourceReader::Rewind() { position = begin; }

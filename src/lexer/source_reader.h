@@ -1,0 +1,25 @@
+// The physical lines of a source file: line ends and byte order mark are settled here, once.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+class SourceReader {
+public:
+    // Reads the whole file. False when that fails (a folder counts as failure).
+    bool Open(const std::string& path);
+
+    bool AtEnd() const { return position >= text.size(); }
+    // The next line without its line end ("\n" or "\r\n"); empty past the end.
+    std::string NextLine();
+    // Goes back to the first line, for the second pass.
+    void Rewind();
+
+private:
+    std::string text;
+    std::size_t begin = 0;  // behind the byte order mark
+    std::size_t position = 0;
+};
+
+// Reads a whole file as it is. False when it cannot be opened or read.
+bool ReadFile(const std::string& path, std::string& text);
