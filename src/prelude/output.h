@@ -11,6 +11,7 @@
 
 struct Piece {
     enum class Kind : unsigned char {
+        Opening,      // the opening lines of the .cpp
         Lines,        // whatever stands between the others
         ClassOpen,    // the opening lines of a class body
         ClassLines,   // Fields and other lines inside a class body
@@ -23,33 +24,47 @@ struct Piece {
     };
     Kind kind = Kind::Lines;
     std::string text;
-    const ClassInfo* cls = nullptr;             // the class that the piece belongs to
-    std::vector<const ClassInfo*> needs;        // classes whose bodies must stand before it
-    std::string file;                           // Include: the included source
-    std::string declaration;                    // Method: its line in the class when the body moves out
-    std::string definitionHead;                 // Method: the signature line outside the class
+    const ClassInfo* cls = nullptr;       // the class that the piece belongs to
+    std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
+    std::string file;                     // Include: the included source as opened
+    std::string declaration;              // Method: its lines in the class when the body moves out
+    std::string definitionHead;           // Method: the signature line outside the class
 };
 
 // A Global, Const or PreCalc table as the header gets it.
 struct GlobalDefinition {
+    std::string name;                     // as written
     std::string plain;                    // the definition line for the header
-    std::string declaration;              // the extern line, when the definition has to move; empty: cannot move
+    std::string declaration;              // the extern line, when the definition has to move
     std::string definition;               // the line that defines it then
     std::vector<const ClassInfo*> needs;  // classes that must be complete before `plain`
     bool needsPrelude = false;            // uses KVSeq or other support code
+    bool isPreCalc = false;               // written without the comment line before it
 };
 
+// One file's outputs. Filled by the first pass (header sections) and the second (globals, pieces).
 struct FileOutput {
-    std::string source;      // path of the Korvel file as opened
-    std::string folder;      // output folder
-    std::string base;        // base name, ".debug" included for the main file of a debug build
+    std::string source;  // path of the Korvel file as opened
+    std::string folder;  // output folder
+    std::string header;  // path of the header relative to the top output folder
+    std::string base;    // base name, ".debug" included for the main file of a debug build
     bool isMain = false;
-    std::string headerTop;   // from the guard to the function declarations
-    std::string headerGlobals;
-    bool globalsBegun = false;  // "// Global variables and constants" has been written
-    std::deque<Piece> pieces;
+    bool headerOnly = false;    // from a .kvh folder: its .cpp is dropped
+    bool metAgain = false;      // included more than once: its text must count once
+    std::string headerOpening;  // from the guard to "using namespace std;" and its empty line
+    std::string headerPrelude;  // main file only
+    std::string headerClasses;  // forward declarations, instance lists, iteration helpers
+    std::string headerFunctions;
     std::vector<GlobalDefinition> globals;
+    std::string headerLate;  // main file only: definitions that had to leave other headers
+    std::vector<const ClassInfo*> forwardDeclared;    // by headerClasses
+    std::vector<const ClassInfo*> classesInHeader;    // that prototypes and globals mention
+    std::vector<std::string> functionNames;           // with prototypes in headerFunctions, as written
+    std::deque<Piece> pieces;
 };
+
+std::string HeaderPath(const FileOutput& out);
+std::string CppPath(const FileOutput& out);
 
 // Appends a finished line to the open piece.
 void PutLine(FileOutput& out, const std::string& line);
@@ -58,8 +73,12 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls = null
 // Hands a Global, Const or PreCalc definition to the header.
 void PutGlobal(FileOutput& out, const GlobalDefinition& definition);
 
+// Makes `out` the file whose last piece is the open one (an included file's translation has its own).
+void SetOpenOutput(FileOutput* out);
+
 // Notes that the text being produced uses the body of a class (a member, new, delete, a value of an
 // Element, its instance list), so the open piece must stand after it.
 void NeedClass(const ClassInfo* cls);
-// Collects the needs of what is translated until Stop is called, instead of noting them in the open piece.
+// Collects the needs of what is translated into `list` instead of noting them in the open piece;
+// null goes back to the open piece. Returns what was in force before, for restoring it.
 std::vector<const ClassInfo*>* CollectNeedsInto(std::vector<const ClassInfo*>* list);

@@ -32,7 +32,8 @@ struct State {
     int typeLine = 0;
     bool isElement = false;
     ClassInfo* cls = nullptr;       // the class being emitted
-    std::string access = "public";
+    std::string access = "public";         // of the members that follow
+    std::string emittedAccess = "public";  // of the last label in the class body
     bool inExtern = false;
     int externLine = 0;
 

@@ -1,0 +1,136 @@
+// Class bodies and routines: who has to stand behind whose body.
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "prelude/order.h"
+
+namespace {
+
+using Kind = Piece::Kind;
+using ClassSet = std::unordered_set<const ClassInfo*>;
+
+// Calls visit(file, piece) for every piece in the order in which the C++ compiler sees them.
+template <typename Visit>
+void ForEachPiece(Program& program, FileOutput& file, std::unordered_set<FileOutput*>& seen, Visit& visit) {
+    if (!seen.insert(&file).second) return;
+    for (Piece& piece : file.pieces) {
+        if (piece.kind == Kind::Include)
+            for (FileOutput& included : program.files)
+                if (included.source == piece.file) ForEachPiece(program, included, seen, visit);
+        visit(file, piece);
+    }
+}
+
+template <typename Visit>
+void ForEachPiece(Program& program, Visit visit) {
+    std::unordered_set<FileOutput*> seen;
+    ForEachPiece(program, *program.main, seen, visit);
+}
+
+bool InClassBody(const Piece& piece) {
+    return piece.kind == Kind::ClassOpen || piece.kind == Kind::ClassLines || piece.kind == Kind::Method ||
+           piece.kind == Kind::ClassClose;
+}
+
+// What the layout of each class needs: the bodies of the Elements that it holds by value.
+struct Layout {
+    FileOutput* file = nullptr;
+    std::vector<const ClassInfo*> needs;
+};
+
+class ClassPlacer {
+public:
+    explicit ClassPlacer(Program& program) : program(program) {
+        ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Note(file, piece); });
+    }
+
+    void Run() {
+        for (const ClassInfo* cls : order) Place(cls, nullptr);
+    }
+
+private:
+    Program& program;
+    std::unordered_map<const ClassInfo*, Layout> layouts;
+    std::vector<const ClassInfo*> order;  // as the bodies stand
+    ClassSet placed, open;
+
+    void Note(FileOutput& file, Piece& piece) {
+        if (!InClassBody(piece) || piece.kind == Kind::Method) return;
+        Layout& layout = layouts[piece.cls];
+        if (piece.kind == Kind::ClassOpen) {
+            layout.file = &file;
+            order.push_back(piece.cls);
+        }
+        layout.needs.insert(layout.needs.end(), piece.needs.begin(), piece.needs.end());
+    }
+
+    // Places what `cls` holds by value, then `cls` itself: before `user` when that one stands earlier.
+    void Place(const ClassInfo* cls, const ClassInfo* user) {
+        if (placed.count(cls) != 0) return;
+        if (!open.insert(cls).second) FailOnCycle(cls);
+        for (const ClassInfo* need : layouts[cls].needs)
+            if (need != cls && layouts.count(need) != 0) Place(need, cls);
+            else if (need == cls && cls->isElement) FailOnCycle(cls);
+        if (user != nullptr) MoveBefore(cls, user);
+        placed.insert(cls);
+    }
+
+    [[noreturn]] static void FailOnCycle(const ClassInfo* cls) {
+        settings.currentFile = cls->sourceFile;
+        settings.currentLine = cls->line;
+        ReportFatal("'" + cls->name + "' contains itself by value (through its Fields). Use a Type for one of them, " +
+                    "or hold it in a Sequence.");
+    }
+
+    void MoveBefore(const ClassInfo* cls, const ClassInfo* user) {
+        FileOutput& from = *layouts[cls].file;
+        FileOutput& to = *layouts[user].file;
+        auto ofClass = [cls](const Piece& p) { return InClassBody(p) && p.cls == cls; };
+        std::deque<Piece> body;
+        std::copy_if(from.pieces.begin(), from.pieces.end(), std::back_inserter(body), ofClass);
+        from.pieces.erase(std::remove_if(from.pieces.begin(), from.pieces.end(), ofClass), from.pieces.end());
+        auto before = std::find_if(to.pieces.begin(), to.pieces.end(),
+                                   [user](const Piece& p) { return p.kind == Kind::ClassOpen && p.cls == user; });
+        to.pieces.insert(before, body.begin(), body.end());
+        layouts[cls].file = &to;
+    }
+};
+
+bool AllDefined(const Piece& piece, const ClassSet& defined) {
+    return std::all_of(piece.needs.begin(), piece.needs.end(), [&](const ClassInfo* cls) {
+        return cls == piece.cls || defined.count(cls) != 0 || !cls->registered;
+    });
+}
+
+// A Method whose body has to wait leaves its declaration behind.
+Piece TakeMethodBody(Piece& piece) {
+    Piece body;
+    body.kind = Kind::Function;
+    std::size_t signatureEnd = piece.text.find('\n');
+    body.text = piece.definitionHead + piece.text.substr(signatureEnd);
+    piece.text = piece.declaration;
+    return body;
+}
+
+}  // namespace
+
+void OrderClasses(Program& program) { ClassPlacer(program).Run(); }
+
+void OrderRoutines(Program& program) {
+    ClassSet defined;
+    std::deque<Piece> late;
+    ForEachPiece(program, [&](FileOutput& file, Piece& piece) {
+        if (piece.kind == Kind::ClassClose) defined.insert(piece.cls);
+        if (AllDefined(piece, defined)) return;
+        if (piece.kind == Kind::Method && !piece.definitionHead.empty()) late.push_back(TakeMethodBody(piece));
+        bool routine = piece.kind == Kind::Function || piece.kind == Kind::Main;
+        if (!routine || (&file == program.main && piece.kind == Kind::Main)) return;
+        late.push_back(piece);
+        piece.text.clear();
+    });
+    auto& pieces = program.main->pieces;
+    pieces.insert(pieces.end(), late.begin(), late.end());
+}

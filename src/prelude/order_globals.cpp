@@ -1,0 +1,115 @@
+// Globals and Consts: a definition leaves its header when what it uses is declared only later.
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "prelude/order.h"
+
+namespace {
+
+enum class Place : unsigned char {
+    Header,      // where the text stands
+    LateHeader,  // at the end of the main header
+    Cpp,         // at the end of the main .cpp, behind all class bodies
+};
+
+class GlobalPlacer {
+public:
+    explicit GlobalPlacer(Program& program) : program(program) {
+        for (FileOutput* file : program.headers)
+            for (GlobalDefinition& global : file->globals) byName.emplace(global.name, &global);
+    }
+
+    void Run() {
+        for (FileOutput* file : program.headers) {
+            declaredFunctions.insert(file->functionNames.begin(), file->functionNames.end());
+            for (GlobalDefinition& global : file->globals) {
+                Place place = WherePlaced(global, *file);
+                places[global.name] = place;
+                if (place != Place::Header && !global.declaration.empty()) Move(global, place);
+            }
+        }
+        for (const std::string& line : lateLines) program.main->headerLate += line + "\n";
+        if (cppLines.empty()) return;
+        Piece piece;
+        piece.kind = Piece::Kind::Definition;
+        for (const std::string& line : cppLines) piece.text += line + "\n";
+        program.main->pieces.push_back(piece);
+    }
+
+private:
+    Program& program;
+    std::unordered_map<std::string, GlobalDefinition*> byName;
+    std::unordered_map<std::string, Place> places;  // of those already met
+    std::unordered_set<std::string> declaredFunctions;
+    std::unordered_set<std::string> moved;
+    std::vector<std::string> lateLines, cppLines;
+
+    static const Tokens& InitialiserOf(const GlobalDefinition& global) {
+        static const Tokens none;
+        const Variable* variable = FindGlobal(global.name);
+        return variable != nullptr ? variable->initialiser : none;
+    }
+
+    Place WherePlaced(const GlobalDefinition& global, const FileOutput& file) {
+        if (global.isPreCalc) return Place::Header;
+        Place place = !file.isMain && global.needsPrelude ? Place::LateHeader : Place::Header;
+        if (!global.needs.empty()) place = Place::Cpp;
+        for (const std::string& token : InitialiserOf(global)) place = std::max(place, PlaceAfter(token));
+        return place;
+    }
+
+    // Where something that mentions the name may be defined. A call runs code that may create objects,
+    // so it has to wait for the instance lists.
+    Place PlaceAfter(const std::string& name) {
+        if (FindFunction(name) != nullptr) {
+            if (!symbols.classList.empty() || !cppLines.empty()) return Place::Cpp;
+            return declaredFunctions.count(name) != 0 ? Place::Header : Place::LateHeader;
+        }
+        auto met = places.find(name);
+        if (met != places.end()) return met->second;
+        return byName.count(name) != 0 ? Place::LateHeader : Place::Header;
+    }
+
+    // What a moved definition uses must be defined before it.
+    void Move(GlobalDefinition& global, Place place) {
+        if (!moved.insert(global.name).second) return;
+        for (const std::string& token : InitialiserOf(global)) {
+            auto used = byName.find(token);
+            if (used != byName.end() && places.count(token) == 0) MoveLater(*used->second, place);
+        }
+        global.plain = global.declaration;
+        (place == Place::Cpp ? cppLines : lateLines).push_back(global.definition);
+    }
+
+    // A definition of a later header that an earlier one uses: the main header's own Globals stand
+    // before the late lines anyway, others move with their user.
+    void MoveLater(GlobalDefinition& global, Place place) {
+        const auto& own = program.main->globals;
+        bool ofMain = std::any_of(own.begin(), own.end(), [&](const GlobalDefinition& g) { return &g == &global; });
+        if (ofMain || global.declaration.empty()) return;
+        places[global.name] = place;
+        Move(global, place);
+    }
+};
+
+void AddForward(FileOutput& file, const ClassInfo* cls) {
+    file.headerClasses += (cls->isElement ? "struct " : "class ") + cls->cppName + ";\n";
+}
+
+}  // namespace
+
+void OrderGlobals(Program& program) { GlobalPlacer(program).Run(); }
+
+void CompleteHeaders(Program& program) {
+    std::unordered_set<const ClassInfo*> declared;
+    for (FileOutput* file : program.headers) {
+        declared.insert(file->forwardDeclared.begin(), file->forwardDeclared.end());
+        bool mentionsSequence = file->headerFunctions.find("KVSeq<") != std::string::npos;
+        for (const GlobalDefinition& global : file->globals)
+            mentionsSequence = mentionsSequence || global.plain.find("KVSeq<") != std::string::npos;
+        if (!file->isMain && mentionsSequence) file->headerClasses += "template<typename T> class KVSeq;\n";
+        for (const ClassInfo* cls : file->classesInHeader)
+            if (declared.insert(cls).second) AddForward(*file, cls);
+    }
+}
