@@ -1,0 +1,90 @@
+// Whatever bytes kvt is given, it ends with a report or with success: no signal, no hang.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "toolchain.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void Feed(const std::string& bytes, const std::string& what) {
+    const std::string folder = FreshFolder("robustness");
+    WriteFile(folder + "/in.kvl", bytes);
+    fs::create_directories(folder + "/out");
+    const ProcessResult kvt = RunKvt({"-s", folder + "/in.kvl", "-o", folder + "/out", "-c", "-t", "-safe"}, folder);
+    const bool ended = kvt.exitStatus == 0 || kvt.exitStatus == 1;
+    if (!ended) WriteFile(GetPlaces().work + "/robustness-failed.kvl", bytes);
+    EXPECT_TRUE(ended) << what << ": kvt " << DescribeEnd(kvt) << " (source kept as robustness-failed.kvl)\n" << kvt.err.substr(0, 3000);
+    if (kvt.exitStatus == 1) {
+        const bool report = kvt.out.find("Error: ") != std::string::npos || !kvt.err.empty();
+        EXPECT_TRUE(report) << what << ": status 1 without a word";
+    }
+}
+
+std::vector<std::string> ExampleTexts() {
+    std::vector<std::string> texts;
+    const std::string root = GetPlaces().source + "/examples";
+    if (!fs::exists(root)) return texts;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (entry.path().extension() == ".kvl") texts.push_back(ReadFile(entry.path().string()));
+    }
+    return texts;
+}
+
+TEST(Robustness, EmptyAndTinySources) {
+    for (const std::string bytes : {"", "\n", ";", "_", "_\n_\n", "|", "\"", "\\", std::string(1, '\0').c_str(), "\xEF\xBB\xBF"}) Feed(bytes, "'" + bytes + "'");
+    Feed(std::string("\0\0\n\0", 4), "zero bytes");
+}
+
+TEST(Robustness, OwnBinary) { Feed(ReadFile(GetPlaces().stage + "/bin/kvt"), "kvt itself"); }
+
+TEST(Robustness, RandomBytes) {
+    std::mt19937 random(20240607);
+    for (int round = 0; round < 40; ++round) {
+        std::string bytes(1 + random() % 3000, '\0');
+        const unsigned range = round % 2 == 0 ? 256 : 96;  // any bytes, printable bytes
+        for (char& c : bytes) {
+            c = static_cast<char>(range == 256 ? random() % 256 : 32 + random() % 96);
+            if (random() % 40 == 0) c = '\n';
+        }
+        Feed(bytes, "random bytes, round " + std::to_string(round));
+    }
+}
+
+// Programs cut off anywhere, and programs with a word or a line in the wrong place.
+TEST(Robustness, DamagedExamples) {
+    std::mt19937 random(4711);
+    for (const std::string& text : ExampleTexts()) {
+        if (text.empty()) continue;
+        for (int round = 0; round < 6; ++round) Feed(text.substr(0, random() % text.size()), "cut off example");
+        for (int round = 0; round < 6; ++round) {
+            std::string damaged = text;
+            const std::size_t from = random() % text.size(), length = 1 + random() % 30;
+            const std::string piece = text.substr(random() % text.size(), random() % 30);
+            damaged.replace(from, length, piece);
+            Feed(damaged, "damaged example");
+        }
+    }
+}
+
+// Depth and length that would exhaust a careless recursion or a fixed buffer.
+TEST(Robustness, ExtremeLines) {
+    const std::string head = "Function Main\n    Local a:Int = 1\n    ", tail = "\nEndFunction\n";
+    auto repeat = [](const std::string& text, int times) {
+        std::string all;
+        for (int i = 0; i < times; ++i) all += text;
+        return all;
+    };
+    Feed(head + "a = " + repeat("(", 20000) + "1" + repeat(")", 20000) + tail, "20000 parentheses");
+    Feed(head + "a = " + repeat("-", 20000) + "1" + tail, "20000 signs");
+    Feed(head + "a = 1" + repeat(" + 1", 100000) + tail, "100000 terms");
+    Feed(head + repeat("If a = 1 Then ", 3000) + "a = 2" + tail, "3000 nested Thens");
+    Feed(head + repeat("If a = 1\n", 5000) + tail, "5000 open blocks");
+    Feed(head + "Print \"" + repeat("x", 1000000) + "\"" + tail, "string of a megabyte");
+    Feed(head + "a = " + repeat("b", 1000000) + tail, "name of a megabyte");
+}
+
+}  // namespace
