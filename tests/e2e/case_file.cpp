@@ -14,23 +14,23 @@ namespace {
 // line numbers are those that an editor shows.
 struct Draft {
     Case result;
-    std::map<std::string, std::map<int, std::string>> lines;  // by path
+    std::map<std::string, std::map<int, std::string>> lines;   // by path
     std::map<std::string, std::pair<std::string, int>> holes;  // name -> path and line
     std::vector<std::string> encodings;
     std::string openFile;
     std::string holeIndent;  // blanks in front of the line that is being filled
-    int rowLine = 0;    // line of the hole that the row fills
+    int rowLine = 0;         // line of the hole that the row fills
     bool lineGiven = false;
 };
 
 struct Reader {
     std::string path, stem;
     int number = 0;
-    Draft shared;              // what stands before the first case
-    Draft current;             // the open case
-    Draft frame;               // the open case without rows
+    Draft shared;   // what stands before the first case
+    Draft current;  // the open case
+    Draft frame;    // the open case without rows
     bool inCase = false, sharedRead = false, inRow = false, hasRows = false;
-    bool blockOpen = false;    // the last line was an expect-lines
+    bool blockOpen = false;  // the last line was an expect-lines
     std::string rowHole;
     int rowCount = 0;
     std::vector<Case> cases;
@@ -84,14 +84,16 @@ void Finish(Reader& reader, Draft draft, const std::string& name) {
         for (const std::string& encoding : draft.encodings) text = Encode(text, encoding);
         result.files[path] = text;
     }
-    if (result.wantsError && !draft.lineGiven) reader.Fail("case " + name + " expects an error but not on which line");
+    if (result.wantsError && !draft.lineGiven)
+        reader.Fail("case " + name + " expects an error but not on which line");
     if (result.wantsError && result.errorFile.empty()) result.errorFile = result.mainFile;
     result.name = Identifier(reader.stem + (name.empty() ? "" : "_" + name));
     reader.cases.push_back(result);
 }
 
 void CloseRow(Reader& reader) {
-    if (reader.inRow) Finish(reader, reader.current, reader.frame.result.name + "_row" + std::to_string(reader.rowCount));
+    if (reader.inRow)
+        Finish(reader, reader.current, reader.frame.result.name + "_row" + std::to_string(reader.rowCount));
     reader.inRow = false;
 }
 
@@ -117,7 +119,8 @@ void BeginCase(Reader& reader, const std::string& name) {
 // Puts one more line of a row into its hole; lines after the first push the rest of the file down.
 void Fill(Reader& reader, const std::string& hole, const std::string& text, bool first) {
     auto found = reader.current.holes.find(hole);
-    if (found == reader.current.holes.end()) reader.Fail("no line ';here" + (hole.empty() ? "" : " " + hole) + "' to fill");
+    if (found == reader.current.holes.end())
+        reader.Fail("no line ';here" + (hole.empty() ? "" : " " + hole) + "' to fill");
     auto& [path, line] = found->second;
     auto& lines = reader.current.lines[path];
     if (!first) {
@@ -189,13 +192,19 @@ const std::map<std::string, Handler>& Directives() {
     static const std::map<std::string, Handler> table{
         {"case", BeginCase},
         {"row", BeginRow},
-        {"fill", [](Reader& r, const std::string& text) {
+        {"fill",
+         [](Reader& r, const std::string& text) {
              const std::size_t blank = text.find(' ');
              Fill(r, text.substr(0, blank), blank == std::string::npos ? "" : text.substr(blank + 1), true);
          }},
         {"+", [](Reader& r, const std::string& text) { Fill(r, r.rowHole, text, false); }},
-        {"file", [](Reader& r, const std::string& text) { r.current.openFile = text; r.current.lines[text]; }},
-        {"main", [](Reader& r, const std::string& text) { r.current.result.mainFile = r.current.openFile = text; }},
+        {"file",
+         [](Reader& r, const std::string& text) {
+             r.current.openFile = text;
+             r.current.lines[text];
+         }},
+        {"main",
+         [](Reader& r, const std::string& text) { r.current.result.mainFile = r.current.openFile = text; }},
         {"flags", [](Reader& r, const std::string& text) { r.current.result.flags = Words(text); }},
         {"command", [](Reader& r, const std::string& text) { r.current.result.command = Words(text); }},
         {"modes", [](Reader& r, const std::string& text) { r.current.result.modes = Words(text); }},
@@ -204,7 +213,8 @@ const std::map<std::string, Handler>& Directives() {
         {"stdin", [](Reader& r, const std::string& text) { r.current.result.input += text + "\n"; }},
         {"=>", [](Reader& r, const std::string& text) { r.current.result.output += text + "\n"; }},
         {"expect-output", [](Reader& r, const std::string& text) { r.current.result.output += text + "\n"; }},
-        {"expect-exit", [](Reader& r, const std::string& text) { r.current.result.exitStatus = std::stoi(text); }},
+        {"expect-exit",
+         [](Reader& r, const std::string& text) { r.current.result.exitStatus = std::stoi(text); }},
         {"expect-error", [](Reader& r, const std::string& text) { ExpectError(r, text, false, false); }},
         {"error", [](Reader& r, const std::string& text) { ExpectError(r, text, false, false); }},
         {"lexer-error", [](Reader& r, const std::string& text) { ExpectError(r, text, true, false); }},
@@ -234,7 +244,9 @@ bool CutDirective(const std::string& comment, std::string& name, std::string& va
     } else if (comment.compare(0, 2, ";+") == 0) {
         end = 2;
     } else {
-        while (end < comment.size() && (std::islower(static_cast<unsigned char>(comment[end])) != 0 || comment[end] == '-')) ++end;
+        while (end < comment.size() &&
+               (std::islower(static_cast<unsigned char>(comment[end])) != 0 || comment[end] == '-'))
+            ++end;
     }
     name = comment.substr(1, end - 1);
     const bool colon = end < comment.size() && comment[end] == ':';

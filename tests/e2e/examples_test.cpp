@@ -49,11 +49,13 @@ void ExampleTest::TestBody() {
     options.precompiled = false;
     options.linkerFlags = ReadFile(fs::path(source).replace_extension(".linkflags").string());
     const ProcessResult compiler = CompileProgram(output + "/" + MainCpp(source, mode), folder, options);
-    ASSERT_EQ(compiler.exitStatus, 0) << "the C++ compiler " << DescribeEnd(compiler) << "\n" << compiler.err.substr(0, 4000);
+    ASSERT_EQ(compiler.exitStatus, 0) << "the C++ compiler " << DescribeEnd(compiler) << "\n"
+                                      << compiler.err.substr(0, 4000);
 
     const std::string expected = root + "/expected/" + example.name;
     ASSERT_TRUE(fs::exists(expected + ".txt")) << "no stored output " << expected << ".txt";
-    const ProcessResult program = RunProcess({folder + "/program"}, folder, ReadFile(expected + ".in"), programSeconds);
+    const ProcessResult program =
+        RunProcess({folder + "/program"}, folder, ReadFile(expected + ".in"), programSeconds);
     EXPECT_EQ(program.exitStatus, 0) << "the program " << DescribeEnd(program) << "\n" << program.err;
     const std::string wanted = ReadFile(expected + ".txt");
     EXPECT_TRUE(program.out == wanted) << FirstDifference(wanted, program.out) << "\nfiles: " << folder;
@@ -64,10 +66,13 @@ void ExampleTest::TestBody() {
 bool HasMain(const fs::path& file) {
     std::istringstream text(ReadFile(file.string()));
     for (std::string line; std::getline(text, line);) {
-        std::transform(line.begin(), line.end(), line.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        std::transform(line.begin(), line.end(), line.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
         std::istringstream words(line);
         std::string first, second;
-        if (words >> first && first == "function" && std::getline(words >> std::ws, second) && second.compare(0, 4, "main") == 0) return true;
+        if (words >> first && first == "function" && std::getline(words >> std::ws, second) &&
+            second.compare(0, 4, "main") == 0)
+            return true;
     }
     return false;
 }
@@ -76,8 +81,10 @@ std::vector<Example> FindExamples(const fs::path& root) {
     std::vector<Example> examples;
     for (const auto& entry : fs::directory_iterator(root)) {
         const std::string name = entry.path().filename().string();
-        if (entry.is_directory() && fs::exists(entry.path() / "main.kvl")) examples.push_back({name, name + "/main.kvl"});
-        if (entry.path().extension() == ".kvl" && HasMain(entry.path())) examples.push_back({entry.path().stem().string(), name});
+        if (entry.is_directory() && fs::exists(entry.path() / "main.kvl"))
+            examples.push_back({name, name + "/main.kvl"});
+        if (entry.path().extension() == ".kvl" && HasMain(entry.path()))
+            examples.push_back({entry.path().stem().string(), name});
     }
     return examples;
 }
@@ -89,7 +96,8 @@ void RegisterExamples(const std::string& root) {
     for (const Example& example : FindExamples(root)) {
         for (const std::string mode : modes) {
             std::string name = example.name + (mode == "plain" ? "" : "_" + mode);
-            std::replace_if(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+            std::replace_if(
+                name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
             testing::RegisterTest("examples", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                                   [=]() -> testing::Test* { return new ExampleTest(example, root, mode); });
         }

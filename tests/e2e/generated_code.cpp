@@ -21,7 +21,8 @@ std::size_t SkipQuoted(const std::string& code, std::size_t i, char quote) {
 std::size_t SkipInert(const std::string& code, std::size_t i) {
     if (code.compare(i, 2, "//") == 0) return SkipTo(code, i, "\n");
     if (code.compare(i, 2, "/*") == 0) return SkipTo(code, i + 2, "*/");
-    if (code.compare(i, 2, "R\"") == 0 && (i == 0 || std::isalnum(static_cast<unsigned char>(code[i - 1])) == 0)) {
+    if (code.compare(i, 2, "R\"") == 0 &&
+        (i == 0 || std::isalnum(static_cast<unsigned char>(code[i - 1])) == 0)) {
         const std::size_t open = code.find('(', i);
         if (open == std::string::npos) return code.size();
         return SkipTo(code, open, ")" + code.substr(i + 2, open - i - 2) + "\"");
@@ -34,8 +35,11 @@ bool IsHole(const std::string& code, std::size_t i) {
     if (code[i] == '@' || code[i] == '$' || code[i] == '`') return true;
     if (code.compare(i, 2, "{{") != 0) return false;
     std::size_t end = i + 2;
-    while (end < code.size() && (std::isalnum(static_cast<unsigned char>(code[end])) != 0 || code[end] == '_')) ++end;
-    return end > i + 2 && std::isalpha(static_cast<unsigned char>(code[i + 2])) != 0 && code.compare(end, 2, "}}") == 0;
+    while (end < code.size() &&
+           (std::isalnum(static_cast<unsigned char>(code[end])) != 0 || code[end] == '_'))
+        ++end;
+    return end > i + 2 && std::isalpha(static_cast<unsigned char>(code[i + 2])) != 0 &&
+           code.compare(end, 2, "}}") == 0;
 }
 
 }  // namespace
@@ -54,7 +58,8 @@ std::string FindFault(const std::string& code) {
         if (openers.find(c) != std::string::npos) open += c;
         const std::size_t kind = closers.find(c);
         if (kind == std::string::npos) continue;
-        if (open.empty() || open.back() != openers[kind]) return std::string("stray '") + c + "' in line " + std::to_string(line);
+        if (open.empty() || open.back() != openers[kind])
+            return std::string("stray '") + c + "' in line " + std::to_string(line);
         open.pop_back();
     }
     return open.empty() ? "" : std::string("'") + open.back() + "' is never closed";

@@ -25,7 +25,8 @@ private:
 
 std::string SuiteName(const fs::path& file, const fs::path& root) {
     std::string name = fs::relative(file.parent_path(), root).generic_string();
-    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '.' || c == '-'; }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '/' || c == '.' || c == '-'; }, '_');
     return "cases_" + name;
 }
 
@@ -41,7 +42,8 @@ void RegisterCases(const fs::path& root) {
             const std::string suite = SuiteName(file, root);
             for (const std::string& mode : test.modes) {
                 const std::string name = test.name + (mode == "plain" ? "" : "_" + mode);
-                if (!taken.insert(suite + "." + name).second) throw std::runtime_error(test.place + ": second case named " + name);
+                if (!taken.insert(suite + "." + name).second)
+                    throw std::runtime_error(test.place + ": second case named " + name);
                 Case own = test;
                 own.name = suite + "." + test.name;
                 testing::RegisterTest(suite.c_str(), name.c_str(), nullptr, nullptr, file.c_str(), 1,

@@ -50,8 +50,8 @@ static void Redirect(const std::string& path, int flags, int target) {
     _exit(127);
 }
 
-ProcessResult RunProcess(const std::vector<std::string>& command, const std::string& folder, const std::string& input,
-                         int seconds) {
+ProcessResult RunProcess(const std::vector<std::string>& command, const std::string& folder,
+                         const std::string& input, int seconds) {
     const std::string base = folder + "/process";
     WriteFile(base + ".in", input);
     ProcessResult result;

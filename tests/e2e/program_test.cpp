@@ -21,8 +21,10 @@ struct Run {
 
 // Lets expectations name the places of this run.
 std::string Expand(const Run& run, std::string text) {
-    const std::pair<const char*, std::string> names[] = {
-        {"{dir}", run.folder + "/src"}, {"{main}", run.source}, {"{out}", run.output}, {"{root}", GetPlaces().stage}};
+    const std::pair<const char*, std::string> names[] = {{"{dir}", run.folder + "/src"},
+                                                         {"{main}", run.source},
+                                                         {"{out}", run.output},
+                                                         {"{root}", GetPlaces().stage}};
     for (const auto& [name, value] : names) {
         for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos; at += value.size()) {
             text.replace(at, std::string(name).size(), value);
@@ -48,14 +50,16 @@ void CheckError(const Run& run) {
     const std::string line = std::to_string(test.errorLine);
     if (test.lexerError) {
         const std::string report = "(line " + line + "): " + test.error + "\nLine: ";
-        EXPECT_NE(run.kvt.err.find(report), std::string::npos) << "wanted: " << report << "\ngot: " << run.kvt.err;
+        EXPECT_NE(run.kvt.err.find(report), std::string::npos)
+            << "wanted: " << report << "\ngot: " << run.kvt.err;
         EXPECT_NE(run.kvt.err.find(test.errorFile), std::string::npos) << run.kvt.err;
         return;
     }
     const std::size_t at = run.kvt.out.find("Error: ");
     const std::string report = at == std::string::npos ? run.kvt.out : run.kvt.out.substr(at);
     const std::string file = test.errorFile == "none" ? "" : run.folder + "/src/" + test.errorFile;
-    EXPECT_EQ(report, "Error: " + Expand(run, test.error) + "\nFile: " + file + "\nLine: " + line + "\n\n") << run.kvt.err;
+    EXPECT_EQ(report, "Error: " + Expand(run, test.error) + "\nFile: " + file + "\nLine: " + line + "\n\n")
+        << run.kvt.err;
 }
 
 std::string WithoutIndent(const std::string& line) {
@@ -97,8 +101,9 @@ void CheckFragments(const Run& run, bool ran) {
             wanted.clear();
             for (const std::string& line : fragment.text) wanted += line + "\n";
         }
-        EXPECT_EQ(found, fragment.wanted) << (fragment.wanted ? "missing in " : "must not be in ") << fragment.where << ":\n"
-                                          << wanted << "\nfiles: " << run.output << (fragment.where.size() > 6 ? "\n" + text : "");
+        EXPECT_EQ(found, fragment.wanted)
+            << (fragment.wanted ? "missing in " : "must not be in ") << fragment.where << ":\n"
+            << wanted << "\nfiles: " << run.output << (fragment.where.size() > 6 ? "\n" + text : "");
     }
 }
 
@@ -108,18 +113,22 @@ void CompileAndRun(Run& run) {
     options.linkerFlags = ReadFile(fs::path(run.source).replace_extension(".linkflags").string());
     const std::string cpp = run.output + "/" + MainCpp(run.source, run.mode);
     const ProcessResult compiler = CompileProgram(cpp, run.folder, options);
-    ASSERT_EQ(compiler.exitStatus, 0) << "the C++ compiler " << DescribeEnd(compiler) << "\n" << compiler.err.substr(0, 4000);
+    ASSERT_EQ(compiler.exitStatus, 0) << "the C++ compiler " << DescribeEnd(compiler) << "\n"
+                                      << compiler.err.substr(0, 4000);
 
     std::vector<std::string> command{run.folder + "/program"};
     for (const std::string& word : run.test.arguments) command.push_back(word);
     run.program = RunProcess(command, run.folder, run.test.input, programSeconds);
     const ProcessResult& program = run.program;
-    EXPECT_EQ(program.exitStatus, run.test.exitStatus) << "the program " << DescribeEnd(program) << "\n" << program.err;
+    EXPECT_EQ(program.exitStatus, run.test.exitStatus) << "the program " << DescribeEnd(program) << "\n"
+                                                       << program.err;
     const std::string& wanted = run.test.output;
     const bool same = program.out == wanted || program.out + "\n" == wanted;
-    EXPECT_TRUE(same) << FirstDifference(wanted, program.out) << "\nsource: " << run.source << "\n" << program.err;
+    EXPECT_TRUE(same) << FirstDifference(wanted, program.out) << "\nsource: " << run.source << "\n"
+                      << program.err;
     bool errorsExpected = false;
-    for (const Fragment& fragment : run.test.fragments) errorsExpected = errorsExpected || fragment.where == "run-stderr";
+    for (const Fragment& fragment : run.test.fragments)
+        errorsExpected = errorsExpected || fragment.where == "run-stderr";
     if (!errorsExpected) {
         EXPECT_EQ(program.err, "");
     }
@@ -154,7 +163,8 @@ void RunCase(const Case& test, const std::string& mode) {
     }
     const bool translates = test.command.empty();
     const int wantedStatus = translates ? 0 : test.exitStatus;
-    ASSERT_EQ(run.kvt.exitStatus, wantedStatus) << "kvt " << DescribeEnd(run.kvt) << "\n" << run.kvt.out << run.kvt.err;
+    ASSERT_EQ(run.kvt.exitStatus, wantedStatus) << "kvt " << DescribeEnd(run.kvt) << "\n"
+                                                << run.kvt.out << run.kvt.err;
     EXPECT_EQ(CheckGenerated(run.output), "");
     const bool runs = translates && !test.translateOnly && !GetPlaces().translateOnly;
     if (runs) CompileAndRun(run);

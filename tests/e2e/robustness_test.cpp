@@ -14,10 +14,12 @@ void Feed(const std::string& bytes, const std::string& what) {
     const std::string folder = FreshFolder("robustness");
     WriteFile(folder + "/in.kvl", bytes);
     fs::create_directories(folder + "/out");
-    const ProcessResult kvt = RunKvt({"-s", folder + "/in.kvl", "-o", folder + "/out", "-c", "-t", "-safe"}, folder);
+    const ProcessResult kvt =
+        RunKvt({"-s", folder + "/in.kvl", "-o", folder + "/out", "-c", "-t", "-safe"}, folder);
     const bool ended = kvt.exitStatus == 0 || kvt.exitStatus == 1;
     if (!ended) WriteFile(GetPlaces().work + "/robustness-failed.kvl", bytes);
-    EXPECT_TRUE(ended) << what << ": kvt " << DescribeEnd(kvt) << " (source kept as robustness-failed.kvl)\n" << kvt.err.substr(0, 3000);
+    EXPECT_TRUE(ended) << what << ": kvt " << DescribeEnd(kvt) << " (source kept as robustness-failed.kvl)\n"
+                       << kvt.err.substr(0, 3000);
     if (kvt.exitStatus == 1) {
         const bool report = kvt.out.find("Error: ") != std::string::npos || !kvt.err.empty();
         EXPECT_TRUE(report) << what << ": status 1 without a word";
@@ -35,7 +37,9 @@ std::vector<std::string> ExampleTexts() {
 }
 
 TEST(Robustness, EmptyAndTinySources) {
-    for (const std::string bytes : {"", "\n", ";", "_", "_\n_\n", "|", "\"", "\\", std::string(1, '\0').c_str(), "\xEF\xBB\xBF"}) Feed(bytes, "'" + bytes + "'");
+    for (const std::string bytes :
+         {"", "\n", ";", "_", "_\n_\n", "|", "\"", "\\", std::string(1, '\0').c_str(), "\xEF\xBB\xBF"})
+        Feed(bytes, "'" + bytes + "'");
     Feed(std::string("\0\0\n\0", 4), "zero bytes");
 }
 
@@ -59,7 +63,8 @@ TEST(Robustness, DamagedExamples) {
     std::mt19937 random(4711);
     for (const std::string& text : ExampleTexts()) {
         if (text.empty()) continue;
-        for (int round = 0; round < 6; ++round) Feed(text.substr(0, random() % text.size()), "cut off example");
+        for (int round = 0; round < 6; ++round)
+            Feed(text.substr(0, random() % text.size()), "cut off example");
         for (int round = 0; round < 6; ++round) {
             std::string damaged = text;
             const std::size_t from = random() % text.size(), length = 1 + random() % 30;

@@ -54,7 +54,8 @@ ProcessResult RunKvt(const std::vector<std::string>& arguments, const std::strin
 static std::vector<std::string> FilesBelow(const std::string& folder, const std::string& extension) {
     std::vector<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file() && entry.path().extension() == extension) files.push_back(entry.path().string());
+        if (entry.is_regular_file() && entry.path().extension() == extension)
+            files.push_back(entry.path().string());
     }
     std::sort(files.begin(), files.end());
     return files;
@@ -77,22 +78,26 @@ std::string CheckGenerated(const std::string& outputFolder) {
 }
 
 static std::vector<std::string> CompilerCommand(const CompileOptions& options) {
-    std::vector<std::string> command{FromEnvironment("CXX", "g++"), "-std=c++11", "-O0", "-I" + GetPlaces().stage + "/include"};
+    std::vector<std::string> command{FromEnvironment("CXX", "g++"), "-std=c++11", "-O0",
+                                     "-I" + GetPlaces().stage + "/include"};
     if (options.sanitize) {
-        for (const char* flag : {"-fsanitize=address,undefined", "-fno-sanitize-recover=all", "-g1"}) command.emplace_back(flag);
+        for (const char* flag : {"-fsanitize=address,undefined", "-fno-sanitize-recover=all", "-g1"})
+            command.emplace_back(flag);
     }
     return command;
 }
 
 static const char* const standardIncludes =
     "#include <iostream>\n#include <iomanip>\n#include <string>\n#include <vector>\n#include <algorithm>\n"
-    "#include <type_traits>\n#include <cstdlib>\n#include <limits>\n#include <conio.h>\n#include <functional>\n"
+    "#include <type_traits>\n#include <cstdlib>\n#include <limits>\n#include <conio.h>\n#include "
+    "<functional>\n"
     "#include <chrono>\n#include <cmath>\n";
 
 // The header to include first, precompiled when this compiler and this conio.h have not met before.
 // Runners working side by side wait for the one that makes it.
 static std::string PrecompiledHeader(const CompileOptions& options) {
-    const std::string folder = GetPlaces().work + (options.sanitize ? "/precompiled-sanitized" : "/precompiled");
+    const std::string folder =
+        GetPlaces().work + (options.sanitize ? "/precompiled-sanitized" : "/precompiled");
     const std::string header = folder + "/standard.h", compiled = header + ".gch";
     const std::string conio = GetPlaces().stage + "/include/conio.h";
     fs::create_directories(folder);
@@ -102,7 +107,8 @@ static std::string PrecompiledHeader(const CompileOptions& options) {
     if (!fs::exists(compiled) || fs::last_write_time(compiled) < fs::last_write_time(conio, missing)) {
         WriteFile(header, standardIncludes);
         std::vector<std::string> command = CompilerCommand(options);
-        for (const std::string& word : {std::string("-x"), std::string("c++-header"), header, std::string("-o"), compiled}) {
+        for (const std::string& word :
+             {std::string("-x"), std::string("c++-header"), header, std::string("-o"), compiled}) {
             command.push_back(word);
         }
         RunProcess(command, folder, "", compileSeconds);
@@ -111,13 +117,15 @@ static std::string PrecompiledHeader(const CompileOptions& options) {
     return header;
 }
 
-ProcessResult CompileProgram(const std::string& cppFile, const std::string& folder, const CompileOptions& options) {
+ProcessResult CompileProgram(const std::string& cppFile, const std::string& folder,
+                             const CompileOptions& options) {
     std::vector<std::string> command = CompilerCommand(options);
     if (options.precompiled) {
         command.emplace_back("-include");
         command.push_back(PrecompiledHeader(options));
     }
-    for (const std::string& word : {std::string("-o"), folder + "/program", cppFile, std::string("-Wl,-rpath,$ORIGIN")}) {
+    for (const std::string& word :
+         {std::string("-o"), folder + "/program", cppFile, std::string("-Wl,-rpath,$ORIGIN")}) {
         command.push_back(word);
     }
     std::istringstream flags(options.linkerFlags);

@@ -31,7 +31,8 @@ struct CompileOptions {
     std::string linkerFlags;
 };
 // Compiles to `folder`/program.
-ProcessResult CompileProgram(const std::string& cppFile, const std::string& folder, const CompileOptions& options);
+ProcessResult CompileProgram(const std::string& cppFile, const std::string& folder,
+                             const CompileOptions& options);
 
 // The concatenated files below a folder that end in `extension`.
 std::string ReadAll(const std::string& folder, const std::string& extension);
