@@ -12,31 +12,37 @@ struct ScopeBlock {
     std::vector<std::string> names;     // as the scope rules see them
     std::vector<Variable*> variables;   // what each declaration in the block is, shadowing ones included
 };
+struct VisibleVariable {
+    Variable* variable = nullptr;
+    std::size_t block = 0;  // index of its block in `leaves`
+};
 struct ScopeBranch {
     std::vector<ScopeBlock> leaves;  // open blocks, the last is the current one
     std::deque<Variable> storage;    // every variable of the routine, ended blocks included
-    std::unordered_map<std::string, std::vector<Variable*>> visible;  // by name, innermost last
+    std::unordered_map<std::string, std::vector<VisibleVariable>> visible;  // by name, innermost last
     std::unordered_map<std::string, int> ended;  // names of ended blocks -> line of declaration
 };
 
-extern std::vector<ScopeBranch> localDefList;  // one branch per open routine, the last is the current one
+extern std::deque<ScopeBranch> localDefList;  // one branch per open routine, the last is the current one
 
 void ResetScopes();
 void PushRoutineScope();
 void PopRoutineScope();
-void PushBlock();
+void PushBlock();  // opens the routine's outermost block, too, when it has none yet
 void PopBlock();  // leaves the routine's outermost block alone
 std::size_t BlockCount();
 
 // Declares a variable in the current block after the identifier and scope checks, each of which ends
 // the run. Returns the record that look-ups find from here on, for the caller to fill in.
 Variable& AddVarToScopeList(const std::string& name);
+// The same without any check, for names that the compiler declares itself ("this").
+Variable& AddOwnName(const std::string& name);
 
 bool IsVariableInScope(const std::string& name);
 
 // The Local, parameter or loop variable that the name means here; null when there is none.
 const Variable* FindLocal(const std::string& name);
-// Local, then Field of the Type whose Method is open (see FindMember), then Global, Const or PreCalc table.
+// Local, then Field of the Type whose Method is open, then Global, Const or PreCalc table.
 const Variable* FindVariable(const std::string& name);
 // True when a block of the current routine that has ended declared the name.
 bool WasInEndedBlock(const std::string& name);

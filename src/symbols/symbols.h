@@ -115,6 +115,11 @@ struct Symbols {
     std::unordered_map<std::string, std::string> userlibFunctions;  // name -> C++ return type
     std::unordered_map<std::string, Routine> userlibRoutines;       // name -> signature of the later declaration
 
+    // Paths of the program's source files, the main one first. Written by the name scan.
+    std::vector<std::string> sourceFiles;
+    // Files whose declarations have been collected once. Written and read by the first pass.
+    std::unordered_set<std::string> collectedFiles;
+
     // Names of files already included or imported, and what the run produces.
     std::vector<std::string> processedNames;
     std::vector<std::string> includeHeaders;
@@ -130,8 +135,10 @@ ClassInfo* FindClass(const std::string& name);
 bool IsClass(const std::string& name);    // declared anywhere
 bool IsElement(const std::string& name);  // false when there is no such class
 const Routine* FindFunction(const std::string& name);  // Functions and Extern functions
+bool HasMainFunction();                                // "main" in any letter case
 const Routine* FindUserlibFunction(const std::string& name);
 const Routine* FindMethod(const ClassInfo& cls, const std::string& name);
+// The Field's type is settled like that of a Global.
 const Variable* FindField(const ClassInfo& cls, const std::string& name);
 
 // A Global, Const or PreCalc table, its type settled (an untyped one takes that of its initialiser).

@@ -44,7 +44,7 @@ inline ValueType Single(Base base, const ClassInfo* cls = nullptr) { return {bas
 
 // The C++ spelling of a variable of the type: "int", "KVL_TFoo*", "KVSeq<int>",
 // "std::vector<std::vector<double>>". Arrays of Elements hold pointers ("std::vector<KVL_TPoint*>");
-// arrays of Bool are "std::vector<KVBool>" once a program has to pass one on as bool* (see support.h).
+// arrays of Bool are "std::vector<KVBool>" (Support::BoolArray; declaring one requires it).
 std::string CppName(const ValueType& type);
 
 // The C++ spelling in signatures: arrays become pointers ("int*", "double**", "KVL_TPoint**").

@@ -1,0 +1,49 @@
+#include "symbols/identifiers.h"
+
+#include "driver/report.h"
+#include "lexer/lexer.h"
+#include "symbols/symbols.h"
+
+WordLists wordLists;
+
+namespace {
+
+const std::unordered_set<std::string> neverPrefixed = {
+    "std",     "string", "vector", "cout",     "endl",   "NULL",  "nullptr", "true",    "false",
+    "return",  "if",     "else",   "for",      "while",  "break", "continue", "class",  "struct",
+    "public",  "private", "protected", "int",  "float",  "double", "char",   "void",    "bool",
+    "const",   "static", "extern", "sizeof",   "typedef", "enum", "new",     "delete",  "this",
+};
+
+constexpr char typeNamingHint[] =
+    "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, TMyType)";
+
+}  // namespace
+
+bool IsReservedCppName(const std::string& name) {
+    return name != "main" && symbols.externFunctions.count(name) == 0 &&
+           symbols.userlibFunctions.count(name) == 0 && neverPrefixed.count(name) == 0;
+}
+
+std::string SafeName(const std::string& name) { return IsReservedCppName(name) ? "KVL_" + name : name; }
+
+bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.count(name) != 0; }
+
+bool IsReservedKeyword(const std::string& name) { return wordLists.reservedKeywords.count(Lower(name)) != 0; }
+
+void CheckCppWord(const std::string& name) {
+    if (IsCppWord(name)) {
+        ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier");
+    }
+}
+
+void CheckKeyword(const std::string& name) {
+    if (IsReservedKeyword(name)) {
+        ReportFatal("This is a reserved Korvel keyword '" + name + "', use another identifier");
+    }
+}
+
+void FailUnknownType(const std::string& name) {
+    const bool calledForHint = !name.empty() && name[0] >= 'A' && name[0] <= 'Z' && name[0] != 'T';
+    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""));
+}

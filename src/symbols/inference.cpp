@@ -1,0 +1,75 @@
+// Look-ups of variables whose type may have to be taken from their initialiser.
+#include <unordered_set>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "prelude/output.h"
+#include "symbols/scopes.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+// Variables whose initialiser is being typed, to notice those that depend on themselves.
+std::unordered_set<const Variable*> underWay;
+
+// The place and the names that hold where a variable is declared, put in force while its initialiser is
+// looked at from somewhere else.
+class DeclarationContext {
+public:
+    DeclarationContext(const Variable& variable, const ClassInfo* owner)
+        : file(settings.currentFile), line(settings.currentLine), cls(currentClass) {
+        settings.currentFile = variable.file;
+        settings.currentLine = variable.line;
+        currentClass = owner;
+        PushRoutineScope();
+        outerNeeds = CollectNeedsInto(&ignoredNeeds);
+    }
+    ~DeclarationContext() {
+        CollectNeedsInto(outerNeeds);
+        PopRoutineScope();
+        settings.currentFile = file;
+        settings.currentLine = line;
+        currentClass = cls;
+    }
+    DeclarationContext(const DeclarationContext&) = delete;
+    DeclarationContext& operator=(const DeclarationContext&) = delete;
+
+private:
+    std::string file;
+    int line;
+    const ClassInfo* cls;
+    std::vector<const ClassInfo*> ignoredNeeds;
+    std::vector<const ClassInfo*>* outerNeeds = nullptr;
+};
+
+void Settle(Variable& variable, const ClassInfo* owner) {
+    if (variable.type.IsKnown() || variable.initialiser.empty()) return;
+    DeclarationContext context(variable, owner);
+    if (!underWay.insert(&variable).second) {
+        ReportFatal("The initial value of '" + variable.name +
+                    "' depends on itself, so its type cannot be found");
+    }
+    variable.type = InferType(variable.initialiser);
+    underWay.erase(&variable);
+}
+
+const Variable* FindIn(std::unordered_map<std::string, Variable>& variables, const std::string& name,
+                       const ClassInfo* owner) {
+    const auto found = variables.find(name);
+    if (found == variables.end()) return nullptr;
+    Settle(found->second, owner);
+    return &found->second;
+}
+
+}  // namespace
+
+const Variable* FindGlobal(const std::string& name) {
+    const Variable* global = FindIn(symbols.globals, name, nullptr);
+    return global ? global : FindIn(symbols.constants, name, nullptr);
+}
+
+const Variable* FindField(const ClassInfo& cls, const std::string& name) {
+    ClassInfo* owner = FindClass(cls.name);
+    return owner ? FindIn(owner->members, name, owner) : nullptr;
+}

@@ -1,0 +1,202 @@
+#include "symbols/scopes.h"
+
+#include <algorithm>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/identifiers.h"
+
+std::deque<ScopeBranch> localDefList;
+const ClassInfo* currentClass = nullptr;
+
+namespace {
+
+constexpr char tracedName[] = "scopedVar";
+
+std::string Number(std::size_t value) { return std::to_string(value); }
+
+void DumpScopes(const std::string& name) {
+    if (!settings.verbose) return;
+    Say("DEBUG AddVarToScopeList ENTRY: newVar='" + name + "'");
+    Say("  localDefList.size()=" + Number(localDefList.size()));
+    for (std::size_t level = 0; level < localDefList.size(); ++level) {
+        const std::vector<ScopeBlock>& leaves = localDefList[level].leaves;
+        Say("  Scope " + Number(level) + " has " + Number(leaves.size()) + " blocks:");
+        for (std::size_t block = 0; block < leaves.size(); ++block) {
+            std::string line = "    Block " + Number(block) + " has " + Number(leaves[block].names.size()) + " vars: ";
+            for (const std::string& stored : leaves[block].names) line += "'" + stored + "' ";
+            Say(line);
+        }
+    }
+}
+
+// Where a name is recorded: the outermost level and block that has it.
+struct Match {
+    std::size_t level = 0;
+    std::size_t block = 0;
+};
+
+bool IsRecorded(const std::string& name) {
+    return std::any_of(localDefList.begin(), localDefList.end(), [&name](const ScopeBranch& branch) {
+        const auto found = branch.visible.find(name);
+        return found != branch.visible.end() && !found->second.empty();
+    });
+}
+
+Match FindRecord(const std::string& name) {
+    Match match;
+    for (; match.level < localDefList.size(); ++match.level) {
+        const std::vector<ScopeBlock>& leaves = localDefList[match.level].leaves;
+        for (match.block = 0; match.block < leaves.size(); ++match.block) {
+            const std::vector<std::string>& names = leaves[match.block].names;
+            if (std::find(names.begin(), names.end(), name) != names.end()) return match;
+        }
+    }
+    return match;
+}
+
+void DumpMatch(const std::string& name) {
+    if (!settings.verbose) return;
+    const Match match = FindRecord(name);
+    const std::size_t blocks = localDefList[match.level].leaves.size();
+    const bool isCurrentFunction = match.level + 1 == localDefList.size();
+    const bool isCurrentBlock = match.block + 1 == blocks;
+    Say("DEBUG AddVarToScopeList: Found match '" + name + "' == '" + name + "'");
+    Say("  isCurrentFunction=" + Number(isCurrentFunction) + " isCurrentBlock=" + Number(isCurrentBlock));
+    Say("  scopeLevel=" + Number(match.level) + " localDefList.size()=" + Number(localDefList.size()));
+    Say("  i=" + Number(match.block) + " scopeBranch.leaves.size()=" + Number(blocks));
+}
+
+void RefuseConstName(const std::string& name) {
+    if (symbols.constants.count(name) == 0) return;
+    ReportFatal("Syntax error: Variable '" + name +
+                "' conflicts with an already-declared Const (first come first served)");
+}
+
+bool IsStored(const std::string& name) { return IsRecorded(name) || IsRecorded("kvl_" + name); }
+
+std::string Joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+void TraceBlocks(const std::string& name) {
+    Say("IsVariableInScope('" + name + "') called");
+    const std::vector<ScopeBlock> none;
+    const std::vector<ScopeBlock>& leaves = localDefList.empty() ? none : localDefList.back().leaves;
+    Say("  Current function has " + Number(leaves.size()) + " block scopes");
+    for (std::size_t block = 0; block < leaves.size(); ++block) {
+        const std::vector<std::string>& names = leaves[block].names;
+        Say("  Scope " + Number(block) + " has " + Number(names.size()) + " variables: " + Joined(names));
+    }
+}
+
+void TraceResult(const std::string& name) {
+    if (IsStored(name)) {
+        const std::string stored = IsRecorded(name) ? name : "kvl_" + name;
+        Say("  Found '" + name + "' in scope index " + Number(FindRecord(stored).block));
+    } else {
+        Say("  Variable '" + name + "' NOT found in any scope");
+    }
+}
+
+// Makes the record in the current block. The name is listed once, where it was met first.
+Variable& Record(const std::string& name, bool recorded) {
+    ScopeBranch& branch = localDefList.back();
+    Variable& variable = branch.storage.emplace_back();
+    variable.name = name;
+    variable.cppName = SafeName(name);
+    variable.file = settings.currentFile;
+    variable.line = settings.currentLine;
+    if (!recorded) branch.leaves.back().names.push_back(name);
+    branch.leaves.back().variables.push_back(&variable);
+    branch.visible[name].push_back({&variable, branch.leaves.size() - 1});
+    return variable;
+}
+
+bool IsTypedGlobal(const std::string& name) {
+    const auto found = symbols.globals.find(name);
+    return found != symbols.globals.end() && (found->second.typed || found->second.isPreCalc);
+}
+
+}  // namespace
+
+void ResetScopes() {
+    localDefList.clear();
+    currentClass = nullptr;
+}
+
+void PushRoutineScope() { localDefList.emplace_back(); }
+
+void PopRoutineScope() {
+    if (!localDefList.empty()) localDefList.pop_back();
+}
+
+void PushBlock() {
+    if (localDefList.empty()) return;
+    std::vector<ScopeBlock>& leaves = localDefList.back().leaves;
+    if (leaves.empty()) leaves.emplace_back();
+    leaves.emplace_back();
+}
+
+void PopBlock() {
+    if (BlockCount() < 2) return;
+    ScopeBranch& branch = localDefList.back();
+    for (const Variable* variable : branch.leaves.back().variables) {
+        branch.visible[variable->name].pop_back();
+        branch.ended[variable->name] = variable->line;
+    }
+    branch.leaves.pop_back();
+}
+
+std::size_t BlockCount() { return localDefList.empty() ? 0 : localDefList.back().leaves.size(); }
+
+Variable& AddVarToScopeList(const std::string& name) {
+    DumpScopes(name);
+    CheckCppWord(name);
+    CheckKeyword(name);
+    RefuseConstName(name);
+
+    ScopeBranch& branch = localDefList.back();
+    const bool recorded = IsRecorded(name);
+    if (recorded) DumpMatch(name);
+    if (branch.leaves.empty()) branch.leaves.emplace_back();
+    const std::vector<VisibleVariable>& visible = branch.visible[name];
+    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) {
+        ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
+    }
+    return Record(name, recorded);
+}
+
+Variable& AddOwnName(const std::string& name) {
+    if (localDefList.back().leaves.empty()) localDefList.back().leaves.emplace_back();
+    return Record(name, IsRecorded(name));
+}
+
+bool IsVariableInScope(const std::string& name) {
+    const bool traced = settings.verbose && name == tracedName;
+    if (traced) TraceBlocks(name);
+    if (traced) TraceResult(name);
+    return IsTypedGlobal(name) || symbols.constants.count(name) != 0 || IsStored(name);
+}
+
+const Variable* FindLocal(const std::string& name) {
+    if (localDefList.empty()) return nullptr;
+    const ScopeBranch& branch = localDefList.back();
+    const auto found = branch.visible.find(name);
+    if (found == branch.visible.end() || found->second.empty()) return nullptr;
+    return found->second.back().variable;
+}
+
+const Variable* FindVariable(const std::string& name) {
+    if (const Variable* local = FindLocal(name)) return local;
+    if (currentClass) {
+        if (const Variable* field = FindField(*currentClass, name)) return field;
+    }
+    return FindGlobal(name);
+}
+
+bool WasInEndedBlock(const std::string& name) {
+    return !localDefList.empty() && localDefList.back().ended.count(name) != 0;
+}
