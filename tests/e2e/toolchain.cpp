@@ -35,7 +35,9 @@ std::string FreshFolder(const std::string& name) {
 }
 
 // One write per run, so that runners working side by side do not mix their lines.
-static void LogMessages(const std::string& text) {
+void LogMessages(const ProcessResult& result) {
+    const std::size_t most = 1U << 20;
+    const std::string text = result.out.substr(0, most) + "\n" + result.err.substr(0, most) + "\n";
     const std::string path = GetPlaces().work + "/messages.log";
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
     if (file < 0) return;
@@ -47,7 +49,7 @@ ProcessResult RunKvt(const std::vector<std::string>& arguments, const std::strin
     std::vector<std::string> command{GetPlaces().stage + "/bin/kvt"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     ProcessResult result = RunProcess(command, folder, "", kvtSeconds);
-    LogMessages(result.out.substr(0, 1U << 20) + "\n" + result.err.substr(0, 1U << 20) + "\n");
+    LogMessages(result);
     return result;
 }
 

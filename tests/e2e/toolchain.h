@@ -19,7 +19,10 @@ const Places& GetPlaces();
 // Makes an empty scratch folder and returns its path.
 std::string FreshFolder(const std::string& name);
 
-// Runs kvt in `folder` and adds what it says to the log of messages that tests have provoked.
+// Adds what a program said to the log of messages that tests have provoked.
+void LogMessages(const ProcessResult& result);
+
+// Runs kvt in `folder` and logs what it says.
 ProcessResult RunKvt(const std::vector<std::string>& arguments, const std::string& folder);
 
 // Empty, or what is wrong with the .cpp and .h files below outputFolder.
