@@ -6,6 +6,7 @@
 
 #include "lexer/token_span.h"
 #include "prelude/output.h"
+#include "statements/blocks.h"
 #include "symbols/symbols.h"
 
 struct LocalArray {
@@ -44,6 +45,12 @@ struct State {
     std::vector<int> ifStack;
     std::vector<int> loopStack;
     std::vector<std::string> loopKindStack;
+
+    std::vector<OpenBlock> blocks;    // every open If, loop and Select, innermost last
+    std::vector<OpenSelect> selects;  // the open Selects, innermost last
+    bool inOneLineIf = false;         // the statement stands behind a Then on the same line
+    std::string crossingMessage;      // the first closer that crossed an open block, and its line
+    int crossingLine = 0;
 
     bool inPreCalc = false;
     int preCalcLine = 0;

@@ -1,0 +1,69 @@
+#include "statements/blocks.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "statements/state.h"
+
+namespace {
+
+struct KindWords {
+    const char* name;     // "If block"
+    const char* missing;  // closer of the kind
+};
+
+const KindWords& Words(BlockKind kind) {
+    static const KindWords words[] = {{"If block", "EndIf"},
+                                      {"loop", "Next"},
+                                      {"Repeat loop", "Until"},
+                                      {"Select block", "EndSelect"}};
+    return words[static_cast<int>(kind)];
+}
+
+int RoutineLine(const State& state) {
+    if (state.inMethod) return state.methodLine;
+    return state.inFunction ? state.functionLine : 0;
+}
+
+void NoteCrossing(State& state, const std::string& closer, const OpenBlock& closed, const OpenBlock& inner) {
+    if (!state.crossingMessage.empty()) return;
+    const std::string start = std::string(Words(closed.kind).name) + " of line " + std::to_string(closed.line);
+    state.crossingLine = settings.currentLine;
+    if (closed.routineLine != RoutineLine(state))
+        state.crossingMessage = "'" + closer + "' closes the " + start + ", which stands in another routine";
+    else
+        state.crossingMessage = "'" + closer + "' closes the " + start + " while the " + Words(inner.kind).name +
+                                " of line " + std::to_string(inner.line) + " is still open (missing '" +
+                                Words(inner.kind).missing + "')";
+}
+
+}  // namespace
+
+OpenBlock& OpenNewBlock(State& state, BlockKind kind) {
+    OpenBlock block;
+    block.kind = kind;
+    block.line = state.currentLine;
+    block.routineLine = RoutineLine(state);
+    state.blocks.push_back(block);
+    return state.blocks.back();
+}
+
+OpenBlock CloseBlock(State& state, BlockKind kind, const std::string& closer) {
+    std::size_t at = state.blocks.size();
+    while (at > 0 && state.blocks[at - 1].kind != kind) --at;
+    if (at == 0) ReportFatal("'" + closer + "' without an open " + Words(kind).name);
+    OpenBlock closed = state.blocks[at - 1];
+    if (at != state.blocks.size() || closed.routineLine != RoutineLine(state))
+        NoteCrossing(state, closer, closed, state.blocks.back());
+    state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at - 1));
+    return closed;
+}
+
+void CheckCrossedBlocks(const State& state) {
+    if (state.crossingMessage.empty()) return;
+    settings.currentLine = state.crossingLine;
+    ReportFatal(state.crossingMessage);
+}
+
+bool InnermostBlockIs(const State& state, BlockKind kind) {
+    return !state.blocks.empty() && state.blocks.back().kind == kind;
+}

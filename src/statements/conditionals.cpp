@@ -1,0 +1,182 @@
+//     if (condition)
+//     {
+//         ...
+//     }
+//     else if (condition)
+//     {
+//         ...
+//     }
+#include "statements/conditionals.h"
+
+#include "driver/report.h"
+#include "statements/second_pass.h"
+#include "statements/words.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// "if (...)" or "else if (...)" from a condition that ends before `end`, and the branch's scope.
+void OpenBranch(State& state, const std::string& cppWords, TokenSpan condition, const std::string& keyword) {
+    EmitLine(state, cppWords + " (" + ConditionText(condition, keyword) + ")");
+    EmitLine(state, "{");
+    PushBlock();
+}
+
+void OpenElse(State& state) {
+    EmitLine(state, "else");
+    EmitLine(state, "{");
+    PushBlock();
+}
+
+void CloseBranch(State& state) {
+    PopBlock();
+    EmitLine(state, "}");
+}
+
+void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
+    if (IsWord(tokens[afterElse], "if")) ReportFatal("Syntax error: Use 'ElseIf' instead of 'Else If'");
+}
+
+// The open If that an Else or ElseIf continues.
+OpenBlock& ContinuedIf(State& state, const std::string& keyword) {
+    for (std::size_t i = state.blocks.size(); i-- > 0;) {
+        OpenBlock& block = state.blocks[i];
+        if (block.kind != BlockKind::If) continue;
+        if (i + 1 != state.blocks.size()) {  // reported when the If is closed as well
+            OpenBlock inner = state.blocks.back();
+            ReportFatal("'" + keyword + "' belongs to the If of line " + std::to_string(block.line) +
+                        ", but a block that starts at line " + std::to_string(inner.line) + " is still open");
+        }
+        if (block.elseSeen)
+            ReportFatal("'" + keyword + "' after the 'Else' of the If that starts at line " +
+                        std::to_string(block.line));
+        return block;
+    }
+    ReportFatal("'" + keyword + "' without an open If block");
+}
+
+bool EndsStatement(const std::string& token) {
+    return token == "|" || IsWord(token, "else") || IsWord(token, "elseif") || IsWord(token, "endif");
+}
+
+std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at);
+
+// Translates one branch's statements from `at` on; stops at Else, ElseIf, EndIf or the end of the line.
+std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
+    while (at < tokens.size()) {
+        if (tokens[at] == "|") {
+            ++at;
+        } else if (EndsStatement(tokens[at])) {
+            return at;
+        } else if (IsWord(tokens[at], "if") && FindWord(tokens, "then", at) != noToken) {
+            at = TranslateOneLineIf(state, tokens, at);
+        } else {
+            std::size_t end = at;
+            while (end < tokens.size() && !EndsStatement(tokens[end])) ++end;
+            DispatchStatement(state, tokens.Slice(at, end));
+            at = end;
+        }
+    }
+    return at;
+}
+
+// Translates the If at `at` with all its branches and closes it; returns the index behind it.
+std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
+    std::size_t then = FindWord(tokens, "then", at);
+    OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
+    OpenNewBlock(state, BlockKind::If);
+    const std::size_t depth = state.blocks.size();
+    const bool outerOneLine = state.inOneLineIf;
+    state.inOneLineIf = true;
+    bool elseSeen = false;
+    at = then + 1;
+    for (;;) {
+        at = TranslateBranch(state, tokens, at);
+        if (state.blocks.size() != depth)
+            ReportFatal("A block that opens or closes behind 'Then' must do both on the same line");
+        if (at >= tokens.size()) break;
+        if (IsWord(tokens[at], "endif")) {
+            ++at;
+            break;
+        }
+        if (elseSeen) ReportFatal("'" + tokens[at] + "' after 'Else'");
+        CloseBranch(state);
+        if (IsWord(tokens[at], "elseif")) {
+            then = FindWord(tokens, "then", at);
+            if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
+            OpenBranch(state, "else if", tokens.Slice(at + 1, then), "ElseIf");
+            at = then + 1;
+        } else {
+            RefuseElseIfAsTwoWords(tokens, at + 1);
+            OpenElse(state);
+            elseSeen = true;
+            ++at;
+        }
+    }
+    state.inOneLineIf = outerOneLine;
+    CloseBlock(state, BlockKind::If, "EndIf");
+    CloseBranch(state);
+    return at;
+}
+
+bool OnlySeparators(TokenSpan tokens) {
+    for (const std::string& token : tokens)
+        if (token != "|") return false;
+    return true;
+}
+
+// Statements behind an EndIf that closed its If on the line.
+void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
+    if (at < tokens.size() && tokens[at] != "|") RefuseMore(tokens, at);
+    while (at < tokens.size()) {
+        std::size_t start = ++at;
+        while (at < tokens.size() && tokens[at] != "|") {
+            if (at == start && IsWord(tokens[at], "if") && FindWord(tokens, "then", at) != noToken) {
+                TranslateIf(state, tokens.From(at));
+                return;
+            }
+            ++at;
+        }
+        if (at > start) DispatchStatement(state, tokens.Slice(start, at));
+    }
+}
+
+}  // namespace
+
+void TranslateIf(State& state, TokenSpan tokens) {
+    std::size_t then = FindWord(tokens, "then");
+    if (then == noToken || OnlySeparators(tokens.From(then + 1))) {
+        OpenBranch(state, "if", tokens.Slice(1, then == noToken ? tokens.size() : then), "If");
+        state.ifStack.push_back(state.currentLine);
+        OpenNewBlock(state, BlockKind::If);
+        return;
+    }
+    TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0));
+}
+
+void TranslateElseIf(State& state, TokenSpan tokens) {
+    ContinuedIf(state, "ElseIf");
+    CloseBranch(state);
+    std::size_t then = FindWord(tokens, "then");
+    OpenBranch(state, "else if", tokens.Slice(1, then == noToken ? tokens.size() : then), "ElseIf");
+    if (then != noToken && then + 1 < tokens.size()) DispatchStatement(state, tokens.From(then + 1));
+}
+
+void TranslateElse(State& state, TokenSpan tokens) {
+    RefuseElseIfAsTwoWords(tokens, 1);
+    ContinuedIf(state, "Else").elseSeen = true;
+    CloseBranch(state);
+    OpenElse(state);
+    if (tokens.size() > 1) DispatchStatement(state, tokens.From(1));
+}
+
+void TranslateEndIf(State& state, TokenSpan tokens) {
+    RefuseMore(tokens, 1);
+    CloseBlock(state, BlockKind::If, "EndIf");
+    VerboseNote("DEBUG: EndIf - popping scope at line " + std::to_string(state.currentLine));
+    VerboseNote("  Before pop: " + std::to_string(BlockCount()) + " scopes");
+    PopBlock();
+    VerboseNote("  After pop: " + std::to_string(BlockCount()) + " scopes");
+    if (!state.ifStack.empty()) state.ifStack.pop_back();
+    EmitLine(state, "}");
+}

@@ -1,0 +1,194 @@
+//     for(auto KVL_p : KVL_TPlayer::_instances)         for(auto& KVL_x : KVL_list)
+//     {                                                 {
+//      if(!KVL_p) continue;
+// A loop over a Type whose body may create objects of it walks by index, up to the number of objects at
+// its start, because a growing list would break the iterators.
+#include "statements/for_loops.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "statements/words.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+#if __has_include("symbols/reach.h")
+#include "symbols/reach.h"
+#else
+static bool LoopMayCreate(const std::string&, int, const ClassInfo&) { return true; }
+#endif
+
+namespace {
+
+// What an EachIn loop walks over.
+struct Collection {
+    std::string text;
+    ValueType item;
+    const ClassInfo* walked = nullptr;  // the Type, when it walks instances
+    ArrayForm itemForm = ArrayForm::None;
+    bool pointers = false;  // items may be null
+    bool slot = false;      // Elements reached through pointers
+    bool copies = true;     // "auto" makes a copy that the loop may work on; otherwise a reference is meant
+};
+
+struct EachHeader {
+    std::string name;
+    std::string annotation;
+    TokenSpan collection;
+};
+
+// name [: type] word collection, from index `at` on. The word is EachIn or In.
+EachHeader ReadHeader(TokenSpan tokens, std::size_t at, const char* word, const char* missing) {
+    EachHeader header;
+    if (IsWord(tokens[at], "local")) ++at;
+    header.name = tokens[at];
+    if (tokens[at + 1] == ":" && at + 2 < tokens.size()) {
+        header.annotation = tokens[at + 2];
+        at += 2;
+    }
+    if (!IsWord(tokens[at + 1], word)) ReportFatal(missing);
+    header.collection = tokens.From(at + 2);
+    if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop");
+    for (const char* stray : {"to", "step", "eachin", "in"})
+        if (FindWord(header.collection, stray) != noToken) ReportFatal("Unknown end of EachIn loop");
+    return header;
+}
+
+const ClassInfo* NamedClass(TokenSpan tokens) {
+    if (tokens.size() != 1 || FindVariable(tokens[0]) != nullptr) return nullptr;
+    return FindClass(tokens[0]);
+}
+
+Collection InstancesOf(const ClassInfo& cls) {
+    if (cls.isElement)
+        ReportFatal("'" + cls.name +
+                    "' is an Element, which has no list of instances. EachIn works over Types, arrays and "
+                    "Sequences.");
+    Collection collection;
+    NeedClass(&cls);
+    collection.text = cls.cppName + "::_instances";
+    collection.item = Single(Base::Object, &cls);
+    collection.walked = &cls;
+    collection.pointers = true;
+    return collection;
+}
+
+void CheckWalkable(const Expr& expr) {
+    if (!expr.type.IsKnown()) return;
+    if (expr.type.IsSingle())
+        ReportFatal("EachIn works over Types, arrays and Sequences, got " + KorvelName(expr.type));
+    if (expr.form == ArrayForm::Pointer)
+        ReportFatal("EachIn needs an array whose size is known. An array parameter does not carry its size: "
+                    "pass the size along and count with For.");
+}
+
+Collection CollectionOf(TokenSpan tokens) {
+    if (const ClassInfo* cls = NamedClass(tokens)) return InstancesOf(*cls);
+    Expr expr = TranslateExpression(tokens, ExprMode::Condition);
+    CheckWalkable(expr);
+    Collection collection;
+    collection.text = expr.form == ArrayForm::Owned ? TextAs(expr, expr.type) : ValueText(expr);
+    if (!expr.type.IsKnown()) return collection;
+    collection.item = expr.type.Item();
+    const bool element = collection.item.Is(Base::Element);
+    if (element) NeedClass(collection.item.cls);
+    if (collection.item.IsArray()) {
+        collection.itemForm = expr.form == ArrayForm::Fixed ? ArrayForm::Fixed : ArrayForm::Vector;
+        collection.copies = false;
+    }
+    if (expr.type.IsArray()) {
+        collection.slot = element;
+        collection.pointers = element || collection.item.Is(Base::Object);
+    } else if (element) {
+        collection.copies = false;
+    }
+    return collection;
+}
+
+// C++ type of the loop variable. Without an annotation "auto" serves, except where it would copy what
+// the loop is meant to change, or name a bit of a packed vector.
+std::string ItemCppType(const Collection& collection, const ValueType& declared, bool annotated) {
+    if (collection.slot) return CppName(Single(Base::Element, collection.item.cls)) + "*";
+    if (!collection.copies) return annotated ? CppName(declared) + "&" : "auto&";
+    if (annotated) return CppName(declared);
+    return collection.item.Is(Base::Bool) ? "bool" : "auto";
+}
+
+ValueType DeclaredType(const EachHeader& header, const Collection& collection) {
+    if (header.annotation.empty()) return collection.item;
+    ValueType declared = ParseType(header.annotation);
+    if (declared.Is(Base::Void)) FailUnknownType(header.annotation);
+    if (collection.item.IsKnown() && !Assignable(declared, collection.item))
+        FailMismatch(collection.item, declared, header.name);
+    return declared;
+}
+
+void EmitIndexWalk(State& state, const std::string& variable, const std::string& type, const std::string& list) {
+    const std::string index = "__kvIndex_" + variable;
+    EmitLine(state, "for(size_t " + index + " = 0, " + index + "_end = " + list + ".size(); " + index + " < " +
+                        index + "_end; ++" + index + ")");
+    EmitLine(state, "{");
+    EmitLine(state, " " + type + " " + variable + " = " + list + "[" + index + "];");
+}
+
+void TranslateEach(State& state, const EachHeader& header) {
+    Collection collection = CollectionOf(header.collection);
+    ValueType declared = DeclaredType(header, collection);
+    PushBlock();
+    Variable& variable = DeclareLoopVariable(state, header.name, declared);
+    variable.form = collection.itemForm;
+    variable.slot = collection.slot;
+    const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
+    if (collection.walked != nullptr &&
+        LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
+        EmitIndexWalk(state, variable.cppName, type, collection.text);
+    } else {
+        EmitLine(state, "for(" + type + " " + variable.cppName + " : " + collection.text + ")");
+        EmitLine(state, "{");
+    }
+    if (collection.pointers) EmitLine(state, " if(!" + variable.cppName + ") continue;");
+    OpenLoop(state, "For").variable = header.name;
+}
+
+}  // namespace
+
+OpenBlock& OpenLoop(State& state, const std::string& kind) {
+    ++state.loopDepth;
+    state.loopStack.push_back(state.currentLine);
+    state.loopKindStack.push_back(kind);
+    return OpenNewBlock(state, BlockKind::Loop);
+}
+
+Variable& DeclareLoopVariable(State& state, const std::string& name, const ValueType& type) {
+    Variable& variable = AddVarToScopeList(name);
+    variable.name = name;
+    variable.cppName = SafeName(name);
+    variable.type = type;
+    variable.file = settings.currentFile;
+    variable.line = state.currentLine;
+    return variable;
+}
+
+void TranslateFor(State& state, TokenSpan tokens) {
+    if (IsWord(tokens[1], "each"))
+        TranslateEach(state, ReadHeader(tokens, 2, "in", "Expected 'In' in For Each...In loop"));
+    else if (FindWord(tokens, "eachin") != noToken)
+        TranslateEach(state, ReadHeader(tokens, 1, "eachin", "Expected 'EachIn' in For...EachIn loop"));
+    else
+        TranslateCountedFor(state, tokens);
+}
+
+void TranslateEachSeq(State& state, TokenSpan tokens) {
+    if (tokens.size() < 4 || !IsWord(tokens[2], "in")) ReportFatal("Expected 'EachSeq item In seq'");
+    Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    if (sequence.type.IsKnown() && !sequence.type.sequence)
+        ReportFatal("Expected a Sequence after 'In' in EachSeq loop");
+    ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
+    if (item.Is(Base::Element)) NeedClass(item.cls);
+    PushBlock();
+    Variable& variable = DeclareLoopVariable(state, tokens[1], item);
+    // A packed bit has no lvalue to refer to.
+    const char* type = item.Is(Base::Bool) ? "auto&& " : "auto& ";
+    EmitLine(state, "for(" + (type + variable.cppName) + " : " + ValueText(sequence) + ")");
+    EmitLine(state, "{");
+    if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
+    OpenLoop(state, "EachSeq").variable = tokens[1];
+}

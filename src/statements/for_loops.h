@@ -1,0 +1,16 @@
+// Headers of For in its three forms (counted, EachIn, Each ... In) and of EachSeq.
+#pragma once
+
+#include "statements/state.h"
+
+void TranslateFor(State& state, TokenSpan tokens);
+void TranslateEachSeq(State& state, TokenSpan tokens);
+
+// The counted form (counted_for.cpp).
+void TranslateCountedFor(State& state, TokenSpan tokens);
+
+// Notes the opened loop: depth, start line, kind word for the report at the end of the file.
+OpenBlock& OpenLoop(State& state, const std::string& kind);
+
+// Declares a loop variable in the block just pushed and fills in its record.
+Variable& DeclareLoopVariable(State& state, const std::string& name, const ValueType& type);

@@ -1,0 +1,130 @@
+#include "statements/print_input.h"
+
+#include "driver/report.h"
+#include "statements/words.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// Text of one item between two "<<". What binds weaker than "<<" goes in parentheses, and a Byte is a
+// number, not a character.
+std::string ItemText(TokenSpan tokens, const std::string& keyword) {
+    if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
+    Expr item = TranslateExpression(tokens, ExprMode::Print);
+    if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
+        ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
+    if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
+    if (item.type.Is(Base::Byte)) return "static_cast<int>(" + ValueText(item) + ")";
+    return GuardedText(item, Level::Shift);
+}
+
+// Items are separated by "&" outside parentheses; "&&" separates nothing.
+std::string ItemTexts(TokenSpan tokens, const std::string& keyword) {
+    std::string texts;
+    std::size_t start = 0;
+    int depth = 0;
+    for (std::size_t i = 0; i <= tokens.size(); ++i) {
+        const std::string& token = tokens[i];
+        if (token == "(" || token == "[") ++depth;
+        if ((token == ")" || token == "]") && depth > 0) --depth;
+        bool separator = i == tokens.size() || (token == "&" && depth == 0 && tokens[i + 1] != "&");
+        if (!separator) continue;
+        texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword);
+        start = i + 1;
+    }
+    return texts;
+}
+
+struct InputTarget {
+    std::string name;  // as written, for messages
+    std::string text;
+    ValueType type;
+};
+
+InputTarget TargetOf(TokenSpan tokens) {
+    InputTarget target;
+    target.name = tokens[0];
+    if (tokens.size() == 1) {
+        const Variable* variable = FindVariable(tokens[0]);
+        if (variable == nullptr && !lenient)
+            ReportFatal("Variable '" + target.name + "' not found in Input statement");
+        if (variable != nullptr && variable->isConst)
+            ReportFatal("Cannot assign to const variable '" + target.name + "'");
+    }
+    Expr expr = TranslateExpression(tokens, ExprMode::Statement);
+    if (!expr.assignable && expr.type.IsKnown())
+        ReportFatal("Input needs a variable after the comma, '" + target.name + "' cannot be assigned to");
+    bool readable = !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::String);
+    if (!readable)
+        ReportFatal("Input cannot read into '" + target.name + "', which is " + KorvelName(expr.type));
+    target.text = expr.text;
+    target.type = expr.type;
+    return target;
+}
+
+const char* RetryMessage(const ValueType& type) {
+    if (type.Is(Base::Int)) return "Invalid input. Please enter a valid integer.";
+    if (type.Is(Base::Double)) return "Invalid input. Please enter a valid number.";
+    return "Invalid input. Please try again.";
+}
+
+// Asks until the input parses. A Byte is read as a number first.
+void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& target) {
+    const std::string ignoreLine =
+        "        std::cin.ignore(std::numeric_limits<std::streamsize>::max(), '\\n');";
+    const bool byte = target.type.Is(Base::Byte);
+    EmitLine(state, "while(true) {");
+    if (byte) EmitLine(state, "    int __kvNumber = 0;");
+    EmitLine(state, "    std::cout << " + prompt + ";");
+    if (byte)
+        EmitLine(state, "    if(std::cin >> __kvNumber && __kvNumber >= 0 && __kvNumber <= 255) {");
+    else
+        EmitLine(state, "    if(std::cin >> " + target.text + ") {");
+    if (byte) EmitLine(state, "        " + target.text + " = static_cast<uint8_t>(__kvNumber);");
+    EmitLine(state, ignoreLine);
+    EmitLine(state, "        break;");
+    EmitLine(state, "    } else {");
+    EmitLine(state, std::string("        std::cout << \"") + RetryMessage(target.type) + "\" << std::endl;");
+    EmitLine(state, "        std::cin.clear();");
+    EmitLine(state, ignoreLine);
+    EmitLine(state, "    }");
+    EmitLine(state, "}");
+}
+
+// Index of the comma behind the prompt, which is at least one token long.
+std::size_t CommaBehindPrompt(TokenSpan tokens) {
+    int depth = tokens[1] == "(" || tokens[1] == "[" ? 1 : 0;
+    for (std::size_t i = 2; i < tokens.size(); ++i) {
+        if (tokens[i] == "(" || tokens[i] == "[") ++depth;
+        if (tokens[i] == ")" || tokens[i] == "]") --depth;
+        if (tokens[i] == "," && depth <= 0) return i;
+    }
+    return noToken;
+}
+
+}  // namespace
+
+// std::cout << item << item << std::endl;
+void TranslatePrint(State& state, TokenSpan tokens) {
+    if (tokens.size() < 2) {
+        EmitLine(state, "std::cout << std::endl;");
+        return;
+    }
+    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0]) + " << std::endl;");
+}
+
+void TranslateInput(State& state, TokenSpan tokens) {
+    if (tokens.size() < 3) ReportFatal("Input statement requires a prompt and a variable");
+    std::size_t comma = CommaBehindPrompt(tokens);
+    if (comma == noToken) ReportFatal("Input statement requires a comma between prompt and variable");
+    if (comma + 1 == tokens.size()) ReportFatal("Input statement requires a variable after the comma");
+    InputTarget target = TargetOf(tokens.From(comma + 1));
+    std::string prompt = ItemTexts(tokens.Slice(1, comma), tokens[0]);
+    if (target.type.Is(Base::String)) {
+        EmitLine(state, "std::cout << " + prompt + ";");
+        EmitLine(state, "std::getline(std::cin, " + target.text + ");");
+        return;
+    }
+    EmitRetryLoop(state, prompt, target);
+}

@@ -1,0 +1,64 @@
+#include "statements/simple.h"
+
+#include "driver/report.h"
+#include "statements/words.h"
+
+namespace {
+
+// A beginner's way of closing a block.
+struct TwoWordCloser {
+    const char* word;
+    const char* message;
+};
+const TwoWordCloser twoWordClosers[] = {
+    {"if", "Syntax error: Use 'EndIf' instead of 'End If'"},
+    {"function", "Syntax error: Use 'EndFunction' instead of 'End Function'"},
+    {"method", "Syntax error: Use 'EndMethod' instead of 'End Method'"},
+    {"type", "Syntax error: Use 'EndType' instead of 'End Type'"},
+    {"select", "Syntax error: Use 'EndSelect' instead of 'End Select'"},
+};
+
+}  // namespace
+
+void TranslateEnd(State& state, TokenSpan tokens) {
+    for (const TwoWordCloser& closer : twoWordClosers)
+        if (IsWord(tokens[1], closer.word)) ReportFatal(closer.message);
+    EmitLine(state, "exit(0);");
+}
+
+void TranslateExit(State& state, TokenSpan tokens) {
+    if (state.loopDepth <= 0 && state.selectDepth <= 0)
+        ReportFatal("'Exit' can only be used inside a loop or Select block");
+    RefuseMore(tokens, 1);
+    EmitLine(state, "break;");
+}
+
+void TranslateContinue(State& state, TokenSpan tokens) {
+    if (state.loopDepth <= 0) ReportFatal("'Continue' can only be used inside a For loop");
+    RefuseMore(tokens, 1);
+    for (std::size_t i = state.blocks.size(); i-- > 0;) {
+        if (state.blocks[i].kind != BlockKind::Loop && state.blocks[i].kind != BlockKind::Repeat) continue;
+        state.blocks[i].continued = true;
+        break;
+    }
+    EmitLine(state, "continue;");
+}
+
+void TranslateAccess(State& state, TokenSpan tokens) {
+    if (!state.inType) ReportFatal("unexpected '" + tokens[0] + "' keyword.");
+    RefuseMore(tokens, 1);
+    state.access = tokens[0];
+}
+
+void TranslateExtern(State& state, TokenSpan tokens) {
+    if (state.inExtern) ReportFatal("Extern already declared");
+    RefuseMore(tokens, 1);
+    state.inExtern = true;
+    state.externLine = state.currentLine;
+}
+
+void TranslateEndExtern(State& state, TokenSpan tokens) {
+    if (!state.inExtern) ReportFatal("Prior Extern not declared");
+    RefuseMore(tokens, 1);
+    state.inExtern = false;
+}

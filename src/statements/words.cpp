@@ -1,0 +1,46 @@
+#include "statements/words.h"
+
+#include "driver/report.h"
+
+bool IsWord(const std::string& token, std::string_view word) {
+    if (token.size() != word.size()) return false;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        char c = token[i];
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        if (c != word[i]) return false;
+    }
+    return true;
+}
+
+std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from) {
+    for (std::size_t i = from; i < tokens.size(); ++i)
+        if (IsWord(tokens[i], word)) return i;
+    return noToken;
+}
+
+void RefuseMore(TokenSpan tokens, std::size_t from) {
+    if (tokens.size() > from)
+        ReportFatal("Unexpected '" + tokens[from] + "' after '" + tokens[from > 0 ? from - 1 : 0] + "'");
+}
+
+std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
+    if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
+    Expr condition = TranslateExpression(tokens, ExprMode::Condition);
+    const ValueType& type = condition.type;
+    bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer) ||
+                type.Is(Base::Null);
+    if (!fits)
+        ReportFatal("The condition of '" + keyword + "' must be a comparison, a number or an object, got " +
+                    KorvelName(type));
+    return ValueText(condition);
+}
+
+void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable) {
+    ReportFatal("Type mismatch: Cannot assign " + CppName(from) + " to " + CppName(to) + " variable '" + variable +
+                "'" + ConversionHint(to, from));
+}
+
+std::string GuardedText(const Expr& expr, Level weakest) {
+    std::string text = ValueText(expr);
+    return expr.level > weakest ? "(" + text + ")" : text;
+}

@@ -1,0 +1,28 @@
+// Small readings of a statement's tokens that all statement families share.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "expressions/expression.h"
+#include "lexer/token_span.h"
+
+constexpr std::size_t noToken = static_cast<std::size_t>(-1);
+
+// Whether the token is the word in any letter case; the word is given in lower case.
+bool IsWord(const std::string& token, std::string_view word);
+
+// Index of the first token from `from` on that is the word; noToken when there is none.
+std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from = 0);
+
+// Ends the run when the statement has a token at index `from`.
+void RefuseMore(TokenSpan tokens, std::size_t from);
+
+// C++ text of a condition; ends the run when there is none or it has a type that is neither true nor false.
+std::string ConditionText(TokenSpan tokens, const std::string& keyword);
+
+// Ends the run with the message for a value of type `from` that a variable of type `to` cannot take.
+[[noreturn]] void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable);
+
+// Text of an expression that needs parentheses when its top operator binds weaker than `weakest`.
+std::string GuardedText(const Expr& expr, Level weakest);
