@@ -1,0 +1,10 @@
+// Writing small files that must never be found half-written.
+#pragma once
+
+#include <string>
+
+// Writes a file under a passing name beside it and moves it into place. False when that fails; the file
+// that was there then stays as it was.
+bool ReplaceFile(const std::string& path, const std::string& text);
+
+bool FileExists(const std::string& path);

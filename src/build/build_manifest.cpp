@@ -1,0 +1,171 @@
+#include "build/build_manifest.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "build/atomic_file.h"
+#include "driver/paths.h"
+#include "driver/platform.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "lexer/lexer.h"
+#include "lexer/source_reader.h"
+#include "symbols/symbols.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* sourceExtension = ".kvl";
+
+bool EndsWith(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+bool StartsWith(const std::string& text, const std::string& start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+std::string ManifestPath(const std::string& outputPath) {
+    return outputPath + "/." + StripFolder(settings.mainSource) + ".manifest";
+}
+
+std::string WithForwardSlashes(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+std::string WithoutTrailingSlash(std::string path) {
+    if (!path.empty() && path.back() == '/') path.pop_back();
+    return path;
+}
+
+// Full, with forward slashes, in lower case: how a manifest line and a folder are compared.
+std::string Normalised(const std::string& path) {
+    return WithoutTrailingSlash(Lower(WithForwardSlashes(AbsolutePath(path))));
+}
+
+// The place in the file system that a path reaches when every link on the way is followed. Links come
+// before "..": out/link/../x is a neighbour of what the link names.
+std::string Resolved(const fs::path& path) {
+    std::error_code failed;
+    const fs::path full = fs::absolute(path, failed);
+    const fs::path real = fs::weakly_canonical(full, failed);
+    return failed ? "?" : WithoutTrailingSlash(WithForwardSlashes(real.string()));
+}
+
+// The root of the file system holds only its own files here, not everything.
+bool LiesIn(const std::string& file, const std::string& folder) {
+    if (folder.empty()) return file.rfind('/') == 0;
+    return file == folder || StartsWith(file, folder + "/");
+}
+
+// From the last dot of the file's name on; empty without one.
+std::string ExtensionOf(const std::string& path) {
+    const std::string name = StripFolder(path);
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? std::string() : name.substr(dot);
+}
+
+bool SameFile(const std::string& a, const std::string& b) {
+    std::error_code failed;
+    return fs::equivalent(a, b, failed) && !failed;
+}
+
+class Cleaner {
+public:
+    explicit Cleaner(const std::string& outputPath) : output(outputPath) {
+        const std::string source = WithForwardSlashes(settings.mainSource);
+        const std::size_t slash = source.rfind('/');
+        const std::string sourceFolder = slash == std::string::npos ? "." : source.substr(0, slash + 1);
+        for (const std::string& folder : {outputPath, sourceFolder}) {
+            folders.push_back(Normalised(folder));
+            realFolders.push_back(Resolved(folder));
+        }
+    }
+
+    void Clean(const std::string& line) {
+        if (IsSource(line)) {
+            Say("  Refusing to delete source file listed in manifest: " + line);
+        } else if (IsInside(line) || IsBesideItsSource(line)) {
+            Delete(line);
+        } else if (FileExists(line)) {
+            Say("  Not deleting " + line + " - it is outside this build's folders" +
+                " (a manifest from another copy of the tree?)");
+        }
+    }
+
+    int Count() const { return count; }
+
+private:
+    std::string output;
+    std::vector<std::string> folders;      // as compared by text
+    std::vector<std::string> realFolders;  // links followed
+    int count = 0;
+
+    static bool IsSource(const std::string& line) {
+        const std::string lower = Lower(line);
+        return (lower.size() > 4 && EndsWith(lower, sourceExtension)) || SameFile(line, settings.mainSource);
+    }
+
+    // By its text, and also where the links in it lead.
+    bool IsInside(const std::string& line) const {
+        const std::string path = Normalised(line);
+        const std::string real = Resolved(fs::path(line).parent_path()) + "/" + StripFolder(line);
+        bool byText = false, really = false;
+        for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
+        for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
+        return byText && (really || path == folders[0] || path == folders[1]);
+    }
+
+    // A file generated for an Include that leads out of the folders: its path begins with the output
+    // folder as every generated one does, and the .kvl beside it is the one that the Include names.
+    bool IsBesideItsSource(const std::string& line) const {
+        const std::string extension = ExtensionOf(line);
+        if (extension != ".cpp" && extension != ".h" && extension != ".js") return false;
+        const std::string stem = line.substr(0, line.size() - extension.size());
+        if (!StartsWith(line, output + "/")) return false;
+        const std::string included = settings.sourceFolder + stem.substr(output.size()) + sourceExtension;
+        return SameFile(stem + sourceExtension, included);
+    }
+
+    // The kinds of files that a build leaves behind.
+    static bool IsProduct(const std::string& line) {
+        static const char* const kinds[] = {".cpp", ".h", ".js", ".exe", ".linkflags"};
+        const std::string extension = ExtensionOf(line);
+        return line == StripExtension(settings.mainSource) ||
+               std::find(std::begin(kinds), std::end(kinds), extension) != std::end(kinds);
+    }
+
+    void Delete(const std::string& line) {
+        std::error_code failed;
+        if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(line, failed))) return;
+        if (fs::remove(line, failed) && !failed) ++count;
+    }
+};
+
+}  // namespace
+
+void WriteBuildManifest(const std::string& outputPath) {
+    if (symbols.generatedFiles.empty()) return;
+    std::string text;
+    for (const std::string& file : symbols.generatedFiles) text += file + "\n";
+    if (!ReplaceFile(ManifestPath(outputPath), text)) Say("Warning: Could not create build manifest");
+}
+
+void CleanPreviousBuild(const std::string& outputPath) {
+    const std::string path = ManifestPath(outputPath);
+    SourceReader manifest;
+    if (!manifest.Open(path)) return;
+    Say("Cleaning previous build artifacts...");
+    Cleaner cleaner(outputPath);
+    while (!manifest.AtEnd()) {
+        const std::string line = manifest.NextLine();
+        if (!line.empty()) cleaner.Clean(line);
+    }
+    std::error_code failed;
+    fs::remove(path, failed);
+    if (cleaner.Count() > 0) {
+        Say("Cleaned " + std::to_string(cleaner.Count()) + " file(s) from previous build");
+    }
+}

@@ -1,0 +1,219 @@
+#include "build/dependency_manifest.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <unordered_set>
+
+#include "build/atomic_file.h"
+#include "driver/paths.h"
+#include "driver/platform.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "lexer/source_reader.h"
+
+DependencyRecord dependencies;
+
+namespace {
+
+std::unordered_set<std::string> knownIncludes;  // the entries of dependencies.includes
+
+std::string Stem(const std::string& mainSource) { return StripExtension(StripFolder(mainSource)); }
+
+std::string ManifestPath(const std::string& mainSource, const std::string& outputPath) {
+    return outputPath + "/." + Stem(mainSource) + ".kvl.deps";
+}
+
+std::string ExpectedCpp() {
+    return settings.outputPath + "/" + Stem(settings.mainSource) + (settings.debugMode ? ".debug" : "") + ".cpp";
+}
+
+// Takes the manifest apart line by line; every routine returns false at the first flaw.
+class ManifestReader {
+public:
+    explicit ManifestReader(const std::string& content) : text(content) {}
+
+    bool Heading(const std::string& name, std::string& rest) {
+        std::string line;
+        if (!Line(line) || line.compare(0, name.size(), name) != 0) return false;
+        rest = line.substr(name.size());
+        return true;
+    }
+
+    bool List(const std::string& heading, std::vector<std::string>& list) {
+        long long count = 0;
+        if (!Count(heading, count)) return false;
+        for (; count > 0; --count) {
+            std::string line;
+            if (!Line(line)) return false;
+            list.push_back(line);
+        }
+        return true;
+    }
+
+    bool Times(const std::string& heading, FileTimes& times) {
+        long long count = 0;
+        if (!Count(heading, count)) return false;
+        for (; count > 0; --count) {
+            std::string line;
+            if (!Line(line)) return false;
+            const std::size_t bar = line.find('|');
+            if (bar == std::string::npos) return false;
+            if (!Number(line.substr(bar + 1), times[line.substr(0, bar)])) return false;
+        }
+        return true;
+    }
+
+private:
+    const std::string& text;
+    std::size_t at = 0;
+
+    bool Line(std::string& line) {
+        if (at >= text.size()) return false;
+        std::size_t end = text.find('\n', at);
+        if (end == std::string::npos) end = text.size();
+        line = text.substr(at, end - at);
+        at = end + 1;
+        return true;
+    }
+
+    // A count that is no number is 0.
+    bool Count(const std::string& heading, long long& count) {
+        std::string rest;
+        if (!Heading(heading, rest)) return false;
+        count = std::strtoll(rest.c_str(), nullptr, 10);
+        return true;
+    }
+
+    // A time that is no number is damage: taken as 0 it would make the file look changed, or unchanged.
+    static bool Number(const std::string& digits, std::int64_t& value) {
+        if (digits.empty() || digits.find_first_not_of("-0123456789") != std::string::npos) return false;
+        char* end = nullptr;
+        errno = 0;
+        value = std::strtoll(digits.c_str(), &end, 10);
+        return errno == 0 && end == digits.c_str() + digits.size();
+    }
+};
+
+std::string TimesText(const std::string& heading, const FileTimes& times) {
+    std::string text = heading + std::to_string(times.size()) + "\n";
+    for (const auto& [path, time] : times) text += path + "|" + std::to_string(time) + "\n";
+    return text;
+}
+
+bool SourceChanged(const std::string& path, bool& unknown) {
+    const auto recorded = dependencies.sourceTimes.find(path);
+    unknown = recorded == dependencies.sourceTimes.end();
+    return !unknown && FileTime(path) > recorded->second;
+}
+
+bool MainUnchanged() {
+    bool unknown = false;
+    const bool changed = SourceChanged(settings.mainSource, unknown);
+    if (changed) Say("[QUICK BUILD] Main file changed, transpiling...");
+    return !changed && !unknown;
+}
+
+bool IncludeUnchanged(const std::string& path) {
+    if (FileTime(path) == 0) {
+        Say("[QUICK BUILD] Included file missing: " + path);
+        return false;
+    }
+    bool unknown = false;
+    const bool changed = SourceChanged(path, unknown);
+    if (changed) Say("[QUICK BUILD] Included file changed: " + path);
+    return !changed && !unknown;
+}
+
+bool IncludesUnchanged() {
+    for (const std::string& path : dependencies.includes) {
+        if (!IncludeUnchanged(path)) return false;
+    }
+    return true;
+}
+
+// True when a condition that forces translation holds; says so.
+bool Forces(bool condition, const char* message) {
+    if (condition) Say(std::string("[QUICK BUILD] ") + message);
+    return condition;
+}
+
+}  // namespace
+
+void ResetDependencies() {
+    dependencies = {};
+    dependencies.main = settings.mainSource;
+    knownIncludes.clear();
+}
+
+void AddDependency(const std::string& path) {
+    if (knownIncludes.insert(path).second) dependencies.includes.push_back(path);
+}
+
+bool LoadDependencyManifest(DependencyRecord& record, const std::string& mainSource,
+                            const std::string& outputPath) {
+    const std::string path = ManifestPath(mainSource, outputPath);
+    std::string text;
+    if (!ReadFile(path, text)) {
+        VerboseNote("[QUICK BUILD] No previous dependency manifest found");
+        return false;
+    }
+    ManifestReader reader(text);
+    const bool whole = reader.Heading("MAIN:", record.main) && reader.List("INCLUDES:", record.includes) &&
+                       reader.Times("KVL_TIMES:", record.sourceTimes) &&
+                       reader.Times("CPP_TIMES:", record.cppTimes) &&
+                       reader.Times("OBJ_TIMES:", record.objectTimes);
+    if (whole) VerboseNote("[QUICK BUILD] Loaded dependency manifest: " + path);
+    return whole;
+}
+
+void SaveDependencyManifest(const DependencyRecord& record) {
+    const std::string path = ManifestPath(record.main, settings.outputPath);
+    std::string text = "MAIN:" + record.main + "\nINCLUDES:" + std::to_string(record.includes.size()) + "\n";
+    for (const std::string& include : record.includes) text += include + "\n";
+    text += TimesText("KVL_TIMES:", record.sourceTimes);
+    text += TimesText("CPP_TIMES:", record.cppTimes);
+    text += TimesText("OBJ_TIMES:", record.objectTimes);
+    if (!ReplaceFile(path, text)) {
+        std::fputs("[QUICK BUILD] Warning: Could not save dependency manifest\n", stderr);
+        return;
+    }
+    VerboseNote("[QUICK BUILD] Saved dependency manifest: " + path);
+}
+
+bool HeaderBuiltForOtherTarget(const std::string& cppPath) {
+    constexpr int linesRead = 20;
+    SourceReader header;
+    if (!header.Open(cppPath.substr(0, cppPath.size() - 4) + ".h")) return false;
+    for (int i = 0; i < linesRead && !header.AtEnd(); ++i) {
+        if (header.NextLine().find("KVR_PSXStd.h") != std::string::npos) return true;
+    }
+    return false;
+}
+
+bool CanSkipTranslation() {
+    const std::string cpp = ExpectedCpp();
+    if (Forces(!LoadDependencyManifest(dependencies, settings.mainSource, settings.outputPath),
+               "No previous build found, performing full transpilation")) {
+        return false;
+    }
+    if (Forces(FileTime(settings.mainSource) == 0, "Main file not found, forcing full rebuild")) return false;
+    if (Forces(!FileExists(cpp), "C++ file not found, forcing transpilation")) return false;
+    if (!MainUnchanged() || !IncludesUnchanged()) return false;
+    if (Forces(HeaderBuiltForOtherTarget(cpp), "C++ file was built for another target, transpiling...")) {
+        return false;
+    }
+    Say("[QUICK BUILD] No source files changed - skipping transpilation");
+    Say("[QUICK BUILD] Using existing: " + cpp);
+    return true;
+}
+
+void UpdateDependencyManifest() {
+    dependencies.main = settings.mainSource;
+    dependencies.sourceTimes[settings.mainSource] = FileTime(settings.mainSource);
+    for (const std::string& include : dependencies.includes) {
+        dependencies.sourceTimes[include] = FileTime(include);
+    }
+    dependencies.cppTimes[ExpectedCpp()] = FileTime(ExpectedCpp());
+    SaveDependencyManifest(dependencies);
+}

@@ -1,0 +1,101 @@
+#include "driver/build.h"
+
+#include <cstdio>
+
+#include "build/build_manifest.h"
+#include "build/dependency_manifest.h"
+#include "driver/paths.h"
+#include "driver/platform.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "driver/word_lists.h"
+#include "linking/deploy.h"
+#include "statements/translate.h"
+#include "symbols/scopes.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+// The folder of the executable in the characters that every platform call takes.
+std::string ExecutableFolder() {
+    std::string folder;
+    for (const char c : FolderOf(ExecutablePath())) {
+        if (c >= 1 && static_cast<unsigned char>(c) <= 127) folder += c;
+    }
+    return folder;
+}
+
+void MoveToInstallationRoot() {
+    const std::string folder = ExecutableFolder();
+    if (!ChangeFolder(folder)) {
+        Say("Failed to change to: " + folder);
+        ReportFatal("Cannot change working directory to exe directory");
+    }
+    if (!ChangeFolder("..")) ReportFatal("Cannot change to parent directory (Korvel root)");
+}
+
+void CheckRequiredArguments() {
+    if (settings.mainSource.empty()) ReportFatal("No source file specified!");
+    if (settings.outputPath.empty()) ReportFatal("No output directory specified!");
+}
+
+void CheckMainFunction() {
+    if (HasMainFunction()) return;
+    ReportFatal(
+        "Error: No 'Main' function found. Every Korvel program must have a Main function as the entry point.");
+}
+
+bool WriteText(const std::string& path, const std::string& text) {
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file) return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && written;
+}
+
+// The flags go beside the main source; the user gets the command that builds the executable.
+void WriteLinkerFlags() {
+    if (symbols.linkerFlags.empty()) return;
+    const std::string stem = StripExtension(settings.mainSource);
+    const std::string path = stem + ".linkflags";
+    std::string flags;
+    for (const std::string& flag : symbols.linkerFlags) flags += " " + flag;
+    if (!WriteText(path, flags.substr(1) + "\n")) {
+        Say("Warning: Could not create " + path);
+        return;
+    }
+    AddOnce(symbols.generatedFiles, path);
+    Say("\nLinker flags written to " + path);
+    Say("Compile with: g++ -std=c++11 -o " + stem + " " + stem + ".cpp" + flags + "\n");
+}
+
+void RecordExecutable() {
+    const std::string stem = StripExtension(settings.mainSource);
+    AddOnce(symbols.generatedFiles, stem);
+    AddOnce(symbols.generatedFiles, stem + ".exe");
+}
+
+void Translate() {
+    CleanPreviousBuild(settings.outputPath);
+    if (settings.quickBuild) ResetDependencies();
+    PushRoutineScope();
+    LoadWordLists();
+    Say("Working on files...\n");
+    TranslateProgram(settings.mainSource);
+    Say("");
+    CheckMainFunction();
+    PopRoutineScope();
+    WriteLinkerFlags();
+    RecordExecutable();
+    CopyUserlibDLLs(settings.outputPath);
+}
+
+}  // namespace
+
+void BuildProgram() {
+    MoveToInstallationRoot();
+    CheckRequiredArguments();
+    if (!settings.quickBuild || !CanSkipTranslation()) Translate();
+    if (settings.quickBuild) UpdateDependencyManifest();
+    WriteBuildManifest(settings.outputPath);
+    Say("Done! \\o/\n");
+}

@@ -1,0 +1,9 @@
+// Userlib declaration files: which functions of which DLLs a program may call.
+#pragma once
+
+#include <string>
+
+// Reads one declaration file ("userlibs/name.decls") into symbols.userlibDLLs, userlibFunctions and
+// userlibRoutines. A file that cannot be opened, a reserved name and a type that a DLL cannot take end
+// the run; malformed lines are skipped.
+void ImportUserlib(const std::string& path);
