@@ -35,7 +35,7 @@ const Routine* FindMethod(const ClassInfo& cls, const std::string& name) {
 
 bool HasMainFunction() {
     return std::any_of(symbols.functions.begin(), symbols.functions.end(),
-                       [](const auto& entry) { return Lower(entry.first) == "main"; });
+                       [](const auto& entry) { return !entry.second.isExtern && Lower(entry.first) == "main"; });
 }
 
 void AddOnce(std::vector<std::string>& list, const std::string& text) {

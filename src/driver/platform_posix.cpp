@@ -1,44 +1,13 @@
-#include "driver/platform.h"
-
 #include <sys/stat.h>
-#include <sys/types.h>
-
-#ifdef _WIN32
-#include <windows.h>
-#else
 #include <unistd.h>
 
 #include <climits>
 #include <filesystem>
+
+#include "driver/platform.h"
 #ifdef __APPLE__
 #include <mach-o/dyld.h>
 #endif
-#endif
-
-constexpr std::size_t longestExecutablePath = 260;
-
-#ifdef _WIN32
-
-std::string ExecutablePath() {
-    char buffer[longestExecutablePath];
-    const DWORD length = GetModuleFileNameA(nullptr, buffer, sizeof buffer);
-    return std::string(buffer, length);
-}
-
-bool ChangeFolder(const std::string& folder) { return SetCurrentDirectoryA(folder.c_str()) != 0; }
-
-std::string AbsolutePath(const std::string& path) {
-    char buffer[4096];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof buffer, buffer, nullptr);
-    return length > 0 && length < sizeof buffer ? std::string(buffer, length) : path;
-}
-
-std::int64_t FileTime(const std::string& path) {
-    struct _stat64 status;
-    return _stat64(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
-}
-
-#else
 
 std::string ExecutablePath() {
     char buffer[PATH_MAX];
@@ -51,7 +20,7 @@ std::string ExecutablePath() {
     if (length < 0) return {};
     std::string path(buffer, static_cast<std::size_t>(length));
 #endif
-    return path.substr(0, longestExecutablePath);
+    return path.substr(0, 260);
 }
 
 bool ChangeFolder(const std::string& folder) { return chdir(folder.c_str()) == 0; }
@@ -66,5 +35,3 @@ std::int64_t FileTime(const std::string& path) {
     struct stat status;
     return stat(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
 }
-
-#endif
