@@ -25,7 +25,8 @@ std::string ManifestPath(const std::string& mainSource, const std::string& outpu
 }
 
 std::string ExpectedCpp() {
-    return settings.outputPath + "/" + Stem(settings.mainSource) + (settings.debugMode ? ".debug" : "") + ".cpp";
+    return settings.outputPath + "/" + Stem(settings.mainSource) + (settings.debugMode ? ".debug" : "") +
+           ".cpp";
 }
 
 // Takes the manifest apart line by line; every routine returns false at the first flaw.

@@ -42,7 +42,8 @@ void CheckRequiredArguments() {
 void CheckMainFunction() {
     if (HasMainFunction()) return;
     ReportFatal(
-        "Error: No 'Main' function found. Every Korvel program must have a Main function as the entry point.");
+        "Error: No 'Main' function found. Every Korvel program must have a Main function as the entry "
+        "point.");
 }
 
 bool WriteText(const std::string& path, const std::string& text) {

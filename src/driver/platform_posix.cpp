@@ -20,7 +20,7 @@ std::string ExecutablePath() {
     if (length < 0) return {};
     std::string path(buffer, static_cast<std::size_t>(length));
 #endif
-    return path.substr(0, 260);
+    return path.substr(0, 260);  // as long as such a path gets on any platform
 }
 
 bool ChangeFolder(const std::string& folder) { return chdir(folder.c_str()) == 0; }

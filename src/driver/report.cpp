@@ -5,7 +5,9 @@
 
 #include "driver/settings.h"
 
-static void Write(std::FILE* stream, const std::string& text) { std::fwrite(text.data(), 1, text.size(), stream); }
+static void Write(std::FILE* stream, const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+}
 
 void ReportFatal(const std::string& message) {
     Write(stdout, "Error: " + message + "\nFile: " + settings.currentFile +

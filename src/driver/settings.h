@@ -4,9 +4,9 @@
 #include <string>
 
 struct Settings {
-    std::string mainSource;    // -s, as given
-    std::string sourceFolder;  // folder part of mainSource, "." when it has none
-    std::string outputPath;    // -o
+    std::string mainSource;       // -s, as given
+    std::string sourceFolder;     // folder part of mainSource, "." when it has none
+    std::string outputPath;       // -o
     bool traceMode = false;       // -t: source lines ride along as C++ comments
     bool outputComments = false;  // -c: the user's comments reach the output
     bool verbose = false;         // -v

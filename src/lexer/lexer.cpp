@@ -86,22 +86,45 @@ private:
 
     void Step() {
         switch (ClassOf(line[at])) {
-            case CharClass::Word: Append(false); break;
-            case CharClass::Digit: Append(true); break;
-            case CharClass::Blank: Flush(); ++at; break;
-            case CharClass::Delimiter: Delimiter(); break;
-            case CharClass::OpenParen: ++result.parenDepth; Delimiter(); break;
+            case CharClass::Word:
+                Append(false);
+                break;
+            case CharClass::Digit:
+                Append(true);
+                break;
+            case CharClass::Blank:
+                Flush();
+                ++at;
+                break;
+            case CharClass::Delimiter:
+                Delimiter();
+                break;
+            case CharClass::OpenParen:
+                ++result.parenDepth;
+                Delimiter();
+                break;
             case CharClass::CloseParen:
                 Close(result.parenDepth, "Unmatched closing parenthesis ')'");
                 break;
-            case CharClass::OpenBracket: ++result.bracketDepth; Delimiter(); break;
+            case CharClass::OpenBracket:
+                ++result.bracketDepth;
+                Delimiter();
+                break;
             case CharClass::CloseBracket:
                 Close(result.bracketDepth, "Unmatched closing bracket ']'");
                 break;
-            case CharClass::Dollar: Dollar(); break;
-            case CharClass::Point: Point(); break;
-            case CharClass::Quote: String(); break;
-            case CharClass::Comment: result.comment = at; break;
+            case CharClass::Dollar:
+                Dollar();
+                break;
+            case CharClass::Point:
+                Point();
+                break;
+            case CharClass::Quote:
+                String();
+                break;
+            case CharClass::Comment:
+                result.comment = at;
+                break;
         }
     }
 
@@ -267,6 +290,8 @@ std::string GuardComment(std::string comment) {
     const std::size_t last = comment.find_last_not_of(" \t\r\f\v");
     if (last == std::string::npos) return comment;
     const bool backslash = comment[last] == '\\';
-    const bool trigraph = last >= 2 && comment.compare(last - 2, 3, "?" "?/") == 0;
+    const bool trigraph = last >= 2 && comment.compare(last - 2, 3,
+                                                       "?"
+                                                       "?/") == 0;
     return backslash || trigraph ? comment + " ." : comment;
 }

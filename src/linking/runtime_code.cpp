@@ -21,7 +21,8 @@ std::string Escaped(const std::string& text) {
         if (c == '"' || c == '\\' || trigraph) escaped += '\\';
         if (code < 32 || code == 127) {
             const char digits[] = {'\\', static_cast<char>('0' + code / 64),
-                                   static_cast<char>('0' + code / 8 % 8), static_cast<char>('0' + code % 8), 0};
+                                   static_cast<char>('0' + code / 8 % 8), static_cast<char>('0' + code % 8),
+                                   0};
             escaped += digits;
         } else {
             escaped += c;
@@ -52,7 +53,8 @@ struct WrappedDll {
 };
 
 bool CannotNameParameter(const std::string& name, const std::unordered_set<std::string>& taken) {
-    return name.empty() || name == "result" || IsCppWord(name) || IsWindowsMacro(name) || taken.count(name) > 0;
+    return name.empty() || name == "result" || IsCppWord(name) || IsWindowsMacro(name) ||
+           taken.count(name) > 0;
 }
 
 // The parameters' names, changed where C++ would take them for something else.
@@ -111,9 +113,9 @@ std::string Pointer(const Wrapped& f) {
 }
 
 std::string Handle(const WrappedDll& dll) {
-    std::string text = GuardComment("// DLL: " + dll.name) + "\n" +
-                       PerPlatform("", "HMODULE " + dll.handle + " = NULL;\n", "void* " + dll.handle + " = NULL;\n") +
-                       "\n";
+    std::string text =
+        GuardComment("// DLL: " + dll.name) + "\n" +
+        PerPlatform("", "HMODULE " + dll.handle + " = NULL;\n", "void* " + dll.handle + " = NULL;\n") + "\n";
     for (const Wrapped& f : dll.functions) text += Pointer(f);
     return text;
 }
@@ -124,8 +126,8 @@ std::string Resolve(const WrappedDll& dll, const Wrapped& f) {
     const std::string assign = "        " + name + "_ptr = (" + name + "_TYPE)";
     const std::string failed = "            std::cerr << \"ERROR: Failed to load function " + name + " as '" +
                                Escaped(f.function->symbol) + "' from " + Escaped(dll.name);
-    return PerPlatform("        ", assign + "GetProcAddress" + symbol, assign + "dlsym" + symbol) + "        if (" +
-           name + "_ptr == NULL) {\n" +
+    return PerPlatform("        ", assign + "GetProcAddress" + symbol, assign + "dlsym" + symbol) +
+           "        if (" + name + "_ptr == NULL) {\n" +
            PerPlatform("            ",
                        "            DWORD err = GetLastError();\n" + failed +
                            " (Error: \" << err << \")\" << std::endl;\n",
@@ -137,16 +139,16 @@ std::string Resolve(const WrappedDll& dll, const Wrapped& f) {
 std::string Load(const WrappedDll& dll) {
     const std::string literal = CppLiteral(dll.name);
     const std::string failed = "        std::cerr << \"ERROR: Failed to load " + Escaped(dll.name);
-    std::string text =
-        GuardComment("    // Load " + dll.name) + "\n" +
-        PerPlatform("    ", "    " + dll.handle + " = LoadLibrary(" + literal + ");\n",
-                    "    " + dll.handle + " = dlopen(" + literal + ", RTLD_LAZY);\n") +
-        "    if (" + dll.handle + " == NULL) {\n" +
-        PerPlatform("        ",
-                    "        DWORD err = GetLastError();\n" + failed + " (Error: \" << err << \")\" << std::endl;\n",
-                    "        const char* err = dlerror();\n" + failed +
-                        ": \" << (err ? err : \"Unknown error\") << std::endl;\n") +
-        "    } else {\n";
+    std::string text = GuardComment("    // Load " + dll.name) + "\n" +
+                       PerPlatform("    ", "    " + dll.handle + " = LoadLibrary(" + literal + ");\n",
+                                   "    " + dll.handle + " = dlopen(" + literal + ", RTLD_LAZY);\n") +
+                       "    if (" + dll.handle + " == NULL) {\n" +
+                       PerPlatform("        ",
+                                   "        DWORD err = GetLastError();\n" + failed +
+                                       " (Error: \" << err << \")\" << std::endl;\n",
+                                   "        const char* err = dlerror();\n" + failed +
+                                       ": \" << (err ? err : \"Unknown error\") << std::endl;\n") +
+                       "    } else {\n";
     for (const Wrapped& f : dll.functions) text += Resolve(dll, f);
     return text + "    }\n\n";
 }

@@ -34,7 +34,8 @@ struct Marker {
     const char* type;
 };
 
-constexpr Marker markers[] = {{"%", "Int"}, {"#", "Double"}, {"!", "Double"}, {"$", "String"}, {"*", "void*"}};
+constexpr Marker markers[] = {
+    {"%", "Int"}, {"#", "Double"}, {"!", "Double"}, {"$", "String"}, {"*", "void*"}};
 
 bool IsQuoted(const std::string& token) { return token.size() >= 2 && token[0] == '"'; }
 
@@ -74,8 +75,9 @@ struct Place {
 };
 
 [[noreturn]] void FailType(const Place& place, const std::string& function, const std::string& type) {
-    const char* reason = IsElement(type) ? " is an Element, and Elements cannot be passed to a DLL or returned from it"
-                                         : " is no type that a DLL function can take or return";
+    const char* reason = IsElement(type)
+                             ? " is an Element, and Elements cannot be passed to a DLL or returned from it"
+                             : " is no type that a DLL function can take or return";
     ReportFatal(place.file + ", line " + std::to_string(place.line) + ": in the declaration of '" + function +
                 "', '" + type + "'" + reason);
 }
@@ -131,8 +133,8 @@ void ReadFunction(Cursor line, const Place& place) {
     for (UserlibParameter& parameter : function.parameters) parameter.cppType = cppType(parameter.korvelType);
 
     Register(function);
-    VerboseNote("      Function: " + function.name + " -> " + function.symbol + " (returns " + function.cppReturn +
-                ")");
+    VerboseNote("      Function: " + function.name + " -> " + function.symbol + " (returns " +
+                function.cppReturn + ")");
     symbols.userlibDLLs.back().functions.push_back(std::move(function));
 }
 
