@@ -1,0 +1,38 @@
+// Where kv keeps what it makes: the generated C++, the program, and what it needs to know for the next time.
+//
+//   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
+//       cpp/                         what kvt generates (unless --keep-cpp names another folder)
+//       bin/game                     the compiled program, with the shared libraries that it loads
+//       stamp                        all that the program was made from (kv/stamp.h)
+//       kvt-output.txt ...           what the tools said
+//
+// .kvbuild lies beside the source; where nothing can be written there, in the user's cache folder, and without one
+// in a private folder for temporary files. It can be removed at any time.
+#pragma once
+
+#include <string>
+
+struct BuildFolder {
+    std::string folder;
+    std::string cppFolder;
+    std::string program;  // the executable
+    std::string stamp;
+    std::string lock;
+    std::string started;  // written when a build starts
+    std::string kvtOutput;
+    std::string kvtErrors;
+    std::string compilerOutput;
+    std::string compilerErrors;
+    std::string dependencies;  // the files that the C++ compiler read
+};
+
+// Creates the folders for the source (a full path) and `variant`. `keepCppFolder` is a full path or empty.
+// Returns false and sets `problem` when there is no place to write.
+bool PrepareBuildFolder(const std::string& source, const std::string& variant,
+                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
+
+// The name of a source without folder and extension: what its generated files and its program are called.
+std::string ProgramName(const std::string& source);
+
+// The whole content of a file; empty when it cannot be read.
+std::string ReadWhole(const std::string& path);

@@ -1,0 +1,26 @@
+// The command line of kv.
+#pragma once
+
+#include <string>
+#include <vector>
+
+enum class Command { run, build, check, help, version };
+
+struct Options {
+    Command command = Command::help;
+    std::string source;                  // as typed
+    std::string outputFile;              // build: -o, as typed; empty for the usual place
+    std::string keepCppFolder;           // --keep-cpp, as typed; empty for the hidden build folder
+    std::string optimisation;            // "-O0", "-O2"; empty for the command's own choice
+    bool safe = false;                   // --safe
+    bool debug = false;                  // --debug
+    bool verbose = false;                // --verbose
+    std::vector<std::string> arguments;  // run: what follows "--"
+};
+
+// Reads the arguments after the program's name. Returns false and sets `problem` (one sentence for the user)
+// when they make no sense.
+bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem);
+
+// The text of kv --help.
+std::string HelpText();

@@ -1,0 +1,188 @@
+#include "kv/compiler_report.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <unordered_map>
+
+namespace {
+
+const std::size_t errorsShown = 10;
+
+struct Place {
+    std::string file;
+    int line = 0;
+};
+
+std::string Trimmed(const std::string& text) {
+    const char blanks[] = " \t\r";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string FirstWord(const std::string& line) {
+    std::string word;
+    for (const char c : line) {
+        if (!std::isalnum(static_cast<unsigned char>(c))) break;
+        word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return word;
+}
+
+bool IsWithin(const std::string& path, const std::string& folder) {
+    const auto relative = std::filesystem::path(path).lexically_normal().lexically_relative(
+        std::filesystem::path(folder).lexically_normal());
+    return !relative.empty() && *relative.begin() != "..";
+}
+
+// What of the Korvel sources can turn up in a message about the C++: lines of inline C++ by their text, and where
+// blocks of C declarations and Linker lines stand.
+class SourceLines {
+public:
+    explicit SourceLines(const std::vector<std::string>& sources) {
+        for (const std::string& source : sources) Read(source);
+    }
+
+    const Place* InlineLine(const std::string& text) const {
+        const auto found = inlineLines_.find(Trimmed(text));
+        return found != inlineLines_.end() ? &found->second : nullptr;
+    }
+
+    // The first Linker line or line of an Extern block that contains the text; its file is empty if there is none.
+    Place LineWith(const std::string& text) const {
+        for (const auto& line : linkingLines_) {
+            if (line.first.find(text) != std::string::npos) return line.second;
+        }
+        return Place();
+    }
+
+private:
+    void Read(const std::string& source) {
+        std::ifstream stream(source, std::ios::binary);
+        bool inInline = false;
+        bool inExtern = false;
+        Place place;
+        place.file = source;
+        for (std::string line; std::getline(stream, line);) {
+            ++place.line;
+            line = Trimmed(line);
+            const std::string word = FirstWord(line);
+            if (word == "endinlinecpp") inInline = false;
+            if (word == "endextern") inExtern = false;
+            if (inInline && !line.empty()) inlineLines_.emplace(line, place);
+            if (inExtern || word == "linker") linkingLines_.emplace_back(line, place);
+            if (word == "inlinecpp") inInline = true;
+            if (word == "extern") inExtern = true;
+        }
+    }
+
+    std::unordered_map<std::string, Place> inlineLines_;
+    std::vector<std::pair<std::string, Place>> linkingLines_;
+};
+
+// The lines of the generated files that messages point at; each file is read once.
+class GeneratedLines {
+public:
+    std::string Line(const std::string& file, int line) {
+        std::vector<std::string>& lines = files_[file];
+        if (lines.empty()) {
+            std::ifstream stream(file, std::ios::binary);
+            lines.emplace_back();
+            for (std::string text; std::getline(stream, text);) lines.push_back(text);
+        }
+        return line > 0 && static_cast<std::size_t>(line) < lines.size()
+                   ? lines[static_cast<std::size_t>(line)]
+                   : "";
+    }
+
+private:
+    std::map<std::string, std::vector<std::string>> files_;
+};
+
+// "path:12:5: error: message"; a path may hold a colon (C:\...).
+bool ParseErrorLine(const std::string& text, Place& place, std::string& message) {
+    for (const std::string mark : {": error: ", ": fatal error: "}) {
+        const std::size_t end = text.find(mark);
+        if (end == std::string::npos) continue;
+        std::size_t column = text.rfind(':', end - 1);
+        if (column == std::string::npos) continue;
+        std::size_t number = column == 0 ? std::string::npos : text.rfind(':', column - 1);
+        if (number == std::string::npos || !std::isdigit(static_cast<unsigned char>(text[number + 1])))
+            number = column;
+        place.file = text.substr(0, number);
+        place.line = std::atoi(text.c_str() + number + 1);
+        message = text.substr(end + mark.size());
+        return place.line > 0;
+    }
+    return false;
+}
+
+// What stands between the mark and the closing character; empty when the mark does not occur.
+std::string TextAfter(const std::string& line, const std::string& mark, const char* closers) {
+    const std::size_t start = line.find(mark);
+    if (start == std::string::npos) return "";
+    const std::size_t from = start + mark.size();
+    return line.substr(from, line.find_first_of(closers, from) - from);
+}
+
+bool ExplainLinkerLine(const std::string& line, const SourceLines& sources, Diagnostic& diagnostic) {
+    std::string library = TextAfter(line, "cannot find -l", ": \r");
+    if (library.empty()) library = TextAfter(line, "library not found for -l", ": \r");
+    if (library.empty()) library = TextAfter(line, "unable to find library -l", ": \r");
+    Place place;
+    if (!library.empty()) {
+        place = sources.LineWith("-l" + library);
+        diagnostic.message = "the library " + library + " was not found (Linker \"-l" + library + "\")";
+    } else {
+        std::string name = TextAfter(line, "undefined reference to `", "'(");
+        if (name.empty()) name = TextAfter(line, "undefined symbol: ", " (\r");
+        if (name.empty()) return false;
+        place = sources.LineWith(name);
+        if (place.file.empty()) return false;
+        diagnostic.message =
+            "no library defines the Extern function " + name + " (a Linker line names libraries)";
+    }
+    diagnostic.file = place.file;
+    diagnostic.line = place.line;
+    return true;
+}
+
+}  // namespace
+
+std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
+                                              const std::vector<std::string>& sources,
+                                              const std::string& cppFolder, const std::string& sourceFolder) {
+    const SourceLines sourceLines(sources);
+    GeneratedLines generatedLines;
+    std::vector<Diagnostic> found;
+    std::istringstream lines(output);
+    for (std::string line; found.size() < errorsShown && std::getline(lines, line);) {
+        Diagnostic diagnostic;
+        Place place;
+        std::string message;
+        if (ParseErrorLine(line, place, message)) {
+            if (IsWithin(place.file, cppFolder)) {
+                const Place* inlined = sourceLines.InlineLine(generatedLines.Line(place.file, place.line));
+                if (inlined == nullptr) continue;
+                place = *inlined;
+            } else if (!IsWithin(place.file, sourceFolder)) {
+                continue;
+            }
+            diagnostic.file = place.file;
+            diagnostic.line = place.line;
+            diagnostic.message = "in C++ code: " + message;
+        } else if (!ExplainLinkerLine(line, sourceLines, diagnostic)) {
+            continue;
+        }
+        const bool known = std::any_of(found.begin(), found.end(), [&](const Diagnostic& other) {
+            return other.file == diagnostic.file && other.line == diagnostic.line &&
+                   other.message == diagnostic.message;
+        });
+        if (!known) found.push_back(diagnostic);
+    }
+    return found;
+}

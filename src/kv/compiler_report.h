@@ -1,0 +1,14 @@
+// What the C++ compiler said about a translated program, told in terms of the Korvel source.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kv/diagnostics.h"
+
+// The mistakes that the user can mend: C++ code of InlineCpp blocks, headers of the user's own, libraries that the
+// linker misses. Empty when the output shows none, which makes it a fault of the translation.
+// `sources` are the Korvel files of the program, `cppFolder` holds the generated files, `sourceFolder` the user's.
+std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
+                                              const std::vector<std::string>& sources,
+                                              const std::string& cppFolder, const std::string& sourceFolder);

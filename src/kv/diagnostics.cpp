@@ -1,0 +1,97 @@
+#include "kv/diagnostics.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "kv/platform.h"
+
+namespace {
+
+struct SeverityRow {
+    const char* word;
+    const char* colour;
+};
+
+const SeverityRow severityRows[] = {
+    {"error", "\033[1;31m"}, {"warning", "\033[1;35m"}, {"note", "\033[1;36m"}};
+const char bold[] = "\033[1m";
+const char plain[] = "\033[0m";
+
+// A source line longer than this is cut when shown.
+const std::size_t shownLength = 300;
+
+// The line of a file, fit for a terminal: control characters become blanks. Empty when there is none.
+std::string SourceLine(const std::string& file, int line) {
+    std::error_code ignored;
+    if (line <= 0 || !std::filesystem::is_regular_file(file, ignored)) return "";
+    std::ifstream stream(file, std::ios::binary);
+    std::string text;
+    for (int at = 0; at < line; ++at) {
+        if (!std::getline(stream, text)) return "";
+    }
+    if (text.size() > shownLength) text = text.substr(0, shownLength) + " ...";
+    while (!text.empty() && (text.back() == '\r' || text.back() == ' ')) text.pop_back();
+    for (char& c : text) {
+        const unsigned char code = static_cast<unsigned char>(c);
+        if (code < 32 || code == 127) c = ' ';
+    }
+    return text;
+}
+
+std::string Place(const Diagnostic& diagnostic) {
+    if (diagnostic.file.empty()) return "kv: ";
+    if (diagnostic.line <= 0) return diagnostic.file + ": ";
+    return diagnostic.file + ":" + std::to_string(diagnostic.line) + ": ";
+}
+
+// Lines of the message after the first are set in by four blanks.
+std::string Indented(const std::string& message) {
+    std::string text;
+    for (const char c : message) {
+        text += c;
+        if (c == '\n') text += "    ";
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string Format(const Diagnostic& diagnostic, bool colour) {
+    const SeverityRow& row = severityRows[static_cast<int>(diagnostic.severity)];
+    const std::string kind = std::string(row.word) + ": ";
+    std::string text = colour ? bold + Place(diagnostic) + plain + row.colour + kind + plain + bold +
+                                    Indented(diagnostic.message) + plain
+                              : Place(diagnostic) + kind + Indented(diagnostic.message);
+    text += "\n";
+    const std::string source = SourceLine(diagnostic.file, diagnostic.line);
+    if (!source.empty()) {
+        std::string number = std::to_string(diagnostic.line);
+        if (number.size() < 5) number.insert(0, 5 - number.size(), ' ');
+        text += number + " | " + source + "\n";
+    }
+    return text;
+}
+
+void Show(const Diagnostic& diagnostic) {
+    const char* noColour = std::getenv("NO_COLOR");
+    const bool colour = (noColour == nullptr || *noColour == '\0') && ErrorStreamHasColours();
+    const std::string text = Format(diagnostic, colour);
+    std::fflush(stdout);
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void ShowProblem(const std::string& message) {
+    Diagnostic diagnostic;
+    diagnostic.message = message;
+    Show(diagnostic);
+}
+
+std::string ShortPath(const std::string& path, const std::string& folder) {
+    const std::filesystem::path whole = std::filesystem::path(path).lexically_normal();
+    const std::filesystem::path relative =
+        whole.lexically_relative(std::filesystem::path(folder).lexically_normal());
+    if (relative.empty() || *relative.begin() == "..") return whole.string();
+    return relative.string();
+}

@@ -1,0 +1,75 @@
+#include "kv/job.h"
+
+#include <filesystem>
+
+#include "kv/diagnostics.h"
+#include "kv/platform.h"
+#include "kv/toolchain.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The source as a full path; "game" also finds game.kvl.
+bool FindSource(const Options& options, Job& job) {
+    std::error_code failed;
+    fs::path source = fs::path(job.typedFolder) / options.source;
+    if (!fs::exists(source, failed) && fs::exists(source.string() + ".kvl", failed)) source += ".kvl";
+    if (!fs::exists(source, failed)) {
+        ShowProblem("cannot find " + options.source);
+        return false;
+    }
+    if (!fs::is_regular_file(source, failed)) {
+        ShowProblem(options.source + " is no file");
+        return false;
+    }
+    job.source = source.lexically_normal().string();
+    job.sourceFolder = source.lexically_normal().parent_path().string();
+    return true;
+}
+
+bool FindInstallation(Job& job) {
+    job.kv = OwnExecutable();
+    const fs::path binFolder = fs::path(job.kv).parent_path();
+    job.installation = binFolder.parent_path().string();
+    job.kvt = (binFolder / (std::string("kvt") + executableSuffix)).string();
+    if (!job.kv.empty() && IsExecutable(job.kvt)) return true;
+    ShowProblem("kvt is missing: it belongs beside kv, at " + job.kvt);
+    return false;
+}
+
+// Ways of building that must not overwrite one another's files.
+std::string Variant(const Options& options) {
+    const std::string mode = options.debug ? "debug" : options.safe ? "safe" : "plain";
+    return options.command == Command::check ? "check-" + mode : mode + options.optimisation;
+}
+
+}  // namespace
+
+bool PrepareJob(const Options& options, Job& job) {
+    std::error_code failed;
+    job.options = options;
+    job.typedFolder = fs::current_path(failed).string();
+    if (failed) {
+        ShowProblem("the folder in which kv was called does not exist any more");
+        return false;
+    }
+    if (!FindSource(options, job) || !FindInstallation(job)) return false;
+    if (job.options.optimisation.empty()) {
+        job.options.optimisation = options.command == Command::build ? "-O2" : "-O0";
+    }
+    std::string problem;
+    if (options.command != Command::check) job.compiler = FindCompiler(problem);
+    std::string keepCpp;
+    if (!options.keepCppFolder.empty()) {
+        keepCpp = (fs::path(job.typedFolder) / options.keepCppFolder).lexically_normal().string();
+    }
+    if (!problem.empty() ||
+        !PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
+        ShowProblem(problem);
+        return false;
+    }
+    const std::string mainFile = ProgramName(job.source) + (options.debug ? ".debug.cpp" : ".cpp");
+    job.mainCpp = (fs::path(job.build.cppFolder) / mainFile).string();
+    return true;
+}

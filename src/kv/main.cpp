@@ -1,0 +1,67 @@
+// kv: translates, compiles and runs Korvel programs in one step.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "kv/command_line.h"
+#include "kv/diagnostics.h"
+#include "kv/job.h"
+#include "kv/make.h"
+#include "kv/platform.h"
+#include "kv/translate.h"
+
+namespace {
+
+const char versionText[] = "kv 1.2e";
+const int failure = 1;
+const int wrongUsage = 2;
+
+int RunProgram(const Job& job) {
+    ProcessRequest request;
+    request.arguments = {job.build.program};
+    request.arguments.insert(request.arguments.end(), job.options.arguments.begin(),
+                             job.options.arguments.end());
+    std::string problem;
+    const int status = RunProcess(request, problem);
+    if (status >= 0) return status;
+    ShowProblem("cannot run " + job.build.program + ": " + problem);
+    return failure;
+}
+
+int Check(Job& job) {
+    const FileLock lock(job.build.lock);
+    if (!Translate(job)) return failure;
+    std::printf("%s: no mistakes found\n", ShortPath(job.source, job.typedFolder).c_str());
+    return 0;
+}
+
+int Perform(const Options& options) {
+    Job job;
+    if (!PrepareJob(options, job)) return failure;
+    if (options.command == Command::check) return Check(job);
+    if (!Make(job)) return failure;
+    if (options.command == Command::build) return Install(job) ? 0 : failure;
+    return RunProgram(job);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    std::string problem;
+    if (!ParseCommandLine(std::vector<std::string>(argv + 1, argv + argc), options, problem)) {
+        ShowProblem(problem);
+        std::fputs("kv --help tells how kv is used.\n", stderr);
+        return wrongUsage;
+    }
+    switch (options.command) {
+        case Command::help:
+            std::fputs(HelpText().c_str(), stdout);
+            return 0;
+        case Command::version:
+            std::printf("%s\n", versionText);
+            return 0;
+        default:
+            return Perform(options);
+    }
+}

@@ -1,0 +1,79 @@
+#include "kv/toolchain.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "kv/command_quoting.h"
+#include "kv/platform.h"
+
+namespace {
+
+const char* const usualCompilers[] = {"g++", "clang++", "c++"};
+
+#ifdef __APPLE__
+const char* const ownFolderFlag = "-Wl,-rpath,@loader_path";
+#else
+const char* const ownFolderFlag = "-Wl,-rpath,$ORIGIN";
+#endif
+
+std::string WithSuffix(const std::string& path) {
+    if (IsExecutable(path)) return path;
+    const std::string suffixed = path + executableSuffix;
+    return IsExecutable(suffixed) ? suffixed : "";
+}
+
+// The full path of a program: a path is taken from the working folder, a name is looked for along PATH.
+std::string FindProgram(const std::string& name) {
+    std::error_code failed;
+    if (name.find_first_of("/\\") != std::string::npos) {
+        return WithSuffix(std::filesystem::absolute(name, failed).string());
+    }
+    const char* variable = std::getenv("PATH");
+    std::istringstream folders(variable != nullptr ? variable : "");
+    for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
+        const std::filesystem::path place = folder.empty() ? "." : folder;
+        const std::string found = WithSuffix(std::filesystem::absolute(place / name, failed).string());
+        if (!found.empty()) return found;
+    }
+    return "";
+}
+
+}  // namespace
+
+std::vector<std::string> FindCompiler(std::string& problem) {
+    const char* chosen = std::getenv("CXX");
+    std::vector<std::string> words = SplitFlags(chosen != nullptr ? chosen : "");
+    if (!words.empty()) {
+        const std::string program = FindProgram(words[0]);
+        if (program.empty()) {
+            problem = "the C++ compiler that CXX names was not found: " + words[0];
+            return {};
+        }
+        words[0] = program;
+        return words;
+    }
+    for (const char* name : usualCompilers) {
+        const std::string program = FindProgram(name);
+        if (!program.empty()) return {program};
+    }
+    problem = "no C++ compiler found (looked for $CXX, g++, clang++). On Debian: sudo apt-get install g++";
+    return {};
+}
+
+std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
+    std::vector<std::string> command = compiler;
+    command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
+    if (job.debug) command.push_back("-g");
+    // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
+    command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
+    command.insert(command.end(), {"-MMD", "-MF", job.dependencies, "-o", job.program, job.mainCpp});
+#ifndef _WIN32
+    command.push_back(ownFolderFlag);  // shared libraries beside the program are found
+#endif
+    command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
+#ifdef __linux__
+    command.push_back("-ldl");
+#endif
+    return command;
+}

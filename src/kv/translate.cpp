@@ -1,0 +1,129 @@
+#include "kv/translate.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "driver/paths.h"
+#include "kv/clash_place.h"
+#include "kv/command_quoting.h"
+#include "kv/diagnostics.h"
+#include "kv/kvt_report.h"
+#include "kv/platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool EndsWith(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// kvt lists the program that a user might build beside the source among the files of a build, and would delete
+// that program before its next translation. Programs are none of kvt's business here: they are taken off the list.
+void ForgetPrograms(const Job& job) {
+    const fs::path manifest = fs::path(job.build.cppFolder) / ("." + StripFolder(job.source) + ".manifest");
+    std::istringstream lines(ReadWhole(manifest.string()));
+    const std::string program = StripExtension(job.source);
+    std::string kept;
+    bool changed = false;
+    for (std::string line; std::getline(lines, line);) {
+        const bool generated = EndsWith(line, ".cpp") || EndsWith(line, ".h") || EndsWith(line, ".linkflags");
+        if (generated && line != program) {
+            kept += line + "\n";
+        } else {
+            changed = true;
+        }
+    }
+    if (changed) std::ofstream(manifest, std::ios::binary) << kept;
+}
+
+// The flags come from kvt's own file. Where it could not write one, from what it said.
+std::vector<std::string> LinkerFlags(const Job& job, const KvtReport& report, bool hadLinkerFile) {
+    std::string text;
+    if (report.linkerFile.empty()) {
+        for (const std::string& flag : report.linkerFlags) text += flag + " ";
+    } else {
+        const fs::path file = fs::path(job.installation) / report.linkerFile;
+        text = ReadWhole(file.string());
+        std::error_code ignored;
+        if (!hadLinkerFile) fs::remove(file, ignored);  // nothing is left beside the source
+    }
+    return SplitFlags(text);
+}
+
+void ShowErrors(const Job& job, KvtReport& report, int status) {
+    if (report.errors.empty()) {
+        ShowProblem("kvt ended without a result (status " + std::to_string(status) +
+                    "). This is a fault of kvt, not of " + ShortPath(job.source, job.typedFolder) +
+                    ".\nWhat it said: " + job.build.kvtOutput + "\n" + job.build.kvtErrors);
+    }
+    for (Diagnostic& diagnostic : report.errors) {
+        if (diagnostic.file.empty()) FindClash(job.source, diagnostic);
+        diagnostic.file = ShortPath((fs::path(job.installation) / diagnostic.file).string(), job.typedFolder);
+        Show(diagnostic);
+    }
+}
+
+void ShowWarnings(Job& job, const KvtReport& report) {
+    job.hadWarnings = !report.warnings.empty();
+    for (const std::string& warning : report.warnings) {
+        Diagnostic diagnostic;
+        diagnostic.severity = Severity::warning;
+        diagnostic.message = warning;
+        diagnostic.file = ShortPath(job.source, job.typedFolder);
+        Show(diagnostic);
+    }
+}
+
+}  // namespace
+
+std::string DependencyRecord(const Job& job) {
+    return (fs::path(job.build.cppFolder) / ("." + ProgramName(job.source) + ".kvl.deps")).string();
+}
+
+std::vector<std::string> TranslateCommand(const Job& job) {
+    std::vector<std::string> command = {job.kvt, "-s", job.source, "-o", job.build.cppFolder, "-quick"};
+    if (job.options.debug) command.push_back("-d");
+    if (job.options.safe) command.push_back("-safe");
+    return command;
+}
+
+bool Translate(Job& job) {
+    std::error_code failed;
+    // Without its record kvt always translates; what need not be translated kv knows better itself.
+    fs::remove(DependencyRecord(job), failed);
+    ForgetPrograms(job);
+    const bool hadLinkerFile = fs::exists(StripExtension(job.source) + ".linkflags", failed);
+
+    ProcessRequest request;
+    request.arguments = TranslateCommand(job);
+    request.outputFile = job.build.kvtOutput;
+    request.errorFile = job.build.kvtErrors;
+    if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
+    std::string problem;
+    const int status = RunProcess(request, problem);
+    if (status < 0) {
+        ShowProblem("cannot run " + job.kvt + ": " + problem);
+        return false;
+    }
+    const std::string output = ReadWhole(request.outputFile);
+    const std::string errors = ReadWhole(request.errorFile);
+    if (job.options.verbose) std::fprintf(stderr, "%s%s", output.c_str(), errors.c_str());
+    KvtReport report = ParseKvtReport(output, errors);
+    job.linkerFlags = LinkerFlags(job, report, hadLinkerFile);
+    if (status != 0) {
+        ShowErrors(job, report, status);
+        return false;
+    }
+    ForgetPrograms(job);
+    if (job.options.command != Command::check && !fs::exists(job.mainCpp, failed)) {
+        ShowProblem(
+            ShortPath(job.source, job.typedFolder) +
+            " makes no program: files in a folder whose name ends in .kvh only lend their declarations");
+        return false;
+    }
+    ShowWarnings(job, report);
+    return true;
+}
