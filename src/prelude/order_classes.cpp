@@ -43,7 +43,7 @@ struct Layout {
 
 class ClassPlacer {
 public:
-    explicit ClassPlacer(Program& program) : program(program) {
+    explicit ClassPlacer(Program& program) {
         ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Note(file, piece); });
     }
 
@@ -52,7 +52,6 @@ public:
     }
 
 private:
-    Program& program;
     std::unordered_map<const ClassInfo*, Layout> layouts;
     std::vector<const ClassInfo*> order;  // as the bodies stand
     ClassSet placed, open;
