@@ -10,6 +10,7 @@ enum class Support : unsigned char {
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
     StringSelect,  // constexpr hash for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
+    SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     Count,
 };
 

@@ -1,0 +1,47 @@
+#include "prelude/support.h"
+
+#include <array>
+#include <string_view>
+
+#include "prelude/texts.h"
+
+namespace {
+
+constexpr std::size_t supportCount = static_cast<std::size_t>(Support::Count);
+
+struct Row {
+    const std::string_view& text;
+    Support builtOn;  // itself when it stands alone
+};
+
+// In the order of the enum; a row stands behind the one that it builds on.
+const std::array<Row, supportCount> rows = {{
+    {texts::arrayPassing, Support::ArrayPassing},
+    {texts::boolArray, Support::BoolArray},
+    {texts::elementSlots, Support::ArrayPassing},
+    {texts::stringSelect, Support::StringSelect},
+    {texts::safeIndex, Support::SafeIndex},
+    {texts::safeOperands, Support::SafeOperands},
+}};
+
+std::array<bool, supportCount> used{};  // written by RequireSupport
+
+std::size_t IndexOf(Support support) { return static_cast<std::size_t>(support); }
+
+}  // namespace
+
+void RequireSupport(Support support) {
+    used[IndexOf(support)] = true;
+    used[IndexOf(rows[IndexOf(support)].builtOn)] = true;
+}
+
+bool SupportUsed(Support support) { return used[IndexOf(support)]; }
+
+std::string SupportText() {
+    std::string text;
+    for (std::size_t i = 0; i < supportCount; ++i)
+        if (used[i]) text += rows[i].text;
+    return text;
+}
+
+void ResetSupport() { used.fill(false); }

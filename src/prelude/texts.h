@@ -1,0 +1,28 @@
+// The fixed code of generated programs, kept as readable files in texts/ and embedded by embed.cmake.
+// Every text ends with a line end; an empty last line belongs to the text.
+#pragma once
+
+#include <string_view>
+
+namespace texts {
+
+extern const std::string_view includes;      // the standard headers of every generated header
+extern const std::string_view safeDivision;  // safe mode only
+extern const std::string_view sequence;
+extern const std::string_view scheduler;
+extern const std::string_view iteration;  // programs with Types or Elements
+
+// The closing part of a class, hole C: its C++ name (see fill.h).
+extern const std::string_view classConstructor;
+extern const std::string_view classDestructor;
+extern const std::string_view classNavigation;  // also closes the body and defines the instance list
+
+// One for each row of Support.
+extern const std::string_view arrayPassing;
+extern const std::string_view boolArray;
+extern const std::string_view elementSlots;
+extern const std::string_view stringSelect;
+extern const std::string_view safeIndex;
+extern const std::string_view safeOperands;
+
+}  // namespace texts

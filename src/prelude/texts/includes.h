@@ -1,0 +1,12 @@
+#include <iostream>
+#include <iomanip>
+#include <string>
+#include <vector>
+#include <algorithm>
+#include <type_traits>
+#include <cstdlib>
+#include <limits>
+#include <conio.h>
+#include <functional>
+#include <chrono>
+#include <cmath>

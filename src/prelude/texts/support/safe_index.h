@@ -1,0 +1,30 @@
+// Bounds checks. __kvCheckIndex returns its index when it is in range; __kvAt checks the indices of one
+// access from the first dimension to the last and yields the item.
+inline long long __kvCheckIndex(long long index, long long size, const char* name, int dimension, int dimensions) {
+    if(index < 0 || index >= size) {
+        std::cerr << "Array bounds error: " << name << "[" << index << "]" << (dimension + 1 < dimensions ? "[...]" : "")
+                  << " dimension " << dimension << " out of range [0, " << (size - 1) << "]" << std::endl;
+        exit(1);
+    }
+    return index;
+}
+template<typename A>
+auto __kvAt(const char* name, A&& items, long long i, long long n) -> decltype((items[0])) {
+    __kvCheckIndex(i, n, name, 0, 1);
+    return items[i];
+}
+template<typename A>
+auto __kvAt(const char* name, A&& items, long long i, long long n, long long j, long long m) -> decltype((items[0][0])) {
+    __kvCheckIndex(i, n, name, 0, 2);
+    __kvCheckIndex(j, m, name, 1, 2);
+    return items[i][j];
+}
+template<typename A>
+auto __kvAt(const char* name, A&& items, long long i, long long n, long long j, long long m, long long k, long long l)
+    -> decltype((items[0][0][0])) {
+    __kvCheckIndex(i, n, name, 0, 3);
+    __kvCheckIndex(j, m, name, 1, 3);
+    __kvCheckIndex(k, l, name, 2, 3);
+    return items[i][j][k];
+}
+
