@@ -6,7 +6,8 @@
 static std::string_view ValueOf(std::string_view name, std::initializer_list<Hole> holes) {
     for (const Hole& hole : holes)
         if (hole.name == name) return hole.value;
-    std::fprintf(stderr, "kvt: internal error: no value for hole '%.*s'\n", static_cast<int>(name.size()), name.data());
+    std::fprintf(stderr, "kvt: internal error: no value for hole '%.*s'\n", static_cast<int>(name.size()),
+                 name.data());
     std::abort();
 }
 

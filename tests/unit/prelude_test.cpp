@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "prelude/fill.h"
+#include "prelude/support.h"
+#include "prelude/texts.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Line(std::string_view text, int number) {
+    std::size_t start = 0;
+    for (int i = 1; i < number; ++i) start = text.find('\n', start) + 1;
+    return std::string(text.substr(start, text.find('\n', start) - start));
+}
+
+TEST(Texts, ReachTheProgramByteForByte) {
+    struct Case {
+        std::string_view text;
+        int lines;
+        int number;
+        const char* line;
+    };
+    const Case cases[] = {
+        {texts::includes, 12, 9, "#include <conio.h>"},
+        {texts::safeDivision, 18, 4, "\tif (b == 0) {"},
+        {texts::safeDivision, 18, 5, "\t\tstd::cerr << \"Division by zero error\" << std::endl;"},
+        {texts::safeDivision, 18, 16, "\treturn a % b;"},
+        {texts::safeDivision, 18, 18, ""},
+        {texts::sequence, 84, 12, "    size_t _cursor = 0;"},
+        {texts::sequence, 84, 83, "};"},
+        {texts::sequence, 84, 84, ""},
+        {texts::scheduler, 43, 37,
+         "            else v.erase(v.begin() + i);                                       "
+         "// Once: fire and forget"},
+        {texts::scheduler, 43, 43, ""},
+        {texts::iteration, 19, 10, ""},
+        {texts::iteration, 19, 14, "    if (it != list.end() && (it + 1) != list.end()) {"},
+        {texts::classConstructor, 3, 3, " @C@() { _instances.push_back(this); }"},
+        {texts::classDestructor, 7, 7, " }"},
+        {texts::classNavigation, 51, 50, "std::vector<@C@*> @C@::_instances;"},
+    };
+    for (const Case& row : cases) {
+        EXPECT_EQ(std::count(row.text.begin(), row.text.end(), '\n'), row.lines) << row.line;
+        EXPECT_EQ(row.text.back(), '\n');
+        EXPECT_EQ(Line(row.text, row.number), row.line);
+    }
+}
+
+TEST(Fill, ReplacesEveryHole) {
+    EXPECT_EQ(Fill("@A@+@B@+@A@", {{"A", "x"}, {"B", "@A@"}}), "x+@A@+x");
+    EXPECT_EQ(Fill("plain", {}), "plain");
+    EXPECT_DEATH(Fill("a @B@", {{"A", "x"}}), "hole 'B'");
+    EXPECT_DEATH(Fill("a @A", {{"B", "x"}}), "hole 'A'");
+}
+
+TEST(SupportCode, IsWrittenOnlyForProgramsThatNeedIt) {
+    ResetSupport();
+    EXPECT_EQ(SupportText(), "");
+    RequireSupport(Support::SafeIndex);
+    RequireSupport(Support::ElementSlots);  // builds on the array code
+    EXPECT_TRUE(SupportUsed(Support::ArrayPassing));
+    EXPECT_FALSE(SupportUsed(Support::BoolArray));
+    EXPECT_EQ(SupportText(), std::string(texts::arrayPassing) + std::string(texts::elementSlots) +
+                                 std::string(texts::safeIndex));
+    ResetSupport();
+    EXPECT_EQ(SupportText(), "");
+}
+
+// A scratch folder that holds the texts as headers.
+class GeneratedCode : public ::testing::Test {
+protected:
+    fs::path folder = fs::temp_directory_path() / ("kvt_prelude_" + std::to_string(getpid()));
+
+    void SetUp() override { fs::create_directories(folder); }
+    void TearDown() override { fs::remove_all(folder); }
+
+    void Write(const std::string& name, const std::string& text) { std::ofstream(folder / name) << text; }
+
+    std::string Compile(const std::string& options, const std::string& source) {
+        const fs::path log = folder / "log.txt";
+        const std::string command = "g++ -std=c++11 -Wall -Wextra -Werror -I'" + folder.string() +
+                                    "' -I'" SOURCE_ROOT "/include' " + options + " '" + source + "' > '" +
+                                    log.string() + "' 2>&1";
+        if (std::system(command.c_str()) == 0) return "";
+        std::ifstream in(log);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+    // What the built program writes on both streams, and its exit status.
+    std::pair<std::string, int> Run(const std::string& argument) {
+        std::string output;
+        std::FILE* pipe = popen(("'" + (folder / "check").string() + "' " + argument + " 2>&1").c_str(), "r");
+        for (int c; (c = std::fgetc(pipe)) != EOF;) output += static_cast<char>(c);
+        return {output, WEXITSTATUS(pclose(pipe))};
+    }
+};
+
+std::string WithIncludes(std::string_view text) {
+    std::string includes(texts::includes);
+    if (!fs::exists(SOURCE_ROOT "/include/conio.h"))
+        includes.replace(includes.find("#include <conio.h>\n"), 19, "");
+    return includes + "using namespace std;\n" + std::string(text);
+}
+
+TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
+    std::string sources;
+    for (int i = 0; i < static_cast<int>(Support::Count); ++i) {
+        ResetSupport();
+        RequireSupport(static_cast<Support>(i));
+        const std::string name = "support" + std::to_string(i) + ".cpp";
+        Write(name, WithIncludes(std::string(texts::safeDivision) + SupportText()));
+        EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
+    }
+    ResetSupport();
+}
+
+TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
+    for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
+    const std::string prelude = std::string(texts::safeDivision) + std::string(texts::sequence) +
+                                std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
+    ResetSupport();
+    Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));
+    const std::string closing = std::string(texts::classConstructor) + std::string(texts::classDestructor) +
+                                std::string(texts::classNavigation);
+    Write("class_closing.h", Fill(closing, {{"C", "KVL_TMob"}}));
+    ASSERT_EQ(Compile("-g1 -fsanitize=address,undefined -fno-sanitize-recover=all -o '" +
+                          (folder / "check").string() + "'",
+                      SOURCE_ROOT "/tests/unit/generated/support_check.cpp"),
+              "");
+    EXPECT_EQ(Run("all"), std::make_pair(std::string(), 0));
+    const std::pair<const char*, const char*> failures[] = {
+        {"index", "Array bounds error: a[12] dimension 0 out of range [0, 9]\n"},
+        {"first", "Array bounds error: m[7][...] dimension 0 out of range [0, 4]\n"},
+        {"second", "Array bounds error: m[-1] dimension 1 out of range [0, 1]\n"},
+        {"divide", "Division by zero error\n"},
+        {"modulo", "Modulo by zero error\n"},
+    };
+    for (const auto& [argument, message] : failures)
+        EXPECT_EQ(Run(argument), std::make_pair(std::string(message), 1)) << argument;
+}
+
+}  // namespace
