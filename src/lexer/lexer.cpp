@@ -179,16 +179,6 @@ private:
     }
 };
 
-// Position of the ';' that starts the comment of a line, or npos.
-std::size_t CommentStart(std::string_view line) {
-    bool inString = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') inString = !inString;
-        if (line[i] == ';' && !inString) return i;
-    }
-    return std::string_view::npos;
-}
-
 const char* BoolText(bool value) { return value ? "true" : "false"; }
 
 void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view line) {
@@ -272,6 +262,15 @@ std::string Lower(std::string_view text) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
     return lower;
+}
+
+std::size_t CommentStart(std::string_view line) {
+    bool inString = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') inString = !inString;
+        if (line[i] == ';' && !inString) return i;
+    }
+    return std::string_view::npos;
 }
 
 std::string CutAtContinuation(const std::string& rawLine) {

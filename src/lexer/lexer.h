@@ -2,6 +2,7 @@
 // A token is a string; every later stage decides what it means by looking at its text.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -34,6 +35,9 @@ Tokens Split(const std::string& text);
 
 // ASCII lower case; other bytes stay.
 std::string Lower(std::string_view text);
+
+// Position of the ';' that starts the comment of a line, or npos.
+std::size_t CommentStart(std::string_view line);
 
 // The raw line up to its last "_" that is code; its trailing comment does not count. For lines whose
 // last token is "_".

@@ -1,5 +1,7 @@
 #include "symbols/identifiers.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
 #include "lexer/lexer.h"
 #include "symbols/symbols.h"
@@ -41,6 +43,19 @@ void CheckKeyword(const std::string& name) {
     if (IsReservedKeyword(name)) {
         ReportFatal("This is a reserved Korvel keyword '" + name + "', use another identifier");
     }
+}
+
+bool IsName(const std::string& text) {
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return !text.empty() && isLetter(text[0]) &&
+           std::all_of(text.begin(), text.end(), [&](char c) { return isLetter(c) || isDigit(c); });
+}
+
+void CheckName(const std::string& name) {
+    if (IsName(name)) return;
+    ReportFatal("'" + name + "' is not a valid name: names consist of letters, digits and '_' and do not begin "
+                "with a digit");
 }
 
 void FailUnknownType(const std::string& name) {

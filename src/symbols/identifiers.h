@@ -26,5 +26,9 @@ bool IsReservedKeyword(const std::string& name);  // any letter case, the first 
 void CheckCppWord(const std::string& name);
 void CheckKeyword(const std::string& name);
 
+// Ends the run unless the text is a name: letters, digits and "_", no digit first.
+void CheckName(const std::string& name);
+bool IsName(const std::string& text);
+
 // "Unknown type: " + name, with the naming hint where the name calls for it.
 [[noreturn]] void FailUnknownType(const std::string& name);

@@ -157,6 +157,7 @@ Variable& AddVarToScopeList(const std::string& name) {
     CheckCppWord(name);
     CheckKeyword(name);
     RefuseConstName(name);
+    CheckName(name);
 
     ScopeBranch& branch = localDefList.back();
     const bool recorded = IsRecorded(name);

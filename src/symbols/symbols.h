@@ -43,7 +43,8 @@ struct Parameter {
     std::string name;
     ValueType type;
     bool hasDefault = false;
-    Tokens defaultValue;  // a literal, a signed number, True/False/Null or a Const
+    Tokens defaultValue;   // a literal, a signed number, True/False/Null or a Const
+    bool untyped = false;  // takes the type of its default value
 };
 
 // A Function, Method or userlib function as calls see it.
@@ -122,6 +123,7 @@ struct Symbols {
 
     // Names of files already included or imported, and what the run produces.
     std::vector<std::string> processedNames;
+    std::unordered_set<std::string> importedNames;  // those of Import lines
     std::vector<std::string> includeHeaders;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;

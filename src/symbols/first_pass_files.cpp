@@ -1,0 +1,78 @@
+// Lines that name other files: Include, Import, Linker.
+#include <algorithm>
+#include <filesystem>
+
+#include "driver/paths.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "linking/userlib_reader.h"
+#include "statements/translate.h"
+#include "symbols/first_pass_state.h"
+
+namespace {
+
+bool IsQuoted(const std::string& token) { return token.size() >= 2 && token.front() == '"'; }
+
+std::string Unquoted(const std::string& token) {
+    return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
+}
+
+bool IsProcessed(const std::string& name) {
+    const std::vector<std::string>& names = symbols.processedNames;
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+bool FileExists(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error);
+}
+
+std::string AsciiOnly(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(), [](unsigned char c) { return c < 1 || c > 127; }), text.end());
+    return text;
+}
+
+}  // namespace
+
+void CollectImport(FirstPass&, TokenSpan tokens) {
+    const std::string name = Unquoted(tokens[1]);
+    if (IsProcessed(name)) {
+        VerboseNote("  - Skipping duplicate import: " + name);
+        return;
+    }
+    VerboseNote("  - Importing userlib: " + name);
+    ImportUserlib("userlibs/" + name);
+    symbols.processedNames.push_back(name);
+    symbols.importedNames.insert(name);
+}
+
+void CollectLinker(FirstPass& pass, TokenSpan tokens) {
+    std::string flag = Unquoted(tokens[1]);
+    if (flag == "-L.") {
+        const std::string folder = AsciiOnly(FolderOf(pass.source));
+        flag = "-L\"" + (folder.empty() ? "." : folder) + "\"";
+    }
+    AddOnce(symbols.linkerFlags, flag);
+    Say("  - Adding linker flag: " + flag);
+}
+
+void CollectInclude(FirstPass&, TokenSpan tokens) {
+    if (!IsQuoted(tokens[1])) return;
+    const std::string quoted = Unquoted(tokens[1]);
+    if (IsProcessed(quoted)) {
+        VerboseNote("  - Skipping duplicate include: " + quoted);
+        return;
+    }
+    const IncludeName name = SplitIncludeName(quoted);
+    const std::string folder = IncludeOutputFolder(name);
+    const std::string path = IncludeSourcePath(name);
+    if (!FileExists(path)) ReportFatal("Include file does not exist.");
+    Say(path);
+    VerboseNote("  - Processing include: " + path);
+    const std::string file = settings.currentFile;
+    const int line = settings.currentLine;
+    TranslateFile(path, folder, false, true);
+    settings.currentFile = file;
+    settings.currentLine = line;
+    symbols.processedNames.push_back(quoted);
+}

@@ -1,0 +1,81 @@
+// Functions and Extern blocks.
+#include <algorithm>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/first_pass_state.h"
+#include "symbols/identifiers.h"
+#include "symbols/parameters.h"
+
+namespace {
+
+void RegisterExtern(const std::string& name) {
+    symbols.externFunctions.insert(name);
+    VerboseNote("  - Registered extern C function: " + name);
+}
+
+// Every Function named Main, in any letter case, becomes the one C++ main.
+void RegisterMain(FirstPass& pass, Routine&& routine) {
+    routine.cppName = "main";
+    routine.result = Single(Base::Int);
+    if (!pass.again && HasMainFunction()) FailAlreadyDefined(routine.name);
+    pass.mainName = routine.name;
+    symbols.functions[pass.mainName] = std::move(routine);
+}
+
+// True when another Function has the name; the same C function may be declared in several Extern blocks.
+bool Register(const FirstPass& pass, const Routine& routine) {
+    const auto found = symbols.functions.find(routine.name);
+    const bool taken = !pass.again && found != symbols.functions.end();
+    if (taken) return !(found->second.isExtern && routine.isExtern);
+    symbols.functions[routine.name] = routine;
+    return false;
+}
+
+void Settle(Routine& routine) {
+    settings.currentLine = routine.line;
+    SettleParameters(routine);
+}
+
+}  // namespace
+
+void FailAlreadyDefined(const std::string& name) { ReportFatal("Identifier '" + name + "' is already defined."); }
+
+void CollectExtern(FirstPass& pass, TokenSpan tokens) {
+    pass.inExtern = Lower(tokens[0]) == "extern";
+    VerboseNote(pass.inExtern ? "  - Entering extern block" : "  - Exiting extern block");
+}
+
+void CollectFunction(FirstPass& pass, TokenSpan tokens) {
+    Routine routine = ParseRoutineHeader(tokens);
+    routine.isExtern = pass.inExtern;
+    routine.file = pass.source;
+    routine.line = pass.line;
+    ++pass.out.functionCount;
+    if (!pass.inExtern && Lower(routine.name) == "main") return RegisterMain(pass, std::move(routine));
+    if (pass.inExtern) RegisterExtern(routine.name);
+    routine.cppName = pass.inExtern ? routine.name : SafeName(routine.name);
+    Prototype prototype;
+    prototype.name = routine.name;
+    prototype.isExtern = routine.isExtern;
+    prototype.line = settings.currentLine;
+    prototype.clashes = Register(pass, routine);
+    pass.out.functions.push_back(std::move(prototype));
+}
+
+void FinishRoutines(FirstPass& pass) {
+    const int line = settings.currentLine;
+    if (!pass.mainName.empty()) Settle(symbols.functions.at(pass.mainName));
+    for (Prototype& prototype : pass.out.functions) {
+        if (prototype.clashes) continue;
+        Routine& routine = symbols.functions.at(prototype.name);
+        Settle(routine);
+        prototype.text = PrototypeText(routine);
+    }
+    for (const ClassInfo* declared : pass.out.classes) {
+        if (!declared->registered || declared->sourceFile != pass.source) continue;
+        ClassInfo& cls = *FindClass(declared->name);
+        for (const std::string& method : cls.methods) Settle(cls.routines.at(method));
+    }
+    settings.currentLine = line;
+}

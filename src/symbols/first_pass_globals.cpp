@@ -1,0 +1,136 @@
+// Globals, Consts and PreCalc tables.
+#include "driver/report.h"
+#include "symbols/first_pass_state.h"
+#include "symbols/identifiers.h"
+#include "symbols/type_reader.h"
+
+namespace {
+
+// What differs between Global and Const.
+struct Kind {
+    const char* title;  // in the clash with a Field
+    const char* note;   // in the verbose notes
+    bool isConst;
+};
+
+constexpr Kind globalKind = {"Global variable", "global", false};
+constexpr Kind constKind = {"Const", "const", true};
+
+void RefuseFieldName(const std::string& name, const Kind& kind) {
+    const auto owner = symbols.fieldOwners.find(name);
+    if (owner == symbols.fieldOwners.end()) return;
+    FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name + "' conflicts with already-declared Field '" +
+                      name + "' in Type " + owner->second->name +
+                      "\n  First come first served - the Field was declared first.");
+}
+
+bool IsTaken(const std::string& name) {
+    return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
+           symbols.functions.count(name) != 0 || IsClass(name);
+}
+
+void RememberName(FirstPass& pass, const std::string& name, const Kind& kind) {
+    (kind.isConst ? pass.constants : pass.globals).insert(name);
+    (kind.isConst ? pass.out.constNames : pass.out.globalNames).push_back(name);
+}
+
+void SayFound(const Variable& variable, const std::string& annotation, const Kind& kind) {
+    const std::string start = std::string("  - Found ") + kind.note + ": " + variable.name;
+    if (variable.typed) {
+        VerboseNote(start + " : " + annotation + " (" + CppName(variable.type) + ")");
+    } else {
+        VerboseNote(start + " (type will be inferred)");
+    }
+}
+
+void RememberType(FirstPass& pass, const Variable& variable, const Kind& kind) {
+    if (!variable.typed) return;
+    auto& list = kind.isConst ? pass.out.typedConsts : pass.out.typedGlobals;
+    list.emplace_back(variable.name, CppName(variable.type));
+}
+
+void Register(const FirstPass& pass, Variable&& variable, const Kind& kind) {
+    auto& table = kind.isConst ? symbols.constants : symbols.globals;
+    const auto found = table.find(variable.name);
+    if (!pass.again) {
+        if (IsTaken(variable.name)) FailAlreadyDefined(variable.name);
+        variable.isConst = kind.isConst;
+        table.emplace(variable.name, std::move(variable));
+    } else if (found != table.end() && !variable.typed) {
+        found->second.type = variable.type;  // names that were unread the first time may change it
+    }
+}
+
+void Collect(FirstPass& pass, TokenSpan tokens, const Kind& kind) {
+    if (tokens.empty()) return;
+    if (!pass.again) RefuseFieldName(tokens[0], kind);
+    CheckName(tokens[0]);
+    RememberName(pass, tokens[0], kind);
+    Variable variable = ReadDeclaration(pass, tokens);
+    SayFound(variable, variable.typed ? tokens[2] : "", kind);
+    RememberType(pass, variable, kind);
+    Register(pass, std::move(variable), kind);
+}
+
+bool IsDoubleTable(const std::string& type) {
+    return type == "Double" || type == "double" || type == "Float" || type == "float";
+}
+
+}  // namespace
+
+Variable ReadDeclaration(const FirstPass& pass, TokenSpan tokens) {
+    Variable variable;
+    variable.name = tokens[0];
+    variable.cppName = SafeName(tokens[0]);
+    variable.file = pass.source;
+    variable.line = pass.line;
+    variable.typed = tokens[1] == ":";
+    TypeNote note;
+    note.end = 1;
+    if (variable.typed) {
+        note = ReadType(tokens, 2);
+    } else if (tokens[1] == "[") {
+        note.type = Single(Base::Int);
+        ReadSizes(tokens, 1, note);
+    }
+    variable.type = note.type;
+    variable.sizes = note.sizes;
+    if (note.type.IsArray()) variable.form = ArrayForm::Vector;
+    if (tokens[note.end] == "=") {
+        const TokenSpan value = tokens.From(note.end + 1);
+        variable.initialiser.assign(value.begin(), value.end());
+    }
+    return variable;
+}
+
+void CollectGlobal(FirstPass& pass, TokenSpan tokens) {
+    for (const TokenSpan& part : SplitList(tokens.From(1))) Collect(pass, part, globalKind);
+}
+
+void CollectConst(FirstPass& pass, TokenSpan tokens) {
+    for (const TokenSpan& part : SplitList(tokens.From(1))) Collect(pass, part, constKind);
+}
+
+// PreCalc name : type [ size ] [ size ] ...; malformed ones are reported where the block is evaluated.
+void CollectPreCalc(FirstPass& pass, TokenSpan tokens) {
+    if (tokens[2] != ":" || tokens[4] != "[") return;
+    Variable table;
+    table.name = tokens[1];
+    table.cppName = SafeName(table.name);
+    table.type = Single(IsDoubleTable(tokens[3]) ? Base::Double : Base::Int);
+    for (std::size_t at = 5; tokens[at - 1] == "[" && at < tokens.size(); at += 3) {
+        table.sizes.push_back(tokens[at]);
+        ++table.type.dims;
+    }
+    table.form = ArrayForm::Fixed;
+    table.isPreCalc = true;
+    table.typed = true;
+    table.file = pass.source;
+    table.line = pass.line;
+    CheckName(table.name);
+    if (pass.globals.insert(table.name).second) pass.out.globalNames.push_back(table.name);
+    pass.out.preCalcNames.push_back(table.name);
+    if (pass.again) return;
+    if (IsTaken(table.name)) FailAlreadyDefined(table.name);
+    symbols.globals.emplace(table.name, std::move(table));
+}

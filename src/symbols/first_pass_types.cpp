@@ -1,0 +1,184 @@
+// Types and Elements with their Fields and Methods.
+#include <unordered_map>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/first_pass_state.h"
+#include "symbols/identifiers.h"
+#include "symbols/parameters.h"
+#include "symbols/type_reader.h"
+
+namespace {
+
+void RefuseTaken(const FirstPass& pass, const std::string& name, bool taken, const std::string& kind) {
+    if (!taken) return;
+    const std::string earlier = kind.substr(0, kind.find(' '));
+    FailOnErrorStream("ERROR: Field '" + name + "' in Type " + pass.open.name + " conflicts with already-declared " +
+                      kind + " '" + name + "'\n  First come first served - the " + earlier +
+                      " was declared first.");
+}
+
+// A member may not take the name of another one or, in C++, that of its class.
+void RefuseMemberName(const FirstPass& pass, const std::string& name) {
+    const ClassInfo& open = pass.open;
+    const bool taken = name == open.name || open.members.count(name) != 0 || open.routines.count(name) != 0;
+    if (taken) FailAlreadyDefined(name);
+    CheckCppWord(name);
+    CheckName(name);
+}
+
+// The text kept for a Field's type: "int", "KVL_TFoo*", "int[10][4]".
+std::string FieldTypeText(const Variable& field) {
+    ValueType item = field.type;
+    item.dims = 0;
+    std::string text = CppName(item);
+    for (const std::string& size : field.sizes) text += "[" + size + "]";
+    return text;
+}
+
+void AddField(FirstPass& pass, TokenSpan tokens) {
+    if (tokens.empty()) return;
+    const std::string& name = tokens[0];
+    ClassInfo& open = pass.open;
+    if (open.members.count(name) != 0) {
+        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name);
+    }
+    RefuseTaken(pass, name, pass.globals.count(name) != 0, "Global variable");
+    RefuseTaken(pass, name, pass.constants.count(name) != 0, "Const");
+    RefuseMemberName(pass, name);
+    Variable field = ReadDeclaration(pass, tokens);
+    field.isPrivate = pass.isPrivate;
+    open.fields.push_back(name);
+    if (field.typed) open.fieldTypes[name] = FieldTypeText(field);
+    open.members.emplace(name, std::move(field));
+}
+
+void SayRegistered(const ClassInfo& cls) {
+    if (!settings.verbose) return;
+    Say("  - Registered class: " + cls.name + " with " + std::to_string(cls.fields.size()) + " fields and " +
+        std::to_string(cls.methods.size()) + " methods");
+    for (std::size_t i = 0; i < cls.fields.size(); ++i) {
+        const auto type = cls.fieldTypes.find(cls.fields[i]);
+        const std::string text = type == cls.fieldTypes.end() ? "" : " : " + type->second;
+        Say("    Field " + std::to_string(i) + ": " + cls.fields[i] + text);
+    }
+}
+
+void Register(ClassInfo& cls, ClassInfo&& read) {
+    cls = std::move(read);
+    cls.registered = true;
+    for (auto& routine : cls.routines) routine.second.owner = &cls;
+    for (const std::string& field : cls.fields) symbols.fieldOwners.emplace(field, &cls);
+    symbols.classList.push_back(&cls);
+    SayRegistered(cls);
+}
+
+ClassInfo& ClassNamed(const std::string& name) {
+    if (ClassInfo* cls = FindClass(name)) return *cls;
+    ClassInfo& cls = symbols.classes.emplace_back();
+    cls.name = name;
+    symbols.classIndex.emplace(name, &cls);
+    return cls;
+}
+
+// Walks the Elements that an Element holds by value, depth first.
+class CycleSearch {
+public:
+    void Visit(const ClassInfo& element) {
+        int& state = states[&element];
+        if (state == done) return;
+        state = open;
+        path.push_back(&element);
+        for (const std::string& name : element.fields) Follow(element, element.members.at(name));
+        path.pop_back();
+        states[&element] = done;
+    }
+
+private:
+    static constexpr int open = 1;
+    static constexpr int done = 2;
+    std::unordered_map<const ClassInfo*, int> states;
+    std::vector<const ClassInfo*> path;
+
+    void Follow(const ClassInfo& element, const Variable& field) {
+        if (!field.type.Is(Base::Element)) return;
+        if (states[field.type.cls] == open) Fail(element, field);
+        Visit(*field.type.cls);
+    }
+
+    [[noreturn]] void Fail(const ClassInfo& element, const Variable& field) const {
+        std::string chain;
+        bool inCircle = false;
+        for (const ClassInfo* cls : path) {
+            inCircle = inCircle || cls == field.type.cls;
+            if (inCircle) chain += cls->name + " -> ";
+        }
+        settings.currentFile = element.sourceFile;
+        settings.currentLine = field.line;
+        ReportFatal("An Element cannot contain itself: " + chain + field.type.cls->name +
+                    ". Use a Type, an array or a Sequence for the Field '" + field.name + "'");
+    }
+};
+
+}  // namespace
+
+void CollectClass(FirstPass& pass, TokenSpan tokens) {
+    const std::string& name = tokens[1];
+    pass.open = ClassInfo();
+    pass.open.name = name;
+    pass.open.sourceFile = pass.source;
+    pass.open.isElement = Lower(tokens[0]) == "element";
+    pass.open.cppName = SafeName(name);
+    pass.open.line = pass.line;
+    pass.inType = true;
+    pass.isPrivate = false;
+    CheckName(name);
+    pass.out.classes.push_back(&ClassNamed(name));
+    pass.out.forwardDeclarations.push_back((pass.open.isElement ? "struct " : "class ") + SafeName(name) + ";");
+}
+
+void CollectEndClass(FirstPass& pass, TokenSpan) {
+    if (!pass.inType) return;
+    pass.inType = false;
+    ClassInfo& cls = ClassNamed(pass.open.name);
+    if (cls.registered) {
+        VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile + ")");
+        return;
+    }
+    Register(cls, std::move(pass.open));
+    pass.open = ClassInfo();
+}
+
+void CollectField(FirstPass& pass, TokenSpan tokens) {
+    if (!pass.inType) ReportFatal("Syntax error: 'Field' can only be declared inside a Type");
+    for (const TokenSpan& part : SplitList(tokens.From(1))) AddField(pass, part);
+}
+
+void CollectMethod(FirstPass& pass, TokenSpan tokens) {
+    if (!pass.inType) ReportFatal("Syntax error: 'Method' can only be declared inside a Type");
+    const std::string& name = tokens[1];
+    ClassInfo& open = pass.open;
+    if (open.routines.count(name) != 0) {
+        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name);
+    }
+    RefuseMemberName(pass, name);
+    Routine method = ParseRoutineHeader(tokens);
+    method.cppName = name == "constructor" ? open.cppName : name == "destructor" ? "~" + open.cppName : SafeName(name);
+    method.isPrivate = pass.isPrivate;
+    method.file = pass.source;
+    method.line = pass.line;
+    open.methods.push_back(name);
+    open.routines.emplace(name, std::move(method));
+}
+
+// Only the lower-case spellings are access keywords.
+void CollectAccess(FirstPass& pass, TokenSpan tokens) {
+    if (tokens[0] == "private" || tokens[0] == "public") pass.isPrivate = tokens[0] == "private";
+}
+
+void CheckElementCycles() {
+    CycleSearch search;
+    for (const ClassInfo* cls : symbols.classList) {
+        if (cls->isElement) search.Visit(*cls);
+    }
+}

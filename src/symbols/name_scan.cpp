@@ -1,0 +1,103 @@
+#include "symbols/name_scan.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "driver/paths.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/identifiers.h"
+#include "symbols/source_lines.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+// Files per base name.
+std::unordered_map<std::string, int> baseNames;
+
+std::string BaseName(const std::string& source) { return StripExtension(StripFolder(source)); }
+
+class NameScan {
+public:
+    // `name` is how the chain of Includes calls the file.
+    void ScanFile(const std::string& path, const std::string& name) {
+        const std::string id = FileId(path);
+        if (!known.insert(id).second) return;
+        Lexer lexer;
+        SourceLines lines(lexer, Checking::None);
+        if (!lines.Open(path)) return;
+        symbols.sourceFiles.push_back(path);
+        ++baseNames[BaseName(path)];
+        chain.push_back({id, name});
+        while (lines.Next()) {
+            for (const TokenSpan& statement : lines.Statements()) ScanStatement(statement, path, lines.Line());
+            if (included.empty()) continue;
+            const std::vector<std::string> names = std::move(included);
+            included.clear();
+            for (const std::string& include : names) FollowInclude(include, path, lines.Line());
+        }
+        chain.pop_back();
+    }
+
+private:
+    struct Link {
+        std::string id, name;
+    };
+    std::vector<Link> chain;  // the files under way, the main one first
+    std::unordered_set<std::string> known;
+    std::vector<std::string> included;  // by the current line
+
+    void ScanStatement(TokenSpan tokens, const std::string& path, int line) {
+        if (tokens.size() < 2 || tokens[0].size() > 7) return;
+        const std::string keyword = Lower(tokens[0]);
+        if (keyword == "type" || keyword == "element") {
+            AddClass(tokens[1], keyword == "element", path, line);
+        } else if (keyword == "include" && tokens[1].size() >= 2 && tokens[1][0] == '"') {
+            included.push_back(tokens[1].substr(1, tokens[1].size() - 2));
+        }
+    }
+
+    static void AddClass(const std::string& name, bool isElement, const std::string& path, int line) {
+        if (IsClass(name)) return;
+        ClassInfo& cls = symbols.classes.emplace_back();
+        cls.name = name;
+        cls.isElement = isElement;
+        cls.cppName = SafeName(name);
+        cls.sourceFile = path;
+        cls.line = line;
+        symbols.classIndex.emplace(name, &cls);
+    }
+
+    void FollowInclude(const std::string& name, const std::string& from, int line) {
+        std::string written = name;
+        std::replace(written.begin(), written.end(), '\\', '/');
+        const std::string path = settings.sourceFolder + "/" + written;
+        const std::string id = FileId(path);
+        const auto same = [&id](const Link& link) { return link.id == id; };
+        if (std::any_of(chain.begin(), chain.end(), same)) FailCircle(id, name, from, line);
+        ScanFile(path, name);
+    }
+
+    [[noreturn]] void FailCircle(const std::string& id, const std::string& name, const std::string& from, int line) {
+        std::string text;
+        for (const Link& link : chain) {
+            if (!text.empty() || link.id == id) text += link.name + " -> ";
+        }
+        settings.currentFile = from;
+        settings.currentLine = line;
+        ReportFatal("Include circle: " + text + name);
+    }
+};
+
+}  // namespace
+
+void CollectNames(const std::string& mainSource) {
+    baseNames.clear();
+    NameScan().ScanFile(mainSource, StripFolder(mainSource));
+}
+
+bool BaseNameIsShared(const std::string& source) {
+    const auto count = baseNames.find(BaseName(source));
+    return count != baseNames.end() && count->second > 1;
+}

@@ -1,0 +1,129 @@
+#include "symbols/source_lines.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+bool IsWord(const std::string& token, const char* lowerWord) { return Lower(token) == lowerWord; }
+
+bool EndsInTilde(const Tokens& tokens) {
+    const std::size_t count = tokens.size();
+    return (count > 0 && tokens[count - 1] == "~") || (count > 1 && tokens[count - 2] == "~");
+}
+
+bool EndsInTwoTildes(const Tokens& tokens) {
+    const std::size_t count = tokens.size();
+    return count > 1 && tokens[count - 1] == "~" && tokens[count - 2] == "~";
+}
+
+std::string WithoutTildes(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '~'), text.end());
+    return text;
+}
+
+std::string WithoutComment(const std::string& raw) {
+    const std::size_t comment = CommentStart(raw);
+    return comment == std::string::npos ? raw : raw.substr(0, comment);
+}
+
+std::string WithoutIndent(const std::string& raw) {
+    const std::size_t first = raw.find_first_not_of(" \t");
+    return first == std::string::npos ? std::string() : raw.substr(first);
+}
+
+bool IsSingleLineIf(const Tokens& tokens) {
+    return IsWord(tokens.front(), "if") &&
+           std::any_of(tokens.begin(), tokens.end(), [](const std::string& token) { return IsWord(token, "then"); });
+}
+
+}  // namespace
+
+std::string SourceLines::ReadLine() {
+    ++physical;
+    return reader.NextLine();
+}
+
+void SourceLines::Lex(const std::string& text) {
+    const bool strict = checking == Checking::Strict;
+    lexer.LexLine(text, false, strict, !strict);
+}
+
+void SourceLines::SkipInlineCpp() {
+    metInlineCpp = true;
+    while (!reader.AtEnd()) {
+        lexer.LexLine(ReadLine(), false, false, true);
+        if (checking == Checking::Strict) ++lexer.lineNumber;
+        if (!lexer.tokens.empty() && IsWord(lexer.tokens.front(), "endinlinecpp")) return;
+    }
+}
+
+// Two tildes begin a join; it goes on while one of the last two tokens is a tilde.
+void SourceLines::JoinTildeLines(std::string& text) {
+    if (!EndsInTwoTildes(lexer.tokens)) return;
+    text = WithoutTildes(WithoutComment(text));
+    bool more = true;
+    while (more && !reader.AtEnd()) {
+        const std::string piece = WithoutComment(ReadLine());
+        lexer.LexLine(piece, false, false, true);
+        more = EndsInTilde(lexer.tokens);
+        text += WithoutTildes(piece);
+    }
+    Lex(text);
+}
+
+void SourceLines::JoinUnderscoreLines(std::string& text) {
+    if (lexer.tokens.empty() || lexer.tokens.back() != "_") return;
+    text = CutAtContinuation(text);
+    bool more = true;
+    while (more && !reader.AtEnd()) {
+        const std::string piece = WithoutIndent(ReadLine());
+        lexer.LexLine(piece, false, false, true);
+        more = !lexer.tokens.empty() && lexer.tokens.back() == "_";
+        text += " " + (more ? CutAtContinuation(piece) : WithoutComment(piece));
+    }
+    Lex(text);
+}
+
+void SourceLines::SplitStatements() {
+    const TokenSpan all(lexer.tokens);
+    statements.clear();
+    if (IsSingleLineIf(lexer.tokens)) {
+        statements.push_back(all);
+        return;
+    }
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i <= all.size(); ++i) {
+        if (i < all.size() && all.first[i] != "|") continue;
+        if (i > begin) statements.push_back(all.Slice(begin, i));
+        begin = i + 1;
+    }
+}
+
+bool SourceLines::Next() {
+    metInlineCpp = false;
+    while (!reader.AtEnd()) {
+        std::string text = ReadLine();
+        start = physical;
+        Lex(text);
+        if (lexer.tokens.empty()) continue;
+        if (IsWord(lexer.tokens.front(), "inlinecpp")) {
+            SkipInlineCpp();
+            continue;
+        }
+        JoinTildeLines(text);
+        JoinUnderscoreLines(text);
+        if (lexer.tokens.empty()) continue;
+        SplitStatements();
+        return true;
+    }
+    return false;
+}
+
+std::string FileId(const std::string& path) { return std::filesystem::path(path).lexically_normal().generic_string(); }
+
+std::string JoinTokens(TokenSpan tokens) {
+    std::string text;
+    for (const std::string& token : tokens) text += (text.empty() ? "" : " ") + token;
+    return text;
+}

@@ -1,0 +1,55 @@
+// A source file as a list of lines whose statements hold declarations: continued lines are joined,
+// "|" separates statements, inline C++ is left out. Shared by everyone who reads ahead of the second pass.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "lexer/lexer.h"
+#include "lexer/source_reader.h"
+#include "lexer/token_span.h"
+
+enum class Checking : unsigned char {
+    Strict,  // brackets and strings are checked and lines are counted by the lexer
+    None,    // nothing is checked or counted; for readers that must not report before the first pass does
+};
+
+class SourceLines {
+public:
+    SourceLines(Lexer& lineLexer, Checking mode) : lexer(lineLexer), checking(mode) {}
+
+    // False when the file cannot be read.
+    bool Open(const std::string& path) { return reader.Open(path); }
+
+    // Goes to the next line that has tokens; false at the end of the file.
+    bool Next();
+
+    // The physical line on which the current one starts.
+    int Line() const { return start; }
+    // The statements of the current line; valid until the lexer is used again.
+    const std::vector<TokenSpan>& Statements() const { return statements; }
+    // True when inline C++ stood between the previous line and this one (or the end of the file).
+    bool MetInlineCpp() const { return metInlineCpp; }
+
+private:
+    Lexer& lexer;
+    Checking checking;
+    SourceReader reader;
+    std::vector<TokenSpan> statements;
+    int physical = 0;
+    int start = 0;
+    bool metInlineCpp = false;
+
+    std::string ReadLine();
+    void Lex(const std::string& text);
+    void SkipInlineCpp();
+    void JoinTildeLines(std::string& text);
+    void JoinUnderscoreLines(std::string& text);
+    void SplitStatements();
+};
+
+// Tells whether two paths mean the same file, by their text.
+std::string FileId(const std::string& path);
+
+// Text of tokens joined by single blanks.
+std::string JoinTokens(TokenSpan tokens);

@@ -1,0 +1,102 @@
+#include "symbols/type_reader.h"
+
+#include "driver/report.h"
+#include "lexer/lexer.h"
+#include "symbols/identifiers.h"
+#include "symbols/source_lines.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+bool IsOpener(const std::string& token) { return token == "(" || token == "["; }
+bool IsCloser(const std::string& token) { return token == ")" || token == "]"; }
+
+// Position of the "]" that closes the group opened at `at`.
+std::size_t ClosingBracket(TokenSpan tokens, std::size_t at) {
+    int depth = 0;
+    for (std::size_t i = at; i < tokens.size(); ++i) {
+        if (IsOpener(tokens[i])) ++depth;
+        if (IsCloser(tokens[i]) && --depth == 0) return i;
+    }
+    ReportFatal("Array declaration missing closing bracket ]");
+}
+
+ValueType ParseSequenceItem(const std::string& name) {
+    const std::string lower = Lower(name);
+    for (const char* allowed : {"int", "double", "string", "byte", "short", "long", "bool"}) {
+        if (lower == allowed) return ParseType(name);
+    }
+    const ClassInfo* cls = FindClass(name);
+    if (!cls) {
+        ReportFatal("A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element type: " +
+                    name);
+    }
+    if (cls->isElement) return Single(Base::Element, cls);
+    ReportFatal("A Sequence cannot hold a Type. '" + name +
+                "' is a Type - Types have their own list (use EachIn / First / Last), or declare '" + name +
+                "' as an Element to store it in a Sequence.");
+}
+
+TypeNote ReadSequence(TokenSpan tokens, std::size_t at) {
+    if (Lower(tokens[at + 1]) != "of" || tokens[at + 2].empty()) {
+        ReportFatal("Expected 'Of <Type>' after 'Sequence' (e.g. Local x:Sequence Of Int)");
+    }
+    TypeNote note;
+    note.type = ParseSequenceItem(tokens[at + 2]);
+    note.type.sequence = true;
+    note.name = tokens[at] + " " + tokens[at + 1] + " " + tokens[at + 2];
+    note.end = at + 3;
+    return note;
+}
+
+ValueType ItemType(const std::string& name, bool isArray) {
+    const ClassInfo* cls = isArray ? FindClass(name) : nullptr;
+    const ValueType type = ParseType(name);
+    if (type.base == Base::Void && cls) return Single(cls->isElement ? Base::Element : Base::Object, cls);
+    return type;
+}
+
+TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
+    if (at >= tokens.size()) ReportFatal("Type annotation incomplete - expected type after ':'");
+    if (Lower(tokens[at]) == "sequence") return ReadSequence(tokens, at);
+    TypeNote note;
+    note.name = tokens[at];
+    note.end = at + 1;
+    if (Lower(note.name) == "void" && tokens[note.end] == "*") note.name += tokens[note.end++];
+    note.type = ItemType(note.name, tokens[note.end] == "[");
+    const bool isNone = voidAllowed && Lower(note.name) == "void";
+    if (note.type.base == Base::Void && !isNone) FailUnknownType(note.name);
+    ReadSizes(tokens, note.end, note);
+    return note;
+}
+
+}  // namespace
+
+void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
+    note.end = at;
+    while (tokens[note.end] == "[") {
+        const std::size_t close = ClosingBracket(tokens, note.end);
+        note.sizes.push_back(JoinTokens(tokens.Slice(note.end + 1, close)));
+        ++note.type.dims;
+        note.end = close + 1;
+    }
+}
+
+TypeNote ReadType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, false); }
+
+TypeNote ReadResultType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, true); }
+
+std::vector<TokenSpan> SplitList(TokenSpan tokens) {
+    std::vector<TokenSpan> parts;
+    int depth = 0;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (IsOpener(tokens[i])) ++depth;
+        if (IsCloser(tokens[i])) --depth;
+        if (depth > 0 || tokens[i] != ",") continue;
+        parts.push_back(tokens.Slice(begin, i));
+        begin = i + 1;
+    }
+    if (!tokens.empty()) parts.push_back(tokens.Slice(begin, tokens.size()));
+    return parts;
+}
