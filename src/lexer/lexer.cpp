@@ -225,7 +225,7 @@ std::int32_t Lexer::LexLine(std::string line, bool keepComment, bool countLine, 
     if (settings.verbose) PrintVerboseLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
     if (countLine) {
         ++lineNumber;
-        lineText = std::move(line);
+        lineText.swap(line);
     }
     std::string_view rest = countLine ? lineText : line;
     indent = static_cast<std::uint32_t>(IndentOf(rest));
