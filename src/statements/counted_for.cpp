@@ -136,7 +136,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     std::string declaration;
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
-        counter.cppName = DeclareLoopVariable(state, counter.name, counter.type).cppName;
+        counter.cppName = DeclareLoopVariable(counter.name, counter.type).cppName;
         declaration = CppName(counter.type) + " ";
     } else {
         CheckDeclaredCounter(counter);

@@ -133,7 +133,7 @@ void TranslateEach(State& state, const EachHeader& header) {
     Collection collection = CollectionOf(header.collection);
     ValueType declared = DeclaredType(header, collection);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(state, header.name, declared);
+    Variable& variable = DeclareLoopVariable(header.name, declared);
     variable.form = collection.itemForm;
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
@@ -157,13 +157,9 @@ OpenBlock& OpenLoop(State& state, const std::string& kind) {
     return OpenNewBlock(state, BlockKind::Loop);
 }
 
-Variable& DeclareLoopVariable(State& state, const std::string& name, const ValueType& type) {
+Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
     Variable& variable = AddVarToScopeList(name);
-    variable.name = name;
-    variable.cppName = SafeName(name);
     variable.type = type;
-    variable.file = settings.currentFile;
-    variable.line = state.currentLine;
     return variable;
 }
 
@@ -184,7 +180,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(state, tokens[1], item);
+    Variable& variable = DeclareLoopVariable(tokens[1], item);
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&& " : "auto& ";
     EmitLine(state, "for(" + (type + variable.cppName) + " : " + ValueText(sequence) + ")");

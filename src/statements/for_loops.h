@@ -13,4 +13,4 @@ void TranslateCountedFor(State& state, TokenSpan tokens);
 OpenBlock& OpenLoop(State& state, const std::string& kind);
 
 // Declares a loop variable in the block just pushed and fills in its record.
-Variable& DeclareLoopVariable(State& state, const std::string& name, const ValueType& type);
+Variable& DeclareLoopVariable(const std::string& name, const ValueType& type);

@@ -28,6 +28,7 @@ OpenBlock CloseRepeat(State& state, const std::string& closer) {
 
 // The first name of a condition that is a Local of the block about to be closed; null when there is none.
 const std::string* LocalOfBlock(TokenSpan condition) {
+    if (localDefList.empty() || localDefList.back().leaves.empty()) return nullptr;
     const std::vector<Variable*>& locals = localDefList.back().leaves.back().variables;
     if (locals.empty()) return nullptr;
     for (const std::string& token : condition)

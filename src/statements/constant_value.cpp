@@ -1,0 +1,147 @@
+// A small descent over   sum: product {+|- product}   product: factor {*|/|Mod factor}   factor: [-|+] value
+#include "statements/constant_value.h"
+
+#include <cstdlib>
+
+#include "statements/words.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+using Value = std::optional<ConstantValue>;
+
+constexpr int deepest = 200;  // Consts that name Consts, and nested parentheses
+
+struct Cursor {
+    TokenSpan tokens;
+    std::size_t at = 0;
+    int depth = 0;
+};
+
+Value Integer(long long value) {
+    ConstantValue result;
+    result.integer = value;
+    return result;
+}
+
+Value Real(double value) {
+    ConstantValue result;
+    result.kind = ConstantValue::Kind::Real;
+    result.real = value;
+    return result;
+}
+
+long long Wrapped(unsigned long long value) { return static_cast<long long>(value); }
+
+Value IntegerResult(char operation, long long a, long long b) {
+    const auto ua = static_cast<unsigned long long>(a);
+    const auto ub = static_cast<unsigned long long>(b);
+    switch (operation) {
+        case '+': return Integer(Wrapped(ua + ub));
+        case '-': return Integer(Wrapped(ua - ub));
+        case '*': return Integer(Wrapped(ua * ub));
+        default: break;
+    }
+    if (b == 0) return {};
+    if (b == -1) return Integer(operation == '/' ? Wrapped(0ULL - ua) : 0);
+    return Integer(operation == '/' ? a / b : a % b);
+}
+
+Value RealResult(char operation, double a, double b) {
+    switch (operation) {
+        case '+': return Real(a + b);
+        case '-': return Real(a - b);
+        case '*': return Real(a * b);
+        case '/': return b == 0 ? Value() : Real(a / b);
+        default: return {};
+    }
+}
+
+Value Combine(char operation, const Value& a, const Value& b) {
+    if (!a || !b) return {};
+    const auto text = ConstantValue::Kind::Text;
+    if (a->kind == text || b->kind == text) {
+        if (a->kind != b->kind || operation != '+') return {};
+        ConstantValue joined = *a;
+        joined.text += b->text;
+        return joined;
+    }
+    if (a->kind == ConstantValue::Kind::Integer && b->kind == ConstantValue::Kind::Integer)
+        return IntegerResult(operation, a->integer, b->integer);
+    return RealResult(operation, a->AsReal(), b->AsReal());
+}
+
+Value Number(const std::string& token) {
+    if (token[0] == '$') return Integer(Wrapped(std::strtoull(token.c_str() + 1, nullptr, 16)));
+    if (token.find_first_not_of("0123456789.") != std::string::npos) return {};
+    if (token.find('.') != std::string::npos) return Real(std::strtod(token.c_str(), nullptr));
+    if (token.size() > 18) return {};
+    return Integer(std::strtoll(token.c_str(), nullptr, 10));
+}
+
+Value Sum(Cursor& cursor);
+
+Value ConstNamed(const std::string& name, int depth) {
+    const Variable* found = FindGlobal(name);
+    if (found == nullptr || !found->isConst || depth > deepest) return {};
+    Cursor inner{TokenSpan(found->initialiser), 0, depth + 1};
+    Value value = Sum(inner);
+    if (!value || inner.at != inner.tokens.size() || value->kind == ConstantValue::Kind::Text) return value;
+    if (found->type.Is(Base::Double)) return Real(value->AsReal());
+    if (value->kind == ConstantValue::Kind::Real) return Integer(static_cast<long long>(value->real));
+    return value;
+}
+
+Value Factor(Cursor& cursor) {
+    const std::string& token = cursor.tokens[cursor.at];
+    if (token.empty() || ++cursor.depth > deepest) return {};
+    ++cursor.at;
+    if (token == "-") return Combine('-', Integer(0), Factor(cursor));
+    if (token == "+") return Factor(cursor);
+    if (token == "(") {
+        Value inner = Sum(cursor);
+        return cursor.tokens[cursor.at++] == ")" ? inner : Value();
+    }
+    if (token[0] == '"') {
+        ConstantValue text;
+        text.kind = ConstantValue::Kind::Text;
+        text.text = token.size() > 1 ? token.substr(1, token.size() - 2) : "";
+        return text;
+    }
+    if (token == ".") return Number("." + cursor.tokens[cursor.at++]);
+    if (IsWord(token, "true")) return Integer(1);
+    if (IsWord(token, "false")) return Integer(0);
+    if (token[0] == '$' || (token[0] >= '0' && token[0] <= '9')) return Number(token);
+    return ConstNamed(token, cursor.depth);
+}
+
+char ProductOperation(const std::string& token) {
+    if (token == "*" || token == "/") return token[0];
+    return IsWord(token, "mod") ? '%' : '\0';
+}
+
+Value Product(Cursor& cursor) {
+    Value value = Factor(cursor);
+    while (char operation = ProductOperation(cursor.tokens[cursor.at])) {
+        ++cursor.at;
+        value = Combine(operation, value, Factor(cursor));
+    }
+    return value;
+}
+
+Value Sum(Cursor& cursor) {
+    Value value = Product(cursor);
+    while (cursor.tokens[cursor.at] == "+" || cursor.tokens[cursor.at] == "-") {
+        char operation = cursor.tokens[cursor.at++][0];
+        value = Combine(operation, value, Product(cursor));
+    }
+    return value;
+}
+
+}  // namespace
+
+std::optional<ConstantValue> EvaluateConstant(TokenSpan tokens) {
+    Cursor cursor{tokens, 0, 0};
+    Value value = Sum(cursor);
+    return cursor.at == tokens.size() ? value : Value();
+}

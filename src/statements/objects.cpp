@@ -1,0 +1,18 @@
+#include "statements/objects.h"
+
+#include "driver/report.h"
+#include "statements/words.h"
+
+//     delete KVL_p;
+//     KVL_p = nullptr;
+void TranslateRemove(State& state, TokenSpan tokens) {
+    if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
+    Expr object = TranslateExpression(tokens.From(1), ExprMode::Statement);
+    if (object.type.IsKnown() && !object.type.Is(Base::Object))
+        ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +
+                    ". Remove only works on objects (custom Types).");
+    if (object.type.cls != nullptr) NeedClass(object.type.cls);
+    const std::string text = GuardedText(object, Level::Unary);
+    EmitLine(state, "delete " + text + ";");
+    if (object.assignable || !object.type.IsKnown()) EmitLine(state, text + " = nullptr;");
+}

@@ -1,0 +1,198 @@
+//     switch (KVL_n)                  switch (__kvSelect(KVL_name, {"one", "two"}))
+//     {                               {
+//     case 1:                         case 0:
+//     case 2:                         case 1:
+//         ...                             ...
+//     default :                       default :
+//     }                               }
+// C++ switches over integers only, so a Select over text or Doubles switches over the index of the
+// label that is equal to the subject.
+#include "statements/selects.h"
+
+#include <cstdio>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "prelude/support.h"
+#include "statements/constant_value.h"
+#include "statements/words.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+OpenSelect& InnermostSelect(State& state, const std::string& keyword) {
+    if (state.selects.empty()) ReportFatal("'" + keyword + "' without an open Select block");
+    if (!InnermostBlockIs(state, BlockKind::Select))
+        ReportFatal("'" + keyword + "' belongs to the Select of line " + std::to_string(state.selectLine) +
+                    ", but the block that starts at line " + std::to_string(state.blocks.back().line) +
+                    " is still open");
+    return state.selects.back();
+}
+
+void CloseBraces(State& state, OpenSelect& select) {
+    if (!select.braces) return;
+    select.braces = false;
+    PopBlock();
+    EmitLine(state, "}");
+}
+
+void EmitLabel(State& state, OpenSelect& select, const std::string& text) {
+    EmitLine(state, text);
+    select.labelSeen = true;
+    select.lastLabelPiece = &state.out->pieces.back();
+    select.lastLabelEnd = select.lastLabelPiece->text.size();
+}
+
+// C++11 wants a statement behind a label; comments are none.
+bool NothingBehindLabel(const State& state, const OpenSelect& select) {
+    if (!select.labelSeen || select.lastLabelPiece != &state.out->pieces.back()) return false;
+    const std::string& text = select.lastLabelPiece->text;
+    std::size_t at = select.lastLabelEnd;
+    while ((at = text.find_first_not_of(" \t\n", at)) != std::string::npos) {
+        if (text.compare(at, 2, "//") != 0) return false;
+        at = text.find('\n', at);
+    }
+    return true;
+}
+
+void CheckLabelType(const OpenSelect& select, const Expr& label) {
+    if (!label.type.IsKnown() || !select.subject.IsKnown()) return;
+    bool fits = label.type.IsNumber();
+    if (select.subject.Is(Base::String)) fits = label.type.Is(Base::String);
+    else if (select.subject.IsInteger()) fits = label.type.IsInteger();
+    if (!fits)
+        ReportFatal("Type mismatch: Case label is " + KorvelName(label.type) + ", but the Select is over " +
+                    KorvelName(select.subject));
+}
+
+// A spelling that is the same for equal values.
+std::string LabelKey(const OpenSelect& select, const ConstantValue& value) {
+    if (value.kind == ConstantValue::Kind::Text) return "\"" + value.text;
+    if (select.subject.Is(Base::Double)) {
+        char exact[64];
+        std::snprintf(exact, sizeof exact, "%a", value.AsReal() + 0.0);
+        return exact;
+    }
+    return std::to_string(value.integer);
+}
+
+bool HasDivision(TokenSpan tokens) {
+    for (const std::string& token : tokens)
+        if (token == "/" || IsWord(token, "mod")) return true;
+    return false;
+}
+
+std::string Spelling(TokenSpan tokens) {
+    std::string text;
+    for (const std::string& token : tokens) text += (text.empty() || token == "(" ? "" : " ") + token;
+    return text;
+}
+
+// Checks one label and gives its C++ text.
+std::string LabelText(OpenSelect& select, TokenSpan tokens) {
+    if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
+    Expr label = TranslateExpression(tokens, ExprMode::Condition);
+    CheckLabelType(select, label);
+    std::optional<ConstantValue> value = EvaluateConstant(tokens);
+    if (!value) {
+        // The index form compares at run time, so any Const will do there.
+        bool constant = select.byIndex && label.isConst;
+        if (!constant && !lenient)
+            ReportFatal("A Case label must be a constant, '" + Spelling(tokens) + "' is not");
+        return ValueText(label);
+    }
+    if (!select.labels.insert(LabelKey(select, *value)).second)
+        ReportFatal("Duplicate Case label: " + Spelling(tokens));
+    if (select.subject.Is(Base::Double) && !label.type.Is(Base::Double))
+        return "(double)" + GuardedText(label, Level::Unary);
+    // A checked division is no constant for C++.
+    if (settings.safeMode && HasDivision(tokens) && value->kind == ConstantValue::Kind::Integer)
+        return std::to_string(value->integer);
+    return ValueText(label);
+}
+
+// Completes the switch line now that all labels are known.
+void CompleteSwitch(OpenSelect& select) {
+    if (!select.byIndex) return;
+    RequireSupport(Support::StringSelect);
+    select.piece->text.insert(select.switchAt, "{" + select.labelTexts + "}");
+}
+
+}  // namespace
+
+void TranslateSelect(State& state, TokenSpan tokens) {
+    if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
+    Expr subject = TranslateExpression(tokens.From(1), ExprMode::Condition);
+    OpenSelect select;
+    select.subject = subject.type;
+    select.byIndex = subject.type.Is(Base::String) || subject.type.Is(Base::Double);
+    if (subject.type.IsKnown() && !subject.type.IsNumber() && !select.byIndex)
+        ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type));
+    ++state.selectDepth;
+    state.selectLine = state.currentLine;
+    OpenNewBlock(state, BlockKind::Select);
+    const std::string head = select.byIndex ? "switch (__kvSelect(" + ValueText(subject) + ", "
+                                            : "switch (" + ValueText(subject) + ")";
+    if (select.byIndex) {
+        // EmitLine may add a comment behind the line, so the place is found from its beginning.
+        select.piece = &state.out->pieces.back();
+        std::size_t lineAt = select.piece->text.size();
+        EmitLine(state, head + "))");
+        select.switchAt = select.piece->text.find(head, lineAt) + head.size();
+    } else {
+        EmitLine(state, head);
+    }
+    EmitLine(state, "{");
+    state.selects.push_back(std::move(select));
+}
+
+void TranslateCase(State& state, TokenSpan tokens) {
+    OpenSelect& select = InnermostSelect(state, "Case");
+    if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");
+    CloseBraces(state, select);
+    for (TokenSpan part : SplitAtCommas(tokens.From(1))) {
+        std::string label = LabelText(select, part);
+        if (select.byIndex) {
+            select.labelTexts += (select.labelTexts.empty() ? "" : ", ") + label;
+            label = std::to_string(select.labelCount++);
+        }
+        EmitLabel(state, select, "case " + label + ":");
+    }
+}
+
+void TranslateDefault(State& state, TokenSpan tokens) {
+    OpenSelect& select = InnermostSelect(state, "Default");
+    RefuseMore(tokens, 1);
+    if (select.defaultSeen)
+        ReportFatal("The Select that starts at line " + std::to_string(state.selectLine) + " has a Default already");
+    select.defaultSeen = true;
+    CloseBraces(state, select);
+    EmitLabel(state, select, "default :");
+}
+
+void TranslateEndSelect(State& state, TokenSpan tokens) {
+    RefuseMore(tokens, 1);
+    CloseBlock(state, BlockKind::Select, "EndSelect");
+    OpenSelect& select = state.selects.back();
+    CloseBraces(state, select);
+    CompleteSwitch(select);
+    if (NothingBehindLabel(state, select)) EmitLine(state, ";");
+    state.selects.pop_back();
+    --state.selectDepth;
+    state.selectLine = 0;
+    for (const OpenBlock& block : state.blocks)
+        if (block.kind == BlockKind::Select) state.selectLine = block.line;
+    EmitLine(state, "}");
+}
+
+void PrepareInSelect(State& state, const std::string& keyword) {
+    if (!InnermostBlockIs(state, BlockKind::Select)) return;
+    if (keyword == "case" || keyword == "default" || keyword == "endselect") return;
+    OpenSelect& select = state.selects.back();
+    if (!select.labelSeen)
+        ReportFatal("Expected 'Case' or 'Default' after 'Select', before any other statement");
+    if (keyword != "local" || select.braces) return;
+    select.braces = true;
+    EmitLine(state, "{");
+    PushBlock();
+}

@@ -1,0 +1,13 @@
+// Select, Case, Default, EndSelect.
+#pragma once
+
+#include "statements/state.h"
+
+void TranslateSelect(State& state, TokenSpan tokens);
+void TranslateCase(State& state, TokenSpan tokens);
+void TranslateDefault(State& state, TokenSpan tokens);
+void TranslateEndSelect(State& state, TokenSpan tokens);
+
+// To be called before every other statement while a Select is open: refuses one between Select and its
+// first Case, and puts the case in braces ("{" is emitted) when a Local stands directly in it.
+void PrepareInSelect(State& state, const std::string& keyword);

@@ -1,0 +1,51 @@
+#include "statements/timers.h"
+
+#include "driver/report.h"
+#include "statements/words.h"
+
+namespace {
+
+// The arguments of a handler: the defaults of all its parameters.
+std::string DefaultArguments(const Routine& handler) {
+    std::string arguments;
+    for (const Parameter& parameter : handler.parameters) {
+        if (!parameter.hasDefault)
+            ReportFatal("AutoCall handler '" + handler.name + "' must not need arguments, but parameter '" +
+                        parameter.name + "' has no default");
+        Expr value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
+        arguments += (arguments.empty() ? "" : ", ") + TextAs(value, parameter.type);
+    }
+    return arguments;
+}
+
+std::string HandlerCall(const std::string& name) {
+    const Routine* handler = FindFunction(name);
+    if (handler == nullptr) handler = FindUserlibFunction(name);
+    if (handler == nullptr) ReportFatal("AutoCall handler '" + name + "' is not a Function");
+    if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
+    return handler->cppName + "(" + DefaultArguments(*handler) + ")";
+}
+
+}  // namespace
+
+// __kvAutoCall("Tick", [](){ KVL_Tick(); }, (long long)(interval), true);
+void TranslateAutoCall(State& state, TokenSpan tokens) {
+    if (tokens.size() < 4) ReportFatal("AutoCall syntax: AutoCall <function> Every|Once <milliseconds>");
+    const bool every = IsWord(tokens[2], "every");
+    if (!every && !IsWord(tokens[2], "once"))
+        ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'");
+    const std::string& name = tokens[1];
+    Expr interval = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    if (interval.text.empty())
+        ReportFatal("AutoCall needs an interval in milliseconds, e.g. AutoCall " + name + " Every 1000");
+    if (interval.type.IsKnown() && !interval.type.IsNumber())
+        ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type));
+    EmitLine(state, "__kvAutoCall(\"" + name + "\", [](){ " + HandlerCall(name) + "; }, (long long)(" +
+                        interval.text + "), " + (every ? "true" : "false") + ");");
+}
+
+void TranslateStopCall(State& state, TokenSpan tokens) {
+    if (tokens.size() < 2) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
+    RefuseMore(tokens, 2);
+    EmitLine(state, "__kvStopCall(\"" + (IsWord(tokens[1], "all") ? std::string() : tokens[1]) + "\");");
+}

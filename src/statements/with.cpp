@@ -1,0 +1,108 @@
+#include "statements/with.h"
+
+#include "driver/report.h"
+#include "statements/words.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// Objects of the open With blocks of all files, as written; the innermost is the last.
+std::vector<Tokens> withStack;
+
+bool IsWordChar(char c) {
+    return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+// Whether `its` stands at `at` as a word of its own.
+bool ItsAt(const std::string& text, std::size_t at) {
+    if (!IsWord(text.substr(at, 3), "its")) return false;
+    return (at == 0 || !IsWordChar(text[at - 1])) && (at + 3 >= text.size() || !IsWordChar(text[at + 3]));
+}
+
+std::string Spelling(const Tokens& tokens) {
+    std::string text;
+    for (const std::string& token : tokens) text += token;
+    return text;
+}
+
+// Replaces `its` inside the holes of a string literal.
+std::string SubstituteInHoles(const std::string& literal, const std::string& object) {
+    std::string result;
+    bool inHole = false;
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+        if (!inHole && literal[i] == '~' && i + 1 < literal.size()) {
+            result += literal[i++];
+        } else if (literal[i] == '{') {
+            inHole = true;
+        } else if (literal[i] == '}') {
+            inHole = false;
+        } else if (inHole && ItsAt(literal, i)) {
+            result += object;
+            i += 2;
+            continue;
+        }
+        result += literal[i];
+    }
+    return result;
+}
+
+}  // namespace
+
+void TranslateWith(State& state, TokenSpan tokens) {
+    if (tokens.size() < 2) ReportFatal("With requires an object: With <variable>");
+    Tokens object(tokens.begin() + 1, tokens.end());
+    if (IsWord(object[0], "its")) {
+        if (withStack.empty()) ReportFatal("'its' is only valid inside a With ... EndWith block");
+        object.erase(object.begin());
+        object.insert(object.begin(), withStack.back().begin(), withStack.back().end());
+    }
+    ValueType type;
+    const bool unknownName = object.size() == 1 && FindVariable(object[0]) == nullptr && !IsWord(object[0], "this");
+    if (!unknownName) {
+        Expr expr = TranslateExpression(object, ExprMode::Statement);
+        type = expr.type;
+        if (!expr.assignable && !IsWord(object[0], "this") && type.IsKnown() && !expr.isConst)
+            ReportFatal("With requires a variable that holds an object, not an expression");
+    }
+    bool fits = type.Is(Base::Object) || type.Is(Base::Element) || (lenient && !type.IsKnown());
+    if (!fits)
+        ReportFatal("With requires an object (a Type or Element), but '" + Spelling(object) + "' is " +
+                    (unknownName ? "" : CppName(type)));
+    withStack.push_back(std::move(object));
+    state.withLines.push_back(state.currentLine);
+}
+
+void TranslateEndWith(State& state, TokenSpan tokens) {
+    if (state.withLines.empty()) ReportFatal("EndWith without a matching With");
+    RefuseMore(tokens, 1);
+    withStack.pop_back();
+    state.withLines.pop_back();
+}
+
+bool MentionsIts(TokenSpan tokens) {
+    for (const std::string& token : tokens)
+        if (IsWord(token, "its")) return true;
+    return false;
+}
+
+Tokens SubstituteIts(State& state, TokenSpan tokens) {
+    Tokens result;
+    result.reserve(tokens.size() + 4);
+    const bool open = !state.withLines.empty();
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const std::string& token = tokens[i];
+        if (IsWord(token, "its")) {
+            if (open)
+                result.insert(result.end(), withStack.back().begin(), withStack.back().end());
+            else if (tokens[i + 1] == "\\")
+                ReportFatal("'its' is only valid inside a With ... EndWith block");
+            else
+                result.push_back(token);
+        } else if (open && token[0] == '"' && token.find('{') != std::string::npos) {
+            result.push_back(SubstituteInHoles(token, Spelling(withStack.back())));
+        } else {
+            result.push_back(token);
+        }
+    }
+    return result;
+}

@@ -1,0 +1,15 @@
+// With and EndWith, and the word `its` that stands for the object of the innermost With.
+#pragma once
+
+#include "lexer/lexer.h"
+#include "statements/state.h"
+
+void TranslateWith(State& state, TokenSpan tokens);
+void TranslateEndWith(State& state, TokenSpan tokens);
+
+// True when a token is `its`, or a string that may name it in a hole.
+bool MentionsIts(TokenSpan tokens);
+
+// The statement with `its` replaced. Without an open With, `its` in front of a field accessor ends the run
+// and stays as it is elsewhere.
+Tokens SubstituteIts(State& state, TokenSpan tokens);
