@@ -8,7 +8,7 @@ enum class Support : unsigned char {
     ArrayPassing,  // row pointers for two-dimensional arguments, taking over returned arrays
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
-    StringSelect,  // constexpr hash for Select over String and Double
+    StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     Count,

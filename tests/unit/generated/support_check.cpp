@@ -96,54 +96,15 @@ static void CheckSlots() {
     CHECK(__kvTakeSlots2(none).size() == 2 && FirstX(static_cast<KVL_TPoint***>(__kvRows(board))[1]) == 0);
 }
 
-static int Choose(const std::string& text) {
-    switch (__kvTextKey(text)) {
-        case __kvTextKey("red"):
-            return 1;
-        case __kvTextKey(""):
-            return 2;
-        case __kvTextKey("a\0b", 3):
-            return 3;
-#define FIFTY "12345678901234567890123456789012345678901234567890"
-#define TWO_THOUSAND FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY FIFTY
-        case __kvTextKey(TWO_THOUSAND TWO_THOUSAND):
-            return 4;
-        case __kvTextKey("\xc3\xa4"):
-            return 5;
-    }
-    return 0;
-}
-
-static int ChooseNumber(double value) {
-    switch (__kvNumberKey(value)) {
-        case __kvNumberKey(0):
-            return 1;
-        case __kvNumberKey(0.5):
-            return 2;
-        case __kvNumberKey(-0.5):
-            return 3;
-        case __kvNumberKey(1e300):
-            return 4;
-        case __kvNumberKey(5e-324):
-            return 5;
-        case __kvNumberKey(0.1):
-            return 6;
-        case __kvNumberKey(16):
-            return 7;
-        case __kvNumberKey(1):
-            return 8;
-    }
-    return 0;
-}
-
 static void CheckSelect() {
-    CHECK(Choose("red") == 1 && Choose("") == 2 && Choose(std::string("a\0b", 3)) == 3 &&
-          Choose("blue") == 0);
-    CHECK(Choose(TWO_THOUSAND TWO_THOUSAND) == 4 && Choose("\xc3\xa4") == 5);
-    const double inputs[] = {-0.0, 0.5, -0.5, 1e300, 5e-324, 0.1, 16, 1};
-    for (int i = 0; i < 8; ++i) CHECK(ChooseNumber(inputs[i]) == i + 1);
-    const double others[] = {0.2, 0.1 + 2e-17, 18446744073709551616.0, HUGE_VAL, -HUGE_VAL, NAN};
-    for (double other : others) CHECK(ChooseNumber(other) == 0);
+    const std::string blue = "blue";
+    const std::string long2000(2000, 'x');
+    const char* texts[] = {"red", "", "blue", "\xc3\xa4", long2000.c_str()};
+    for (int i = 0; i < 5; ++i)
+        CHECK(__kvSelect(std::string(texts[i]), {"red", "", blue, "\xc3\xa4", long2000}) == i);
+    CHECK(__kvSelect(std::string("re"), {"red", ""}) == -1 && __kvSelect(blue, {}) == -1);
+    CHECK(__kvSelect(-0.0, {1.5, 0.0}) == 1 && __kvSelect(0.1 + 2e-17, {0.1, (double)16}) == 0);
+    CHECK(__kvSelect(NAN, {0.1, 0.0}) == -1 && __kvSelect(16.0, {}) == -1);
 }
 
 static void CheckSafety() {

@@ -1,35 +1,24 @@
-// Case labels of a Select over text or Doubles: numbers that equal values have in common. They are
-// folded in halves, so that no text is too long for a constant expression.
-constexpr unsigned long long __kvMix(unsigned long long h, unsigned long long part) {
-    return (h ^ part) * 1099511628211ULL;
+// Select over text or Doubles: the index of the first label equal to the value, -1 when there is none.
+// The switch runs over the index, so cases run into each other as they do for integers.
+struct KVLabel {
+    const char* text;
+    KVLabel(const char* label) : text(label) {}
+    KVLabel(const std::string& label) : text(label.c_str()) {}
+};
+inline int __kvSelect(const std::string& value, std::initializer_list<KVLabel> labels) {
+    int index = 0;
+    for(const KVLabel& label : labels) {
+        if(value == label.text) return index;
+        ++index;
+    }
+    return -1;
 }
-constexpr unsigned long long __kvFold(unsigned long long h, const char* text, size_t begin, size_t end) {
-    return begin == end ? h
-         : end - begin == 1 ? __kvMix(h, (unsigned char)text[begin])
-         : __kvFold(__kvFold(h, text, begin, begin + (end - begin) / 2), text, begin + (end - begin) / 2, end);
-}
-constexpr unsigned long long __kvTextKey(const char* text, size_t length) {
-    return __kvFold(14695981039346656037ULL, text, 0, length);
-}
-template<size_t N>
-constexpr unsigned long long __kvTextKey(const char (&text)[N]) { return __kvTextKey(text, N - 1); }
-inline unsigned long long __kvTextKey(const std::string& text) {
-    unsigned long long h = 14695981039346656037ULL;
-    for(size_t i = 0; i < text.size(); ++i) h = __kvMix(h, (unsigned char)text[i]);
-    return h;
-}
-// The whole part, the fraction and the exponent of a value scaled to lie between 1 and 2^64.
-constexpr unsigned long long __kvScaledKey(double value, unsigned long long h) {
-    return value >= 18446744073709551616.0 ? __kvScaledKey(value / 18446744073709551616.0, h + 1)
-         : value < 1.0 ? __kvScaledKey(value * 18446744073709551616.0, h + 1000)
-         : __kvMix(__kvMix(__kvMix(14695981039346656037ULL, (unsigned long long)value),
-               (unsigned long long)((value - (double)(unsigned long long)value) * 9007199254740992.0)), h);
-}
-constexpr unsigned long long __kvNumberKey(double value) {
-    return value == 0.0 ? 0
-         : value != value ? 1
-         : value > std::numeric_limits<double>::max() ? 2
-         : value < -std::numeric_limits<double>::max() ? 3
-         : value < 0.0 ? __kvScaledKey(-value, 1000000) : __kvScaledKey(value, 0);
+inline int __kvSelect(double value, std::initializer_list<double> labels) {
+    int index = 0;
+    for(double label : labels) {
+        if(value == label) return index;
+        ++index;
+    }
+    return -1;
 }
 
