@@ -32,7 +32,7 @@ std::string HashOf(const std::string& text) {
 // The folder of one program, in the first place that can be written to; empty if there is none.
 fs::path FolderFor(const fs::path& source, const std::string& variant) {
     const fs::path hidden = source.parent_path() / hiddenFolder;
-    const fs::path beside = hidden / source.filename() / variant;
+    fs::path beside = hidden / source.filename() / variant;
     if (CanWriteIn(beside)) {
         const fs::path ignoreList = hidden / ".gitignore";
         std::error_code failed;
@@ -42,7 +42,7 @@ fs::path FolderFor(const fs::path& source, const std::string& variant) {
     const fs::path own = source.stem().string() + "-" + HashOf(source.string());
     const std::string cache = UserCacheFolder();
     if (!cache.empty()) {
-        const fs::path inCache = fs::path(cache) / "korvel" / "build" / own / variant;
+        fs::path inCache = fs::path(cache) / "korvel" / "build" / own / variant;
         if (CanWriteIn(inCache)) return inCache;
     }
     const fs::path temporary = UserTemporaryFolder();

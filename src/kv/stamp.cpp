@@ -84,9 +84,8 @@ std::vector<std::string> FilesInMakeRule(const std::string& rule) {
     for (++at; at <= rule.size(); ++at) {
         const char c = at < rule.size() ? rule[at] : '\n';
         const char next = at + 1 < rule.size() ? rule[at + 1] : '\0';
-        if (c == '\\' && (next == ' ' || next == '#' || next == '\\')) {
-            file += rule[++at];
-        } else if (c == '$' && next == '$') {
+        const bool escaped = c == '\\' && (next == ' ' || next == '#' || next == '\\');
+        if (escaped || (c == '$' && next == '$')) {
             file += rule[++at];
         } else if (c == ' ' || c == '\n' || c == '\r' || (c == '\\' && (next == '\n' || next == '\r'))) {
             if (!file.empty()) files.push_back(file);

@@ -33,7 +33,7 @@ std::string FindProgram(const std::string& name) {
     std::istringstream folders(variable != nullptr ? variable : "");
     for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
         const std::filesystem::path place = folder.empty() ? "." : folder;
-        const std::string found = WithSuffix(std::filesystem::absolute(place / name, failed).string());
+        std::string found = WithSuffix(std::filesystem::absolute(place / name, failed).string());
         if (!found.empty()) return found;
     }
     return "";

@@ -1,0 +1,256 @@
+// The parts of kv that need no processes: its command line, what kvt and the C++ compiler say, flags, stamps.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "kv/clash_place.h"
+#include "kv/command_line.h"
+#include "kv/command_quoting.h"
+#include "kv/compiler_report.h"
+#include "kv/diagnostics.h"
+#include "kv/kvt_report.h"
+#include "kv/stamp.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+// A folder of this test's own, gone at its end.
+class Scratch {
+public:
+    Scratch()
+        : folder_(testing::TempDir() + "kv_test_" +
+                  std::to_string(std::chrono::steady_clock::now().time_since_epoch().count())) {
+        std::filesystem::create_directories(folder_);
+    }
+    ~Scratch() { std::filesystem::remove_all(folder_); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    std::string File(const std::string& name, const std::string& text) const {
+        const std::string path = folder_ + "/" + name;
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+    const std::string& Folder() const { return folder_; }
+
+private:
+    std::string folder_;
+};
+
+TEST(KvCommandLine, Understood) {
+    Options options;
+    std::string problem;
+    ASSERT_TRUE(ParseCommandLine(
+        {"run", "--safe", "game.kvl", "-O2", "--keep-cpp", "out", "--", "-o", "--", "x"}, options, problem));
+    EXPECT_EQ(options.command, Command::run);
+    EXPECT_EQ(options.source, "game.kvl");
+    EXPECT_TRUE(options.safe);
+    EXPECT_FALSE(options.debug);
+    EXPECT_EQ(options.optimisation, "-O2");
+    EXPECT_EQ(options.keepCppFolder, "out");
+    EXPECT_EQ(options.arguments, (Words{"-o", "--", "x"}));
+
+    options = Options();
+    ASSERT_TRUE(
+        ParseCommandLine({"build", "-o", "-strange", "game.kvl", "--debug", "--verbose"}, options, problem));
+    EXPECT_EQ(options.outputFile, "-strange");
+    EXPECT_TRUE(options.debug && options.verbose);
+    options = Options();
+    ASSERT_TRUE(ParseCommandLine({"run", "game.kvl", "--help"}, options, problem));
+    EXPECT_EQ(options.command, Command::help);
+    options = Options();
+    EXPECT_TRUE(ParseCommandLine({}, options, problem));
+    EXPECT_EQ(options.command, Command::help);
+}
+
+TEST(KvCommandLine, Refused) {
+    const struct {
+        Words arguments;
+        const char* problem;
+    } rows[] = {
+        {{"game.kvl"}, "what shall be done with game.kvl? Try: kv run game.kvl"},
+        {{"play"}, "unknown command \"play\""},
+        {{"run"}, "which program? Name its main file: kv run game.kvl"},
+        {{"run", "--"}, "which program? Name its main file: kv run game.kvl"},
+        {{"run", "a.kvl", "b.kvl"},
+         "one program at a time: a.kvl or b.kvl? (Arguments for the program stand behind \"--\".)"},
+        {{"run", "a.kvl", "--fast"}, "unknown option \"--fast\""},
+        {{"run", "a.kvl", "-o", "x"}, "-o belongs to kv build"},
+        {{"build", "a.kvl", "-o"}, "-o needs the name of the program to build behind it"},
+        {{"check", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a folder behind it"},
+        {{"check", "a.kvl", "--", "x"}, "arguments after \"--\" belong to kv run"},
+    };
+    for (const auto& row : rows) {
+        Options options;
+        std::string problem;
+        EXPECT_FALSE(ParseCommandLine(row.arguments, options, problem)) << row.problem;
+        EXPECT_EQ(problem, row.problem);
+    }
+}
+
+std::string Described(const KvtReport& report) {
+    std::string text;
+    for (const Diagnostic& error : report.errors) {
+        text += error.file + ":" + std::to_string(error.line) + ": " + error.message + "\n";
+    }
+    return text;
+}
+
+TEST(KvtReports, Errors) {
+    const struct {
+        const char* output;
+        const char* errors;
+        const char* wanted;
+    } rows[] = {
+        {"Korvel Compiler\nError: Unknown type: Float\nFile: /a b/x.kvl\nLine: 12\n\n", "",
+         "/a b/x.kvl:12: Unknown type: Float\n"},
+        {"Error: first\r\nsecond line\r\nFile: x.kvl\r\nLine: 3\r\n\r\n", "",
+         "x.kvl:3: first\nsecond line\n"},
+        {"Error: Error: No 'Main' function found.\nFile: x.kvl\nLine: 9\n\n", "",
+         "x.kvl:9: No 'Main' function found.\n"},
+        {"\nERROR: Unclosed Function block!\nFunction 'F' starting at line 3 is missing 'EndFunction'\n"
+         "Error: Transpilation failed: Unclosed Function block\nFile: x.kvl\nLine: 20\n\n",
+         "", "x.kvl:3: Function 'F' starting at line 3 is missing 'EndFunction'\n"},
+        {"\nERROR: Unclosed If block(s)!\nIf block starting at line 4 is missing 'EndIf'\n"
+         "If block starting at line 7 is missing 'EndIf'\nError: Transpilation failed: Unclosed If block(s)\n"
+         "File: x.kvl\nLine: 20\n\n",
+         "",
+         "x.kvl:4: If block starting at line 4 is missing 'EndIf'\nx.kvl:7: If block starting at line 7 is "
+         "missing 'EndIf'\n"},
+        {"Main source: x\n",
+         "Error in /a (line 2)/x.kvl (line 5): Unclosed string literal\nLine: Print \"x\n",
+         "/a (line 2)/x.kvl:5: Unclosed string literal\n"},
+        {"",
+         "ERROR: Field 'x' in Type T conflicts\n  First come first served - the Global was declared first.\n",
+         ":0: Field 'x' in Type T conflicts\nFirst come first served - the Global was declared first.\n"},
+        {"File: x.kvl\nLine: 3\n", "", ""},
+        {"Error: cut off\nFile: x.kvl\n", "", ""},
+        {"", "", ""},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Described(ParseKvtReport(row.output, row.errors)), row.wanted);
+}
+
+TEST(KvtReports, Notes) {
+    const KvtReport report = ParseKvtReport(
+        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"/my dir\"\n  - Adding linker flag: -lm\n"
+        "Linker flags written to /x/game.linkflags\n  Warning: DLL not found in userlibs/: a.so\nDone! "
+        "\\o/\n",
+        "");
+    EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\""}));
+    EXPECT_EQ(report.linkerFile, "/x/game.linkflags");
+    EXPECT_EQ(report.warnings, (Words{"DLL not found in userlibs/: a.so"}));
+    EXPECT_TRUE(report.errors.empty());
+}
+
+TEST(Flags, Split) {
+    EXPECT_EQ(SplitFlags(" -lm\t-L\"/my dir\" \"-l x\"  'a \"b'\n"),
+              (Words{"-lm", "-L/my dir", "-l x", "a \"b"}));
+    EXPECT_EQ(SplitFlags("C:\\lib\\x.a \"\" \"open"), (Words{"C:\\lib\\x.a", "", "open"}));
+    EXPECT_TRUE(SplitFlags(" \n").empty());
+}
+
+TEST(Flags, Quoted) {
+    EXPECT_EQ(WindowsCommandLine({"a", "b c", "", "q\"", "d\\", "e f\\", "x\\\"y"}),
+              R"(a "b c" "" "q\"" d\ "e f\\" "x\\\"y")");
+    EXPECT_EQ(ReadableCommandLine({"g++", "my dir", "it's", "$ORIGIN", ""}),
+              R"(g++ 'my dir' 'it'\''s' '$ORIGIN' '')");
+}
+
+TEST(Diagnostics, Formatted) {
+    const Scratch scratch;
+    Diagnostic diagnostic;
+    diagnostic.file = scratch.File("x.kvl", "one\n\ttwo\x1b[0m\r\n");
+    diagnostic.line = 2;
+    diagnostic.message = "bad\nhint";
+    EXPECT_EQ(Format(diagnostic, false), diagnostic.file + ":2: error: bad\n    hint\n    2 |  two [0m\n");
+    EXPECT_EQ(Format(diagnostic, true), "\033[1m" + diagnostic.file +
+                                            ":2: \033[0m\033[1;31merror: \033[0m\033[1mbad\n    hint\033[0m\n"
+                                            "    2 |  two [0m\n");
+    diagnostic.line = 9;
+    EXPECT_EQ(Format(diagnostic, false), diagnostic.file + ":9: error: bad\n    hint\n");
+    EXPECT_EQ(Format(Diagnostic(), false), "kv: error: \n");
+    EXPECT_EQ(ShortPath("/a/b/c.kvl", "/a"), "b/c.kvl");
+    EXPECT_EQ(ShortPath("/a/b/../c.kvl", "/a"), "c.kvl");
+    EXPECT_EQ(ShortPath("/x/c.kvl", "/a"), "/x/c.kvl");
+}
+
+TEST(Clashes, AreFoundInIncludedFiles) {
+    const Scratch scratch;
+    const std::string main = scratch.File("m.kvl", "Include \"i.kvl\"\nInclude \"m.kvl\"\nConst hp = 1\n");
+    const std::string included = scratch.File("i.kvl", "Type T\n\tfield mhp:Int, hp:Int\nEndType\n");
+    Diagnostic diagnostic;
+    diagnostic.message = "Field 'hp' in Type T conflicts with already-declared Const 'hp'";
+    FindClash(main, diagnostic);
+    EXPECT_EQ(diagnostic.file, included);
+    EXPECT_EQ(diagnostic.line, 2);
+    diagnostic = Diagnostic();
+    diagnostic.message = "Global variable 'nowhere' conflicts";
+    FindClash(main, diagnostic);
+    EXPECT_EQ(diagnostic.file, main);
+    EXPECT_EQ(diagnostic.line, 0);
+}
+
+TEST(CompilerReports, OnlyWhatTheUserCanMend) {
+    const Scratch scratch;
+    const std::string source = scratch.File(
+        "g.kvl", "Extern\nFunction cube(a:Int):Int\nEndExtern\nInlineCpp\n  int y = zz;\nEndInlineCpp\n");
+    std::filesystem::create_directories(scratch.Folder() + "/.kvbuild");
+    const std::string cpp = scratch.File(".kvbuild/g.cpp", "int KVL_x = ;\n\tint y = zz;\n");
+    const std::string header = scratch.File("own.h", "");
+    const std::string output =
+        cpp + ":1:13: error: expected primary-expression\n" + cpp + ":2:9: error: 'zz' was not declared\n" +
+        cpp + ":2:9: error: 'zz' was not declared\n" + header +
+        ":4: fatal error: no.h: No such file\n/usr/include/x.h:1:1: error: strange\n" +
+        "/usr/bin/ld: cannot find -lfoo: No such file\nld: g.cpp:(.text+0x1): undefined reference " +
+        "to `cube'\nld: undefined reference to `other'\nerror: : error: \n";
+    const auto found =
+        ExplainCompilerOutput(output, {source}, scratch.Folder() + "/.kvbuild", scratch.Folder());
+    ASSERT_EQ(found.size(), 4u);
+    EXPECT_EQ(Format(found[0], false),
+              source + ":5: error: in C++ code: 'zz' was not declared\n    5 |   int y = zz;\n");
+    EXPECT_EQ(found[1].file + std::to_string(found[1].line), header + "4");
+    EXPECT_EQ(found[2].message, "the library foo was not found (Linker \"-lfoo\")");
+    EXPECT_EQ(found[3].message,
+              "no library defines the Extern function cube (a Linker line names libraries)");
+    EXPECT_EQ(found[3].line, 2);
+}
+
+TEST(Stamps, HoldUntilSomethingChanges) {
+    const Scratch scratch;
+    const auto minuteAgo = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1);
+    const std::string source = scratch.File("a.kvl", "1");
+    const std::string program = scratch.File("a", "x");
+    const std::string started = scratch.File("started", "");
+    const std::string stamp = scratch.Folder() + "/stamp";
+    WriteStamp(stamp, started, "g++", {source}, {program});
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source as young as the build is not trusted";
+    std::filesystem::last_write_time(source, minuteAgo);
+    WriteStamp(stamp, started, "g++", {source, source + ".missing"}, {program});
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source that is missing";
+    WriteStamp(stamp, started, "g++", {source}, {program});
+    EXPECT_TRUE(StampHolds(stamp, "g++"));
+    EXPECT_FALSE(StampHolds(stamp, "clang++"));
+    std::filesystem::last_write_time(source, minuteAgo - std::chrono::minutes(1));
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "an older file put in its place";
+    WriteStamp(stamp, started, "g++", {source}, {program});
+    EXPECT_TRUE(StampHolds(stamp, "g++"));
+    std::filesystem::remove(program);
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "the program is gone";
+    scratch.File("stamp", "kv-stamp 1\ng++\n");
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "cut off";
+}
+
+TEST(Stamps, Lists) {
+    const Scratch scratch;
+    EXPECT_EQ(SourcesOf(scratch.File("d", "MAIN:/x/a.kvl\nINCLUDES:2\n/x/b c.kvl\n/x/d.kvl\nKVL_TIMES:0\n")),
+              (Words{"/x/a.kvl", "/x/b c.kvl", "/x/d.kvl"}));
+    EXPECT_TRUE(SourcesOf(scratch.File("d", "MAIN:/x/a.kvl\nINCLUDES:2\n/x/b.kvl\n")).empty());
+    EXPECT_TRUE(SourcesOf(scratch.Folder() + "/none").empty());
+    EXPECT_EQ(FilesInMakeRule("a.o: /x/a.cpp /my\\ dir/b.h \\\n  c$$d.h e\\#f.h\n"),
+              (Words{"/x/a.cpp", "/my dir/b.h", "c$d.h", "e#f.h"}));
+}
+
+}  // namespace
