@@ -54,8 +54,8 @@ void ExampleTest::TestBody() {
 
     const std::string expected = root + "/expected/" + example.name;
     ASSERT_TRUE(fs::exists(expected + ".txt")) << "no stored output " << expected << ".txt";
-    const ProcessResult program =
-        RunProcess({folder + "/program"}, folder, ReadFile(expected + ".in"), programSeconds);
+    const ProcessResult program = RunProcess({folder + "/program"}, folder,
+                                             ReadFile(root + "/" + example.name + ".in"), programSeconds);
     EXPECT_EQ(program.exitStatus, 0) << "the program " << DescribeEnd(program) << "\n" << program.err;
     const std::string wanted = ReadFile(expected + ".txt");
     EXPECT_TRUE(program.out == wanted) << FirstDifference(wanted, program.out) << "\nfiles: " << folder;
