@@ -1,0 +1,330 @@
+#include "precalc/table_compiler.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "expressions/math_functions.h"
+#include "lexer/lexer.h"
+#include "lexer/token_span.h"
+#include "precalc/table_functions.h"
+
+namespace {
+
+constexpr int deepestNesting = 500;  // of parentheses, calls, indices and signs
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool IsName(const std::string& token) {
+    if (token.empty() || IsDigit(token[0])) return false;
+    return std::all_of(token.begin(), token.end(), [](char c) {
+        return c == '_' || IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c & 0x80) != 0;
+    });
+}
+
+// A number token: digits with a point or an exponent, or "$" and hexadecimal digits.
+bool ReadNumber(const std::string& token, double& value) {
+    if (token.empty() || (token[0] != '$' && !IsDigit(token[0]))) return false;
+    const char* last = token.data() + token.size();
+    if (token[0] == '$') {
+        unsigned long long whole = 0;
+        const auto read = std::from_chars(token.data() + 1, last, whole, 16);
+        value = static_cast<double>(whole);
+        return read.ptr == last && read.ec == std::errc();
+    }
+    const auto read = std::from_chars(token.data(), last, value);
+    return read.ptr == last && read.ec == std::errc();
+}
+
+// Instructions are appended while the tokens are read from left to right, so operands stand before
+// their operator. Every routine leaves `at` behind what it has read.
+class TableCompiler {
+public:
+    explicit TableCompiler(TableProgram& target) : program(target) {}
+
+    void Statement(TokenSpan statement, int statementLine) {
+        tokens = statement;
+        line = statementLine;
+        at = 0;
+        const std::string keyword = Lower(tokens[0]);
+        if (keyword == "for") return For();
+        if (keyword == "next") return Next();
+        if (tokens[1] != "[" && tokens[1] != "=") FailStatement(tokens[0]);
+        Assignment();
+    }
+
+    void Finish() {
+        if (!loops.empty())
+            FailInBlock(loops.back().line, "PreCalc: For without matching Next (block ended inside a loop)");
+        Emit(TableOp::End);
+    }
+
+private:
+    struct Loop {
+        std::string variable;
+        std::size_t slot = 0;
+        std::size_t enter = 0;  // its Enter instruction
+        int line = 0;
+    };
+
+    TableProgram& program;
+    std::vector<Loop> loops;
+    TokenSpan tokens;
+    std::size_t at = 0;
+    int line = 0;
+    int nesting = 0;
+    std::size_t depth = 0;  // of the stack
+
+    [[noreturn]] void FailStatement(const std::string& token) const {
+        FailInBlock(line, "PreCalc: only For/Next and assignments are allowed here (got '" + token + "')");
+    }
+
+    bool AtEnd() const { return at >= tokens.size(); }
+
+    bool Take(const char* text) {
+        if (tokens[at] != text) return false;
+        ++at;
+        return true;
+    }
+
+    void ExpectEnd() const {
+        if (!AtEnd())
+            FailInBlock(line, "PreCalc: unexpected '" + tokens[at] + "' at the end of the statement");
+    }
+
+    // `change` is what the instruction does to the height of the stack.
+    TableInstruction& Emit(TableOp op, int change = 0) {
+        depth += static_cast<std::size_t>(change);
+        program.stackSize = std::max(program.stackSize, depth);
+        program.code.emplace_back();
+        program.code.back().op = op;
+        program.code.back().line = line;
+        return program.code.back();
+    }
+
+    void Constant(double value) { Emit(TableOp::Constant, 1).value = value; }
+
+    // For name [: type] = start To end [Step step]
+    void For() {
+        const std::string name = tokens[1];
+        if (!IsName(name)) FailForSyntax();
+        at = 2;
+        if (Take(":") && !IsName(tokens[at++])) FailForSyntax();
+        if (!Take("=")) FailInBlock(line, "PreCalc: For needs '=' (e.g. For i:Int = 0 To 15)");
+        const std::size_t to = Find("to");
+        if (to == tokens.size()) FailInBlock(line, "PreCalc: For without 'To'");
+        const std::size_t step = Find("step");
+        const TokenSpan whole = tokens;
+        Part(whole.Slice(at, to));
+        Part(whole.Slice(to + 1, step));
+        if (step < whole.size())
+            Part(whole.From(step + 1));
+        else
+            Constant(1);
+        loops.push_back({name, program.variableCount, program.code.size(), line});
+        program.variableCount += 3;
+        Emit(TableOp::Enter, -3).operand = loops.back().slot;
+    }
+
+    [[noreturn]] void FailForSyntax() const {
+        FailInBlock(line, "PreCalc: For syntax is 'For var:Int = start To end [Step s]'");
+    }
+
+    std::size_t Find(const char* word) const {
+        std::size_t i = at;
+        while (i < tokens.size() && Lower(tokens[i]) != word) ++i;
+        return i;
+    }
+
+    // One expression that fills the whole window.
+    void Part(TokenSpan window) {
+        tokens = window;
+        at = 0;
+        Expression();
+        ExpectEnd();
+    }
+
+    void Next() {
+        if (loops.empty()) FailInBlock(line, "PreCalc: Next without For");
+        at = 1;
+        ExpectEnd();
+        const Loop& loop = loops.back();
+        TableInstruction& next = Emit(TableOp::Next);
+        next.operand = loop.slot;
+        next.target = loop.enter + 1;
+        program.code[loop.enter].target = program.code.size();
+        loops.pop_back();
+    }
+
+    // array[index]... = expression
+    void Assignment() {
+        at = 1;
+        Indices(tokens[0]);
+        if (!Take("=")) FailStatement(AtEnd() ? tokens[0] : tokens[at]);
+        Expression();
+        ExpectEnd();
+        Emit(TableOp::Store, -2);
+    }
+
+    // [index]... behind the array's name; the position in the table ends up on the stack.
+    void Indices(const std::string& name) {
+        if (name != program.name)
+            FailInBlock(line,
+                        "PreCalc: unknown array '" + name + "' (this block builds '" + program.name + "')");
+        std::size_t count = 0;
+        for (; Take("["); ++count) {
+            Expression();
+            if (!Take("]")) FailInBlock(line, "PreCalc: missing ']'");
+        }
+        if (count != program.sizes.size())
+            FailInBlock(line, "PreCalc: '" + name + "' has " + std::to_string(program.sizes.size()) +
+                                  " dimension(s), but was indexed with " + std::to_string(count));
+        Emit(TableOp::Address, 1 - static_cast<int>(count));
+    }
+
+    // term {("+" | "-") term}
+    void Expression() {
+        Term();
+        for (;;) {
+            if (Take("+")) {
+                Term();
+                Emit(TableOp::Add, -1);
+            } else if (Take("-")) {
+                Term();
+                Emit(TableOp::Subtract, -1);
+            } else {
+                return;
+            }
+        }
+    }
+
+    // factor {("*" | "/" | "mod") factor}
+    void Term() {
+        Factor();
+        for (;;) {
+            if (Take("*")) {
+                Factor();
+                Emit(TableOp::Multiply, -1);
+            } else if (Take("/")) {
+                Factor();
+                Emit(TableOp::Divide, -1);
+            } else if (!AtEnd() && Lower(tokens[at]) == "mod") {
+                ++at;
+                Factor();
+                Emit(TableOp::Modulo, -1);
+            } else {
+                return;
+            }
+        }
+    }
+
+    // number | ("-" | "+") factor | "(" expression ")" | variable | array element | call
+    void Factor() {
+        if (AtEnd()) FailInBlock(line, "PreCalc: unexpected end of expression");
+        if (++nesting > deepestNesting) FailInBlock(line, "PreCalc: the expression is nested too deeply");
+        if (Take("-")) {
+            Factor();
+            Emit(TableOp::Negate);
+        } else if (Take("+")) {
+            Factor();
+        } else if (Take("(")) {
+            Expression();
+            if (!Take(")")) FailInBlock(line, "PreCalc: missing ')'");
+        } else if (!Number()) {
+            Named(tokens[at++]);
+        }
+        --nesting;
+    }
+
+    // A point that opens or ends a number is a token of its own.
+    bool Number() {
+        double value = 0;
+        if (ReadNumber(tokens[at], value)) {
+            ++at;
+            Take(".");
+        } else if (tokens[at] == "." && at + 1 < tokens.size() && ReadNumber("0." + tokens[at + 1], value)) {
+            at += 2;
+        } else {
+            return false;
+        }
+        Constant(value);
+        return true;
+    }
+
+    void Named(const std::string& name) {
+        if (tokens[at] == "(" && IsName(name)) return Call(name);
+        if (tokens[at] == "[" || name == program.name) {
+            Indices(name);
+            Emit(TableOp::Load);
+            return;
+        }
+        for (auto loop = loops.rbegin(); loop != loops.rend(); ++loop) {
+            if (loop->variable != name) continue;
+            Emit(TableOp::Variable, 1).operand = loop->slot;
+            return;
+        }
+        if (Lower(name) == "pi") return Constant(tablePi);
+        FailInBlock(
+            line,
+            "PreCalc: unknown name '" + name +
+                "' - only numbers, loop variables, math functions and the array being built are allowed");
+    }
+
+    // name "(" [expression {"," expression}] ")"
+    void Call(const std::string& name) {
+        const std::string lowerName = Lower(name);
+        const int expected = MathArgumentCount(lowerName);
+        if (expected < 0)
+            FailInBlock(
+                line,
+                "PreCalc: '" + name +
+                    "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
+                    "and Sin/Cos/Sqrt/...)");
+        const TableFunction* function = FindTableFunction(lowerName);
+        if (function == nullptr) FailInBlock(line, "PreCalc: unknown function '" + name + "'");
+        const std::size_t codeBefore = program.code.size();
+        const std::size_t depthBefore = depth;
+        const int count = Arguments(name);
+        if (expected == 0) {  // whatever stands between the parentheses
+            program.code.resize(codeBefore);
+            depth = depthBefore;
+            return Constant(function->value);
+        }
+        if (count != expected)
+            FailInBlock(line, "PreCalc: '" + name + "' expects " + std::to_string(expected) + " argument(s)");
+        TableInstruction& call = Emit(expected == 1 ? TableOp::CallOne : TableOp::CallTwo, 1 - expected);
+        call.one = function->one;
+        call.two = function->two;
+    }
+
+    int Arguments(const std::string& name) {
+        ++at;
+        if (Take(")")) return 0;
+        int count = 0;
+        do {
+            Expression();
+            ++count;
+        } while (Take(","));
+        if (!Take(")")) FailInBlock(line, "PreCalc: missing ')' after '" + name + "'");
+        return count;
+    }
+};
+
+}  // namespace
+
+void CompileTable(TableProgram& program, const std::vector<std::string>& body,
+                  const std::vector<int>& lines) {
+    TableCompiler compiler(program);
+    for (std::size_t i = 0; i < body.size(); ++i) {
+        const Tokens tokens = Split(body[i]);
+        if (tokens.empty() || (tokens[0] == "/" && tokens.size() > 1 && tokens[1] == "/")) continue;
+        const TokenSpan whole(tokens);
+        for (std::size_t from = 0; from < whole.size();) {
+            const auto bar =
+                static_cast<std::size_t>(std::find(whole.begin() + from, whole.end(), "|") - whole.begin());
+            if (bar > from) compiler.Statement(whole.Slice(from, bar), lines[i]);
+            from = bar + 1;
+        }
+    }
+    compiler.Finish();
+}
