@@ -17,6 +17,7 @@ void FailInBlock(int line, const std::string& message) {
 namespace {
 
 constexpr long long mostItems = 10000000;  // what a C++ compiler can still take as an initialiser
+constexpr std::size_t mostDimensions = 16;
 
 bool IsDoubleType(const std::string& type) {
     return type == "Double" || type == "double" || type == "Float" || type == "float";
@@ -36,7 +37,10 @@ std::vector<long long> ReadSizes(TokenSpan header) {
         "dimensions)");
 }
 
-void CheckItemCount(const std::string& name, const std::vector<long long>& sizes) {
+void CheckSizes(const std::string& name, const std::vector<long long>& sizes) {
+    if (sizes.size() > mostDimensions)
+        ReportFatal("PreCalc array '" + name + "' has more than " + std::to_string(mostDimensions) +
+                    " dimensions");
     long long count = 1;
     for (const long long size : sizes) {
         if (size > mostItems / count)
@@ -97,7 +101,7 @@ void CheckPreCalcHeader(TokenSpan header, bool topLevel) {
         if (header[i + 2] != "]") ReportFatal("PreCalc header: missing ']'");
     }
     if (i < header.size()) FailHeader();
-    CheckItemCount(header[1], ReadSizes(header));
+    CheckSizes(header[1], ReadSizes(header));
 }
 
 PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<std::string>& body,

@@ -45,6 +45,7 @@ bool FitsInt(double value) {
 }
 
 std::string NumberText(double value) {
+    if (std::isnan(value)) return "nan";  // whose sign depends on the machine
     char text[64];
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 17);
     return {text, end.ptr};
