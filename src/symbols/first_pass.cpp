@@ -25,24 +25,15 @@ struct Rule {
 };
 
 const std::unordered_map<std::string, Rule> rules = {
-    {"import", {CollectImport, 2, false}},
-    {"linker", {CollectLinker, 2, false}},
-    {"include", {CollectInclude, 2, false}},
-    {"end", {RefuseSplitEnd, 2, false}},
-    {"precalc", {CollectPreCalc, 7, false}},
-    {"type", {CollectClass, 2, false}},
-    {"element", {CollectClass, 2, false}},
-    {"endtype", {CollectEndClass, 1, false}},
-    {"endelement", {CollectEndClass, 1, false}},
-    {"field", {CollectField, 1, false}},
-    {"global", {CollectGlobal, 2, true}},
-    {"const", {CollectConst, 2, true}},
-    {"method", {CollectMethod, 1, false}},
-    {"extern", {CollectExtern, 1, false}},
-    {"endextern", {CollectExtern, 1, false}},
-    {"function", {CollectFunction, 2, true}},
-    {"public", {CollectAccess, 1, false}},
-    {"private", {CollectAccess, 1, false}},
+    {"import", {CollectImport, 2, false}},       {"linker", {CollectLinker, 2, false}},
+    {"include", {CollectInclude, 2, false}},     {"end", {RefuseSplitEnd, 2, false}},
+    {"precalc", {CollectPreCalc, 7, false}},     {"type", {CollectClass, 2, false}},
+    {"element", {CollectClass, 2, false}},       {"endtype", {CollectEndClass, 1, false}},
+    {"endelement", {CollectEndClass, 1, false}}, {"field", {CollectField, 1, false}},
+    {"global", {CollectGlobal, 2, true}},        {"const", {CollectConst, 2, true}},
+    {"method", {CollectMethod, 1, false}},       {"extern", {CollectExtern, 1, false}},
+    {"endextern", {CollectExtern, 1, false}},    {"function", {CollectFunction, 2, true}},
+    {"public", {CollectAccess, 1, false}},       {"private", {CollectAccess, 1, false}},
 };
 
 // The longest word of the table; longer first tokens need no look-up.
@@ -69,9 +60,9 @@ void ReadLines(FirstPass& pass, Lexer& lexer) {
 
 void SaySummary(const Declarations& found) {
     VerboseNote("Found " + std::to_string(found.classes.size()) + " classes, " +
-                std::to_string(found.functionCount) + " functions, " + std::to_string(found.typedGlobals.size()) +
-                " globals (with types), and " + std::to_string(found.typedConsts.size()) +
-                " constants (with types)");
+                std::to_string(found.functionCount) + " functions, " +
+                std::to_string(found.typedGlobals.size()) + " globals (with types), and " +
+                std::to_string(found.typedConsts.size()) + " constants (with types)");
 }
 
 }  // namespace
@@ -91,9 +82,10 @@ void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& 
 
 bool IsExecutableStatement(const std::string& word) {
     static const std::unordered_set<std::string> declarations = {
-        "type",   "endtype",     "element", "endelement", "field",   "method", "endmethod", "function",
-        "endfunction", "global", "const",   "local",      "include", "import", "linker",    "useconsole",
-        "extern", "endextern",   "with",    "endwith",    "precalc", "endprecalc",
+        "type",      "endtype",  "element",     "endelement", "field",  "method",
+        "endmethod", "function", "endfunction", "global",     "const",  "local",
+        "include",   "import",   "linker",      "useconsole", "extern", "endextern",
+        "with",      "endwith",  "precalc",     "endprecalc",
     };
     return declarations.count(word) == 0;
 }

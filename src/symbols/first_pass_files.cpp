@@ -28,7 +28,8 @@ bool FileExists(const std::string& path) {
 }
 
 std::string AsciiOnly(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](unsigned char c) { return c < 1 || c > 127; }), text.end());
+    text.erase(std::remove_if(text.begin(), text.end(), [](unsigned char c) { return c < 1 || c > 127; }),
+               text.end());
     return text;
 }
 

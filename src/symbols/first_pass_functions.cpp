@@ -39,7 +39,9 @@ void Settle(Routine& routine) {
 
 }  // namespace
 
-void FailAlreadyDefined(const std::string& name) { ReportFatal("Identifier '" + name + "' is already defined."); }
+void FailAlreadyDefined(const std::string& name) {
+    ReportFatal("Identifier '" + name + "' is already defined.");
+}
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens) {
     pass.inExtern = Lower(tokens[0]) == "extern";

@@ -19,9 +19,9 @@ constexpr Kind constKind = {"Const", "const", true};
 void RefuseFieldName(const std::string& name, const Kind& kind) {
     const auto owner = symbols.fieldOwners.find(name);
     if (owner == symbols.fieldOwners.end()) return;
-    FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name + "' conflicts with already-declared Field '" +
-                      name + "' in Type " + owner->second->name +
-                      "\n  First come first served - the Field was declared first.");
+    FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name +
+                      "' conflicts with already-declared Field '" + name + "' in Type " +
+                      owner->second->name + "\n  First come first served - the Field was declared first.");
 }
 
 bool IsTaken(const std::string& name) {

@@ -13,9 +13,9 @@ namespace {
 void RefuseTaken(const FirstPass& pass, const std::string& name, bool taken, const std::string& kind) {
     if (!taken) return;
     const std::string earlier = kind.substr(0, kind.find(' '));
-    FailOnErrorStream("ERROR: Field '" + name + "' in Type " + pass.open.name + " conflicts with already-declared " +
-                      kind + " '" + name + "'\n  First come first served - the " + earlier +
-                      " was declared first.");
+    FailOnErrorStream("ERROR: Field '" + name + "' in Type " + pass.open.name +
+                      " conflicts with already-declared " + kind + " '" + name +
+                      "'\n  First come first served - the " + earlier + " was declared first.");
 }
 
 // A member may not take the name of another one or, in C++, that of its class.
@@ -134,7 +134,8 @@ void CollectClass(FirstPass& pass, TokenSpan tokens) {
     pass.isPrivate = false;
     CheckName(name);
     pass.out.classes.push_back(&ClassNamed(name));
-    pass.out.forwardDeclarations.push_back((pass.open.isElement ? "struct " : "class ") + SafeName(name) + ";");
+    pass.out.forwardDeclarations.push_back((pass.open.isElement ? "struct " : "class ") + SafeName(name) +
+                                           ";");
 }
 
 void CollectEndClass(FirstPass& pass, TokenSpan) {
@@ -142,7 +143,8 @@ void CollectEndClass(FirstPass& pass, TokenSpan) {
     pass.inType = false;
     ClassInfo& cls = ClassNamed(pass.open.name);
     if (cls.registered) {
-        VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile + ")");
+        VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile +
+                    ")");
         return;
     }
     Register(cls, std::move(pass.open));
@@ -163,7 +165,9 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     }
     RefuseMemberName(pass, name);
     Routine method = ParseRoutineHeader(tokens);
-    method.cppName = name == "constructor" ? open.cppName : name == "destructor" ? "~" + open.cppName : SafeName(name);
+    method.cppName = name == "constructor"  ? open.cppName
+                     : name == "destructor" ? "~" + open.cppName
+                                            : SafeName(name);
     method.isPrivate = pass.isPrivate;
     method.file = pass.source;
     method.line = pass.line;

@@ -11,14 +11,15 @@ WordLists wordLists;
 namespace {
 
 const std::unordered_set<std::string> neverPrefixed = {
-    "std",     "string", "vector", "cout",     "endl",   "NULL",  "nullptr", "true",    "false",
-    "return",  "if",     "else",   "for",      "while",  "break", "continue", "class",  "struct",
-    "public",  "private", "protected", "int",  "float",  "double", "char",   "void",    "bool",
-    "const",   "static", "extern", "sizeof",   "typedef", "enum", "new",     "delete",  "this",
+    "std",    "string",  "vector",    "cout",   "endl",    "NULL",   "nullptr",  "true",   "false",
+    "return", "if",      "else",      "for",    "while",   "break",  "continue", "class",  "struct",
+    "public", "private", "protected", "int",    "float",   "double", "char",     "void",   "bool",
+    "const",  "static",  "extern",    "sizeof", "typedef", "enum",   "new",      "delete", "this",
 };
 
 constexpr char typeNamingHint[] =
-    "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, TMyType)";
+    "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, "
+    "TMyType)";
 
 }  // namespace
 
@@ -54,7 +55,8 @@ bool IsName(const std::string& text) {
 
 void CheckName(const std::string& name) {
     if (IsName(name)) return;
-    ReportFatal("'" + name + "' is not a valid name: names consist of letters, digits and '_' and do not begin "
+    ReportFatal("'" + name +
+                "' is not a valid name: names consist of letters, digits and '_' and do not begin "
                 "with a digit");
 }
 

@@ -31,7 +31,8 @@ public:
         ++baseNames[BaseName(path)];
         chain.push_back({id, name});
         while (lines.Next()) {
-            for (const TokenSpan& statement : lines.Statements()) ScanStatement(statement, path, lines.Line());
+            for (const TokenSpan& statement : lines.Statements())
+                ScanStatement(statement, path, lines.Line());
             if (included.empty()) continue;
             const std::vector<std::string> names = std::move(included);
             included.clear();
@@ -79,7 +80,8 @@ private:
         ScanFile(path, name);
     }
 
-    [[noreturn]] void FailCircle(const std::string& id, const std::string& name, const std::string& from, int line) {
+    [[noreturn]] void FailCircle(const std::string& id, const std::string& name, const std::string& from,
+                                 int line) {
         std::string text;
         for (const Link& link : chain) {
             if (!text.empty() || link.id == id) text += link.name + " -> ";

@@ -86,10 +86,14 @@ ValueType DefaultType(TokenSpan value) {
         type = Single(Base::Double);
     } else if (rest.size() == 1) {
         const char first = rest[0][0];
-        if (first == '"') type = Single(Base::String);
-        else if (first == '$') type = Single(Base::Int);
-        else if (IsDigit(first)) type = NumberType(rest[0]);
-        else type = WordType(rest[0]);
+        if (first == '"')
+            type = Single(Base::String);
+        else if (first == '$')
+            type = Single(Base::Int);
+        else if (IsDigit(first))
+            type = NumberType(rest[0]);
+        else
+            type = WordType(rest[0]);
     }
     const bool fits = !isSigned || !type.IsKnown() || type.IsNumber();
     return fits ? type : Single(Base::Void);
@@ -104,11 +108,13 @@ void SettleDefault(Parameter& parameter) {
         }
         type = Single(Base::Int);
     } else if (!parameter.untyped && !Assignable(parameter.type, type)) {
-        ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " + ParameterCppName(parameter.type) +
-                    " variable '" + parameter.name + "'" + ConversionHint(parameter.type, type));
+        ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " +
+                    ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +
+                    ConversionHint(parameter.type, type));
     }
     if (!parameter.untyped) return;
-    if (type.base == Base::Null) ReportFatal("Parameter '" + parameter.name + "' = Null requires a type annotation (:Type)");
+    if (type.base == Base::Null)
+        ReportFatal("Parameter '" + parameter.name + "' = Null requires a type annotation (:Type)");
     parameter.type = type;
 }
 
@@ -134,8 +140,8 @@ void SettleParameters(Routine& routine) {
         }
         if (parameter.untyped) parameter.type = Single(Base::Int);
         if (defaulted) {
-            ReportFatal("Parameter '" + parameter.name + "' needs a default value, because '" + defaulted->name +
-                        "' before it has one");
+            ReportFatal("Parameter '" + parameter.name + "' needs a default value, because '" +
+                        defaulted->name + "' before it has one");
         }
     }
 }

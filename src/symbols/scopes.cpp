@@ -23,7 +23,8 @@ void DumpScopes(const std::string& name) {
         const std::vector<ScopeBlock>& leaves = localDefList[level].leaves;
         Say("  Scope " + Number(level) + " has " + Number(leaves.size()) + " blocks:");
         for (std::size_t block = 0; block < leaves.size(); ++block) {
-            std::string line = "    Block " + Number(block) + " has " + Number(leaves[block].names.size()) + " vars: ";
+            std::string line =
+                "    Block " + Number(block) + " has " + Number(leaves[block].names.size()) + " vars: ";
             for (const std::string& stored : leaves[block].names) line += "'" + stored + "' ";
             Say(line);
         }

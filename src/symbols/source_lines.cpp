@@ -34,7 +34,8 @@ std::string WithoutIndent(const std::string& raw) {
 
 bool IsSingleLineIf(const Tokens& tokens) {
     return IsWord(tokens.front(), "if") &&
-           std::any_of(tokens.begin(), tokens.end(), [](const std::string& token) { return IsWord(token, "then"); });
+           std::any_of(tokens.begin(), tokens.end(),
+                       [](const std::string& token) { return IsWord(token, "then"); });
 }
 
 }  // namespace
@@ -120,7 +121,9 @@ bool SourceLines::Next() {
     return false;
 }
 
-std::string FileId(const std::string& path) { return std::filesystem::path(path).lexically_normal().generic_string(); }
+std::string FileId(const std::string& path) {
+    return std::filesystem::path(path).lexically_normal().generic_string();
+}
 
 std::string JoinTokens(TokenSpan tokens) {
     std::string text;

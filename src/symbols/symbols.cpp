@@ -34,8 +34,9 @@ const Routine* FindMethod(const ClassInfo& cls, const std::string& name) {
 }
 
 bool HasMainFunction() {
-    return std::any_of(symbols.functions.begin(), symbols.functions.end(),
-                       [](const auto& entry) { return !entry.second.isExtern && Lower(entry.first) == "main"; });
+    return std::any_of(symbols.functions.begin(), symbols.functions.end(), [](const auto& entry) {
+        return !entry.second.isExtern && Lower(entry.first) == "main";
+    });
 }
 
 void AddOnce(std::vector<std::string>& list, const std::string& text) {

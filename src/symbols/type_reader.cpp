@@ -28,8 +28,10 @@ ValueType ParseSequenceItem(const std::string& name) {
     }
     const ClassInfo* cls = FindClass(name);
     if (!cls) {
-        ReportFatal("A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element type: " +
-                    name);
+        ReportFatal(
+            "A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element "
+            "type: " +
+            name);
     }
     if (cls->isElement) return Single(Base::Element, cls);
     ReportFatal("A Sequence cannot hold a Type. '" + name +

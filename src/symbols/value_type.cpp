@@ -54,7 +54,9 @@ bool IsTypeName(const std::string& name) {
                 "' before using it.");
 }
 
-ValueType ClassType(const ClassInfo* cls) { return Single(cls->isElement ? Base::Element : Base::Object, cls); }
+ValueType ClassType(const ClassInfo* cls) {
+    return Single(cls->isElement ? Base::Element : Base::Object, cls);
+}
 
 ValueType ParseSingle(const std::string& name) {
     if (const BasicType* basic = FindBasic(name)) return Single(basic->base);
@@ -103,8 +105,10 @@ bool ValueType::IsNumber() const {
         case Base::Byte:
         case Base::Short:
         case Base::Long:
-        case Base::Bool: return true;
-        default: return false;
+        case Base::Bool:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -178,17 +182,22 @@ bool Assignable(const ValueType& to, const ValueType& from) {
     if (!to.IsSingle() || !from.IsSingle()) return to == from;
     if (to.IsNumber() && from.IsNumber()) return true;
     switch (to.base) {
-        case Base::String: return from.base == Base::String;
-        case Base::Object: return from.base == Base::Null || to == from;
-        case Base::Element: return to == from;
+        case Base::String:
+            return from.base == Base::String;
+        case Base::Object:
+            return from.base == Base::Null || to == from;
+        case Base::Element:
+            return to == from;
         case Base::Pointer:
             return from.base == Base::Pointer || from.base == Base::Null || from.base == Base::Object;
-        default: return false;
+        default:
+            return false;
     }
 }
 
 std::string ConversionHint(const ValueType& to, const ValueType& from) {
-    if (to.Is(Base::String) && from.IsNumber()) return "\nUse ToString(...) to turn the number into a String.";
+    if (to.Is(Base::String) && from.IsNumber())
+        return "\nUse ToString(...) to turn the number into a String.";
     if (!from.Is(Base::String)) return {};
     if (to.Is(Base::Double)) return "\nUse ToDouble(...) to turn the String into a number.";
     if (to.IsNumber()) return "\nUse ToInt(...) to turn the String into a number.";

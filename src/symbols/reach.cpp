@@ -1,0 +1,206 @@
+// Builds a graph whose nodes are routines, loops over instances and classes (their construction). An edge
+// means "may run"; names are followed without regard to the object they are called on.
+#include "symbols/reach.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+#include "expressions/expression.h"
+#include "symbols/source_lines.h"
+
+namespace {
+
+struct Node {
+    std::vector<int> callers;
+    std::unordered_set<const ClassInfo*> creates;
+    bool createsAnything = false;
+};
+
+struct Graph {
+    std::vector<Node> nodes;
+    std::unordered_map<std::string, int> routines;  // by name, Functions and Methods of all Types in one
+    std::unordered_map<const ClassInfo*, int> construction;
+    std::unordered_map<std::string, int> loops;  // by place
+    int timers = 0;
+    int destructors = 0;
+    std::unordered_map<const ClassInfo*, std::vector<bool>>
+        answers;  // per class, the nodes that may create it
+
+    Graph() : timers(Add()), destructors(Add()) {}
+
+    int Add() {
+        nodes.emplace_back();
+        return static_cast<int>(nodes.size()) - 1;
+    }
+    Node& At(int node) { return nodes[static_cast<std::size_t>(node)]; }
+    void Call(int caller, int callee) { At(callee).callers.push_back(caller); }
+
+    template <class Map, class Key>
+    int NodeOf(Map& map, const Key& key) {
+        const auto found = map.find(key);
+        return found != map.end() ? found->second : map.emplace(key, Add()).first->second;
+    }
+};
+
+Graph graph;
+bool built = false;
+
+std::string PlaceOf(const std::string& file, int line) { return FileId(file) + ":" + std::to_string(line); }
+
+void AddRoutineNames() {
+    for (const auto& function : symbols.functions) graph.NodeOf(graph.routines, function.first);
+    for (const ClassInfo* cls : symbols.classList) {
+        for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
+    }
+}
+
+// Reads one file and adds what its routines and loops mention.
+class FileReach {
+public:
+    explicit FileReach(const std::string& path) : file(path) {}
+
+    void Read() {
+        Lexer lexer;
+        SourceLines lines(lexer, Checking::None);
+        if (!lines.Open(file)) return;
+        while (lines.Next()) {
+            if (lines.MetInlineCpp() && node != outside) graph.At(node).createsAnything = true;
+            for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement, lines.Line());
+        }
+    }
+
+private:
+    static constexpr int outside = -1;
+
+    std::string file;
+    int node = outside;          // the routine or loop that the statement belongs to
+    std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
+    const ClassInfo* cls = nullptr;
+
+    void ReadStatement(TokenSpan tokens, int line) {
+        const std::string keyword = Lower(tokens[0]);
+        if (keyword == "function" || keyword == "method") {
+            OpenRoutine(keyword, tokens[1]);
+        } else if (keyword == "endfunction" || keyword == "endmethod") {
+            node = outside;
+        } else if (keyword == "type" || keyword == "element") {
+            cls = FindClass(tokens[1]);
+        } else if (keyword == "endtype" || keyword == "endelement") {
+            cls = nullptr;
+        } else if (keyword == "field" && cls) {
+            Mention(graph.NodeOf(graph.construction, cls), tokens);
+        } else if (node != outside) {
+            ReadCode(keyword, tokens, line);
+        }
+    }
+
+    void OpenRoutine(const std::string& keyword, const std::string& name) {
+        node = graph.NodeOf(graph.routines, name);
+        enclosing.clear();
+        if (keyword != "method" || !cls) return;
+        if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
+        if (name == "destructor") graph.Call(graph.destructors, node);
+    }
+
+    void ReadCode(const std::string& keyword, TokenSpan tokens, int line) {
+        if (keyword == "next" || keyword == "nextseq" || keyword == "wend") {
+            if (enclosing.empty()) return;
+            node = enclosing.back();
+            enclosing.pop_back();
+            return;
+        }
+        const bool opens = keyword == "for" || keyword == "while" || keyword == "eachseq";
+        const bool overInstances = WalksInstances(tokens);
+        if (opens) enclosing.push_back(node);
+        if (overInstances) {
+            const int loop = OpenLoop(line);
+            if (opens)
+                node = loop;
+            else
+                graph.At(loop).createsAnything = true;  // a loop within a single-line If
+        }
+        Mention(node, tokens);
+    }
+
+    static bool WalksInstances(TokenSpan tokens) {
+        for (const std::string& token : tokens) {
+            if ((token.size() == 4 || token.size() == 6) &&
+                (Lower(token) == "each" || Lower(token) == "eachin")) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    int OpenLoop(int line) {
+        const int loop = graph.NodeOf(graph.loops, PlaceOf(file, line));
+        graph.Call(node, loop);
+        graph.Call(loop, graph.timers);
+        graph.Call(loop, graph.destructors);
+        return loop;
+    }
+
+    static void Mention(int node, TokenSpan tokens) {
+        bool startsTimer = false;
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            const std::string& token = tokens[i];
+            const std::string word = token.size() <= 8 ? Lower(token) : std::string();
+            if (word == "insert") graph.At(node).createsAnything = true;
+            startsTimer = startsTimer || word == "autocall";
+            const auto routine = graph.routines.find(token);
+            if (routine != graph.routines.end()) {
+                graph.Call(node, routine->second);
+                if (startsTimer) graph.Call(graph.timers, routine->second);
+            }
+            const ClassInfo* mentioned = FindClass(token);
+            if (!mentioned) continue;
+            graph.Call(node, graph.NodeOf(graph.construction, mentioned));
+            const std::string before = i > 0 ? Lower(tokens[i - 1]) : std::string();
+            if (before == "create" || before == "new") graph.At(node).creates.insert(mentioned);
+        }
+    }
+};
+
+void Build() {
+    built = true;
+    AddRoutineNames();
+    for (const std::string& file : symbols.sourceFiles) FileReach(file).Read();
+}
+
+// Marks everything that may run a node which creates the class.
+std::vector<bool> NodesThatCreate(const ClassInfo& cls) {
+    std::vector<bool> marked(graph.nodes.size(), false);
+    std::vector<int> open;
+    const auto mark = [&](int node) {
+        if (marked[static_cast<std::size_t>(node)]) return;
+        marked[static_cast<std::size_t>(node)] = true;
+        open.push_back(node);
+    };
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i) {
+        const Node& node = graph.nodes[i];
+        if (node.createsAnything || node.creates.count(&cls) != 0) mark(static_cast<int>(i));
+    }
+    while (!open.empty()) {
+        const int node = open.back();
+        open.pop_back();
+        for (const int caller : graph.At(node).callers) mark(caller);
+    }
+    return marked;
+}
+
+}  // namespace
+
+bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
+    if (lenient) return true;
+    if (!built) Build();
+    const auto loop = graph.loops.find(PlaceOf(file, line));
+    if (loop == graph.loops.end()) return true;
+    auto answer = graph.answers.find(&cls);
+    if (answer == graph.answers.end()) answer = graph.answers.emplace(&cls, NodesThatCreate(cls)).first;
+    return answer->second[static_cast<std::size_t>(loop->second)];
+}
+
+void ResetReach() {
+    graph = Graph();
+    built = false;
+}
