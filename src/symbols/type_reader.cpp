@@ -15,8 +15,8 @@ bool IsCloser(const std::string& token) { return token == ")" || token == "]"; }
 std::size_t ClosingBracket(TokenSpan tokens, std::size_t at) {
     int depth = 0;
     for (std::size_t i = at; i < tokens.size(); ++i) {
-        if (IsOpener(tokens[i])) ++depth;
-        if (IsCloser(tokens[i]) && --depth == 0) return i;
+        if (tokens[i] == "[") ++depth;
+        if (tokens[i] == "]" && --depth == 0) return i;
     }
     ReportFatal("Array declaration missing closing bracket ]");
 }

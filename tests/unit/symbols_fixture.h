@@ -1,0 +1,30 @@
+// Fresh tables for each test of the symbols.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "symbols/identifiers.h"
+#include "symbols/reach.h"
+#include "symbols/scopes.h"
+#include "symbols/symbols.h"
+
+class SymbolsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetSymbols();
+        ResetScopes();
+        ResetReach();
+        wordLists = WordLists();
+        wordLists.reservedCppWords = {"int", "namespace", "this"};
+        wordLists.reservedKeywords = {"while", "print"};
+    }
+
+    static ClassInfo& DeclareClass(const std::string& name, bool isElement) {
+        ClassInfo& cls = symbols.classes.emplace_back();
+        cls.name = name;
+        cls.isElement = isElement;
+        cls.cppName = "KVL_" + name;
+        symbols.classIndex.emplace(name, &cls);
+        return cls;
+    }
+};
