@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <unordered_set>
+#include <vector>
 
 #include "build/atomic_file.h"
 #include "driver/paths.h"
@@ -72,6 +74,34 @@ bool SameFile(const std::string& a, const std::string& b) {
     return fs::equivalent(a, b, failed) && !failed;
 }
 
+std::string SourcePath(const std::string& includeName) { return settings.sourceFolder + "/" + includeName; }
+
+// The names that the Include lines of a file give.
+std::vector<std::string> IncludesOf(const std::string& path) {
+    std::vector<std::string> names;
+    SourceReader source;
+    source.Open(path);
+    while (!source.AtEnd()) {
+        const Tokens tokens = Split(source.NextLine());
+        if (tokens.size() < 2 || Lower(tokens[0]) != "include" || tokens[1].size() < 2) continue;
+        names.push_back(tokens[1].substr(1, tokens[1].size() - 2));
+    }
+    return names;
+}
+
+// The names of all files that the program includes, directly or not.
+std::unordered_set<std::string> IncludedNames() {
+    std::vector<std::string> open = IncludesOf(settings.mainSource);
+    std::unordered_set<std::string> all;
+    while (!open.empty()) {
+        const std::string name = open.back();
+        open.pop_back();
+        if (!all.insert(name).second) continue;
+        for (const std::string& next : IncludesOf(SourcePath(name))) open.push_back(next);
+    }
+    return all;
+}
+
 class Cleaner {
 public:
     explicit Cleaner(const std::string& outputPath) : output(outputPath) {
@@ -111,7 +141,8 @@ private:
     // By its text, and also where the links in it lead.
     bool IsInside(const std::string& line) const {
         const std::string path = Normalised(line);
-        const std::string real = Resolved(fs::path(line).parent_path()) + "/" + StripFolder(line);
+        const fs::path parent = fs::path(line).parent_path();
+        const std::string real = Resolved(parent.empty() ? "." : parent) + "/" + StripFolder(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
         for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
@@ -119,14 +150,14 @@ private:
     }
 
     // A file generated for an Include that leads out of the folders: its path begins with the output
-    // folder as every generated one does, and the .kvl beside it is the one that the Include names.
+    // folder as every generated one does, and the .kvl beside it is one that the program includes.
     bool IsBesideItsSource(const std::string& line) const {
         const std::string extension = ExtensionOf(line);
         if (extension != ".cpp" && extension != ".h" && extension != ".js") return false;
         const std::string stem = line.substr(0, line.size() - extension.size());
         if (!StartsWith(line, output + "/")) return false;
-        const std::string included = settings.sourceFolder + stem.substr(output.size()) + sourceExtension;
-        return SameFile(stem + sourceExtension, included);
+        const std::string name = stem.substr(output.size() + 1) + sourceExtension;
+        return SameFile(stem + sourceExtension, SourcePath(name)) && IncludedNames().count(name) > 0;
     }
 
     // The kinds of files that a build leaves behind.

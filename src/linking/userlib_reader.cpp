@@ -55,7 +55,7 @@ bool IsName(const std::string& token) {
 std::string TakeTypeName(Cursor& line) {
     std::string type = line.Take();
     if (Lower(type) == "void" && line.Accept("*")) return "void*";
-    while (line.Peek() == "[" && line.Peek(1) == "]") type += line.Take() + line.Take();
+    while (line.Peek() == "[" || line.Peek() == "]") type += line.Take();
     return type;
 }
 

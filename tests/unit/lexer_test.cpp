@@ -1,0 +1,171 @@
+#include "lexer/lexer.h"
+
+#include <gtest/gtest.h>
+
+#include "driver/settings.h"
+#include "expect_fatal.h"
+#include "lexer/source_reader.h"
+#include "scratch_folder.h"
+
+namespace {
+
+struct SplitRow {
+    std::string line;
+    Tokens tokens;
+};
+
+TEST(Lexer, CutsLines) {
+    const SplitRow rows[] = {
+        {"", {}},
+        {" \t ", {}},
+        {"; only a comment", {}},
+        {"a(b)", {"a", "(", "b", ")"}},
+        {"x=-1", {"x", "=", "-", "1"}},
+        {"a <= b <> c", {"a", "<", "=", "b", "<", ">", "c"}},
+        {"Print \"a;b\" ; note", {"Print", "\"a;b\""}},
+        {"x\"y\"z", {"x", "\"y\"", "z"}},
+        {"\"a\\\" b", {"\"a\\\"", "b"}},
+        {"x = $ff + $G", {"x", "=", "$ff", "+", "$", "G"}},
+        {"$1Fg h", {"$1Fg", "h"}},
+        {"$1F.5", {"$1F", ".", "5"}},
+        {"name$ = \"x\"", {"name", "$", "=", "\"x\""}},
+        {"v = 1.5.2", {"v", "=", "1.5", ".", "2"}},
+        {"v = .5", {"v", "=", ".", "5"}},
+        {"3. a.b a1.5", {"3", ".", "a", ".", "b", "a1", ".", "5"}},
+        {"my_var a_ _", {"my_var", "a_", "_"}},
+        {"'quoted' p\\hp", {"'", "quoted", "'", "p", "\\", "hp"}},
+        {"gr\xC3\xB6\xC3\x9F"
+         "e = \"\xE2\x82\xAC\"",
+         {"gr\xC3\xB6\xC3\x9F"
+          "e",
+          "=", "\"\xE2\x82\xAC\""}},
+        {std::string("a\0b c", 5), {std::string("a\0b", 3), "c"}},
+        {"s = \"abc", {"s", "=", "\"abc"}},
+        {"a = b)]", {"a", "=", "b", ")", "]"}},
+    };
+    for (const SplitRow& row : rows) EXPECT_EQ(Split(row.line), row.tokens) << row.line;
+}
+
+TEST(Lexer, MakesEveryDelimiterATokenOfItsOwn) {
+    Lexer lexer;
+    ASSERT_EQ(lexer.delimiters.size(), 29U);
+    for (const std::string& delimiter : lexer.delimiters) {
+        if (delimiter == "\"") continue;  // begins a string instead
+        EXPECT_EQ(Split("a" + delimiter + "b"), (Tokens{"a", delimiter, "b"})) << delimiter;
+    }
+}
+
+TEST(Lexer, KeepsIndentCommentsAndCounts) {
+    Lexer lexer;
+    EXPECT_EQ(lexer.LexLine("\t\t   x = 1 ; note", true, true, false), 4);
+    EXPECT_EQ(lexer.GetIndent(), 5U);
+    EXPECT_EQ(lexer.GetToken(3), "// note");
+    EXPECT_EQ(lexer.GetToken(-1), "");
+    EXPECT_EQ(lexer.GetToken(4), "");
+    EXPECT_EQ(lexer.lineNumber, 1);
+    EXPECT_EQ(lexer.lineText, "\t\t   x = 1 ; note");
+
+    EXPECT_EQ(lexer.LexLine("y", false, false, false), 1);
+    EXPECT_EQ(lexer.lineNumber, 1) << "a line that was counted already";
+    EXPECT_EQ(lexer.lineText, "\t\t   x = 1 ; note");
+    EXPECT_EQ(lexer.GetIndent(), 0U);
+}
+
+TEST(Lexer, AcceptsOpenBracketsBeforeAContinuation) {
+    Lexer lexer;
+    EXPECT_EQ(lexer.LexLine("a = (b + c _", false, true, false), 7);
+    EXPECT_EQ(lexer.LexLine("a = (b + c _ ; more", true, true, false), 8);
+    EXPECT_EQ(lexer.LexLine("a = ([b)]", false, true, false), 7) << "brackets are counted one kind at a time";
+}
+
+TEST(LexerDeathTest, ReportsUnbalancedLines) {
+    const struct {
+        const char* line;
+        const char* message;
+    } rows[] = {
+        {"a = b)", "Unmatched closing parenthesis ')'"},
+        {"a = b]", "Unmatched closing bracket ']'"},
+        {"a = (b + c", "Unclosed parenthesis '('"},
+        {"a = [b", "Unclosed bracket '['"},
+        {"s = \"abc", "Unclosed string literal"},
+        {"s = (\"abc", "Unclosed string literal"},
+        {"a) = \"abc", "Unmatched closing parenthesis ')'"},
+        {"a = (b ; _", "Unclosed parenthesis '('"},
+    };
+    for (const auto& row : rows) {
+        Lexer lexer;
+        lexer.fileName = "game.kvl";
+        lexer.lineNumber = 6;
+        EXPECT_EXIT(
+            lexer.LexLine(row.line, false, true, false), testing::ExitedWithCode(1),
+            HasText(std::string("Error in game.kvl (line 7): ") + row.message + "\nLine: " + row.line + "\n"))
+            << row.line;
+    }
+}
+
+TEST(LexerDeathTest, TellsWhatItReadsInVerboseMode) {
+    settings.verbose = true;
+    testing::internal::CaptureStderr();
+    Lexer lexer;
+    lexer.LexLine(std::string(51, 'x'), false, true, true);
+    lexer.LexLine(" y", false, false, false);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "DEBUG LexLine: line=1 skipValidation=true content=\"" + std::string(50, 'x') +
+                  "...\"\nDEBUG LexLine: line=1 skipValidation=false content=\" y\"\n");
+    EXPECT_EXIT(lexer.LexLine("((a", false, true, false), testing::ExitedWithCode(1),
+                "DEBUG: Triggering unclosed paren error - parenDepth=2 skipValidation=false "
+                "hasLineContinuation=false\nError in ");
+    settings.verbose = false;
+}
+
+TEST(Lexer, CutsContinuationsAndFindsComments) {
+    const struct {
+        std::string line, cut, comment;
+    } rows[] = {
+        {"a = b + _", "a = b + ", ""},
+        {"a_b = _ ; see my_note", "a_b = ", "// see my_note"},
+        {"Print \"_;_\", _", "Print \"_;_\", ", ""},
+        {"x = 1 ; ends in \\", "x = 1 ", "// ends in \\ ."},
+        {"x = 1 ;really?"
+         "?/",
+         "x = 1 ",
+         "//really?"
+         "?/ ."},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CutAtContinuation(row.line), row.cut) << row.line;
+        EXPECT_EQ(CommentOf(row.line), row.comment) << row.line;
+    }
+}
+
+TEST(SourceReader, SettlesLineEnds) {
+    const ScratchFolder scratch;
+    const struct {
+        std::string text;
+        Tokens lines;
+    } rows[] = {
+        {"", {}},
+        {"a\nb\n", {"a", "b"}},
+        {"a\r\n\r\nb", {"a", "", "b"}},
+        {"\xEF\xBB\xBF"
+         "a\n\xEF\xBB\xBF",
+         {"a", "\xEF\xBB\xBF"}},
+        {std::string("a\0\n\0", 4), {std::string("a\0", 2), std::string(1, '\0')}},
+        {"\n\r", {"", ""}},
+    };
+    for (const auto& row : rows) {
+        ScratchFolder::Write("source", row.text);
+        SourceReader reader;
+        ASSERT_TRUE(reader.Open("source"));
+        for (int pass = 1; pass <= 2; ++pass, reader.Rewind()) {
+            Tokens lines;
+            while (!reader.AtEnd()) lines.push_back(reader.NextLine());
+            EXPECT_EQ(lines, row.lines) << row.text << ", pass " << pass;
+        }
+    }
+    SourceReader reader;
+    EXPECT_FALSE(reader.Open("missing"));
+    EXPECT_FALSE(reader.Open(".")) << "a folder is no source";
+}
+
+}  // namespace

@@ -1,0 +1,310 @@
+#include <cstdlib>
+
+#include "driver/settings.h"
+#include "expect_fatal.h"
+#include "linking/deploy.h"
+#include "linking/library_names.h"
+#include "linking/runtime_code.h"
+#include "linking/userlib_reader.h"
+#include "scratch_folder.h"
+#include "symbols/identifiers.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+class Userlib : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetSymbols();
+        Declare("TPlayer", false);
+        Declare("TVec", true);
+        wordLists.reservedCppWords = {"class", "int", "std"};
+        wordLists.reservedKeywords = {"print"};
+    }
+    void TearDown() override {
+        ResetSymbols();
+        wordLists = {};
+        settings = {};
+    }
+
+    static void Declare(const std::string& name, bool isElement) {
+        ClassInfo& cls = symbols.classes.emplace_back();
+        cls.name = name;
+        cls.cppName = "KVL_" + name;
+        cls.isElement = isElement;
+        symbols.classIndex[name] = &cls;
+    }
+    static void Import(const std::string& text) {
+        ScratchFolder::Write("userlibs/x.decls", text);
+        ImportUserlib("userlibs/x.decls");
+    }
+    // name -> symbol: result (type name, ...), with Korvel types.
+    static std::string Shown(const UserlibFunction& f) {
+        std::string text = f.name + " -> " + f.symbol + ": " + f.korvelReturn + " (";
+        for (const UserlibParameter& p : f.parameters) text += " " + p.korvelType + " " + p.name;
+        return text + " )";
+    }
+
+    ScratchFolder scratch;
+};
+
+TEST_F(Userlib, ReadsFunctionLines) {
+    const struct {
+        const char *line, *shown;
+    } rows[] = {
+        {"Beep%(freq%, duration%):\"Beep\"", "Beep -> Beep: Int ( Int freq Int duration )"},
+        {"MessageBox%(hwnd*, text$, caption$, flags%):\"MessageBoxA\"",
+         "MessageBox -> MessageBoxA: Int ( void* hwnd String text String caption Int flags )"},
+        {"Tick()", "Tick -> Tick: void ( )"},
+        {"  \tHalf#(x#, y!)", "Half -> Half: Double ( Double x Double y )"},
+        {"Third!(x)", "Third -> Third: Double ( Int x )"},
+        {"Name$(who:TPlayer, mode:Byte) : Alias", "Name -> Alias: String ( TPlayer who Byte mode )"},
+        {"Find:TPlayer(name$)", "Find -> Find: TPlayer ( String name )"},
+        {"Open:void*(name$):\"_open@4\"", "Open -> _open@4: void* ( String name )"},
+        {"Start:\"_start\"", "Start -> _start: void ( )"},
+        {"Count:Int", "Count -> Count: Int ( )"},
+        {"Count:Int:\"cnt\"", "Count -> cnt: Int ( )"},
+        {"Count%:\"cnt\"", "Count -> cnt: Int ( )"},
+        {"Left%(a%, b", "Left -> Left: Int ( Int a Int b )"},
+        {"Swap(a%, b%) ; exchanges", "Swap -> Swap: void ( Int a Int b )"},
+        {"Void:void()", "Void -> Void: void ( )"},
+    };
+    for (const auto& row : rows) {
+        symbols.userlibDLLs.clear();
+        Import(std::string(".lib \"a.dll\"\r\n") + row.line + "\r\n");
+        ASSERT_EQ(symbols.userlibDLLs[0].functions.size(), 1U) << row.line;
+        EXPECT_EQ(Shown(symbols.userlibDLLs[0].functions[0]), row.shown) << row.line;
+    }
+}
+
+TEST_F(Userlib, SkipsWhatIsNoDeclaration) {
+    Import(
+        "Early%(a%)\n"
+        ".lib missing quotes\n"
+        ".LIB \"capitals.dll\"\n"
+        "Early2%(a%)\n"
+        "  .lib \"first.dll\" ; the \"real\" one\n"
+        "\n;Beep%(f%)\n'Beep%(f%)\nLonely\n%(a%)\n1st(a%)\n.lib\n"
+        "One()\n"
+        ".lib \"second.dll\"\n"
+        "Two()");
+    ASSERT_EQ(symbols.userlibDLLs.size(), 2U);
+    EXPECT_EQ(symbols.userlibDLLs[0].name, "first.dll\" ; the \"real");
+    ASSERT_EQ(symbols.userlibDLLs[0].functions.size(), 1U);
+    EXPECT_EQ(symbols.userlibDLLs[1].functions[0].name, "Two");
+    EXPECT_EQ(symbols.userlibDLLs[1].functions[0].line, 15);
+}
+
+TEST_F(Userlib, KnowsSignaturesForCalls) {
+    Import(".lib \"a.dll\"\nFind%(a%)\nFind:TPlayer(name$, hint#)\n");
+    const Routine* find = FindUserlibFunction("Find");
+    ASSERT_TRUE(find);
+    EXPECT_EQ(find->cppName, "kvl_Find");
+    EXPECT_EQ(find->result, Single(Base::Object, FindClass("TPlayer")));
+    ASSERT_EQ(find->parameters.size(), 2U);
+    EXPECT_EQ(find->parameters[0].type, Single(Base::String));
+    EXPECT_EQ(symbols.userlibFunctions["Find"], "KVL_TPlayer*");
+    EXPECT_EQ(symbols.userlibDLLs[0].functions.size(), 2U);
+}
+
+TEST_F(Userlib, RefusesWhatCannotWork) {
+    EXPECT_FATAL(ImportUserlib("userlibs/missing.decls"),
+                 "Cannot open userlib declaration file: userlibs/missing.decls");
+    const struct {
+        const char *line, *message;
+    } rows[] = {
+        {"class(a%)", "This is a reserved C++ identifier 'class', use another identifier"},
+        {"Print(a%)", "This is a reserved Korvel keyword 'Print', use another identifier"},
+        {"F(a:Foo)",
+         "userlibs/x.decls, line 3: in the declaration of 'F', 'Foo' is no type that a DLL function "
+         "can take or return"},
+        {"F:TNowhere(a%)",
+         "userlibs/x.decls, line 3: in the declaration of 'F', 'TNowhere' is no type that a DLL "
+         "function can take or return"},
+        {"F(a:Int[])",
+         "userlibs/x.decls, line 3: in the declaration of 'F', 'Int[]' is no type that a DLL function "
+         "can take or return"},
+        {"F(a:void)",
+         "userlibs/x.decls, line 3: in the declaration of 'F', 'void' is no type that a DLL function "
+         "can take or return"},
+        {"F:TVec()",
+         "userlibs/x.decls, line 3: in the declaration of 'F', 'TVec' is an Element, and Elements cannot "
+         "be passed to a DLL or returned from it"},
+    };
+    for (const auto& row : rows)
+        EXPECT_FATAL(Import(std::string("\n.lib \"a.dll\"\n") + row.line), row.message);
+}
+
+// The whole block for one function of each kind.
+TEST_F(Userlib, GeneratesTheBlock) {
+    EXPECT_EQ(GenerateUserlibCode(), "");
+    Import(".lib \"a.dll\"\nAdd%(a%, b%):\"add\"\n.lib \"b.dll\"\nGreet$(who$, p:TPlayer)\n");
+    const std::string code = GenerateUserlibCode();
+    EXPECT_EQ(
+        code.rfind(
+            "\n// ===== Userlib Runtime Linking =====\n"
+            "#ifdef _WIN32\n#include <windows.h>\n#else\n#include <dlfcn.h>\n#endif\n\n"
+            "// DLL: a.dll\n"
+            "#ifdef _WIN32\nHMODULE hDLL_0 = NULL;\n#else\nvoid* hDLL_0 = NULL;\n#endif\n\n"
+            "#ifdef _WIN32\ntypedef int (__stdcall *Add_TYPE)(int, int);\n"
+            "#else\ntypedef int (*Add_TYPE)(int, int);\n#endif\n"
+            "Add_TYPE Add_ptr = NULL;\n\n"
+            "// DLL: b.dll\n"
+            "#ifdef _WIN32\nHMODULE hDLL_1 = NULL;\n#else\nvoid* hDLL_1 = NULL;\n#endif\n\n"
+            "#ifdef _WIN32\ntypedef const char* (__stdcall *Greet_TYPE)(const char*, void*);\n"
+            "#else\ntypedef const char* (*Greet_TYPE)(const char*, void*);\n#endif\n"
+            "Greet_TYPE Greet_ptr = NULL;\n\n"
+            "void InitUserlibs()\n{\n"
+            "    // Load a.dll\n"
+            "    #ifdef _WIN32\n    hDLL_0 = LoadLibrary(\"a.dll\");\n"
+            "    #else\n    hDLL_0 = dlopen(\"a.dll\", RTLD_LAZY);\n    #endif\n"
+            "    if (hDLL_0 == NULL) {\n"
+            "        #ifdef _WIN32\n"
+            "        DWORD err = GetLastError();\n"
+            "        std::cerr << \"ERROR: Failed to load a.dll (Error: \" << err << \")\" << std::endl;\n"
+            "        #else\n"
+            "        const char* err = dlerror();\n"
+            "        std::cerr << \"ERROR: Failed to load a.dll: \" << (err ? err : \"Unknown error\") << "
+            "std::endl;\n"
+            "        #endif\n"
+            "    } else {\n"
+            "        #ifdef _WIN32\n"
+            "        Add_ptr = (Add_TYPE)GetProcAddress(hDLL_0, \"add\");\n"
+            "        #else\n"
+            "        Add_ptr = (Add_TYPE)dlsym(hDLL_0, \"add\");\n"
+            "        #endif\n"
+            "        if (Add_ptr == NULL) {\n"
+            "            #ifdef _WIN32\n"
+            "            DWORD err = GetLastError();\n"
+            "            std::cerr << \"ERROR: Failed to load function Add as 'add' from a.dll (Error: \" "
+            "<< err << \")\" << std::endl;\n"
+            "            #else\n"
+            "            const char* err = dlerror();\n"
+            "            std::cerr << \"ERROR: Failed to load function Add as 'add' from a.dll - \" << "
+            "(err ? err : \"Unknown error\") << std::endl;\n"
+            "            #endif\n"
+            "        }\n"
+            "    }\n\n"
+            "    // Load b.dll\n",
+            0),
+        0U)
+        << code;
+    const std::string end =
+        "    }\n\n}\n\n"
+        "int Add(int a, int b)\n{\n"
+        "    if (Add_ptr == NULL) {\n"
+        "        std::cerr << \"ERROR: Add not loaded!\" << std::endl;\n"
+        "        return 0;\n"
+        "    }\n"
+        "    return Add_ptr(a, b);\n"
+        "}\n\n"
+        "std::string Greet(std::string who, KVL_TPlayer* p)\n{\n"
+        "    if (Greet_ptr == NULL) {\n"
+        "        std::cerr << \"ERROR: Greet not loaded!\" << std::endl;\n"
+        "        return \"\";\n"
+        "    }\n"
+        "    const char* result = Greet_ptr(who.c_str(), (void*)p);\n"
+        "    if (result == NULL) return \"\";\n"
+        "    return std::string(result);\n"
+        "}\n\n"
+        "// ===== End Userlib Code =====\n\n"
+        "int (&kvl_Add)(int, int) = ::Add;\n"
+        "std::string (&kvl_Greet)(std::string, KVL_TPlayer*) = ::Greet;\n\n";
+    ASSERT_GT(code.size(), end.size());
+    EXPECT_EQ(code.substr(code.size() - end.size()), end);
+}
+
+TEST_F(Userlib, GeneratesWrappersOfOtherKinds) {
+    Import(".lib \"a.dll\"\nTick()\nFind:TPlayer()\nOpen:void*(result%, class%, class$, :Long)\n");
+    const std::string code = GenerateUserlibCode();
+    for (const char* fragment : {
+             "        return;\n    }\n    Tick_ptr();\n}\n",
+             "        return nullptr;\n    }\n    void* result = Find_ptr();\n    return "
+             "(KVL_TPlayer*)result;\n}\n",
+             "void* Open(int result_, int class_, std::string class__, long p)\n{\n",
+             "    return Open_ptr(result_, class_, class__.c_str(), p);\n",
+         }) {
+        EXPECT_HAS(code, fragment);
+    }
+}
+
+TEST_F(Userlib, TheLaterDeclarationCounts) {
+    Import(".lib \"a.dll\"\nAdd%(a%)\nAdd#(a#, b#)\n");
+    const std::string code = GenerateUserlibCode();
+    EXPECT_LACKS(code, "int Add(");
+    EXPECT_HAS(code, "double Add(double a, double b)\n");
+    EXPECT_EQ(code.find("Add_ptr = NULL"), code.rfind("Add_ptr = NULL"));
+}
+
+TEST_F(Userlib, EscapesLiterals) {
+    EXPECT_EQ(CppLiteral("a\\b\"c\t\x7F?"), "\"a\\\\b\\\"c\\011\\177?\"");
+    EXPECT_EQ(CppLiteral("what?"
+                         "?/"),
+              "\"what?\\?/\"");
+    EXPECT_EQ(CppLiteral("\xC3\xA4"), "\"\xC3\xA4\"");
+}
+
+TEST_F(Userlib, KeepsClearOfOtherPeoplesNames) {
+    for (const char* name : {"puts", "sleep", "Beep", "MessageBox", "main", "_open", "errno", "hDLL_0"}) {
+        EXPECT_TRUE(ClashesWithLibrary(name)) << name;
+    }
+    for (const char* name : {"Add", "Greet", "Draw", "sound", "KVLike"})
+        EXPECT_FALSE(ClashesWithLibrary(name)) << name;
+}
+
+// Whatever a declaration says, the block compiles: awkward names, quotes, backslashes, every type.
+TEST_F(Userlib, TheBlockCompiles) {
+    Import(
+        ".lib \"odd\\\"name\\\"\n"
+        "abs%(n%)\nclose%(fd%)\nputs%(s$)\nBeep%(f%, d%)\nMessageBox%(h*, t$, c$, f%):\"Message\"Box\"\n"
+        "main%()\nerrno%()\narray%(a%)\nstdout*(p*)\nAll(a:Byte, b:Short, c:Long, d:Bool, e*, f:TPlayer, g$, "
+        "h#)\n"
+        "Twice:TPlayer(p:TPlayer):\"tw\\ice\"\nTwice#(std#, std%, std_$)\nvector%(Twice_ptr%, "
+        "vector_ptr%)\n");
+    ScratchFolder::Write(
+        "block.cpp",
+        "#include <iostream>\n#include <string>\n#include <vector>\n#include <algorithm>\n"
+        "#include <cstdlib>\n#include <functional>\n#include <cmath>\n#include <array>\n"
+        "#include <unistd.h>\nusing namespace std;\nclass KVL_TPlayer;\n" +
+            GenerateUserlibCode() +
+            "int main() { InitUserlibs(); return kvl_abs(-3) + kvl_close(99) + kvl_puts(\"x\") + "
+            "kvl_main() + kvl_errno() + kvl_array(1); }\n");
+    EXPECT_EQ(
+        std::system("g++ -std=c++11 -Wall -Wextra -Wno-unused-parameter -Werror -fsyntax-only block.cpp"), 0);
+}
+
+TEST_F(Userlib, CopiesDlls) {
+    Import(".lib \"here.dll\"\nA()\n.lib \"gone.dll\"\nB()\n");
+    const std::string content("\0bytes\r\n", 8);
+    ScratchFolder::Write("userlibs/here.dll", content);
+    std::filesystem::create_directory("out");
+    testing::internal::CaptureStdout();
+    CopyUserlibDLLs("out");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "  Warning: DLL not found in userlibs/: gone.dll\n");
+    EXPECT_EQ(ScratchFolder::Read("out/here.dll"), content);
+    EXPECT_FATAL(CopyUserlibDLLs("nowhere"), "Cannot write DLL to output directory: nowhere/here.dll");
+
+    settings.verbose = true;
+    testing::internal::CaptureStdout();
+    CopyUserlibDLLs("userlibs");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "\nCopying userlib DLLs to output directory...\n  Copied: here.dll -> userlibs/\n"
+              "  Warning: DLL not found in userlibs/: gone.dll\n");
+    EXPECT_EQ(ScratchFolder::Read("userlibs/here.dll"), content) << "copied onto itself";
+}
+
+TEST_F(Userlib, CollectsLinkerFlags) {
+    testing::internal::CaptureStdout();
+    settings.currentFile = "game/lib\xC3\xA4/util.kvl";
+    for (const char* token : {"\"-lm\"", "\"-L.\"", "\"-lm\"", "\"", "-lz"}) AddLinkerFlag(token);
+    settings.currentFile = "util.kvl";
+    AddLinkerFlag("\"-L.\"");
+    EXPECT_EQ(symbols.linkerFlags,
+              (std::vector<std::string>{"-lm", "-L\"game/lib\"", "\"", "-lz", "-L\".\""}));
+    EXPECT_EQ(
+        testing::internal::GetCapturedStdout(),
+        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\"\n  - Adding linker flag: \"\n"
+        "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n");
+}
+
+}  // namespace
