@@ -218,6 +218,11 @@ const std::map<std::string, Handler>& Directives() {
         {"expect-error", [](Reader& r, const std::string& text) { ExpectError(r, text, false, false); }},
         {"error", [](Reader& r, const std::string& text) { ExpectError(r, text, false, false); }},
         {"lexer-error", [](Reader& r, const std::string& text) { ExpectError(r, text, true, false); }},
+        {"stream-error",
+         [](Reader& r, const std::string& text) {
+             ExpectError(r, text, false, false);
+             r.current.result.streamError = r.current.lineGiven = true;
+         }},
         {"expect-line", ExpectLine},
         {"expect-file", [](Reader& r, const std::string& text) { r.current.result.errorFile = text; }},
         {"expect-cpp", Adds("cpp", true)},

@@ -28,7 +28,9 @@ struct Case {
     std::vector<Fragment> fragments;
 
     // An error that kvt must report.
-    bool wantsError = false, lexerError = false;
+    bool wantsError = false;
+    bool lexerError = false;   // about brackets or strings: its own form, on the error stream
+    bool streamError = false;  // on the error stream, without a place
     std::string error, errorFile;
     int errorLine = -1;
 };

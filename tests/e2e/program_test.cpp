@@ -47,6 +47,10 @@ void Translate(Run& run) {
 void CheckError(const Run& run) {
     const Case& test = run.test;
     ASSERT_EQ(run.kvt.exitStatus, 1) << "kvt " << DescribeEnd(run.kvt) << "\n" << run.kvt.out << run.kvt.err;
+    if (test.streamError) {
+        EXPECT_EQ(run.kvt.err, Expand(run, test.error) + "\n") << run.kvt.out;
+        return;
+    }
     const std::string line = std::to_string(test.errorLine);
     if (test.lexerError) {
         const std::string report = "(line " + line + "): " + test.error + "\nLine: ";
