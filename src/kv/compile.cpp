@@ -22,7 +22,7 @@ void ShowFailure(const Job& job, const std::string& output) {
     const std::vector<Diagnostic> mistakes = ExplainCompilerOutput(output, SourcesOf(DependencyRecord(job)),
                                                                    job.build.cppFolder, job.sourceFolder);
     for (Diagnostic diagnostic : mistakes) {
-        diagnostic.file = ShortPath(diagnostic.file, job.typedFolder);
+        if (!diagnostic.file.empty()) diagnostic.file = ShortPath(diagnostic.file, job.typedFolder);
         Show(diagnostic);
     }
     Diagnostic summary;

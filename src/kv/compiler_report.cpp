@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <unordered_map>
@@ -129,6 +130,22 @@ std::string TextAfter(const std::string& line, const std::string& mark, const ch
     return line.substr(from, line.find_first_of(closers, from) - from);
 }
 
+// Trouble that has nothing to do with the program.
+const char* const troubles[] = {"No space left on device",  "Cannot create temporary file",
+                                "Killed signal terminated", "virtual memory exhausted",
+                                "cannot execute",           "unable to execute command"};
+const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file not found"};
+
+bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
+    const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
+    if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
+        diagnostic.message = "the C++ compiler has no standard library. On Debian: sudo apt-get install g++";
+    } else if (std::any_of(std::begin(troubles), std::end(troubles), contained)) {
+        diagnostic.message = "the C++ compiler could not do its work: " + line;
+    }
+    return !diagnostic.message.empty();
+}
+
 bool ExplainLinkerLine(const std::string& line, const SourceLines& sources, Diagnostic& diagnostic) {
     std::string library = TextAfter(line, "cannot find -l", ": \r");
     if (library.empty()) library = TextAfter(line, "library not found for -l", ": \r");
@@ -151,31 +168,45 @@ bool ExplainLinkerLine(const std::string& line, const SourceLines& sources, Diag
     return true;
 }
 
+struct Folders {
+    const std::string& generated;
+    const std::string& user;
+};
+
+// An error in a generated file counts where its line was copied from an InlineCpp block; in a file of the user's
+// it counts as it is.
+bool ExplainErrorLine(const std::string& line, const SourceLines& sources, GeneratedLines& generated,
+                      const Folders& folders, Diagnostic& diagnostic) {
+    Place place;
+    std::string message;
+    if (!ParseErrorLine(line, place, message)) return false;
+    if (IsWithin(place.file, folders.generated)) {
+        const Place* inlined = sources.InlineLine(generated.Line(place.file, place.line));
+        if (inlined == nullptr) return false;
+        place = *inlined;
+    } else if (!IsWithin(place.file, folders.user)) {
+        return false;
+    }
+    diagnostic.file = place.file;
+    diagnostic.line = place.line;
+    diagnostic.message = "in C++ code: " + message;
+    return true;
+}
+
 }  // namespace
 
 std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
                                               const std::vector<std::string>& sources,
                                               const std::string& cppFolder, const std::string& sourceFolder) {
     const SourceLines sourceLines(sources);
+    const Folders folders = {cppFolder, sourceFolder};
     GeneratedLines generatedLines;
     std::vector<Diagnostic> found;
     std::istringstream lines(output);
     for (std::string line; found.size() < errorsShown && std::getline(lines, line);) {
         Diagnostic diagnostic;
-        Place place;
-        std::string message;
-        if (ParseErrorLine(line, place, message)) {
-            if (IsWithin(place.file, cppFolder)) {
-                const Place* inlined = sourceLines.InlineLine(generatedLines.Line(place.file, place.line));
-                if (inlined == nullptr) continue;
-                place = *inlined;
-            } else if (!IsWithin(place.file, sourceFolder)) {
-                continue;
-            }
-            diagnostic.file = place.file;
-            diagnostic.line = place.line;
-            diagnostic.message = "in C++ code: " + message;
-        } else if (!ExplainLinkerLine(line, sourceLines, diagnostic)) {
+        if (!ExplainTrouble(line, diagnostic) && !ExplainLinkerLine(line, sourceLines, diagnostic) &&
+            !ExplainErrorLine(line, sourceLines, generatedLines, folders, diagnostic)) {
             continue;
         }
         const bool known = std::any_of(found.begin(), found.end(), [&](const Diagnostic& other) {

@@ -216,6 +216,15 @@ TEST(CompilerReports, OnlyWhatTheUserCanMend) {
     EXPECT_EQ(found[3].message,
               "no library defines the Extern function cube (a Linker line names libraries)");
     EXPECT_EQ(found[3].line, 2);
+    const auto trouble = ExplainCompilerOutput(
+        "/tmp/x.s: Fatal error: No space left on device\nx:1: fatal error: iostream: "
+        "No such file or directory\n",
+        {}, "/a", "/b");
+    ASSERT_EQ(trouble.size(), 2u);
+    EXPECT_EQ(trouble[0].message,
+              "the C++ compiler could not do its work: /tmp/x.s: Fatal error: No space left on device");
+    EXPECT_EQ(trouble[1].message,
+              "the C++ compiler has no standard library. On Debian: sudo apt-get install g++");
 }
 
 TEST(Stamps, HoldUntilSomethingChanges) {
