@@ -21,7 +21,6 @@ void PutLine(FileOutput& out, const std::string& line) {
 }
 
 Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
-    openOutput = &out;
     out.pieces.emplace_back();
     out.pieces.back().kind = kind;
     out.pieces.back().cls = cls;
@@ -44,4 +43,8 @@ std::vector<const ClassInfo*>* CollectNeedsInto(std::vector<const ClassInfo*>* l
     return before;
 }
 
-void SetOpenOutput(FileOutput* out) { openOutput = out; }
+FileOutput* SetOpenOutput(FileOutput* out) {
+    FileOutput* before = openOutput;
+    openOutput = out;
+    return before;
+}

@@ -73,8 +73,9 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls = null
 // Hands a Global, Const or PreCalc definition to the header.
 void PutGlobal(FileOutput& out, const GlobalDefinition& definition);
 
-// Makes `out` the file whose last piece is the open one (an included file's translation has its own).
-void SetOpenOutput(FileOutput* out);
+// Makes `out` the file whose last piece is the open one (an included file has its own).
+// Returns the one before.
+FileOutput* SetOpenOutput(FileOutput* out);
 
 // Notes that the text being produced uses the body of a class (a member, new, delete, a value of an
 // Element, its instance list), so the open piece must stand after it.

@@ -41,6 +41,7 @@ struct State {
     int loopDepth = 0;
     int selectDepth = 0;
     int selectLine = 0;
+    bool beforeFirstCase = false;  // debug builds: nothing may stand between "switch" and its first label
     std::vector<int> repeatStack;
     std::vector<int> ifStack;
     std::vector<int> loopStack;

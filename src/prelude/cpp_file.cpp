@@ -1,0 +1,97 @@
+#include "prelude/cpp_file.h"
+
+#include <algorithm>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "linking/runtime_code.h"
+
+namespace {
+
+bool IsMain(const Piece& piece) { return piece.kind == Piece::Kind::Main; }
+
+// Set once a file's main() has taken the userlibs' start-up call.
+bool startUpInjected = false;
+
+std::string StartUpCalls() {
+    std::string text;
+    if (!symbols.userlibDLLs.empty()) text += "\tInitUserlibs(); // Initialize runtime-linked DLLs\n";
+    if (settings.debugMode) text += "\t_kvDebugInit(); // Initialize debugger\n";
+    return text;
+}
+
+std::string MainText(const FileOutput& out) {
+    std::string text;
+    for (const Piece& piece : out.pieces)
+        if (IsMain(piece)) text += piece.text;
+    return text;
+}
+
+// Start-up calls follow the first line with an opening brace.
+std::string WithStartUpCalls(std::string main) {
+    std::size_t brace = main.find('{');
+    if (brace == std::string::npos) return main;
+    std::size_t lineEnd = main.find('\n', brace);
+    main.insert(lineEnd == std::string::npos ? main.size() : lineEnd + 1, StartUpCalls());
+    return main;
+}
+
+std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+void SayMoved(const std::string& main) {
+    auto lines = std::to_string(std::count(main.begin(), main.end(), '\n'));
+    bool userlibs = !symbols.userlibDLLs.empty();
+    VerboseNote("  Found 'int main(' at line: " + FirstLine(main));
+    VerboseNote("Found end of main() function at line with " + lines + " total lines");
+    VerboseNote("Found main() with " + lines +
+                " lines. userlibDLLs.size()=" + std::to_string(symbols.userlibDLLs.size()));
+    VerboseNote("main() moved to end of file successfully.");
+    bool injected = userlibs && main.find('{') != std::string::npos;
+    if (injected) VerboseNote("InitUserlibs() call injected into main().");
+    startUpInjected = startUpInjected || injected;
+}
+
+}  // namespace
+
+void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
+    BeginPiece(out, Piece::Kind::Opening);
+    PutLine(out, "#include \"" + out.base + ".h\"");
+    if (settings.debugMode) {
+        PutLine(out, "#include \"kvdebug.h\"");
+        if (out.isMain) PutLine(out, "void __kvReportGlobals();");
+    }
+    PutLine(out, "");
+    if (out.isMain && !symbols.userlibDLLs.empty()) out.pieces.back().text += GenerateUserlibCode();
+    if (!classes.empty()) {
+        PutLine(out, "// Type instance lists");
+        for (const ClassInfo* cls : classes)
+            PutLine(out, "std::vector<" + cls->cppName + "*> __" + cls->cppName + "_list__;");
+        PutLine(out, "");
+    }
+    BeginPiece(out, Piece::Kind::Lines);
+}
+
+bool HasMain(const FileOutput& out) { return std::any_of(out.pieces.begin(), out.pieces.end(), IsMain); }
+
+std::string CppText(const FileOutput& out) {
+    std::string text;
+    std::size_t size = 0;
+    for (const Piece& piece : out.pieces) size += piece.text.size();
+    text.reserve(size + 200);
+    for (const Piece& piece : out.pieces)
+        if (!IsMain(piece)) text += piece.text;
+    text += WithStartUpCalls(MainText(out));
+    // Several files may include this one; the compiler must read it once.
+    if (out.metAgain) text += "#pragma once\n";
+    return text;
+}
+
+void SayPostProcessing(const FileOutput& out) {
+    VerboseNote("Post-processing: Moving main() to end of file...");
+    VerboseNote("  Reading: " + CppPath(out));
+    std::string main = MainText(out);
+    if (!main.empty()) SayMoved(main);
+    if (out.isMain && !symbols.userlibDLLs.empty() && !startUpInjected)
+        Say("WARNING: Could not inject InitUserlibs() call - no opening brace found!");
+    if (main.empty()) VerboseNote("No main() function found to move.");
+}

@@ -1,0 +1,152 @@
+// What comes out of a Type:
+//     class KVL_T
+//     {
+//     public:
+//      static std::vector<KVL_T*> _instances;
+//      ...Fields and Methods...
+//      KVL_T() { _instances.push_back(this); }     the instance tracking, see prelude/texts
+//      ...
+//     };
+//     std::vector<KVL_T*> KVL_T::_instances;
+// and of an Element: a struct with its Fields, Methods and a member-wise operator==.
+#include "statements/class_bodies.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "prelude/fill.h"
+#include "prelude/texts.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+void EmitBlankForTrace(State& state) {
+    if (settings.traceMode) EmitLine(state, "");
+}
+
+// Writes a text of several lines, each through the line writer.
+void EmitLines(State& state, const std::string& text) {
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        EmitLine(state, text.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+void CloseClassState(State& state) {
+    BeginPiece(*state.out, Piece::Kind::Lines);
+    state.inType = false;
+    state.access = "public";
+    state.emittedAccess = "public";
+    state.typeName.clear();
+    state.cls = nullptr;
+    state.isElement = false;
+    currentClass = nullptr;
+}
+
+// Whether the user's own constructor serves `Create T` without arguments.
+bool HasPlainConstructor(const ClassInfo& cls) {
+    const Routine* constructor = FindMethod(cls, "constructor");
+    if (constructor == nullptr) return false;
+    return constructor->parameters.empty() || constructor->parameters.front().hasDefault;
+}
+
+void EmitPublic(State& state) {
+    state.access = "public";
+    EmitAccess(state);
+}
+
+void EmitTypeClosing(State& state, const ClassInfo& cls) {
+    Holes holes = {{"C", cls.cppName}};
+    EmitPublic(state);
+    EmitLine(state, "");
+    EmitLine(state, " // Instance tracking: every live object is on the list of its Type");
+    if (!HasPlainConstructor(cls)) EmitLines(state, Fill(typeConstructorText, holes));
+    if (FindMethod(cls, "destructor") == nullptr) EmitLines(state, Fill(typeDestructorText, holes));
+    EmitLines(state, Fill(typeClosingText, holes));
+}
+
+// A Sequence has no comparison of its own; its items have.
+std::string FieldComparison(const ClassInfo& cls, const std::string& field) {
+    const Variable* member = FindField(cls, field);
+    std::string name = member != nullptr ? member->cppName : SafeName(field);
+    if (member != nullptr && member->type.sequence) name += "._items";
+    return "(" + name + " == o." + name + ")";
+}
+
+void EmitElementClosing(State& state, const ClassInfo& cls) {
+    std::string comparison;
+    for (const std::string& field : cls.fields)
+        comparison += (comparison.empty() ? "" : " && ") + FieldComparison(cls, field);
+    if (comparison.empty()) comparison = "true";
+    EmitPublic(state);
+    if (FindMethod(cls, "constructor") != nullptr && !HasPlainConstructor(cls))
+        EmitLine(state, " " + cls.cppName + "() {}");
+    EmitLine(state, " bool operator==(const " + cls.cppName + "& o) const { return " + comparison + "; }");
+    EmitLine(state, "};");
+    EmitLine(state, "");
+}
+
+// The closers do not compare themselves with the opener: either ends whichever block is open.
+void CloseClass(State& state, const std::string& closer) {
+    if (!state.inType) ReportFatal("Unexpected '" + closer + "' token.");
+    if (state.inMethod) ReportFatal("Method not closed - add EndMethod before " + closer);
+    if (state.inExtern) {
+        EmitBlankForTrace(state);
+    } else {
+        BeginPiece(*state.out, Piece::Kind::ClassClose, state.cls);
+        if (state.isElement)
+            EmitElementClosing(state, *state.cls);
+        else
+            EmitTypeClosing(state, *state.cls);
+    }
+    CloseClassState(state);
+}
+
+}  // namespace
+
+void EmitAccess(State& state) {
+    if (state.access == state.emittedAccess) return;
+    EmitLine(state, state.access + ":");
+    state.emittedAccess = state.access;
+}
+
+void TranslateTypeOpener(State& state, TokenSpan tokens) {
+    if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration");
+    if (state.inFunction) ReportFatal("A Type or Element cannot be declared inside a Function");
+    const std::string& name = tokens[1];
+    ClassInfo* cls = FindClass(name);
+    if (cls == nullptr || !cls->registered)
+        ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
+    CheckCppWord(name);
+    state.inType = true;
+    state.typeLine = state.currentLine;
+    state.typeName = name;
+    state.cls = cls;
+    state.isElement = Lower(tokens[0]) == "element";
+    if (state.inExtern) {
+        EmitBlankForTrace(state);
+        return;
+    }
+    BeginPiece(*state.out, Piece::Kind::ClassOpen, cls);
+    EmitLine(state, (state.isElement ? "struct " : "class ") + cls->cppName);
+    EmitLine(state, "{");
+    if (!state.isElement) {
+        EmitLine(state, "public:");
+        EmitLine(state, " static std::vector<" + cls->cppName + "*> _instances;");
+        EmitLine(state, "");
+    }
+    BeginPiece(*state.out, Piece::Kind::ClassLines, cls);
+}
+
+void TranslateEndType(State& state, TokenSpan tokens) {
+    (void)tokens;
+    CloseClass(state, "EndType");
+}
+
+void TranslateEndElement(State& state, TokenSpan tokens) {
+    (void)tokens;
+    CloseClass(state, "EndElement");
+}

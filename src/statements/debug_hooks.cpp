@@ -1,0 +1,141 @@
+#include "statements/debug_hooks.h"
+
+#include "driver/settings.h"
+#include "statements/program.h"
+#include "symbols/scopes.h"
+
+std::string CppLiteral(const std::string& text) {
+    std::string literal = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\' || c == '?') literal += '\\';
+        literal += c;
+    }
+    return literal + "\"";
+}
+
+namespace {
+
+// What a debugger is shown of a variable; `name` is its C++ text.
+std::string ShownValue(const Variable& variable, const std::string& name) {
+    if (variable.type.IsArray()) return "\"[array]\"";
+    if (variable.type.sequence || variable.slot) return "\"[object]\"";
+    switch (variable.type.base) {
+        case Base::Object:
+        case Base::Pointer:
+            return "(" + name + " == nullptr ? \"null\" : \"valid\")";
+        case Base::Int:
+        case Base::Long:
+        case Base::Short:
+        case Base::Double:
+            return "std::to_string(" + name + ").c_str()";
+        case Base::String:
+            return name + ".c_str()";
+        default:
+            return "\"[object]\"";
+    }
+}
+
+std::string Report(const Variable& variable, const std::string& name, int kind) {
+    return "_kvDebugVar(" + CppLiteral(variable.name) + ", " + CppLiteral(CppName(variable.type)) + ", " +
+           ShownValue(variable, name) + ", " + std::to_string(kind) + ");";
+}
+
+void ReportLocals(State& state) {
+    for (const ScopeBlock& block : localDefList.back().leaves)
+        for (const Variable* variable : block.variables)
+            if (variable->name != "this" && FindLocal(variable->name) == variable)
+                EmitLine(state, Report(*variable, variable->cppName, 1));
+}
+
+void ReportOwnFields(State& state) {
+    if (!state.inMethod || state.cls == nullptr || state.cls->fields.empty()) return;
+    EmitLine(state, "if(this != nullptr) {");
+    for (const std::string& field : state.cls->fields)
+        if (const Variable* member = FindField(*state.cls, field))
+            EmitLine(state, Report(*member, "this->" + member->cppName, 3));
+    EmitLine(state, "}");
+}
+
+// A Type that keeps an instance list; Elements do not.
+std::vector<const ClassInfo*> ListedTypes() {
+    std::vector<const ClassInfo*> types;
+    for (const ClassInfo* cls : symbols.classList)
+        if (!cls->isElement) types.push_back(cls);
+    return types;
+}
+
+std::string TypeTest(const ClassInfo& cls) { return "    if (strcmp(typeName, " + CppLiteral(cls.name) + ") == 0) "; }
+
+void PutEnumeration(FileOutput& out, const std::vector<const ClassInfo*>& types) {
+    PutLine(out, "// Debug: Type enumeration functions");
+    PutLine(out, "void _kvEnumerateTypes(void (*callback)(const char* typeName)) {");
+    for (const ClassInfo* cls : types) PutLine(out, "    callback(" + CppLiteral(cls->name) + ");");
+    PutLine(out, "}");
+    PutLine(out, "int _kvGetTypeInstanceCount(const char* typeName) {");
+    for (const ClassInfo* cls : types)
+        PutLine(out, TypeTest(*cls) + "return " + cls->cppName + "::_instances.size();");
+    PutLine(out, "    return 0;");
+    PutLine(out, "}");
+}
+
+// Private Fields are named but not read: the function stands outside the class.
+void PutFieldCallbacks(FileOutput& out, const ClassInfo& cls) {
+    for (const std::string& field : cls.fields) {
+        const Variable* member = FindField(cls, field);
+        if (member == nullptr) continue;
+        std::string value = member->isPrivate ? "\"[private]\"" : ShownValue(*member, "inst->" + member->cppName);
+        PutLine(out, "            callback(" + CppLiteral(field) + ", " + CppLiteral(CppName(member->type)) + ", " +
+                         value + ");");
+    }
+}
+
+void PutFieldReader(FileOutput& out, const std::vector<const ClassInfo*>& types) {
+    PutLine(out, "void _kvGetTypeInstanceFields(const char* typeName, int instanceIndex,");
+    PutLine(out,
+            "                               void (*callback)(const char* name, const char* type, const char* value)) {");
+    for (const ClassInfo* cls : types) {
+        const std::string& name = cls->cppName;
+        PutLine(out, TypeTest(*cls) + "{");
+        PutLine(out, "        if (instanceIndex >= 0 && instanceIndex < (int)" + name + "::_instances.size()) {");
+        PutLine(out, "            " + name + "* inst = " + name + "::_instances[instanceIndex];");
+        PutLine(out, "            if (inst == nullptr) return;");
+        PutFieldCallbacks(out, *cls);
+        PutLine(out, "        }");
+        PutLine(out, "        return;");
+        PutLine(out, "    }");
+    }
+    PutLine(out, "}");
+}
+
+void PutGlobalReporter(FileOutput& out) {
+    PutLine(out, "void __kvReportGlobals() {");
+    for (const FileOutput& file : program.files) {
+        for (const GlobalDefinition& global : file.globals) {
+            const Variable* variable = FindGlobal(global.name);
+            if (variable != nullptr && !variable->isConst)
+                PutLine(out, "    " + Report(*variable, variable->cppName, 0));
+        }
+    }
+    PutLine(out, "}");
+}
+
+}  // namespace
+
+void EmitStatementHook(State& state, const std::string& keyword) {
+    bool firstLabel = state.beforeFirstCase && (keyword == "case" || keyword == "default" || keyword == "endselect");
+    state.beforeFirstCase = keyword == "select";
+    bool inRoutine = state.inFunction || state.inMethod;
+    if (!inRoutine || firstLabel) return;
+    EmitLine(state, "_kvDebugStmt(" + std::to_string(state.currentLine) + ", " + CppLiteral(settings.currentFile) + ");");
+    ReportLocals(state);
+    ReportOwnFields(state);
+    EmitLine(state, "_kvDebugPause();");
+}
+
+void EmitTypeEnumeration(FileOutput& out) {
+    BeginPiece(out, Piece::Kind::Lines);
+    std::vector<const ClassInfo*> types = ListedTypes();
+    PutEnumeration(out, types);
+    PutFieldReader(out, types);
+    PutGlobalReporter(out);
+}

@@ -1,0 +1,16 @@
+// What a debug build adds to the translated code, for the runtime behind kvdebug.h.
+#pragma once
+
+#include <string>
+
+#include "statements/state.h"
+
+// Before an executable statement: its place, then the variables that are visible there.
+void EmitStatementHook(State& state, const std::string& keyword);
+
+// After the main file's code: the functions through which the debugger lists Types, reads the Fields
+// of instances and the Globals.
+void EmitTypeEnumeration(FileOutput& out);
+
+// A C++ string literal that holds the text.
+std::string CppLiteral(const std::string& text);

@@ -1,0 +1,22 @@
+// The dispatch table: which routine translates a statement, by its lower-cased first word.
+#pragma once
+
+#include <string>
+
+#include "statements/state.h"
+
+// Where a statement may stand. Statements that check their place themselves are Anywhere.
+enum class Place : unsigned char { Anywhere, Routine };
+
+struct DispatchRow {
+    const char* keyword;
+    StatementHandler handler;
+    Place place;
+};
+
+// The row of a keyword, or null: then the statement is an assignment or a call.
+const DispatchRow* FindDispatchRow(const std::string& keyword);
+
+// True for a word that makes its line an executable one; the words of declarations and block
+// structure are not, and get no statement hook in debug builds.
+bool IsExecutableStatement(const std::string& lowerWord);

@@ -1,0 +1,54 @@
+#include "statements/end_of_file.h"
+
+#include "driver/report.h"
+
+namespace {
+
+[[noreturn]] void FailUnclosed(const std::string& block, const std::vector<std::string>& findings) {
+    Say("\nERROR: Unclosed " + block + "!");
+    for (const std::string& finding : findings) Say(finding);
+    ReportFatal("Transpilation failed: Unclosed " + block);
+}
+
+std::string Starting(const std::string& what, int line, const std::string& missing) {
+    return what + " starting at line " + std::to_string(line) + " is missing " + missing;
+}
+
+std::string CloserOf(const std::string& kind) {
+    if (kind == "While") return "'Wend'";
+    return kind == "EachSeq" ? "'NextSeq'" : "'Next'";
+}
+
+void CheckLoops(const State& state) {
+    std::vector<std::string> findings;
+    for (int line : state.repeatStack) findings.push_back(Starting("Repeat loop", line, "'Until' or 'Forever'"));
+    if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
+    for (int line : state.ifStack) findings.push_back(Starting("If block", line, "'EndIf'"));
+    if (!findings.empty()) FailUnclosed("If block(s)", findings);
+    for (std::size_t i = 0; i < state.loopStack.size(); ++i) {
+        const std::string& kind = state.loopKindStack[i];
+        findings.push_back(Starting(kind + " loop", state.loopStack[i], CloserOf(kind)));
+    }
+    if (!findings.empty()) FailUnclosed("loop block(s)", findings);
+}
+
+}  // namespace
+
+void CheckBlocksClosed(const State& state) {
+    if (state.inFunction)
+        FailUnclosed("Function block",
+                     {Starting("Function '" + state.functionName + "'", state.functionLine, "'EndFunction'")});
+    if (state.inMethod)
+        FailUnclosed("Method block",
+                     {Starting("Method '" + state.methodName + "'", state.methodLine, "'EndMethod'")});
+    if (!state.inType && state.selectDepth >= 1)
+        FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
+    if (state.inType)
+        FailUnclosed("Type block", {Starting("Type '" + state.typeName + "'", state.typeLine, "'EndType'")});
+    CheckLoops(state);
+    if (state.inPreCalc)
+        FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});
+    if (state.inExtern) FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
+    if (!state.withLines.empty())
+        FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
+}

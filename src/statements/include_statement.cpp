@@ -1,0 +1,81 @@
+#include "statements/include_statement.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "build/dependency_manifest.h"
+#include "driver/paths.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "statements/program.h"
+#include "statements/translate.h"
+
+namespace fs = std::filesystem;
+
+IncludeName SplitIncludeName(const std::string& name) {
+    IncludeName split;
+    split.name = name;
+    std::replace(split.name.begin(), split.name.end(), '\\', '/');
+    split.folder = FolderOf(split.name);
+    split.file = StripFolder(split.name);
+    return split;
+}
+
+std::string IncludeOutputFolder(const IncludeName& name) {
+    if (name.folder.empty()) return settings.outputPath;
+    std::string folder = settings.outputPath + "/" + name.folder;
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (!fs::is_directory(folder, error)) ReportFatal("Cannot create include directory in output path");
+    return folder;
+}
+
+std::string IncludeSourcePath(const IncludeName& name) { return settings.sourceFolder + "/" + name.name; }
+
+namespace {
+
+// A source in a folder whose name ends in .kvh contributes its header only.
+bool IsHeaderOnly(const std::string& sourcePath) {
+    std::string folder = FolderOf(sourcePath);
+    std::size_t dot = folder.rfind('.');
+    return dot != std::string::npos && folder.substr(dot + 1) == "kvh";
+}
+
+// Include names start at the top folder; a .cpp in a sub-folder has to climb up to it first.
+std::string AsSeenFrom(const FileOutput& out, const std::string& path) {
+    if (out.folder == settings.outputPath) return path;
+    return fs::path(settings.outputPath + "/" + path).lexically_relative(out.folder).generic_string();
+}
+
+void EmitIncludeLine(State& state, const IncludeName& name, const std::string& source) {
+    std::string cpp = (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file) + ".cpp";
+    BeginPiece(*state.out, Piece::Kind::Include).file = source;
+    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + AsSeenFrom(*state.out, cpp) + "\"");
+    BeginPiece(*state.out, Piece::Kind::Lines);
+}
+
+}  // namespace
+
+void TranslateInclude(State& state, TokenSpan tokens) {
+    if (tokens[1].empty() || tokens[1].front() != '"') return;
+    if (state.inFunction || state.inMethod || state.inType)
+        ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
+    std::string quoted = tokens[1];
+    quoted.erase(std::remove(quoted.begin(), quoted.end(), '"'), quoted.end());
+    if (symbols.importedNames.count(quoted) != 0) return;
+    IncludeName name = SplitIncludeName(quoted);
+    std::string folder = IncludeOutputFolder(name);
+    std::string source = IncludeSourcePath(name);
+    std::error_code error;
+    if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
+    EmitIncludeLine(state, name, source);
+    AddOnce(symbols.includeHeaders,
+            (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file) + ".h");
+    if (settings.quickBuild) NoteInclude(source);
+    if (lenient) return;  // the strict run of the second pass translates it
+    if (FileOutput* met = FindOutput(source))
+        met->metAgain = true;
+    else
+        TranslateFile(source, folder, false, false);
+}

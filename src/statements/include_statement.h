@@ -1,0 +1,8 @@
+// Include in the second pass.
+#pragma once
+
+#include "statements/state.h"
+
+// Include "folder/file.kvl": emits the #include of the file's .cpp, lists its header for the main
+// header and translates the file strictly, once per run.
+void TranslateInclude(State& state, TokenSpan tokens);

@@ -1,0 +1,18 @@
+// The outputs of the whole run: every file translated strictly, once.
+#pragma once
+
+#include <string>
+
+#include "prelude/order.h"
+
+extern Program program;
+void ResetProgram();
+
+// The output of a source already translated strictly, or being translated; null when there is none.
+FileOutput* FindOutput(const std::string& source);
+// A fresh output for a source. Lenient runs get one that is not part of the program.
+FileOutput& NewOutput(const std::string& source, bool lenientRun);
+// Puts everything into an order that compiles and writes what changed by it.
+void FinishProgram();
+// Writes the header and the .cpp of a file; failure ends the run.
+void WriteOutputs(const FileOutput& out);

@@ -1,0 +1,144 @@
+#include "statements/translate.h"
+
+#include <fstream>
+
+#include "driver/paths.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "prelude/cpp_file.h"
+#include "prelude/header.h"
+#include "statements/debug_hooks.h"
+#include "statements/program.h"
+#include "statements/second_pass.h"
+#include "symbols/first_pass.h"
+#include "symbols/name_scan.h"
+#include "symbols/prepopulate.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// What a nested translation must leave as it found it.
+class SavedPlace {
+public:
+    explicit SavedPlace(FileOutput& out) : file(settings.currentFile), line(settings.currentLine), wasLenient(lenient) {
+        before = SetOpenOutput(&out);
+    }
+    ~SavedPlace() {
+        settings.currentFile = file;
+        settings.currentLine = line;
+        lenient = wasLenient;
+        SetOpenOutput(before);
+    }
+    SavedPlace(const SavedPlace&) = delete;
+    SavedPlace& operator=(const SavedPlace&) = delete;
+
+private:
+    std::string file;
+    int line;
+    bool wasLenient;
+    FileOutput* before;
+};
+
+void NameOutputs(FileOutput& out, const std::string& path, const std::string& folder, bool isMain) {
+    out.folder = folder;
+    out.isMain = isMain;
+    out.base = StripExtension(StripFolder(path));
+    if (isMain && settings.debugMode) out.base += ".debug";
+    out.header = HeaderPath(out).substr(settings.outputPath.size() + 1);
+    std::string sourceFolder = FolderOf(path);
+    std::size_t dot = sourceFolder.rfind('.');
+    out.headerOnly = dot != std::string::npos && sourceFolder.substr(dot + 1) == "kvh";
+}
+
+// Files of one base name in different folders need different guards; all others keep the plain one.
+std::string GuardOf(const FileOutput& out) {
+    bool clash = BaseNameIsShared(out.source);
+    std::string folder = clash ? FolderOf(out.header) : "";
+    return HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base);
+}
+
+bool CanCreate(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
+
+HeaderContents ContentsOf(const Declarations& declarations, const std::string& source) {
+    HeaderContents contents;
+    contents.classes = declarations.classes;
+    for (const ClassInfo* cls : declarations.classes)
+        if (cls->registered && cls->sourceFile == source) contents.instanceLists.push_back(cls);
+    for (const Prototype& prototype : declarations.functions)
+        (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
+    return contents;
+}
+
+void NoteClass(FileOutput& out, const ValueType& type) {
+    if (type.cls != nullptr) out.classesInHeader.push_back(type.cls);
+}
+
+// Classes that the prototypes and Globals of the header mention, wherever they are declared.
+void NoteMentions(FileOutput& out, const Declarations& declarations) {
+    out.forwardDeclared.assign(declarations.classes.begin(), declarations.classes.end());
+    for (const Prototype& prototype : declarations.functions) {
+        const Routine* routine = FindFunction(prototype.name);
+        if (routine == nullptr) continue;
+        out.functionNames.push_back(prototype.name);
+        NoteClass(out, routine->result);
+        for (const Parameter& parameter : routine->parameters) NoteClass(out, parameter.type);
+    }
+    for (const std::string& name : declarations.globalNames)
+        if (const Variable* global = FindGlobal(name)) NoteClass(out, global->type);
+}
+
+void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
+    if (!CanCreate(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
+    OpenHeader(out, ContentsOf(declarations, out.source), GuardOf(out));
+    VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
+}
+
+void TranslateStatements(FileOutput& out, Lexer& lexer, const HeaderContents& contents) {
+    if (!CanCreate(CppPath(out))) ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
+    OpenCpp(out, contents.instanceLists);
+    State state;
+    state.out = &out;
+    RunSecondPass(state, lexer, out.source);
+}
+
+void CloseHeader(const FileOutput& out) {
+    if (out.isMain && !symbols.includeHeaders.empty())
+        VerboseNote("Inserted " + std::to_string(symbols.includeHeaders.size()) + " include(s) into header file.");
+    AddOnce(symbols.generatedFiles, HeaderPath(out));
+    VerboseNote("Header file completed with globals and constants.");
+    if (!out.headerOnly) AddOnce(symbols.generatedFiles, CppPath(out));
+}
+
+}  // namespace
+
+void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun) {
+    FileOutput& out = NewOutput(path, lenientRun);
+    SavedPlace place(out);
+    lenient = lenientRun;
+    NameOutputs(out, path, outputFolder, isMain);
+
+    Lexer lexer;
+    lexer.fileName = path;
+    Declarations declarations;
+    CollectDeclarations(lexer, path, declarations);
+    lenient = lenientRun;
+    WriteHeaderTop(out, declarations);
+    Prepopulate(lexer, declarations);
+    TranslateStatements(out, lexer, ContentsOf(declarations, path));
+    NoteMentions(out, declarations);
+    if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
+    if (lenientRun) return;
+    CloseHeader(out);
+    SayPostProcessing(out);
+    if (!isMain) WriteOutputs(out);
+}
+
+void TranslateProgram(const std::string& mainSource) {
+    CollectNames(mainSource);
+    PushRoutineScope();
+    TranslateFile(mainSource, settings.outputPath, true, false);
+    PopRoutineScope();
+    program.main = FindOutput(mainSource);
+    FinishProgram();
+}
