@@ -25,7 +25,7 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
     for (const ClassInfo* cls : contents.instanceLists)
         text += "extern std::vector<" + cls->cppName + "*> __" + cls->cppName + "_list__;\n";
     text += "\n";
-    if (out.isMain) text += iterationHelpersText;
+    if (out.isMain) text += texts::iteration;
     return text;
 }
 
@@ -62,12 +62,12 @@ std::string GlobalSection(const FileOutput& out) {
 
 void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard) {
     out.headerOpening = "#ifndef " + guard + "\n#define " + guard + "\n\n";
-    out.headerOpening += includesText;
+    out.headerOpening += texts::includes;
     out.headerOpening += "using namespace std;\n";
     if (out.isMain) {
-        if (settings.safeMode) out.headerPrelude += safeDivisionText;
-        out.headerPrelude += sequenceText;
-        out.headerPrelude += schedulerText;
+        if (settings.safeMode) out.headerPrelude += texts::safeDivision;
+        out.headerPrelude += texts::sequence;
+        out.headerPrelude += texts::scheduler;
     }
     out.headerClasses = ClassSection(out, contents);
     out.headerFunctions = FunctionSection(contents);

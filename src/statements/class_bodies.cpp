@@ -58,14 +58,15 @@ void EmitPublic(State& state) {
     EmitAccess(state);
 }
 
+// The text of the generated constructor begins with an empty line and the comment on the whole group.
 void EmitTypeClosing(State& state, const ClassInfo& cls) {
-    Holes holes = {{"C", cls.cppName}};
     EmitPublic(state);
-    EmitLine(state, "");
-    EmitLine(state, " // Instance tracking: every live object is on the list of its Type");
-    if (!HasPlainConstructor(cls)) EmitLines(state, Fill(typeConstructorText, holes));
-    if (FindMethod(cls, "destructor") == nullptr) EmitLines(state, Fill(typeDestructorText, holes));
-    EmitLines(state, Fill(typeClosingText, holes));
+    std::string constructor = Fill(texts::classConstructor, {{"C", cls.cppName}});
+    if (HasPlainConstructor(cls)) constructor.erase(constructor.find(" " + cls.cppName + "()"));
+    EmitLines(state, constructor);
+    if (FindMethod(cls, "destructor") == nullptr)
+        EmitLines(state, Fill(texts::classDestructor, {{"C", cls.cppName}}));
+    EmitLines(state, Fill(texts::classNavigation, {{"C", cls.cppName}}));
 }
 
 // A Sequence has no comparison of its own; its items have.

@@ -2,7 +2,6 @@
 
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -26,6 +25,7 @@
 #include "statements/simple.h"
 #include "statements/timers.h"
 #include "statements/with.h"
+#include "symbols/first_pass.h"
 
 namespace {
 
@@ -98,13 +98,6 @@ const DispatchRow dispatchTable[] = {
     {"endextern", TranslateEndExtern, Place::Anywhere},
 };
 
-// Lines that begin with these get no statement hook.
-const std::unordered_set<std::string> declarationWords = {
-    "type",   "endtype", "element", "endelement", "field",      "method", "endmethod", "function",
-    "endfunction", "global",  "const",   "local",      "include",    "import", "linker",    "useconsole",
-    "extern", "endextern", "with",   "endwith",    "precalc",    "endprecalc",
-};
-
 bool IsAccessWord(const std::string& keyword) { return keyword == "public" || keyword == "private"; }
 
 // Code at the top level or in a class body outside its Methods would never run.
@@ -125,8 +118,6 @@ const DispatchRow* FindDispatchRow(const std::string& keyword) {
     auto found = index->find(keyword);
     return found == index->end() ? nullptr : found->second;
 }
-
-bool IsExecutableStatement(const std::string& lowerWord) { return declarationWords.count(lowerWord) == 0; }
 
 void DispatchStatement(State& state, TokenSpan tokens) {
     if (tokens.empty()) return;

@@ -16,7 +16,3 @@ struct DispatchRow {
 
 // The row of a keyword, or null: then the statement is an assignment or a call.
 const DispatchRow* FindDispatchRow(const std::string& keyword);
-
-// True for a word that makes its line an executable one; the words of declarations and block
-// structure are not, and get no statement hook in debug builds.
-bool IsExecutableStatement(const std::string& lowerWord);

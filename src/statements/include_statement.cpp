@@ -72,7 +72,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     EmitIncludeLine(state, name, source);
     AddOnce(symbols.includeHeaders,
             (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file) + ".h");
-    if (settings.quickBuild) NoteInclude(source);
+    if (settings.quickBuild) AddDependency(source);
     if (lenient) return;  // the strict run of the second pass translates it
     if (FileOutput* met = FindOutput(source))
         met->metAgain = true;

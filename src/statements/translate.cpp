@@ -136,9 +136,7 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
 
 void TranslateProgram(const std::string& mainSource) {
     CollectNames(mainSource);
-    PushRoutineScope();
     TranslateFile(mainSource, settings.outputPath, true, false);
-    PopRoutineScope();
     program.main = FindOutput(mainSource);
     FinishProgram();
 }
