@@ -1,0 +1,61 @@
+#include "statements/precalc_block.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "lexer/lexer.h"
+#include "precalc/precalc.h"
+#include "symbols/identifiers.h"
+
+namespace {
+
+void OpenBlock(State& state, TokenSpan tokens) {
+    CheckPreCalcHeader(tokens, !state.inFunction && !state.inMethod && !state.inType);
+    state.inPreCalc = true;
+    state.preCalcLine = state.currentLine;
+    state.preCalcHeader.assign(tokens.begin(), tokens.end());
+    state.preCalcBody.clear();
+    state.preCalcBodyLines.clear();
+}
+
+void CollectLine(State& state, TokenSpan tokens) {
+    std::string text;
+    for (const std::string& token : tokens) text += (text.empty() ? "" : " ") + token;
+    state.preCalcBody.push_back(text);
+    state.preCalcBodyLines.push_back(state.currentLine);
+}
+
+// Safe builds check indices against constants like those of declared arrays.
+std::string SizeConstants(const PreCalcTable& table) {
+    std::string lines;
+    if (!settings.safeMode || settings.debugMode) return lines;
+    for (std::size_t k = 0; k < table.sizes.size(); ++k)
+        lines += "\nconst int " + SafeName(table.name) + "_size_" + std::to_string(k) + " = " +
+                 std::to_string(table.sizes[k]) + ";";
+    return lines;
+}
+
+// Nothing of the block reaches the .cpp. A lenient run leaves the work to the strict one.
+void CloseBlock(State& state) {
+    state.inPreCalc = false;
+    if (lenient) return;
+    int line = settings.currentLine;
+    PreCalcTable table = EvaluatePreCalc(state.preCalcHeader, state.preCalcBody, state.preCalcBodyLines);
+    settings.currentLine = line;
+    GlobalDefinition definition;
+    definition.name = table.name;
+    definition.plain = table.definition + SizeConstants(table);
+    definition.isPreCalc = true;
+    PutGlobal(*state.out, definition);
+}
+
+}  // namespace
+
+void TranslatePreCalc(State& state, TokenSpan tokens) {
+    if (!state.inPreCalc)
+        OpenBlock(state, tokens);
+    else if (Lower(tokens[0]) == "endprecalc")
+        CloseBlock(state);
+    else
+        CollectLine(state, tokens);
+}
