@@ -131,6 +131,8 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     // Access words are words of the language in lower case only.
     if (row != nullptr && IsAccessWord(keyword) && first != keyword) row = nullptr;
     CheckPlace(state, row, first);
+    bool label = keyword == "case" || keyword == "default" || keyword == "endselect";
+    if (state.selectDepth > 0 && !label) PrepareInSelect(state, keyword);
     if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
     if (row != nullptr)

@@ -93,12 +93,6 @@ std::string Joined(TokenSpan tokens) {
     return text;
 }
 
-bool MentionsIts(TokenSpan tokens) {
-    for (const std::string& token : tokens)
-        if (token.size() == 3 && Lower(token) == "its") return true;
-    return false;
-}
-
 void TranslateStatement(State& state, TokenSpan tokens) {
     if (tokens.empty()) return;
     if (settings.traceMode) state.traceText = Joined(tokens);
