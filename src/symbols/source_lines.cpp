@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "driver/settings.h"
+
 namespace {
 
 bool IsWord(const std::string& token, const char* lowerWord) { return Lower(token) == lowerWord; }
@@ -46,16 +48,34 @@ std::string SourceLines::ReadLine() {
 }
 
 void SourceLines::Lex(const std::string& text) {
-    const bool strict = checking == Checking::Strict;
-    lexer.LexLine(text, false, strict, !strict);
+    if (checking == Checking::Physical) lexer.lineNumber = physical - 1;
+    const bool checked = checking != Checking::None;
+    lexer.LexLine(text, false, checked, !checked);
+}
+
+// The joined line. Counting it once more makes the first pass's numbers run behind, which is its way.
+void SourceLines::LexAgain(const std::string& text) {
+    lexer.LexLine(text, false, checking == Checking::Strict, checking == Checking::None);
+}
+
+void SourceLines::TakeComment(const std::string& raw) {
+    if (!settings.outputComments || checking != Checking::Physical) return;
+    const std::string found = CommentOf(raw);
+    if (found.empty()) return;
+    if (!comment.empty()) comment += " ";
+    comment += found;
 }
 
 void SourceLines::SkipInlineCpp() {
     metInlineCpp = true;
-    while (!reader.AtEnd()) {
-        lexer.LexLine(ReadLine(), false, false, true);
+    inlineCppOpen = true;
+    while (inlineCppOpen && !reader.AtEnd()) {
+        const std::string raw = ReadLine();
+        lexer.LexLine(raw, false, false, true);
         if (checking == Checking::Strict) ++lexer.lineNumber;
-        if (!lexer.tokens.empty() && IsWord(lexer.tokens.front(), "endinlinecpp")) return;
+        if (lexer.tokens.empty()) continue;
+        inlineCppOpen = !IsWord(lexer.tokens.front(), "endinlinecpp");
+        if (inlineCppOpen && onInlineCpp) onInlineCpp(raw);
     }
 }
 
@@ -65,12 +85,14 @@ void SourceLines::JoinTildeLines(std::string& text) {
     text = WithoutTildes(WithoutComment(text));
     bool more = true;
     while (more && !reader.AtEnd()) {
-        const std::string piece = WithoutComment(ReadLine());
+        const std::string raw = ReadLine();
+        TakeComment(raw);
+        const std::string piece = WithoutComment(raw);
         lexer.LexLine(piece, false, false, true);
         more = EndsInTilde(lexer.tokens);
         text += WithoutTildes(piece);
     }
-    Lex(text);
+    LexAgain(text);
 }
 
 void SourceLines::JoinUnderscoreLines(std::string& text) {
@@ -79,16 +101,18 @@ void SourceLines::JoinUnderscoreLines(std::string& text) {
     bool more = true;
     while (more && !reader.AtEnd()) {
         const std::string piece = WithoutIndent(ReadLine());
+        TakeComment(piece);
         lexer.LexLine(piece, false, false, true);
         more = !lexer.tokens.empty() && lexer.tokens.back() == "_";
         text += " " + (more ? CutAtContinuation(piece) : WithoutComment(piece));
     }
-    Lex(text);
+    LexAgain(text);
 }
 
 void SourceLines::SplitStatements() {
     const TokenSpan all(lexer.tokens);
     statements.clear();
+    if (all.empty()) return;
     if (IsSingleLineIf(lexer.tokens)) {
         statements.push_back(all);
         return;
@@ -107,14 +131,16 @@ bool SourceLines::Next() {
         std::string text = ReadLine();
         start = physical;
         Lex(text);
-        if (lexer.tokens.empty()) continue;
-        if (IsWord(lexer.tokens.front(), "inlinecpp")) {
+        comment.clear();
+        TakeComment(text);
+        if (lexer.tokens.empty() && comment.empty()) continue;
+        if (!lexer.tokens.empty() && IsWord(lexer.tokens.front(), "inlinecpp")) {
             SkipInlineCpp();
             continue;
         }
         JoinTildeLines(text);
         JoinUnderscoreLines(text);
-        if (lexer.tokens.empty()) continue;
+        if (lexer.tokens.empty() && comment.empty()) continue;
         SplitStatements();
         return true;
     }

@@ -1,7 +1,8 @@
-// A source file as a list of lines whose statements hold declarations: continued lines are joined,
-// "|" separates statements, inline C++ is left out. Shared by everyone who reads ahead of the second pass.
+// A source file as a list of lines: continued lines are joined, "|" separates statements, inline C++ goes
+// its own way. Shared by everyone who reads Korvel sources.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,9 @@
 #include "lexer/token_span.h"
 
 enum class Checking : unsigned char {
-    Strict,  // brackets and strings are checked and lines are counted by the lexer
-    None,    // nothing is checked or counted; for readers that must not report before the first pass does
+    Strict,    // brackets and strings are checked and lines are counted by the lexer
+    Physical,  // checked too; the lexer is told the physical line on which each statement starts
+    None,      // nothing is checked or counted; for readers that must not report before the first pass does
 };
 
 class SourceLines {
@@ -21,7 +23,7 @@ public:
     // False when the file cannot be read.
     bool Open(const std::string& path) { return reader.Open(path); }
 
-    // Goes to the next line that has tokens; false at the end of the file.
+    // Goes to the next line that has tokens, or a comment to carry; false at the end of the file.
     bool Next();
 
     // The physical line on which the current one starts.
@@ -30,6 +32,13 @@ public:
     const std::vector<TokenSpan>& Statements() const { return statements; }
     // True when inline C++ stood between the previous line and this one (or the end of the file).
     bool MetInlineCpp() const { return metInlineCpp; }
+    // True when the file ended inside a block of inline C++, which started on Line().
+    bool InlineCppOpen() const { return inlineCppOpen; }
+    // With -c: the comments of the line and of those joined to it, ready for the output.
+    const std::string& Comment() const { return comment; }
+
+    // Gets every line of inline C++ that has tokens, as it stands.
+    std::function<void(const std::string&)> onInlineCpp;
 
 private:
     Lexer& lexer;
@@ -39,9 +48,13 @@ private:
     int physical = 0;
     int start = 0;
     bool metInlineCpp = false;
+    bool inlineCppOpen = false;
+    std::string comment;
 
     std::string ReadLine();
     void Lex(const std::string& text);
+    void LexAgain(const std::string& text);
+    void TakeComment(const std::string& raw);
     void SkipInlineCpp();
     void JoinTildeLines(std::string& text);
     void JoinUnderscoreLines(std::string& text);
