@@ -9,7 +9,7 @@
 
 namespace {
 
-void OpenBlock(State& state, TokenSpan tokens) {
+void OpenPreCalc(State& state, TokenSpan tokens) {
     CheckPreCalcHeader(tokens, !state.inFunction && !state.inMethod && !state.inType);
     state.inPreCalc = true;
     state.preCalcLine = state.currentLine;
@@ -18,7 +18,7 @@ void OpenBlock(State& state, TokenSpan tokens) {
     state.preCalcBodyLines.clear();
 }
 
-void CollectLine(State& state, TokenSpan tokens) {
+void CollectBodyLine(State& state, TokenSpan tokens) {
     std::string text;
     for (const std::string& token : tokens) text += (text.empty() ? "" : " ") + token;
     state.preCalcBody.push_back(text);
@@ -36,7 +36,7 @@ std::string SizeConstants(const PreCalcTable& table) {
 }
 
 // Nothing of the block reaches the .cpp. A lenient run leaves the work to the strict one.
-void CloseBlock(State& state) {
+void ClosePreCalc(State& state) {
     state.inPreCalc = false;
     if (lenient) return;
     int line = settings.currentLine;
@@ -53,9 +53,9 @@ void CloseBlock(State& state) {
 
 void TranslatePreCalc(State& state, TokenSpan tokens) {
     if (!state.inPreCalc)
-        OpenBlock(state, tokens);
+        OpenPreCalc(state, tokens);
     else if (Lower(tokens[0]) == "endprecalc")
-        CloseBlock(state);
+        ClosePreCalc(state);
     else
-        CollectLine(state, tokens);
+        CollectBodyLine(state, tokens);
 }
