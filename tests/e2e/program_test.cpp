@@ -124,6 +124,7 @@ void CompileAndRun(Run& run) {
     for (const std::string& word : run.test.arguments) command.push_back(word);
     run.program = RunProcess(command, run.folder, run.test.input, programSeconds);
     const ProcessResult& program = run.program;
+    LogMessages(program);  // run-time checks have messages too
     EXPECT_EQ(program.exitStatus, run.test.exitStatus) << "the program " << DescribeEnd(program) << "\n"
                                                        << program.err;
     const std::string& wanted = run.test.output;
