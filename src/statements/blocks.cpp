@@ -12,10 +12,8 @@ struct KindWords {
 };
 
 const KindWords& Words(BlockKind kind) {
-    static const KindWords words[] = {{"If block", "EndIf"},
-                                      {"loop", "Next"},
-                                      {"Repeat loop", "Until"},
-                                      {"Select block", "EndSelect"}};
+    static const KindWords words[] = {
+        {"If block", "EndIf"}, {"loop", "Next"}, {"Repeat loop", "Until"}, {"Select block", "EndSelect"}};
     return words[static_cast<int>(kind)];
 }
 
@@ -26,14 +24,15 @@ int RoutineLine(const State& state) {
 
 void NoteCrossing(State& state, const std::string& closer, const OpenBlock& closed, const OpenBlock& inner) {
     if (!state.crossingMessage.empty()) return;
-    const std::string start = std::string(Words(closed.kind).name) + " of line " + std::to_string(closed.line);
+    const std::string start =
+        std::string(Words(closed.kind).name) + " of line " + std::to_string(closed.line);
     state.crossingLine = settings.currentLine;
     if (closed.routineLine != RoutineLine(state))
         state.crossingMessage = "'" + closer + "' closes the " + start + ", which stands in another routine";
     else
-        state.crossingMessage = "'" + closer + "' closes the " + start + " while the " + Words(inner.kind).name +
-                                " of line " + std::to_string(inner.line) + " is still open (missing '" +
-                                Words(inner.kind).missing + "')";
+        state.crossingMessage = "'" + closer + "' closes the " + start + " while the " +
+                                Words(inner.kind).name + " of line " + std::to_string(inner.line) +
+                                " is still open (missing '" + Words(inner.kind).missing + "')";
 }
 
 }  // namespace

@@ -16,24 +16,24 @@ enum class BlockKind : unsigned char { If, Loop, Repeat, Select };
 struct OpenBlock {
     BlockKind kind = BlockKind::If;
     int line = 0;
-    int routineLine = 0;       // of the Function or Method that the block stands in
-    std::string variable;      // loop variable, as written
-    bool elseSeen = false;     // If
-    bool continued = false;    // Repeat: a Continue of this loop was met
+    int routineLine = 0;     // of the Function or Method that the block stands in
+    std::string variable;    // loop variable, as written
+    bool elseSeen = false;   // If
+    bool continued = false;  // Repeat: a Continue of this loop was met
 };
 
 struct OpenSelect {
     ValueType subject;
     std::string subjectText;
-    bool byIndex = false;      // String and Double: the switch runs over the index of the matching label
-    Piece* piece = nullptr;    // byIndex: where the switch line stands, completed when all labels are known
+    bool byIndex = false;    // String and Double: the switch runs over the index of the matching label
+    Piece* piece = nullptr;  // byIndex: where the switch line stands, completed when all labels are known
     std::size_t switchAt = 0;
-    std::string labelTexts;    // byIndex: the labels so far, joined by ", "
+    std::string labelTexts;  // byIndex: the labels so far, joined by ", "
     int labelCount = 0;
     std::unordered_set<std::string> labels;  // values so far, for duplicates
-    bool labelSeen = false;    // a Case or Default
+    bool labelSeen = false;                  // a Case or Default
     bool defaultSeen = false;
-    bool braces = false;       // the current case declares a Local and is in braces
+    bool braces = false;              // the current case declares a Local and is in braces
     Piece* lastLabelPiece = nullptr;  // end of the last label's line, for labels with nothing behind them
     std::size_t lastLabelEnd = 0;
 };

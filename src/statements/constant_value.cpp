@@ -37,10 +37,14 @@ Value IntegerResult(char operation, long long a, long long b) {
     const auto ua = static_cast<unsigned long long>(a);
     const auto ub = static_cast<unsigned long long>(b);
     switch (operation) {
-        case '+': return Integer(Wrapped(ua + ub));
-        case '-': return Integer(Wrapped(ua - ub));
-        case '*': return Integer(Wrapped(ua * ub));
-        default: break;
+        case '+':
+            return Integer(Wrapped(ua + ub));
+        case '-':
+            return Integer(Wrapped(ua - ub));
+        case '*':
+            return Integer(Wrapped(ua * ub));
+        default:
+            break;
     }
     if (b == 0) return {};
     if (b == -1) return Integer(operation == '/' ? Wrapped(0ULL - ua) : 0);
@@ -49,11 +53,16 @@ Value IntegerResult(char operation, long long a, long long b) {
 
 Value RealResult(char operation, double a, double b) {
     switch (operation) {
-        case '+': return Real(a + b);
-        case '-': return Real(a - b);
-        case '*': return Real(a * b);
-        case '/': return b == 0 ? Value() : Real(a / b);
-        default: return {};
+        case '+':
+            return Real(a + b);
+        case '-':
+            return Real(a - b);
+        case '*':
+            return Real(a * b);
+        case '/':
+            return b == 0 ? Value() : Real(a / b);
+        default:
+            return {};
     }
 }
 

@@ -64,7 +64,8 @@ Parts Cut(TokenSpan tokens, std::size_t at) {
 Expr Number(TokenSpan tokens, const char* what) {
     Expr expr = TranslateExpression(tokens, ExprMode::Condition);
     if (expr.type.IsKnown() && !expr.type.IsNumber())
-        ReportFatal(std::string("The ") + what + " of a For loop must be a number, got " + KorvelName(expr.type));
+        ReportFatal(std::string("The ") + what + " of a For loop must be a number, got " +
+                    KorvelName(expr.type));
     return expr;
 }
 

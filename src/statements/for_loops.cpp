@@ -9,12 +9,8 @@
 #include "driver/settings.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
-#include "symbols/scopes.h"
-#if __has_include("symbols/reach.h")
 #include "symbols/reach.h"
-#else
-static bool LoopMayCreate(const std::string&, int, const ClassInfo&) { return true; }
-#endif
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -76,8 +72,9 @@ void CheckWalkable(const Expr& expr) {
     if (expr.type.IsSingle())
         ReportFatal("EachIn works over Types, arrays and Sequences, got " + KorvelName(expr.type));
     if (expr.form == ArrayForm::Pointer)
-        ReportFatal("EachIn needs an array whose size is known. An array parameter does not carry its size: "
-                    "pass the size along and count with For.");
+        ReportFatal(
+            "EachIn needs an array whose size is known. An array parameter does not carry its size: "
+            "pass the size along and count with For.");
 }
 
 Collection CollectionOf(TokenSpan tokens) {
@@ -121,10 +118,11 @@ ValueType DeclaredType(const EachHeader& header, const Collection& collection) {
     return declared;
 }
 
-void EmitIndexWalk(State& state, const std::string& variable, const std::string& type, const std::string& list) {
+void EmitIndexWalk(State& state, const std::string& variable, const std::string& type,
+                   const std::string& list) {
     const std::string index = "__kvIndex_" + variable;
-    EmitLine(state, "for(size_t " + index + " = 0, " + index + "_end = " + list + ".size(); " + index + " < " +
-                        index + "_end; ++" + index + ")");
+    EmitLine(state, "for(size_t " + index + " = 0, " + index + "_end = " + list + ".size(); " + index +
+                        " < " + index + "_end; ++" + index + ")");
     EmitLine(state, "{");
     EmitLine(state, " " + type + " " + variable + " = " + list + "[" + index + "];");
 }

@@ -55,8 +55,9 @@ void TranslateUntil(State& state, TokenSpan tokens) {
     std::string condition = ConditionText(tokens.From(1), "Until");
     if (const std::string* local = LocalOfBlock(tokens.From(1))) {
         if (closed.continued)
-            ReportFatal("'Until' tests '" + *local + "', which the loop's 'Continue' may jump over; declare '" +
-                        *local + "' before 'Repeat'");
+            ReportFatal("'Until' tests '" + *local +
+                        "', which the loop's 'Continue' may jump over; declare '" + *local +
+                        "' before 'Repeat'");
         EmitLine(state, "if (" + condition + ") break;");
         EmitLine(state, "} while (true);");
     } else {

@@ -58,8 +58,10 @@ bool NothingBehindLabel(const State& state, const OpenSelect& select) {
 void CheckLabelType(const OpenSelect& select, const Expr& label) {
     if (!label.type.IsKnown() || !select.subject.IsKnown()) return;
     bool fits = label.type.IsNumber();
-    if (select.subject.Is(Base::String)) fits = label.type.Is(Base::String);
-    else if (select.subject.IsInteger()) fits = label.type.IsInteger();
+    if (select.subject.Is(Base::String))
+        fits = label.type.Is(Base::String);
+    else if (select.subject.IsInteger())
+        fits = label.type.IsInteger();
     if (!fits)
         ReportFatal("Type mismatch: Case label is " + KorvelName(label.type) + ", but the Select is over " +
                     KorvelName(select.subject));
@@ -164,7 +166,8 @@ void TranslateDefault(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Default");
     RefuseMore(tokens, 1);
     if (select.defaultSeen)
-        ReportFatal("The Select that starts at line " + std::to_string(state.selectLine) + " has a Default already");
+        ReportFatal("The Select that starts at line " + std::to_string(state.selectLine) +
+                    " has a Default already");
     select.defaultSeen = true;
     CloseBraces(state, select);
     EmitLabel(state, select, "default :");

@@ -16,7 +16,10 @@ struct Row {
 
 const Row rows[] = {
     {"seqadd", "Add", {Argument::Value}, "SeqAdd expects: SeqAdd seq, value"},
-    {"seqinsert", "InsertAt", {Argument::Index, Argument::Value}, "SeqInsert expects: SeqInsert seq, index, value"},
+    {"seqinsert",
+     "InsertAt",
+     {Argument::Index, Argument::Value},
+     "SeqInsert expects: SeqInsert seq, index, value"},
     {"seqset", "Set", {Argument::Index, Argument::Value}, "SeqSet expects: SeqSet seq, index, value"},
     {"seqdelete", "DeleteValue", {Argument::Value}, "SeqDelete expects: SeqDelete seq, value"},
     {"seqdeleteat", "DeleteAt", {Argument::Index}, "SeqDeleteAt expects: SeqDeleteAt seq, index"},
@@ -66,7 +69,8 @@ std::string NumberArgument(TokenSpan tokens, const Row& row, const std::string& 
     return ValueText(number);
 }
 
-std::string ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
+std::string ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row,
+                          const std::string& keyword) {
     Expr value = Translated(tokens, row);
     ValueType item = sequence.type.Item();
     if (sequence.type.IsKnown() && value.type.IsKnown() && !Assignable(item, value.type))
@@ -75,11 +79,12 @@ std::string ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row
     return ValueText(value);
 }
 
-std::string OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
+std::string OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row,
+                          const std::string& keyword) {
     Expr other = SequenceArgument(tokens, row, keyword);
     if (sequence.type.IsKnown() && other.type.IsKnown() && sequence.type != other.type)
-        ReportFatal("'" + keyword + "' needs two Sequences of the same type, got " + KorvelName(sequence.type) +
-                    " and " + KorvelName(other.type));
+        ReportFatal("'" + keyword + "' needs two Sequences of the same type, got " +
+                    KorvelName(sequence.type) + " and " + KorvelName(other.type));
     if (other.isCall) ReportFatal("'" + keyword + "' needs a Sequence variable, not the result of a call");
     return ValueText(other);
 }
@@ -96,16 +101,19 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
     if (sequence.type.IsKnown() && array.type.IsKnown() && !Assignable(item, from))
         ReportFatal("SeqFromArray needs an array of " + KorvelName(item) + ", got " + KorvelName(array.type));
     if (array.form == ArrayForm::Pointer)
-        ReportFatal("SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
-                    "add its items with SeqAdd in a For loop.");
+        ReportFatal(
+            "SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
+            "add its items with SeqAdd in a For loop.");
     std::string source = array.form == ArrayForm::Owned ? TextAs(array, array.type) : ValueText(array);
-    bool whole = from == item && !item.Is(Base::Element) && !item.Is(Base::Bool) && array.form != ArrayForm::Fixed;
+    bool whole =
+        from == item && !item.Is(Base::Element) && !item.Is(Base::Bool) && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
         EmitLine(state, target + ".FromArray(" + source + ");");
         return;
     }
     std::string value = item.Is(Base::Element) ? "*__kvItem" : "__kvItem";
-    EmitLine(state, target + ".Clear(); for(auto&& __kvItem : " + source + ") " + target + ".Add(" + value + ");");
+    EmitLine(state,
+             target + ".Clear(); for(auto&& __kvItem : " + source + ") " + target + ".Add(" + value + ");");
 }
 
 bool ComparesWith(const ClassInfo& cls) {
@@ -117,9 +125,10 @@ bool ComparesWith(const ClassInfo& cls) {
 void EmitSort(State& state, const Expr& sequence, const std::string& order) {
     const ClassInfo* cls = sequence.type.cls;
     if (cls != nullptr && !ComparesWith(*cls))
-        ReportFatal("SeqSort on a Sequence of " + cls->name + " requires a 'Method Compare:Int(other:" + cls->name +
-                    ")' on " + cls->name);
-    EmitLine(state, ValueText(sequence) + (cls != nullptr ? ".SortCompare(" : ".SortNatural(") + order + ");");
+        ReportFatal("SeqSort on a Sequence of " + cls->name +
+                    " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
+    EmitLine(state,
+             ValueText(sequence) + (cls != nullptr ? ".SortCompare(" : ".SortNatural(") + order + ");");
 }
 
 // The texts of the arguments behind the Sequence, joined by ", ".
@@ -130,10 +139,18 @@ std::string Arguments(const Expr& sequence, const std::vector<TokenSpan>& parts,
         TokenSpan part = parts[i + 1];
         std::string text;
         switch (row.arguments[i]) {
-            case Argument::Index: text = NumberArgument(part, row, keyword, "index"); break;
-            case Argument::Order: text = NumberArgument(part, row, keyword, "order"); break;
-            case Argument::Sequence: text = OtherSequence(sequence, part, row, keyword); break;
-            default: text = ValueArgument(sequence, part, row, keyword); break;
+            case Argument::Index:
+                text = NumberArgument(part, row, keyword, "index");
+                break;
+            case Argument::Order:
+                text = NumberArgument(part, row, keyword, "order");
+                break;
+            case Argument::Sequence:
+                text = OtherSequence(sequence, part, row, keyword);
+                break;
+            default:
+                text = ValueArgument(sequence, part, row, keyword);
+                break;
         }
         texts += (i == 0 ? "" : ", ") + text;
     }

@@ -57,7 +57,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
         object.insert(object.begin(), withStack.back().begin(), withStack.back().end());
     }
     ValueType type;
-    const bool unknownName = object.size() == 1 && FindVariable(object[0]) == nullptr && !IsWord(object[0], "this");
+    const bool unknownName =
+        object.size() == 1 && FindVariable(object[0]) == nullptr && !IsWord(object[0], "this");
     if (!unknownName) {
         Expr expr = TranslateExpression(object, ExprMode::Statement);
         type = expr.type;

@@ -36,8 +36,8 @@ std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
 }
 
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable) {
-    ReportFatal("Type mismatch: Cannot assign " + CppName(from) + " to " + CppName(to) + " variable '" + variable +
-                "'" + ConversionHint(to, from));
+    ReportFatal("Type mismatch: Cannot assign " + CppName(from) + " to " + CppName(to) + " variable '" +
+                variable + "'" + ConversionHint(to, from));
 }
 
 std::string GuardedText(const Expr& expr, Level weakest) {
