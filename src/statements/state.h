@@ -65,6 +65,7 @@ struct State {
     std::string returnType;  // C++ spelling
     bool isMainRoutine = false;
     bool hasReturn = false;
+    std::size_t returnEnd = 0;  // length of the piece behind a Return of the outermost block, 0 without one
     std::vector<LocalArray> localArrays;
 };
 

@@ -1,0 +1,221 @@
+// What comes out of Local m:Double[3][4]:
+//     std::vector<std::vector<double>> KVL_m(3, std::vector<double>(4));
+//     				const int KVL_m_size_0 = 3;
+//     				const int KVL_m_size_1 = 4;
+// Sizes that are worked out when the program runs stand before the vector, so that they are worked out once.
+#include "statements/array_declarations.h"
+
+#include <optional>
+
+#include "driver/report.h"
+#include "lexer/lexer.h"
+#include "prelude/output.h"
+#include "prelude/support.h"
+#include "statements/array_loops.h"
+#include "statements/constant_value.h"
+#include "statements/words.h"
+
+namespace {
+
+constexpr long long largestSize = 2147483647;
+constexpr char sizeIndent[] = "\n\t\t\t\t";
+
+struct Size {
+    std::string text;
+    std::optional<long long> value;  // when it is known while translating
+};
+
+void CheckKnownSize(long long size) {
+    const std::string shown = std::to_string(size);
+    if (size < 0) ReportFatal("Array size cannot be negative: " + shown);
+    if (size == 0) ReportFatal("Array size must be positive, got: " + shown);
+    if (size > largestSize) ReportFatal("Array size is too large: " + shown);
+}
+
+Size ReadSize(const Variable& array, const std::string& written) {
+    const Tokens tokens = Split(written);
+    if (tokens.empty()) ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets");
+    if (SplitAtCommas(tokens).size() > 1)
+        ReportFatal("Each dimension of array '" + array.name + "' needs brackets of its own, like [3][4]");
+    const std::optional<ConstantValue> known = EvaluateConstant(tokens);
+    const bool integer = known && known->kind == ConstantValue::Kind::Integer;
+    if (integer) CheckKnownSize(known->integer);
+    const Expr size = TranslateExpression(tokens, ExprMode::Condition);
+    const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
+    if (!fits || (known && !integer))
+        ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
+    return {size.text, integer ? std::optional<long long>(known->integer) : std::nullopt};
+}
+
+std::vector<Size> ReadSizes(const Variable& array) {
+    std::vector<Size> sizes;
+    for (const std::string& written : array.sizes) sizes.push_back(ReadSize(array, written));
+    return sizes;
+}
+
+bool AllKnown(const std::vector<Size>& sizes) {
+    for (const Size& size : sizes)
+        if (!size.value) return false;
+    return true;
+}
+
+// "3, std::vector<double>(4)": what the vector is constructed with.
+std::string Construction(ValueType type, ArrayPlace place, const std::vector<std::string>& sizes) {
+    std::string text = sizes.back();
+    for (std::size_t k = sizes.size() - 1; k-- > 0;) {
+        type.dims = static_cast<int>(sizes.size() - k - 1);
+        text = sizes[k] + ", " + ArrayCppName(type, place) + "(" + text + ")";
+    }
+    return text;
+}
+
+std::string Declarator(const Variable& array, ArrayPlace place, const std::string& construction) {
+    const std::string type = ArrayCppName(array.type, place);
+    if (place == ArrayPlace::Field) return type + " " + array.cppName + " = " + type + "(" + construction + ");";
+    return type + " " + array.cppName + "(" + construction + ");";
+}
+
+std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const std::string& value, bool known) {
+    std::string text = place != ArrayPlace::Field ? "const int " : known ? "static const int " : "int ";
+    return text + SizeName(array.cppName, k) + " = " + value + ";";
+}
+
+std::string ExternLines(const Variable& array, ArrayPlace place, const std::string& constants) {
+    std::string text = "extern " + ArrayCppName(array.type, place) + " " + array.cppName + ";";
+    if (!constants.empty()) return text + constants;
+    for (int k = 0; k < array.type.dims; ++k)
+        text += sizeIndent + std::string("extern const int ") + SizeName(array.cppName, k) + ";";
+    return text;
+}
+
+void RequireFor(const ValueType& type, ArrayPlace place) {
+    if (type.base == Base::Bool) RequireSupport(Support::BoolArray);
+    if (type.base == Base::Element && place != ArrayPlace::Local) RequireSupport(Support::ElementSlots);
+    if (type.base == Base::Element) NeedClass(type.cls);
+}
+
+// Size of a dimension as the vector itself tells it: "KVL_a.size()", "KVL_a[0].size()" ...
+std::string MeasuredSize(const std::string& name, int k) {
+    std::string row = name;
+    std::string guard;
+    for (int i = 0; i < k; ++i) {
+        guard += row + ".empty() ? 0 : ";
+        row += "[0]";
+    }
+    return guard + "static_cast<int>(" + row + ".size())";
+}
+
+std::optional<long long> KnownSize(const std::string& written) {
+    const std::optional<ConstantValue> value = EvaluateConstant(Split(written));
+    if (!value || value->kind != ConstantValue::Kind::Integer) return {};
+    return value->integer;
+}
+
+// The name before the call's parameters.
+std::string CalledName(TokenSpan call) {
+    std::size_t name = 0;
+    int depth = 0;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call[i] == "(" || call[i] == "[") ++depth;
+        if (call[i] == ")" || call[i] == "]") --depth;
+        if (depth == 0 && i > 0 && call[i - 1] == "\\") name = i;
+    }
+    return call[name];
+}
+
+}  // namespace
+
+std::string ArrayCppName(const ValueType& type, ArrayPlace place) {
+    if (type.base != Base::Element || place == ArrayPlace::Local) return CppName(type);
+    std::string name = "KVSlot<" + type.cls->cppName + ">";
+    for (int k = 0; k < type.dims; ++k) name = "std::vector<" + name + ">";
+    return name;
+}
+
+ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
+    RequireFor(array.type, place);
+    const std::vector<Size> sizes = ReadSizes(array);
+    const bool known = AllKnown(sizes);
+    ArrayText text;
+    std::vector<std::string> counts;
+    for (int k = 0; k < array.type.dims; ++k) {
+        const Size& size = sizes[static_cast<std::size_t>(k)];
+        const bool first = !known && place != ArrayPlace::Field;
+        // In a class only a number is sure to be a constant to C++.
+        std::string value = size.text;
+        if (place == ArrayPlace::Field) value = known ? std::to_string(*size.value) : MeasuredSize(array.cppName, k);
+        const std::string constant = SizeConstant(array, place, k, value, known);
+        if (first)
+            text.head += constant + "\n";
+        else
+            text.tail += sizeIndent + constant;
+        counts.push_back(first ? SizeName(array.cppName, k) : size.text);
+    }
+    text.variable = Declarator(array, place, Construction(array.type, place, counts));
+    text.declaration = ExternLines(array, place, text.tail);
+    return text;
+}
+
+std::string TakenArray(const ValueType& type, ArrayPlace place, const std::string& call) {
+    RequireSupport(Support::ArrayPassing);
+    RequireFor(type, place);
+    if (type.dims > maxPassedDimensions)
+        ReportFatal("An array that a Function returns can have at most " + std::to_string(maxPassedDimensions) +
+                    " dimensions");
+    const bool slots = type.base == Base::Element && place != ArrayPlace::Local;
+    const std::string dimensions = type.dims > 1 ? std::to_string(type.dims) : "";
+    return (slots ? "__kvTakeSlots" : "__kvTakeArray") + dimensions + "(" + call + ")";
+}
+
+ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, bool sizesKnown) {
+    ArrayText text;
+    text.variable = ArrayCppName(array.type, place) + " " + array.cppName + " = " +
+                    TakenArray(array.type, place, value.text) + ";";
+    const std::vector<Size> sizes = sizesKnown ? ReadSizes(array) : std::vector<Size>();
+    const bool known = sizesKnown && AllKnown(sizes);
+    for (int k = 0; k < array.type.dims; ++k) {
+        std::string size = MeasuredSize(array.cppName, k);
+        if (known) size = place == ArrayPlace::Field ? std::to_string(*sizes[static_cast<std::size_t>(k)].value)
+                                                     : sizes[static_cast<std::size_t>(k)].text;
+        text.tail += sizeIndent + SizeConstant(array, place, k, size, known);
+    }
+    text.declaration = ExternLines(array, place, known ? text.tail : "");
+    return text;
+}
+
+bool SameSizes(const std::vector<std::string>& a, const std::vector<std::string>& b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t k = 0; k < a.size(); ++k) {
+        const std::optional<long long> first = KnownSize(a[k]);
+        if (!first || first != KnownSize(b[k])) return false;
+    }
+    return !a.empty();
+}
+
+const Routine* CalledRoutine(TokenSpan call) {
+    if (call[1] == "(" || call.size() == 1) return FindFunction(call[0]);
+    return nullptr;
+}
+
+void CheckArrayResult(const std::string& name, const ValueType& type, const std::vector<std::string>& declared,
+                      TokenSpan initialiser, const Expr& value) {
+    const std::string function = CalledName(initialiser);
+    if (type.dims != value.type.dims)
+        ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " + std::to_string(type.dims) +
+                    " dimensions, but " + function + "() returns " + std::to_string(value.type.dims) + " dimensions");
+    const Routine* routine = CalledRoutine(initialiser);
+    if (routine == nullptr) return;
+    for (std::size_t k = 0; k < declared.size() && k < routine->resultSizes.size(); ++k) {
+        const std::optional<long long> here = KnownSize(declared[k]);
+        const std::optional<long long> there = KnownSize(routine->resultSizes[k]);
+        if (here && there && *here != *there)
+            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " + std::to_string(k) +
+                        " is [" + declared[k] + "], but " + function + "() returns [" + routine->resultSizes[k] + "]");
+    }
+}
+
+void FailArrayAssignment() {
+    ReportFatal(
+        "Cannot assign arrays directly. Arrays are reference types.\n"
+        "        Use a loop to copy elements, or return from a function for deep copy.");
+}

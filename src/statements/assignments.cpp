@@ -1,0 +1,135 @@
+#include "statements/assignments.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "statements/array_declarations.h"
+#include "statements/array_loops.h"
+#include "statements/misspelling.h"
+#include "statements/words.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+bool IsComparisonSign(const std::string& token) {
+    return token == "<" || token == ">" || token == "=" || token == "<>" || token == "!";
+}
+
+// Position of the "=" that assigns; noToken when there is none.
+std::size_t AssignmentSign(TokenSpan tokens) {
+    int depth = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i] == "(" || tokens[i] == "[") ++depth;
+        if (tokens[i] == ")" || tokens[i] == "]") --depth;
+        if (depth > 0 || tokens[i] != "=") continue;
+        const bool compares = (i > 0 && IsComparisonSign(tokens[i - 1])) || tokens[i + 1] == "=";
+        if (!compares) return i;
+    }
+    return noToken;
+}
+
+std::string WrittenText(TokenSpan tokens) {
+    std::string text;
+    for (const std::string& token : tokens) text += token;
+    return text;
+}
+
+void CheckTarget(TokenSpan target, const Expr& expr) {
+    const std::string& name = target[0];
+    if (target.size() == 1 && expr.variable != nullptr && expr.variable->isConst)
+        ReportFatal("Cannot assign to const variable '" + name + "'");
+    if (!expr.assignable && expr.type.IsKnown())
+        ReportFatal("Cannot assign to '" + WrittenText(target) + "': it is no variable, Field or array element");
+}
+
+void CheckConstTarget(TokenSpan target) {
+    const Variable* variable = FindVariable(target[0]);
+    if (variable != nullptr && variable->isConst) ReportFatal("Cannot assign to const variable '" + target[0] + "'");
+}
+
+// A declared array keeps its size: it receives the items of the returned one.
+//     { std::vector<int> _from = __kvTakeArray(KVL_Next ( KVL_a )); _from.resize(KVL_a.size()); KVL_a.swap(_from); }
+void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
+    const ValueType& type = target.type;
+    if (target.form != ArrayForm::Vector || value.form != ArrayForm::Owned || type.dims != 1) FailArrayAssignment();
+    if (type != value.type) FailMismatch(value.type, type, target.text);
+    const std::string from = ArrayCppName(type, ArrayPlace::Inner) + " _from = " +
+                             TakenArray(type, ArrayPlace::Inner, value.text) + "; ";
+    std::string move = "_from.resize(" + target.text + ".size()); " + target.text + " = _from; ";
+    if (type.base == Base::Element)
+        move = "for(size_t _i0 = 0; _i0 < _from.size() && _i0 < " + target.text + ".size(); ++_i0) *" + target.text +
+               "[_i0] = *_from[_i0]; ";
+    EmitLine(state, "{ " + from + move + "}");
+}
+
+void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
+    const TokenSpan target = tokens.Slice(0, sign);
+    const TokenSpan assigned = tokens.From(sign + 1);
+    CheckConstTarget(target);
+    const Expr left = TranslateExpression(target, ExprMode::Condition);
+    CheckTarget(target, left);
+    if (settings.verbose) GetExpressionType(assigned);
+    const Expr right = TranslateExpression(assigned, ExprMode::Condition);
+    if (left.type.IsArray() && right.type.IsArray()) {
+        AssignArrayResult(state, left, right);
+        return;
+    }
+    if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
+    EmitLine(state, ValueText(left) + " = " + TextAs(right, left.type) + ";");
+}
+
+bool IsKnownName(const std::string& name) {
+    const bool method = currentClass != nullptr && FindMethod(*currentClass, name) != nullptr;
+    return method || FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr ||
+           FindVariable(name) != nullptr || IsClass(name) || IsReservedKeyword(name);
+}
+
+// Arrays that a call hands back and nobody takes are freed at once.
+std::string WithoutLoss(TokenSpan tokens, const std::string& call) {
+    const Routine* routine = FindFunction(tokens[0]);
+    if (routine == nullptr || !routine->result.IsArray()) return call;
+    return TakenArray(routine->result, ArrayPlace::Inner, call);
+}
+
+void CheckFirstWord(TokenSpan tokens) {
+    const std::string& name = tokens[0];
+    if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement");
+    if (lenient || IsKnownName(name) || WasInEndedBlock(name)) return;
+    ReportFatal("Unknown statement or name '" + name + "'" + SpellingHint(name));
+}
+
+void TranslateCall(State& state, TokenSpan tokens) {
+    CheckFirstWord(tokens);
+    if (IsWord(tokens[0], "create") || IsWord(tokens[0], "new")) {
+        EmitLine(state, TranslateExpression(tokens, ExprMode::Condition).text + ";");
+        return;
+    }
+    std::string text;
+    if (!TranslateCallStatement(tokens, text))
+        ReportFatal("'" + WrittenText(tokens) + "' is a value, not a statement");
+    EmitLine(state, WithoutLoss(tokens, text) + ";");
+}
+
+}  // namespace
+
+void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
+    const std::size_t sign = AssignmentSign(tokens);
+    if (sign == noToken) {
+        TranslateCall(state, tokens);
+        return;
+    }
+    if (sign == 0) ReportFatal("Missing variable before '='");
+    if (sign + 1 == tokens.size()) ReportFatal("Missing value after '='");
+    TranslateAssignment(state, tokens, sign);
+}
+
+void CheckNullAssignment(State& state, TokenSpan tokens) {
+    (void)state;
+    if (tokens.size() != 3 || tokens[1] != "=" || !IsWord(tokens[2], "null")) return;
+    const Variable* variable = FindVariable(tokens[0]);
+    if (variable == nullptr || !variable->type.Is(Base::Element)) return;
+    ReportFatal("'" + tokens[0] +
+                "' is an Element (a value) - Null applies to Types, not Elements. Elements need no cleanup; a Local "
+                "Element is freed automatically when it goes out of scope.");
+}

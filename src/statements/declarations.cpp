@@ -1,0 +1,97 @@
+// What comes out:
+//     int KVL_a = 5;                       Local, and Global in the header
+//      const int KVL_MAX = 10;             Const, in the header
+//      std::string KVL_name = "";          Field
+#include "statements/declarations.h"
+
+#include <algorithm>
+
+#include "driver/report.h"
+#include "lexer/lexer.h"
+#include "statements/class_bodies.h"
+#include "statements/definition.h"
+#include "statements/emit_lines.h"
+#include "symbols/scopes.h"
+#include "symbols/type_reader.h"
+
+namespace {
+
+void CheckPlace(const State& state, DefinitionKind kind) {
+    const bool inRoutine = state.inFunction || state.inMethod;
+    if (kind == DefinitionKind::Local && !inRoutine)
+        ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method");
+    if (kind == DefinitionKind::Global && (inRoutine || state.inType))
+        ReportFatal(
+            "Syntax error: 'Global' can only be declared in global scope (outside Functions, Methods, and Types)");
+    if (kind == DefinitionKind::Const && state.inType)
+        ReportFatal("Syntax error: 'Const' cannot be declared inside a Type");
+    if (kind == DefinitionKind::Const && state.inFunction)
+        ReportFatal("Syntax error: 'Const' cannot be declared inside a Function");
+    if (kind == DefinitionKind::Field && (!state.inType || state.inMethod))
+        ReportFatal("Syntax error: 'Field' can only be declared inside a Type");
+}
+
+void DeclareLocal(State& state, TokenSpan tokens) {
+    const Definition definition = CreateDefinition(state, tokens, DefinitionKind::Local);
+    EmitLines(state, definition.before);
+    EmitLine(state, definition.text);
+    EmitLines(state, definition.after);
+    if (!definition.registration.empty()) EmitLine(state, definition.registration);
+}
+
+void DeclareField(State& state, TokenSpan tokens) {
+    if (state.inExtern) return;
+    EmitAccess(state);
+    currentClass = state.cls;
+    const Definition definition = CreateDefinition(state, tokens, DefinitionKind::Field);
+    currentClass = nullptr;
+    EmitLine(state, " " + definition.text);
+}
+
+bool UsesSupportCode(const std::string& text) {
+    for (const char* mark : {"__kv", "KVSeq<", "KVSlot<", "KVBool", "KVL_SafeDiv(", "KVL_SafeMod("})
+        if (text.find(mark) != std::string::npos) return true;
+    return false;
+}
+
+void NoteMentioned(FileOutput& out, const ClassInfo* cls) {
+    std::vector<const ClassInfo*>& list = out.classesInHeader;
+    if (cls != nullptr && std::find(list.begin(), list.end(), cls) == list.end()) list.push_back(cls);
+}
+
+void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
+    GlobalDefinition global;
+    std::vector<const ClassInfo*>* outer = CollectNeedsInto(&global.needs);
+    const Definition definition = CreateDefinition(state, tokens, kind);
+    CollectNeedsInto(outer);
+    const bool isConst = kind == DefinitionKind::Const;
+    global.name = definition.name;
+    global.plain = definition.before + (isConst ? " const " : "") + definition.text;
+    global.definition = global.plain;
+    global.declaration = definition.declaration;
+    if (isConst) global.declaration.insert(std::string("extern ").size(), "const ");
+    global.needsPrelude = UsesSupportCode(definition.text);
+    NoteMentioned(*state.out, definition.mentioned);
+    PutGlobal(*state.out, global);
+}
+
+DefinitionKind KindOf(const std::string& keyword) {
+    if (keyword == "local") return DefinitionKind::Local;
+    if (keyword == "global") return DefinitionKind::Global;
+    return keyword == "const" ? DefinitionKind::Const : DefinitionKind::Field;
+}
+
+}  // namespace
+
+void TranslateDeclaration(State& state, TokenSpan tokens) {
+    const DefinitionKind kind = KindOf(Lower(tokens[0]));
+    CheckPlace(state, kind);
+    for (const TokenSpan& part : SplitList(tokens.From(1))) {
+        if (kind == DefinitionKind::Local)
+            DeclareLocal(state, part);
+        else if (kind == DefinitionKind::Field)
+            DeclareField(state, part);
+        else
+            DeclareInHeader(state, part, kind);
+    }
+}

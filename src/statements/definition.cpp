@@ -1,0 +1,254 @@
+#include "statements/definition.h"
+
+#include <algorithm>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "prelude/support.h"
+#include "statements/array_declarations.h"
+#include "statements/array_loops.h"
+#include "statements/words.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+#include "symbols/source_lines.h"
+#include "symbols/type_reader.h"
+
+namespace {
+
+// A declaration as it was read.
+struct Declared {
+    std::string name;
+    DefinitionKind kind = DefinitionKind::Local;
+    bool typed = false;  // a type or sizes are written
+    TypeNote note;
+    bool hasValue = false;
+    TokenSpan value;
+};
+
+void ListTokens(TokenSpan tokens) {
+    if (!settings.verbose) return;
+    Say("DEBUG CreateDefinition ENTRY: definitionType=GLOBAL, line tokens:");
+    for (std::size_t i = 0; i < tokens.size(); ++i) Say("  [" + std::to_string(i) + "] '" + tokens[i] + "'");
+}
+
+// Globals and Consts meet the other names of the program in the first pass.
+void CheckNewName(const Declared& declared) {
+    const std::string& name = declared.name;
+    if (declared.kind == DefinitionKind::Field) return;
+    CheckCppWord(name);
+    if (declared.kind == DefinitionKind::Local) {
+        if (FindFunction(name) != nullptr || IsClass(name) || FindUserlibFunction(name) != nullptr)
+            ReportFatal("Identifier '" + name + "' is already defined.");
+    }
+    CheckName(name);
+}
+
+// In a Local an unknown type is an unknown type, however its name looks.
+void CheckLocalType(TokenSpan tokens) {
+    const std::string& name = tokens[2];
+    if (name.empty() || IsWord(name, "sequence") || FindClass(name) != nullptr) return;
+    if (name.size() >= 2 && name[0] == 'T' && name[1] >= 'A' && name[1] <= 'Z') FailUnknownType(name);
+}
+
+std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
+    declared.typed = tokens[1] == ":" || tokens[1] == "[";
+    if (tokens[1] == ":") {
+        if (declared.kind == DefinitionKind::Local) CheckLocalType(tokens);
+        declared.note = ReadType(tokens, 2);
+        if (declared.note.type.sequence && tokens[declared.note.end] == "[")
+            ReportFatal("An array cannot hold Sequences: '" + declared.name + "'");
+    } else if (tokens[1] == "[") {
+        declared.note.type = Single(Base::Int);
+        ReadSizes(tokens, 1, declared.note);
+    } else {
+        declared.note.end = 1;
+    }
+    return declared.note.end;
+}
+
+void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
+    if (at >= tokens.size()) return;
+    if (tokens[at] != "=") ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'");
+    declared.hasValue = true;
+    declared.value = tokens.From(at + 1);
+    if (declared.value.empty()) ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'");
+}
+
+Declared Read(TokenSpan tokens, DefinitionKind kind) {
+    if (tokens.empty()) ReportFatal("Unexpected end of line");
+    Declared declared;
+    declared.name = tokens[0];
+    declared.kind = kind;
+    CheckNewName(declared);
+    ReadValue(tokens, ReadAnnotation(tokens, declared), declared);
+    return declared;
+}
+
+bool IsCreation(TokenSpan value) { return IsWord(value[0], "create") || IsWord(value[0], "new"); }
+
+void CheckCreation(TokenSpan value) {
+    if (!IsWord(value[0], "create")) return;
+    if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'");
+    if (!IsClass(value[1]))
+        ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type");
+}
+
+void CheckComplete(const Declared& declared) {
+    if (declared.hasValue) return;
+    if (declared.kind == DefinitionKind::Const) ReportFatal("Constant must be initialized");
+    if (!declared.typed)
+        ReportFatal("Variable '" + declared.name + "' requires either a type annotation (:Type) or an initial value");
+}
+
+// The type an untyped variable takes from its value.
+void InferDeclaredType(Declared& declared, const Expr& value) {
+    if (declared.typed) return;
+    declared.note.type = value.type;
+    if (value.type.base == Base::Null)
+        ReportFatal("Variable '" + declared.name + "' requires a type annotation (:Type) beside Null");
+    if (value.type.Is(Base::Void)) ReportFatal("The initial value of '" + declared.name + "' has no value");
+}
+
+void CheckConstType(const Declared& declared) {
+    const ValueType& type = declared.note.type;
+    if (declared.kind != DefinitionKind::Const || !type.IsKnown()) return;
+    if (!type.IsNumber() && !type.Is(Base::String))
+        ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " + KorvelName(type));
+}
+
+// A C++ name apart from that of the variable that the initialiser means by the same name.
+std::string NameFor(const Declared& declared) {
+    std::string name = SafeName(declared.name);
+    if (declared.kind != DefinitionKind::Local || FindVariable(declared.name) == nullptr) return name;
+    const bool mentioned = std::find(declared.value.begin(), declared.value.end(), declared.name) != declared.value.end();
+    return mentioned ? name + "__" + std::to_string(settings.currentLine) : name;
+}
+
+void NeedTypeComplete(const Declared& declared) {
+    const ValueType& type = declared.note.type;
+    if (type.base != Base::Element) return;
+    if (!type.sequence || declared.kind != DefinitionKind::Field) NeedClass(type.cls);
+}
+
+// With -v the value's type is explained.
+void NoteValueType(TokenSpan value) {
+    if (settings.verbose) GetExpressionType(value);
+}
+
+std::string SingleText(const Declared& declared, const Definition& definition, const Expr& value) {
+    const ValueType& type = declared.note.type;
+    const std::string cppType = type.IsKnown() ? CppName(type) : "auto";
+    const std::string variable = cppType + " " + definition.cppName;
+    if (!declared.hasValue) return variable + " = " + DefaultValue(cppType) + ";";
+    return variable + " = " + (type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
+}
+
+void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
+    const ValueType& type = declared.note.type;
+    if (declared.hasValue && !Assignable(type, value.type)) FailMismatch(value.type, type, declared.name);
+    definition.text = SingleText(declared, definition, value);
+    definition.declaration = "extern " + CppName(type) + " " + definition.cppName + ";";
+    if (type.Is(Base::Object))
+        DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
+    if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object)) return;
+    definition.registration = " __" + value.type.cls->cppName + "_list__.push_back(" + definition.cppName + ");";
+}
+
+ArrayPlace PlaceOf(const State& state, DefinitionKind kind) {
+    if (kind == DefinitionKind::Field) return ArrayPlace::Field;
+    if (kind != DefinitionKind::Local) return ArrayPlace::Global;
+    return BlockCount() > 1 || state.selectDepth > 0 ? ArrayPlace::Inner : ArrayPlace::Local;
+}
+
+bool AnySizeWritten(const std::vector<std::string>& sizes) {
+    return std::any_of(sizes.begin(), sizes.end(), [](const std::string& size) { return !size.empty(); });
+}
+
+ArrayText TextOfArray(const Declared& declared, const Variable& array, ArrayPlace place, const Expr& value) {
+    if (!declared.hasValue) return DeclareArray(array, place);
+    const ValueType& type = declared.note.type;
+    if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
+    if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
+    CheckArrayResult(declared.name, type, array.sizes, declared.value, value);
+    if (type != value.type) FailMismatch(value.type, type, declared.name);
+    const Routine* routine = CalledRoutine(declared.value);
+    return TakeOverArray(array, place, value, routine != nullptr && SameSizes(array.sizes, routine->resultSizes));
+}
+
+// Sizes as later accesses see them: those that are written, or else the constants'.
+void CompleteSizes(Variable& array) {
+    array.sizes.resize(static_cast<std::size_t>(array.type.dims));
+    for (int k = 0; k < array.type.dims; ++k) {
+        std::string& size = array.sizes[static_cast<std::size_t>(k)];
+        if (size.empty()) size = SizeName(array.cppName, k);
+    }
+}
+
+// The Variable record that look-ups find.
+Variable& Register(const Declared& declared, const State& state) {
+    if (declared.kind == DefinitionKind::Local) return AddVarToScopeList(declared.name);
+    if (declared.kind == DefinitionKind::Field) return state.cls->members[declared.name];
+    auto& table = declared.kind == DefinitionKind::Const ? symbols.constants : symbols.globals;
+    return table[declared.name];
+}
+
+void Complete(const Declared& declared, const Definition& definition, Variable& variable) {
+    variable.cppName = definition.cppName;
+    variable.type = declared.note.type;
+    variable.typed = declared.typed;
+    if (!variable.type.IsArray()) return;
+    variable.form = ArrayForm::Vector;
+    variable.sizes = declared.note.sizes;
+    CompleteSizes(variable);
+}
+
+void DefineArray(State& state, const Declared& declared, const Expr& value, Definition& definition) {
+    Variable array;
+    array.name = declared.name;
+    array.cppName = definition.cppName;
+    array.type = declared.note.type;
+    array.sizes = declared.note.sizes;
+    if (!declared.hasValue && !AnySizeWritten(array.sizes))
+        ReportFatal("Array '" + declared.name + "' requires a size or an initial value");
+    if (declared.hasValue && !AnySizeWritten(array.sizes)) array.sizes.clear();
+    const ArrayPlace place = PlaceOf(state, declared.kind);
+    const ArrayText text = TextOfArray(declared, array, place, value);
+    definition.before = text.head;
+    definition.text = text.variable + text.tail;
+    definition.declaration = text.declaration;
+    const bool plainSlots = array.type.base == Base::Element && place == ArrayPlace::Local;
+    if (plainSlots && !declared.hasValue) definition.after = FillLoops(array);
+}
+
+}  // namespace
+
+Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind) {
+    if (kind == DefinitionKind::Global) ListTokens(tokens);
+    Declared declared = Read(tokens, kind);
+    CheckCreation(declared.value);
+    CheckComplete(declared);
+    Definition definition;
+    definition.name = declared.name;
+    definition.cppName = NameFor(declared);
+    Expr value;
+    if (declared.hasValue) {
+        NoteValueType(declared.value);
+        value = TranslateExpression(declared.value, ExprMode::Condition);
+        InferDeclaredType(declared, value);
+    }
+    CheckConstType(declared);
+    NeedTypeComplete(declared);
+    const bool array = declared.note.type.IsArray();
+    if (array)
+        DefineArray(state, declared, value, definition);
+    else if (value.type.IsArray())
+        CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value);
+    else
+        DefineSingle(declared, value, definition);
+    definition.mentioned = declared.note.type.cls;
+    Variable& variable = Register(declared, state);
+    Complete(declared, definition, variable);
+    if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
+        state.localArrays.push_back({&variable, variable.type.base == Base::Element, true});
+    return definition;
+}

@@ -1,0 +1,24 @@
+// One declaration of a Local, Global, Const or Field: checks it, registers it and words it in C++.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "lexer/token_span.h"
+#include "statements/state.h"
+
+enum class DefinitionKind : unsigned char { Field = 1, Local = 2, Global = 4, Const = 8 };
+
+struct Definition {
+    std::string name;          // as written
+    std::string cppName;
+    std::string text;          // the C++ declaration, without the keyword-dependent place it goes to
+    std::string before;        // lines that have to stand before it
+    std::string after;         // lines that have to stand behind it: filling loops
+    std::string declaration;   // Globals and Consts: the extern lines
+    std::string registration;  // Locals: puts a created object on its Type's list
+    const ClassInfo* mentioned = nullptr;  // class that the variable's type names
+};
+
+// Tokens: name [: type | [size]...] [= value]. Whatever is wrong ends the run.
+Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind);

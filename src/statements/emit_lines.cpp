@@ -1,0 +1,14 @@
+#include "statements/emit_lines.h"
+
+#include <algorithm>
+
+#include "statements/state.h"
+
+void EmitLines(State& state, const std::string& lines) {
+    std::size_t start = 0;
+    while (start < lines.size()) {
+        const std::size_t end = std::min(lines.find('\n', start), lines.size());
+        EmitLine(state, lines.substr(start, end - start));
+        start = end + 1;
+    }
+}

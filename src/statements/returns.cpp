@@ -1,0 +1,165 @@
+// What comes out of Return of a local array in a routine that also has an array of Elements:
+//     	int* KVL_a_copy = __kvNewArray<int>(KVL_a_size_0);
+//     	for(int _i0 = 0; ...                       copies
+//     	for(int _i0 = 0; ... delete KVL_items[_i0]  frees
+//     return (KVL_a_copy);
+#include "statements/returns.h"
+
+#include <algorithm>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/expression.h"
+#include "lexer/lexer.h"
+#include "prelude/support.h"
+#include "statements/array_declarations.h"
+#include "statements/array_loops.h"
+#include "statements/emit_lines.h"
+#include "statements/routines.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+constexpr char valueName[] = "_kvReturn";
+
+bool OwnsObjects(const State& state) {
+    return std::any_of(state.localArrays.begin(), state.localArrays.end(),
+                       [](const LocalArray& array) { return array.ownsSlots; });
+}
+
+std::string RoutineSubject(const State& state) {
+    const std::string kind = state.inMethod ? "Method" : "Function";
+    const std::string name = state.inMethod && state.cls ? state.cls->name + "::" + state.methodName
+                             : state.inMethod           ? state.methodName
+                                                        : state.functionName;
+    return kind + " '" + name + "'";
+}
+
+void CheckValue(const State& state, const ValueType& result, const Expr& value) {
+    if (!value.type.IsKnown() || !result.IsKnown()) return;
+    if (result.Is(Base::Void))
+        ReportFatal(RoutineSubject(state) + " has no return type, so its Return cannot give a value");
+    const bool array = result.IsArray() || value.type.IsArray();
+    if (array ? result == value.type : Assignable(result, value.type)) return;
+    ReportFatal("Type mismatch: " + RoutineSubject(state) + " returns " + KorvelName(result) + ", but its Return gives " +
+                KorvelName(value.type) + ConversionHint(result, value.type));
+}
+
+void CheckNoValue(const State& state, const ValueType& result) {
+    if (state.isMainRoutine || result.Is(Base::Void) || !result.IsKnown()) return;
+    ReportFatal(RoutineSubject(state) + " returns " + KorvelName(result) + ", so its Return needs a value");
+}
+
+// Sizes of an array variable as C++ texts. Rows of Fields and Globals all have the first one's size.
+std::vector<std::string> SizesOf(const Expr& value) {
+    std::vector<std::string> sizes;
+    const Variable* variable = value.variable;
+    std::string row = value.text, guard;
+    for (int k = 0; k < value.type.dims; ++k) {
+        if (variable != nullptr && (FindLocal(variable->name) == variable || value.form == ArrayForm::Fixed)) {
+            sizes.push_back(SizeName(variable->cppName, k));
+            continue;
+        }
+        sizes.push_back("(" + guard + "static_cast<int>(" + row + ".size()))");
+        guard += row + ".empty() ? 0 : ";
+        row += "[0]";
+    }
+    return sizes;
+}
+
+// Callers that come later check their declarations against the sizes of what is returned.
+void RecordSizes(const State& state, const Expr& value) {
+    if (state.inMethod) return;
+    auto found = symbols.functions.find(state.functionName);
+    if (found == symbols.functions.end()) return;
+    std::vector<std::string>& known = found->second.resultSizes;
+    const std::vector<std::string> sizes = value.variable ? value.variable->sizes : std::vector<std::string>();
+    const bool first = !state.hasReturn || known.empty();
+    if (first && known != sizes) {
+        known = sizes;
+    } else if (!first && known != sizes) {
+        known.assign(1, "");
+    }
+}
+
+std::string CopyOfArray(State& state, const Expr& value) {
+    if (value.form == ArrayForm::Pointer)
+        ReportFatal("The array '" + value.text.substr(value.text.rfind('_') + 1) +
+                    "' is a parameter, so its size is not known here and it cannot be returned. Copy it into a Local "
+                    "array first.");
+    if (value.type.dims > maxPassedDimensions)
+        ReportFatal("An array that a Function returns can have at most " + std::to_string(maxPassedDimensions) +
+                    " dimensions");
+    RequireSupport(Support::ArrayPassing);
+    const std::string copy = (value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy";
+    EmitLines(state, CopyLoops(value.type, value.text, copy, SizesOf(value)));
+    RecordSizes(state, value);
+    return copy;
+}
+
+// The text to return, worked out before the arrays that it may read are freed.
+std::string ReturnedText(State& state, const ValueType& result, const Expr& value) {
+    if (value.type.IsArray()) return value.form == ArrayForm::Owned ? value.text : CopyOfArray(state, value);
+    const std::string text = result.IsKnown() ? TextAs(value, result) : ValueText(value);
+    if (!OwnsObjects(state) || value.literal) return text;
+    EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
+    return valueName;
+}
+
+// Names that the lines before the return line introduce, when they do.
+bool IntroducesNames(const State& state, const Expr& value) {
+    return value.type.IsArray() ? value.form != ArrayForm::Owned : OwnsObjects(state) && !value.literal;
+}
+
+void EmitLeaving(State& state) {
+    EmitFreeLoops(state);
+    EmitRoutineLeaving(state);
+    if (!settings.debugMode) return;
+    if (state.isMainRoutine) EmitLine(state, "\t_kvDebugShutdown();");
+    EmitLine(state, "\t_kvDebugLeave();");
+}
+
+void ReturnNothing(State& state, const ValueType& result) {
+    CheckNoValue(state, result);
+    EmitLeaving(state);
+    EmitLine(state, state.isMainRoutine ? "return 0;" : "return;");
+}
+
+void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
+    const Expr value = TranslateExpression(tokens, ExprMode::Condition);
+    CheckValue(state, result, value);
+    const bool braces = state.hasReturn && IntroducesNames(state, value);
+    if (braces) EmitLine(state, "{");
+    const std::string text = ReturnedText(state, result, value);
+    EmitLeaving(state);
+    EmitLine(state, state.inOneLineIf ? "return " + text + ";" : "return (" + text + ");");
+    if (braces) EmitLine(state, "}");
+}
+
+ValueType ResultType(const State& state) {
+    if (state.isMainRoutine) return Single(Base::Int);
+    return state.routine ? state.routine->result : Single(Base::Unknown);
+}
+
+}  // namespace
+
+void EmitFreeLoops(State& state) {
+    for (const LocalArray& array : state.localArrays)
+        if (array.ownsSlots) EmitLines(state, FreeLoops(*array.variable));
+}
+
+bool EndsInReturn(const State& state) {
+    return state.returnEnd != 0 && state.returnEnd == state.out->pieces.back().text.size();
+}
+
+void TranslateReturn(State& state, TokenSpan tokens) {
+    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token");
+    const ValueType result = ResultType(state);
+    if (tokens.size() > 1)
+        ReturnValue(state, result, tokens.From(1));
+    else
+        ReturnNothing(state, result);
+    state.hasReturn = true;
+    const bool outermost = BlockCount() <= 1 && state.selectDepth == 0;
+    state.returnEnd = outermost ? state.out->pieces.back().text.size() : 0;
+}

@@ -1,0 +1,242 @@
+// What comes out of a Function; Methods look the same inside their class body:
+//     int KVL_Twice (int KVL_n)
+//     {
+//     __kvSchedPoll();
+//     ...
+//     }
+#include "statements/routines.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "lexer/lexer.h"
+#include "prelude/fill.h"
+#include "prelude/texts.h"
+#include "statements/class_bodies.h"
+#include "statements/emit_lines.h"
+#include "statements/returns.h"
+#include "statements/words.h"
+#include "symbols/identifiers.h"
+#include "symbols/parameters.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+bool IsConstructor(const State& state) { return state.inMethod && state.routine->name == "constructor"; }
+bool IsDestructor(const State& state) { return state.inMethod && state.routine->name == "destructor"; }
+
+std::string RoutineName(TokenSpan tokens) {
+    if (!IsName(tokens[1])) ReportFatal("Expected a name after '" + tokens[0] + "'");
+    return tokens[1];
+}
+
+// "Twice (int KVL_n)" or "Twice()".
+std::string NameAndParameters(const Routine& routine, const std::string& cppName, bool withDefaults) {
+    if (routine.parameters.empty()) return cppName + "()";
+    return cppName + " " + ParameterText(routine, withDefaults);
+}
+
+void NeedValue(const ValueType& type) {
+    if (type.base == Base::Element && !type.IsArray()) NeedClass(type.cls);
+}
+
+void DeclareParameters(const Routine& routine) {
+    NeedValue(routine.result);
+    for (const Parameter& parameter : routine.parameters) {
+        Variable& variable = AddVarToScopeList(parameter.name);
+        variable.type = parameter.type;
+        variable.typed = !parameter.untyped;
+        if (parameter.type.IsArray()) variable.form = ArrayForm::Pointer;
+        NeedValue(parameter.type);
+    }
+}
+
+void OpenRoutine(State& state, const Routine* routine) {
+    PushRoutineScope();
+    state.routine = routine;
+    state.returnType = state.isMainRoutine ? "int" : ResultCppName(routine->result);
+    state.hasReturn = false;
+    state.returnEnd = 0;
+    state.localArrays.clear();
+}
+
+// `after` stands between the opening brace and the poll.
+void EmitOpening(State& state, const std::string& signature, const std::string& after) {
+    EmitLine(state, signature);
+    EmitLine(state, "{");
+    if (!after.empty()) EmitLine(state, after);
+    EmitLine(state, "__kvSchedPoll();");
+    if (state.isMainRoutine) EmitLine(state, "\tstd::cout.precision(15);");
+}
+
+void EmitEnter(State& state, const std::string& name) {
+    if (!settings.debugMode) return;
+    if (state.isMainRoutine) {
+        EmitLine(state, "\t_kvDebugInit();");
+        EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
+    }
+    EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
+}
+
+void CheckFunctionName(const State& state, const std::string& name, const Routine* routine) {
+    if (routine == nullptr || IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
+    if (state.isMainRoutine && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
+}
+
+// The lines of the generated destructor without its head and its brace.
+std::string TrackingLines(const ClassInfo& cls) {
+    const std::string text = Fill(texts::classDestructor, {{"C", cls.cppName}});
+    const std::size_t begin = text.find('\n') + 1;
+    const std::size_t end = text.rfind('\n', text.size() - 2) + 1;
+    return text.substr(begin, end - begin);
+}
+
+bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }
+
+void CheckWithClosed(const State& state, const std::string& closer) {
+    if (!state.withLines.empty()) ReportFatal("With block not closed - add EndWith before " + closer);
+}
+
+// The end of the routine, for a run that gets there without a Return.
+void EmitFallingOut(State& state) {
+    if (EndsInReturn(state)) return;
+    EmitFreeLoops(state);
+    if (IsDestructor(state) && KeepsInstances(state)) EmitLines(state, TrackingLines(*state.cls));
+}
+
+// A caller gets the default value when no Return was met on the way.
+void EmitDefaultResult(State& state, bool reachable) {
+    if (reachable && !state.isMainRoutine && state.returnType != "void")
+        EmitLine(state, "return " + DefaultValue(state.returnType) + ";");
+}
+
+void CloseRoutine(State& state) {
+    const bool reachable = !EndsInReturn(state);
+    EmitFallingOut(state);
+    if (settings.debugMode) EmitLine(state, "\t_kvDebugLeave();");
+    EmitDefaultResult(state, reachable);
+    EmitLine(state, "}");
+    PopRoutineScope();
+    state.localArrays.clear();
+    state.routine = nullptr;
+}
+
+void CloseMain(State& state) {
+    if (state.hasReturn) {
+        if (settings.debugMode && !EndsInReturn(state)) EmitLine(state, "\t_kvDebugShutdown();");
+        return;
+    }
+    if (settings.debugMode) EmitLine(state, "\t_kvDebugShutdown();");
+    EmitFreeLoops(state);
+    EmitLine(state, "return 0;");
+    state.localArrays.clear();
+}
+
+void CheckMethodKind(const State& state, const Routine& method) {
+    if (method.name == "constructor" && state.access == "private") ReportFatal("Constructor access must be public");
+    const bool special = method.name == "constructor" || method.name == "destructor";
+    if (special && !method.result.Is(Base::Void)) ReportFatal("A " + method.name + " has no return type");
+    if (method.name == "destructor" && !method.parameters.empty()) ReportFatal("A destructor takes no parameters");
+}
+
+// Methods reach their object and its members by name.
+void DeclareThis(const State& state) {
+    Variable& self = AddOwnName("this");
+    self.cppName = "this";
+    self.type = Single(state.isElement ? Base::Element : Base::Object, state.cls);
+    self.slot = state.isElement;
+    self.typed = true;
+    currentClass = state.cls;
+}
+
+std::string ReportedName(const Routine& method, const std::string& className) {
+    if (method.name == "constructor") return className;
+    return method.name == "destructor" ? "~" + className : method.name;
+}
+
+void BeginMethodPiece(State& state, const Routine& method) {
+    const bool special = method.name == "constructor" || method.name == "destructor";
+    const std::string result = special ? "" : ResultCppName(method.result) + " ";
+    const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
+    Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
+    piece.declaration = indent + result + NameAndParameters(method, method.cppName, true) + ";\n";
+    piece.definitionHead =
+        result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
+    DeclareParameters(method);
+    const bool registers = IsConstructor(state) && KeepsInstances(state);
+    EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
+                registers ? "_instances.push_back(this);" : "");
+}
+
+}  // namespace
+
+void EmitRoutineLeaving(State& state) {
+    if (!IsDestructor(state) || !KeepsInstances(state)) return;
+    EmitLine(state, "{");
+    EmitLines(state, TrackingLines(*state.cls));
+    EmitLine(state, "}");
+}
+
+void TranslateFunction(State& state, TokenSpan tokens) {
+    if (state.inExtern) return;
+    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
+    const std::string name = RoutineName(tokens);
+    state.isMainRoutine = Lower(name) == "main";
+    const Routine* routine = FindFunction(name);
+    CheckFunctionName(state, name, routine);
+    state.inFunction = true;
+    state.functionName = name;
+    state.functionLine = state.currentLine;
+    BeginPiece(*state.out, state.isMainRoutine ? Piece::Kind::Main : Piece::Kind::Function);
+    OpenRoutine(state, routine);
+    DeclareParameters(*routine);
+    const std::string cppName = state.isMainRoutine ? "main" : routine->cppName;
+    EmitOpening(state, state.returnType + " " + NameAndParameters(*routine, cppName, true), "");
+    EmitEnter(state, name);
+}
+
+void TranslateEndFunction(State& state, TokenSpan tokens) {
+    if (state.inType || !state.inFunction) ReportFatal("unexpected 'endfunction' token");
+    RefuseMore(tokens, 1);
+    CheckWithClosed(state, "EndFunction");
+    if (state.returnType != "void" && !state.isMainRoutine && !state.hasReturn)
+        ReportFatal("Function '" + state.functionName + "' with return type '" + state.returnType +
+                    "' must have a Return statement");
+    if (state.isMainRoutine) CloseMain(state);
+    CloseRoutine(state);
+    state.inFunction = false;
+    state.isMainRoutine = false;
+    state.functionName.clear();
+    BeginPiece(*state.out, Piece::Kind::Lines);
+}
+
+void TranslateMethod(State& state, TokenSpan tokens) {
+    if (!state.inType || state.inMethod) ReportFatal("Unexpected 'method' token");
+    if (state.inExtern) return;
+    const std::string name = RoutineName(tokens);
+    const Routine* method = FindMethod(*state.cls, name);
+    if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.");
+    CheckMethodKind(state, *method);
+    EmitAccess(state);
+    state.isMainRoutine = false;
+    state.inMethod = true;
+    state.methodName = ReportedName(*method, state.typeName);
+    state.methodLine = state.currentLine;
+    OpenRoutine(state, method);
+    DeclareThis(state);
+    BeginMethodPiece(state, *method);
+    EmitEnter(state, state.typeName + "\\\\" + state.methodName);
+}
+
+void TranslateEndMethod(State& state, TokenSpan tokens) {
+    if (state.inExtern && state.inType) return;
+    if (!state.inType || !state.inMethod) ReportFatal("unexpected 'endmethod' token");
+    RefuseMore(tokens, 1);
+    CheckWithClosed(state, "EndMethod");
+    if (state.returnType != "void" && !state.hasReturn)
+        ReportFatal("Method with return type '" + state.returnType + "' must have a Return statement");
+    CloseRoutine(state);
+    state.inMethod = false;
+    state.methodName.clear();
+    currentClass = nullptr;
+    BeginPiece(*state.out, Piece::Kind::ClassLines, state.cls);
+}
