@@ -25,7 +25,7 @@ public:
         const std::string id = FileId(path);
         if (!known.insert(id).second) return;
         Lexer lexer;
-        SourceLines lines(lexer, Checking::None);
+        SourceLines lines(lexer, Checking::Names);
         if (!lines.Open(path)) return;
         symbols.sourceFiles.push_back(path);
         ++baseNames[BaseName(path)];
@@ -76,7 +76,8 @@ private:
         const std::string path = settings.sourceFolder + "/" + written;
         const std::string id = FileId(path);
         const auto same = [&id](const Link& link) { return link.id == id; };
-        if (std::any_of(chain.begin(), chain.end(), same)) FailCircle(id, name, from, line);
+        if (known.count(id) != 0 && std::any_of(chain.begin(), chain.end(), same))
+            FailCircle(id, name, from, line);
         ScanFile(path, name);
     }
 

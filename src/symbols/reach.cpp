@@ -16,9 +16,16 @@ struct Node {
     bool createsAnything = false;
 };
 
+// What a word of the program may stand for.
+struct Meaning {
+    int routine = -1;
+    const ClassInfo* cls = nullptr;
+};
+
 struct Graph {
     std::vector<Node> nodes;
-    std::unordered_map<std::string, int> routines;  // by name, Functions and Methods of all Types in one
+    std::unordered_map<std::string, Meaning> words;  // names of routines, Types and Elements
+    std::unordered_map<std::string, int> routines;   // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
     std::unordered_map<std::string, int> loops;  // by place
     int timers = 0;
@@ -47,11 +54,17 @@ bool built = false;
 
 std::string PlaceOf(const std::string& file, int line) { return FileId(file) + ":" + std::to_string(line); }
 
-void AddRoutineNames() {
+void AddNames() {
     for (const auto& function : symbols.functions) graph.NodeOf(graph.routines, function.first);
     for (const ClassInfo* cls : symbols.classList) {
         for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
     }
+    for (const auto& routine : graph.routines) graph.words[routine.first].routine = routine.second;
+    for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
+}
+
+bool IsWord(const std::string& token, const char* lowerWord, std::size_t size) {
+    return token.size() == size && Lower(token) == lowerWord;
 }
 
 // Reads one file and adds what its routines and loops mention.
@@ -124,10 +137,7 @@ private:
 
     static bool WalksInstances(TokenSpan tokens) {
         for (const std::string& token : tokens) {
-            if ((token.size() == 4 || token.size() == 6) &&
-                (Lower(token) == "each" || Lower(token) == "eachin")) {
-                return true;
-            }
+            if (IsWord(token, "each", 4) || IsWord(token, "eachin", 6)) return true;
         }
         return false;
     }
@@ -144,26 +154,27 @@ private:
         bool startsTimer = false;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const std::string& token = tokens[i];
-            const std::string word = token.size() <= 8 ? Lower(token) : std::string();
-            if (word == "insert") graph.At(node).createsAnything = true;
-            startsTimer = startsTimer || word == "autocall";
-            const auto routine = graph.routines.find(token);
-            if (routine != graph.routines.end()) {
-                graph.Call(node, routine->second);
-                if (startsTimer) graph.Call(graph.timers, routine->second);
+            if (IsWord(token, "insert", 6)) graph.At(node).createsAnything = true;
+            startsTimer = startsTimer || IsWord(token, "autocall", 8);
+            const auto meaning = graph.words.find(token);
+            if (meaning == graph.words.end()) continue;
+            if (meaning->second.routine >= 0) {
+                graph.Call(node, meaning->second.routine);
+                if (startsTimer) graph.Call(graph.timers, meaning->second.routine);
             }
-            const ClassInfo* mentioned = FindClass(token);
+            const ClassInfo* mentioned = meaning->second.cls;
             if (!mentioned) continue;
             graph.Call(node, graph.NodeOf(graph.construction, mentioned));
-            const std::string before = i > 0 ? Lower(tokens[i - 1]) : std::string();
-            if (before == "create" || before == "new") graph.At(node).creates.insert(mentioned);
+            const bool created =
+                i > 0 && (IsWord(tokens[i - 1], "create", 6) || IsWord(tokens[i - 1], "new", 3));
+            if (created) graph.At(node).creates.insert(mentioned);
         }
     }
 };
 
 void Build() {
     built = true;
-    AddRoutineNames();
+    AddNames();
     for (const std::string& file : symbols.sourceFiles) FileReach(file).Read();
 }
 

@@ -14,6 +14,7 @@ enum class Checking : unsigned char {
     Strict,    // brackets and strings are checked and lines are counted by the lexer
     Physical,  // checked too; the lexer is told the physical line on which each statement starts
     None,      // nothing is checked or counted; for readers that must not report before the first pass does
+    Names,     // the same, and lines that cannot name a Type, an Element or another file are passed over
 };
 
 class SourceLines {
