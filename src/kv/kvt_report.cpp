@@ -118,7 +118,8 @@ void ParseNotes(const Lines& lines, KvtReport& report) {
         } else if (TakeStart(line, "Linker flags written to ")) {
             report.linkerFile = line;
         } else if (TakeStart(line, "Warning: ") || TakeStart(line, "WARNING: ")) {
-            report.warnings.push_back(line);
+            // A missing file of flags harms nobody: kvt has said each flag as well.
+            if (!StartsWith(line, "Could not create ")) report.warnings.push_back(line);
         }
     }
 }

@@ -136,7 +136,8 @@ TEST(KvtReports, Errors) {
 TEST(KvtReports, Notes) {
     const KvtReport report = ParseKvtReport(
         "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"/my dir\"\n  - Adding linker flag: -lm\n"
-        "Linker flags written to /x/game.linkflags\n  Warning: DLL not found in userlibs/: a.so\nDone! "
+        "Linker flags written to /x/game.linkflags\n  Warning: DLL not found in userlibs/: a.so\n"
+        "Warning: Could not create /x/game.linkflags\nDone! "
         "\\o/\n",
         "");
     EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\""}));
