@@ -2,10 +2,9 @@
 #pragma once
 
 #include <string>
-
-#include "lexer/token_span.h"
 #include <vector>
 
+#include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 // C++ precedence of the operator at the top of a text; a smaller number binds tighter.
@@ -53,6 +52,20 @@ std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens);
 // A statement that no keyword claims: assignment checks done by the caller (statements/assignments).
 // True when the tokens are a call that may stand as a statement; text gets the C++ call.
 bool TranslateCallStatement(TokenSpan tokens, std::string& text);
+
+// Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
+void CheckAssignable(const Expr& target, const Expr& value);
+
+// The text of an argument for a parameter of the type; arrays and Sequences are passed by reference.
+std::string ArgumentText(const Expr& expr, const ValueType& parameter);
+
+// The first argument of a Seq function or statement, which must be a Sequence. `name` is the one of the
+// routine as written.
+Expr TranslateSequence(TokenSpan tokens, const std::string& name);
+// A value that goes into or is compared with the items of a Sequence.
+std::string TranslateSequenceValue(const Expr& sequence, TokenSpan value, const std::string& name);
+// An index or another whole number among the arguments of a Seq statement.
+std::string TranslateSequenceIndex(TokenSpan index, const std::string& name);
 
 // Translates a string token (with its quotes): escapes and interpolation.
 Expr TranslateString(const std::string& token);

@@ -1,0 +1,144 @@
+// Array access: the checks that can be made here and those that the program makes as it runs.
+#include <cstdlib>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/walk.h"
+#include "prelude/output.h"
+#include "prelude/support.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+struct Access {
+    std::string name;             // as written
+    const Variable* array;        // null for anything but a variable or Field
+    std::vector<std::string> indices;
+    bool simple = true;           // the indices may be evaluated more than once
+};
+
+void CheckIndexType(const Expr& index) {
+    if (!index.type.IsKnown() || index.type.IsInteger()) return;
+    ReportFatal("Array index must be an integer type, got " + CppName(index.type));
+}
+
+// Only the first index must be a whole number; pointers take no other in C++ either.
+std::string IndexText(const Expr& index, bool isFirst, ArrayForm form) {
+    RequireValue(index);
+    if (isFirst || !index.type.Is(Base::Double)) {
+        CheckIndexType(index);
+        return index.text;
+    }
+    return form == ArrayForm::Vector ? index.text : "static_cast<int>(" + index.text + ")";
+}
+
+bool IsDigitsOnly(const std::string& text) {
+    return !text.empty() && text.find_first_not_of("0123456789 ") == std::string::npos;
+}
+
+void CheckCount(const Access& access, const ValueType& type, ArrayForm form) {
+    const auto count = static_cast<int>(access.indices.size());
+    const bool partly = form == ArrayForm::Pointer && count < type.dims;
+    if (count == type.dims || partly || !type.IsKnown()) return;
+    ReportFatal("Array '" + access.name + "' was declared with " + std::to_string(type.dims) +
+                " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices");
+}
+
+void CheckConstantIndex(const Access& access, std::size_t dimension) {
+    const std::string& index = access.indices[dimension];
+    const std::string& size = access.array->sizes[dimension];
+    if (!IsDigitsOnly(index) || !IsDigitsOnly(size)) return;
+    const long long i = std::strtoll(index.c_str(), nullptr, 10);
+    const long long n = std::strtoll(size.c_str(), nullptr, 10);
+    if (i < n) return;
+    ReportFatal("Array index out of bounds: " + access.name + " dimension " + std::to_string(dimension) +
+                " accessed with index [" + index + "] but size is [" + size + "] (valid range: 0 to " +
+                std::to_string(n - 1) + ")");
+}
+
+void CheckConstantIndices(const Access& access) {
+    if (access.array == nullptr) return;
+    for (std::size_t k = 0; k < access.indices.size() && k < access.array->sizes.size(); ++k) {
+        CheckConstantIndex(access, k);
+    }
+}
+
+std::string Plain(const std::string& array, const Access& access) {
+    std::string text = array;
+    for (const std::string& index : access.indices) text += "[" + index + "]";
+    return text;
+}
+
+// ([&]() -> decltype(A) { if ((i) < 0 || (i) >= A_size_0) { std::cerr << ...; exit(1); } return A; })()
+std::string CheckedByLambda(const std::string& array, const Access& access) {
+    const std::string plain = Plain(array, access);
+    std::string text = "([&]() -> decltype(" + plain + ") { ";
+    const std::size_t last = access.indices.size() - 1;
+    for (std::size_t k = 0; k <= last; ++k) {
+        const std::string& index = access.indices[k];
+        const std::string size = array + "_size_" + std::to_string(k);
+        text += "if ((" + index + ") < 0 || (" + index + ") >= " + size + ") { std::cerr << \"Array bounds error: " +
+                access.name + "[\" << (" + index + ") << \"]" + (k == last ? "" : "[...]") + " dimension " +
+                std::to_string(k) + " out of range [0, \" << (" + size + "-1) << \"]\" << std::endl; exit(1); } ";
+    }
+    return text + "return " + plain + "; })()";
+}
+
+// __kvAt("a", KVL_a, i, KVL_a_size_0, j, KVL_a_size_1) , or without known sizes __kvPick("a", items, i, j)
+std::string CheckedByHelper(const std::string& array, const Access& access, bool sized) {
+    RequireSupport(Support::SafeIndex);
+    std::string text = std::string(sized ? "__kvAt" : "__kvPick") + "(\"" + access.name + "\", " + array;
+    for (std::size_t k = 0; k < access.indices.size(); ++k) {
+        text += ", " + access.indices[k];
+        if (sized) text += ", " + array + "_size_" + std::to_string(k);
+    }
+    return text + ")";
+}
+
+bool IsField(const Variable* array, const std::string& text) {
+    return array == nullptr || text != array->cppName || (FindLocal(array->name) != array && FindGlobal(array->name) != array);
+}
+
+std::string Checked(const Expr& array, const Access& access) {
+    constexpr std::size_t mostDimensions = 3;
+    const bool wanted = settings.safeMode && !settings.debugMode && array.type.IsKnown();
+    if (!wanted || array.form == ArrayForm::Pointer || access.indices.size() > mostDimensions) {
+        return Plain(array.text, access);
+    }
+    if (IsField(access.array, array.text)) return CheckedByHelper(array.text, access, false);
+    if (access.array->sizes.size() != access.indices.size()) return Plain(array.text, access);
+    // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
+    if (!access.simple || localDefList.empty()) return CheckedByHelper(array.text, access, true);
+    ++unrepeatable;
+    return CheckedByLambda(array.text, access);
+}
+
+}  // namespace
+
+Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable) {
+    Access access{name, variable, {}, true};
+    const std::size_t before = unrepeatable;
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    while (walk.Match("[")) {
+        const Expr index = ParseValue(walk);
+        access.indices.push_back(IndexText(index, access.indices.empty(), array.form));
+        walk.Expect("]");
+    }
+    walk.callStatement = statement;
+    access.simple = unrepeatable == before;
+    CheckCount(access, array.type, array.form);
+    CheckConstantIndices(access);
+
+    Expr item;
+    Expr owner = array;
+    if (array.form == ArrayForm::Owned) owner.text = TextAs(array, array.type);
+    item.text = Checked(owner, access);
+    item.type = array.type;
+    item.assignable = array.form != ArrayForm::Fixed && array.form != ArrayForm::Owned && !array.isCall;
+    if (!array.type.IsKnown()) return item;
+    item.type.dims -= static_cast<int>(access.indices.size());
+    item.form = item.type.IsArray() ? array.form : ArrayForm::None;
+    item.slot = item.type.Is(Base::Element);
+    return item;
+}

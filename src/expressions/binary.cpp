@@ -1,0 +1,163 @@
+// Types and texts of operators.
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/operators.h"
+#include "prelude/output.h"
+#include "prelude/support.h"
+
+namespace {
+
+bool IsText(const Expr& expr) { return expr.type.Is(Base::String); }
+bool IsPointer(const Expr& expr) {
+    return expr.type.Is(Base::Object) || expr.type.Is(Base::Pointer) || expr.type.Is(Base::Null);
+}
+bool IsTruth(const Expr& expr) {
+    return !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::Object) || expr.type.Is(Base::Pointer);
+}
+
+// What C++ makes of two numbers: at least an Int.
+Base CommonNumber(const Expr& a, const Expr& b) {
+    if (a.type.base == Base::Double || b.type.base == Base::Double) return Base::Double;
+    return a.type.base == Base::Long || b.type.base == Base::Long ? Base::Long : Base::Int;
+}
+
+bool Checked() { return settings.safeMode && !settings.debugMode; }
+
+[[noreturn]] void FailOperands(const Expr& left, const BinaryOperator& op, const Expr& right) {
+    std::string message = std::string("Operator '") + op.text + "' cannot be used between " +
+                          KorvelName(left.type) + " and " + KorvelName(right.type);
+    if (IsText(left) && right.type.IsNumber()) message += ConversionHint(right.type, left.type);
+    if (left.type.IsNumber() && IsText(right)) message += ConversionHint(left.type, right.type);
+    ReportFatal(message);
+}
+
+Expr Join(Expr left, const BinaryOperator& op, const Expr& right, const ValueType& type) {
+    Expr result;
+    result.text = left.slot ? ValueText(left) : std::move(left.text);
+    result.text += ' ';
+    result.text += op.text;
+    result.text += ' ';
+    result.text += right.slot ? ValueText(right) : right.text;
+    result.type = type;
+    result.level = op.level;
+    return result;
+}
+
+Expr Call(const std::string& function, const std::string& a, const std::string& b, const ValueType& type) {
+    Expr result;
+    result.text = function + "(" + a + ", " + b + ")";
+    result.type = type;
+    return result;
+}
+
+// std::to_string of a number beside a String; a literal that meets another literal becomes a std::string.
+std::string AsText(const Expr& expr, bool literalNeedsString) {
+    if (!IsText(expr) && expr.type.IsKnown()) return "std::to_string(" + expr.text + ")";
+    return expr.literal && literalNeedsString ? "std::string(" + expr.text + ")" : expr.text;
+}
+
+bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
+
+Expr Concatenate(Expr left, const BinaryOperator& op, Expr right) {
+    if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, op, right);
+    left.text = AsText(left, right.literal);
+    right.text = AsText(right, false);
+    return Join(std::move(left), op, right, Single(Base::String));
+}
+
+// The operand of a checked division, of the type that both operands have in common.
+std::string CheckedOperand(const Expr& expr, Base common) {
+    const bool exact = expr.type.base == common && (common != Base::Long || expr.variable != nullptr);
+    return exact ? expr.text : "static_cast<" + CppName(Single(common)) + ">(" + expr.text + ")";
+}
+
+Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
+    const Base common = CommonNumber(left, right);
+    if (!left.type.IsKnown() || !right.type.IsKnown()) return Join(std::move(left), op, right, {});
+    const bool remainder = op.kind == OperatorKind::Remainder;
+    if (!Checked()) {
+        if (remainder && common == Base::Double) return Call("std::fmod", left.text, right.text, Single(common));
+        return Join(std::move(left), op, right, Single(common));
+    }
+    if (remainder && common == Base::Double) RequireSupport(Support::SafeOperands);
+    return Call(remainder ? "KVL_SafeMod" : "KVL_SafeDiv", CheckedOperand(left, common),
+                CheckedOperand(right, common), Single(common));
+}
+
+Expr Arithmetic(Expr left, const BinaryOperator& op, const Expr& right) {
+    const bool known = left.type.IsKnown() && right.type.IsKnown();
+    const bool numbers = (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
+    if (!numbers) FailOperands(left, op, right);
+    if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder) return Divide(std::move(left), op, right);
+    const Base common = CommonNumber(left, right);
+    if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
+    return Join(std::move(left), op, right, known ? Single(common) : ValueType());
+}
+
+// The struct has no operator!=.
+Expr CompareElements(const Expr& left, const BinaryOperator& op, const Expr& right) {
+    NeedClass(left.type.cls);
+    if (op.text[0] == '=') return Join(left, op, right, Single(Base::Bool));
+    Expr result;
+    result.text = "! ( " + ValueText(left) + " == " + ValueText(right) + " )";
+    result.type = Single(Base::Bool);
+    result.level = Level::Unary;
+    return result;
+}
+
+bool Comparable(const Expr& left, const BinaryOperator& op, const Expr& right) {
+    if (!left.type.IsKnown() || !right.type.IsKnown()) return true;
+    if (left.type.IsNumber() && right.type.IsNumber()) return true;
+    if (IsText(left) && IsText(right)) return true;
+    if (op.kind == OperatorKind::Order || !IsPointer(left) || !IsPointer(right)) return false;
+    return left.type == right.type || !left.type.Is(Base::Object) || !right.type.Is(Base::Object);
+}
+
+Expr Compare(Expr left, const BinaryOperator& op, const Expr& right) {
+    if (op.kind == OperatorKind::Equality && left.type.Is(Base::Element) && left.type == right.type) {
+        return CompareElements(left, op, right);
+    }
+    if (!Comparable(left, op, right)) FailOperands(left, op, right);
+    if (left.literal && right.literal) left.text = "std::string(" + left.text + ")";
+    return Join(std::move(left), op, right, Single(Base::Bool));
+}
+
+Expr Logic(Expr left, const BinaryOperator& op, const Expr& right) {
+    if (!IsTruth(left) || !IsTruth(right)) FailOperands(left, op, right);
+    return Join(std::move(left), op, right, Single(Base::Bool));
+}
+
+}  // namespace
+
+Expr Combine(Expr left, const BinaryOperator& op, const Expr& right) {
+    RequireValue(left);
+    RequireValue(right);
+    switch (op.kind) {
+        case OperatorKind::Add:
+            if (IsText(left) || IsText(right)) return Concatenate(std::move(left), op, right);
+            break;
+        case OperatorKind::Order:
+        case OperatorKind::Equality: return Compare(std::move(left), op, right);
+        case OperatorKind::Logic: return Logic(std::move(left), op, right);
+        default: break;
+    }
+    return Arithmetic(std::move(left), op, right);
+}
+
+Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
+    RequireValue(operand);
+    const bool known = operand.type.IsKnown();
+    const bool fits = op.kind == UnaryKind::Not    ? IsTruth(operand)
+                      : op.kind == UnaryKind::Sign ? operand.type.IsNumber()
+                                                   : operand.type.IsInteger();
+    if (known && !fits) {
+        ReportFatal(std::string("Operator '") + op.text + "' cannot be used with " + KorvelName(operand.type));
+    }
+    Expr result;
+    result.text = std::string(op.text) + " " + operand.text;
+    result.level = Level::Unary;
+    result.type = op.kind == UnaryKind::Not ? Single(Base::Bool)
+                  : known                   ? Single(CommonNumber(operand, operand))
+                                            : ValueType();
+    return result;
+}

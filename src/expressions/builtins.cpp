@@ -1,0 +1,150 @@
+// Built-in functions: keys, characters, conversions and mathematics.
+#include <unordered_map>
+
+#include "driver/report.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+#include "prelude/math_functions.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// What a routine gets: the name as written and its arguments, whose number has been checked.
+using Arguments = std::vector<Expr>;
+using BuiltinRoutine = Expr (*)(const std::string& name, const Arguments& arguments);
+
+struct Builtin {
+    int argumentCount;
+    BuiltinRoutine routine;
+};
+
+Expr Result(std::string text, Base base) {
+    Expr expr;
+    expr.text = std::move(text);
+    expr.type = Single(base);
+    return expr;
+}
+
+[[noreturn]] void FailArgument(const std::string& name, const char* wanted, const Expr& got) {
+    ReportFatal("'" + name + "' expects " + wanted + " but got " + KorvelName(got.type));
+}
+
+void RequireNumber(const std::string& name, const Expr& argument) {
+    if (argument.type.IsKnown() && !argument.type.IsNumber()) FailArgument(name, "a number", argument);
+}
+
+Expr Chr(const std::string& name, const Arguments& arguments) {
+    RequireNumber(name, arguments[0]);
+    return Result("std::string(1, static_cast<char>(" + arguments[0].text + "))", Base::String);
+}
+
+// The quoted text evaluates its argument twice, which a call must not be.
+Expr Asc(const std::string& name, const Arguments& arguments) {
+    const Expr& x = arguments[0];
+    if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
+    if (x.isCall) {
+        return Result("[](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" + x.text + ")",
+                      Base::Int);
+    }
+    return Result("(static_cast<int>(std::string(" + x.text + ").length() > 0 ? std::string(" + x.text + ")[0] : 0))",
+                  Base::Int);
+}
+
+Expr Convert(const std::string& name, const Expr& x, const char* ofString, Base to) {
+    if (x.type.Is(Base::String)) return Result(std::string(ofString) + "(" + x.text + ")", to);
+    if (x.type.IsKnown() && !x.type.IsNumber()) FailArgument(name, "a number or a String", x);
+    return Result("static_cast<" + CppName(Single(to)) + ">(" + x.text + ")", to);
+}
+
+Expr ToInt(const std::string& name, const Arguments& arguments) {
+    return Convert(name, arguments[0], "std::stoi", Base::Int);
+}
+
+Expr ToDouble(const std::string& name, const Arguments& arguments) {
+    return Convert(name, arguments[0], "std::stod", Base::Double);
+}
+
+Expr ToString(const std::string& name, const Arguments& arguments) {
+    const Expr& x = arguments[0];
+    if (x.type.Is(Base::String)) return Result("std::string(" + x.text + ")", Base::String);
+    if (x.type.IsKnown() && !x.type.IsNumber()) FailArgument(name, "a number or a String", x);
+    return Result("std::to_string(" + x.text + ")", Base::String);
+}
+
+const std::unordered_map<std::string, Builtin> builtins = {
+    {"chr", {1, Chr}},
+    {"asc", {1, Asc}},
+    {"toint", {1, ToInt}},
+    {"todouble", {1, ToDouble}},
+    {"tostring", {1, ToString}},
+};
+
+// Type words that look like conversions, and what was meant.
+const std::unordered_map<std::string, const char*> typeWords = {
+    {"int", "ToInt"},
+    {"double", "ToDouble"},
+    {"string", "ToString"},
+};
+
+// 0 when no key is waiting, the negated second code for extended keys. Outside of routines there is
+// nothing to capture, and C++ does not take the attempt.
+Expr ParseGetKey(Walk& walk) {
+    if (!walk.Match(")")) ReportFatal("GetKey() takes no parameters");
+    ++unrepeatable;
+    const std::string capture = localDefList.empty() ? "[]" : "[&]";
+    Expr expr = Result("(_kbhit() ? " + capture +
+                           "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } "
+                           "return ch; }() : 0)",
+                       Base::Int);
+    expr.isCall = true;
+    return expr;
+}
+
+// Sgn and Frac name their argument more than once.
+bool RepeatsArgument(const std::string& lowerName) { return lowerName == "sgn" || lowerName == "frac"; }
+
+Expr Math(const std::string& lowerName, const std::string& name, const Arguments& arguments, bool simple) {
+    std::vector<std::string> texts;
+    for (const Expr& argument : arguments) {
+        RequireNumber(name, argument);
+        texts.push_back(argument.text);
+    }
+    const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
+    if (simple || !RepeatsArgument(lowerName)) return Result(MathText(lowerName, texts), type);
+    return Result("[](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + ")", type);
+}
+
+void CheckCount(const std::string& name, int expected, std::size_t count) {
+    if (static_cast<std::size_t>(expected) == count) return;
+    ReportFatal("'" + name + "' expects " + std::to_string(expected) + " argument(s), got " + std::to_string(count));
+}
+
+}  // namespace
+
+bool IsBuiltin(const std::string& lowerName) {
+    return lowerName == "getkey" || builtins.count(lowerName) != 0 || typeWords.count(lowerName) != 0 ||
+           MathArgumentCount(lowerName) >= 0 || IsSeqFunction(lowerName);
+}
+
+Expr ParseBuiltin(Walk& walk, const std::string& lowerName) {
+    const std::string& name = walk.tokens[walk.at - 1];
+    const auto typeWord = typeWords.find(lowerName);
+    if (typeWord != typeWords.end()) {
+        ReportFatal("'" + name + "' is a type keyword and cannot be used as a function. Did you mean '" +
+                    typeWord->second + "()'?");
+    }
+    if (IsSeqFunction(lowerName)) return ParseSeqFunction(walk, lowerName);
+    walk.Take();
+    if (lowerName == "getkey") return ParseGetKey(walk);
+
+    const std::size_t before = unrepeatable;
+    Arguments arguments = ParseArguments(walk);
+    const bool simple = unrepeatable == before;
+    const auto builtin = builtins.find(lowerName);
+    CheckCount(name, builtin == builtins.end() ? MathArgumentCount(lowerName) : builtin->second.argumentCount,
+               arguments.size());
+    for (const Expr& argument : arguments) RequireValue(argument);
+    if (builtin == builtins.end()) return Math(lowerName, name, arguments, simple);
+    arguments[0].isCall = !simple;
+    return builtin->second.routine(name, arguments);
+}

@@ -1,0 +1,36 @@
+// Statements that are calls: Draw 1, 2 ; p\Move(1) ; Tick ; Insert a After b.
+#include "driver/report.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+bool MakesObject(const std::string& word) {
+    const std::string lower = Lower(word);
+    return lower == "create" || lower == "new";
+}
+
+TokenSpan WithoutComment(TokenSpan tokens) {
+    if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
+    return tokens.Slice(0, tokens.size() - 1);
+}
+
+// An array that nobody takes must be freed all the same.
+std::string Discarded(const Expr& call) {
+    return call.form == ArrayForm::Owned ? TextAs(call, call.type) : call.text;
+}
+
+}  // namespace
+
+bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
+    tokens = WithoutComment(tokens);
+    if (tokens.empty() || (!IsIdentifier(tokens[0]) && tokens[0] != "(")) return false;
+    Walk walk(tokens, ExprMode::Statement);
+    walk.callStatement = true;
+    const Expr expr = ParsePrimary(walk);
+    if (!walk.Done()) FailUnexpected(walk);
+    if (!expr.isCall && !MakesObject(tokens[0])) return false;
+    text = Discarded(expr);
+    return true;
+}

@@ -1,0 +1,122 @@
+// Calls of Functions, Methods and userlib functions.
+#include "driver/report.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+#include "prelude/output.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+std::string Spelling(const ValueType& type) { return type.IsArray() ? ParameterCppName(type) : CppName(type); }
+
+void CheckCount(const std::string& subject, const Routine& routine, std::size_t count) {
+    std::size_t required = 0;
+    for (const Parameter& parameter : routine.parameters) required += parameter.hasDefault ? 0 : 1;
+    const std::size_t most = routine.parameters.size();
+    if (count >= required && count <= most) return;
+    ReportFatal(subject + " expects " + std::to_string(most) + " parameter(s) but " + std::to_string(count) +
+                " provided");
+}
+
+void CheckArgument(const std::string& subject, std::size_t index, const ValueType& type, const Expr& argument) {
+    RequireValue(argument);
+    if (Assignable(type, argument.type)) return;
+    const std::string got = argument.type.IsArray() ? CppName(argument.type) : Spelling(argument.type);
+    ReportFatal(subject + " parameter " + std::to_string(index + 1) + " expects type " + Spelling(type) +
+                " but got " + got);
+}
+
+void NeedElement(const ValueType& type) {
+    if (type.base == Base::Element && !type.IsArray()) NeedClass(type.cls);
+}
+
+// Whether "(" ... ")" holds all arguments of a call statement, and is not the first of several.
+bool ParenthesesHoldAll(const Walk& walk) {
+    int open = 0;
+    std::size_t i = walk.at;
+    for (; i < walk.tokens.size(); ++i) {
+        if (walk.tokens[i] == "(") ++open;
+        if (walk.tokens[i] == ")" && --open == 0) break;
+    }
+    const std::string& next = walk.tokens[i + 1];
+    return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
+}
+
+std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
+    if (walk.Peek() == "(" && (!walk.callStatement || ParenthesesHoldAll(walk))) {
+        walk.Take();
+        return ParseArguments(walk);
+    }
+    if (walk.callStatement) return ParseBareArguments(walk);
+    ReportFatal(SubjectOf(routine) + " is called with parentheses: " + routine.name + "(...)");
+}
+
+}  // namespace
+
+std::vector<Expr> ParseArguments(Walk& walk) {
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    std::vector<Expr> arguments;
+    if (walk.Match(")")) {
+        walk.callStatement = statement;
+        return arguments;
+    }
+    do {
+        arguments.push_back(ParseValue(walk));
+    } while (walk.Match(","));
+    walk.Expect(")");
+    walk.callStatement = statement;
+    return arguments;
+}
+
+std::vector<Expr> ParseBareArguments(Walk& walk) {
+    walk.callStatement = false;
+    std::vector<Expr> arguments;
+    if (walk.Done()) return arguments;
+    do {
+        arguments.push_back(ParseValue(walk));
+    } while (walk.Match(","));
+    return arguments;
+}
+
+std::string SubjectOf(const Routine& routine) {
+    if (routine.isUserlib) return "Userlib function '" + routine.name + "'";
+    if (routine.owner != nullptr) return "Method '" + routine.owner->name + "::" + routine.name + "'";
+    return "Function '" + routine.name + "'";
+}
+
+std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
+                                          const std::vector<Expr>& arguments) {
+    CheckCount(subject, routine, arguments.size());
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < routine.parameters.size(); ++i) {
+        const Parameter& parameter = routine.parameters[i];
+        NeedElement(parameter.type);
+        if (i < arguments.size()) {
+            CheckArgument(subject, i, parameter.type, arguments[i]);
+            texts.push_back(ArgumentText(arguments[i], parameter.type));
+        } else {
+            texts.push_back(ArgumentText(TranslateExpression(parameter.defaultValue, ExprMode::Condition), parameter.type));
+        }
+    }
+    return texts;
+}
+
+Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
+    if (routine.owner == nullptr && Lower(routine.name) == "main") ReportFatal("'" + routine.name + "' cannot be called");
+    const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
+    Expr call;
+    call.text = prefix + routine.cppName + " (";
+    const char* separator = " ";
+    for (const std::string& argument : CheckedArguments(SubjectOf(routine), routine, arguments)) {
+        call.text += separator + argument;
+        separator = " , ";
+    }
+    call.text += " )";
+    call.type = routine.result;
+    if (call.type.IsArray()) call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
+    call.isCall = true;
+    NeedElement(routine.result);
+    ++unrepeatable;
+    return call;
+}

@@ -1,0 +1,146 @@
+#include "expressions/expression.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/operators.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+
+bool lenient = false;
+std::size_t unrepeatable = 0;
+
+namespace {
+
+constexpr int deepest = 500;    // nested brackets, calls and signs
+constexpr int longestChain = 1000;  // divisions in a row that each wrap what stands before
+
+int depth = 0;
+
+TokenSpan WithoutComment(TokenSpan tokens) {
+    if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
+    return tokens.Slice(0, tokens.size() - 1);
+}
+
+// "a" , "b" as in 'a', 'b'.
+std::string Listed(TokenSpan tokens) {
+    std::string list;
+    for (const std::string& token : tokens) {
+        list += list.empty() ? "'" : ", '";
+        list += token + "'";
+    }
+    return list;
+}
+
+[[noreturn]] void FailTooDeep() { ReportFatal("Expression too deeply nested"); }
+
+// Operators that bind tighter than or as tight as `loosest`, from left to right.
+Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
+    Expr left = ParseUnary(walk);
+    int wraps = 0;
+    std::size_t length = 0;
+    for (const BinaryOperator* op = PeekBinary(walk, comparing, length); op != nullptr && op->level <= loosest;
+         op = PeekBinary(walk, comparing, length)) {
+        walk.at += length;
+        const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
+        const Expr right = ParseBinary(walk, tighter, comparing);
+        if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
+        left = Combine(std::move(left), *op, right);
+    }
+    return left;
+}
+
+Expr Assign(Expr target, const Expr& value) {
+    CheckAssignable(target, value);
+    Expr result;
+    result.type = target.type;
+    result.text = ValueText(target) + " = " + TextAs(value, target.type);
+    result.level = Level::Assignment;
+    return result;
+}
+
+Expr Translate(TokenSpan tokens, ExprMode mode) {
+    tokens = WithoutComment(tokens);
+    if (tokens.empty()) {
+        Expr nothing;
+        nothing.type = Single(Base::Void);
+        return nothing;
+    }
+    Walk walk(tokens, mode);
+    Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
+    if (!walk.Done()) FailUnexpected(walk);
+    return result;
+}
+
+}  // namespace
+
+DepthGuard::DepthGuard() {
+    if (++depth > deepest) FailTooDeep();
+}
+DepthGuard::~DepthGuard() { --depth; }
+
+void Walk::Expect(const char* token) {
+    if (Match(token)) return;
+    ReportFatal(std::string("Expected '") + token + "' but found " +
+                (Done() ? "the end of the statement" : "'" + Peek() + "'"));
+}
+
+Expr ParseValue(Walk& walk) {
+    Expr expr = ParseBinary(walk, Level::Or, true);
+    return expr;
+}
+
+Expr ParseAssignment(Walk& walk) {
+    const DepthGuard guard;
+    Expr left = ParseBinary(walk, Level::Or, false);
+    if (!walk.Match("=")) return left;
+    return Assign(std::move(left), ParseAssignment(walk));
+}
+
+Expr ParseUnary(Walk& walk) {
+    const DepthGuard guard;
+    const UnaryOperator* op = PeekUnary(walk);
+    if (op == nullptr) return ParsePrimary(walk);
+    ++walk.at;
+    return ApplyUnary(*op, ParseUnary(walk));
+}
+
+Expr TranslateExpression(TokenSpan tokens, ExprMode mode) {
+    if (settings.verbose) Say(Listed(tokens));
+    return Translate(tokens, mode);
+}
+
+std::string GetExpressionType(TokenSpan tokens) {
+    if (tokens.empty()) return "unknown";
+    if (settings.verbose) {
+        std::string line = "  [GetExpressionType] Tokens: ";
+        for (const std::string& token : tokens) line += "'" + token + "' ";
+        Say(line);
+    }
+    const Expr expr = Translate(tokens, ExprMode::Condition);
+    const std::string type = CppName(expr.type);
+    if (tokens.size() >= 2 && tokens[0] == "Create") {
+        VerboseNote("  [GetExpressionType] Detected Create statement, returning type: " + type);
+    } else {
+        VerboseNote("  [GetExpressionType] Inferred type from expression '" + expr.text + "': " + type);
+    }
+    return type;
+}
+
+ValueType InferType(TokenSpan tokens) { return Translate(tokens, ExprMode::Condition).type; }
+
+std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens) {
+    std::vector<TokenSpan> parts;
+    if (tokens.empty()) return parts;
+    int open = 0;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const std::string& token = tokens[i];
+        if (token == "(" || token == "[") ++open;
+        if (token == ")" || token == "]") --open;
+        if (token != "," || open != 0) continue;
+        parts.push_back(tokens.Slice(start, i));
+        start = i + 1;
+    }
+    parts.push_back(tokens.From(start));
+    return parts;
+}

@@ -1,0 +1,105 @@
+// What follows an operand: Fields, Methods and indices, to any depth.
+#include "driver/report.h"
+#include "expressions/walk.h"
+#include "prelude/output.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// "this" and its accessor are written together.
+std::string WithAccessor(const Expr& object) {
+    const bool pointer = object.type.base != Base::Element || object.slot;
+    return object.text + (object.text == "this" ? "" : " ") + (pointer ? "-> " : ". ");
+}
+
+void RequireObject(const Expr& object, const std::string& name) {
+    if (object.type.Is(Base::Object) || object.type.Is(Base::Element)) return;
+    ReportFatal("Variable '" + name + "' is type " + CppName(object.type) +
+                ", not a Type/object. Cannot use field accessor '\\'");
+}
+
+void RequireAccess(bool isPrivate, const ClassInfo& cls, const std::string& member) {
+    if (!isPrivate || currentClass == &cls) return;
+    ReportFatal("'" + member + "' is private in '" + cls.name + "' and cannot be used outside of it");
+}
+
+// Members of a class whose file has not been read yet.
+Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
+    Expr expr;
+    expr.text = WithAccessor(object) + SafeName(member);
+    expr.assignable = true;
+    if (walk.Match("(")) {
+        ParseArguments(walk);
+        expr.isCall = true;
+    } else if (walk.callStatement) {
+        ParseBareArguments(walk);
+        expr.isCall = true;
+    }
+    return expr;
+}
+
+Expr UseField(const Expr& object, const Variable& field) {
+    Expr expr;
+    expr.text = WithAccessor(object) + field.cppName;
+    expr.type = field.type;
+    if (expr.type.IsArray()) expr.form = ArrayForm::Vector;
+    const bool lasting = object.type.base == Base::Object || object.slot || object.assignable;
+    expr.assignable = lasting && !field.isConst;
+    expr.isConst = field.isConst;
+    return expr;
+}
+
+Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const Variable*& array) {
+    walk.Take();
+    if (!IsIdentifier(walk.Peek())) ReportFatal("Expected the name of a Field or Method after '\\'");
+    const std::string& member = walk.Take();
+    if (!object.type.IsKnown()) {
+        if (lenient) return LetThrough(walk, object, member);
+        ReportFatal("'" + member + "' does not exist in any accessible class");
+    }
+    RequireObject(object, name);
+    const ClassInfo& cls = *object.type.cls;
+    NeedClass(&cls);
+    if (const Variable* field = FindField(cls, member)) {
+        RequireAccess(field->isPrivate, cls, member);
+        array = field;
+        return UseField(object, *field);
+    }
+    if (const Routine* method = FindMethod(cls, member)) {
+        RequireAccess(method->isPrivate, cls, member);
+        return ParseCall(walk, *method, WithAccessor(object));
+    }
+    if (lenient) return LetThrough(walk, object, member);
+    ReportFatal("Field or method '" + member + "' does not exist in class '" + cls.name + "'");
+}
+
+[[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {
+    if (expr.type.sequence) {
+        ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)");
+    }
+    ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed");
+}
+
+}  // namespace
+
+Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
+    const std::string* name = &firstName;
+    const Variable* array = expr.variable;
+    while (!walk.Done()) {
+        const std::string& token = walk.Peek();
+        if (token == "\\" || token == ".") {
+            const std::string* member = &walk.Peek(1);
+            array = nullptr;
+            expr = ParseMember(walk, expr, *name, array);
+            name = member;
+        } else if (token == "[") {
+            if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
+            expr = ParseIndices(walk, expr, *name, array);
+            array = nullptr;
+        } else {
+            break;
+        }
+    }
+    return expr;
+}

@@ -1,0 +1,147 @@
+// What a name in an expression means: a word of the language, a call, a variable.
+#include <unordered_map>
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "expressions/operators.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+#include "prelude/output.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+std::string Place() { return "(line " + std::to_string(settings.currentLine) + " in " + settings.currentFile + ")"; }
+
+Expr Word(const char* text, Base base) {
+    Expr expr;
+    expr.text = text;
+    expr.type = Single(base);
+    return expr;
+}
+
+// The object of the running Method: always a pointer in C++.
+Expr This() {
+    if (currentClass == nullptr) ReportFatal("'this' can only be used inside a Method");
+    Expr expr;
+    expr.text = "this";
+    expr.type = Single(currentClass->isElement ? Base::Element : Base::Object, currentClass);
+    expr.slot = currentClass->isElement;
+    return expr;
+}
+
+using WordRoutine = Expr (*)();
+const std::unordered_map<std::string, WordRoutine> words = {
+    {"true", [] { return Word("true", Base::Bool); }},
+    {"false", [] { return Word("false", Base::Bool); }},
+    {"null", [] { return Word("nullptr", Base::Null); }},
+    {"this", This},
+};
+
+void TraceLookup(const std::string& name, const Variable* found) {
+    if (!settings.verbose) return;
+    Say("DEBUG: Looking up variable '" + name + "'");
+    if (found == nullptr) return;
+    Say("DEBUG: Found variable '" + name + "' (scope " + std::to_string(BlockCount()) + ", branch " +
+        std::to_string(localDefList.size()) + ", line " + std::to_string(found->line) + ")");
+    Say("  Checking if in current scope chain...");
+}
+
+Expr UseVariable(const Variable& variable) {
+    Expr expr;
+    expr.text = variable.cppName;
+    expr.type = variable.type;
+    expr.form = variable.form;
+    if (expr.type.IsArray() && expr.form == ArrayForm::None) expr.form = ArrayForm::Vector;
+    expr.slot = variable.slot;
+    expr.isConst = variable.isConst || variable.isPreCalc;
+    expr.assignable = !expr.isConst;
+    expr.variable = &variable;
+    return expr;
+}
+
+// A Method of the open Type comes first, as it does in C++.
+const Routine* FindCallable(const std::string& name) {
+    const Routine* routine = currentClass ? FindMethod(*currentClass, name) : nullptr;
+    if (routine == nullptr) routine = FindFunction(name);
+    return routine ? routine : FindUserlibFunction(name);
+}
+
+// Where a variable has the Function's name, C++ has to be told that the Function is meant.
+std::string CallPrefix(const Routine& routine) {
+    return routine.owner == nullptr && !routine.isUserlib && FindVariable(routine.name) != nullptr ? "::" : "";
+}
+
+// Names of declarations in files that have not been read yet.
+Expr LetThrough(Walk& walk, const std::string& name) {
+    Expr expr;
+    expr.text = SafeName(name);
+    expr.assignable = true;
+    if (walk.Match("(")) {
+        std::string arguments;
+        for (const Expr& argument : ParseArguments(walk)) arguments += (arguments.empty() ? "" : " , ") + argument.text;
+        expr.text += " ( " + arguments + (arguments.empty() ? ")" : " )");
+        expr.isCall = true;
+    } else if (walk.callStatement && walk.at == 1) {
+        ParseBareArguments(walk);
+        expr.isCall = true;
+    }
+    return expr;
+}
+
+Expr ParseCallable(Walk& walk, const std::string& name) {
+    const Routine* routine = FindCallable(name);
+    if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
+    if (FindVariable(name) != nullptr) ReportFatal("'" + name + "' is not a Function and cannot be called");
+    if (lenient) return LetThrough(walk, name);
+    FailUnknownName(walk, name);
+}
+
+// Calls without parentheses are statements; elsewhere the parentheses are missing.
+Expr ParseBareName(Walk& walk, const std::string& name) {
+    const Routine* routine = FindCallable(name);
+    if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
+    if (lenient && !IsClass(name)) return LetThrough(walk, name);
+    FailUnknownName(walk, name);
+}
+
+}  // namespace
+
+bool IsIdentifier(const std::string& token) {
+    if (token.empty()) return false;
+    const auto c = static_cast<unsigned char>(token[0]);
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c >= 128;
+}
+
+void FailUnknownName(const Walk& walk, const std::string& name) {
+    const std::string lower = Lower(name);
+    if (IsOperatorWord(lower)) ReportFatal("Missing operand before '" + name + "'");
+    if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
+    if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");
+    if (walk.mode == ExprMode::Print) {
+        ReportFatal("Variable '" + name + "' used out of scope in Print statement " + Place());
+    }
+    if (WasInEndedBlock(name)) ReportFatal("Variable '" + name + "' used out of scope " + Place());
+    if (walk.Peek() == "\\") ReportFatal("Variable '" + name + "' is not defined");
+    ReportFatal("Identifier not found - " + name);
+}
+
+Expr ParseName(Walk& walk) {
+    const std::string& name = walk.Take();
+    const std::string lower = Lower(name);
+    const bool called = walk.Peek() == "(";
+    if (called && IsBuiltin(lower)) return ParseBuiltin(walk, lower);
+
+    const auto word = words.find(lower);
+    if (word != words.end()) return word->second();
+    if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name);
+
+    const Variable* variable = FindVariable(name);
+    TraceLookup(name, variable);
+    if (variable != nullptr && !called) return UseVariable(*variable);
+    if (lower == "create" || lower == "new") return ParseCreate(walk);
+    Expr instance;
+    if (ParseInstanceWord(walk, lower, instance)) return instance;
+    return called ? ParseCallable(walk, name) : ParseBareName(walk, name);
+}

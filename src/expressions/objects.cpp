@@ -1,0 +1,111 @@
+// Making objects and walking the list of a Type's objects.
+#include "driver/report.h"
+#include "expressions/walk.h"
+#include "lexer/lexer.h"
+#include "prelude/output.h"
+
+namespace {
+
+std::string Joined(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+    return joined;
+}
+
+// A class without a constructor of its own takes no arguments.
+std::vector<std::string> ConstructorArguments(const ClassInfo& cls, const std::vector<Expr>& arguments) {
+    Routine plain;
+    const Routine* constructor = FindMethod(cls, "constructor");
+    return CheckedArguments("Method '" + cls.name + "::constructor'", constructor ? *constructor : plain, arguments);
+}
+
+Expr ObjectOf(const ClassInfo* cls, std::string text) {
+    Expr expr;
+    expr.text = std::move(text);
+    expr.type = Single(Base::Object, cls);
+    expr.isCall = true;
+    ++unrepeatable;
+    return expr;
+}
+
+const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
+    const std::string& name = walk.Take();
+    const ClassInfo* cls = FindClass(name);
+    if (cls == nullptr || cls->isElement) ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
+    NeedClass(cls);
+    return cls;
+}
+
+void RequireObject(const Expr& expr, const std::string& word) {
+    if (!expr.type.IsKnown()) return;
+    if (!expr.type.Is(Base::Object)) {
+        ReportFatal("'" + word + "' expects an object of a Type but got " + KorvelName(expr.type));
+    }
+    NeedClass(expr.type.cls);
+}
+
+// Before x and After x take x alone: what follows belongs to the neighbour.
+Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
+    if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
+    const std::string& name = walk.Peek();
+    Expr object = ParseName(walk);
+    if (walk.Peek() == "[") object = ParseIndices(walk, object, name, object.variable);
+    RequireObject(object, word);
+    return ObjectOf(object.type.cls, object.text + "->" + member + "()");
+}
+
+// Insert a After b
+Expr ParseInsert(Walk& walk, const std::string& word) {
+    const Expr object = ParsePrimary(walk);
+    RequireObject(object, word);
+    const std::string place = Lower(walk.Peek());
+    if (place != "before" && place != "after") ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
+    walk.Take();
+    const Expr target = ParsePrimary(walk);
+    RequireObject(target, word);
+    if (object.type != target.type && object.type.IsKnown() && target.type.IsKnown()) {
+        ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
+                    KorvelName(target.type));
+    }
+    Expr expr = ObjectOf(nullptr, object.text + (place == "after" ? "->InsertAfter(" : "->InsertBefore(") + target.text + ")");
+    expr.type = Single(Base::Void);
+    return expr;
+}
+
+}  // namespace
+
+Expr ParseCreate(Walk& walk) {
+    if (walk.Done()) ReportFatal("Expected class name after 'Create'");
+    const std::string& name = walk.Take();
+    const ClassInfo* cls = FindClass(name);
+    if (cls == nullptr) {
+        ReportFatal("Type '" + name + "' is not defined. Cannot create instance of non-existent Type");
+    }
+    NeedClass(cls);
+    const std::vector<Expr> arguments = walk.Match("(") ? ParseArguments(walk) : std::vector<Expr>();
+    const std::string call = cls->cppName + "(" + Joined(ConstructorArguments(*cls, arguments)) + ")";
+    if (!cls->isElement) {
+        Expr object = ObjectOf(cls, "new " + call);
+        object.level = Level::Unary;
+        return object;
+    }
+    Expr value = ObjectOf(cls, call);
+    value.type = Single(Base::Element, cls);
+    return value;
+}
+
+bool ParseInstanceWord(Walk& walk, const std::string& lowerName, Expr& result) {
+    const std::string& word = walk.tokens[walk.at - 1];
+    if (lowerName == "first" || lowerName == "last") {
+        const ClassInfo* cls = ParseTypeName(walk, word);
+        result = ObjectOf(cls, cls->cppName + (lowerName == "first" ? "::First()" : "::Last()"));
+        return true;
+    }
+    if (lowerName == "before" || lowerName == "after") {
+        result = ParseNeighbour(walk, word, lowerName == "before" ? "Before" : "After");
+        return true;
+    }
+    if (lowerName != "insert") return false;
+    result = ParseInsert(walk, word);
+    return true;
+}

@@ -1,0 +1,31 @@
+// The operators of the language and what they are in C++.
+#pragma once
+
+#include <string>
+
+#include "expressions/walk.h"
+
+enum class OperatorKind : unsigned char { Add, Arithmetic, Divide, Remainder, Bits, Order, Equality, Logic };
+
+struct BinaryOperator {
+    const char* text;  // in C++
+    Level level;
+    OperatorKind kind;
+};
+
+enum class UnaryKind : unsigned char { Sign, Not, Complement };
+
+struct UnaryOperator {
+    const char* text;
+    UnaryKind kind;
+};
+
+// The binary operator at the walk's position and the number of its tokens; null when there is none.
+// A lone "=" is an operator only when `comparing`.
+const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& length);
+
+// The operator before an operand; null when there is none.
+const UnaryOperator* PeekUnary(const Walk& walk);
+
+// True for the words among the operators ("and", "mod", "bitnot" ...), in lower case.
+bool IsOperatorWord(const std::string& lowerName);

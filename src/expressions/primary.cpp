@@ -1,0 +1,129 @@
+// Operands: literals, parentheses, names.
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+
+#include "driver/report.h"
+#include "expressions/walk.h"
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+bool AllDigits(const std::string& text, std::size_t from) {
+    return from < text.size() && text.find_first_not_of("0123456789", from) == std::string::npos;
+}
+
+Expr Number(std::string text, Base base) {
+    Expr expr;
+    expr.text = std::move(text);
+    expr.type = Single(base);
+    return expr;
+}
+
+// Int, or Long where the number is too large for one.
+Base SizeOf(const std::string& text, int radix) {
+    errno = 0;
+    const unsigned long long value = std::strtoull(text.c_str(), nullptr, radix);
+    if (errno != 0 || (radix == 10 && value > static_cast<unsigned long long>(LLONG_MAX))) {
+        ReportFatal("Number too large: " + text);
+    }
+    return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
+}
+
+Expr ParseHexadecimal(Walk& walk) {
+    const std::string digits = walk.Take().substr(1);
+    const Base base = SizeOf(digits, 16);
+    return Number("0x" + digits, base);
+}
+
+bool IsHexadecimal(const std::string& token) {
+    if (token.size() < 2 || token[0] != '$') return false;
+    for (std::size_t i = 1; i < token.size(); ++i) {
+        if (!IsHexDigit(token[i])) return false;
+    }
+    return true;
+}
+
+// A leading zero would make the number octal in C++.
+std::string WithoutLeadingZeros(const std::string& digits) {
+    const std::size_t first = digits.find_first_not_of('0');
+    return first == std::string::npos ? "0" : digits.substr(first);
+}
+
+bool IsExponent(char c) { return c == 'e' || c == 'E'; }
+
+// 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
+Expr ParseDouble(Walk& walk, std::string text) {
+    if (IsExponent(text.back()) && (walk.Peek() == "-" || walk.Peek() == "+") && AllDigits(walk.Peek(1), 0)) {
+        text += walk.Take();
+        text += walk.Take();
+    }
+    char* end = nullptr;
+    errno = 0;
+    const double value = std::strtod(text.c_str(), &end);
+    if (*end != '\0' || text.find_first_not_of("0123456789.eE+-") != std::string::npos) {
+        ReportFatal("Invalid number '" + text + "'");
+    }
+    if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text);
+    return Number(text, Base::Double);
+}
+
+Expr ParseNumber(Walk& walk) {
+    const std::string& token = walk.Take();
+    if (!AllDigits(token, 0)) return ParseDouble(walk, token);
+    const std::string digits = WithoutLeadingZeros(token);
+    return Number(digits, SizeOf(digits, 10));
+}
+
+Expr ParseParentheses(Walk& walk) {
+    walk.Take();
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    Expr expr = ParseValue(walk);
+    walk.callStatement = statement;
+    walk.Expect(")");
+    RequireValue(expr);
+    expr.text = "( " + ValueText(expr) + " )";
+    expr.slot = false;
+    expr.assignable = false;
+    expr.isCall = false;
+    expr.variable = nullptr;
+    expr.level = Level::Primary;
+    return expr;
+}
+
+bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == "*" || op == "/"; }
+
+}  // namespace
+
+void FailUnexpected(const Walk& walk) {
+    const std::string before = walk.at == 0 ? "" : walk.tokens[walk.at - 1];
+    if (walk.Done()) ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'");
+    const std::string& token = walk.Peek();
+    if (token == "=" && IsCompound(before)) {
+        ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " + before + " 1'");
+    }
+    ReportFatal("Unexpected '" + token + "' in an expression");
+}
+
+Expr ParsePrimary(Walk& walk) {
+    const std::string& token = walk.Peek();
+    if (token.empty()) FailUnexpected(walk);
+    const char c = token[0];
+    if (c == '"') {
+        Expr text = TranslateString(token);
+        walk.Take();
+        return ParsePostfix(walk, std::move(text), token);
+    }
+    if (c == '(') return ParsePostfix(walk, ParseParentheses(walk), token);
+    if (IsDigit(c)) return ParsePostfix(walk, ParseNumber(walk), token);
+    if (c == '.' && token.size() == 1 && !walk.Peek(1).empty() && IsDigit(walk.Peek(1)[0])) {
+        walk.Take();
+        return ParseDouble(walk, "0." + walk.Take());
+    }
+    if (IsHexadecimal(token)) return ParseHexadecimal(walk);
+    if (!IsIdentifier(token)) FailUnexpected(walk);
+    Expr expr = ParseName(walk);
+    return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;
+}

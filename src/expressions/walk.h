@@ -1,0 +1,80 @@
+// The walk over the tokens of one expression, shared by the files of this folder.
+// Every Parse routine begins at the walk's position and advances it behind what it translated.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "expressions/expression.h"
+
+struct Walk {
+    TokenSpan tokens;
+    ExprMode mode = ExprMode::Condition;
+    std::size_t at = 0;
+    bool callStatement = false;  // a Function or Method may be called without parentheses
+
+    Walk(TokenSpan t, ExprMode m) : tokens(t), mode(m) {}
+
+    bool Done() const { return at >= tokens.size(); }
+    const std::string& Peek(std::size_t ahead = 0) const { return tokens[at + ahead]; }
+    const std::string& Take() { return tokens[at++]; }
+    bool Match(const char* token) {
+        if (Peek() != token) return false;
+        ++at;
+        return true;
+    }
+    void Expect(const char* token);  // ends the run when another token comes
+};
+
+// How many texts so far must not be evaluated twice, or may not stand inside decltype (calls, lambdas).
+// Whoever repeats a text in what is emitted compares the count before and after its translation.
+extern std::size_t unrepeatable;
+
+// Counts how deep brackets, calls and signs are nested; too deep ends the run.
+class DepthGuard {
+public:
+    DepthGuard();
+    ~DepthGuard();
+    DepthGuard(const DepthGuard&) = delete;
+    DepthGuard& operator=(const DepthGuard&) = delete;
+};
+
+Expr ParseValue(Walk& walk);       // any expression in which "=" compares
+Expr ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
+Expr ParseUnary(Walk& walk);
+Expr ParsePrimary(Walk& walk);
+Expr ParsePostfix(Walk& walk, Expr expr, const std::string& name);  // "\" members, "[" indices
+
+// The arguments behind "(", up to and with the ")".
+std::vector<Expr> ParseArguments(Walk& walk);
+// The arguments of a call statement without parentheses: all that is left.
+std::vector<Expr> ParseBareArguments(Walk& walk);
+
+// A call of a routine whose name has been read; `prefix` is what stands before the routine's C++ name.
+Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix);
+// The texts of the arguments, defaults written out. `subject` as in "Function 'Draw'".
+std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
+                                          const std::vector<Expr>& arguments);
+std::string SubjectOf(const Routine& routine);
+
+// The indices behind an array; `array` is the variable or Field that it is, null for other expressions.
+Expr ParseIndices(Walk& walk, const Expr& expr, const std::string& name, const Variable* array);
+
+bool IsBuiltin(const std::string& lowerName);  // a name that means a built-in when "(" follows
+Expr ParseBuiltin(Walk& walk, const std::string& lowerName);
+bool IsSeqFunction(const std::string& lowerName);
+Expr ParseSeqFunction(Walk& walk, const std::string& lowerName);
+Expr ParseCreate(Walk& walk);
+// First, Last, Before, After and Insert; false when the word is none of these.
+bool ParseInstanceWord(Walk& walk, const std::string& lowerName, Expr& result);
+
+Expr ParseName(Walk& walk);
+bool IsIdentifier(const std::string& token);
+[[noreturn]] void FailUnknownName(const Walk& walk, const std::string& name);
+[[noreturn]] void FailUnexpected(const Walk& walk);
+// Ends the run when the expression is no value (Void, a Type without object ...).
+void RequireValue(const Expr& expr);
+
+Expr Combine(Expr left, const struct BinaryOperator& op, const Expr& right);
+Expr ApplyUnary(const struct UnaryOperator& op, const Expr& operand);
