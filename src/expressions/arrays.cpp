@@ -11,10 +11,10 @@
 namespace {
 
 struct Access {
-    std::string name;             // as written
-    const Variable* array;        // null for anything but a variable or Field
+    std::string name;       // as written
+    const Variable* array;  // null for anything but a variable or Field
     std::vector<std::string> indices;
-    bool simple = true;           // the indices may be evaluated more than once
+    bool simple = true;  // the indices may be evaluated more than once
 };
 
 void CheckIndexType(const Expr& index) {
@@ -77,9 +77,10 @@ std::string CheckedByLambda(const std::string& array, const Access& access) {
     for (std::size_t k = 0; k <= last; ++k) {
         const std::string& index = access.indices[k];
         const std::string size = array + "_size_" + std::to_string(k);
-        text += "if ((" + index + ") < 0 || (" + index + ") >= " + size + ") { std::cerr << \"Array bounds error: " +
-                access.name + "[\" << (" + index + ") << \"]" + (k == last ? "" : "[...]") + " dimension " +
-                std::to_string(k) + " out of range [0, \" << (" + size + "-1) << \"]\" << std::endl; exit(1); } ";
+        text += "if ((" + index + ") < 0 || (" + index + ") >= " + size +
+                ") { std::cerr << \"Array bounds error: " + access.name + "[\" << (" + index + ") << \"]" +
+                (k == last ? "" : "[...]") + " dimension " + std::to_string(k) + " out of range [0, \" << (" +
+                size + "-1) << \"]\" << std::endl; exit(1); } ";
     }
     return text + "return " + plain + "; })()";
 }
@@ -96,7 +97,8 @@ std::string CheckedByHelper(const std::string& array, const Access& access, bool
 }
 
 bool IsField(const Variable* array, const std::string& text) {
-    return array == nullptr || text != array->cppName || (FindLocal(array->name) != array && FindGlobal(array->name) != array);
+    return array == nullptr || text != array->cppName ||
+           (FindLocal(array->name) != array && FindGlobal(array->name) != array);
 }
 
 std::string Checked(const Expr& array, const Access& access) {

@@ -12,7 +12,8 @@ bool IsPointer(const Expr& expr) {
     return expr.type.Is(Base::Object) || expr.type.Is(Base::Pointer) || expr.type.Is(Base::Null);
 }
 bool IsTruth(const Expr& expr) {
-    return !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::Object) || expr.type.Is(Base::Pointer);
+    return !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::Object) ||
+           expr.type.Is(Base::Pointer);
 }
 
 // What C++ makes of two numbers: at least an Int.
@@ -76,7 +77,8 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
     if (!left.type.IsKnown() || !right.type.IsKnown()) return Join(std::move(left), op, right, {});
     const bool remainder = op.kind == OperatorKind::Remainder;
     if (!Checked()) {
-        if (remainder && common == Base::Double) return Call("std::fmod", left.text, right.text, Single(common));
+        if (remainder && common == Base::Double)
+            return Call("std::fmod", left.text, right.text, Single(common));
         return Join(std::move(left), op, right, Single(common));
     }
     if (remainder && common == Base::Double) RequireSupport(Support::SafeOperands);
@@ -86,9 +88,11 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
 
 Expr Arithmetic(Expr left, const BinaryOperator& op, const Expr& right) {
     const bool known = left.type.IsKnown() && right.type.IsKnown();
-    const bool numbers = (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
+    const bool numbers =
+        (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
     if (!numbers) FailOperands(left, op, right);
-    if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder) return Divide(std::move(left), op, right);
+    if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder)
+        return Divide(std::move(left), op, right);
     const Base common = CommonNumber(left, right);
     if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
     return Join(std::move(left), op, right, known ? Single(common) : ValueType());
@@ -137,9 +141,12 @@ Expr Combine(Expr left, const BinaryOperator& op, const Expr& right) {
             if (IsText(left) || IsText(right)) return Concatenate(std::move(left), op, right);
             break;
         case OperatorKind::Order:
-        case OperatorKind::Equality: return Compare(std::move(left), op, right);
-        case OperatorKind::Logic: return Logic(std::move(left), op, right);
-        default: break;
+        case OperatorKind::Equality:
+            return Compare(std::move(left), op, right);
+        case OperatorKind::Logic:
+            return Logic(std::move(left), op, right);
+        default:
+            break;
     }
     return Arithmetic(std::move(left), op, right);
 }
@@ -151,7 +158,8 @@ Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
                       : op.kind == UnaryKind::Sign ? operand.type.IsNumber()
                                                    : operand.type.IsInteger();
     if (known && !fits) {
-        ReportFatal(std::string("Operator '") + op.text + "' cannot be used with " + KorvelName(operand.type));
+        ReportFatal(std::string("Operator '") + op.text + "' cannot be used with " +
+                    KorvelName(operand.type));
     }
     Expr result;
     result.text = std::string(op.text) + " " + operand.text;

@@ -2,9 +2,9 @@
 #include <unordered_map>
 
 #include "driver/report.h"
+#include "expressions/math_functions.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
-#include "prelude/math_functions.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -43,11 +43,13 @@ Expr Asc(const std::string& name, const Arguments& arguments) {
     const Expr& x = arguments[0];
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
     if (x.isCall) {
-        return Result("[](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" + x.text + ")",
+        return Result("[](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
+                          x.text + ")",
                       Base::Int);
     }
-    return Result("(static_cast<int>(std::string(" + x.text + ").length() > 0 ? std::string(" + x.text + ")[0] : 0))",
-                  Base::Int);
+    return Result(
+        "(static_cast<int>(std::string(" + x.text + ").length() > 0 ? std::string(" + x.text + ")[0] : 0))",
+        Base::Int);
 }
 
 Expr Convert(const std::string& name, const Expr& x, const char* ofString, Base to) {
@@ -72,11 +74,8 @@ Expr ToString(const std::string& name, const Arguments& arguments) {
 }
 
 const std::unordered_map<std::string, Builtin> builtins = {
-    {"chr", {1, Chr}},
-    {"asc", {1, Asc}},
-    {"toint", {1, ToInt}},
-    {"todouble", {1, ToDouble}},
-    {"tostring", {1, ToString}},
+    {"chr", {1, Chr}},           {"asc", {1, Asc}},           {"toint", {1, ToInt}},
+    {"todouble", {1, ToDouble}}, {"tostring", {1, ToString}},
 };
 
 // Type words that look like conversions, and what was meant.
@@ -116,7 +115,8 @@ Expr Math(const std::string& lowerName, const std::string& name, const Arguments
 
 void CheckCount(const std::string& name, int expected, std::size_t count) {
     if (static_cast<std::size_t>(expected) == count) return;
-    ReportFatal("'" + name + "' expects " + std::to_string(expected) + " argument(s), got " + std::to_string(count));
+    ReportFatal("'" + name + "' expects " + std::to_string(expected) + " argument(s), got " +
+                std::to_string(count));
 }
 
 }  // namespace

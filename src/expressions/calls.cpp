@@ -7,7 +7,9 @@
 
 namespace {
 
-std::string Spelling(const ValueType& type) { return type.IsArray() ? ParameterCppName(type) : CppName(type); }
+std::string Spelling(const ValueType& type) {
+    return type.IsArray() ? ParameterCppName(type) : CppName(type);
+}
 
 void CheckCount(const std::string& subject, const Routine& routine, std::size_t count) {
     std::size_t required = 0;
@@ -18,7 +20,8 @@ void CheckCount(const std::string& subject, const Routine& routine, std::size_t 
                 " provided");
 }
 
-void CheckArgument(const std::string& subject, std::size_t index, const ValueType& type, const Expr& argument) {
+void CheckArgument(const std::string& subject, std::size_t index, const ValueType& type,
+                   const Expr& argument) {
     RequireValue(argument);
     if (Assignable(type, argument.type)) return;
     const std::string got = argument.type.IsArray() ? CppName(argument.type) : Spelling(argument.type);
@@ -96,14 +99,16 @@ std::vector<std::string> CheckedArguments(const std::string& subject, const Rout
             CheckArgument(subject, i, parameter.type, arguments[i]);
             texts.push_back(ArgumentText(arguments[i], parameter.type));
         } else {
-            texts.push_back(ArgumentText(TranslateExpression(parameter.defaultValue, ExprMode::Condition), parameter.type));
+            texts.push_back(ArgumentText(TranslateExpression(parameter.defaultValue, ExprMode::Condition),
+                                         parameter.type));
         }
     }
     return texts;
 }
 
 Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
-    if (routine.owner == nullptr && Lower(routine.name) == "main") ReportFatal("'" + routine.name + "' cannot be called");
+    if (routine.owner == nullptr && Lower(routine.name) == "main")
+        ReportFatal("'" + routine.name + "' cannot be called");
     const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
     Expr call;
     call.text = prefix + routine.cppName + " (";
@@ -114,7 +119,8 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
     }
     call.text += " )";
     call.type = routine.result;
-    if (call.type.IsArray()) call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
+    if (call.type.IsArray())
+        call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
     call.isCall = true;
     NeedElement(routine.result);
     ++unrepeatable;

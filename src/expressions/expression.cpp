@@ -11,7 +11,7 @@ std::size_t unrepeatable = 0;
 
 namespace {
 
-constexpr int deepest = 500;    // nested brackets, calls and signs
+constexpr int deepest = 500;        // nested brackets, calls and signs
 constexpr int longestChain = 1000;  // divisions in a row that each wrap what stands before
 
 int depth = 0;
@@ -38,8 +38,8 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
     Expr left = ParseUnary(walk);
     int wraps = 0;
     std::size_t length = 0;
-    for (const BinaryOperator* op = PeekBinary(walk, comparing, length); op != nullptr && op->level <= loosest;
-         op = PeekBinary(walk, comparing, length)) {
+    for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
+         op != nullptr && op->level <= loosest; op = PeekBinary(walk, comparing, length)) {
         walk.at += length;
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
         const Expr right = ParseBinary(walk, tighter, comparing);

@@ -8,16 +8,30 @@
 #include "symbols/symbols.h"
 
 // C++ precedence of the operator at the top of a text; a smaller number binds tighter.
-enum class Level : unsigned char { Primary, Unary, Product, Sum, Shift, Relation, Equality, BitAnd, BitXor, BitOr, And, Or, Assignment };
+enum class Level : unsigned char {
+    Primary,
+    Unary,
+    Product,
+    Sum,
+    Shift,
+    Relation,
+    Equality,
+    BitAnd,
+    BitXor,
+    BitOr,
+    And,
+    Or,
+    Assignment
+};
 
 struct Expr {
     std::string text;  // C++, no blanks at either end
     ValueType type;
     Level level = Level::Primary;
     ArrayForm form = ArrayForm::None;
-    bool slot = false;             // an Element behind a pointer: members through "->", the value is (*text)
-    bool literal = false;          // a bare string literal: const char* to C++
-    bool assignable = false;       // may stand on the left of an assignment
+    bool slot = false;        // an Element behind a pointer: members through "->", the value is (*text)
+    bool literal = false;     // a bare string literal: const char* to C++
+    bool assignable = false;  // may stand on the left of an assignment
     bool isCall = false;
     bool isConst = false;
     const Variable* variable = nullptr;  // when the expression is just this variable

@@ -12,7 +12,9 @@
 
 namespace {
 
-std::string Place() { return "(line " + std::to_string(settings.currentLine) + " in " + settings.currentFile + ")"; }
+std::string Place() {
+    return "(line " + std::to_string(settings.currentLine) + " in " + settings.currentFile + ")";
+}
 
 Expr Word(const char* text, Base base) {
     Expr expr;
@@ -70,7 +72,8 @@ const Routine* FindCallable(const std::string& name) {
 
 // Where a variable has the Function's name, C++ has to be told that the Function is meant.
 std::string CallPrefix(const Routine& routine) {
-    return routine.owner == nullptr && !routine.isUserlib && FindVariable(routine.name) != nullptr ? "::" : "";
+    return routine.owner == nullptr && !routine.isUserlib && FindVariable(routine.name) != nullptr ? "::"
+                                                                                                   : "";
 }
 
 // Names of declarations in files that have not been read yet.
@@ -80,7 +83,8 @@ Expr LetThrough(Walk& walk, const std::string& name) {
     expr.assignable = true;
     if (walk.Match("(")) {
         std::string arguments;
-        for (const Expr& argument : ParseArguments(walk)) arguments += (arguments.empty() ? "" : " , ") + argument.text;
+        for (const Expr& argument : ParseArguments(walk))
+            arguments += (arguments.empty() ? "" : " , ") + argument.text;
         expr.text += " ( " + arguments + (arguments.empty() ? ")" : " )");
         expr.isCall = true;
     } else if (walk.callStatement && walk.at == 1) {

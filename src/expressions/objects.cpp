@@ -16,7 +16,8 @@ std::string Joined(const std::vector<std::string>& texts) {
 std::vector<std::string> ConstructorArguments(const ClassInfo& cls, const std::vector<Expr>& arguments) {
     Routine plain;
     const Routine* constructor = FindMethod(cls, "constructor");
-    return CheckedArguments("Method '" + cls.name + "::constructor'", constructor ? *constructor : plain, arguments);
+    return CheckedArguments("Method '" + cls.name + "::constructor'", constructor ? *constructor : plain,
+                            arguments);
 }
 
 Expr ObjectOf(const ClassInfo* cls, std::string text) {
@@ -31,7 +32,8 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
 const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
     const std::string& name = walk.Take();
     const ClassInfo* cls = FindClass(name);
-    if (cls == nullptr || cls->isElement) ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
+    if (cls == nullptr || cls->isElement)
+        ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
     NeedClass(cls);
     return cls;
 }
@@ -59,7 +61,8 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
     const Expr object = ParsePrimary(walk);
     RequireObject(object, word);
     const std::string place = Lower(walk.Peek());
-    if (place != "before" && place != "after") ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
+    if (place != "before" && place != "after")
+        ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
     walk.Take();
     const Expr target = ParsePrimary(walk);
     RequireObject(target, word);
@@ -67,7 +70,8 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
         ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
                     KorvelName(target.type));
     }
-    Expr expr = ObjectOf(nullptr, object.text + (place == "after" ? "->InsertAfter(" : "->InsertBefore(") + target.text + ")");
+    Expr expr = ObjectOf(
+        nullptr, object.text + (place == "after" ? "->InsertAfter(" : "->InsertBefore(") + target.text + ")");
     expr.type = Single(Base::Void);
     return expr;
 }

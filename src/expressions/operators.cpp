@@ -46,8 +46,8 @@ const std::unordered_map<std::string, BinaryOperator> binaryWords = {
 };
 
 const std::unordered_map<std::string, UnaryOperator> unaryWords = {
-    {"-", {"-", UnaryKind::Sign}}, {"+", {"+", UnaryKind::Sign}},
-    {"!", {"!", UnaryKind::Not}},  {"not", {"!", UnaryKind::Not}},
+    {"-", {"-", UnaryKind::Sign}},       {"+", {"+", UnaryKind::Sign}},
+    {"!", {"!", UnaryKind::Not}},        {"not", {"!", UnaryKind::Not}},
     {"~", {"~", UnaryKind::Complement}}, {"bitnot", {"~", UnaryKind::Complement}},
 };
 

@@ -99,10 +99,12 @@ bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == 
 
 void FailUnexpected(const Walk& walk) {
     const std::string before = walk.at == 0 ? "" : walk.tokens[walk.at - 1];
-    if (walk.Done()) ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'");
+    if (walk.Done())
+        ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'");
     const std::string& token = walk.Peek();
     if (token == "=" && IsCompound(before)) {
-        ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " + before + " 1'");
+        ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " +
+                    before + " 1'");
     }
     ReportFatal("Unexpected '" + token + "' in an expression");
 }

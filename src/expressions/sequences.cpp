@@ -25,10 +25,12 @@ const std::unordered_map<std::string, SeqFunction> seqFunctions = {
     {"seqnext", {"Next", SeqArgument::None, SeqResult::Item, "SeqNext expects: SeqNext(seq)"}},
     {"seqbefore", {"Before", SeqArgument::None, SeqResult::Item, "SeqBefore expects: SeqBefore(seq)"}},
     {"seqisempty", {"IsEmpty", SeqArgument::None, SeqResult::Int, "SeqIsEmpty expects: SeqIsEmpty(seq)"}},
-    {"seqcontains", {"Contains", SeqArgument::Value, SeqResult::Int, "SeqContains expects: SeqContains(seq, value)"}},
+    {"seqcontains",
+     {"Contains", SeqArgument::Value, SeqResult::Int, "SeqContains expects: SeqContains(seq, value)"}},
     {"seqremovefirst",
      {"RemoveFirst", SeqArgument::None, SeqResult::Item, "SeqRemoveFirst expects: SeqRemoveFirst(seq)"}},
-    {"seqremovelast", {"RemoveLast", SeqArgument::None, SeqResult::Item, "SeqRemoveLast expects: SeqRemoveLast(seq)"}},
+    {"seqremovelast",
+     {"RemoveLast", SeqArgument::None, SeqResult::Item, "SeqRemoveLast expects: SeqRemoveLast(seq)"}},
     {"seqfind", {"Find", SeqArgument::Value, SeqResult::Int, "SeqFind expects: SeqFind(seq, value)"}},
     {"seqtoarray", {"ToArray", SeqArgument::None, SeqResult::Array, "SeqToArray expects: SeqToArray(seq)"}},
 };
@@ -46,7 +48,8 @@ std::string ValueFor(const Expr& sequence, const Expr& value, const std::string&
     RequireValue(value);
     if (!Assignable(item, value.type)) {
         ReportFatal("'" + name + "' expects a value of type " + KorvelName(item) + " for a " +
-                    KorvelName(sequence.type) + " but got " + KorvelName(value.type) + ConversionHint(item, value.type));
+                    KorvelName(sequence.type) + " but got " + KorvelName(value.type) +
+                    ConversionHint(item, value.type));
     }
     return TextAs(value, item);
 }

@@ -35,14 +35,22 @@ bool HasHoles(const std::string& text) {
 // The C++ spelling of a tilde pair; null when the pair is none.
 const char* Escaped(char c) {
     switch (c) {
-        case 't': return "\\t";
-        case 'n': return "\\n";
-        case 'r': return "\\r";
-        case 'q': return "\\\"";
-        case '~': return "~";
-        case '{': return "{";
-        case '}': return "}";
-        default: return nullptr;
+        case 't':
+            return "\\t";
+        case 'n':
+            return "\\n";
+        case 'r':
+            return "\\r";
+        case 'q':
+            return "\\\"";
+        case '~':
+            return "~";
+        case '{':
+            return "{";
+        case '}':
+            return "}";
+        default:
+            return nullptr;
     }
 }
 
@@ -86,8 +94,8 @@ std::string Stripped(const std::string& text) {
 }
 
 [[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
-    std::string message = std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel + ") does not match '" +
-                          content + "' which is " + CppName(type);
+    std::string message = std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel +
+                          ") does not match '" + content + "' which is " + CppName(type);
     if (tag.tag == '$') message += " - use {%" + content + "} or {!" + content + "}";
     ReportFatal(message);
 }
@@ -96,7 +104,8 @@ std::string Stripped(const std::string& text) {
 void CheckTag(const Tag& tag, const std::string& content, const Expr& value) {
     const Variable* variable = FindLocal(content);
     if (variable == nullptr) variable = FindGlobal(content);
-    if (variable != nullptr && !variable->isConst && variable->type.IsKnown() && !variable->type.Is(tag.base)) {
+    if (variable != nullptr && !variable->isConst && variable->type.IsKnown() &&
+        !variable->type.Is(tag.base)) {
         FailTag(tag, content, variable->type);
     }
     const bool fits = tag.base == Base::String ? value.type.Is(Base::String) : value.type.IsNumber();

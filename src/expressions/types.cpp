@@ -25,7 +25,8 @@ std::string Passed(const Expr& expr) {
     if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
     if (expr.form == ArrayForm::Fixed && expr.type.dims == 1) return expr.text;
     const bool fresh = expr.form == ArrayForm::Owned;
-    const bool plain = expr.type.dims == 1 && !fresh && expr.type.base != Base::Element && expr.type.base != Base::Bool;
+    const bool plain =
+        expr.type.dims == 1 && !fresh && expr.type.base != Base::Element && expr.type.base != Base::Bool;
     if (plain && !expr.isCall) return expr.text + ".data()";
     RequireSupport(Support::ArrayPassing);
     if (expr.type.base == Base::Bool) RequireSupport(Support::BoolArray);
@@ -40,7 +41,9 @@ std::string LastWord(const std::string& text) {
     return word.compare(0, 4, "KVL_") == 0 ? word.substr(4) : word;
 }
 
-std::string TargetName(const Expr& target) { return target.variable ? target.variable->name : LastWord(target.text); }
+std::string TargetName(const Expr& target) {
+    return target.variable ? target.variable->name : LastWord(target.text);
+}
 
 }  // namespace
 
@@ -64,7 +67,8 @@ std::string ArgumentText(const Expr& expr, const ValueType& parameter) {
     if (parameter.IsArray() && expr.type.IsArray()) return Passed(expr);
     // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
     if (parameter.sequence && expr.isCall) {
-        return "const_cast<" + CppName(expr.type) + "&>(static_cast<const " + CppName(expr.type) + "&>(" + expr.text + "))";
+        return "const_cast<" + CppName(expr.type) + "&>(static_cast<const " + CppName(expr.type) + "&>(" +
+               expr.text + "))";
     }
     return TextAs(expr, parameter);
 }
@@ -76,8 +80,9 @@ void CheckAssignable(const Expr& target, const Expr& value) {
     }
     if (!target.assignable && !target.slot) ReportFatal("What stands before '=' cannot be assigned to");
     if (target.type.IsArray() && value.type.IsArray() && !value.isCall) {
-        ReportFatal("Cannot assign arrays directly. Arrays are reference types.\n"
-                    "        Use a loop to copy elements, or return from a function for deep copy.");
+        ReportFatal(
+            "Cannot assign arrays directly. Arrays are reference types.\n"
+            "        Use a loop to copy elements, or return from a function for deep copy.");
     }
     if (Assignable(target.type, value.type)) return;
     ReportFatal("Type mismatch: Cannot assign " + CppName(value.type) + " to " + CppName(target.type) +

@@ -28,3 +28,21 @@ auto __kvAt(const char* name, A&& items, long long i, long long n, long long j, 
     return items[i][j][k];
 }
 
+// The same for arrays that know their sizes.
+template<typename A>
+auto __kvPick(const char* name, A&& items, long long i) -> decltype((items[0])) {
+    return __kvAt(name, items, i, (long long)items.size());
+}
+template<typename A>
+auto __kvPick(const char* name, A&& items, long long i, long long j) -> decltype((items[0][0])) {
+    __kvCheckIndex(i, (long long)items.size(), name, 0, 2);
+    __kvCheckIndex(j, (long long)items[i].size(), name, 1, 2);
+    return items[i][j];
+}
+template<typename A>
+auto __kvPick(const char* name, A&& items, long long i, long long j, long long k) -> decltype((items[0][0][0])) {
+    __kvCheckIndex(i, (long long)items.size(), name, 0, 3);
+    __kvCheckIndex(j, (long long)items[i].size(), name, 1, 3);
+    __kvCheckIndex(k, (long long)items[i][j].size(), name, 2, 3);
+    return items[i][j][k];
+}
