@@ -13,6 +13,17 @@ struct State;
 
 enum class BlockKind : unsigned char { If, Loop, Repeat, Select };
 
+// The header of a loop over a Sequence, to be rewritten when the body turns out to change the Sequence.
+struct SequenceWalk {
+    std::string sequence;    // C++ text; empty for other loops
+    std::string variable;    // C++ name
+    Piece* piece = nullptr;  // where the header stands
+    std::size_t forAt = 0;   // of the text "for(...)" in it
+    std::size_t forSize = 0;
+    std::size_t bodyAt = 0;  // behind the line "{"
+    bool changed = false;
+};
+
 struct OpenBlock {
     BlockKind kind = BlockKind::If;
     int line = 0;
@@ -20,6 +31,7 @@ struct OpenBlock {
     std::string variable;    // loop variable, as written
     bool elseSeen = false;   // If
     bool continued = false;  // Repeat: a Continue of this loop was met
+    SequenceWalk walk;       // a loop over a Sequence
 };
 
 struct OpenSelect {

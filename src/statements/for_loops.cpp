@@ -20,6 +20,7 @@ struct Collection {
     ValueType item;
     const ClassInfo* walked = nullptr;  // the Type, when it walks instances
     ArrayForm itemForm = ArrayForm::None;
+    bool sequence = false;
     bool pointers = false;  // items may be null
     bool slot = false;      // Elements reached through pointers
     bool copies = true;     // "auto" makes a copy that the loop may work on; otherwise a reference is meant
@@ -82,9 +83,10 @@ Collection CollectionOf(TokenSpan tokens) {
     Expr expr = TranslateExpression(tokens, ExprMode::Condition);
     CheckWalkable(expr);
     Collection collection;
-    collection.text = expr.form == ArrayForm::Owned ? TextAs(expr, expr.type) : ValueText(expr);
+    collection.text = WalkableText(expr);
     if (!expr.type.IsKnown()) return collection;
     collection.item = expr.type.Item();
+    collection.sequence = expr.type.sequence && !expr.isCall;
     const bool element = collection.item.Is(Base::Element);
     if (element) NeedClass(collection.item.cls);
     if (collection.item.IsArray()) {
@@ -127,6 +129,22 @@ void EmitIndexWalk(State& state, const std::string& variable, const std::string&
     EmitLine(state, " " + type + " " + variable + " = " + list + "[" + index + "];");
 }
 
+// Emits the lines "for(...)" and "{" and remembers where they stand.
+SequenceWalk EmitSequenceHeader(State& state, const std::string& header, const std::string& variable,
+                                const std::string& sequence) {
+    SequenceWalk walk;
+    walk.sequence = sequence;
+    walk.variable = variable;
+    walk.piece = &state.out->pieces.back();
+    std::size_t lineAt = walk.piece->text.size();
+    EmitLine(state, header);
+    walk.forAt = walk.piece->text.find(header, lineAt);
+    walk.forSize = header.size();
+    EmitLine(state, "{");
+    walk.bodyAt = walk.piece->text.size();
+    return walk;
+}
+
 void TranslateEach(State& state, const EachHeader& header) {
     Collection collection = CollectionOf(header.collection);
     ValueType declared = DeclaredType(header, collection);
@@ -135,18 +153,39 @@ void TranslateEach(State& state, const EachHeader& header) {
     variable.form = collection.itemForm;
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
+    SequenceWalk walk;
     if (collection.walked != nullptr &&
         LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
     } else {
-        EmitLine(state, "for(" + type + " " + variable.cppName + " : " + collection.text + ")");
-        EmitLine(state, "{");
+        walk =
+            EmitSequenceHeader(state, "for(" + type + " " + variable.cppName + " : " + collection.text + ")",
+                               variable.cppName, collection.sequence ? collection.text : "");
     }
     if (collection.pointers) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenLoop(state, "For").variable = header.name;
+    OpenBlock& loop = OpenLoop(state, "For");
+    loop.variable = header.name;
+    loop.walk = walk;
 }
 
 }  // namespace
+
+void RewriteWalk(State& state, const SequenceWalk& walk) {
+    if (!walk.changed) return;
+    const std::string index = "__kvIndex_" + walk.variable;
+    const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
+    const std::string length = "(size_t)" + walk.sequence + ".Length()";
+    walk.piece->text.insert(
+        walk.bodyAt, indent + " auto " + walk.variable + " = " + walk.sequence + "._items[" + index + "];\n");
+    walk.piece->text.replace(walk.forAt, walk.forSize,
+                             "for(size_t " + index + " = 0, " + index + "_end = " + length + "; " + index +
+                                 " < " + index + "_end && " + index + " < " + length + "; ++" + index + ")");
+}
+
+void NoteSequenceChange(State& state, const std::string& sequence) {
+    for (OpenBlock& block : state.blocks)
+        if (!block.walk.sequence.empty() && block.walk.sequence == sequence) block.walk.changed = true;
+}
 
 OpenBlock& OpenLoop(State& state, const std::string& kind) {
     ++state.loopDepth;
@@ -181,8 +220,11 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     Variable& variable = DeclareLoopVariable(tokens[1], item);
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&& " : "auto& ";
-    EmitLine(state, "for(" + (type + variable.cppName) + " : " + ValueText(sequence) + ")");
-    EmitLine(state, "{");
+    SequenceWalk walk =
+        EmitSequenceHeader(state, "for(" + (type + variable.cppName) + " : " + ValueText(sequence) + ")",
+                           variable.cppName, sequence.isCall ? "" : ValueText(sequence));
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenLoop(state, "EachSeq").variable = tokens[1];
+    OpenBlock& loop = OpenLoop(state, "EachSeq");
+    loop.variable = tokens[1];
+    loop.walk = walk;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "driver/report.h"
+#include "statements/for_loops.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
@@ -87,7 +88,7 @@ void TranslateWhile(State& state, TokenSpan tokens) {
 
 void TranslateWend(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    CloseBlock(state, BlockKind::Loop, "Wend");
+    RewriteWalk(state, CloseBlock(state, BlockKind::Loop, "Wend").walk);
     PopLoopStacks(state);
     PopBlock();
     EmitLine(state, "}");
@@ -101,6 +102,7 @@ void TranslateNext(State& state, TokenSpan tokens) {
     }
     PopLoopStacks(state);
     PopBlock();
+    RewriteWalk(state, closed.walk);
     EmitLine(state, "__kvSchedPoll();");
     EmitLine(state, "}");
 }

@@ -194,7 +194,9 @@ void PrepareInSelect(State& state, const std::string& keyword) {
     OpenSelect& select = state.selects.back();
     if (!select.labelSeen)
         ReportFatal("Expected 'Case' or 'Default' after 'Select', before any other statement");
-    if (keyword != "local" || select.braces) return;
+    // A Return of arrays works with names of its own.
+    const bool declares = keyword == "local" || (keyword == "return" && !state.localArrays.empty());
+    if (!declares || select.braces) return;
     select.braces = true;
     EmitLine(state, "{");
     PushBlock();

@@ -1,6 +1,7 @@
 #include "statements/seq_statements.h"
 
 #include "driver/report.h"
+#include "statements/for_loops.h"
 #include "statements/words.h"
 
 namespace {
@@ -104,7 +105,7 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
         ReportFatal(
             "SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
             "add its items with SeqAdd in a For loop.");
-    std::string source = array.form == ArrayForm::Owned ? TextAs(array, array.type) : ValueText(array);
+    std::string source = WalkableText(array);
     bool whole =
         from == item && !item.Is(Base::Element) && !item.Is(Base::Bool) && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
@@ -166,6 +167,7 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     if (parts.empty() || parts[0].empty()) ReportFatal("'" + keyword + "' requires a Sequence argument");
     const bool sorts = IsWord(keyword, "seqsort");
     Expr sequence = SequenceArgument(parts[0], row, keyword);
+    NoteSequenceChange(state, ValueText(sequence));
     const bool orderLeftOut = sorts && parts.size() == 1;
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
     if (sorts)

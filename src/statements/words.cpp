@@ -1,6 +1,7 @@
 #include "statements/words.h"
 
 #include "driver/report.h"
+#include "prelude/support.h"
 
 bool IsWord(const std::string& token, std::string_view word) {
     if (token.size() != word.size()) return false;
@@ -43,4 +44,12 @@ void FailMismatch(const ValueType& from, const ValueType& to, const std::string&
 std::string GuardedText(const Expr& expr, Level weakest) {
     std::string text = ValueText(expr);
     return expr.level > weakest ? "(" + text + ")" : text;
+}
+
+std::string WalkableText(const Expr& expr) {
+    if (expr.form != ArrayForm::Owned) return ValueText(expr);
+    if (expr.type.base != Base::Element || expr.type.dims != 1) return TextAs(expr, expr.type);
+    RequireSupport(Support::ArrayPassing);
+    RequireSupport(Support::ElementSlots);
+    return "__kvTakeSlots(" + expr.text + ")";
 }

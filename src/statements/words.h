@@ -26,3 +26,6 @@ std::string ConditionText(TokenSpan tokens, const std::string& keyword);
 
 // Text of an expression that needs parentheses when its top operator binds weaker than `weakest`.
 std::string GuardedText(const Expr& expr, Level weakest);
+
+// Text of an array or Sequence that a range-for can walk: an array fresh from a call is taken over.
+std::string WalkableText(const Expr& expr);
