@@ -1,17 +1,9 @@
 #include "statements/debug_hooks.h"
 
 #include "driver/settings.h"
+#include "linking/runtime_code.h"
 #include "statements/program.h"
 #include "symbols/scopes.h"
-
-std::string CppLiteral(const std::string& text) {
-    std::string literal = "\"";
-    for (char c : text) {
-        if (c == '"' || c == '\\' || c == '?') literal += '\\';
-        literal += c;
-    }
-    return literal + "\"";
-}
 
 namespace {
 

@@ -11,6 +11,3 @@ void EmitStatementHook(State& state, const std::string& keyword);
 // After the main file's code: the functions through which the debugger lists Types, reads the Fields
 // of instances and the Globals.
 void EmitTypeEnumeration(FileOutput& out);
-
-// A C++ string literal that holds the text.
-std::string CppLiteral(const std::string& text);
