@@ -129,6 +129,16 @@ public:
         shown_.erase(0, end + text.size());
     }
 
+    // Waits until the program reads lines, or keys.
+    void AwaitLineMode(bool wanted) const {
+        struct termios modes;
+        for (int waited = 0; waited < 5000; ++waited) {
+            if (tcgetattr(master_, &modes) == 0 && ((modes.c_lflag & ICANON) != 0) == wanted) return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        ADD_FAILURE() << "the terminal is in the wrong mode";
+    }
+
 private:
     [[noreturn]] void RunShell(void (*program)()) const {
         setsid();
@@ -205,14 +215,14 @@ TEST(ConsoleTerminal, LinesAreEchoedAndEdited) {
     terminal.Expect("[ready]");
     terminal.Type("x");
     terminal.Expect("name? keys");
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    terminal.AwaitLineMode(true);
     terminal.Type(
         "Box\x7f"
         "b\n");
     terminal.Expect("Box");
     terminal.Type("42\n");
     terminal.Expect("{Bob42}lines");
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    terminal.AwaitLineMode(false);
     terminal.Type("k");
     terminal.Expect("<107>keys");
     terminal.Expect("[status 5: lines]");
