@@ -150,7 +150,7 @@ private:
         if (child == 0) {
             setpgid(0, 0);
             tcsetpgrp(STDIN_FILENO, getpid());
-            signal(SIGTTOU, SIG_DFL);
+            for (const int number : {SIGTTOU, SIGINT, SIGHUP, SIGTSTP}) signal(number, SIG_DFL);
             program();
             std::exit(5);
         }
