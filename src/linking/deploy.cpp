@@ -1,11 +1,8 @@
 #include "linking/deploy.h"
 
-#include <algorithm>
 #include <cstdio>
 
-#include "driver/paths.h"
 #include "driver/report.h"
-#include "driver/settings.h"
 #include "lexer/source_reader.h"
 #include "symbols/symbols.h"
 
@@ -27,29 +24,10 @@ void CopyDll(const std::string& name, const std::string& outputPath) {
     VerboseNote("  Copied: " + name + " -> " + outputPath + "/");
 }
 
-// The folder of the current source file, without characters outside ASCII.
-std::string CurrentFolder() {
-    const std::string& file = settings.currentFile;
-    if (file.find_first_of("/\\") == std::string::npos) return ".";
-    std::string folder = FolderOf(file);
-    const auto outside = [](char c) { return static_cast<signed char>(c) < 1; };
-    folder.erase(std::remove_if(folder.begin(), folder.end(), outside), folder.end());
-    return folder;
-}
-
 }  // namespace
 
 void CopyUserlibDLLs(const std::string& outputPath) {
     if (symbols.userlibDLLs.empty()) return;
     VerboseNote("\nCopying userlib DLLs to output directory...");
     for (const UserlibDll& dll : symbols.userlibDLLs) CopyDll(dll.name, outputPath);
-}
-
-void AddLinkerFlag(const std::string& token) {
-    const bool quoted = token.size() >= 2 && token[0] == '"';
-    std::string flag = quoted ? token.substr(1, token.size() - 2) : token;
-    if (flag == "-L.") flag = "-L\"" + CurrentFolder() + "\"";
-    const std::size_t before = symbols.linkerFlags.size();
-    AddOnce(symbols.linkerFlags, flag);
-    if (symbols.linkerFlags.size() > before) Say("  - Adding linker flag: " + flag);
 }

@@ -1,4 +1,4 @@
-// What a program with userlibs needs beside its C++: the DLLs and the linker flags.
+// The DLLs that a program with userlibs needs beside it.
 #pragma once
 
 #include <string>
@@ -6,6 +6,3 @@
 // Copies every declared DLL from the userlibs folder into the output folder. One that is not there is a
 // warning; a destination that cannot be written ends the run.
 void CopyUserlibDLLs(const std::string& outputPath);
-
-// The Linker statement: takes its second token and adds the flag, once, to symbols.linkerFlags.
-void AddLinkerFlag(const std::string& token);

@@ -5,6 +5,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "linking/linker_flags.h"
 #include "linking/userlib_reader.h"
 #include "statements/translate.h"
 #include "symbols/first_pass_state.h"
@@ -27,12 +28,6 @@ bool FileExists(const std::string& path) {
     return std::filesystem::is_regular_file(path, error);
 }
 
-std::string AsciiOnly(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](unsigned char c) { return c < 1 || c > 127; }),
-               text.end());
-    return text;
-}
-
 }  // namespace
 
 void CollectImport(FirstPass&, TokenSpan tokens) {
@@ -47,15 +42,7 @@ void CollectImport(FirstPass&, TokenSpan tokens) {
     symbols.importedNames.insert(name);
 }
 
-void CollectLinker(FirstPass& pass, TokenSpan tokens) {
-    std::string flag = Unquoted(tokens[1]);
-    if (flag == "-L.") {
-        const std::string folder = AsciiOnly(FolderOf(pass.source));
-        flag = "-L\"" + (folder.empty() ? "." : folder) + "\"";
-    }
-    AddOnce(symbols.linkerFlags, flag);
-    Say("  - Adding linker flag: " + flag);
-}
+void CollectLinker(FirstPass&, TokenSpan tokens) { AddLinkerFlag(tokens[1]); }
 
 void CollectInclude(FirstPass&, TokenSpan tokens) {
     if (!IsQuoted(tokens[1])) return;

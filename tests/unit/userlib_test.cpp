@@ -4,6 +4,7 @@
 #include "expect_fatal.h"
 #include "linking/deploy.h"
 #include "linking/library_names.h"
+#include "linking/linker_flags.h"
 #include "linking/runtime_code.h"
 #include "linking/userlib_reader.h"
 #include "scratch_folder.h"

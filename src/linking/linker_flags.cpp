@@ -1,0 +1,27 @@
+#include "linking/linker_flags.h"
+
+#include <algorithm>
+
+#include "driver/paths.h"
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/symbols.h"
+
+// The folder of the current source file, without characters outside ASCII.
+static std::string CurrentFolder() {
+    const std::string& file = settings.currentFile;
+    if (file.find_first_of("/\\") == std::string::npos) return ".";
+    std::string folder = FolderOf(file);
+    const auto outside = [](char c) { return static_cast<signed char>(c) < 1; };
+    folder.erase(std::remove_if(folder.begin(), folder.end(), outside), folder.end());
+    return folder;
+}
+
+void AddLinkerFlag(const std::string& token) {
+    const bool quoted = token.size() >= 2 && token[0] == '"';
+    std::string flag = quoted ? token.substr(1, token.size() - 2) : token;
+    if (flag == "-L.") flag = "-L\"" + CurrentFolder() + "\"";
+    const std::size_t before = symbols.linkerFlags.size();
+    AddOnce(symbols.linkerFlags, flag);
+    if (symbols.linkerFlags.size() > before) Say("  - Adding linker flag: " + flag);
+}

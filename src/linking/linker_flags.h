@@ -1,0 +1,8 @@
+// The Linker statement.
+#pragma once
+
+#include <string>
+
+// Takes the statement's second token and adds the flag, once, to symbols.linkerFlags; "-L." becomes the
+// folder of the current source file.
+void AddLinkerFlag(const std::string& token);
