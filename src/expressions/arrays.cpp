@@ -134,7 +134,7 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
 
     Expr item;
     Expr owner = array;
-    if (array.form == ArrayForm::Owned) owner.text = TextAs(array, array.type);
+    if (array.form == ArrayForm::Owned) owner.text = TakeOver(array, array.type.base == Base::Element);
     item.text = Checked(owner, access);
     item.type = array.type;
     item.assignable = array.form != ArrayForm::Fixed && array.form != ArrayForm::Owned && !array.isCall;

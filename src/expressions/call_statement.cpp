@@ -18,7 +18,7 @@ TokenSpan WithoutComment(TokenSpan tokens) {
 
 // An array that nobody takes must be freed all the same.
 std::string Discarded(const Expr& call) {
-    return call.form == ArrayForm::Owned ? TextAs(call, call.type) : call.text;
+    return call.form == ArrayForm::Owned ? TakeOver(call, call.type.base == Base::Element) : call.text;
 }
 
 }  // namespace

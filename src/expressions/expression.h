@@ -67,20 +67,6 @@ std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens);
 // True when the tokens are a call that may stand as a statement; text gets the C++ call.
 bool TranslateCallStatement(TokenSpan tokens, std::string& text);
 
-// Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
-void CheckAssignable(const Expr& target, const Expr& value);
-
-// The text of an argument for a parameter of the type; arrays and Sequences are passed by reference.
-std::string ArgumentText(const Expr& expr, const ValueType& parameter);
-
-// The first argument of a Seq function or statement, which must be a Sequence. `name` is the one of the
-// routine as written.
-Expr TranslateSequence(TokenSpan tokens, const std::string& name);
-// A value that goes into or is compared with the items of a Sequence.
-std::string TranslateSequenceValue(const Expr& sequence, TokenSpan value, const std::string& name);
-// An index or another whole number among the arguments of a Seq statement.
-std::string TranslateSequenceIndex(TokenSpan index, const std::string& name);
-
 // Translates a string token (with its quotes): escapes and interpolation.
 Expr TranslateString(const std::string& token);
 

@@ -95,17 +95,3 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     ++unrepeatable;
     return expr;
 }
-
-Expr TranslateSequence(TokenSpan tokens, const std::string& name) {
-    Expr sequence = TranslateExpression(tokens, ExprMode::Condition);
-    RequireSequence(sequence, name);
-    return sequence;
-}
-
-std::string TranslateSequenceValue(const Expr& sequence, TokenSpan value, const std::string& name) {
-    return ValueFor(sequence, TranslateExpression(value, ExprMode::Condition), name);
-}
-
-std::string TranslateSequenceIndex(TokenSpan index, const std::string& name) {
-    return IndexFor(TranslateExpression(index, ExprMode::Condition), name);
-}

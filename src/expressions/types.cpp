@@ -11,7 +11,8 @@ constexpr int mostDimensions = 3;
 // The number of dimensions at the end of the names of the support routines; one-dimensional ones have none.
 std::string Suffix(const ValueType& type) { return type.dims == 1 ? "" : std::to_string(type.dims); }
 
-// A fresh array becomes a vector that frees itself.
+}  // namespace
+
 std::string TakeOver(const Expr& expr, bool slots) {
     if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
     RequireSupport(Support::ArrayPassing);
@@ -19,6 +20,8 @@ std::string TakeOver(const Expr& expr, bool slots) {
     if (slots) RequireSupport(Support::ElementSlots);
     return (slots ? "__kvTakeSlots" : "__kvTakeArray") + Suffix(expr.type) + "(" + expr.text + ")";
 }
+
+namespace {
 
 std::string Passed(const Expr& expr) {
     if (expr.form == ArrayForm::Pointer) return expr.text;

@@ -57,6 +57,13 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix);
 std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
                                           const std::vector<Expr>& arguments);
 std::string SubjectOf(const Routine& routine);
+// The text of an argument for a parameter of the type; arrays and Sequences are passed by reference.
+std::string ArgumentText(const Expr& expr, const ValueType& parameter);
+
+// Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
+void CheckAssignable(const Expr& target, const Expr& value);
+// A fresh array as a vector that frees itself; `slots` when it owns the Elements in it.
+std::string TakeOver(const Expr& expr, bool slots);
 
 // The indices behind an array; `array` is the variable or Field that it is, null for other expressions.
 Expr ParseIndices(Walk& walk, const Expr& expr, const std::string& name, const Variable* array);

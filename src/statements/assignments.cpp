@@ -70,7 +70,7 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     const Expr left = TranslateExpression(target, ExprMode::Condition);
     CheckTarget(target, left);
     if (settings.verbose) GetExpressionType(assigned);
-    const Expr right = TranslateExpression(assigned, ExprMode::Condition);
+    const Expr right = TranslateExpression(assigned, ExprMode::Statement);
     if (left.type.IsArray() && right.type.IsArray()) {
         AssignArrayResult(state, left, right);
         return;
@@ -83,13 +83,6 @@ bool IsKnownName(const std::string& name) {
     const bool method = currentClass != nullptr && FindMethod(*currentClass, name) != nullptr;
     return method || FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr ||
            FindVariable(name) != nullptr || IsClass(name) || IsReservedKeyword(name);
-}
-
-// Arrays that a call hands back and nobody takes are freed at once.
-std::string WithoutLoss(TokenSpan tokens, const std::string& call) {
-    const Routine* routine = FindFunction(tokens[0]);
-    if (routine == nullptr || !routine->result.IsArray()) return call;
-    return TakenArray(routine->result, ArrayPlace::Inner, call);
 }
 
 void CheckFirstWord(TokenSpan tokens) {
@@ -108,7 +101,7 @@ void TranslateCall(State& state, TokenSpan tokens) {
     std::string text;
     if (!TranslateCallStatement(tokens, text))
         ReportFatal("'" + WrittenText(tokens) + "' is a value, not a statement");
-    EmitLine(state, WithoutLoss(tokens, text) + ";");
+    EmitLine(state, text + ";");
 }
 
 }  // namespace
