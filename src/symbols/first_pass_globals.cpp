@@ -26,7 +26,7 @@ void RefuseFieldName(const std::string& name, const Kind& kind) {
 
 bool IsTaken(const std::string& name) {
     return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
-           symbols.functions.count(name) != 0 || IsClass(name);
+           symbols.functions.count(name) != 0 || symbols.userlibFunctions.count(name) != 0 || IsClass(name);
 }
 
 void RememberName(FirstPass& pass, const std::string& name, const Kind& kind) {

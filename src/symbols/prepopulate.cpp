@@ -11,9 +11,9 @@ void CheckFunctionName(const Prototype& function) {
     settings.currentLine = function.line;
     CheckCppWord(function.name);
     CheckKeyword(function.name);
-    const bool taken = function.clashes || IsClass(function.name) ||
-                       symbols.globals.count(function.name) != 0 ||
-                       symbols.constants.count(function.name) != 0;
+    const bool taken =
+        function.clashes || IsClass(function.name) || symbols.globals.count(function.name) != 0 ||
+        symbols.constants.count(function.name) != 0 || symbols.userlibFunctions.count(function.name) != 0;
     if (taken) FailAlreadyDefined(function.name);
     CheckName(function.name);
 }

@@ -155,6 +155,8 @@ private:
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const std::string& token = tokens[i];
             if (IsWord(token, "insert", 6)) graph.At(node).createsAnything = true;
+            if (IsWord(token, "seqsort", 7))
+                graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
             startsTimer = startsTimer || IsWord(token, "autocall", 8);
             const auto meaning = graph.words.find(token);
             if (meaning == graph.words.end()) continue;
