@@ -87,10 +87,8 @@ private:
     void Step() {
         switch (ClassOf(line[at])) {
             case CharClass::Word:
-                Append(false);
-                break;
             case CharClass::Digit:
-                Append(true);
+                Word();
                 break;
             case CharClass::Blank:
                 Flush();
@@ -130,14 +128,22 @@ private:
 
     bool NextIs(bool (*test)(char)) const { return at + 1 < line.size() && test(line[at + 1]); }
 
-    void Append(bool digit) {
-        if (!inToken) {
-            inToken = true;
-            start = at;
-            onlyDigits = true;
+    void BeginToken() {
+        if (inToken) return;
+        inToken = true;
+        start = at;
+        onlyDigits = true;
+    }
+
+    void Word() {
+        BeginToken();
+        for (; at < line.size(); ++at) {
+            const CharClass cls = ClassOf(line[at]);
+            if (cls == CharClass::Word)
+                onlyDigits = false;
+            else if (cls != CharClass::Digit)
+                return;
         }
-        onlyDigits = onlyDigits && digit;
-        ++at;
     }
 
     void Flush() {
@@ -159,13 +165,16 @@ private:
     // blank is part of it.
     void Dollar() {
         if (inToken || !NextIs(IsHexDigit)) return Delimiter();
-        Append(false);
-        while (at < line.size() && IsHexDigit(line[at])) ++at;
+        BeginToken();
+        onlyDigits = false;
+        do ++at;
+        while (at < line.size() && IsHexDigit(line[at]));
     }
 
     void Point() {
-        if (inToken && onlyDigits && NextIs(IsDigit)) return Append(false);
-        Delimiter();
+        if (!inToken || !onlyDigits || !NextIs(IsDigit)) return Delimiter();
+        onlyDigits = false;
+        ++at;
     }
 
     // A string runs to the next quote; there is no escape character.
