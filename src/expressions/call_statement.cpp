@@ -29,8 +29,8 @@ bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
     Walk walk(tokens, ExprMode::Statement);
     walk.callStatement = true;
     const Expr expr = ParsePrimary(walk);
-    if (!walk.Done()) FailUnexpected(walk);
     if (!expr.isCall && !MakesObject(tokens[0])) return false;
+    if (!walk.Done()) FailUnexpected(walk);
     text = Discarded(expr);
     return true;
 }

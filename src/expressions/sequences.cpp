@@ -4,6 +4,7 @@
 #include "driver/report.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
+#include "prelude/support.h"
 
 namespace {
 
@@ -68,6 +69,13 @@ ValueType ResultType(const SeqFunction& function, const Expr& sequence) {
     return type;
 }
 
+// The array comes like one that a Function returns.
+void HandOver(Expr& array) {
+    RequireSupport(Support::ArrayPassing);
+    array.form = ArrayForm::Owned;
+    array.text = (array.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + array.text + ")";
+}
+
 }  // namespace
 
 bool IsSeqFunction(const std::string& lowerName) {
@@ -90,7 +98,7 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     Expr expr;
     expr.text = sequence.text + "." + function.member + "(" + second + ")";
     expr.type = sequence.type.IsKnown() ? ResultType(function, sequence) : ValueType();
-    if (expr.type.IsArray()) expr.form = ArrayForm::Vector;
+    if (expr.type.IsArray()) HandOver(expr);
     expr.isCall = true;
     ++unrepeatable;
     return expr;

@@ -35,6 +35,19 @@ void __kvFreeArray(T* items) {
     for(size_t i = __kvArraySize(items); i > 0; --i) items[i - 1].~T();
     ::operator delete(static_cast<void*>(reinterpret_cast<char*>(items) - __kvHeader));
 }
+// The items of a Sequence as an array handed back by a Function would come.
+template<typename T>
+T* __kvFresh(const std::vector<T>& items) {
+    T* fresh = __kvNewArray<T>((long long)items.size());
+    for(size_t i = 0; i < items.size(); ++i) fresh[i] = items[i];
+    return fresh;
+}
+template<typename T>
+T** __kvFreshSlots(const std::vector<T>& items) {
+    T** fresh = __kvNewArray<T*>((long long)items.size());
+    for(size_t i = 0; i < items.size(); ++i) fresh[i] = new T(items[i]);
+    return fresh;
+}
 // The 2 and 3 are numbers of dimensions: an array of objects is a T** of one dimension.
 template<typename T>
 std::vector<typename __kvStored<T>::type> __kvTakeArray(T* items) {
