@@ -23,6 +23,27 @@ private:
     std::string mode;
 };
 
+// A file whose directives are wrong fails on its own, not the others with it.
+class BrokenFileTest : public testing::Test {
+public:
+    explicit BrokenFileTest(std::string problem) : problem(std::move(problem)) {}
+    void TestBody() override { FAIL() << problem; }
+
+private:
+    std::string problem;
+};
+
+std::vector<Case> ReadCasesOrFail(const fs::path& file, const std::string& suite) {
+    try {
+        return ReadCases(file.string());
+    } catch (const std::exception& error) {
+        const std::string name = file.stem().string() + "_directives", problem = error.what();
+        testing::RegisterTest(suite.c_str(), name.c_str(), nullptr, nullptr, file.c_str(), 1,
+                              [problem]() -> testing::Test* { return new BrokenFileTest(problem); });
+        return {};
+    }
+}
+
 std::string SuiteName(const fs::path& file, const fs::path& root) {
     std::string name = fs::relative(file.parent_path(), root).generic_string();
     std::replace_if(
@@ -38,8 +59,8 @@ void RegisterCases(const fs::path& root) {
     std::sort(files.begin(), files.end());
     std::set<std::string> taken;
     for (const fs::path& file : files) {
-        for (Case test : ReadCases(file.string())) {
-            const std::string suite = SuiteName(file, root);
+        const std::string suite = SuiteName(file, root);
+        for (const Case& test : ReadCasesOrFail(file, suite)) {
             for (const std::string& mode : test.modes) {
                 const std::string name = test.name + (mode == "plain" ? "" : "_" + mode);
                 if (!taken.insert(suite + "." + name).second)
