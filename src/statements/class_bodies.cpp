@@ -127,6 +127,8 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     state.typeName = name;
     state.cls = cls;
     state.isElement = Lower(tokens[0]) == "element";
+    state.passesOverType = cls->sourceFile != settings.currentFile || cls->line != state.currentLine;
+    if (state.passesOverType) return;
     if (state.inExtern) {
         EmitBlankForTrace(state);
         return;

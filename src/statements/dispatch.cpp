@@ -119,10 +119,23 @@ const DispatchRow* FindDispatchRow(const std::string& keyword) {
     return found == index->end() ? nullptr : found->second;
 }
 
+// The body of a Type that an earlier file has declared already.
+static void PassOverType(State& state, const std::string& keyword) {
+    if (keyword != "endtype" && keyword != "endelement") return;
+    state.passesOverType = false;
+    state.inType = false;
+    state.cls = nullptr;
+    state.typeName.clear();
+}
+
 void DispatchStatement(State& state, TokenSpan tokens) {
     if (tokens.empty()) return;
     const std::string& first = tokens[0];
     std::string keyword = Lower(first);
+    if (state.passesOverType) {
+        PassOverType(state, keyword);
+        return;
+    }
     if (state.inPreCalc || keyword == "precalc") {
         TranslatePreCalc(state, tokens);
         return;
