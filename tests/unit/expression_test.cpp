@@ -351,7 +351,7 @@ TEST_F(ExpressionTest, RefusesWhatCannotWork) {
           "Array index out of bounds: arr dimension 0 accessed with index [10] but size is [10] (valid "
           "range: 0 to 9)"},
          {"\"{n}\"", "String interpolation hole must start with a type tag: {$str}, {%int} or {!double}"},
-         {"\"{%}\"", "Empty string interpolation hole '{%'}"},
+         {"\"{%}\"", "Empty string interpolation hole '{%}'"},
          {"\"{%n\"", "Unterminated string interpolation hole - missing '}'"},
          {"\"{\"", "Unterminated string interpolation hole '{'"},
          {"\"{%d}\"", "Interpolation tag '%' (Int) does not match 'd' which is double"},
