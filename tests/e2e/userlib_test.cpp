@@ -74,7 +74,7 @@ Function Main
     Print Half(3)
     Print Total(250, 300, 70000)
     Print Greet("Ada")
-    Print Greet(text & "r")
+    Print Greet(text + "r")
     Print "[" & Nothing() & "]"
     Print length("four") + length(text)
     Local counter = OpenCounter(40)
