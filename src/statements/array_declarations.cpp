@@ -80,12 +80,17 @@ std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const s
     return text + SizeName(array.cppName, k) + " = " + value + ";";
 }
 
-std::string ExternLines(const Variable& array, ArrayPlace place, const std::string& constants) {
-    std::string text = "extern " + ArrayCppName(array.type, place) + " " + array.cppName + ";";
-    if (!constants.empty()) return text + constants;
+// Size constants that are numbers stay with the extern line; others are worked out where the vector is.
+void AddMovableForm(const Variable& array, ArrayPlace place, bool sizesKnown, ArrayText& text) {
+    text.declaration = "extern " + ArrayCppName(array.type, place) + " " + array.cppName + ";";
+    if (sizesKnown) {
+        text.declaration += text.tail;
+        text.definition = text.variable;
+        return;
+    }
     for (int k = 0; k < array.type.dims; ++k)
-        text += sizeIndent + std::string("extern const int ") + SizeName(array.cppName, k) + ";";
-    return text;
+        text.declaration += sizeIndent + std::string("extern const int ") + SizeName(array.cppName, k) + ";";
+    text.definition = text.head + text.variable + text.tail;
 }
 
 void RequireFor(const ValueType& type, ArrayPlace place) {
@@ -152,7 +157,7 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
         counts.push_back(first ? SizeName(array.cppName, k) : size.text);
     }
     text.variable = Declarator(array, place, Construction(array.type, place, counts));
-    text.declaration = ExternLines(array, place, text.tail);
+    AddMovableForm(array, place, known, text);
     return text;
 }
 
@@ -179,7 +184,7 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
                                                      : sizes[static_cast<std::size_t>(k)].text;
         text.tail += sizeIndent + SizeConstant(array, place, k, size, known);
     }
-    text.declaration = ExternLines(array, place, known ? text.tail : "");
+    AddMovableForm(array, place, known, text);
     return text;
 }
 

@@ -24,6 +24,7 @@ struct ArrayText {
     std::string variable;     // "std::vector<int> KVL_a(10);"
     std::string tail;         // "\n\t\t\t\tconst int KVL_a_size_0 = 10;" per dimension
     std::string declaration;  // extern lines, for Globals whose definition has to move
+    std::string definition;   // what defines it then
 };
 
 // An array with sizes. A size that is no Int, negative or zero ends the run.

@@ -49,21 +49,34 @@ void CheckConstTarget(TokenSpan target) {
 }
 
 // A declared array keeps its size: it receives the items of the returned one.
-//     { std::vector<int> _from = __kvTakeArray(KVL_Next ( KVL_a )); _from.resize(KVL_a.size()); KVL_a.swap(_from); }
+//     { std::vector<int> _from = __kvTakeArray(KVL_Next ( KVL_a.data() ));
+//     for(size_t _i0 = 0; _i0 < KVL_a.size() && _i0 < _from.size(); ++_i0) KVL_a[_i0] = _from[_i0]; }
 void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const ValueType& type = target.type;
-    if (target.form != ArrayForm::Vector || value.form != ArrayForm::Owned || type.dims != 1) FailArrayAssignment();
+    if (target.form != ArrayForm::Vector || value.form != ArrayForm::Owned) FailArrayAssignment();
     if (type != value.type) FailMismatch(value.type, type, target.text);
-    const std::string from = ArrayCppName(type, ArrayPlace::Inner) + " _from = " +
-                             TakenArray(type, ArrayPlace::Inner, value.text) + "; ";
-    std::string move = "_from.resize(" + target.text + ".size()); " + target.text + " = _from; ";
-    if (type.base == Base::Element)
-        move = "for(size_t _i0 = 0; _i0 < _from.size() && _i0 < " + target.text + ".size(); ++_i0) *" + target.text +
-               "[_i0] = *_from[_i0]; ";
-    EmitLine(state, "{ " + from + move + "}");
+    EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) + " _from = " +
+                        TakenArray(type, ArrayPlace::Inner, value.text) + ";");
+    std::string loops, indices;
+    for (int k = 0; k < type.dims; ++k) {
+        const std::string i = "_i" + std::to_string(k);
+        loops += "for(size_t " + i + " = 0; " + i + " < " + target.text + indices + ".size() && " + i + " < _from" +
+                 indices + ".size(); ++" + i + ") ";
+        indices += "[" + i + "]";
+    }
+    const std::string item = type.base == Base::Element ? "*" : "";
+    EmitLine(state, loops + item + target.text + indices + " = " + item + "_from" + indices + "; }");
+}
+
+// "x += 1" is no assignment; the expression walk knows what to say about it.
+void RefuseCompound(TokenSpan tokens, std::size_t sign) {
+    const std::string& before = tokens[sign - 1];
+    if (before == "+" || before == "-" || before == "*" || before == "/")
+        TranslateExpression(tokens, ExprMode::Statement);
 }
 
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
+    RefuseCompound(tokens, sign);
     const TokenSpan target = tokens.Slice(0, sign);
     const TokenSpan assigned = tokens.From(sign + 1);
     CheckConstTarget(target);

@@ -66,8 +66,9 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     CollectNeedsInto(outer);
     const bool isConst = kind == DefinitionKind::Const;
     global.name = definition.name;
-    global.plain = definition.before + (isConst ? " const " : "") + definition.text;
-    global.definition = global.plain;
+    const std::string qualifier = isConst ? " const " : "";
+    global.plain = definition.before + qualifier + definition.text;
+    global.definition = qualifier + definition.moved;
     global.declaration = definition.declaration;
     if (isConst) global.declaration.insert(std::string("extern ").size(), "const ");
     global.needsPrelude = UsesSupportCode(definition.text);

@@ -36,10 +36,10 @@ void CheckNewName(const Declared& declared) {
     const std::string& name = declared.name;
     if (declared.kind == DefinitionKind::Field) return;
     CheckCppWord(name);
-    if (declared.kind == DefinitionKind::Local) {
-        if (FindFunction(name) != nullptr || IsClass(name) || FindUserlibFunction(name) != nullptr)
-            ReportFatal("Identifier '" + name + "' is already defined.");
-    }
+    // A Local may hide a Function: calls of it are told apart.
+    if (declared.kind == DefinitionKind::Local && IsClass(name))
+        ReportFatal("Identifier '" + name + "' is already defined.");
+    CheckKeyword(name);
     CheckName(name);
 }
 
@@ -116,10 +116,15 @@ void CheckConstType(const Declared& declared) {
         ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " + KorvelName(type));
 }
 
-// A C++ name apart from that of the variable that the initialiser means by the same name.
+bool MeansSomething(const std::string& name) {
+    const bool method = currentClass != nullptr && FindMethod(*currentClass, name) != nullptr;
+    return method || FindVariable(name) != nullptr || FindFunction(name) != nullptr;
+}
+
+// A C++ name apart from that of the variable or routine that the initialiser means by the same name.
 std::string NameFor(const Declared& declared) {
     std::string name = SafeName(declared.name);
-    if (declared.kind != DefinitionKind::Local || FindVariable(declared.name) == nullptr) return name;
+    if (declared.kind != DefinitionKind::Local || !MeansSomething(declared.name)) return name;
     const bool mentioned = std::find(declared.value.begin(), declared.value.end(), declared.name) != declared.value.end();
     return mentioned ? name + "__" + std::to_string(settings.currentLine) : name;
 }
@@ -148,6 +153,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     if (declared.hasValue && !Assignable(type, value.type)) FailMismatch(value.type, type, declared.name);
     definition.text = SingleText(declared, definition, value);
     definition.declaration = "extern " + CppName(type) + " " + definition.cppName + ";";
+    definition.moved = definition.text;
     if (type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
     if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object)) return;
@@ -216,6 +222,7 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     definition.before = text.head;
     definition.text = text.variable + text.tail;
     definition.declaration = text.declaration;
+    definition.moved = text.definition;
     const bool plainSlots = array.type.base == Base::Element && place == ArrayPlace::Local;
     if (plainSlots && !declared.hasValue) definition.after = FillLoops(array);
 }

@@ -33,7 +33,7 @@ int Distance(const std::string& a, const std::string& b, int most) {
 
 std::string SpellingHint(const std::string& name) {
     const std::string lower = Lower(name);
-    int best = name.size() < 5 ? 1 : 2;
+    int best = name.size() < 4 ? 0 : name.size() < 6 ? 1 : 2;
     std::string nearest;
     const auto offer = [&](const std::string& word) {
         const int distance = word.empty() ? best + 1 : Distance(lower, Lower(word), best);

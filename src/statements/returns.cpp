@@ -84,8 +84,7 @@ void RecordSizes(const State& state, const Expr& value) {
 
 std::string CopyOfArray(State& state, const Expr& value) {
     if (value.form == ArrayForm::Pointer)
-        ReportFatal("The array '" + value.text.substr(value.text.rfind('_') + 1) +
-                    "' is a parameter, so its size is not known here and it cannot be returned. Copy it into a Local "
+        ReportFatal("An array parameter cannot be returned, because its size is not known here. Copy it into a Local "
                     "array first.");
     if (value.type.dims > maxPassedDimensions)
         ReportFatal("An array that a Function returns can have at most " + std::to_string(maxPassedDimensions) +
