@@ -1,6 +1,7 @@
 #include "statements/end_of_file.h"
 
 #include "driver/report.h"
+#include "statements/blocks.h"
 
 namespace {
 
@@ -51,4 +52,5 @@ void CheckBlocksClosed(const State& state) {
     if (state.inExtern) FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
     if (!state.withLines.empty())
         FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
+    CheckCrossedBlocks(state);
 }
