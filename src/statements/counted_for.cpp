@@ -2,8 +2,11 @@
 //     {
 // A step that is no literal may count either way, so its sign picks the comparison at run time:
 //     for (KVL_i = start; (step) < 0 ? KVL_i >= end : KVL_i <= end; KVL_i += step)
+#include <algorithm>
+
 #include "driver/report.h"
 #include "statements/for_loops.h"
+#include "statements/selects.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -127,25 +130,39 @@ std::string ComparisonAndIncrement(const Counter& counter, const Expr& end, Toke
     return "(" + value + ") < 0 ? " + downTo + " : " + up + increment;
 }
 
+// The start text of a counter declared here. One that reads an outer variable of the counter's name is
+// worked out before the header, where the name means the counter already.
+std::string StartText(State& state, const Counter& counter, const Expr& start, TokenSpan tokens) {
+    const std::string text = TextAs(start, counter.type);
+    if (std::find(tokens.begin(), tokens.end(), counter.name) == tokens.end()) return text;
+    PrepareInSelect(state, "local");
+    const std::string outer = "__kvStart" + std::to_string(state.currentLine) + "_" + SafeName(counter.name);
+    EmitLine(state, CppName(counter.type) + " " + outer + " = " + text + ";");
+    return outer;
+}
+
 }  // namespace
 
 void TranslateCountedFor(State& state, TokenSpan tokens) {
     Counter counter;
     Parts parts = Cut(tokens, ReadCounter(tokens, counter));
-    PushBlock();
     Expr start = Number(parts.start, "start");
-    std::string declaration;
+    std::string head = "for (";
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
+        CheckCounterType(counter, start);
+        const std::string text = StartText(state, counter, start, parts.start);
+        PushBlock();
         counter.cppName = DeclareLoopVariable(counter.name, counter.type).cppName;
-        declaration = CppName(counter.type) + " ";
+        head += CppName(counter.type) + " " + counter.cppName + " = " + text;
     } else {
+        PushBlock();
         CheckDeclaredCounter(counter);
+        CheckCounterType(counter, start);
+        head += counter.cppName + " = " + TextAs(start, counter.type);
     }
-    CheckCounterType(counter, start);
     Expr end = Number(parts.end, "end");
-    EmitLine(state, "for (" + declaration + counter.cppName + " = " + TextAs(start, counter.type) + "; " +
-                        ComparisonAndIncrement(counter, end, parts.step));
+    EmitLine(state, head + "; " + ComparisonAndIncrement(counter, end, parts.step));
     EmitLine(state, "{");
     OpenLoop(state, "For").variable = counter.name;
 }

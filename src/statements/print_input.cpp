@@ -16,7 +16,9 @@ std::string ItemText(TokenSpan tokens, const std::string& keyword) {
         ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
     if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
     if (item.type.Is(Base::Byte)) return "static_cast<int>(" + ValueText(item) + ")";
-    return GuardedText(item, Level::Shift);
+    // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
+    const bool shiftsRight = item.level == Level::Shift && FindWord(tokens, "shr") != noToken;
+    return GuardedText(item, shiftsRight ? Level::Sum : Level::Shift);
 }
 
 // Items are separated by "&" outside parentheses; "&&" separates nothing.
