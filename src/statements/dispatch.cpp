@@ -26,6 +26,7 @@
 #include "statements/timers.h"
 #include "statements/with.h"
 #include "symbols/first_pass.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -98,6 +99,11 @@ const DispatchRow dispatchTable[] = {
     {"endextern", TranslateEndExtern, Place::Anywhere},
 };
 
+// A Field may bear the name of a statement; "next = node" in a Method means the Field.
+bool AssignsOwnField(TokenSpan tokens) {
+    return tokens[1] == "=" && currentClass != nullptr && FindField(*currentClass, tokens[0]) != nullptr;
+}
+
 bool IsAccessWord(const std::string& keyword) { return keyword == "public" || keyword == "private"; }
 
 // Code at the top level or in a class body outside its Methods would never run.
@@ -143,6 +149,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     const DispatchRow* row = FindDispatchRow(keyword);
     // Access words are words of the language in lower case only.
     if (row != nullptr && IsAccessWord(keyword) && first != keyword) row = nullptr;
+    if (row != nullptr && AssignsOwnField(tokens)) row = nullptr;
     CheckPlace(state, row, first);
     bool label = keyword == "case" || keyword == "default" || keyword == "endselect";
     if (state.selectDepth > 0 && !label) PrepareInSelect(state, keyword);
