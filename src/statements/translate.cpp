@@ -25,8 +25,10 @@ public:
         before = SetOpenOutput(&out);
     }
     ~SavedPlace() {
-        settings.currentFile = file;
-        settings.currentLine = line;
+        if (!file.empty()) {  // what is found behind the main file is reported at its end
+            settings.currentFile = file;
+            settings.currentLine = line;
+        }
         lenient = wasLenient;
         SetOpenOutput(before);
     }
