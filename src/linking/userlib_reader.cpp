@@ -96,6 +96,15 @@ std::vector<UserlibParameter> TakeParameters(Cursor& line) {
     return parameters;
 }
 
+// Functions that bear the name are met when the first pass is over.
+void CheckFunctionName(const std::string& name) {
+    CheckCppWord(name);
+    CheckKeyword(name);
+    if (IsClass(name) || symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0) {
+        ReportFatal("Identifier '" + name + "' is already defined.");
+    }
+}
+
 void Register(const UserlibFunction& function) {
     Routine routine;
     routine.name = function.name;
@@ -123,8 +132,7 @@ void ReadFunction(Cursor line, const Place& place) {
     const bool hasAlias = line.Accept(":") && !line.AtEnd();
     function.symbol = hasAlias ? Unquoted(line.Take()) : function.name;
 
-    CheckCppWord(function.name);
-    CheckKeyword(function.name);
+    CheckFunctionName(function.name);
     const auto cppType = [&](const std::string& type) {
         if (!CrossesBoundary(type)) FailType(place, function.name, type);
         return InterfaceCppName(type);

@@ -13,6 +13,11 @@ enum class Place : unsigned char {
     Cpp,         // at the end of the main .cpp, behind all class bodies
 };
 
+// Initialisers run before main(), which would load the DLLs too late for them; its call does nothing then.
+constexpr char earlyLoading[] =
+    "static const bool kvUserlibsLoaded = (InitUserlibs(), true);\n"
+    "#define InitUserlibs() ((void)kvUserlibsLoaded)\n";
+
 class GlobalPlacer {
 public:
     explicit GlobalPlacer(Program& program) : program(program) {
@@ -33,6 +38,7 @@ public:
         if (cppLines.empty()) return;
         Piece piece;
         piece.kind = Piece::Kind::Definition;
+        if (callsUserlibs) piece.text = earlyLoading;
         for (const std::string& line : cppLines) piece.text += line + "\n";
         program.main->pieces.push_back(piece);
     }
@@ -44,6 +50,7 @@ private:
     std::unordered_set<std::string> declaredFunctions;
     std::unordered_set<std::string> moved;
     std::vector<std::string> lateLines, cppLines;
+    bool callsUserlibs = false;  // an initialiser may call a userlib function
 
     static const Tokens& InitialiserOf(const GlobalDefinition& global) {
         static const Tokens none;
@@ -62,6 +69,10 @@ private:
     // Where something that mentions the name may be defined. A call runs code that may create objects,
     // so it has to wait for the instance lists.
     Place PlaceAfter(const std::string& name) {
+        if (!symbols.userlibDLLs.empty() && (FindUserlibFunction(name) != nullptr || FindFunction(name) != nullptr)) {
+            callsUserlibs = true;
+            return Place::Cpp;
+        }
         if (FindFunction(name) != nullptr) {
             if (!symbols.classList.empty() || !cppLines.empty()) return Place::Cpp;
             return declaredFunctions.count(name) != 0 ? Place::Header : Place::LateHeader;

@@ -67,7 +67,12 @@ Type TPlayer
     Field name:String
 EndType
 
+Global early:Int = Add(20, 1)
+Global twice:Int = FromInclude() * early
+
 Function Main
+    Print early
+    Print twice
     Local text:String = "wide"
     Print Add(2, 3) + Add(Add(1, 1), 1)
     Print Half(5.0)
@@ -102,7 +107,8 @@ EndFunction
 )";
 
 const char* const output =
-    "8\n2.5\n1.5\n70550\nHello, Ada!\nHello, wider!\n[]\n8\n42\nBob01\n70\n402\ncondition\n0\n0\n[]\n42\n";
+    "21\n882\n8\n2.5\n1.5\n70550\nHello, Ada!\nHello, "
+    "wider!\n[]\n8\n42\nBob01\n70\n402\ncondition\n0\n0\n[]\n42\n";
 
 class Userlib : public testing::Test {
 protected:

@@ -116,6 +116,7 @@ TEST_F(Userlib, RefusesWhatCannotWork) {
     } rows[] = {
         {"class(a%)", "This is a reserved C++ identifier 'class', use another identifier"},
         {"Print(a%)", "This is a reserved Korvel keyword 'Print', use another identifier"},
+        {"TVec(a%)", "Identifier 'TVec' is already defined."},
         {"F(a:Foo)",
          "userlibs/x.decls, line 3: in the declaration of 'F', 'Foo' is no type that a DLL function "
          "can take or return"},
