@@ -210,6 +210,8 @@ TEST_F(Userlib, ChecksCallsAndNames) {
     const std::string close = "\nEndFunction\n";
     ExpectError(open + "Print Add(1)" + close, "Userlib function 'Add' expects 2 parameter(s) but 1 provided",
                 5);
+    ExpectError(open + "Print Add(1, Greet(\"a\"))" + close,
+                "Userlib function 'Add' parameter 2 expects type int but got std::string", 5);
     ExpectError(open + "Greet(\"a\", 2)" + close,
                 "Userlib function 'Greet' expects 1 parameter(s) but 2 provided", 5);
     ExpectError("Import \"gone.decls\"\n", "Cannot open userlib declaration file: userlibs/gone.decls", 1);
