@@ -4,9 +4,11 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "lexer/lexer.h"
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
+#include "statements/dispatch.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -39,7 +41,8 @@ void CheckNewName(const Declared& declared) {
     // A Local may hide a Function: calls of it are told apart.
     if (declared.kind == DefinitionKind::Local && IsClass(name))
         ReportFatal("Identifier '" + name + "' is already defined.");
-    CheckKeyword(name);
+    // A Const may have the name of a built-in (MAX), but not that of a statement.
+    if (FindDispatchRow(Lower(name)) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
 
