@@ -178,8 +178,8 @@ void TranslateEndSelect(State& state, TokenSpan tokens) {
     CloseBlock(state, BlockKind::Select, "EndSelect");
     OpenSelect& select = state.selects.back();
     CloseBraces(state, select);
-    CompleteSwitch(select);
     if (NothingBehindLabel(state, select)) EmitLine(state, ";");
+    CompleteSwitch(select);
     state.selects.pop_back();
     --state.selectDepth;
     state.selectLine = 0;
