@@ -23,6 +23,8 @@ const TwoWordCloser twoWordClosers[] = {
 void TranslateEnd(State& state, TokenSpan tokens) {
     for (const TwoWordCloser& closer : twoWordClosers)
         if (IsWord(tokens[1], closer.word)) ReportFatal(closer.message);
+    if (!state.inFunction && !state.inMethod)
+        ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
     EmitLine(state, "exit(0);");
 }
 
