@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr std::size_t deepest = 1000;  // open blocks
+
 struct KindWords {
     const char* name;     // "If block"
     const char* missing;  // closer of the kind
@@ -38,21 +40,21 @@ void NoteCrossing(State& state, const std::string& closer, const OpenBlock& clos
 }  // namespace
 
 OpenBlock& OpenNewBlock(State& state, BlockKind kind) {
-    OpenBlock block;
+    if (state.blocks.size() >= deepest) ReportFatal("Blocks are nested too deeply");
+    OpenBlock& block = state.blocks.emplace_back();
     block.kind = kind;
     block.line = state.currentLine;
     block.routineLine = RoutineLine(state);
-    state.blocks.push_back(block);
-    return state.blocks.back();
+    return block;
 }
 
 OpenBlock CloseBlock(State& state, BlockKind kind, const std::string& closer) {
     std::size_t at = state.blocks.size();
     while (at > 0 && state.blocks[at - 1].kind != kind) --at;
     if (at == 0) ReportFatal("'" + closer + "' without an open " + Words(kind).name);
-    OpenBlock closed = state.blocks[at - 1];
-    if (at != state.blocks.size() || closed.routineLine != RoutineLine(state))
-        NoteCrossing(state, closer, closed, state.blocks.back());
+    if (at != state.blocks.size() || state.blocks[at - 1].routineLine != RoutineLine(state))
+        NoteCrossing(state, closer, state.blocks[at - 1], state.blocks.back());
+    OpenBlock closed = std::move(state.blocks[at - 1]);
     state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at - 1));
     return closed;
 }

@@ -125,18 +125,29 @@ bool OnlySeparators(TokenSpan tokens) {
     return true;
 }
 
+// A Then with nothing behind it leaves the If open.
+bool StaysOpen(TokenSpan tokens, std::size_t then) {
+    return then == noToken || OnlySeparators(tokens.From(then + 1));
+}
+
+void OpenIf(State& state, TokenSpan condition) {
+    OpenBranch(state, "if", condition, "If");
+    state.ifStack.push_back(state.currentLine);
+    OpenNewBlock(state, BlockKind::If);
+}
+
 // Statements behind an EndIf that closed its If on the line.
 void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
-    if (at < tokens.size() && tokens[at] != "|") RefuseMore(tokens, at);
     while (at < tokens.size()) {
-        std::size_t start = ++at;
-        while (at < tokens.size() && tokens[at] != "|") {
-            if (at == start && IsWord(tokens[at], "if") && FindWord(tokens, "then", at) != noToken) {
-                TranslateIf(state, tokens.From(at));
-                return;
-            }
-            ++at;
+        if (tokens[at] != "|") RefuseMore(tokens, at);
+        const std::size_t start = ++at;
+        const std::size_t then = FindWord(tokens, "then", start);
+        if (IsWord(tokens[start], "if") && then != noToken) {
+            if (StaysOpen(tokens, then)) return OpenIf(state, tokens.Slice(start + 1, then));
+            at = TranslateOneLineIf(state, tokens, start);
+            continue;
         }
+        while (at < tokens.size() && tokens[at] != "|") ++at;
         if (at > start) DispatchStatement(state, tokens.Slice(start, at));
     }
 }
@@ -145,12 +156,8 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
 
 void TranslateIf(State& state, TokenSpan tokens) {
     std::size_t then = FindWord(tokens, "then");
-    if (then == noToken || OnlySeparators(tokens.From(then + 1))) {
-        OpenBranch(state, "if", tokens.Slice(1, then == noToken ? tokens.size() : then), "If");
-        state.ifStack.push_back(state.currentLine);
-        OpenNewBlock(state, BlockKind::If);
-        return;
-    }
+    if (StaysOpen(tokens, then))
+        return OpenIf(state, tokens.Slice(1, then == noToken ? tokens.size() : then));
     TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0));
 }
 
@@ -159,7 +166,9 @@ void TranslateElseIf(State& state, TokenSpan tokens) {
     CloseBranch(state);
     std::size_t then = FindWord(tokens, "then");
     OpenBranch(state, "else if", tokens.Slice(1, then == noToken ? tokens.size() : then), "ElseIf");
-    if (then != noToken && then + 1 < tokens.size()) DispatchStatement(state, tokens.From(then + 1));
+    if (then == noToken || then + 1 == tokens.size()) return;
+    if (IsWord(tokens[then + 1], "elseif")) RefuseMore(tokens, then + 1);
+    DispatchStatement(state, tokens.From(then + 1));
 }
 
 void TranslateElse(State& state, TokenSpan tokens) {

@@ -10,7 +10,7 @@ namespace {
 
 using Value = std::optional<ConstantValue>;
 
-constexpr int deepest = 200;  // Consts that name Consts, and nested parentheses
+constexpr int deepest = 1000;  // Consts that name Consts, and nested parentheses
 
 struct Cursor {
     TokenSpan tokens;

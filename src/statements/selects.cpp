@@ -151,6 +151,7 @@ void TranslateSelect(State& state, TokenSpan tokens) {
 void TranslateCase(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Case");
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");
+    if (IsWord(tokens[1], "else")) ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
     CloseBraces(state, select);
     for (TokenSpan part : SplitAtCommas(tokens.From(1))) {
         std::string label = LabelText(select, part);
