@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "statements/words.h"
+#include "symbols/identifiers.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ std::string DefaultArguments(const Routine& handler) {
 std::string HandlerCall(const std::string& name) {
     const Routine* handler = FindFunction(name);
     if (handler == nullptr) handler = FindUserlibFunction(name);
+    if (handler == nullptr && lenient) return SafeName(name) + "()";
     if (handler == nullptr) ReportFatal("AutoCall handler '" + name + "' is not a Function");
     if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
     return handler->cppName + "(" + DefaultArguments(*handler) + ")";
