@@ -108,6 +108,23 @@ void AddForward(FileOutput& file, const ClassInfo* cls) {
     file.headerClasses += (cls->isElement ? "struct " : "class ") + cls->cppName + ";\n";
 }
 
+// Included headers stand before the support code; extern lines and prototypes only need its names.
+void AddSupportNames(FileOutput& file) {
+    struct Name {
+        const char* mark;
+        const char* declaration;
+    };
+    constexpr Name names[] = {{"KVSeq<", "template<typename T> class KVSeq;\n"},
+                              {"KVSlot<", "template<typename T> class KVSlot;\n"},
+                              {"KVBool>", "struct KVBool;\n"}};
+    for (const Name& name : names) {
+        bool mentioned = file.headerFunctions.find(name.mark) != std::string::npos;
+        for (const GlobalDefinition& global : file.globals)
+            mentioned = mentioned || global.plain.find(name.mark) != std::string::npos;
+        if (mentioned) file.headerClasses += name.declaration;
+    }
+}
+
 }  // namespace
 
 void OrderGlobals(Program& program) { GlobalPlacer(program).Run(); }
@@ -116,10 +133,7 @@ void CompleteHeaders(Program& program) {
     std::unordered_set<const ClassInfo*> declared;
     for (FileOutput* file : program.headers) {
         declared.insert(file->forwardDeclared.begin(), file->forwardDeclared.end());
-        bool mentionsSequence = file->headerFunctions.find("KVSeq<") != std::string::npos;
-        for (const GlobalDefinition& global : file->globals)
-            mentionsSequence = mentionsSequence || global.plain.find("KVSeq<") != std::string::npos;
-        if (!file->isMain && mentionsSequence) file->headerClasses += "template<typename T> class KVSeq;\n";
+        if (!file->isMain) AddSupportNames(*file);
         for (const ClassInfo* cls : file->classesInHeader)
             if (declared.insert(cls).second) AddForward(*file, cls);
     }

@@ -44,7 +44,10 @@ Size ReadSize(const Variable& array, const std::string& written) {
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (known && !integer))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
-    return {size.text, integer ? std::optional<long long>(known->integer) : std::nullopt};
+    if (!integer) return {size.text, std::nullopt};
+    // A checked division is no constant to C++.
+    const bool checked = size.text.find("KVL_Safe") != std::string::npos;
+    return {checked ? std::to_string(known->integer) : size.text, known->integer};
 }
 
 std::vector<Size> ReadSizes(const Variable& array) {

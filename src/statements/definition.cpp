@@ -8,6 +8,7 @@
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
+#include "statements/constant_value.h"
 #include "statements/dispatch.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
@@ -143,12 +144,20 @@ void NoteValueType(TokenSpan value) {
     if (settings.verbose) GetExpressionType(value);
 }
 
+// A Const stays a constant to C++ where safe mode checks its divisions.
+std::string ConstText(const Declared& declared, const std::string& text) {
+    if (declared.kind != DefinitionKind::Const || text.find("KVL_Safe") == std::string::npos) return text;
+    const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
+    const bool integer = known && known->kind == ConstantValue::Kind::Integer && declared.note.type.IsInteger();
+    return integer ? std::to_string(known->integer) : text;
+}
+
 std::string SingleText(const Declared& declared, const Definition& definition, const Expr& value) {
     const ValueType& type = declared.note.type;
     const std::string cppType = type.IsKnown() ? CppName(type) : "auto";
     const std::string variable = cppType + " " + definition.cppName;
     if (!declared.hasValue) return variable + " = " + DefaultValue(cppType) + ";";
-    return variable + " = " + (type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
+    return variable + " = " + ConstText(declared, type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {

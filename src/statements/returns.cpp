@@ -50,17 +50,16 @@ void CheckNoValue(const State& state, const ValueType& result) {
     ReportFatal(RoutineSubject(state) + " returns " + KorvelName(result) + ", so its Return needs a value");
 }
 
-// Sizes of an array variable as C++ texts. Rows of Fields and Globals all have the first one's size.
+// Sizes of an array as C++ texts. Rows of Fields and Globals all have the first one's size.
 std::vector<std::string> SizesOf(const Expr& value) {
-    std::vector<std::string> sizes;
     const Variable* variable = value.variable;
+    if (value.form == ArrayForm::Fixed && variable != nullptr) return variable->sizes;
+    const bool local = variable != nullptr && FindLocal(variable->name) == variable;
+    std::vector<std::string> sizes;
     std::string row = value.text, guard;
     for (int k = 0; k < value.type.dims; ++k) {
-        if (variable != nullptr && (FindLocal(variable->name) == variable || value.form == ArrayForm::Fixed)) {
-            sizes.push_back(SizeName(variable->cppName, k));
-            continue;
-        }
-        sizes.push_back("(" + guard + "static_cast<int>(" + row + ".size()))");
+        sizes.push_back(local ? SizeName(variable->cppName, k)
+                              : "(" + guard + "static_cast<int>(" + row + ".size()))");
         guard += row + ".empty() ? 0 : ";
         row += "[0]";
     }
