@@ -69,7 +69,8 @@ private:
     // Where something that mentions the name may be defined. A call runs code that may create objects,
     // so it has to wait for the instance lists.
     Place PlaceAfter(const std::string& name) {
-        if (!symbols.userlibDLLs.empty() && (FindUserlibFunction(name) != nullptr || FindFunction(name) != nullptr)) {
+        if (!symbols.userlibDLLs.empty() &&
+            (FindUserlibFunction(name) != nullptr || FindFunction(name) != nullptr)) {
             callsUserlibs = true;
             return Place::Cpp;
         }
@@ -97,7 +98,8 @@ private:
     // before the late lines anyway, others move with their user.
     void MoveLater(GlobalDefinition& global, Place place) {
         const auto& own = program.main->globals;
-        bool ofMain = std::any_of(own.begin(), own.end(), [&](const GlobalDefinition& g) { return &g == &global; });
+        bool ofMain =
+            std::any_of(own.begin(), own.end(), [&](const GlobalDefinition& g) { return &g == &global; });
         if (ofMain || global.declaration.empty()) return;
         places[global.name] = place;
         Move(global, place);

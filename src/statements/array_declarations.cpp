@@ -74,11 +74,13 @@ std::string Construction(ValueType type, ArrayPlace place, const std::vector<std
 
 std::string Declarator(const Variable& array, ArrayPlace place, const std::string& construction) {
     const std::string type = ArrayCppName(array.type, place);
-    if (place == ArrayPlace::Field) return type + " " + array.cppName + " = " + type + "(" + construction + ");";
+    if (place == ArrayPlace::Field)
+        return type + " " + array.cppName + " = " + type + "(" + construction + ");";
     return type + " " + array.cppName + "(" + construction + ");";
 }
 
-std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const std::string& value, bool known) {
+std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const std::string& value,
+                         bool known) {
     std::string text = place != ArrayPlace::Field ? "const int " : known ? "static const int " : "int ";
     return text + SizeName(array.cppName, k) + " = " + value + ";";
 }
@@ -151,7 +153,8 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
         const bool first = !known && place != ArrayPlace::Field;
         // In a class only a number is sure to be a constant to C++.
         std::string value = size.text;
-        if (place == ArrayPlace::Field) value = known ? std::to_string(*size.value) : MeasuredSize(array.cppName, k);
+        if (place == ArrayPlace::Field)
+            value = known ? std::to_string(*size.value) : MeasuredSize(array.cppName, k);
         const std::string constant = SizeConstant(array, place, k, value, known);
         if (first)
             text.head += constant + "\n";
@@ -168,8 +171,8 @@ std::string TakenArray(const ValueType& type, ArrayPlace place, const std::strin
     RequireSupport(Support::ArrayPassing);
     RequireFor(type, place);
     if (type.dims > maxPassedDimensions)
-        ReportFatal("An array that a Function returns can have at most " + std::to_string(maxPassedDimensions) +
-                    " dimensions");
+        ReportFatal("An array that a Function returns can have at most " +
+                    std::to_string(maxPassedDimensions) + " dimensions");
     const bool slots = type.base == Base::Element && place != ArrayPlace::Local;
     const std::string dimensions = type.dims > 1 ? std::to_string(type.dims) : "";
     return (slots ? "__kvTakeSlots" : "__kvTakeArray") + dimensions + "(" + call + ")";
@@ -183,8 +186,9 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
     const bool known = sizesKnown && AllKnown(sizes);
     for (int k = 0; k < array.type.dims; ++k) {
         std::string size = MeasuredSize(array.cppName, k);
-        if (known) size = place == ArrayPlace::Field ? std::to_string(*sizes[static_cast<std::size_t>(k)].value)
-                                                     : sizes[static_cast<std::size_t>(k)].text;
+        if (known)
+            size = place == ArrayPlace::Field ? std::to_string(*sizes[static_cast<std::size_t>(k)].value)
+                                              : sizes[static_cast<std::size_t>(k)].text;
         text.tail += sizeIndent + SizeConstant(array, place, k, size, known);
     }
     AddMovableForm(array, place, known, text);
@@ -205,20 +209,22 @@ const Routine* CalledRoutine(TokenSpan call) {
     return nullptr;
 }
 
-void CheckArrayResult(const std::string& name, const ValueType& type, const std::vector<std::string>& declared,
-                      TokenSpan initialiser, const Expr& value) {
+void CheckArrayResult(const std::string& name, const ValueType& type,
+                      const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value) {
     const std::string function = CalledName(initialiser);
     if (type.dims != value.type.dims)
-        ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " + std::to_string(type.dims) +
-                    " dimensions, but " + function + "() returns " + std::to_string(value.type.dims) + " dimensions");
+        ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
+                    std::to_string(type.dims) + " dimensions, but " + function + "() returns " +
+                    std::to_string(value.type.dims) + " dimensions");
     const Routine* routine = CalledRoutine(initialiser);
     if (routine == nullptr) return;
     for (std::size_t k = 0; k < declared.size() && k < routine->resultSizes.size(); ++k) {
         const std::optional<long long> here = KnownSize(declared[k]);
         const std::optional<long long> there = KnownSize(routine->resultSizes[k]);
         if (here && there && *here != *there)
-            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " + std::to_string(k) +
-                        " is [" + declared[k] + "], but " + function + "() returns [" + routine->resultSizes[k] + "]");
+            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
+                        std::to_string(k) + " is [" + declared[k] + "], but " + function + "() returns [" +
+                        routine->resultSizes[k] + "]");
     }
 }
 

@@ -9,8 +9,8 @@
 #include "symbols/symbols.h"
 
 enum class ArrayPlace : unsigned char {
-    Local,   // a statement; Elements in plain slots that loops fill and free
-    Inner,   // a Local whose block ends before the routine
+    Local,  // a statement; Elements in plain slots that loops fill and free
+    Inner,  // a Local whose block ends before the routine
     Global,
     Field,
 };
@@ -38,8 +38,8 @@ std::string TakenArray(const ValueType& type, ArrayPlace place, const std::strin
 
 // Ends the run when a value taken from a call does not fit the declared array: its dimensions, or sizes
 // that are known on both sides. `initialiser` is the call, `declared` the size texts as written.
-void CheckArrayResult(const std::string& name, const ValueType& type, const std::vector<std::string>& declared,
-                      TokenSpan initialiser, const Expr& value);
+void CheckArrayResult(const std::string& name, const ValueType& type,
+                      const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value);
 
 // Whether the sizes are known to be the same.
 bool SameSizes(const std::vector<std::string>& a, const std::vector<std::string>& b);

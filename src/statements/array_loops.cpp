@@ -22,8 +22,8 @@ std::string Loops(const std::vector<std::string>& sizes, const std::string& line
     std::string text, closing;
     for (std::size_t k = 0; k < sizes.size(); ++k) {
         const std::string counter = Counter(k);
-        text += "\tfor(int " + counter + " = 0; " + counter + " < " + sizes[k] + "; " + counter + " = " + counter +
-                " + 1) {\n";
+        text += "\tfor(int " + counter + " = 0; " + counter + " < " + sizes[k] + "; " + counter + " = " +
+                counter + " + 1) {\n";
         closing += "\t}\n";
     }
     return text + "\t\t" + line + "\n" + closing;
@@ -31,6 +31,7 @@ std::string Loops(const std::vector<std::string>& sizes, const std::string& line
 
 std::vector<std::string> SizeNames(const Variable& array) {
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(array.type.dims));
     for (int k = 0; k < array.type.dims; ++k) names.push_back(SizeName(array.cppName, k));
     return names;
 }
@@ -70,6 +71,7 @@ std::string CopyLoops(const ValueType& type, const std::string& source, const st
     std::string value = source + subscripts;
     if (type.base == Base::Element) value = "new " + CppName(SlotType(type)) + "(*" + value + ")";
     const std::string dimensions = sizes.size() > 1 ? std::to_string(sizes.size()) : "";
-    return "\t" + ResultCppName(type) + " " + copyName + " = __kvNewArray" + dimensions + "<" + SlotCppName(type) +
-           ">(" + counts + ");\n" + Loops(sizes, copyName + subscripts + " = " + value + ";");
+    return "\t" + ResultCppName(type) + " " + copyName + " = __kvNewArray" + dimensions + "<" +
+           SlotCppName(type) + ">(" + counts + ");\n" +
+           Loops(sizes, copyName + subscripts + " = " + value + ";");
 }

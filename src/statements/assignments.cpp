@@ -40,12 +40,14 @@ void CheckTarget(TokenSpan target, const Expr& expr) {
     if (target.size() == 1 && expr.variable != nullptr && expr.variable->isConst)
         ReportFatal("Cannot assign to const variable '" + name + "'");
     if (!expr.assignable && expr.type.IsKnown())
-        ReportFatal("Cannot assign to '" + WrittenText(target) + "': it is no variable, Field or array element");
+        ReportFatal("Cannot assign to '" + WrittenText(target) +
+                    "': it is no variable, Field or array element");
 }
 
 void CheckConstTarget(TokenSpan target) {
     const Variable* variable = FindVariable(target[0]);
-    if (variable != nullptr && variable->isConst) ReportFatal("Cannot assign to const variable '" + target[0] + "'");
+    if (variable != nullptr && variable->isConst)
+        ReportFatal("Cannot assign to const variable '" + target[0] + "'");
 }
 
 // A declared array keeps its size: it receives the items of the returned one.
@@ -55,13 +57,13 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const ValueType& type = target.type;
     if (target.form != ArrayForm::Vector || value.form != ArrayForm::Owned) FailArrayAssignment();
     if (type != value.type) FailMismatch(value.type, type, target.text);
-    EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) + " _from = " +
-                        TakenArray(type, ArrayPlace::Inner, value.text) + ";");
+    EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) +
+                        " _from = " + TakenArray(type, ArrayPlace::Inner, value.text) + ";");
     std::string loops, indices;
     for (int k = 0; k < type.dims; ++k) {
         const std::string i = "_i" + std::to_string(k);
-        loops += "for(size_t " + i + " = 0; " + i + " < " + target.text + indices + ".size() && " + i + " < _from" +
-                 indices + ".size(); ++" + i + ") ";
+        loops += "for(size_t " + i + " = 0; " + i + " < " + target.text + indices + ".size() && " + i +
+                 " < _from" + indices + ".size(); ++" + i + ") ";
         indices += "[" + i + "]";
     }
     const std::string item = type.base == Base::Element ? "*" : "";
@@ -135,7 +137,8 @@ void CheckNullAssignment(State& state, TokenSpan tokens) {
     if (tokens.size() != 3 || tokens[1] != "=" || !IsWord(tokens[2], "null")) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
-    ReportFatal("'" + tokens[0] +
-                "' is an Element (a value) - Null applies to Types, not Elements. Elements need no cleanup; a Local "
-                "Element is freed automatically when it goes out of scope.");
+    ReportFatal(
+        "'" + tokens[0] +
+        "' is an Element (a value) - Null applies to Types, not Elements. Elements need no cleanup; a Local "
+        "Element is freed automatically when it goes out of scope.");
 }

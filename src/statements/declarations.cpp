@@ -22,7 +22,8 @@ void CheckPlace(const State& state, DefinitionKind kind) {
         ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method");
     if (kind == DefinitionKind::Global && (inRoutine || state.inType))
         ReportFatal(
-            "Syntax error: 'Global' can only be declared in global scope (outside Functions, Methods, and Types)");
+            "Syntax error: 'Global' can only be declared in global scope (outside Functions, Methods, and "
+            "Types)");
     if (kind == DefinitionKind::Const && state.inType)
         ReportFatal("Syntax error: 'Const' cannot be declared inside a Type");
     if (kind == DefinitionKind::Const && state.inFunction)

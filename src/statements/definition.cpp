@@ -72,10 +72,12 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
 
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
-    if (tokens[at] != "=") ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'");
+    if (tokens[at] != "=")
+        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'");
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);
-    if (declared.value.empty()) ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'");
+    if (declared.value.empty())
+        ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'");
 }
 
 Declared Read(TokenSpan tokens, DefinitionKind kind) {
@@ -101,7 +103,8 @@ void CheckComplete(const Declared& declared) {
     if (declared.hasValue) return;
     if (declared.kind == DefinitionKind::Const) ReportFatal("Constant must be initialized");
     if (!declared.typed)
-        ReportFatal("Variable '" + declared.name + "' requires either a type annotation (:Type) or an initial value");
+        ReportFatal("Variable '" + declared.name +
+                    "' requires either a type annotation (:Type) or an initial value");
 }
 
 // The type an untyped variable takes from its value.
@@ -117,7 +120,8 @@ void CheckConstType(const Declared& declared) {
     const ValueType& type = declared.note.type;
     if (declared.kind != DefinitionKind::Const || !type.IsKnown()) return;
     if (!type.IsNumber() && !type.Is(Base::String))
-        ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " + KorvelName(type));
+        ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " +
+                    KorvelName(type));
 }
 
 bool MeansSomething(const std::string& name) {
@@ -129,7 +133,8 @@ bool MeansSomething(const std::string& name) {
 std::string NameFor(const Declared& declared) {
     std::string name = SafeName(declared.name);
     if (declared.kind != DefinitionKind::Local || !MeansSomething(declared.name)) return name;
-    const bool mentioned = std::find(declared.value.begin(), declared.value.end(), declared.name) != declared.value.end();
+    const bool mentioned =
+        std::find(declared.value.begin(), declared.value.end(), declared.name) != declared.value.end();
     return mentioned ? name + "__" + std::to_string(settings.currentLine) : name;
 }
 
@@ -148,7 +153,8 @@ void NoteValueType(TokenSpan value) {
 std::string ConstText(const Declared& declared, const std::string& text) {
     if (declared.kind != DefinitionKind::Const || text.find("KVL_Safe") == std::string::npos) return text;
     const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
-    const bool integer = known && known->kind == ConstantValue::Kind::Integer && declared.note.type.IsInteger();
+    const bool integer =
+        known && known->kind == ConstantValue::Kind::Integer && declared.note.type.IsInteger();
     return integer ? std::to_string(known->integer) : text;
 }
 
@@ -157,7 +163,8 @@ std::string SingleText(const Declared& declared, const Definition& definition, c
     const std::string cppType = type.IsKnown() ? CppName(type) : "auto";
     const std::string variable = cppType + " " + definition.cppName;
     if (!declared.hasValue) return variable + " = " + DefaultValue(cppType) + ";";
-    return variable + " = " + ConstText(declared, type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
+    return variable + " = " + ConstText(declared, type.IsKnown() ? TextAs(value, type) : ValueText(value)) +
+           ";";
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
@@ -168,8 +175,10 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     definition.moved = definition.text;
     if (type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
-    if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object)) return;
-    definition.registration = " __" + value.type.cls->cppName + "_list__.push_back(" + definition.cppName + ");";
+    if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))
+        return;
+    definition.registration =
+        " __" + value.type.cls->cppName + "_list__.push_back(" + definition.cppName + ");";
 }
 
 ArrayPlace PlaceOf(const State& state, DefinitionKind kind) {
@@ -190,7 +199,8 @@ ArrayText TextOfArray(const Declared& declared, const Variable& array, ArrayPlac
     CheckArrayResult(declared.name, type, array.sizes, declared.value, value);
     if (type != value.type) FailMismatch(value.type, type, declared.name);
     const Routine* routine = CalledRoutine(declared.value);
-    return TakeOverArray(array, place, value, routine != nullptr && SameSizes(array.sizes, routine->resultSizes));
+    return TakeOverArray(array, place, value,
+                         routine != nullptr && SameSizes(array.sizes, routine->resultSizes));
 }
 
 // Sizes as later accesses see them: those that are written, or else the constants'.

@@ -10,7 +10,7 @@
 enum class DefinitionKind : unsigned char { Field = 1, Local = 2, Global = 4, Const = 8 };
 
 struct Definition {
-    std::string name;          // as written
+    std::string name;  // as written
     std::string cppName;
     std::string text;          // the C++ declaration, without the keyword-dependent place it goes to
     std::string before;        // lines that have to stand before it

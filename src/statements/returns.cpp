@@ -30,8 +30,8 @@ bool OwnsObjects(const State& state) {
 std::string RoutineSubject(const State& state) {
     const std::string kind = state.inMethod ? "Method" : "Function";
     const std::string name = state.inMethod && state.cls ? state.cls->name + "::" + state.methodName
-                             : state.inMethod           ? state.methodName
-                                                        : state.functionName;
+                             : state.inMethod            ? state.methodName
+                                                         : state.functionName;
     return kind + " '" + name + "'";
 }
 
@@ -41,8 +41,8 @@ void CheckValue(const State& state, const ValueType& result, const Expr& value) 
         ReportFatal(RoutineSubject(state) + " has no return type, so its Return cannot give a value");
     const bool array = result.IsArray() || value.type.IsArray();
     if (array ? result == value.type : Assignable(result, value.type)) return;
-    ReportFatal("Type mismatch: " + RoutineSubject(state) + " returns " + KorvelName(result) + ", but its Return gives " +
-                KorvelName(value.type) + ConversionHint(result, value.type));
+    ReportFatal("Type mismatch: " + RoutineSubject(state) + " returns " + KorvelName(result) +
+                ", but its Return gives " + KorvelName(value.type) + ConversionHint(result, value.type));
 }
 
 void CheckNoValue(const State& state, const ValueType& result) {
@@ -72,7 +72,8 @@ void RecordSizes(const State& state, const Expr& value) {
     auto found = symbols.functions.find(state.functionName);
     if (found == symbols.functions.end()) return;
     std::vector<std::string>& known = found->second.resultSizes;
-    const std::vector<std::string> sizes = value.variable ? value.variable->sizes : std::vector<std::string>();
+    const std::vector<std::string> sizes =
+        value.variable ? value.variable->sizes : std::vector<std::string>();
     const bool first = !state.hasReturn || known.empty();
     if (first && known != sizes) {
         known = sizes;
@@ -83,11 +84,12 @@ void RecordSizes(const State& state, const Expr& value) {
 
 std::string CopyOfArray(State& state, const Expr& value) {
     if (value.form == ArrayForm::Pointer)
-        ReportFatal("An array parameter cannot be returned, because its size is not known here. Copy it into a Local "
-                    "array first.");
+        ReportFatal(
+            "An array parameter cannot be returned, because its size is not known here. Copy it into a Local "
+            "array first.");
     if (value.type.dims > maxPassedDimensions)
-        ReportFatal("An array that a Function returns can have at most " + std::to_string(maxPassedDimensions) +
-                    " dimensions");
+        ReportFatal("An array that a Function returns can have at most " +
+                    std::to_string(maxPassedDimensions) + " dimensions");
     RequireSupport(Support::ArrayPassing);
     const std::string copy = (value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy";
     EmitLines(state, CopyLoops(value.type, value.text, copy, SizesOf(value)));

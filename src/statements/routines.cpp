@@ -132,10 +132,12 @@ void CloseMain(State& state) {
 }
 
 void CheckMethodKind(const State& state, const Routine& method) {
-    if (method.name == "constructor" && state.access == "private") ReportFatal("Constructor access must be public");
+    if (method.name == "constructor" && state.access == "private")
+        ReportFatal("Constructor access must be public");
     const bool special = method.name == "constructor" || method.name == "destructor";
     if (special && !method.result.Is(Base::Void)) ReportFatal("A " + method.name + " has no return type");
-    if (method.name == "destructor" && !method.parameters.empty()) ReportFatal("A destructor takes no parameters");
+    if (method.name == "destructor" && !method.parameters.empty())
+        ReportFatal("A destructor takes no parameters");
 }
 
 // Methods reach their object and its members by name.
