@@ -1,6 +1,7 @@
 #include "statements/translate.h"
 
 #include <fstream>
+#include <unordered_set>
 
 #include "driver/paths.h"
 #include "driver/report.h"
@@ -21,7 +22,8 @@ namespace {
 // What a nested translation must leave as it found it.
 class SavedPlace {
 public:
-    explicit SavedPlace(FileOutput& out) : file(settings.currentFile), line(settings.currentLine), wasLenient(lenient) {
+    explicit SavedPlace(FileOutput& out)
+        : file(settings.currentFile), line(settings.currentLine), wasLenient(lenient) {
         before = SetOpenOutput(&out);
     }
     ~SavedPlace() {
@@ -65,8 +67,10 @@ bool CanCreate(const std::string& path) { return static_cast<bool>(std::ofstream
 HeaderContents ContentsOf(const Declarations& declarations, const std::string& source) {
     HeaderContents contents;
     contents.classes = declarations.classes;
+    std::unordered_set<const ClassInfo*> listed;  // a Type may be declared twice, the first one counts
     for (const ClassInfo* cls : declarations.classes)
-        if (cls->registered && cls->sourceFile == source) contents.instanceLists.push_back(cls);
+        if (cls->registered && cls->sourceFile == source && listed.insert(cls).second)
+            contents.instanceLists.push_back(cls);
     for (const Prototype& prototype : declarations.functions)
         (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
     return contents;
@@ -106,7 +110,8 @@ void TranslateStatements(FileOutput& out, Lexer& lexer, const HeaderContents& co
 
 void CloseHeader(const FileOutput& out) {
     if (out.isMain && !symbols.includeHeaders.empty())
-        VerboseNote("Inserted " + std::to_string(symbols.includeHeaders.size()) + " include(s) into header file.");
+        VerboseNote("Inserted " + std::to_string(symbols.includeHeaders.size()) +
+                    " include(s) into header file.");
     AddOnce(symbols.generatedFiles, HeaderPath(out));
     VerboseNote("Header file completed with globals and constants.");
     if (!out.headerOnly) AddOnce(symbols.generatedFiles, CppPath(out));
