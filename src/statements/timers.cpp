@@ -1,6 +1,9 @@
 #include "statements/timers.h"
 
+#include <unordered_set>
+
 #include "driver/report.h"
+#include "lexer/lexer.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 
@@ -28,6 +31,18 @@ std::string HandlerCall(const std::string& name) {
     return handler->cppName + "(" + DefaultArguments(*handler) + ")";
 }
 
+// Whether some Function has the name in any letter case: a name in another case stops nothing, which the
+// language allows, but one that no Function has is a slip.
+bool NamesFunction(const std::string& name) {
+    static const std::unordered_set<std::string> lowered = [] {
+        std::unordered_set<std::string> names;
+        for (const auto& function : symbols.functions) names.insert(Lower(function.first));
+        for (const auto& function : symbols.userlibRoutines) names.insert(Lower(function.first));
+        return names;
+    }();
+    return lowered.count(Lower(name)) != 0;
+}
+
 }  // namespace
 
 // __kvAutoCall("Tick", [](){ KVL_Tick(); }, (long long)(interval), true);
@@ -49,5 +64,8 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
 void TranslateStopCall(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
     RefuseMore(tokens, 2);
-    EmitLine(state, "__kvStopCall(\"" + (IsWord(tokens[1], "all") ? std::string() : tokens[1]) + "\");");
+    const bool all = IsWord(tokens[1], "all");
+    if (!all && !lenient && !NamesFunction(tokens[1]))
+        ReportFatal("StopCall: there is no Function '" + tokens[1] + "'");
+    EmitLine(state, "__kvStopCall(\"" + (all ? std::string() : tokens[1]) + "\");");
 }

@@ -52,7 +52,7 @@ void TranslateWith(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("With requires an object: With <variable>");
     Tokens object(tokens.begin() + 1, tokens.end());
     if (IsWord(object[0], "its")) {
-        if (withStack.empty()) ReportFatal("'its' is only valid inside a With ... EndWith block");
+        if (state.withLines.empty()) ReportFatal("'its' is only valid inside a With ... EndWith block");
         object.erase(object.begin());
         object.insert(object.begin(), withStack.back().begin(), withStack.back().end());
     }
