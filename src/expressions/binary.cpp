@@ -52,17 +52,17 @@ Expr Call(const std::string& function, const std::string& a, const std::string& 
 }
 
 // std::to_string of a number beside a String; a literal that meets another literal becomes a std::string.
-std::string AsText(const Expr& expr, bool literalNeedsString) {
-    if (!IsText(expr) && expr.type.IsKnown()) return "std::to_string(" + expr.text + ")";
-    return expr.literal && literalNeedsString ? "std::string(" + expr.text + ")" : expr.text;
+void MakeText(Expr& expr, bool literalNeedsString) {
+    if (!IsText(expr) && expr.type.IsKnown()) expr.text = "std::to_string(" + expr.text + ")";
+    if (expr.literal && literalNeedsString) expr.text = "std::string(" + expr.text + ")";
 }
 
 bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
 
 Expr Concatenate(Expr left, const BinaryOperator& op, Expr right) {
     if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, op, right);
-    left.text = AsText(left, right.literal);
-    right.text = AsText(right, false);
+    MakeText(left, right.literal);
+    MakeText(right, false);
     return Join(std::move(left), op, right, Single(Base::String));
 }
 
