@@ -25,7 +25,7 @@ Base CommonNumber(const Expr& a, const Expr& b) {
 bool Checked() { return settings.safeMode && !settings.debugMode; }
 
 [[noreturn]] void FailOperands(const Expr& left, const BinaryOperator& op, const Expr& right) {
-    std::string message = std::string("Operator '") + op.text + "' cannot be used between " +
+    std::string message = std::string("Operator '") + op.korvel + "' cannot be used between " +
                           KorvelName(left.type) + " and " + KorvelName(right.type);
     if (IsText(left) && right.type.IsNumber()) message += ConversionHint(right.type, left.type);
     if (left.type.IsNumber() && IsText(right)) message += ConversionHint(left.type, right.type);
@@ -158,7 +158,7 @@ Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
                       : op.kind == UnaryKind::Sign ? operand.type.IsNumber()
                                                    : operand.type.IsInteger();
     if (known && !fits) {
-        ReportFatal(std::string("Operator '") + op.text + "' cannot be used with " +
+        ReportFatal(std::string("Operator '") + op.korvel + "' cannot be used with " +
                     KorvelName(operand.type));
     }
     Expr result;

@@ -43,8 +43,8 @@ Expr Asc(const std::string& name, const Arguments& arguments) {
     const Expr& x = arguments[0];
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
     if (x.isCall) {
-        return Result("[](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
-                          x.text + ")",
+        return Result("([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
+                          x.text + "))",
                       Base::Int);
     }
     return Result(
@@ -110,7 +110,7 @@ Expr Math(const std::string& lowerName, const std::string& name, const Arguments
     }
     const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
     if (simple || !RepeatsArgument(lowerName)) return Result(MathText(lowerName, texts), type);
-    return Result("[](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + ")", type);
+    return Result("([](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + "))", type);
 }
 
 void CheckCount(const std::string& name, int expected, std::size_t count) {

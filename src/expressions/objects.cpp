@@ -58,8 +58,9 @@ Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
 
 // Insert a After b
 Expr ParseInsert(Walk& walk, const std::string& word) {
-    const Expr object = ParsePrimary(walk);
+    Expr object = ParsePrimary(walk);
     RequireObject(object, word);
+    if (object.level != Level::Primary) object.text = "(" + object.text + ")";
     const std::string place = Lower(walk.Peek());
     if (place != "before" && place != "after")
         ReportFatal("Insert expects: Insert a Before b, or Insert a After b");

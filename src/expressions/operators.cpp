@@ -14,41 +14,44 @@ struct SymbolRow {
 
 // Rows with a second token come before the row that is their beginning. "=" and "= =" are looked at apart.
 const SymbolRow symbolRows[] = {
-    {"+", "", {"+", Level::Sum, OperatorKind::Add}},
-    {"-", "", {"-", Level::Sum, OperatorKind::Arithmetic}},
-    {"*", "", {"*", Level::Product, OperatorKind::Arithmetic}},
-    {"/", "", {"/", Level::Product, OperatorKind::Divide}},
-    {"%", "", {"%", Level::Product, OperatorKind::Remainder}},
-    {"<", "=", {"<=", Level::Relation, OperatorKind::Order}},
-    {"<", ">", {"!=", Level::Equality, OperatorKind::Equality}},
-    {"<", "", {"<", Level::Relation, OperatorKind::Order}},
-    {">", "=", {">=", Level::Relation, OperatorKind::Order}},
-    {">", "", {">", Level::Relation, OperatorKind::Order}},
-    {"!", "=", {"!=", Level::Equality, OperatorKind::Equality}},
-    {"&", "&", {"&&", Level::And, OperatorKind::Logic}},
-    {"&", "", {"&", Level::BitAnd, OperatorKind::Bits}},
-    {"|", "|", {"||", Level::Or, OperatorKind::Logic}},
-    {"|", "", {"|", Level::BitOr, OperatorKind::Bits}},
-    {"^", "", {"^", Level::BitXor, OperatorKind::Bits}},
+    {"+", "", {"+", "+", Level::Sum, OperatorKind::Add}},
+    {"-", "", {"-", "-", Level::Sum, OperatorKind::Arithmetic}},
+    {"*", "", {"*", "*", Level::Product, OperatorKind::Arithmetic}},
+    {"/", "", {"/", "/", Level::Product, OperatorKind::Divide}},
+    {"%", "", {"%", "Mod", Level::Product, OperatorKind::Remainder}},
+    {"<", "=", {"<=", "<=", Level::Relation, OperatorKind::Order}},
+    {"<", ">", {"!=", "<>", Level::Equality, OperatorKind::Equality}},
+    {"<", "", {"<", "<", Level::Relation, OperatorKind::Order}},
+    {">", "=", {">=", ">=", Level::Relation, OperatorKind::Order}},
+    {">", "", {">", ">", Level::Relation, OperatorKind::Order}},
+    {"!", "=", {"!=", "<>", Level::Equality, OperatorKind::Equality}},
+    {"&", "&", {"&&", "And", Level::And, OperatorKind::Logic}},
+    {"&", "", {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
+    {"|", "|", {"||", "Or", Level::Or, OperatorKind::Logic}},
+    {"|", "", {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
+    {"^", "", {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
 };
 
-const BinaryOperator equals = {"==", Level::Equality, OperatorKind::Equality};
+const BinaryOperator equals = {"==", "=", Level::Equality, OperatorKind::Equality};
 
 const std::unordered_map<std::string, BinaryOperator> binaryWords = {
-    {"mod", {"%", Level::Product, OperatorKind::Remainder}},
-    {"shl", {"<<", Level::Shift, OperatorKind::Bits}},
-    {"shr", {">>", Level::Shift, OperatorKind::Bits}},
-    {"bitand", {"&", Level::BitAnd, OperatorKind::Bits}},
-    {"bitxor", {"^", Level::BitXor, OperatorKind::Bits}},
-    {"bitor", {"|", Level::BitOr, OperatorKind::Bits}},
-    {"and", {"&&", Level::And, OperatorKind::Logic}},
-    {"or", {"||", Level::Or, OperatorKind::Logic}},
+    {"mod", {"%", "Mod", Level::Product, OperatorKind::Remainder}},
+    {"shl", {"<<", "Shl", Level::Shift, OperatorKind::Bits}},
+    {"shr", {">>", "Shr", Level::Shift, OperatorKind::Bits}},
+    {"bitand", {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
+    {"bitxor", {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
+    {"bitor", {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
+    {"and", {"&&", "And", Level::And, OperatorKind::Logic}},
+    {"or", {"||", "Or", Level::Or, OperatorKind::Logic}},
 };
 
 const std::unordered_map<std::string, UnaryOperator> unaryWords = {
-    {"-", {"-", UnaryKind::Sign}},       {"+", {"+", UnaryKind::Sign}},
-    {"!", {"!", UnaryKind::Not}},        {"not", {"!", UnaryKind::Not}},
-    {"~", {"~", UnaryKind::Complement}}, {"bitnot", {"~", UnaryKind::Complement}},
+    {"-", {"-", "-", UnaryKind::Sign}},
+    {"+", {"+", "+", UnaryKind::Sign}},
+    {"!", {"!", "Not", UnaryKind::Not}},
+    {"not", {"!", "Not", UnaryKind::Not}},
+    {"~", {"~", "BitNot", UnaryKind::Complement}},
+    {"bitnot", {"~", "BitNot", UnaryKind::Complement}},
 };
 
 constexpr std::size_t longestWord = 6;

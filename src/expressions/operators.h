@@ -8,7 +8,8 @@
 enum class OperatorKind : unsigned char { Add, Arithmetic, Divide, Remainder, Bits, Order, Equality, Logic };
 
 struct BinaryOperator {
-    const char* text;  // in C++
+    const char* text;    // in C++
+    const char* korvel;  // in messages
     Level level;
     OperatorKind kind;
 };
@@ -17,6 +18,7 @@ enum class UnaryKind : unsigned char { Sign, Not, Complement };
 
 struct UnaryOperator {
     const char* text;
+    const char* korvel;
     UnaryKind kind;
 };
 

@@ -324,12 +324,12 @@ TEST_F(ExpressionTest, RefusesWhatCannotWork) {
           "Operator '-' cannot be used between String and Int\nUse ToInt(...) to turn the String into a "
           "number."},
          {"s = 1",
-          "Operator '==' cannot be used between String and Int\nUse ToInt(...) to turn the String into a "
+          "Operator '=' cannot be used between String and Int\nUse ToInt(...) to turn the String into a "
           "number."},
-         {"not s", "Operator '!' cannot be used with String"},
-         {"p = o", "Operator '==' cannot be used between TActor and TOther"},
+         {"not s", "Operator 'Not' cannot be used with String"},
+         {"p = o", "Operator '=' cannot be used between TActor and TOther"},
          {"e + 1", "Operator '+' cannot be used between TPoint and Int"},
-         {"d BitAnd 1", "Operator '&' cannot be used between Double and Int"},
+         {"d BitAnd 1", "Operator 'BitAnd' cannot be used between Double and Int"},
          {"Tick() + 1", "A call without a result cannot be used as a value"},
          {"Twice", "Function 'Twice' is called with parentheses: Twice(...)"},
          {"Twice()", "Function 'Twice' expects 1 parameter(s) but 0 provided"},
