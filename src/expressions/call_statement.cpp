@@ -29,6 +29,11 @@ bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
     Walk walk(tokens, ExprMode::Statement);
     walk.callStatement = true;
     const Expr expr = ParsePrimary(walk);
+    const std::string& next = walk.Peek();
+    if ((next == "+" || next == "-") && walk.Peek(1) == next && walk.at + 2 == tokens.size()) {
+        ReportFatal("There is no operator '" + next + next + "'. Write the assignment out, as in 'x = x " +
+                    next + " 1'");
+    }
     if (!expr.isCall && !MakesObject(tokens[0])) return false;
     if (!walk.Done()) FailUnexpected(walk);
     text = Discarded(expr);
