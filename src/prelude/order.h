@@ -6,8 +6,7 @@
 
 #include "prelude/output.h"
 
-// All outputs of the run, the main file's last in the list of headers. An Element that contains itself
-// by value, directly or through others, ends the run.
+// All outputs of the run, the main file's last in the list of headers.
 struct Program {
     std::deque<FileOutput> files;        // every file translated, stable addresses
     FileOutput* main = nullptr;

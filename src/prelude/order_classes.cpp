@@ -3,8 +3,6 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "driver/report.h"
-#include "driver/settings.h"
 #include "prelude/order.h"
 
 namespace {
@@ -54,7 +52,7 @@ public:
 private:
     std::unordered_map<const ClassInfo*, Layout> layouts;
     std::vector<const ClassInfo*> order;  // as the bodies stand
-    ClassSet placed, open;
+    ClassSet met;
 
     void Note(FileOutput& file, Piece& piece) {
         if (!InClassBody(piece) || piece.kind == Kind::Method) return;
@@ -66,22 +64,13 @@ private:
         layout.needs.insert(layout.needs.end(), piece.needs.begin(), piece.needs.end());
     }
 
+    // Elements that contain themselves were refused by the first pass, so this ends.
     // Places what `cls` holds by value, then `cls` itself: before `user` when that one stands earlier.
     void Place(const ClassInfo* cls, const ClassInfo* user) {
-        if (placed.count(cls) != 0) return;
-        if (!open.insert(cls).second) FailOnCycle(cls);
+        if (!met.insert(cls).second) return;
         for (const ClassInfo* need : layouts[cls].needs)
             if (need != cls && layouts.count(need) != 0) Place(need, cls);
-            else if (need == cls && cls->isElement) FailOnCycle(cls);
         if (user != nullptr) MoveBefore(cls, user);
-        placed.insert(cls);
-    }
-
-    [[noreturn]] static void FailOnCycle(const ClassInfo* cls) {
-        settings.currentFile = cls->sourceFile;
-        settings.currentLine = cls->line;
-        ReportFatal("'" + cls->name + "' contains itself by value (through its Fields). Use a Type for one of them, " +
-                    "or hold it in a Sequence.");
     }
 
     void MoveBefore(const ClassInfo* cls, const ClassInfo* user) {

@@ -15,6 +15,7 @@
 #include "driver/settings.h"
 #include "prelude/fill.h"
 #include "prelude/texts.h"
+#include "statements/end_of_file.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 
@@ -119,7 +120,9 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     if (state.inFunction) ReportFatal("A Type or Element cannot be declared inside a Function");
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);
-    if (cls == nullptr || !cls->registered)
+    // The first pass registers a class when its block is closed.
+    if (cls != nullptr && !cls->registered) FailUnclosedType(name, state.currentLine);
+    if (cls == nullptr)
         ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
     CheckCppWord(name);
     state.inType = true;

@@ -35,6 +35,10 @@ void CheckLoops(const State& state) {
 
 }  // namespace
 
+void FailUnclosedType(const std::string& name, int line) {
+    FailUnclosed("Type block", {Starting("Type '" + name + "'", line, "'EndType'")});
+}
+
 void CheckBlocksClosed(const State& state) {
     if (state.inFunction)
         FailUnclosed("Function block",
@@ -44,8 +48,7 @@ void CheckBlocksClosed(const State& state) {
                      {Starting("Method '" + state.methodName + "'", state.methodLine, "'EndMethod'")});
     if (!state.inType && state.selectDepth >= 1)
         FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
-    if (state.inType)
-        FailUnclosed("Type block", {Starting("Type '" + state.typeName + "'", state.typeLine, "'EndType'")});
+    if (state.inType) FailUnclosedType(state.typeName, state.typeLine);
     CheckLoops(state);
     if (state.inPreCalc)
         FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});
