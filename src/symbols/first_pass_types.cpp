@@ -101,7 +101,8 @@ private:
     std::vector<const ClassInfo*> path;
 
     void Follow(const ClassInfo& element, const Variable& field) {
-        if (!field.type.Is(Base::Element)) return;
+        // The items of an array are constructed with the Element; those of a Sequence come later.
+        if (field.type.base != Base::Element || field.type.sequence) return;
         if (states[field.type.cls] == open) Fail(element, field);
         Visit(*field.type.cls);
     }
@@ -116,7 +117,7 @@ private:
         settings.currentFile = element.sourceFile;
         settings.currentLine = field.line;
         ReportFatal("An Element cannot contain itself: " + chain + field.type.cls->name +
-                    ". Use a Type, an array or a Sequence for the Field '" + field.name + "'");
+                    ". Use a Type or a Sequence for the Field '" + field.name + "'");
     }
 };
 

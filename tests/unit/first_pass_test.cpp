@@ -223,7 +223,7 @@ TEST_F(FirstPassTest, RefusesWhatItCannotRegister) {
         {"Const a = 1\nGlobal a:Int", "Identifier 'a' is already defined."},
         {"Global a:Int\nPreCalc a:Int[2]", "Identifier 'a' is already defined."},
         {"Element A\nField b:TB\nEndElement\nElement TB\nField a:A\nEndElement",
-         "An Element cannot contain itself: A -> TB -> A. Use a Type, an array or a Sequence for the Field "
+         "An Element cannot contain itself: A -> TB -> A. Use a Type or a Sequence for the Field "
          "'a'"},
         {"Include \"main.kvl\"", "Include circle: main.kvl -> main.kvl"},
         {"Include \"./main.kvl\"", "Include circle: main.kvl -> ./main.kvl"},
