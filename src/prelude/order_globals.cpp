@@ -29,9 +29,9 @@ public:
         for (FileOutput* file : program.headers) {
             declaredFunctions.insert(file->functionNames.begin(), file->functionNames.end());
             for (GlobalDefinition& global : file->globals) {
-                Place place = WherePlaced(global, *file);
+                Place place = global.declaration.empty() ? Place::Header : WherePlaced(global, *file);
                 places[global.name] = place;
-                if (place != Place::Header && !global.declaration.empty()) Move(global, place);
+                if (place != Place::Header) Move(global, place);
             }
         }
         for (const std::string& line : lateLines) program.main->headerLate += line + "\n";
@@ -52,17 +52,18 @@ private:
     std::vector<std::string> lateLines, cppLines;
     bool callsUserlibs = false;  // an initialiser may call a userlib function
 
-    static const Tokens& InitialiserOf(const GlobalDefinition& global) {
-        static const Tokens none;
-        const Variable* variable = FindGlobal(global.name);
-        return variable != nullptr ? variable->initialiser : none;
+    // Calls visit(token) for everything that the definition may mention.
+    template <typename Visit>
+    static void ForEachToken(const GlobalDefinition& global, Visit visit) {
+        if (const Variable* variable = FindGlobal(global.name))
+            for (const std::string& token : variable->initialiser) visit(token);
+        for (const std::string& token : global.sizeNames) visit(token);
     }
 
     Place WherePlaced(const GlobalDefinition& global, const FileOutput& file) {
-        if (global.isPreCalc) return Place::Header;
         Place place = !file.isMain && global.needsPrelude ? Place::LateHeader : Place::Header;
         if (!global.needs.empty()) place = Place::Cpp;
-        for (const std::string& token : InitialiserOf(global)) place = std::max(place, PlaceAfter(token));
+        ForEachToken(global, [&](const std::string& token) { place = std::max(place, PlaceAfter(token)); });
         return place;
     }
 
@@ -86,10 +87,10 @@ private:
     // What a moved definition uses must be defined before it.
     void Move(GlobalDefinition& global, Place place) {
         if (!moved.insert(global.name).second) return;
-        for (const std::string& token : InitialiserOf(global)) {
+        ForEachToken(global, [&](const std::string& token) {
             auto used = byName.find(token);
             if (used != byName.end() && places.count(token) == 0) MoveLater(*used->second, place);
-        }
+        });
         global.plain = global.declaration;
         (place == Place::Cpp ? cppLines : lateLines).push_back(global.definition);
     }

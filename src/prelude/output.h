@@ -38,6 +38,7 @@ struct GlobalDefinition {
     std::string declaration;              // the extern line, when the definition has to move
     std::string definition;               // the line that defines it then
     std::vector<const ClassInfo*> needs;  // classes that must be complete before `plain`
+    std::vector<std::string> sizeNames;   // tokens of array sizes that only the running program knows
     bool needsPrelude = false;            // uses KVSeq or other support code
     bool isPreCalc = false;               // written without the comment line before it
 };

@@ -12,6 +12,7 @@
 #include "prelude/output.h"
 #include "prelude/support.h"
 #include "statements/array_loops.h"
+#include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/words.h"
 
@@ -32,7 +33,7 @@ void CheckKnownSize(long long size) {
     if (size > largestSize) ReportFatal("Array size is too large: " + shown);
 }
 
-Size ReadSize(const Variable& array, const std::string& written) {
+Size ReadSize(const Variable& array, ArrayPlace place, const std::string& written) {
     const Tokens tokens = Split(written);
     if (tokens.empty()) ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets");
     if (SplitAtCommas(tokens).size() > 1)
@@ -45,14 +46,15 @@ Size ReadSize(const Variable& array, const std::string& written) {
     if (!fits || (known && !integer))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
     if (!integer) return {size.text, std::nullopt};
-    // A checked division is no constant to C++.
+    // A checked division is no constant to C++, and a header knows only the Consts above.
     const bool checked = size.text.find("KVL_Safe") != std::string::npos;
-    return {checked ? std::to_string(known->integer) : size.text, known->integer};
+    const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(tokens);
+    return {checked || tooEarly ? std::to_string(known->integer) : size.text, known->integer};
 }
 
-std::vector<Size> ReadSizes(const Variable& array) {
+std::vector<Size> ReadSizes(const Variable& array, ArrayPlace place) {
     std::vector<Size> sizes;
-    for (const std::string& written : array.sizes) sizes.push_back(ReadSize(array, written));
+    for (const std::string& written : array.sizes) sizes.push_back(ReadSize(array, place, written));
     return sizes;
 }
 
@@ -144,7 +146,7 @@ std::string ArrayCppName(const ValueType& type, ArrayPlace place) {
 
 ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
     RequireFor(array.type, place);
-    const std::vector<Size> sizes = ReadSizes(array);
+    const std::vector<Size> sizes = ReadSizes(array, place);
     const bool known = AllKnown(sizes);
     ArrayText text;
     std::vector<std::string> counts;
@@ -182,7 +184,7 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
     ArrayText text;
     text.variable = ArrayCppName(array.type, place) + " " + array.cppName + " = " +
                     TakenArray(array.type, place, value.text) + ";";
-    const std::vector<Size> sizes = sizesKnown ? ReadSizes(array) : std::vector<Size>();
+    const std::vector<Size> sizes = sizesKnown ? ReadSizes(array, place) : std::vector<Size>();
     const bool known = sizesKnown && AllKnown(sizes);
     for (int k = 0; k < array.type.dims; ++k) {
         std::string size = MeasuredSize(array.cppName, k);

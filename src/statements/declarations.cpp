@@ -71,7 +71,9 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     global.plain = definition.before + qualifier + definition.text;
     global.definition = qualifier + definition.moved;
     global.declaration = definition.declaration;
-    if (isConst) global.declaration.insert(std::string("extern ").size(), "const ");
+    if (isConst && !global.declaration.empty())
+        global.declaration.insert(std::string("extern ").size(), "const ");
+    global.sizeNames = definition.sizeNames;
     global.needsPrelude = UsesSupportCode(definition.text);
     NoteMentioned(*state.out, definition.mentioned);
     PutGlobal(*state.out, global);

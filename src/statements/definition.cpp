@@ -8,6 +8,7 @@
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
+#include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/dispatch.h"
 #include "statements/words.h"
@@ -149,29 +150,34 @@ void NoteValueType(TokenSpan value) {
     if (settings.verbose) GetExpressionType(value);
 }
 
-// A Const stays a constant to C++ where safe mode checks its divisions.
-std::string ConstText(const Declared& declared, const std::string& text) {
-    if (declared.kind != DefinitionKind::Const || text.find("KVL_Safe") == std::string::npos) return text;
+// A Const is a constant to C++, too: where safe mode checks its divisions, or where its header does not know
+// the Consts that it uses yet, its value is written out.
+std::optional<long long> WrittenOut(const Declared& declared, const std::string& text) {
+    if (declared.kind != DefinitionKind::Const || !declared.note.type.IsInteger()) return {};
+    const bool plain = text.find("KVL_Safe") == std::string::npos && UsesOnlyEarlierConsts(declared.value);
+    if (plain) return {};
     const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
-    const bool integer =
-        known && known->kind == ConstantValue::Kind::Integer && declared.note.type.IsInteger();
-    return integer ? std::to_string(known->integer) : text;
+    if (!known || known->kind != ConstantValue::Kind::Integer) return {};
+    return known->integer;
 }
 
-std::string SingleText(const Declared& declared, const Definition& definition, const Expr& value) {
+std::string SingleText(const Declared& declared, const std::string& variable, const Expr& value) {
     const ValueType& type = declared.note.type;
-    const std::string cppType = type.IsKnown() ? CppName(type) : "auto";
-    const std::string variable = cppType + " " + definition.cppName;
-    if (!declared.hasValue) return variable + " = " + DefaultValue(cppType) + ";";
-    return variable + " = " + ConstText(declared, type.IsKnown() ? TextAs(value, type) : ValueText(value)) +
-           ";";
+    if (!declared.hasValue)
+        return variable + " = " + DefaultValue(type.IsKnown() ? CppName(type) : "auto") + ";";
+    return variable + " = " + (type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
     const ValueType& type = declared.note.type;
     if (declared.hasValue && !Assignable(type, value.type)) FailMismatch(value.type, type, declared.name);
-    definition.text = SingleText(declared, definition, value);
-    definition.declaration = "extern " + CppName(type) + " " + definition.cppName + ";";
+    const std::string variable = (type.IsKnown() ? CppName(type) : "auto") + " " + definition.cppName;
+    definition.text = SingleText(declared, variable, value);
+    if (const std::optional<long long> number = WrittenOut(declared, definition.text)) {
+        definition.text = variable + " = " + std::to_string(*number) + ";";
+        return;
+    }
+    definition.declaration = "extern " + variable + ";";
     definition.moved = definition.text;
     if (type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
@@ -245,6 +251,11 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     definition.text = text.variable + text.tail;
     definition.declaration = text.declaration;
     definition.moved = text.definition;
+    for (const std::string& size : array.sizes) {
+        const Tokens tokens = Split(size);
+        if (!EvaluateConstant(tokens))
+            definition.sizeNames.insert(definition.sizeNames.end(), tokens.begin(), tokens.end());
+    }
     const bool plainSlots = array.type.base == Base::Element && place == ArrayPlace::Local;
     if (plainSlots && !declared.hasValue) definition.after = FillLoops(array);
 }

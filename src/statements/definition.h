@@ -15,9 +15,10 @@ struct Definition {
     std::string text;          // the C++ declaration, without the keyword-dependent place it goes to
     std::string before;        // lines that have to stand before it
     std::string after;         // lines that have to stand behind it: filling loops
-    std::string declaration;   // Globals and Consts: the extern lines ...
+    std::string declaration;   // Globals and Consts that may move: the extern lines ...
     std::string moved;         // ... and what defines the variable elsewhere
     std::string registration;  // Locals: puts a created object on its Type's list
+    std::vector<std::string> sizeNames;    // tokens of array sizes that are no constants
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
 };
 

@@ -1,0 +1,25 @@
+#include "statements/const_order.h"
+
+#include "driver/settings.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+bool InMainFile() {
+    return !symbols.sourceFiles.empty() && symbols.sourceFiles.front() == settings.currentFile;
+}
+
+bool StandsBefore(const Variable& variable) {
+    if (variable.file != settings.currentFile) return InMainFile();
+    return variable.line <= settings.currentLine;
+}
+
+}  // namespace
+
+bool UsesOnlyEarlierConsts(TokenSpan tokens) {
+    for (const std::string& token : tokens) {
+        const Variable* variable = FindGlobal(token);
+        if (variable != nullptr && !StandsBefore(*variable)) return false;
+    }
+    return true;
+}
