@@ -1,5 +1,6 @@
 #include "linking/library_names.h"
 
+#include <cstring>
 #include <sstream>
 #include <unordered_set>
 
@@ -132,6 +133,55 @@ constexpr char windowsMacros[] =
     "cdecl far hyper interface near pascal small min max CALLBACK CONST ERROR FALSE IN OPTIONAL OUT TEXT "
     "TRUE VOID";
 
+// What the same headers declare besides; only C functions meet these, whose names C++ cannot overload.
+constexpr char furtherNames[] =
+    "asctime snprintf asprintf dprintf vsnprintf vasprintf vdprintf strcasecmp strncasecmp strnlen "
+    "strndup strptime stpncpy strverscmp strfry strfromd clock_adjtime clock_getres clock_gettime "
+    "clock_nanosleep clock_settime nanosleep gethostname getdomainname getentropy getgroups getdelim "
+    "getpass getsubopt gettext getwc getwd getusershell getloadavg getcpu getdate getdtablesize "
+    "sethostname sethostid setbuffer setlinebuf unsetenv secure_getenv pclose pathconf pipe2 valloc "
+    "posix_memalign posix_openpt a64l l64a bcmp bcopy ecvt fcvt gcvt memccpy memmem mempcpy memfrob "
+    "sincos ualarm timegm timelocal timespec_get putwc putwchar putw fgetwc fgetws fputwc fputws fwide "
+    "mbrlen mbrtowc mbsinit mbsrtowcs mkdtemp mkostemp mkstemps seed48 nrand48 erand48 jrand48 lcong48 "
+    "on_exit reallocarray explicit_bzero sched_yield canonicalize totalorder nextup nextdown llogb "
+    "fseeko ftello fmemopen flockfile funlockfile eaccess euidaccess execvpe execveat fexecve faccessat "
+    "fchownat lchown linkat symlinkat unlinkat renameat readlinkat revoke newlocale uselocale freelocale "
+    "duplocale ngettext dgettext textdomain bindtextdomain cfmakeraw cfgetispeed cfgetospeed cfsetispeed "
+    "cfsetospeed cfsetspeed siginterrupt profil rpmatch tgkill group_member cuserid endusershell gsignal "
+    "ssignal vscanf vsscanf vfscanf swprintf wprintf fwprintf swscanf wscanf fwscanf ungetwc "
+    "open_memstream qecvt qfcvt qgcvt fmaximum fminimum fmaxmag fminmag fromfp ufromfp setpayload "
+    "getpayload alloca strtoq strtouq";
+
+// Classes, templates and objects of the C++ library, ambiguous with a function in the global namespace.
+constexpr char cppLibraryNames[] =
+    "aligned_storage aligned_union alignment_of allocator allocator_arg allocator_traits array atto "
+    "bad_alloc bad_array_new_length bad_cast bad_exception bad_function_call bad_typeid binary_function "
+    "binary_negate binder1st binder2nd bit_and bit_not bit_or bit_xor centi cerr char_traits chrono cin "
+    "clog codecvt codecvt_base collate common_type conditional ctype ctype_base deca decay deci divides "
+    "domain_error enable_if equal_to errc error_category error_code error_condition exa exception "
+    "exception_ptr extent false_type femto filebuf float_denorm_style float_round_style fpos fstream "
+    "giga greater greater_equal hash hecto ifstream ignore initializer_list integral_constant "
+    "invalid_argument io_errc ios ios_base iostream istream istringstream iterator iterator_traits kilo "
+    "lconv length_error less less_equal locale logic_error logical_and logical_not logical_or "
+    "make_signed make_unsigned mega messages messages_base micro milli minus modulus money_base "
+    "money_get money_put moneypunct multiplies nano negate nested_exception new_handler not_equal_to "
+    "nothrow num_get num_put numeric_limits numpunct ofstream ostream ostringstream out_of_range "
+    "overflow_error pair peta pico piecewise_construct placeholders plus pointer_traits range_error rank "
+    "ratio reference_wrapper result_of runtime_error setbase setprecision setw streambuf streamoff "
+    "streampos streamsize stringbuf stringstream system_error tera terminate_handler time_base time_get "
+    "time_put tm to_string to_wstring true_type tuple tuple_element tuple_size type_info unary_function "
+    "unary_negate underflow_error underlying_type unexpected_handler uniform_int_distribution "
+    "uses_allocator advance bind1st bind2nd forward_as_tuple iter_swap make_pair make_tuple tie";
+
+// Of the C library, but no functions: variables, macros and types.
+constexpr char nonFunctions[] =
+    "assert daylight environ errno fd_mask fd_set minor optarg opterr optind optopt signbit signgam "
+    "stderr stdin stdout timezone tm tzname u_char u_int u_long u_short uint ulong ushort va_list "
+    "fpclassify isfinite isgreater isless isnormal isunordered islessequal isgreaterequal islessgreater "
+    "setjmp offsetof alloca EOF FILE BUFSIZ CHAR_BIT CLOCKS_PER_SEC DOMAIN EXIT_FAILURE EXIT_SUCCESS "
+    "HUGE_VAL INFINITY NAN OVERFLOW RAND_MAX SEEK_CUR SEEK_END SEEK_SET SIGINT SIGTERM SING UNDERFLOW "
+    "size_t time_t clock_t pid_t";
+
 std::unordered_set<std::string> WordSet(std::initializer_list<const char*> lists) {
     std::unordered_set<std::string> set;
     for (const char* list : lists) {
@@ -142,6 +192,21 @@ std::unordered_set<std::string> WordSet(std::initializer_list<const char*> lists
 }
 
 bool StartsWith(const std::string& name, const char* start) { return name.rfind(start, 0) == 0; }
+
+const std::unordered_set<std::string>& DeclaredNames() {
+    static const std::unordered_set<std::string> names = WordSet({cLibraryNames, furtherNames, cppLibraryNames});
+    return names;
+}
+
+// Variants of a function for other types or locales: sinf, fabsl, strtol_l, getc_unlocked, fopen64.
+bool IsVariant(const std::string& name) {
+    for (const char* ending : {"f", "l", "_l", "_r", "_unlocked", "64", "f32", "f64", "f128", "f32x", "f64x"}) {
+        const std::size_t length = std::strlen(ending);
+        if (name.size() <= length || name.compare(name.size() - length, length, ending) != 0) continue;
+        if (DeclaredNames().count(name.substr(0, name.size() - length)) != 0) return true;
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -157,5 +222,17 @@ bool ClashesWithLibrary(const std::string& name) {
 
 bool IsWindowsMacro(const std::string& name) {
     static const std::unordered_set<std::string> names = WordSet({windowsMacros});
+    return names.count(name) > 0;
+}
+
+bool IsDeclaredByHeaders(const std::string& name) {
+    for (const char* family : {"_", "pthread_", "sched_", "sig", "timer_", "wcs", "wmem", "isw", "tow", "wct"}) {
+        if (StartsWith(name, family)) return true;
+    }
+    return DeclaredNames().count(name) != 0 || IsVariant(name);
+}
+
+bool IsLibraryNonFunction(const std::string& name) {
+    static const std::unordered_set<std::string> names = WordSet({nonFunctions});
     return names.count(name) > 0;
 }

@@ -9,3 +9,10 @@ bool ClashesWithLibrary(const std::string& name);
 
 // True for names that the Windows headers define as macros; a parameter cannot bear them.
 bool IsWindowsMacro(const std::string& name);
+
+// True when the headers of a generated program declare the name in the global namespace or in std, so that an
+// Extern function of the name could contradict them or be ambiguous.
+bool IsDeclaredByHeaders(const std::string& name);
+
+// True for names of the C library that mean a variable, a macro or a type.
+bool IsLibraryNonFunction(const std::string& name);

@@ -5,6 +5,7 @@
 #include "driver/settings.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
+#include "symbols/extern_functions.h"
 
 std::string HeaderGuard(const std::string& base) {
     std::string guard;
@@ -32,9 +33,13 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
 std::string FunctionSection(const HeaderContents& contents) {
     std::string text;
     if (!contents.externLines.empty()) {
-        text += "// External C functions\nextern \"C\" {\n";
+        text += "// External C functions\n";
+        if (contents.externRenamed) text += externNameMacros;
+        text += "extern \"C\" {\n";
         for (const std::string& line : contents.externLines) text += line + "\n";
-        text += "}\n\n";
+        text += "}\n";
+        for (const std::string& line : contents.externWrappers) text += line + "\n";
+        text += "\n";
     }
     if (!contents.functionLines.empty()) {
         text += "// Function declarations\n";

@@ -90,6 +90,7 @@ DefinitionKind KindOf(const std::string& keyword) {
 void TranslateDeclaration(State& state, TokenSpan tokens) {
     const DefinitionKind kind = KindOf(Lower(tokens[0]));
     CheckPlace(state, kind);
+    if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'");
     for (const TokenSpan& part : SplitList(tokens.From(1))) {
         if (kind == DefinitionKind::Local)
             DeclareLocal(state, part);

@@ -10,6 +10,7 @@
 #include "expressions/expression.h"
 #include "statements/program.h"
 #include "statements/translate.h"
+#include "statements/words.h"
 
 namespace fs = std::filesystem;
 
@@ -48,10 +49,9 @@ std::string AsSeenFrom(const FileOutput& out, const std::string& path) {
     return fs::path(settings.outputPath + "/" + path).lexically_relative(out.folder).generic_string();
 }
 
-void EmitIncludeLine(State& state, const IncludeName& name, const std::string& source) {
-    std::string cpp = (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file) + ".cpp";
+void EmitIncludeLine(State& state, const std::string& stem, const std::string& source) {
     BeginPiece(*state.out, Piece::Kind::Include).file = source;
-    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + AsSeenFrom(*state.out, cpp) + "\"");
+    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + AsSeenFrom(*state.out, stem + ".cpp") + "\"");
     BeginPiece(*state.out, Piece::Kind::Lines);
 }
 
@@ -61,21 +61,23 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     if (tokens[1].empty() || tokens[1].front() != '"') return;
     if (state.inFunction || state.inMethod || state.inType)
         ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
+    RefuseMore(tokens, 2);
     std::string quoted = tokens[1];
     quoted.erase(std::remove(quoted.begin(), quoted.end(), '"'), quoted.end());
     if (symbols.importedNames.count(quoted) != 0) return;
     IncludeName name = SplitIncludeName(quoted);
-    std::string folder = IncludeOutputFolder(name);
     std::string source = IncludeSourcePath(name);
+    // Met before, maybe under another spelling of its path: the outputs keep their first one.
+    if (FileOutput* met = FindOutput(source)) {
+        met->metAgain = true;
+        return EmitIncludeLine(state, StripExtension(met->header), met->source);
+    }
+    std::string folder = IncludeOutputFolder(name);
     std::error_code error;
     if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
-    EmitIncludeLine(state, name, source);
-    AddOnce(symbols.includeHeaders,
-            (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file) + ".h");
+    std::string stem = (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file);
+    EmitIncludeLine(state, stem, source);
+    AddOnce(symbols.includeHeaders, stem + ".h");
     if (settings.quickBuild) AddDependency(source);
-    if (lenient) return;  // the strict run of the second pass translates it
-    if (FileOutput* met = FindOutput(source))
-        met->metAgain = true;
-    else
-        TranslateFile(source, folder, false, false);
+    if (!lenient) TranslateFile(source, folder, false, false);  // else the strict run translates it
 }

@@ -1,17 +1,22 @@
 #include "statements/program.h"
 
+#include <cstdio>
 #include <fstream>
 #include <unordered_map>
 
+#include "driver/paths.h"
 #include "driver/report.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "symbols/source_lines.h"
 
 Program program;
 
 namespace {
 
-std::unordered_map<std::string, FileOutput*> bySource;
+std::unordered_map<std::string, FileOutput*> bySource;         // by file, see FileId
+std::unordered_map<std::string, std::string> outputOwners;     // outputs without extension -> their source
+std::unordered_map<std::string, std::string> guardOwners;      // header guard -> its file
 std::deque<FileOutput> lenientOutputs;  // kept for the run, never written
 
 void WriteFile(const std::string& path, const std::string& text, const std::string& failure) {
@@ -37,11 +42,13 @@ void ListHeaders() {
 void ResetProgram() {
     program = Program();
     bySource.clear();
+    outputOwners.clear();
+    guardOwners.clear();
     lenientOutputs.clear();
 }
 
 FileOutput* FindOutput(const std::string& source) {
-    auto found = bySource.find(source);
+    auto found = bySource.find(FileId(source));
     return found == bySource.end() ? nullptr : found->second;
 }
 
@@ -49,13 +56,30 @@ FileOutput& NewOutput(const std::string& source, bool lenientRun) {
     std::deque<FileOutput>& outputs = lenientRun ? lenientOutputs : program.files;
     outputs.emplace_back();
     outputs.back().source = source;
-    if (!lenientRun) bySource[source] = &outputs.back();
+    if (!lenientRun) bySource[FileId(source)] = &outputs.back();
     return outputs.back();
+}
+
+void ClaimOutputs(const FileOutput& out) {
+    const std::string& owner = outputOwners.emplace(FileId(out.folder + "/" + out.base), out.source).first->second;
+    if (FileId(owner) == FileId(out.source)) return;
+    ReportFatal("'" + StripFolder(owner) + "' and '" + StripFolder(out.source) + "' would both be translated to '" +
+                out.base + ".cpp'. Rename one of them");
+}
+
+std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
+    const std::string id = FileId(out.source);
+    std::string guard = wanted;
+    for (int number = 2; guardOwners.emplace(guard, id).first->second != id; ++number)
+        guard = wanted + "_" + std::to_string(number);
+    return guard;
 }
 
 void WriteOutputs(const FileOutput& out) {
     WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders), "Cannot create header file: " + HeaderPath(out));
-    if (!out.headerOnly)
+    if (out.headerOnly)
+        std::remove(CppPath(out).c_str());
+    else
         WriteFile(CppPath(out), CppText(out), "Cannot write modified cpp file: " + CppPath(out));
 }
 

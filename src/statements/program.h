@@ -8,10 +8,15 @@
 extern Program program;
 void ResetProgram();
 
-// The output of a source already translated strictly, or being translated; null when there is none.
+// The output of a source already translated strictly, or being translated, however its path is spelt; null
+// when there is none.
 FileOutput* FindOutput(const std::string& source);
 // A fresh output for a source. Lenient runs get one that is not part of the program.
 FileOutput& NewOutput(const std::string& source, bool lenientRun);
+// Ends the run when another source has the same outputs (util.kvl and util.inc in one folder).
+void ClaimOutputs(const FileOutput& out);
+// A header guard that no other file has: the wanted one, with a number behind it when that is taken.
+std::string ClaimGuard(const FileOutput& out, const std::string& wanted);
 // Puts everything into an order that compiles and writes what changed by it.
 void FinishProgram();
 // Writes the header and the .cpp of a file; failure ends the run.

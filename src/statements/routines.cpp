@@ -50,6 +50,15 @@ void DeclareParameters(const Routine& routine) {
     }
 }
 
+// An Extern function has no body; its parameters obey the same rules.
+void CheckExternParameters(const std::string& name) {
+    const Routine* routine = FindFunction(name);
+    if (routine == nullptr) return;
+    PushRoutineScope();
+    for (const Parameter& parameter : routine->parameters) AddVarToScopeList(parameter.name);
+    PopRoutineScope();
+}
+
 void OpenRoutine(State& state, const Routine* routine) {
     PushRoutineScope();
     state.routine = routine;
@@ -179,9 +188,9 @@ void EmitRoutineLeaving(State& state) {
 }
 
 void TranslateFunction(State& state, TokenSpan tokens) {
-    if (state.inExtern) return;
-    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
     const std::string name = RoutineName(tokens);
+    if (state.inExtern) return CheckExternParameters(name);
+    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
     state.isMainRoutine = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(state, name, routine);

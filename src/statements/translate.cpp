@@ -59,7 +59,7 @@ void NameOutputs(FileOutput& out, const std::string& path, const std::string& fo
 std::string GuardOf(const FileOutput& out) {
     bool clash = BaseNameIsShared(out.source);
     std::string folder = clash ? FolderOf(out.header) : "";
-    return HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base);
+    return ClaimGuard(out, HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base));
 }
 
 bool CanCreate(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
@@ -71,8 +71,11 @@ HeaderContents ContentsOf(const Declarations& declarations, const std::string& s
     for (const ClassInfo* cls : declarations.classes)
         if (cls->registered && cls->sourceFile == source && listed.insert(cls).second)
             contents.instanceLists.push_back(cls);
-    for (const Prototype& prototype : declarations.functions)
+    for (const Prototype& prototype : declarations.functions) {
         (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
+        if (!prototype.wrapper.empty()) contents.externWrappers.push_back(prototype.wrapper);
+        contents.externRenamed = contents.externRenamed || prototype.renamed;
+    }
     return contents;
 }
 
@@ -124,6 +127,7 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     SavedPlace place(out);
     lenient = lenientRun;
     NameOutputs(out, path, outputFolder, isMain);
+    ClaimOutputs(out);
 
     Lexer lexer;
     lexer.fileName = path;

@@ -12,7 +12,9 @@
 struct Prototype {
     std::string text;  // "int KVL_Twice(int KVL_n);"
     std::string name;  // as written
+    std::string wrapper;  // Extern functions: what follows the extern "C" section, or empty
     bool isExtern = false;
+    bool renamed = false;  // an Extern function that C++ calls by a name of ours
     bool clashes = false;  // another Function of the name is declared elsewhere
     int line = 0;
 };

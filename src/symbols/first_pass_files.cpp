@@ -9,6 +9,7 @@
 #include "linking/userlib_reader.h"
 #include "statements/translate.h"
 #include "symbols/first_pass_state.h"
+#include "symbols/source_lines.h"
 
 namespace {
 
@@ -27,6 +28,8 @@ bool FileExists(const std::string& path) {
     std::error_code error;
     return std::filesystem::is_regular_file(path, error);
 }
+
+void SkipDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate include: " + name); }
 
 }  // namespace
 
@@ -47,14 +50,14 @@ void CollectLinker(FirstPass&, TokenSpan tokens) { AddLinkerFlag(tokens[1]); }
 void CollectInclude(FirstPass&, TokenSpan tokens) {
     if (!IsQuoted(tokens[1])) return;
     const std::string quoted = Unquoted(tokens[1]);
-    if (IsProcessed(quoted)) {
-        VerboseNote("  - Skipping duplicate include: " + quoted);
-        return;
-    }
+    if (IsProcessed(quoted)) return SkipDuplicate(quoted);
     const IncludeName name = SplitIncludeName(quoted);
-    const std::string folder = IncludeOutputFolder(name);
     const std::string path = IncludeSourcePath(name);
+    // The same file under another spelling of its path.
+    if (symbols.includedFiles.count(FileId(path)) != 0) return SkipDuplicate(quoted);
+    const std::string folder = IncludeOutputFolder(name);
     if (!FileExists(path)) ReportFatal("Include file does not exist.");
+    symbols.includedFiles.insert(FileId(path));
     Say(path);
     VerboseNote("  - Processing include: " + path);
     const std::string file = settings.currentFile;

@@ -3,6 +3,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "symbols/extern_functions.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/parameters.h"
@@ -23,11 +24,17 @@ void RegisterMain(FirstPass& pass, Routine&& routine) {
     symbols.functions[pass.mainName] = std::move(routine);
 }
 
+bool SameSignature(const Routine& a, const Routine& b) {
+    return a.result == b.result &&
+           std::equal(a.parameters.begin(), a.parameters.end(), b.parameters.begin(), b.parameters.end(),
+                      [](const Parameter& x, const Parameter& y) { return x.type == y.type; });
+}
+
 // True when another Function has the name; the same C function may be declared in several Extern blocks.
 bool Register(const FirstPass& pass, const Routine& routine) {
     const auto found = symbols.functions.find(routine.name);
     const bool taken = !pass.again && found != symbols.functions.end();
-    if (taken) return !(found->second.isExtern && routine.isExtern);
+    if (taken) return !(found->second.isExtern && routine.isExtern && SameSignature(found->second, routine));
     symbols.functions[routine.name] = routine;
     return false;
 }
@@ -35,6 +42,13 @@ bool Register(const FirstPass& pass, const Routine& routine) {
 void Settle(Routine& routine) {
     settings.currentLine = routine.line;
     SettleParameters(routine);
+}
+
+void DeclareExtern(Prototype& prototype, Routine& routine) {
+    routine.cppName = ExternCppName(routine);
+    prototype.renamed = routine.cppName != routine.name;
+    prototype.text = ExternPrototype(routine);
+    prototype.wrapper = ExternWrapper(routine);
 }
 
 }  // namespace
@@ -56,7 +70,7 @@ void CollectFunction(FirstPass& pass, TokenSpan tokens) {
     ++pass.out.functionCount;
     if (!pass.inExtern && Lower(routine.name) == "main") return RegisterMain(pass, std::move(routine));
     if (pass.inExtern) RegisterExtern(routine.name);
-    routine.cppName = pass.inExtern ? routine.name : SafeName(routine.name);
+    routine.cppName = SafeName(routine.name);
     Prototype prototype;
     prototype.name = routine.name;
     prototype.isExtern = routine.isExtern;
@@ -72,7 +86,10 @@ void FinishRoutines(FirstPass& pass) {
         if (prototype.clashes) continue;
         Routine& routine = symbols.functions.at(prototype.name);
         Settle(routine);
-        prototype.text = PrototypeText(routine);
+        if (routine.isExtern)
+            DeclareExtern(prototype, routine);
+        else
+            prototype.text = PrototypeText(routine);
     }
     for (const ClassInfo* declared : pass.out.classes) {
         if (!declared->registered || declared->sourceFile != pass.source) continue;

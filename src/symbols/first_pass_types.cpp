@@ -160,6 +160,7 @@ void CollectField(FirstPass& pass, TokenSpan tokens) {
 void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     if (!pass.inType) ReportFatal("Syntax error: 'Method' can only be declared inside a Type");
     const std::string& name = tokens[1];
+    if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'");
     ClassInfo& open = pass.open;
     if (open.routines.count(name) != 0) {
         ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name);

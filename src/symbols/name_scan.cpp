@@ -16,7 +16,16 @@ namespace {
 // Files per base name.
 std::unordered_map<std::string, int> baseNames;
 
-std::string BaseName(const std::string& source) { return StripExtension(StripFolder(source)); }
+// As far as header guards tell names apart.
+std::string BaseName(const std::string& source) {
+    std::string name = StripExtension(StripFolder(source));
+    for (char& c : name) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+        const bool kept = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        if (!kept) c = '_';
+    }
+    return name;
+}
 
 class NameScan {
 public:

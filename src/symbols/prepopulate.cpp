@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "symbols/extern_functions.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/identifiers.h"
 
@@ -11,6 +12,7 @@ void CheckFunctionName(const Prototype& function) {
     settings.currentLine = function.line;
     CheckCppWord(function.name);
     CheckKeyword(function.name);
+    if (function.isExtern) CheckExternName(function.name);
     const bool taken =
         function.clashes || IsClass(function.name) || symbols.globals.count(function.name) != 0 ||
         symbols.constants.count(function.name) != 0 || symbols.userlibFunctions.count(function.name) != 0;

@@ -124,6 +124,8 @@ struct Symbols {
     // Names of files already included or imported, and what the run produces.
     std::vector<std::string> processedNames;
     std::unordered_set<std::string> importedNames;  // those of Import lines
+    // The files behind the names of Includes, however they are spelt. Written and read by the first pass.
+    std::unordered_set<std::string> includedFiles;
     std::vector<std::string> includeHeaders;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;
