@@ -194,13 +194,15 @@ std::unordered_set<std::string> WordSet(std::initializer_list<const char*> lists
 bool StartsWith(const std::string& name, const char* start) { return name.rfind(start, 0) == 0; }
 
 const std::unordered_set<std::string>& DeclaredNames() {
-    static const std::unordered_set<std::string> names = WordSet({cLibraryNames, furtherNames, cppLibraryNames});
+    static const std::unordered_set<std::string> names =
+        WordSet({cLibraryNames, furtherNames, cppLibraryNames});
     return names;
 }
 
 // Variants of a function for other types or locales: sinf, fabsl, strtol_l, getc_unlocked, fopen64.
 bool IsVariant(const std::string& name) {
-    for (const char* ending : {"f", "l", "_l", "_r", "_unlocked", "64", "f32", "f64", "f128", "f32x", "f64x"}) {
+    for (const char* ending :
+         {"f", "l", "_l", "_r", "_unlocked", "64", "f32", "f64", "f128", "f32x", "f64x"}) {
         const std::size_t length = std::strlen(ending);
         if (name.size() <= length || name.compare(name.size() - length, length, ending) != 0) continue;
         if (DeclaredNames().count(name.substr(0, name.size() - length)) != 0) return true;
@@ -226,7 +228,8 @@ bool IsWindowsMacro(const std::string& name) {
 }
 
 bool IsDeclaredByHeaders(const std::string& name) {
-    for (const char* family : {"_", "pthread_", "sched_", "sig", "timer_", "wcs", "wmem", "isw", "tow", "wct"}) {
+    for (const char* family :
+         {"_", "pthread_", "sched_", "sig", "timer_", "wcs", "wmem", "isw", "tow", "wct"}) {
         if (StartsWith(name, family)) return true;
     }
     return DeclaredNames().count(name) != 0 || IsVariant(name);

@@ -14,10 +14,10 @@ Program program;
 
 namespace {
 
-std::unordered_map<std::string, FileOutput*> bySource;         // by file, see FileId
-std::unordered_map<std::string, std::string> outputOwners;     // outputs without extension -> their source
-std::unordered_map<std::string, std::string> guardOwners;      // header guard -> its file
-std::deque<FileOutput> lenientOutputs;  // kept for the run, never written
+std::unordered_map<std::string, FileOutput*> bySource;      // by file, see FileId
+std::unordered_map<std::string, std::string> outputOwners;  // outputs without extension -> their source
+std::unordered_map<std::string, std::string> guardOwners;   // header guard -> its file
+std::deque<FileOutput> lenientOutputs;                      // kept for the run, never written
 
 void WriteFile(const std::string& path, const std::string& text, const std::string& failure) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -61,10 +61,11 @@ FileOutput& NewOutput(const std::string& source, bool lenientRun) {
 }
 
 void ClaimOutputs(const FileOutput& out) {
-    const std::string& owner = outputOwners.emplace(FileId(out.folder + "/" + out.base), out.source).first->second;
+    const std::string& owner =
+        outputOwners.emplace(FileId(out.folder + "/" + out.base), out.source).first->second;
     if (FileId(owner) == FileId(out.source)) return;
-    ReportFatal("'" + StripFolder(owner) + "' and '" + StripFolder(out.source) + "' would both be translated to '" +
-                out.base + ".cpp'. Rename one of them");
+    ReportFatal("'" + StripFolder(owner) + "' and '" + StripFolder(out.source) +
+                "' would both be translated to '" + out.base + ".cpp'. Rename one of them");
 }
 
 std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
@@ -76,7 +77,8 @@ std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
 }
 
 void WriteOutputs(const FileOutput& out) {
-    WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders), "Cannot create header file: " + HeaderPath(out));
+    WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders),
+              "Cannot create header file: " + HeaderPath(out));
     if (out.headerOnly)
         std::remove(CppPath(out).c_str());
     else

@@ -21,14 +21,16 @@ const std::unordered_map<std::string, const char*> plainFunctions = {
     {"void()", " abort "},
     {"void(int)", " exit quick_exit "},
     {"int(int)",
-     " toupper tolower isalpha isdigit isalnum isspace isupper islower ispunct isxdigit iscntrl isgraph isprint "
+     " toupper tolower isalpha isdigit isalnum isspace isupper islower ispunct isxdigit iscntrl isgraph "
+     "isprint "
      "isblank putchar isatty close dup raise ffs "},
     {"int(int, int)", " kill dup2 "},
     {"long(long)", " labs "},
     {"long()", " clock random lrand48 mrand48 "},
     {"double()", " drand48 "},
     {"double(double)",
-     " exp2 expm1 log1p log2 erf erfc tgamma lgamma rint nearbyint trunc round cbrt sinh cosh tanh asinh acosh "
+     " exp2 expm1 log1p log2 erf erfc tgamma lgamma rint nearbyint trunc round cbrt sinh cosh tanh asinh "
+     "acosh "
      "atanh logb "},
     {"double(double, double)", " fmod hypot fmax fmin fdim copysign remainder nextafter "},
     {"double(double, int)", " ldexp scalbn "},
@@ -49,9 +51,9 @@ bool AgreesWithHeaders(const Routine& routine) {
 // How many parameters come before the "..." of functions that have it.
 std::size_t FixedParameters(const Routine& routine) {
     static const std::unordered_map<std::string, std::size_t> counts = {
-        {"printf", 1},  {"fprintf", 2}, {"dprintf", 2}, {"sprintf", 2}, {"snprintf", 3}, {"scanf", 1},
-        {"sscanf", 2},  {"open", 2},    {"fcntl", 2},   {"ioctl", 2},   {"syscall", 1},  {"execl", 2},
-        {"execlp", 2},
+        {"printf", 1},  {"fprintf", 2}, {"dprintf", 2}, {"sprintf", 2}, {"snprintf", 3},
+        {"scanf", 1},   {"sscanf", 2},  {"open", 2},    {"fcntl", 2},   {"ioctl", 2},
+        {"syscall", 1}, {"execl", 2},   {"execlp", 2},
     };
     const auto found = counts.find(routine.name);
     return found == counts.end() ? routine.parameters.size() : found->second;
@@ -127,8 +129,8 @@ void CheckExternName(const std::string& name) {
 
 std::string ExternPrototype(const Routine& routine) {
     if (!IsOfLibrary(routine)) return PrototypeText(routine);
-    return CType(routine.result, ResultCppName(routine.result)) + " " + SymbolName(routine) + CParameters(routine) +
-           " __asm__(KV_C_NAME(\"" + routine.name + "\"));";
+    return CType(routine.result, ResultCppName(routine.result)) + " " + SymbolName(routine) +
+           CParameters(routine) + " __asm__(KV_C_NAME(\"" + routine.name + "\"));";
 }
 
 std::string ExternWrapper(const Routine& routine) {
