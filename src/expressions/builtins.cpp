@@ -5,7 +5,6 @@
 #include "expressions/math_functions.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
-#include "symbols/scopes.h"
 
 namespace {
 
@@ -90,7 +89,7 @@ const std::unordered_map<std::string, const char*> typeWords = {
 Expr ParseGetKey(Walk& walk) {
     if (!walk.Match(")")) ReportFatal("GetKey() takes no parameters");
     ++unrepeatable;
-    const std::string capture = localDefList.empty() ? "[]" : "[&]";
+    const std::string capture = InsideRoutine() ? "[&]" : "[]";
     Expr expr = Result("(_kbhit() ? " + capture +
                            "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } "
                            "return ch; }() : 0)",

@@ -11,7 +11,7 @@ std::size_t unrepeatable = 0;
 
 namespace {
 
-constexpr int deepest = 500;        // nested brackets, calls and signs
+constexpr int deepest = 250;        // nested brackets, calls and signs
 constexpr int longestChain = 1000;  // divisions in a row that each wrap what stands before
 
 int depth = 0;

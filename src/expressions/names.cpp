@@ -112,6 +112,9 @@ Expr ParseBareName(Walk& walk, const std::string& name) {
 
 }  // namespace
 
+// The first level of the scopes is the program's own.
+bool InsideRoutine() { return localDefList.size() > 1; }
+
 bool IsIdentifier(const std::string& token) {
     if (token.empty()) return false;
     const auto c = static_cast<unsigned char>(token[0]);

@@ -31,6 +31,9 @@ struct Walk {
 // Whoever repeats a text in what is emitted compares the count before and after its translation.
 extern std::size_t unrepeatable;
 
+// Whether the text goes into a routine: elsewhere a lambda has nothing to capture.
+bool InsideRoutine();
+
 // Counts how deep brackets, calls and signs are nested; too deep ends the run.
 class DepthGuard {
 public:

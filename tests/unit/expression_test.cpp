@@ -14,6 +14,7 @@ protected:
         settings.currentFile = "game.kvl";
         settings.currentLine = 7;
         lenient = false;
+        PushRoutineScope();  // the program's own level
         PushRoutineScope();
         PushBlock();
         DeclareVariables();
