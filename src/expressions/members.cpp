@@ -51,8 +51,9 @@ Expr UseField(const Expr& object, const Variable& field) {
 }
 
 Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const Variable*& array) {
-    walk.Take();
-    if (!IsIdentifier(walk.Peek())) ReportFatal("Expected the name of a Field or Method after '\\'");
+    const std::string& accessor = walk.Take();
+    if (!IsIdentifier(walk.Peek()))
+        ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
     const std::string& member = walk.Take();
     if (!object.type.IsKnown()) {
         if (lenient) return LetThrough(walk, object, member);

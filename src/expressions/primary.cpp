@@ -71,6 +71,7 @@ Expr ParseDouble(Walk& walk, std::string text) {
 
 Expr ParseNumber(Walk& walk) {
     const std::string& token = walk.Take();
+    if (walk.Peek() == ".") ReportFatal("Invalid number '" + token + "." + walk.Peek(1) + "'");
     if (!AllDigits(token, 0)) return ParseDouble(walk, token);
     const std::string digits = WithoutLeadingZeros(token);
     return Number(digits, SizeOf(digits, 10));
@@ -109,6 +110,31 @@ void FailUnexpected(const Walk& walk) {
     ReportFatal("Unexpected '" + token + "' in an expression");
 }
 
+namespace {
+
+// std:max(a, b): names of the C++ library, which nothing is known about.
+Expr ParseLibraryName(Walk& walk) {
+    Expr expr;
+    expr.text = walk.Take();
+    while (walk.Peek() == ":" && IsIdentifier(walk.Peek(1))) {
+        walk.Take();
+        expr.text += "::" + walk.Take();
+    }
+    if (!walk.Match("(")) return expr;
+    expr.text += " (";
+    const char* separator = " ";
+    for (const Expr& argument : ParseArguments(walk)) {
+        expr.text += separator + ValueText(argument);
+        separator = " , ";
+    }
+    expr.text += " )";
+    expr.isCall = true;
+    ++unrepeatable;
+    return expr;
+}
+
+}  // namespace
+
 Expr ParsePrimary(Walk& walk) {
     const std::string& token = walk.Peek();
     if (token.empty()) FailUnexpected(walk);
@@ -126,6 +152,7 @@ Expr ParsePrimary(Walk& walk) {
     }
     if (IsHexadecimal(token)) return ParseHexadecimal(walk);
     if (!IsIdentifier(token)) FailUnexpected(walk);
+    if (token == "std" && walk.Peek(1) == ":") return ParseLibraryName(walk);
     Expr expr = ParseName(walk);
     return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;
 }

@@ -90,6 +90,11 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
         AssignArrayResult(state, left, right);
         return;
     }
+    const bool chained = right.level == Level::Assignment;
+    if (chained && !Assignable(left.type, right.type)) {
+        ReportFatal("Type mismatch: Cannot assign " + CppName(right.type) + " to " + CppName(left.type) + " variable '" +
+                    WrittenText(target) + "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
+    }
     if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
     EmitLine(state, ValueText(left) + " = " + TextAs(right, left.type) + ";");
 }
@@ -104,7 +109,7 @@ void CheckFirstWord(TokenSpan tokens) {
     const std::string& name = tokens[0];
     if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement");
     if (lenient || IsKnownName(name) || WasInEndedBlock(name)) return;
-    ReportFatal("Unknown statement or name '" + name + "'" + SpellingHint(name));
+    ReportFatal("Identifier not found - " + name + SpellingHint(name));
 }
 
 void TranslateCall(State& state, TokenSpan tokens) {
