@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* modes[] = {"plain", "safe"};
+constexpr const char* modes[] = {"plain", "safe", "debug"};
 constexpr int programSeconds = 20;
 
 struct Example {
