@@ -1,5 +1,7 @@
 #include "statements/debug_hooks.h"
 
+#include <unordered_set>
+
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
@@ -48,15 +50,24 @@ void ReportOwnFields(State& state) {
     EmitLine(state, "}");
 }
 
-// A Type that keeps an instance list; Elements do not.
+// The Types that keep an instance list: those whose class body is compiled. Elements keep none, and Types
+// declared in an Extern block or a .kvh folder have their bodies elsewhere.
 std::vector<const ClassInfo*> ListedTypes() {
+    std::unordered_set<const ClassInfo*> compiled;
+    for (const FileOutput& file : program.files) {
+        if (file.headerOnly) continue;
+        for (const Piece& piece : file.pieces)
+            if (piece.kind == Piece::Kind::ClassOpen) compiled.insert(piece.cls);
+    }
     std::vector<const ClassInfo*> types;
     for (const ClassInfo* cls : symbols.classList)
-        if (!cls->isElement) types.push_back(cls);
+        if (!cls->isElement && compiled.count(cls) != 0) types.push_back(cls);
     return types;
 }
 
-std::string TypeTest(const ClassInfo& cls) { return "    if (strcmp(typeName, " + CppLiteral(cls.name) + ") == 0) "; }
+std::string TypeTest(const ClassInfo& cls) {
+    return "    if (strcmp(typeName, " + CppLiteral(cls.name) + ") == 0) ";
+}
 
 void PutEnumeration(FileOutput& out, const std::vector<const ClassInfo*>& types) {
     PutLine(out, "// Debug: Type enumeration functions");
@@ -75,20 +86,23 @@ void PutFieldCallbacks(FileOutput& out, const ClassInfo& cls) {
     for (const std::string& field : cls.fields) {
         const Variable* member = FindField(cls, field);
         if (member == nullptr) continue;
-        std::string value = member->isPrivate ? "\"[private]\"" : ShownValue(*member, "inst->" + member->cppName);
-        PutLine(out, "            callback(" + CppLiteral(field) + ", " + CppLiteral(CppName(member->type)) + ", " +
-                         value + ");");
+        std::string value =
+            member->isPrivate ? "\"[private]\"" : ShownValue(*member, "inst->" + member->cppName);
+        PutLine(out, "            callback(" + CppLiteral(field) + ", " + CppLiteral(CppName(member->type)) +
+                         ", " + value + ");");
     }
 }
 
 void PutFieldReader(FileOutput& out, const std::vector<const ClassInfo*>& types) {
     PutLine(out, "void _kvGetTypeInstanceFields(const char* typeName, int instanceIndex,");
     PutLine(out,
-            "                               void (*callback)(const char* name, const char* type, const char* value)) {");
+            "                               void (*callback)(const char* name, const char* type, const char* "
+            "value)) {");
     for (const ClassInfo* cls : types) {
         const std::string& name = cls->cppName;
         PutLine(out, TypeTest(*cls) + "{");
-        PutLine(out, "        if (instanceIndex >= 0 && instanceIndex < (int)" + name + "::_instances.size()) {");
+        PutLine(out,
+                "        if (instanceIndex >= 0 && instanceIndex < (int)" + name + "::_instances.size()) {");
         PutLine(out, "            " + name + "* inst = " + name + "::_instances[instanceIndex];");
         PutLine(out, "            if (inst == nullptr) return;");
         PutFieldCallbacks(out, *cls);
@@ -114,11 +128,13 @@ void PutGlobalReporter(FileOutput& out) {
 }  // namespace
 
 void EmitStatementHook(State& state, const std::string& keyword) {
-    bool firstLabel = state.beforeFirstCase && (keyword == "case" || keyword == "default" || keyword == "endselect");
+    bool firstLabel =
+        state.beforeFirstCase && (keyword == "case" || keyword == "default" || keyword == "endselect");
     state.beforeFirstCase = keyword == "select";
     bool inRoutine = state.inFunction || state.inMethod;
     if (!inRoutine || firstLabel) return;
-    EmitLine(state, "_kvDebugStmt(" + std::to_string(state.currentLine) + ", " + CppLiteral(settings.currentFile) + ");");
+    EmitLine(state, "_kvDebugStmt(" + std::to_string(state.currentLine) + ", " +
+                        CppLiteral(settings.currentFile) + ");");
     ReportLocals(state);
     ReportOwnFields(state);
     EmitLine(state, "_kvDebugPause();");

@@ -101,9 +101,11 @@ void CheckFragments(const Run& run, bool ran) {
         std::string wanted = Expand(run, fragment.text[0]);
         bool found = text.find(wanted) != std::string::npos;
         if (fragment.where == "lines") {
-            found = HasLines(text, fragment.text);
+            std::vector<std::string> lines;
+            for (const std::string& line : fragment.text) lines.push_back(Expand(run, line));
+            found = HasLines(text, lines);
             wanted.clear();
-            for (const std::string& line : fragment.text) wanted += line + "\n";
+            for (const std::string& line : lines) wanted += line + "\n";
         }
         EXPECT_EQ(found, fragment.wanted)
             << (fragment.wanted ? "missing in " : "must not be in ") << fragment.where << ":\n"
