@@ -25,7 +25,7 @@ std::string Discarded(const Expr& call) {
 
 bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
     tokens = WithoutComment(tokens);
-    if (tokens.empty() || (!IsIdentifier(tokens[0]) && tokens[0] != "(")) return false;
+    if (tokens.empty() || (!IsIdentifier(tokens[0]) && !Is(tokens[0], "("))) return false;
     Walk walk(tokens, ExprMode::Statement);
     walk.callStatement = true;
     const Expr expr = ParsePrimary(walk);

@@ -38,15 +38,15 @@ bool ParenthesesHoldAll(const Walk& walk) {
     int open = 0;
     std::size_t i = walk.at;
     for (; i < walk.tokens.size(); ++i) {
-        if (walk.tokens[i] == "(") ++open;
-        if (walk.tokens[i] == ")" && --open == 0) break;
+        if (Is(walk.tokens[i], "(")) ++open;
+        if (Is(walk.tokens[i], ")") && --open == 0) break;
     }
     const std::string& next = walk.tokens[i + 1];
     return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
 }
 
 std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
-    if (walk.Peek() == "(" && (!walk.callStatement || ParenthesesHoldAll(walk))) {
+    if (Is(walk.Peek(), "(") && (!walk.callStatement || ParenthesesHoldAll(walk))) {
         walk.Take();
         return ParseArguments(walk);
     }

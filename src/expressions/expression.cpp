@@ -118,7 +118,7 @@ std::string GetExpressionType(TokenSpan tokens) {
     }
     const Expr expr = Translate(tokens, ExprMode::Condition);
     const std::string type = CppName(expr.type);
-    if (tokens.size() >= 2 && tokens[0] == "Create") {
+    if (tokens.size() >= 2 && Is(tokens[0], "Create")) {
         VerboseNote("  [GetExpressionType] Detected Create statement, returning type: " + type);
     } else {
         VerboseNote("  [GetExpressionType] Inferred type from expression '" + expr.text + "': " + type);
@@ -135,9 +135,9 @@ std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens) {
     std::size_t start = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string& token = tokens[i];
-        if (token == "(" || token == "[") ++open;
-        if (token == ")" || token == "]") --open;
-        if (token != "," || open != 0) continue;
+        if (Is(token, "(") || Is(token, "[")) ++open;
+        if (Is(token, ")") || Is(token, "]")) --open;
+        if (!Is(token, ",") || open != 0) continue;
         parts.push_back(tokens.Slice(start, i));
         start = i + 1;
     }

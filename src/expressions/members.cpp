@@ -89,12 +89,12 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
     const Variable* array = expr.variable;
     while (!walk.Done()) {
         const std::string& token = walk.Peek();
-        if (token == "\\" || token == ".") {
+        if (Is(token, "\\") || Is(token, ".")) {
             const std::string* member = &walk.Peek(1);
             array = nullptr;
             expr = ParseMember(walk, expr, *name, array);
             name = member;
-        } else if (token == "[") {
+        } else if (Is(token, "[")) {
             if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
             expr = ParseIndices(walk, expr, *name, array);
             array = nullptr;

@@ -1,5 +1,5 @@
 // What a name in an expression means: a word of the language, a call, a variable.
-#include <unordered_map>
+#include <string_view>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -33,8 +33,11 @@ Expr This() {
     return expr;
 }
 
-using WordRoutine = Expr (*)();
-const std::unordered_map<std::string, WordRoutine> words = {
+struct WordRow {
+    std::string_view word;
+    Expr (*routine)();
+};
+const WordRow words[] = {
     {"true", [] { return Word("true", Base::Bool); }},
     {"false", [] { return Word("false", Base::Bool); }},
     {"null", [] { return Word("nullptr", Base::Null); }},
@@ -131,23 +134,26 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
         ReportFatal("Variable '" + name + "' used out of scope in Print statement " + Place());
     }
     if (WasInEndedBlock(name)) ReportFatal("Variable '" + name + "' used out of scope " + Place());
-    if (walk.Peek() == "\\") ReportFatal("Variable '" + name + "' is not defined");
+    if (Is(walk.Peek(), "\\")) ReportFatal("Variable '" + name + "' is not defined");
     ReportFatal("Identifier not found - " + name);
 }
 
 Expr ParseName(Walk& walk) {
     const std::string& name = walk.Take();
-    const std::string lower = Lower(name);
-    const bool called = walk.Peek() == "(";
-    if (called && IsBuiltin(lower)) return ParseBuiltin(walk, lower);
+    const bool called = Is(walk.Peek(), "(");
+    if (called) {
+        const std::string lower = Lower(name);
+        if (IsBuiltin(lower)) return ParseBuiltin(walk, lower);
+    }
 
-    const auto word = words.find(lower);
-    if (word != words.end()) return word->second();
+    for (const WordRow& row : words)
+        if (IsWord(name, row.word)) return row.routine();
     if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name);
 
     const Variable* variable = FindVariable(name);
     TraceLookup(name, variable);
     if (variable != nullptr && !called) return UseVariable(*variable);
+    const std::string lower = Lower(name);
     if (lower == "create" || lower == "new") return ParseCreate(walk);
     Expr instance;
     if (ParseInstanceWord(walk, lower, instance)) return instance;

@@ -51,7 +51,7 @@ Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
     if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
     const std::string& name = walk.Peek();
     Expr object = ParseName(walk);
-    if (walk.Peek() == "[") object = ParseIndices(walk, object, name, object.variable);
+    if (Is(walk.Peek(), "[")) object = ParseIndices(walk, object, name, object.variable);
     RequireObject(object, word);
     return ObjectOf(object.type.cls, object.text + "->" + member + "()");
 }

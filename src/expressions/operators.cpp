@@ -1,8 +1,6 @@
 #include "expressions/operators.h"
 
-#include <unordered_map>
-
-#include "lexer/lexer.h"
+#include <string_view>
 
 namespace {
 
@@ -34,7 +32,12 @@ const SymbolRow symbolRows[] = {
 
 const BinaryOperator equals = {"==", "=", Level::Equality, OperatorKind::Equality};
 
-const std::unordered_map<std::string, BinaryOperator> binaryWords = {
+struct BinaryWord {
+    std::string_view word;
+    BinaryOperator op;
+};
+
+const BinaryWord binaryWords[] = {
     {"mod", {"%", "Mod", Level::Product, OperatorKind::Remainder}},
     {"shl", {"<<", "Shl", Level::Shift, OperatorKind::Bits}},
     {"shr", {">>", "Shr", Level::Shift, OperatorKind::Bits}},
@@ -45,7 +48,12 @@ const std::unordered_map<std::string, BinaryOperator> binaryWords = {
     {"or", {"||", "Or", Level::Or, OperatorKind::Logic}},
 };
 
-const std::unordered_map<std::string, UnaryOperator> unaryWords = {
+struct UnaryWord {
+    std::string_view word;
+    UnaryOperator op;
+};
+
+const UnaryWord unaryWords[] = {
     {"-", {"-", "-", UnaryKind::Sign}},
     {"+", {"+", "+", UnaryKind::Sign}},
     {"!", {"!", "Not", UnaryKind::Not}},
@@ -56,8 +64,16 @@ const std::unordered_map<std::string, UnaryOperator> unaryWords = {
 
 constexpr std::size_t longestWord = 6;
 
+// The operator of the row whose word the token is; null without one.
+template <typename Rows>
+auto FindWord(const Rows& rows, std::string_view token) -> decltype(&rows[0].op) {
+    for (const auto& row : rows)
+        if (IsWord(token, row.word)) return &row.op;
+    return nullptr;
+}
+
 const BinaryOperator* PeekEquals(const Walk& walk, bool comparing, std::size_t& length) {
-    const bool doubled = walk.Peek(1) == "=";
+    const bool doubled = Is(walk.Peek(1), "=");
     length = doubled ? 2 : 1;
     return doubled || comparing ? &equals : nullptr;
 }
@@ -67,15 +83,14 @@ const BinaryOperator* PeekEquals(const Walk& walk, bool comparing, std::size_t& 
 const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& length) {
     const std::string& token = walk.Peek();
     if (token.empty() || token.size() > longestWord) return nullptr;
-    if (token == "=") return PeekEquals(walk, comparing, length);
+    if (Is(token, "=")) return PeekEquals(walk, comparing, length);
     if (token.size() > 1) {
-        const auto word = binaryWords.find(Lower(token));
         length = 1;
-        return word == binaryWords.end() ? nullptr : &word->second;
+        return FindWord(binaryWords, token);
     }
     for (const SymbolRow& row : symbolRows) {
         if (token[0] != row.first[0]) continue;
-        if (row.second[0] != '\0' && walk.Peek(1) != row.second) continue;
+        if (row.second[0] != '\0' && !Is(walk.Peek(1), row.second)) continue;
         length = row.second[0] == '\0' ? 1 : 2;
         return &row.op;
     }
@@ -85,10 +100,9 @@ const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& 
 const UnaryOperator* PeekUnary(const Walk& walk) {
     const std::string& token = walk.Peek();
     if (token.empty() || token.size() > longestWord) return nullptr;
-    const auto word = unaryWords.find(Lower(token));
-    return word == unaryWords.end() ? nullptr : &word->second;
+    return FindWord(unaryWords, token);
 }
 
 bool IsOperatorWord(const std::string& lowerName) {
-    return binaryWords.count(lowerName) != 0 || unaryWords.count(lowerName) != 0;
+    return FindWord(binaryWords, lowerName) != nullptr || FindWord(unaryWords, lowerName) != nullptr;
 }

@@ -55,7 +55,7 @@ bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
 Expr ParseDouble(Walk& walk, std::string text) {
-    if (IsExponent(text.back()) && (walk.Peek() == "-" || walk.Peek() == "+") && AllDigits(walk.Peek(1), 0)) {
+    if (IsExponent(text.back()) && (Is(walk.Peek(), "-") || Is(walk.Peek(), "+")) && AllDigits(walk.Peek(1), 0)) {
         text += walk.Take();
         text += walk.Take();
     }
@@ -103,7 +103,7 @@ void FailUnexpected(const Walk& walk) {
     if (walk.Done())
         ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'");
     const std::string& token = walk.Peek();
-    if (token == "=" && IsCompound(before)) {
+    if (Is(token, "=") && IsCompound(before)) {
         ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " +
                     before + " 1'");
     }

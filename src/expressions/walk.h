@@ -19,8 +19,8 @@ struct Walk {
     bool Done() const { return at >= tokens.size(); }
     const std::string& Peek(std::size_t ahead = 0) const { return tokens[at + ahead]; }
     const std::string& Take() { return tokens[at++]; }
-    bool Match(const char* token) {
-        if (Peek() != token) return false;
+    bool Match(std::string_view token) {
+        if (!Is(Peek(), token)) return false;
         ++at;
         return true;
     }

@@ -54,6 +54,7 @@ bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= '
 // What a scan found besides the tokens.
 struct ScanResult {
     std::size_t comment = std::string_view::npos;  // position of the ';' that starts the comment
+    bool anyToken = false;
     bool openString = false;
     int parenDepth = 0;
     int bracketDepth = 0;
@@ -61,10 +62,10 @@ struct ScanResult {
 };
 
 // One scan over a line. Every token is a contiguous piece of the line, so a start position is all that
-// the current token needs.
+// the current token needs. Without a list the tokens are not kept.
 class Scanner {
 public:
-    Scanner(std::string_view text, Tokens& out) : line(text), tokens(out) {}
+    Scanner(std::string_view text, Tokens* out) : line(text), tokens(out) {}
 
     ScanResult Run(bool stopAtUnmatched) {
         while (at < line.size() && result.comment == std::string_view::npos) {
@@ -77,7 +78,7 @@ public:
 
 private:
     std::string_view line;
-    Tokens& tokens;
+    Tokens* tokens;
     ScanResult result;
     std::size_t at = 0;
     std::size_t start = 0;
@@ -146,14 +147,20 @@ private:
         }
     }
 
+    void Add(std::size_t begin, std::size_t end) {
+        result.anyToken = true;
+        if (tokens) tokens->emplace_back(line.data() + begin, end - begin);
+    }
+
     void Flush() {
-        if (inToken) tokens.emplace_back(line.substr(start, at - start));
+        if (inToken) Add(start, at);
         inToken = false;
     }
 
     void Delimiter() {
         Flush();
-        tokens.emplace_back(1, line[at++]);
+        Add(at, at + 1);
+        ++at;
     }
 
     void Close(int& depth, const char* message) {
@@ -183,7 +190,7 @@ private:
         const std::size_t close = line.find('"', at + 1);
         result.openString = close == std::string_view::npos;
         const std::size_t end = result.openString ? line.size() : close + 1;
-        tokens.emplace_back(line.substr(at, end - at));
+        Add(at, end);
         at = end;
     }
 };
@@ -229,18 +236,28 @@ Lexer::Lexer() {
     for (const char* c = delimiterCharacters; *c; ++c) delimiters.emplace_back(1, *c);
 }
 
-std::int32_t Lexer::LexLine(std::string line, bool keepComment, bool countLine, bool skipValidation) {
+// Takes a line on and returns what stands behind its indent.
+std::string_view Lexer::BeginLine(std::string_view line, bool countLine, bool skipValidation) {
     tokens.clear();
     if (settings.verbose) PrintVerboseLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
     if (countLine) {
         ++lineNumber;
-        lineText.swap(line);
+        lineText.assign(line);
     }
-    std::string_view rest = countLine ? lineText : line;
-    indent = static_cast<std::uint32_t>(IndentOf(rest));
-    rest.remove_prefix(indent);
+    indent = static_cast<std::uint32_t>(IndentOf(line));
+    return line.substr(indent);
+}
 
-    const ScanResult found = Scanner(rest, tokens).Run(!skipValidation);
+bool Lexer::CheckLine(std::string_view line) {
+    const ScanResult found = Scanner(BeginLine(line, true, false), nullptr).Run(true);
+    if (found.unmatched) Fail(*this, found.unmatched);
+    CheckClosed(*this, found);
+    return found.anyToken;
+}
+
+std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation) {
+    const std::string_view rest = BeginLine(line, countLine, skipValidation);
+    const ScanResult found = Scanner(rest, &tokens).Run(!skipValidation);
     if (!skipValidation && found.unmatched) Fail(*this, found.unmatched);
     const bool continues = !tokens.empty() && tokens.back() == "_";
     if (keepComment && found.comment != std::string_view::npos) {
@@ -261,7 +278,7 @@ std::uint32_t Lexer::GetIndent() const { return indent; }
 Tokens Split(const std::string& text) {
     if (settings.verbose) PrintVerboseLine(0, true, text);
     Tokens tokens;
-    Scanner(text, tokens).Run(false);
+    Scanner(text, &tokens).Run(false);
     return tokens;
 }
 

@@ -23,11 +23,18 @@ public:
 
     // Replaces `tokens` with those of `line` and returns their number. Unbalanced brackets and
     // open strings end the run, unless skipValidation is set or the line ends in a lone "_".
-    std::int32_t LexLine(std::string line, bool keepComment, bool countLine, bool skipValidation);
+    std::int32_t LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation);
+
+    // Counts a line that is not continued and checks its brackets and strings like LexLine does, without
+    // cutting it. False when it holds no token.
+    bool CheckLine(std::string_view line);
 
     std::int32_t TokenCount() const;
     std::string GetToken(std::int32_t i) const;  // empty outside the list
     std::uint32_t GetIndent() const;
+
+private:
+    std::string_view BeginLine(std::string_view line, bool countLine, bool skipValidation);
 };
 
 // Tokens of a piece of text, comments dropped and nothing checked.

@@ -21,13 +21,12 @@ bool SourceReader::Open(const std::string& path) {
     return opened;
 }
 
-std::string SourceReader::NextLine() {
+std::string_view SourceReader::TakeLine() {
     if (AtEnd()) return {};
     std::size_t end = text.find('\n', position);
     if (end == std::string::npos) end = text.size();
-    std::size_t length = end - position;
-    if (length > 0 && text[end - 1] == '\r') --length;
-    std::string line = text.substr(position, length);
+    std::string_view line(text.data() + position, end - position);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     position = end + 1;
     return line;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 class SourceReader {
 public:
@@ -11,7 +12,9 @@ public:
 
     bool AtEnd() const { return position >= text.size(); }
     // The next line without its line end ("\n" or "\r\n"); empty past the end.
-    std::string NextLine();
+    std::string NextLine() { return std::string(TakeLine()); }
+    // The same without a copy; valid as long as the reader.
+    std::string_view TakeLine();
     // Goes back to the first line, for the second pass.
     void Rewind();
 

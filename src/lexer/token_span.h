@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "lexer/token_text.h"
+
 struct TokenSpan {
     const std::string* first = nullptr;
     const std::string* last = nullptr;

@@ -9,23 +9,25 @@ namespace {
 
 using Kind = Piece::Kind;
 using ClassSet = std::unordered_set<const ClassInfo*>;
+using FilesBySource = std::unordered_map<std::string, FileOutput*>;
 
-// Calls visit(file, piece) for every piece in the order in which the C++ compiler sees them.
+// `unseen` holds the files that have not been visited yet.
 template <typename Visit>
-void ForEachPiece(Program& program, FileOutput& file, std::unordered_set<FileOutput*>& seen, Visit& visit) {
-    if (!seen.insert(&file).second) return;
+void ForEachPiece(FileOutput& file, FilesBySource& unseen, Visit& visit) {
+    if (unseen.erase(file.source) == 0) return;
     for (Piece& piece : file.pieces) {
-        if (piece.kind == Kind::Include)
-            for (FileOutput& included : program.files)
-                if (included.source == piece.file) ForEachPiece(program, included, seen, visit);
+        const auto included = piece.kind == Kind::Include ? unseen.find(piece.file) : unseen.end();
+        if (included != unseen.end()) ForEachPiece(*included->second, unseen, visit);
         visit(file, piece);
     }
 }
 
+// Calls visit(file, piece) for every piece in the order in which the C++ compiler sees them.
 template <typename Visit>
 void ForEachPiece(Program& program, Visit visit) {
-    std::unordered_set<FileOutput*> seen;
-    ForEachPiece(program, *program.main, seen, visit);
+    FilesBySource unseen;
+    for (FileOutput& file : program.files) unseen.emplace(file.source, &file);
+    ForEachPiece(*program.main, unseen, visit);
 }
 
 bool InClassBody(const Piece& piece) {

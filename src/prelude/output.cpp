@@ -14,7 +14,7 @@ std::string HeaderPath(const FileOutput& out) { return out.folder + "/" + out.ba
 
 std::string CppPath(const FileOutput& out) { return out.folder + "/" + out.base + ".cpp"; }
 
-void PutLine(FileOutput& out, const std::string& line) {
+void PutLine(FileOutput& out, std::string_view line) {
     std::string& text = out.pieces.back().text;
     text += line;
     text += '\n';

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "symbols/symbols.h"
@@ -68,7 +69,7 @@ std::string HeaderPath(const FileOutput& out);
 std::string CppPath(const FileOutput& out);
 
 // Appends a finished line to the open piece.
-void PutLine(FileOutput& out, const std::string& line);
+void PutLine(FileOutput& out, std::string_view line);
 // Starts a piece; lines that follow go to it until the next one starts.
 Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls = nullptr);
 // Hands a Global, Const or PreCalc definition to the header.

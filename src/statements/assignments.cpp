@@ -13,17 +13,17 @@
 namespace {
 
 bool IsComparisonSign(const std::string& token) {
-    return token == "<" || token == ">" || token == "=" || token == "<>" || token == "!";
+    return Is(token, "<") || Is(token, ">") || Is(token, "=") || Is(token, "<>") || Is(token, "!");
 }
 
 // Position of the "=" that assigns; noToken when there is none.
 std::size_t AssignmentSign(TokenSpan tokens) {
     int depth = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens[i] == "(" || tokens[i] == "[") ++depth;
-        if (tokens[i] == ")" || tokens[i] == "]") --depth;
-        if (depth > 0 || tokens[i] != "=") continue;
-        const bool compares = (i > 0 && IsComparisonSign(tokens[i - 1])) || tokens[i + 1] == "=";
+        if (Is(tokens[i], "(") || Is(tokens[i], "[")) ++depth;
+        if (Is(tokens[i], ")") || Is(tokens[i], "]")) --depth;
+        if (depth > 0 || !Is(tokens[i], "=")) continue;
+        const bool compares = (i > 0 && IsComparisonSign(tokens[i - 1])) || Is(tokens[i + 1], "=");
         if (!compares) return i;
     }
     return noToken;
@@ -139,7 +139,7 @@ void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
 
 void CheckNullAssignment(State& state, TokenSpan tokens) {
     (void)state;
-    if (tokens.size() != 3 || tokens[1] != "=" || !IsWord(tokens[2], "null")) return;
+    if (tokens.size() != 3 || !Is(tokens[1], "=") || !IsWord(tokens[2], "null")) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
     ReportFatal(

@@ -15,6 +15,7 @@
 #include "driver/settings.h"
 #include "prelude/fill.h"
 #include "prelude/texts.h"
+#include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -23,17 +24,6 @@ namespace {
 
 void EmitBlankForTrace(State& state) {
     if (settings.traceMode) EmitLine(state, "");
-}
-
-// Writes a text of several lines, each through the line writer.
-void EmitLines(State& state, const std::string& text) {
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        EmitLine(state, text.substr(start, end - start));
-        start = end + 1;
-    }
 }
 
 void CloseClassState(State& state) {

@@ -56,7 +56,7 @@ OpenBlock& ContinuedIf(State& state, const std::string& keyword) {
 }
 
 bool EndsStatement(const std::string& token) {
-    return token == "|" || IsWord(token, "else") || IsWord(token, "elseif") || IsWord(token, "endif");
+    return Is(token, "|") || IsWord(token, "else") || IsWord(token, "elseif") || IsWord(token, "endif");
 }
 
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at);
@@ -64,7 +64,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at);
 // Translates one branch's statements from `at` on; stops at Else, ElseIf, EndIf or the end of the line.
 std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
     while (at < tokens.size()) {
-        if (tokens[at] == "|") {
+        if (Is(tokens[at], "|")) {
             ++at;
         } else if (EndsStatement(tokens[at])) {
             return at;
@@ -121,7 +121,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
 
 bool OnlySeparators(TokenSpan tokens) {
     for (const std::string& token : tokens)
-        if (token != "|") return false;
+        if (!Is(token, "|")) return false;
     return true;
 }
 
@@ -139,7 +139,7 @@ void OpenIf(State& state, TokenSpan condition) {
 // Statements behind an EndIf that closed its If on the line.
 void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
     while (at < tokens.size()) {
-        if (tokens[at] != "|") RefuseMore(tokens, at);
+        if (!Is(tokens[at], "|")) RefuseMore(tokens, at);
         const std::size_t start = ++at;
         const std::size_t then = FindWord(tokens, "then", start);
         if (IsWord(tokens[start], "if") && then != noToken) {
@@ -147,7 +147,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
             at = TranslateOneLineIf(state, tokens, start);
             continue;
         }
-        while (at < tokens.size() && tokens[at] != "|") ++at;
+        while (at < tokens.size() && !Is(tokens[at], "|")) ++at;
         if (at > start) DispatchStatement(state, tokens.Slice(start, at));
     }
 }

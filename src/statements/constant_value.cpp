@@ -105,11 +105,11 @@ Value Factor(Cursor& cursor) {
     const std::string& token = cursor.tokens[cursor.at];
     if (token.empty() || ++cursor.depth > deepest) return {};
     ++cursor.at;
-    if (token == "-") return Combine('-', Integer(0), Factor(cursor));
-    if (token == "+") return Factor(cursor);
-    if (token == "(") {
+    if (Is(token, "-")) return Combine('-', Integer(0), Factor(cursor));
+    if (Is(token, "+")) return Factor(cursor);
+    if (Is(token, "(")) {
         Value inner = Sum(cursor);
-        return cursor.tokens[cursor.at++] == ")" ? inner : Value();
+        return Is(cursor.tokens[cursor.at++], ")") ? inner : Value();
     }
     if (token[0] == '"') {
         ConstantValue text;
@@ -117,7 +117,7 @@ Value Factor(Cursor& cursor) {
         text.text = token.size() > 1 ? token.substr(1, token.size() - 2) : "";
         return text;
     }
-    if (token == ".") return Number("." + cursor.tokens[cursor.at++]);
+    if (Is(token, ".")) return Number("." + cursor.tokens[cursor.at++]);
     if (IsWord(token, "true")) return Integer(1);
     if (IsWord(token, "false")) return Integer(0);
     if (token[0] == '$' || (token[0] >= '0' && token[0] <= '9')) return Number(token);
@@ -125,7 +125,7 @@ Value Factor(Cursor& cursor) {
 }
 
 char ProductOperation(const std::string& token) {
-    if (token == "*" || token == "/") return token[0];
+    if (Is(token, "*") || Is(token, "/")) return token[0];
     return IsWord(token, "mod") ? '%' : '\0';
 }
 
@@ -140,7 +140,7 @@ Value Product(Cursor& cursor) {
 
 Value Sum(Cursor& cursor) {
     Value value = Product(cursor);
-    while (cursor.tokens[cursor.at] == "+" || cursor.tokens[cursor.at] == "-") {
+    while (Is(cursor.tokens[cursor.at], "+") || Is(cursor.tokens[cursor.at], "-")) {
         char operation = cursor.tokens[cursor.at++][0];
         value = Combine(operation, value, Product(cursor));
     }

@@ -36,7 +36,7 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     }
     counter.name = tokens[at++];
     if (counter.name.empty()) ReportFatal("Expected a loop variable after 'For'");
-    if (tokens[at] == ":") {
+    if (Is(tokens[at], ":")) {
         const std::string& type = tokens[at + 1];
         if (type.empty() || type == "=") ReportFatal("Expected type after ':' in For loop");
         counter.type = ParseType(type);
@@ -44,7 +44,7 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
         counter.declared = counter.typed = true;
         at += 2;
     }
-    if (tokens[at] != "=") ReportFatal("Expecting assignment operator");
+    if (!Is(tokens[at], "=")) ReportFatal("Expecting assignment operator");
     return at + 1;
 }
 

@@ -56,13 +56,13 @@ void CheckLocalType(TokenSpan tokens) {
 }
 
 std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
-    declared.typed = tokens[1] == ":" || tokens[1] == "[";
-    if (tokens[1] == ":") {
+    declared.typed = Is(tokens[1], ":") || Is(tokens[1], "[");
+    if (Is(tokens[1], ":")) {
         if (declared.kind == DefinitionKind::Local) CheckLocalType(tokens);
         declared.note = ReadType(tokens, 2);
-        if (declared.note.type.sequence && tokens[declared.note.end] == "[")
+        if (declared.note.type.sequence && Is(tokens[declared.note.end], "["))
             ReportFatal("An array cannot hold Sequences: '" + declared.name + "'");
-    } else if (tokens[1] == "[") {
+    } else if (Is(tokens[1], "[")) {
         declared.note.type = Single(Base::Int);
         ReadSizes(tokens, 1, declared.note);
     } else {
@@ -73,7 +73,7 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
 
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
-    if (tokens[at] != "=")
+    if (!Is(tokens[at], "="))
         ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'");
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);

@@ -101,7 +101,7 @@ const DispatchRow dispatchTable[] = {
 
 // A Field may bear the name of a statement; "next = node" in a Method means the Field.
 bool AssignsOwnField(TokenSpan tokens) {
-    return tokens[1] == "=" && currentClass != nullptr && FindField(*currentClass, tokens[0]) != nullptr;
+    return Is(tokens[1], "=") && currentClass != nullptr && FindField(*currentClass, tokens[0]) != nullptr;
 }
 
 bool IsAccessWord(const std::string& keyword) { return keyword == "public" || keyword == "private"; }

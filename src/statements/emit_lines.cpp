@@ -4,7 +4,7 @@
 
 #include "statements/state.h"
 
-void EmitLines(State& state, const std::string& lines) {
+void EmitLines(State& state, std::string_view lines) {
     std::size_t start = 0;
     while (start < lines.size()) {
         const std::size_t end = std::min(lines.find('\n', start), lines.size());

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 struct State;
 
 // Emits a text of whole lines line by line.
-void EmitLines(State& state, const std::string& lines);
+void EmitLines(State& state, std::string_view lines);

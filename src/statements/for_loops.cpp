@@ -37,7 +37,7 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, const char* word, const 
     EachHeader header;
     if (IsWord(tokens[at], "local")) ++at;
     header.name = tokens[at];
-    if (tokens[at + 1] == ":" && at + 2 < tokens.size()) {
+    if (Is(tokens[at + 1], ":") && at + 2 < tokens.size()) {
         header.annotation = tokens[at + 2];
         at += 2;
     }

@@ -34,6 +34,16 @@ std::string IncludeOutputFolder(const IncludeName& name) {
 
 std::string IncludeSourcePath(const IncludeName& name) { return settings.sourceFolder + "/" + name.name; }
 
+// The path of the outputs without extension, relative to the top output folder.
+static std::string StemOf(const IncludeName& name) {
+    return (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file);
+}
+
+void NoteInclude(const IncludeName& name) {
+    AddOnce(symbols.includeHeaders, StemOf(name) + ".h");
+    if (settings.quickBuild) AddDependency(IncludeSourcePath(name));
+}
+
 namespace {
 
 // A source in a folder whose name ends in .kvh contributes its header only.
@@ -75,9 +85,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     std::string folder = IncludeOutputFolder(name);
     std::error_code error;
     if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
-    std::string stem = (name.folder.empty() ? "" : name.folder + "/") + StripExtension(name.file);
-    EmitIncludeLine(state, stem, source);
-    AddOnce(symbols.includeHeaders, stem + ".h");
-    if (settings.quickBuild) AddDependency(source);
+    EmitIncludeLine(state, StemOf(name), source);
+    NoteInclude(name);
     if (!lenient) TranslateFile(source, folder, false, false);  // else the strict run translates it
 }

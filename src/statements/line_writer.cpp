@@ -3,18 +3,19 @@
 #include "driver/settings.h"
 #include "lexer/lexer.h"
 
-void EmitLine(State& state, const std::string& text) {
-    std::string line(static_cast<std::size_t>(state.lineIndent), '\t');
-    line += text;
+void EmitLine(State& state, std::string_view text) {
+    std::string& piece = state.out->pieces.back().text;
+    piece.append(static_cast<std::size_t>(state.lineIndent), '\t');
+    piece += text;
     if (!state.traceText.empty()) {
-        line += " " + GuardComment("// " + state.traceText);
+        piece += " " + GuardComment("// " + state.traceText);
         state.traceText.clear();
     }
     if (!state.commentText.empty()) {
-        line += " " + state.commentText;
+        piece += " " + state.commentText;
         state.commentText.clear();
     }
-    PutLine(*state.out, line);
+    piece += '\n';
 }
 
 void AddComment(State& state, const std::string& comment) {

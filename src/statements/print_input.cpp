@@ -28,9 +28,9 @@ std::string ItemTexts(TokenSpan tokens, const std::string& keyword) {
     int depth = 0;
     for (std::size_t i = 0; i <= tokens.size(); ++i) {
         const std::string& token = tokens[i];
-        if (token == "(" || token == "[") ++depth;
-        if ((token == ")" || token == "]") && depth > 0) --depth;
-        bool separator = i == tokens.size() || (token == "&" && depth == 0 && tokens[i + 1] != "&");
+        if (Is(token, "(") || Is(token, "[")) ++depth;
+        if ((Is(token, ")") || Is(token, "]")) && depth > 0) --depth;
+        bool separator = i == tokens.size() || (Is(token, "&") && depth == 0 && !Is(tokens[i + 1], "&"));
         if (!separator) continue;
         texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword);
         start = i + 1;
@@ -96,11 +96,11 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
 
 // Index of the comma behind the prompt, which is at least one token long.
 std::size_t CommaBehindPrompt(TokenSpan tokens) {
-    int depth = tokens[1] == "(" || tokens[1] == "[" ? 1 : 0;
+    int depth = Is(tokens[1], "(") || Is(tokens[1], "[") ? 1 : 0;
     for (std::size_t i = 2; i < tokens.size(); ++i) {
-        if (tokens[i] == "(" || tokens[i] == "[") ++depth;
-        if (tokens[i] == ")" || tokens[i] == "]") --depth;
-        if (tokens[i] == "," && depth <= 0) return i;
+        if (Is(tokens[i], "(") || Is(tokens[i], "[")) ++depth;
+        if (Is(tokens[i], ")") || Is(tokens[i], "]")) --depth;
+        if (Is(tokens[i], ",") && depth <= 0) return i;
     }
     return noToken;
 }

@@ -1,6 +1,7 @@
 #include "statements/program.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <unordered_map>
 
@@ -19,11 +20,28 @@ std::unordered_map<std::string, std::string> outputOwners;  // outputs without e
 std::unordered_map<std::string, std::string> guardOwners;   // header guard -> its file
 std::deque<FileOutput> lenientOutputs;                      // kept for the run, never written
 
-void WriteFile(const std::string& path, const std::string& text, const std::string& failure) {
+std::vector<const FileOutput*> finished;  // not written so far
+
+bool WriteFile(const std::string& path, const std::string& text) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
     file.close();
-    if (!file) ReportFatal(failure);
+    return static_cast<bool>(file);
+}
+
+// Writes the header and the .cpp of a file; returns a message when that fails.
+std::string WriteOutputs(const FileOutput& out) {
+    if (!WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders)))
+        return "Cannot create header file: " + HeaderPath(out);
+    if (out.headerOnly)
+        std::remove(CppPath(out).c_str());
+    else if (!WriteFile(CppPath(out), CppText(out)))
+        return "Cannot write modified cpp file: " + CppPath(out);
+    return {};
+}
+
+void WriteFinished() {
+    for (const FileOutput* out : finished) WriteOutputs(*out);
 }
 
 // The order in which the main header includes the others.
@@ -45,6 +63,7 @@ void ResetProgram() {
     outputOwners.clear();
     guardOwners.clear();
     lenientOutputs.clear();
+    finished.clear();
 }
 
 FileOutput* FindOutput(const std::string& source) {
@@ -76,13 +95,9 @@ std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
     return guard;
 }
 
-void WriteOutputs(const FileOutput& out) {
-    WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders),
-              "Cannot create header file: " + HeaderPath(out));
-    if (out.headerOnly)
-        std::remove(CppPath(out).c_str());
-    else
-        WriteFile(CppPath(out), CppText(out), "Cannot write modified cpp file: " + CppPath(out));
+void WriteAtExit(const FileOutput& out) {
+    static const bool registered = std::atexit(WriteFinished) == 0;
+    if (registered) finished.push_back(&out);
 }
 
 void FinishProgram() {
@@ -91,5 +106,9 @@ void FinishProgram() {
     OrderGlobals(program);
     OrderRoutines(program);
     CompleteHeaders(program);
-    for (const FileOutput& file : program.files) WriteOutputs(file);
+    finished.clear();
+    for (const FileOutput& file : program.files) {
+        const std::string failure = WriteOutputs(file);
+        if (!failure.empty()) ReportFatal(failure);
+    }
 }

@@ -19,5 +19,5 @@ void ClaimOutputs(const FileOutput& out);
 std::string ClaimGuard(const FileOutput& out, const std::string& wanted);
 // Puts everything into an order that compiles and writes what changed by it.
 void FinishProgram();
-// Writes the header and the .cpp of a file; failure ends the run.
-void WriteOutputs(const FileOutput& out);
+// Sees to it that the outputs of a finished file are written even when an error ends the run later.
+void WriteAtExit(const FileOutput& out);

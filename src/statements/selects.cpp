@@ -80,13 +80,13 @@ std::string LabelKey(const OpenSelect& select, const ConstantValue& value) {
 
 bool HasDivision(TokenSpan tokens) {
     for (const std::string& token : tokens)
-        if (token == "/" || IsWord(token, "mod")) return true;
+        if (Is(token, "/") || IsWord(token, "mod")) return true;
     return false;
 }
 
 std::string Spelling(TokenSpan tokens) {
     std::string text;
-    for (const std::string& token : tokens) text += (text.empty() || token == "(" ? "" : " ") + token;
+    for (const std::string& token : tokens) text += (text.empty() || Is(token, "(") ? "" : " ") + token;
     return text;
 }
 

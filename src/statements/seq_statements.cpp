@@ -40,11 +40,11 @@ const Row& RowOf(const std::string& keyword) {
 
 // The tokens between the outermost parentheses when they enclose everything.
 TokenSpan WithoutParentheses(TokenSpan tokens) {
-    if (tokens[0] != "(") return tokens;
+    if (!Is(tokens[0], "(")) return tokens;
     int depth = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens[i] == "(") ++depth;
-        if (tokens[i] == ")" && --depth == 0) return i + 1 == tokens.size() ? tokens.Slice(1, i) : tokens;
+        if (Is(tokens[i], "(")) ++depth;
+        if (Is(tokens[i], ")") && --depth == 0) return i + 1 == tokens.size() ? tokens.Slice(1, i) : tokens;
     }
     return tokens;
 }

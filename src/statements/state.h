@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lexer/token_span.h"
@@ -72,7 +73,7 @@ struct State {
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
 // of a statement carries its source and its comment.
-void EmitLine(State& state, const std::string& text);
+void EmitLine(State& state, std::string_view text);
 
 // A statement translator gets the statement's tokens (the keyword first) and emits lines, changes the
 // state or ends the run.

@@ -111,6 +111,12 @@ void TranslateStatements(FileOutput& out, Lexer& lexer, const HeaderContents& co
     RunSecondPass(state, lexer, out.source);
 }
 
+// What the statements of a file leave behind in a lenient run.
+void NoteIncludes(const Declarations& declarations) {
+    for (const std::string& name : declarations.includes)
+        if (symbols.importedNames.count(name) == 0) NoteInclude(SplitIncludeName(name));
+}
+
 void CloseHeader(const FileOutput& out) {
     if (out.isMain && !symbols.includeHeaders.empty())
         VerboseNote("Inserted " + std::to_string(symbols.includeHeaders.size()) +
@@ -134,6 +140,12 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     Declarations declarations;
     CollectDeclarations(lexer, path, declarations);
     lenient = lenientRun;
+    if (lenientRun && !settings.verbose) {
+        GuardOf(out);  // guards are given out in the order of the first passes
+        Prepopulate(lexer, declarations);
+        NoteIncludes(declarations);
+        return;
+    }
     WriteHeaderTop(out, declarations);
     Prepopulate(lexer, declarations);
     TranslateStatements(out, lexer, ContentsOf(declarations, path));
@@ -142,7 +154,7 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     if (lenientRun) return;
     CloseHeader(out);
     SayPostProcessing(out);
-    if (!isMain) WriteOutputs(out);
+    if (!isMain) WriteAtExit(out);
 }
 
 void TranslateProgram(const std::string& mainSource) {

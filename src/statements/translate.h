@@ -8,7 +8,8 @@
 void TranslateProgram(const std::string& mainSource);
 
 // Translates one file into outputFolder. While `lenientRun` is set, unknown names are let through: an
-// included file met in a first pass, whose outputs the strict run of the second pass replaces.
+// included file met in a first pass. Its statements wait for the strict run of the second pass, which
+// tells everything that they would; only in verbose mode they are gone through, for the notes.
 void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun);
 
 // Splits the quoted name of an Include into its folder part ("" without one) and file part.
@@ -19,6 +20,9 @@ IncludeName SplitIncludeName(const std::string& name);
 
 // The output folder of an included file, created when it does not exist; failure ends the run.
 std::string IncludeOutputFolder(const IncludeName& name);
+
+// Lists the header of an included file for the main header, and the file as a dependency.
+void NoteInclude(const IncludeName& name);
 
 // The path that opens an included file from the working directory.
 std::string IncludeSourcePath(const IncludeName& name);

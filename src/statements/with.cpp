@@ -95,7 +95,7 @@ Tokens SubstituteIts(State& state, TokenSpan tokens) {
         if (IsWord(token, "its")) {
             if (open)
                 result.insert(result.end(), withStack.back().begin(), withStack.back().end());
-            else if (tokens[i + 1] == "\\")
+            else if (Is(tokens[i + 1], "\\"))
                 ReportFatal("'its' is only valid inside a With ... EndWith block");
             else
                 result.push_back(token);

@@ -3,16 +3,6 @@
 #include "driver/report.h"
 #include "prelude/support.h"
 
-bool IsWord(const std::string& token, std::string_view word) {
-    if (token.size() != word.size()) return false;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        char c = token[i];
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        if (c != word[i]) return false;
-    }
-    return true;
-}
-
 std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from) {
     for (std::size_t i = from; i < tokens.size(); ++i)
         if (IsWord(tokens[i], word)) return i;

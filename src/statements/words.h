@@ -9,9 +9,6 @@
 
 constexpr std::size_t noToken = static_cast<std::size_t>(-1);
 
-// Whether the token is the word in any letter case; the word is given in lower case.
-bool IsWord(const std::string& token, std::string_view word);
-
 // Index of the first token from `from` on that is the word; noToken when there is none.
 std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from = 0);
 

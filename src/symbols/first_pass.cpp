@@ -56,6 +56,8 @@ void ReadLines(FirstPass& pass, Lexer& lexer) {
         pass.line = lines.Line();
         for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);
     }
+    settings.currentFile = lexer.fileName;
+    settings.currentLine = lines.LastCount();
 }
 
 void SaySummary(const Declarations& found) {

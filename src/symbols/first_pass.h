@@ -29,7 +29,8 @@ struct Declarations {
     std::vector<std::string> preCalcNames;
     std::vector<std::pair<std::string, std::string>> typedGlobals;  // name, C++ type
     std::vector<std::pair<std::string, std::string>> typedConsts;
-    std::size_t functionCount = 0;  // Main included
+    std::size_t functionCount = 0;       // Main included
+    std::vector<std::string> includes;   // as written
 };
 
 // Collects the declarations of a source; included files are translated where they are met. A file that is

@@ -1,5 +1,4 @@
 // Lines that name other files: Include, Import, Linker.
-#include <algorithm>
 #include <filesystem>
 
 #include "driver/paths.h"
@@ -19,10 +18,7 @@ std::string Unquoted(const std::string& token) {
     return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
 }
 
-bool IsProcessed(const std::string& name) {
-    const std::vector<std::string>& names = symbols.processedNames;
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
+bool IsProcessed(const std::string& name) { return symbols.processedNames.count(name) != 0; }
 
 bool FileExists(const std::string& path) {
     std::error_code error;
@@ -41,15 +37,16 @@ void CollectImport(FirstPass&, TokenSpan tokens) {
     }
     VerboseNote("  - Importing userlib: " + name);
     ImportUserlib("userlibs/" + name);
-    symbols.processedNames.push_back(name);
+    symbols.processedNames.insert(name);
     symbols.importedNames.insert(name);
 }
 
 void CollectLinker(FirstPass&, TokenSpan tokens) { AddLinkerFlag(tokens[1]); }
 
-void CollectInclude(FirstPass&, TokenSpan tokens) {
+void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     if (!IsQuoted(tokens[1])) return;
     const std::string quoted = Unquoted(tokens[1]);
+    pass.out.includes.push_back(quoted);
     if (IsProcessed(quoted)) return SkipDuplicate(quoted);
     const IncludeName name = SplitIncludeName(quoted);
     const std::string path = IncludeSourcePath(name);
@@ -65,5 +62,5 @@ void CollectInclude(FirstPass&, TokenSpan tokens) {
     TranslateFile(path, folder, false, true);
     settings.currentFile = file;
     settings.currentLine = line;
-    symbols.processedNames.push_back(quoted);
+    symbols.processedNames.insert(quoted);
 }

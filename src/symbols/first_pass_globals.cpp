@@ -84,19 +84,19 @@ Variable ReadDeclaration(const FirstPass& pass, TokenSpan tokens) {
     variable.cppName = SafeName(tokens[0]);
     variable.file = pass.source;
     variable.line = pass.line;
-    variable.typed = tokens[1] == ":";
+    variable.typed = Is(tokens[1], ":");
     TypeNote note;
     note.end = 1;
     if (variable.typed) {
         note = ReadType(tokens, 2);
-    } else if (tokens[1] == "[") {
+    } else if (Is(tokens[1], "[")) {
         note.type = Single(Base::Int);
         ReadSizes(tokens, 1, note);
     }
     variable.type = note.type;
     variable.sizes = note.sizes;
     if (note.type.IsArray()) variable.form = ArrayForm::Vector;
-    if (tokens[note.end] == "=") {
+    if (Is(tokens[note.end], "=")) {
         const TokenSpan value = tokens.From(note.end + 1);
         variable.initialiser.assign(value.begin(), value.end());
     }
@@ -113,12 +113,12 @@ void CollectConst(FirstPass& pass, TokenSpan tokens) {
 
 // PreCalc name : type [ size ] [ size ] ...; malformed ones are reported where the block is evaluated.
 void CollectPreCalc(FirstPass& pass, TokenSpan tokens) {
-    if (tokens[2] != ":" || tokens[4] != "[") return;
+    if (!Is(tokens[2], ":") || !Is(tokens[4], "[")) return;
     Variable table;
     table.name = tokens[1];
     table.cppName = SafeName(table.name);
     table.type = Single(IsDoubleTable(tokens[3]) ? Base::Double : Base::Int);
-    for (std::size_t at = 5; tokens[at - 1] == "[" && at < tokens.size(); at += 3) {
+    for (std::size_t at = 5; Is(tokens[at - 1], "[") && at < tokens.size(); at += 3) {
         table.sizes.push_back(tokens[at]);
         ++table.type.dims;
     }

@@ -179,7 +179,7 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
 
 // Only the lower-case spellings are access keywords.
 void CollectAccess(FirstPass& pass, TokenSpan tokens) {
-    if (tokens[0] == "private" || tokens[0] == "public") pass.isPrivate = tokens[0] == "private";
+    if (Is(tokens[0], "private") || Is(tokens[0], "public")) pass.isPrivate = Is(tokens[0], "private");
 }
 
 void CheckElementCycles() {

@@ -70,6 +70,9 @@ const Variable* FindGlobal(const std::string& name) {
 }
 
 const Variable* FindField(const ClassInfo& cls, const std::string& name) {
+    const auto found = cls.members.find(name);
+    if (found == cls.members.end()) return nullptr;
+    if (found->second.type.IsKnown()) return &found->second;
     ClassInfo* owner = FindClass(cls.name);
     return owner ? FindIn(owner->members, name, owner) : nullptr;
 }

@@ -9,11 +9,11 @@
 
 namespace {
 
-bool IsMain(const TokenSpan& tokens) { return Lower(tokens[0]) == "function" && Lower(tokens[1]) == "main"; }
+bool IsMain(const TokenSpan& tokens) { return IsWord(tokens[0], "function") && IsWord(tokens[1], "main"); }
 
 // Reads a result type whose ":" stands at `at`; returns the position behind it.
 std::size_t ReadResult(TokenSpan tokens, std::size_t at, Routine& routine) {
-    if (tokens[at] != ":") return at;
+    if (!Is(tokens[at], ":")) return at;
     if (IsMain(tokens)) {
         TypeNote skipped;
         ReadSizes(tokens, at + 2, skipped);
@@ -25,14 +25,14 @@ std::size_t ReadResult(TokenSpan tokens, std::size_t at, Routine& routine) {
 }
 
 std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) {
-    if (tokens[at] != "=") return at;
+    if (!Is(tokens[at], "=")) return at;
     parameter.hasDefault = true;
     int depth = 0;
     for (++at; at < tokens.size(); ++at) {
         const std::string& token = tokens[at];
-        if (depth == 0 && (token == "," || token == ")")) break;
-        if (token == "(" || token == "[") ++depth;
-        if (token == ")" || token == "]") --depth;
+        if (depth == 0 && (Is(token, ",") || Is(token, ")"))) break;
+        if (Is(token, "(") || Is(token, "[")) ++depth;
+        if (Is(token, ")") || Is(token, "]")) --depth;
         parameter.defaultValue.push_back(token);
     }
     return at;
@@ -41,7 +41,7 @@ std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) 
 std::size_t ReadParameter(TokenSpan tokens, std::size_t at, Parameter& parameter) {
     if (!IsName(tokens[at])) ReportFatal("Unexpected token in parameter list.");
     parameter.name = tokens[at++];
-    parameter.untyped = tokens[at] != ":" && Lower(tokens[at]) != "as";
+    parameter.untyped = !Is(tokens[at], ":") && Lower(tokens[at]) != "as";
     if (!parameter.untyped) {
         const TypeNote note = ReadType(tokens, at + 1);
         parameter.type = note.type;
@@ -52,12 +52,12 @@ std::size_t ReadParameter(TokenSpan tokens, std::size_t at, Parameter& parameter
 
 // Reads the list from its "(" on; returns the position behind its ")".
 std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
-    if (tokens[at] != "(") return at;
-    if (tokens[at + 1] == ")") return at + 2;
+    if (!Is(tokens[at], "(")) return at;
+    if (Is(tokens[at + 1], ")")) return at + 2;
     do {
         at = ReadParameter(tokens, at + 1, routine.parameters.emplace_back());
-    } while (tokens[at] == ",");
-    if (tokens[at] != ")") ReportFatal("Unexpected token in parameter list.");
+    } while (Is(tokens[at], ","));
+    if (!Is(tokens[at], ")")) ReportFatal("Unexpected token in parameter list.");
     return at + 1;
 }
 

@@ -12,7 +12,6 @@ namespace {
 
 struct Node {
     std::vector<int> callers;
-    std::unordered_set<const ClassInfo*> creates;
     bool createsAnything = false;
 };
 
@@ -30,8 +29,9 @@ struct Graph {
     std::unordered_map<std::string, int> loops;  // by place
     int timers = 0;
     int destructors = 0;
-    std::unordered_map<const ClassInfo*, std::vector<bool>>
-        answers;  // per class, the nodes that may create it
+    std::unordered_map<const ClassInfo*, std::vector<int>> creators;  // nodes that create the class themselves
+    std::unordered_set<int> anything;                                 // nodes that may create any class
+    std::unordered_map<const ClassInfo*, std::unordered_set<int>> answers;  // the other nodes that may create it
 
     Graph() : timers(Add()), destructors(Add()) {}
 
@@ -52,7 +52,9 @@ struct Graph {
 Graph graph;
 bool built = false;
 
-std::string PlaceOf(const std::string& file, int line) { return FileId(file) + ":" + std::to_string(line); }
+std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
+
+bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 
 void AddNames() {
     for (const auto& function : symbols.functions) graph.NodeOf(graph.routines, function.first);
@@ -63,14 +65,10 @@ void AddNames() {
     for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
 }
 
-bool IsWord(const std::string& token, const char* lowerWord, std::size_t size) {
-    return token.size() == size && Lower(token) == lowerWord;
-}
-
 // Reads one file and adds what its routines and loops mention.
 class FileReach {
 public:
-    explicit FileReach(const std::string& path) : file(path) {}
+    explicit FileReach(const std::string& path) : file(path), fileId(FileId(path)) {}
 
     void Read() {
         Lexer lexer;
@@ -85,7 +83,7 @@ public:
 private:
     static constexpr int outside = -1;
 
-    std::string file;
+    std::string file, fileId;
     int node = outside;          // the routine or loop that the statement belongs to
     std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
     const ClassInfo* cls = nullptr;
@@ -137,13 +135,13 @@ private:
 
     static bool WalksInstances(TokenSpan tokens) {
         for (const std::string& token : tokens) {
-            if (IsWord(token, "each", 4) || IsWord(token, "eachin", 6)) return true;
+            if (IsWord(token, "each") || IsWord(token, "eachin")) return true;
         }
         return false;
     }
 
     int OpenLoop(int line) {
-        const int loop = graph.NodeOf(graph.loops, PlaceOf(file, line));
+        const int loop = graph.NodeOf(graph.loops, PlaceOf(fileId, line));
         graph.Call(node, loop);
         graph.Call(loop, graph.timers);
         graph.Call(loop, graph.destructors);
@@ -154,10 +152,11 @@ private:
         bool startsTimer = false;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const std::string& token = tokens[i];
-            if (IsWord(token, "insert", 6)) graph.At(node).createsAnything = true;
-            if (IsWord(token, "seqsort", 7))
+            if (!IsLetter(token[0])) continue;
+            if (IsWord(token, "insert")) graph.At(node).createsAnything = true;
+            if (IsWord(token, "seqsort"))
                 graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
-            startsTimer = startsTimer || IsWord(token, "autocall", 8);
+            startsTimer = startsTimer || IsWord(token, "autocall");
             const auto meaning = graph.words.find(token);
             if (meaning == graph.words.end()) continue;
             if (meaning->second.routine >= 0) {
@@ -168,37 +167,39 @@ private:
             if (!mentioned) continue;
             graph.Call(node, graph.NodeOf(graph.construction, mentioned));
             const bool created =
-                i > 0 && (IsWord(tokens[i - 1], "create", 6) || IsWord(tokens[i - 1], "new", 3));
-            if (created) graph.At(node).creates.insert(mentioned);
+                i > 0 && (IsWord(tokens[i - 1], "create") || IsWord(tokens[i - 1], "new"));
+            if (created) graph.creators[mentioned].push_back(node);
         }
     }
 };
+
+// The nodes that may run one of `open`, apart from those that may create anything.
+std::unordered_set<int> NodesThatRun(std::vector<int> open) {
+    std::unordered_set<int> marked(open.begin(), open.end());
+    while (!open.empty()) {
+        const int node = open.back();
+        open.pop_back();
+        for (const int caller : graph.At(node).callers)
+            if (graph.anything.count(caller) == 0 && marked.insert(caller).second) open.push_back(caller);
+    }
+    return marked;
+}
 
 void Build() {
     built = true;
     AddNames();
     for (const std::string& file : symbols.sourceFiles) FileReach(file).Read();
+    std::vector<int> creators;
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i)
+        if (graph.nodes[i].createsAnything) creators.push_back(static_cast<int>(i));
+    graph.anything = NodesThatRun(creators);
 }
 
-// Marks everything that may run a node which creates the class.
-std::vector<bool> NodesThatCreate(const ClassInfo& cls) {
-    std::vector<bool> marked(graph.nodes.size(), false);
-    std::vector<int> open;
-    const auto mark = [&](int node) {
-        if (marked[static_cast<std::size_t>(node)]) return;
-        marked[static_cast<std::size_t>(node)] = true;
-        open.push_back(node);
-    };
-    for (std::size_t i = 0; i < graph.nodes.size(); ++i) {
-        const Node& node = graph.nodes[i];
-        if (node.createsAnything || node.creates.count(&cls) != 0) mark(static_cast<int>(i));
-    }
-    while (!open.empty()) {
-        const int node = open.back();
-        open.pop_back();
-        for (const int caller : graph.At(node).callers) mark(caller);
-    }
-    return marked;
+// The nodes that may create an object of the class without being able to create anything.
+const std::unordered_set<int>& NodesThatCreate(const ClassInfo& cls) {
+    const auto answer = graph.answers.find(&cls);
+    if (answer != graph.answers.end()) return answer->second;
+    return graph.answers.emplace(&cls, NodesThatRun(graph.creators[&cls])).first->second;
 }
 
 }  // namespace
@@ -206,11 +207,9 @@ std::vector<bool> NodesThatCreate(const ClassInfo& cls) {
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
     if (lenient) return true;
     if (!built) Build();
-    const auto loop = graph.loops.find(PlaceOf(file, line));
+    const auto loop = graph.loops.find(PlaceOf(FileId(file), line));
     if (loop == graph.loops.end()) return true;
-    auto answer = graph.answers.find(&cls);
-    if (answer == graph.answers.end()) answer = graph.answers.emplace(&cls, NodesThatCreate(cls)).first;
-    return answer->second[static_cast<std::size_t>(loop->second)];
+    return graph.anything.count(loop->second) != 0 || NodesThatCreate(cls).count(loop->second) != 0;
 }
 
 void ResetReach() {

@@ -1,37 +1,36 @@
 #include "symbols/source_lines.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 
 #include "driver/settings.h"
+#include "lexer/token_text.h"
 
 namespace {
 
-bool IsWord(const std::string& token, const char* lowerWord) { return Lower(token) == lowerWord; }
-
 bool EndsInTilde(const Tokens& tokens) {
     const std::size_t count = tokens.size();
-    return (count > 0 && tokens[count - 1] == "~") || (count > 1 && tokens[count - 2] == "~");
+    return (count > 0 && Is(tokens[count - 1], "~")) || (count > 1 && Is(tokens[count - 2], "~"));
 }
 
 bool EndsInTwoTildes(const Tokens& tokens) {
     const std::size_t count = tokens.size();
-    return count > 1 && tokens[count - 1] == "~" && tokens[count - 2] == "~";
+    return count > 1 && Is(tokens[count - 1], "~") && Is(tokens[count - 2], "~");
 }
+
+bool EndsInUnderscore(const Tokens& tokens) { return !tokens.empty() && Is(tokens.back(), "_"); }
 
 std::string WithoutTildes(std::string text) {
     text.erase(std::remove(text.begin(), text.end(), '~'), text.end());
     return text;
 }
 
-std::string WithoutComment(const std::string& raw) {
-    const std::size_t comment = CommentStart(raw);
-    return comment == std::string::npos ? raw : raw.substr(0, comment);
-}
+std::string WithoutComment(std::string_view raw) { return std::string(raw.substr(0, CommentStart(raw))); }
 
-std::string WithoutIndent(const std::string& raw) {
+std::string WithoutIndent(std::string_view raw) {
     const std::size_t first = raw.find_first_not_of(" \t");
-    return first == std::string::npos ? std::string() : raw.substr(first);
+    return first == std::string_view::npos ? std::string() : std::string(raw.substr(first));
 }
 
 bool IsSingleLineIf(const Tokens& tokens) {
@@ -40,38 +39,83 @@ bool IsSingleLineIf(const Tokens& tokens) {
                        [](const std::string& token) { return IsWord(token, "then"); });
 }
 
-bool BeginsWith(const std::string& text, std::size_t at, const char* lowerWord) {
-    for (; *lowerWord; ++at, ++lowerWord) {
-        if (at >= text.size() || (text[at] | 0x20) != *lowerWord) return false;
+// The first four letters of a line as one number, in lower case; blanks behind a shorter end.
+constexpr std::uint32_t FourLetters(std::string_view text) {
+    std::uint32_t letters = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        letters = letters << 8 | (i < text.size() ? static_cast<unsigned char>(text[i] | 0x20) : ' ');
+    return letters;
+}
+
+bool BeginsLikeName(std::string_view text) {
+    switch (FourLetters(text)) {
+        case FourLetters("type"):
+        case FourLetters("elem"):
+        case FourLetters("incl"):
+        case FourLetters("inli"):
+            return true;
+        default:
+            return false;
     }
-    return true;
 }
 
-bool IsJoinMark(const std::string& text, std::size_t end) {
-    const std::size_t last = end == 0 ? std::string::npos : text.find_last_not_of(" \t", end - 1);
-    return last != std::string::npos && (text[last] == '_' || text[last] == '~');
+// The words that the first pass collects, and "end" in front of another word.
+bool BeginsLikeDeclaration(std::string_view text) {
+    switch (FourLetters(text)) {
+        case FourLetters("impo"):
+        case FourLetters("link"):
+        case FourLetters("endt"):
+        case FourLetters("ende"):
+        case FourLetters("end "):
+        case FourLetters("end\t"):
+        case FourLetters("prec"):
+        case FourLetters("fiel"):
+        case FourLetters("glob"):
+        case FourLetters("cons"):
+        case FourLetters("meth"):
+        case FourLetters("exte"):
+        case FourLetters("func"):
+        case FourLetters("publ"):
+        case FourLetters("priv"):
+            return true;
+        default:
+            return BeginsLikeName(text);
+    }
 }
 
-// A quick look that spares most lines the lexer: right about every line that matters, wrong about some others.
-bool MayNameSomething(const std::string& text) {
+bool IsJoinMark(std::string_view text) {
+    const std::size_t last = text.find_last_not_of(" \t");
+    return last != std::string_view::npos && (text[last] == '_' || text[last] == '~');
+}
+
+// A quick look that spares most lines the lexer: right about every line that may begin with the word or is
+// more than one statement, wrong about some others.
+bool MayBegin(std::string_view text, bool (*beginsLikeWord)(std::string_view)) {
     const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) return false;
-    for (const char* start : {"type", "elem", "incl", "inli"}) {
-        if (BeginsWith(text, first, start)) return true;
-    }
-    if (text.find('|') != std::string::npos || IsJoinMark(text, text.size())) return true;
-    const std::size_t comment = text.find(';') == std::string::npos ? std::string::npos : CommentStart(text);
-    return comment != std::string::npos && IsJoinMark(text, comment);
+    if (first == std::string_view::npos) return false;
+    if (beginsLikeWord(text.substr(first))) return true;
+    if (text.find('|') != std::string_view::npos || IsJoinMark(text)) return true;
+    if (text.find(';') == std::string_view::npos) return false;
+    const std::size_t comment = CommentStart(text);
+    return comment != std::string_view::npos && IsJoinMark(text.substr(0, comment));
 }
 
 }  // namespace
 
-std::string SourceLines::ReadLine() {
+std::string_view SourceLines::ReadLine() {
     ++physical;
-    return reader.NextLine();
+    return reader.TakeLine();
 }
 
-void SourceLines::Lex(const std::string& text) {
+// Lines that hold nothing for the reader; with Checking::Strict they are checked all the same.
+bool SourceLines::PassOver(std::string_view text) {
+    if (checking == Checking::Names) return !MayBegin(text, BeginsLikeName);
+    if (checking != Checking::Strict || MayBegin(text, BeginsLikeDeclaration)) return false;
+    if (lexer.CheckLine(text)) lastCount = lexer.lineNumber;
+    return true;
+}
+
+void SourceLines::Lex(std::string_view text) {
     if (checking == Checking::Physical) lexer.lineNumber = physical - 1;
     const bool checked = checking == Checking::Strict || checking == Checking::Physical;
     lexer.LexLine(text, false, checked, !checked);
@@ -83,9 +127,9 @@ void SourceLines::LexAgain(const std::string& text) {
     lexer.LexLine(text, false, checking == Checking::Strict, !checked);
 }
 
-void SourceLines::TakeComment(const std::string& raw) {
+void SourceLines::TakeComment(std::string_view raw) {
     if (!settings.outputComments || checking != Checking::Physical) return;
-    const std::string found = CommentOf(raw);
+    const std::string found = CommentOf(std::string(raw));
     if (found.empty()) return;
     if (!comment.empty()) comment += " ";
     comment += found;
@@ -95,12 +139,12 @@ void SourceLines::SkipInlineCpp() {
     metInlineCpp = true;
     inlineCppOpen = true;
     while (inlineCppOpen && !reader.AtEnd()) {
-        const std::string raw = ReadLine();
+        const std::string_view raw = ReadLine();
         lexer.LexLine(raw, false, false, true);
         if (checking == Checking::Strict) ++lexer.lineNumber;
         if (lexer.tokens.empty()) continue;
         inlineCppOpen = !IsWord(lexer.tokens.front(), "endinlinecpp");
-        if (inlineCppOpen && onInlineCpp) onInlineCpp(raw);
+        if (inlineCppOpen && onInlineCpp) onInlineCpp(std::string(raw));
     }
 }
 
@@ -110,7 +154,7 @@ void SourceLines::JoinTildeLines(std::string& text) {
     text = WithoutTildes(WithoutComment(text));
     bool more = true;
     while (more && !reader.AtEnd()) {
-        const std::string raw = ReadLine();
+        const std::string_view raw = ReadLine();
         TakeComment(raw);
         const std::string piece = WithoutComment(raw);
         lexer.LexLine(piece, false, false, true);
@@ -121,17 +165,23 @@ void SourceLines::JoinTildeLines(std::string& text) {
 }
 
 void SourceLines::JoinUnderscoreLines(std::string& text) {
-    if (lexer.tokens.empty() || lexer.tokens.back() != "_") return;
+    if (!EndsInUnderscore(lexer.tokens)) return;
     text = CutAtContinuation(text);
     bool more = true;
     while (more && !reader.AtEnd()) {
         const std::string piece = WithoutIndent(ReadLine());
         TakeComment(piece);
         lexer.LexLine(piece, false, false, true);
-        more = !lexer.tokens.empty() && lexer.tokens.back() == "_";
+        more = EndsInUnderscore(lexer.tokens);
         text += " " + (more ? CutAtContinuation(piece) : WithoutComment(piece));
     }
     LexAgain(text);
+}
+
+void SourceLines::Join(std::string_view first) {
+    std::string text(first);
+    JoinTildeLines(text);
+    JoinUnderscoreLines(text);
 }
 
 void SourceLines::SplitStatements() {
@@ -144,7 +194,7 @@ void SourceLines::SplitStatements() {
     }
     std::size_t begin = 0;
     for (std::size_t i = 0; i <= all.size(); ++i) {
-        if (i < all.size() && all.first[i] != "|") continue;
+        if (i < all.size() && !Is(all.first[i], "|")) continue;
         if (i > begin) statements.push_back(all.Slice(begin, i));
         begin = i + 1;
     }
@@ -153,9 +203,9 @@ void SourceLines::SplitStatements() {
 bool SourceLines::Next() {
     metInlineCpp = false;
     while (!reader.AtEnd()) {
-        std::string text = ReadLine();
+        const std::string_view text = ReadLine();
         start = physical;
-        if (checking == Checking::Names && !MayNameSomething(text)) continue;
+        if (PassOver(text)) continue;
         Lex(text);
         comment.clear();
         TakeComment(text);
@@ -164,9 +214,9 @@ bool SourceLines::Next() {
             SkipInlineCpp();
             continue;
         }
-        JoinTildeLines(text);
-        JoinUnderscoreLines(text);
+        if (EndsInTwoTildes(lexer.tokens) || EndsInUnderscore(lexer.tokens)) Join(text);
         if (lexer.tokens.empty() && comment.empty()) continue;
+        lastCount = lexer.lineNumber;
         SplitStatements();
         return true;
     }

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lexer/lexer.h"
@@ -11,7 +12,8 @@
 #include "lexer/token_span.h"
 
 enum class Checking : unsigned char {
-    Strict,    // brackets and strings are checked and lines are counted by the lexer
+    Strict,    // brackets and strings are checked, lines are counted by the lexer, and those that cannot
+               // declare anything are passed over
     Physical,  // checked too; the lexer is told the physical line on which each statement starts
     None,      // nothing is checked or counted; for readers that must not report before the first pass does
     Names,     // the same, and lines that cannot name a Type, an Element or another file are passed over
@@ -29,6 +31,8 @@ public:
 
     // The physical line on which the current one starts.
     int Line() const { return start; }
+    // With Checking::Strict: the lexer's count at the last line that has tokens, passed over or not.
+    int LastCount() const { return lastCount; }
     // The statements of the current line; valid until the lexer is used again.
     const std::vector<TokenSpan>& Statements() const { return statements; }
     // True when inline C++ stood between the previous line and this one (or the end of the file).
@@ -48,15 +52,18 @@ private:
     std::vector<TokenSpan> statements;
     int physical = 0;
     int start = 0;
+    int lastCount = 0;
     bool metInlineCpp = false;
     bool inlineCppOpen = false;
     std::string comment;
 
-    std::string ReadLine();
-    void Lex(const std::string& text);
+    std::string_view ReadLine();
+    bool PassOver(std::string_view text);
+    void Lex(std::string_view text);
     void LexAgain(const std::string& text);
-    void TakeComment(const std::string& raw);
+    void TakeComment(std::string_view raw);
     void SkipInlineCpp();
+    void Join(std::string_view first);
     void JoinTildeLines(std::string& text);
     void JoinUnderscoreLines(std::string& text);
     void SplitStatements();

@@ -40,5 +40,5 @@ bool HasMainFunction() {
 }
 
 void AddOnce(std::vector<std::string>& list, const std::string& text) {
-    if (std::find(list.begin(), list.end(), text) == list.end()) list.push_back(text);
+    if (symbols.listed[&list].insert(text).second) list.push_back(text);
 }

@@ -122,13 +122,15 @@ struct Symbols {
     std::unordered_set<std::string> collectedFiles;
 
     // Names of files already included or imported, and what the run produces.
-    std::vector<std::string> processedNames;
+    std::unordered_set<std::string> processedNames;
     std::unordered_set<std::string> importedNames;  // those of Import lines
     // The files behind the names of Includes, however they are spelt. Written and read by the first pass.
     std::unordered_set<std::string> includedFiles;
     std::vector<std::string> includeHeaders;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;
+    // What AddOnce put on which of these lists.
+    std::unordered_map<const void*, std::unordered_set<std::string>> listed;
 };
 
 extern Symbols symbols;
@@ -148,5 +150,5 @@ const Variable* FindField(const ClassInfo& cls, const std::string& name);
 // A Global, Const or PreCalc table, its type settled (an untyped one takes that of its initialiser).
 const Variable* FindGlobal(const std::string& name);
 
-// Adds text to a list unless it is there already.
+// Adds text to a list of `symbols` unless it was added before.
 void AddOnce(std::vector<std::string>& list, const std::string& text);

@@ -8,15 +8,15 @@
 
 namespace {
 
-bool IsOpener(const std::string& token) { return token == "(" || token == "["; }
-bool IsCloser(const std::string& token) { return token == ")" || token == "]"; }
+bool IsOpener(const std::string& token) { return Is(token, "(") || Is(token, "["); }
+bool IsCloser(const std::string& token) { return Is(token, ")") || Is(token, "]"); }
 
 // Position of the "]" that closes the group opened at `at`.
 std::size_t ClosingBracket(TokenSpan tokens, std::size_t at) {
     int depth = 0;
     for (std::size_t i = at; i < tokens.size(); ++i) {
-        if (tokens[i] == "[") ++depth;
-        if (tokens[i] == "]" && --depth == 0) return i;
+        if (Is(tokens[i], "[")) ++depth;
+        if (Is(tokens[i], "]") && --depth == 0) return i;
     }
     ReportFatal("Array declaration missing closing bracket ]");
 }
@@ -60,13 +60,13 @@ ValueType ItemType(const std::string& name, bool isArray) {
 
 TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
     if (at >= tokens.size()) ReportFatal("Type annotation incomplete - expected type after ':'");
-    if (Lower(tokens[at]) == "sequence") return ReadSequence(tokens, at);
+    if (IsWord(tokens[at], "sequence")) return ReadSequence(tokens, at);
     TypeNote note;
     note.name = tokens[at];
     note.end = at + 1;
-    if (Lower(note.name) == "void" && tokens[note.end] == "*") note.name += tokens[note.end++];
-    note.type = ItemType(note.name, tokens[note.end] == "[");
-    const bool isNone = voidAllowed && Lower(note.name) == "void";
+    if (IsWord(note.name, "void") && Is(tokens[note.end], "*")) note.name += tokens[note.end++];
+    note.type = ItemType(note.name, Is(tokens[note.end], "["));
+    const bool isNone = voidAllowed && IsWord(note.name, "void");
     if (note.type.base == Base::Void && !isNone) FailUnknownType(note.name);
     ReadSizes(tokens, note.end, note);
     return note;
@@ -76,7 +76,7 @@ TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
 
 void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
     note.end = at;
-    while (tokens[note.end] == "[") {
+    while (Is(tokens[note.end], "[")) {
         const std::size_t close = ClosingBracket(tokens, note.end);
         note.sizes.push_back(JoinTokens(tokens.Slice(note.end + 1, close)));
         ++note.type.dims;
@@ -95,7 +95,7 @@ std::vector<TokenSpan> SplitList(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (IsOpener(tokens[i])) ++depth;
         if (IsCloser(tokens[i])) --depth;
-        if (depth > 0 || tokens[i] != ",") continue;
+        if (depth > 0 || !Is(tokens[i], ",")) continue;
         parts.push_back(tokens.Slice(begin, i));
         begin = i + 1;
     }

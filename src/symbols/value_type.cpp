@@ -4,6 +4,7 @@
 
 #include "driver/report.h"
 #include "lexer/lexer.h"
+#include "lexer/token_text.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 struct BasicType {
     Base base;
-    const char* annotation;  // lower case; empty when it cannot be written
+    std::string_view annotation;  // lower case; empty when it cannot be written
     const char* korvel;
     const char* cpp;
 };
@@ -31,9 +32,8 @@ constexpr std::array<BasicType, 11> basicTypes = {{
 }};
 
 const BasicType* FindBasic(const std::string& annotation) {
-    const std::string lower = Lower(annotation);
     for (const BasicType& type : basicTypes) {
-        if (!lower.empty() && lower == type.annotation) return &type;
+        if (!annotation.empty() && IsWord(annotation, type.annotation)) return &type;
     }
     return nullptr;
 }

@@ -1,0 +1,17 @@
+// Comparisons of tokens with fixed texts, cheap enough for every token of every line.
+#pragma once
+
+#include <string_view>
+
+// Whether the token is exactly the text.
+inline bool Is(std::string_view token, std::string_view text) { return token == text; }
+
+// Whether the token is the word in any letter case; the word is given in lower case.
+inline bool IsWord(std::string_view token, std::string_view word) {
+    if (token.size() != word.size()) return false;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const char c = token[i];
+        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != word[i]) return false;
+    }
+    return true;
+}
