@@ -39,13 +39,15 @@ void FailUnclosedType(const std::string& name, int line) {
     FailUnclosed("Type block", {Starting("Type '" + name + "'", line, "'EndType'")});
 }
 
+void FailUnclosedMethod(const std::string& name, int line) {
+    FailUnclosed("Method block", {Starting("Method '" + name + "'", line, "'EndMethod'")});
+}
+
 void CheckBlocksClosed(const State& state) {
     if (state.inFunction)
         FailUnclosed("Function block",
                      {Starting("Function '" + state.functionName + "'", state.functionLine, "'EndFunction'")});
-    if (state.inMethod)
-        FailUnclosed("Method block",
-                     {Starting("Method '" + state.methodName + "'", state.methodLine, "'EndMethod'")});
+    if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
     if (!state.inType && state.selectDepth >= 1)
         FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
     if (state.inType) FailUnclosedType(state.typeName, state.typeLine);

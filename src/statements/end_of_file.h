@@ -6,5 +6,6 @@
 // Says which block is open and where it starts, and ends the run; returns when all are closed.
 void CheckBlocksClosed(const State& state);
 
-// The report of a Type or Element without its closer.
+// The reports of a Type or Element, and of a Method, without their closers.
 [[noreturn]] void FailUnclosedType(const std::string& name, int line);
+[[noreturn]] void FailUnclosedMethod(const std::string& name, int line);
