@@ -88,7 +88,6 @@ Expr ParseParentheses(Walk& walk) {
     expr.text = "( " + ValueText(expr) + " )";
     expr.slot = false;
     expr.assignable = false;
-    expr.isCall = false;
     expr.variable = nullptr;
     expr.level = Level::Primary;
     return expr;

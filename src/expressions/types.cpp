@@ -69,7 +69,7 @@ std::string TextAs(const Expr& expr, const ValueType& to) {
 std::string ArgumentText(const Expr& expr, const ValueType& parameter) {
     if (parameter.IsArray() && expr.type.IsArray()) return Passed(expr);
     // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
-    if (parameter.sequence && expr.isCall) {
+    if (parameter.sequence && !expr.assignable) {
         return "const_cast<" + CppName(expr.type) + "&>(static_cast<const " + CppName(expr.type) + "&>(" +
                expr.text + "))";
     }

@@ -1,5 +1,7 @@
 #include "statements/assignments.h"
 
+#include <unordered_set>
+
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
@@ -124,10 +126,19 @@ void TranslateCall(State& state, TokenSpan tokens) {
     EmitLine(state, text + ";");
 }
 
+// Draw a = b: a "=" in an argument compares, also where the call has no parentheses.
+bool IsBareCall(TokenSpan tokens) {
+    static const std::unordered_set<std::string> continuing = {"=", "\\", ".", "[", "(", ":"};
+    if (tokens.size() < 2 || continuing.count(tokens[1]) != 0) return false;
+    const bool method = currentClass != nullptr && FindMethod(*currentClass, tokens[0]) != nullptr;
+    const bool callable = method || FindFunction(tokens[0]) != nullptr || FindUserlibFunction(tokens[0]) != nullptr;
+    return callable && FindVariable(tokens[0]) == nullptr;
+}
+
 }  // namespace
 
 void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
-    const std::size_t sign = AssignmentSign(tokens);
+    const std::size_t sign = IsBareCall(tokens) ? noToken : AssignmentSign(tokens);
     if (sign == noToken) {
         TranslateCall(state, tokens);
         return;
