@@ -29,8 +29,11 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
     return expr;
 }
 
+// First T , or First(T)
 const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
+    const bool bracketed = walk.Match("(");
     const std::string& name = walk.Take();
+    if (bracketed) walk.Expect(")");
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr || cls->isElement)
         ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
@@ -46,13 +49,25 @@ void RequireObject(const Expr& expr, const std::string& word) {
     NeedClass(expr.type.cls);
 }
 
-// Before x and After x take x alone: what follows belongs to the neighbour.
-Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
+// The object of Before x and After x: x alone, or an expression in parentheses.
+Expr ParseOrigin(Walk& walk) {
+    if (walk.Match("(")) {
+        Expr object = ParseValue(walk);
+        walk.Expect(")");
+        return object;
+    }
     if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
     const std::string& name = walk.Peek();
     Expr object = ParseName(walk);
     if (Is(walk.Peek(), "[")) object = ParseIndices(walk, object, name, object.variable);
+    return object;
+}
+
+// What follows the object belongs to the neighbour: After x\hp is the hp of the neighbour.
+Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
+    Expr object = ParseOrigin(walk);
     RequireObject(object, word);
+    if (object.level != Level::Primary) object.text = "( " + object.text + " )";
     return ObjectOf(object.type.cls, object.text + "->" + member + "()");
 }
 

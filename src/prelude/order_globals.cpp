@@ -22,7 +22,7 @@ class GlobalPlacer {
 public:
     explicit GlobalPlacer(Program& program) : program(program) {
         for (FileOutput* file : program.headers)
-            for (GlobalDefinition& global : file->globals) byName.emplace(global.name, &global);
+            for (GlobalDefinition& global : file->globals) byName.emplace(global.name, Owned{&global, file});
     }
 
     void Run() {
@@ -45,8 +45,13 @@ public:
 
 private:
     Program& program;
-    std::unordered_map<std::string, GlobalDefinition*> byName;
-    std::unordered_map<std::string, Place> places;  // of those already met
+    struct Owned {
+        GlobalDefinition* global;
+        FileOutput* file;
+    };
+    std::unordered_map<std::string, Owned> byName;
+    std::unordered_map<std::string, Place> places;    // of those already met
+    std::unordered_map<std::string, Place> expected;  // of those that others mention before
     std::unordered_set<std::string> declaredFunctions;
     std::unordered_set<std::string> moved;
     std::vector<std::string> lateLines, cppLines;
@@ -81,7 +86,17 @@ private:
         }
         auto met = places.find(name);
         if (met != places.end()) return met->second;
-        return byName.count(name) != 0 ? Place::LateHeader : Place::Header;
+        return byName.count(name) != 0 ? ExpectedPlace(name) : Place::Header;
+    }
+
+    // Where a Global that has not been met yet will be defined; LateHeader while that is being asked.
+    Place ExpectedPlace(const std::string& name) {
+        auto known = expected.emplace(name, Place::LateHeader);
+        if (!known.second) return known.first->second;
+        const Owned& used = byName.at(name);
+        const Place place = std::max(Place::LateHeader, WherePlaced(*used.global, *used.file));
+        expected[name] = place;
+        return place;
     }
 
     // What a moved definition uses must be defined before it.
@@ -89,7 +104,7 @@ private:
         if (!moved.insert(global.name).second) return;
         ForEachToken(global, [&](const std::string& token) {
             auto used = byName.find(token);
-            if (used != byName.end() && places.count(token) == 0) MoveLater(*used->second, place);
+            if (used != byName.end() && places.count(token) == 0) MoveLater(used->second, place);
         });
         global.plain = global.declaration;
         (place == Place::Cpp ? cppLines : lateLines).push_back(global.definition);
@@ -97,13 +112,11 @@ private:
 
     // A definition of a later header that an earlier one uses: the main header's own Globals stand
     // before the late lines anyway, others move with their user.
-    void MoveLater(GlobalDefinition& global, Place place) {
-        const auto& own = program.main->globals;
-        bool ofMain =
-            std::any_of(own.begin(), own.end(), [&](const GlobalDefinition& g) { return &g == &global; });
-        if (ofMain || global.declaration.empty()) return;
-        places[global.name] = place;
-        Move(global, place);
+    void MoveLater(const Owned& used, Place place) {
+        if (used.global->declaration.empty()) return;
+        if (used.file->isMain && WherePlaced(*used.global, *used.file) == Place::Header) return;
+        places[used.global->name] = place;
+        Move(*used.global, place);
     }
 };
 
