@@ -72,6 +72,12 @@ std::vector<Expr> ParseArguments(Walk& walk) {
     return arguments;
 }
 
+bool TakesBareArguments(const Walk& walk) {
+    const std::string& next = walk.Peek();
+    const bool member = next == "\\" || (next == "." && IsIdentifier(walk.Peek(1)));
+    return walk.callStatement && !member && next != "[";
+}
+
 std::vector<Expr> ParseBareArguments(Walk& walk) {
     walk.callStatement = false;
     std::vector<Expr> arguments;

@@ -32,7 +32,7 @@ Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
     if (walk.Match("(")) {
         ParseArguments(walk);
         expr.isCall = true;
-    } else if (walk.callStatement) {
+    } else if (TakesBareArguments(walk)) {
         ParseBareArguments(walk);
         expr.isCall = true;
     }

@@ -90,7 +90,7 @@ Expr LetThrough(Walk& walk, const std::string& name) {
             arguments += (arguments.empty() ? "" : " , ") + argument.text;
         expr.text += " ( " + arguments + (arguments.empty() ? ")" : " )");
         expr.isCall = true;
-    } else if (walk.callStatement && walk.at == 1) {
+    } else if (walk.at == 1 && TakesBareArguments(walk)) {
         ParseBareArguments(walk);
         expr.isCall = true;
     }

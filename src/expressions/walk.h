@@ -51,6 +51,8 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& name);  // "\" membe
 
 // The arguments behind "(", up to and with the ")".
 std::vector<Expr> ParseArguments(Walk& walk);
+// Whether what follows an unread name in a call statement can be its arguments: no member, no index.
+bool TakesBareArguments(const Walk& walk);
 // The arguments of a call statement without parentheses: all that is left.
 std::vector<Expr> ParseBareArguments(Walk& walk);
 
