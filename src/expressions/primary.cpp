@@ -55,7 +55,8 @@ bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
 Expr ParseDouble(Walk& walk, std::string text) {
-    if (IsExponent(text.back()) && (Is(walk.Peek(), "-") || Is(walk.Peek(), "+")) && AllDigits(walk.Peek(1), 0)) {
+    if (IsExponent(text.back()) && (Is(walk.Peek(), "-") || Is(walk.Peek(), "+")) &&
+        AllDigits(walk.Peek(1), 0)) {
         text += walk.Take();
         text += walk.Take();
     }
