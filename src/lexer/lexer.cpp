@@ -226,8 +226,9 @@ void CheckClosed(const Lexer& lexer, const ScanResult& found) {
 }
 
 std::size_t IndentOf(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(" \t");
-    return first == std::string_view::npos ? line.size() : first;
+    std::size_t indent = 0;
+    while (indent < line.size() && (line[indent] == ' ' || line[indent] == '\t')) ++indent;
+    return indent;
 }
 
 }  // namespace

@@ -104,7 +104,7 @@ bool AssignsOwnField(TokenSpan tokens) {
     return Is(tokens[1], "=") && currentClass != nullptr && FindField(*currentClass, tokens[0]) != nullptr;
 }
 
-bool IsAccessWord(const std::string& keyword) { return keyword == "public" || keyword == "private"; }
+bool IsAccessWord(const std::string& keyword) { return Is(keyword, "public") || Is(keyword, "private"); }
 
 // Code at the top level or in a class body outside its Methods would never run.
 void CheckPlace(const State& state, const DispatchRow* row, const std::string& word) {
@@ -127,7 +127,7 @@ const DispatchRow* FindDispatchRow(const std::string& keyword) {
 
 // The body of a Type that an earlier file has declared already.
 static void PassOverType(State& state, const std::string& keyword) {
-    if (keyword != "endtype" && keyword != "endelement") return;
+    if (!Is(keyword, "endtype") && !Is(keyword, "endelement")) return;
     state.passesOverType = false;
     state.inType = false;
     state.cls = nullptr;
@@ -142,7 +142,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
         PassOverType(state, keyword);
         return;
     }
-    if (state.inPreCalc || keyword == "precalc") {
+    if (state.inPreCalc || Is(keyword, "precalc")) {
         TranslatePreCalc(state, tokens);
         return;
     }
@@ -151,7 +151,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     if (row != nullptr && IsAccessWord(keyword) && first != keyword) row = nullptr;
     if (row != nullptr && AssignsOwnField(tokens)) row = nullptr;
     CheckPlace(state, row, first);
-    bool label = keyword == "case" || keyword == "default" || keyword == "endselect";
+    bool label = Is(keyword, "case") || Is(keyword, "default") || Is(keyword, "endselect");
     if (state.selectDepth > 0 && !label) PrepareInSelect(state, keyword);
     if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);

@@ -191,12 +191,12 @@ void TranslateEndSelect(State& state, TokenSpan tokens) {
 
 void PrepareInSelect(State& state, const std::string& keyword) {
     if (!InnermostBlockIs(state, BlockKind::Select)) return;
-    if (keyword == "case" || keyword == "default" || keyword == "endselect") return;
+    if (Is(keyword, "case") || Is(keyword, "default") || Is(keyword, "endselect")) return;
     OpenSelect& select = state.selects.back();
     if (!select.labelSeen)
         ReportFatal("Expected 'Case' or 'Default' after 'Select', before any other statement");
     // A Return of arrays works with names of its own.
-    const bool declares = keyword == "local" || (keyword == "return" && !state.localArrays.empty());
+    const bool declares = Is(keyword, "local") || (Is(keyword, "return") && !state.localArrays.empty());
     if (!declares || select.braces) return;
     select.braces = true;
     EmitLine(state, "{");

@@ -17,6 +17,8 @@ const std::unordered_set<std::string> neverPrefixed = {
     "const",  "static",  "extern",    "sizeof", "typedef", "enum",   "new",      "delete", "this",
 };
 
+constexpr std::size_t longestNeverPrefixed = 9;
+
 constexpr char typeNamingHint[] =
     "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, "
     "TMyType)";
@@ -24,8 +26,9 @@ constexpr char typeNamingHint[] =
 }  // namespace
 
 bool IsReservedCppName(const std::string& name) {
-    return name != "main" && symbols.externFunctions.count(name) == 0 &&
-           symbols.userlibFunctions.count(name) == 0 && neverPrefixed.count(name) == 0;
+    const bool maybeNever = name.size() <= longestNeverPrefixed && neverPrefixed.count(name) != 0;
+    return !maybeNever && name != "main" && symbols.externFunctions.count(name) == 0 &&
+           symbols.userlibFunctions.count(name) == 0;
 }
 
 std::string SafeName(const std::string& name) { return IsReservedCppName(name) ? "KVL_" + name : name; }

@@ -2,6 +2,7 @@
 // means "may run"; names are followed without regard to the object they are called on.
 #include "symbols/reach.h"
 
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -65,6 +66,21 @@ void AddNames() {
     for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
 }
 
+// What the first word of a statement means here.
+enum class Word : unsigned char { Function, Method, EndRoutine, Class, EndClass, Field, Loop, EndLoop, Other };
+
+Word WordOf(const std::string& token) {
+    static const std::unordered_map<std::string_view, Word> words = {
+        {"function", Word::Function},    {"method", Word::Method},        {"endfunction", Word::EndRoutine},
+        {"endmethod", Word::EndRoutine}, {"type", Word::Class},           {"element", Word::Class},
+        {"endtype", Word::EndClass},     {"endelement", Word::EndClass},  {"field", Word::Field},
+        {"for", Word::Loop},             {"while", Word::Loop},           {"eachseq", Word::Loop},
+        {"next", Word::EndLoop},         {"nextseq", Word::EndLoop},      {"wend", Word::EndLoop},
+    };
+    const auto found = words.find(Lower(token));
+    return found == words.end() ? Word::Other : found->second;
+}
+
 // Reads one file and adds what its routines and loops mention.
 class FileReach {
 public:
@@ -89,38 +105,45 @@ private:
     const ClassInfo* cls = nullptr;
 
     void ReadStatement(TokenSpan tokens, int line) {
-        const std::string keyword = Lower(tokens[0]);
-        if (keyword == "function" || keyword == "method") {
-            OpenRoutine(keyword, tokens[1]);
-        } else if (keyword == "endfunction" || keyword == "endmethod") {
-            node = outside;
-        } else if (keyword == "type" || keyword == "element") {
-            cls = FindClass(tokens[1]);
-        } else if (keyword == "endtype" || keyword == "endelement") {
-            cls = nullptr;
-        } else if (keyword == "field" && cls) {
-            Mention(graph.NodeOf(graph.construction, cls), tokens);
-        } else if (node != outside) {
-            ReadCode(keyword, tokens, line);
+        const Word word = WordOf(tokens[0]);
+        switch (word) {
+            case Word::Function:
+            case Word::Method:
+                return OpenRoutine(word, tokens[1]);
+            case Word::EndRoutine:
+                node = outside;
+                return;
+            case Word::Class:
+                cls = FindClass(tokens[1]);
+                return;
+            case Word::EndClass:
+                cls = nullptr;
+                return;
+            case Word::Field:
+                if (cls) return Mention(graph.NodeOf(graph.construction, cls), tokens);
+                break;
+            default:
+                break;
         }
+        if (node != outside) ReadCode(word, tokens, line);
     }
 
-    void OpenRoutine(const std::string& keyword, const std::string& name) {
+    void OpenRoutine(Word word, const std::string& name) {
         node = graph.NodeOf(graph.routines, name);
         enclosing.clear();
-        if (keyword != "method" || !cls) return;
+        if (word != Word::Method || !cls) return;
         if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
         if (name == "destructor") graph.Call(graph.destructors, node);
     }
 
-    void ReadCode(const std::string& keyword, TokenSpan tokens, int line) {
-        if (keyword == "next" || keyword == "nextseq" || keyword == "wend") {
+    void ReadCode(Word word, TokenSpan tokens, int line) {
+        if (word == Word::EndLoop) {
             if (enclosing.empty()) return;
             node = enclosing.back();
             enclosing.pop_back();
             return;
         }
-        const bool opens = keyword == "for" || keyword == "while" || keyword == "eachseq";
+        const bool opens = word == Word::Loop;
         const bool overInstances = WalksInstances(tokens);
         if (opens) enclosing.push_back(node);
         if (overInstances) {

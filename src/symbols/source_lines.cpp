@@ -83,17 +83,19 @@ bool BeginsLikeDeclaration(std::string_view text) {
     }
 }
 
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
 bool IsJoinMark(std::string_view text) {
-    const std::size_t last = text.find_last_not_of(" \t");
-    return last != std::string_view::npos && (text[last] == '_' || text[last] == '~');
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return !text.empty() && (text.back() == '_' || text.back() == '~');
 }
 
 // A quick look that spares most lines the lexer: right about every line that may begin with the word or is
 // more than one statement, wrong about some others.
 bool MayBegin(std::string_view text, bool (*beginsLikeWord)(std::string_view)) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) return false;
-    if (beginsLikeWord(text.substr(first))) return true;
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    if (text.empty()) return false;
+    if (beginsLikeWord(text)) return true;
     if (text.find('|') != std::string_view::npos || IsJoinMark(text)) return true;
     if (text.find(';') == std::string_view::npos) return false;
     const std::size_t comment = CommentStart(text);
