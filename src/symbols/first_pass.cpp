@@ -60,6 +60,37 @@ void ReadLines(FirstPass& pass, Lexer& lexer) {
     settings.currentLine = lines.LastCount();
 }
 
+// What the first run over an included file found, kept for its second run.
+struct Collected {
+    Declarations declarations;
+    std::string mainName;
+    int lastLine = 0;
+};
+std::unordered_map<std::string, Collected> collected;  // by path as opened
+
+void Remember(const FirstPass& pass) {
+    collected[pass.source] = {pass.out, pass.mainName, settings.currentLine};
+}
+
+// Types that were taken from initialisers may come out differently now that everything has been read.
+void ForgetInferredType(std::unordered_map<std::string, Variable>& variables, const std::string& name) {
+    const auto found = variables.find(name);
+    if (found == variables.end() || found->second.typed || found->second.form != ArrayForm::None) return;
+    found->second.type = ValueType();
+}
+
+bool Recall(FirstPass& pass) {
+    const auto found = collected.find(pass.source);
+    if (found == collected.end()) return false;
+    pass.out = std::move(found->second.declarations);
+    pass.mainName = found->second.mainName;
+    settings.currentLine = found->second.lastLine;
+    collected.erase(found);
+    for (const std::string& name : pass.out.globalNames) ForgetInferredType(symbols.globals, name);
+    for (const std::string& name : pass.out.constNames) ForgetInferredType(symbols.constants, name);
+    return true;
+}
+
 void SaySummary(const Declarations& found) {
     VerboseNote("Found " + std::to_string(found.classes.size()) + " classes, " +
                 std::to_string(found.functionCount) + " functions, " +
@@ -76,7 +107,9 @@ void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& 
     settings.currentLine = lexer.lineNumber;
     FirstPass pass(out, source);
     pass.again = !symbols.collectedFiles.insert(FileId(source)).second;
-    ReadLines(pass, lexer);
+    if (!pass.again || !Recall(pass)) ReadLines(pass, lexer);
+    const bool comesAgain = !pass.again && source != settings.mainSource && !settings.verbose;
+    if (comesAgain) Remember(pass);
     FinishRoutines(pass);
     if (source == settings.mainSource) CheckElementCycles();
     SaySummary(out);
