@@ -1,11 +1,10 @@
 #include "kv/build_folder.h"
 
-#include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "kv/hash.h"
 #include "kv/platform.h"
 
 namespace fs = std::filesystem;
@@ -18,15 +17,6 @@ bool CanWriteIn(const fs::path& folder) {
     std::error_code failed;
     fs::create_directories(folder, failed);
     return !failed && std::ofstream(folder / "lock", std::ios::app).good();
-}
-
-// A short name that differs for different paths.
-std::string HashOf(const std::string& text) {
-    std::uint64_t hash = 14695981039346656037ull;
-    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-    char name[17];
-    std::snprintf(name, sizeof name, "%016llx", static_cast<unsigned long long>(hash));
-    return name;
 }
 
 // The folder of one program, in the first place that can be written to; empty if there is none.

@@ -8,6 +8,7 @@
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
+#include "kv/precompiled.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
 #include "kv/translate.h"
@@ -76,10 +77,24 @@ std::vector<std::string> JobCompileCommand(const Job& job, const std::string& pr
     compile.dependencies = job.build.dependencies;
     compile.includeFolder = (fs::path(job.installation) / "include").string();
     compile.sourceFolder = job.sourceFolder;
+    compile.prelude = job.prelude;
     compile.optimisation = job.options.optimisation;
     compile.debug = job.options.debug;
     compile.linkerFlags = job.linkerFlags;
     return CompileCommand(job.compiler, compile);
+}
+
+void ChoosePrelude(Job& job) {
+    // A compilation for speed spends its time elsewhere.
+    if (job.options.optimisation != "-O0") return;
+    PreludeJob prelude;
+    prelude.compiler = job.compiler;
+    prelude.includeFolder = (fs::path(job.installation) / "include").string();
+    prelude.optimisation = job.options.optimisation;
+    prelude.debug = job.options.debug;
+    prelude.verbose = job.options.verbose;
+    job.prelude = PreludePath(prelude);
+    if (!job.prelude.empty() && !PreparePrelude(prelude, job.prelude)) job.prelude.clear();
 }
 
 bool Compile(const Job& job) {

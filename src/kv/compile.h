@@ -9,6 +9,9 @@
 // The command that compiles the job's generated files into the program at `program`.
 std::vector<std::string> JobCompileCommand(const Job& job, const std::string& program);
 
+// Finds or makes the precompiled header that serves the job's compilation, if any.
+void ChoosePrelude(Job& job);
+
 // Compiles into the build folder, with the shared libraries beside the program. The program of an earlier build
 // stays until the new one is complete. Returns false after telling the user what went wrong.
 bool Compile(const Job& job);

@@ -18,6 +18,7 @@ struct Job {
     std::vector<std::string> compiler;  // first words of its command; empty for kv check
     BuildFolder build;
     std::string mainCpp;  // the generated main file
+    std::string prelude;  // the precompiled header of quick compilations; empty: none
 
     // Set by the translation:
     std::vector<std::string> linkerFlags;

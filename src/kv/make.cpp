@@ -65,6 +65,7 @@ bool CopyTo(const fs::path& from, const fs::path& to) {
 
 bool Make(Job& job) {
     const FileLock lock(job.build.lock);
+    ChoosePrelude(job);
     const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " +
                                  ReadableCommandLine(JobCompileCommand(job, "."));
     if (StampHolds(job.build.stamp, commands)) {

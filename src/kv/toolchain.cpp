@@ -65,6 +65,7 @@ std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler
     std::vector<std::string> command = compiler;
     command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
     if (job.debug) command.push_back("-g");
+    if (!job.prelude.empty()) command.insert(command.end(), {"-include", job.prelude});
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
     command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
     command.insert(command.end(), {"-MMD", "-MF", job.dependencies, "-o", job.program, job.mainCpp});

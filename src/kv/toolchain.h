@@ -10,6 +10,7 @@ struct CompileJob {
     std::string dependencies;   // receives the files that were read, as a rule for make
     std::string includeFolder;  // conio.h and kvdebug.h
     std::string sourceFolder;   // where C++ written by the user finds its headers
+    std::string prelude;        // header to read first, compiled ahead; empty: none
     std::string optimisation;   // "-O0"
     bool debug = false;
     std::vector<std::string> linkerFlags;

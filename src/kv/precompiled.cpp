@@ -1,0 +1,81 @@
+#include "kv/precompiled.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "kv/command_quoting.h"
+#include "kv/hash.h"
+#include "kv/platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What the header of every generated program includes.
+const char preludeText[] =
+    "#include <iostream>\n#include <iomanip>\n#include <string>\n#include <vector>\n#include <algorithm>\n"
+    "#include <type_traits>\n#include <cstdlib>\n#include <limits>\n#include <conio.h>\n#include "
+    "<functional>\n"
+    "#include <chrono>\n#include <cmath>\n";
+
+const char compiledSuffix[] = ".gch";  // g++ and clang++ both look for it
+
+// Changes when the file does.
+std::string MarkOf(const std::string& path) {
+    std::error_code failed;
+    const auto size = fs::file_size(path, failed);
+    const auto time = fs::last_write_time(path, failed).time_since_epoch().count();
+    return path + "|" + std::to_string(failed ? 0 : size) + "|" + std::to_string(failed ? 0 : time) + "\n";
+}
+
+std::vector<std::string> PreludeCommand(const PreludeJob& job, const std::string& header,
+                                        const std::string& compiled) {
+    std::vector<std::string> command = job.compiler;
+    command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
+    if (job.debug) command.push_back("-g");
+    command.insert(command.end(), {"-I" + job.includeFolder, "-x", "c++-header", header, "-o", compiled});
+    return command;
+}
+
+bool CompilePrelude(const PreludeJob& job, const std::string& header, const std::string& compiled) {
+    const std::string unfinished = compiled + ".new";
+    ProcessRequest request;
+    request.arguments = PreludeCommand(job, header, unfinished);
+    request.outputFile = header + ".output";
+    request.errorFile = header + ".errors";
+    if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
+    std::string problem;
+    std::error_code failed;
+    const bool done = RunProcess(request, problem) == 0;
+    if (done) fs::rename(unfinished, compiled, failed);
+    std::error_code ignored;
+    fs::remove(unfinished, ignored);
+    fs::remove(request.outputFile, ignored);
+    fs::remove(request.errorFile, ignored);
+    return done && !failed;
+}
+
+}  // namespace
+
+std::string PreludePath(const PreludeJob& job) {
+    const std::string cache = UserCacheFolder();
+    if (cache.empty() || job.compiler.empty()) return "";
+    std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
+    key += MarkOf(job.compiler[0]) + MarkOf((fs::path(job.includeFolder) / "conio.h").string());
+    return (fs::path(cache) / "korvel" / "prelude" / HashOf(key) / "prelude.h").string();
+}
+
+bool PreparePrelude(const PreludeJob& job, const std::string& path) {
+    const std::string compiled = path + compiledSuffix;
+    std::error_code failed;
+    if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
+    fs::create_directories(fs::path(path).parent_path(), failed);
+    if (failed) return false;
+    const FileLock lock(path + ".lock");
+    if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
+    std::ofstream header(path, std::ios::binary);
+    header << preludeText;
+    header.close();
+    return header.good() && CompilePrelude(job, path, compiled);
+}

@@ -1,0 +1,22 @@
+// The standard headers that every generated program begins with, compiled once per compiler and flags and kept in
+// the user's cache folder. It saves most of the time of a quick compilation. The folder can be removed at any time.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct PreludeJob {
+    std::vector<std::string> compiler;  // first words of its command
+    std::string includeFolder;          // conio.h
+    std::string optimisation;
+    bool debug = false;
+    bool verbose = false;
+};
+
+// The header to hand to the compiler with -include. Another compiler, other flags or another conio.h give another
+// path. Empty when there is no cache folder.
+std::string PreludePath(const PreludeJob& job);
+
+// Makes the header and its compiled form at `path` unless they are there; two builds at once do it once. Returns
+// false when that is not possible: then the compiler has to do without.
+bool PreparePrelude(const PreludeJob& job, const std::string& path);
