@@ -22,3 +22,9 @@ bool FileExists(const std::string& path) {
     std::error_code failed;
     return fs::exists(path, failed);
 }
+
+std::uintmax_t FileSize(const std::string& path) {
+    std::error_code failed;
+    const std::uintmax_t size = fs::file_size(path, failed);
+    return failed ? 0 : size;
+}

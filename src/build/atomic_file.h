@@ -1,6 +1,7 @@
 // Writing small files that must never be found half-written.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 // Writes a file under a passing name beside it and moves it into place. False when that fails; the file
@@ -8,3 +9,6 @@
 bool ReplaceFile(const std::string& path, const std::string& text);
 
 bool FileExists(const std::string& path);
+
+// 0 for a file that cannot be examined.
+std::uintmax_t FileSize(const std::string& path);

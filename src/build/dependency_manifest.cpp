@@ -204,6 +204,8 @@ bool CanSkipTranslation() {
     if (Forces(HeaderBuiltForOtherTarget(cpp), "C++ file was built for another target, transpiling...")) {
         return false;
     }
+    // A build that did not come to its end leaves the file empty.
+    if (Forces(FileSize(cpp) == 0, "C++ file not found, forcing transpilation")) return false;
     Say("[QUICK BUILD] No source files changed - skipping transpilation");
     Say("[QUICK BUILD] Using existing: " + cpp);
     return true;

@@ -1,8 +1,5 @@
 #include "kv/kvt_report.h"
 
-#include <algorithm>
-#include <cstdlib>
-
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -111,10 +108,7 @@ void ParseNotes(const Lines& lines, KvtReport& report) {
     for (std::string line : lines) {
         line.erase(0, line.find_first_not_of(' '));
         if (TakeStart(line, "- Adding linker flag: ")) {
-            if (std::find(report.linkerFlags.begin(), report.linkerFlags.end(), line) ==
-                report.linkerFlags.end()) {
-                report.linkerFlags.push_back(line);
-            }
+            report.linkerFlags.push_back(line);
         } else if (TakeStart(line, "Linker flags written to ")) {
             report.linkerFile = line;
         } else if (TakeStart(line, "Warning: ") || TakeStart(line, "WARNING: ")) {

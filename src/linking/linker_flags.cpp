@@ -21,7 +21,9 @@ void AddLinkerFlag(const std::string& token) {
     const bool quoted = token.size() >= 2 && token[0] == '"';
     std::string flag = quoted ? token.substr(1, token.size() - 2) : token;
     if (flag == "-L.") flag = "-L\"" + CurrentFolder() + "\"";
-    const std::size_t before = symbols.linkerFlags.size();
-    AddOnce(symbols.linkerFlags, flag);
-    if (symbols.linkerFlags.size() > before) Say("  - Adding linker flag: " + flag);
+    // Lines that say the same all count (linkers take some flags in pairs); a line that is read again does not.
+    const std::string line = settings.currentFile + ":" + std::to_string(settings.currentLine) + ":" + flag;
+    if (!symbols.linkerLines.insert(line).second) return;
+    symbols.linkerFlags.push_back(flag);
+    Say("  - Adding linker flag: " + flag);
 }

@@ -3,6 +3,6 @@
 
 #include <string>
 
-// Takes the statement's second token and adds the flag, once, to symbols.linkerFlags; "-L." becomes the
+// Takes the statement's second token and adds the flag, once per line, to symbols.linkerFlags; "-L." becomes the
 // folder of the current source file.
 void AddLinkerFlag(const std::string& token);

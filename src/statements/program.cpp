@@ -100,6 +100,11 @@ void WriteAtExit(const FileOutput& out) {
     if (registered) finished.push_back(&out);
 }
 
+static void WriteOrFail(const FileOutput& out) {
+    const std::string failure = WriteOutputs(out);
+    if (!failure.empty()) ReportFatal(failure);
+}
+
 void FinishProgram() {
     ListHeaders();
     OrderClasses(program);
@@ -107,8 +112,7 @@ void FinishProgram() {
     OrderRoutines(program);
     CompleteHeaders(program);
     finished.clear();
-    for (const FileOutput& file : program.files) {
-        const std::string failure = WriteOutputs(file);
-        if (!failure.empty()) ReportFatal(failure);
-    }
+    for (const FileOutput& file : program.files)
+        if (!file.isMain) WriteOrFail(file);
+    WriteOrFail(*program.main);  // last: where it is whole, all is
 }

@@ -129,6 +129,7 @@ struct Symbols {
     std::vector<std::string> includeHeaders;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;
+    std::unordered_set<std::string> linkerLines;  // Linker lines read so far, with their files
     // What AddOnce put on which of these lists.
     std::unordered_map<const void*, std::unordered_set<std::string>> listed;
 };

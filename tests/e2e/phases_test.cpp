@@ -123,7 +123,7 @@ TEST_F(Phases, WritesLinkerFlags) {
     Write("lib/util.kvl", "Linker \"-lm\"\nLinker \"-L.\"\nLinker\n" + Read("lib/util.kvl"));
     Write("main.kvl", "Linker \"-pthread\"\nLinker \"-lm\"\n" + Read("main.kvl"));
     const std::string said = Translate();
-    const std::string flags = "-pthread -lm -L\"" + folder + "/lib\"";
+    const std::string flags = "-pthread -lm -lm -L\"" + folder + "/lib\"";
     EXPECT_EQ(Read("main.linkflags"), flags + "\n");
     ExpectIn(said, "  - Adding linker flag: -L\"" + folder + "/lib\"\n");
     const std::string stem = folder + "/main";

@@ -140,7 +140,7 @@ TEST(KvtReports, Notes) {
         "Warning: Could not create /x/game.linkflags\nDone! "
         "\\o/\n",
         "");
-    EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\""}));
+    EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\"", "-lm"}));
     EXPECT_EQ(report.linkerFile, "/x/game.linkflags");
     EXPECT_EQ(report.warnings, (Words{"DLL not found in userlibs/: a.so"}));
     EXPECT_TRUE(report.errors.empty());

@@ -246,6 +246,8 @@ TEST_F(QuickBuild, TranslatesForAnotherKindOfBuild) {
     ExpectTranslation("C++ file was built for another target, transpiling...");
     ScratchFolder::Write("out/main.h", std::string(20, '\n') + "#include \"KVR_PSXStd.h\"\n");
     ExpectSkip();
+    std::ofstream("out/main.cpp", std::ios::trunc).close();  // left by a build that was interrupted
+    ExpectTranslation("C++ file not found, forcing transpilation");
     settings.debugMode = true;
     ExpectTranslation("C++ file not found, forcing transpilation");
 }

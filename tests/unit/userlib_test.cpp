@@ -301,12 +301,14 @@ TEST_F(Userlib, CollectsLinkerFlags) {
     for (const char* token : {"\"-lm\"", "\"-L.\"", "\"-lm\"", "\"", "-lz"}) AddLinkerFlag(token);
     settings.currentFile = "util.kvl";
     AddLinkerFlag("\"-L.\"");
+    settings.currentLine = 7;
+    AddLinkerFlag("-lz");
     EXPECT_EQ(symbols.linkerFlags,
-              (std::vector<std::string>{"-lm", "-L\"game/lib\"", "\"", "-lz", "-L\".\""}));
+              (std::vector<std::string>{"-lm", "-L\"game/lib\"", "\"", "-lz", "-L\".\"", "-lz"}));
     EXPECT_EQ(
         testing::internal::GetCapturedStdout(),
         "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\"\n  - Adding linker flag: \"\n"
-        "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n");
+        "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n  - Adding linker flag: -lz\n");
 }
 
 }  // namespace
