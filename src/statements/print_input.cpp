@@ -1,6 +1,7 @@
 #include "statements/print_input.h"
 
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -21,8 +22,21 @@ std::string ItemText(TokenSpan tokens, const std::string& keyword) {
     return GuardedText(item, shiftsRight ? Level::Sum : Level::Shift);
 }
 
+// The trace of look-ups follows one name, here as in IsVariableInScope.
+void TraceTokens(TokenSpan tokens) {
+    if (!settings.verbose) return;
+    for (const std::string& token : tokens) {
+        if (token != "scopedVar") continue;
+        Say("DEBUG Print: checking token '" + token + "'");
+        Say(std::string("  IsDefined=") + (FindVariable(token) != nullptr ? "1" : "0"));
+        const bool inScope = IsVariableInScope(token);
+        Say(std::string("  IsVariableInScope=") + (inScope ? "1" : "0"));
+    }
+}
+
 // Items are separated by "&" outside parentheses; "&&" separates nothing.
 std::string ItemTexts(TokenSpan tokens, const std::string& keyword) {
+    TraceTokens(tokens);
     std::string texts;
     std::size_t start = 0;
     int depth = 0;
