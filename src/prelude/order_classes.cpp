@@ -3,6 +3,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "driver/report.h"
+#include "driver/settings.h"
 #include "prelude/order.h"
 
 namespace {
@@ -14,7 +16,7 @@ using FilesBySource = std::unordered_map<std::string, FileOutput*>;
 // `unseen` holds the files that have not been visited yet.
 template <typename Visit>
 void ForEachPiece(FileOutput& file, FilesBySource& unseen, Visit& visit) {
-    if (unseen.erase(file.source) == 0) return;
+    if (unseen.erase(file.source) == 0 || file.headerOnly) return;
     for (Piece& piece : file.pieces) {
         const auto included = piece.kind == Kind::Include ? unseen.find(piece.file) : unseen.end();
         if (included != unseen.end()) ForEachPiece(*included->second, unseen, visit);
@@ -82,8 +84,9 @@ private:
         std::deque<Piece> body;
         std::copy_if(from.pieces.begin(), from.pieces.end(), std::back_inserter(body), ofClass);
         from.pieces.erase(std::remove_if(from.pieces.begin(), from.pieces.end(), ofClass), from.pieces.end());
-        auto before = std::find_if(to.pieces.begin(), to.pieces.end(),
-                                   [user](const Piece& p) { return p.kind == Kind::ClassOpen && p.cls == user; });
+        auto before = std::find_if(to.pieces.begin(), to.pieces.end(), [user](const Piece& p) {
+            return p.kind == Kind::ClassOpen && p.cls == user;
+        });
         to.pieces.insert(before, body.begin(), body.end());
         layouts[cls].file = &to;
     }
@@ -105,9 +108,31 @@ Piece TakeMethodBody(Piece& piece) {
     return body;
 }
 
+// A file that gives its header only leaves its class bodies out.
+void RefuseDroppedClasses(Program& program) {
+    ClassSet dropped;
+    for (const FileOutput& file : program.files)
+        for (const Piece& piece : file.pieces)
+            if (file.headerOnly && piece.kind == Kind::ClassOpen) dropped.insert(piece.cls);
+    if (dropped.empty()) return;
+    ForEachPiece(program, [&dropped](FileOutput&, Piece& piece) {
+        for (const ClassInfo* cls : piece.needs) {
+            if (dropped.count(cls) == 0) continue;
+            settings.currentFile = cls->sourceFile;
+            settings.currentLine = cls->line;
+            ReportFatal("'" + cls->name +
+                        "' is used, but a file in a folder ending in .kvh gives its declarations " +
+                        "only. Move the " + (cls->isElement ? "Element" : "Type") + " to another folder");
+        }
+    });
+}
+
 }  // namespace
 
-void OrderClasses(Program& program) { ClassPlacer(program).Run(); }
+void OrderClasses(Program& program) {
+    RefuseDroppedClasses(program);
+    ClassPlacer(program).Run();
+}
 
 void OrderRoutines(Program& program) {
     ClassSet defined;
@@ -115,7 +140,8 @@ void OrderRoutines(Program& program) {
     ForEachPiece(program, [&](FileOutput& file, Piece& piece) {
         if (piece.kind == Kind::ClassClose) defined.insert(piece.cls);
         if (AllDefined(piece, defined)) return;
-        if (piece.kind == Kind::Method && !piece.definitionHead.empty()) late.push_back(TakeMethodBody(piece));
+        if (piece.kind == Kind::Method && !piece.definitionHead.empty())
+            late.push_back(TakeMethodBody(piece));
         bool routine = piece.kind == Kind::Function || piece.kind == Kind::Main;
         if (!routine || (&file == program.main && piece.kind == Kind::Main)) return;
         late.push_back(piece);
