@@ -65,7 +65,8 @@ TEST_F(FirstPassTest, WritesPrototypesAsDefinitionsWillRead) {
         {"Function F:TFoo(e:TPoint, f:TFoo[], p:TFoo = Null)",
          "KVL_TFoo* KVL_F(KVL_TPoint KVL_e, KVL_TFoo** KVL_f, KVL_TFoo* KVL_p);"},
         {"Function F:Sequence Of TPoint(s:Sequence Of Int)", "KVSeq<KVL_TPoint> KVL_F(KVSeq<int>& KVL_s);"},
-        {"Extern | Function puts:Int(s:void*) | EndExtern", "int puts(void* KVL_s);"},
+        {"Extern | Function puts:Int(s:void*) | EndExtern",
+         "int __kvExtern_puts(void* KVL_s) __asm__(KV_C_NAME(\"puts\"));"},
     };
     for (const auto& c : cases) {
         SymbolsTest::SetUp();
