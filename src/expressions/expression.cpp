@@ -49,7 +49,7 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
     return left;
 }
 
-Expr Assign(Expr target, const Expr& value) {
+Expr Assign(const Expr& target, const Expr& value) {
     CheckAssignable(target, value);
     Expr result;
     result.type = target.type;

@@ -70,8 +70,8 @@ void CheckAssignable(const Expr& target, const Expr& value);
 // A fresh array as a vector that frees itself; `slots` when it owns the Elements in it.
 std::string TakeOver(const Expr& expr, bool slots);
 
-// The indices behind an array; `array` is the variable or Field that it is, null for other expressions.
-Expr ParseIndices(Walk& walk, const Expr& expr, const std::string& name, const Variable* array);
+// The indices behind an array; `variable` is the variable or Field that it is, null for other expressions.
+Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable);
 
 bool IsBuiltin(const std::string& lowerName);  // a name that means a built-in when "(" follows
 Expr ParseBuiltin(Walk& walk, const std::string& lowerName);

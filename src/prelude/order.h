@@ -8,9 +8,9 @@
 
 // All outputs of the run, the main file's last in the list of headers.
 struct Program {
-    std::deque<FileOutput> files;        // every file translated, stable addresses
+    std::deque<FileOutput> files;  // every file translated, stable addresses
     FileOutput* main = nullptr;
-    std::vector<FileOutput*> headers;    // in the order in which the main header includes them, main last
+    std::vector<FileOutput*> headers;  // in the order in which the main header includes them, main last
 };
 
 // Moves class bodies before those that hold them by value; Method bodies, Functions and definitions of

@@ -12,16 +12,16 @@
 
 struct Piece {
     enum class Kind : unsigned char {
-        Opening,      // the opening lines of the .cpp
-        Lines,        // whatever stands between the others
-        ClassOpen,    // the opening lines of a class body
-        ClassLines,   // Fields and other lines inside a class body
-        Method,       // one Method inside a class body
-        ClassClose,   // the closing lines
+        Opening,     // the opening lines of the .cpp
+        Lines,       // whatever stands between the others
+        ClassOpen,   // the opening lines of a class body
+        ClassLines,  // Fields and other lines inside a class body
+        Method,      // one Method inside a class body
+        ClassClose,  // the closing lines
         Function,
         Main,
-        Include,      // the #include line of an included .cpp
-        Definition,   // of a Global that the header declares extern
+        Include,     // the #include line of an included .cpp
+        Definition,  // of a Global that the header declares extern
     };
     Kind kind = Kind::Lines;
     std::string text;
@@ -59,9 +59,9 @@ struct FileOutput {
     std::string headerFunctions;
     std::vector<GlobalDefinition> globals;
     std::string headerLate;  // main file only: definitions that had to leave other headers
-    std::vector<const ClassInfo*> forwardDeclared;    // by headerClasses
-    std::vector<const ClassInfo*> classesInHeader;    // that prototypes and globals mention
-    std::vector<std::string> functionNames;           // with prototypes in headerFunctions, as written
+    std::vector<const ClassInfo*> forwardDeclared;  // by headerClasses
+    std::vector<const ClassInfo*> classesInHeader;  // that prototypes and globals mention
+    std::vector<std::string> functionNames;         // with prototypes in headerFunctions, as written
     std::deque<Piece> pieces;
 };
 

@@ -94,8 +94,9 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     }
     const bool chained = right.level == Level::Assignment;
     if (chained && !Assignable(left.type, right.type)) {
-        ReportFatal("Type mismatch: Cannot assign " + CppName(right.type) + " to " + CppName(left.type) + " variable '" +
-                    WrittenText(target) + "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
+        ReportFatal("Type mismatch: Cannot assign " + CppName(right.type) + " to " + CppName(left.type) +
+                    " variable '" + WrittenText(target) +
+                    "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }
     if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
     EmitLine(state, ValueText(left) + " = " + TextAs(right, left.type) + ";");
@@ -131,7 +132,8 @@ bool IsBareCall(TokenSpan tokens) {
     static const std::unordered_set<std::string> continuing = {"=", "\\", ".", "[", "(", ":"};
     if (tokens.size() < 2 || continuing.count(tokens[1]) != 0) return false;
     const bool method = currentClass != nullptr && FindMethod(*currentClass, tokens[0]) != nullptr;
-    const bool callable = method || FindFunction(tokens[0]) != nullptr || FindUserlibFunction(tokens[0]) != nullptr;
+    const bool callable =
+        method || FindFunction(tokens[0]) != nullptr || FindUserlibFunction(tokens[0]) != nullptr;
     return callable && FindVariable(tokens[0]) == nullptr;
 }
 

@@ -22,7 +22,8 @@ std::string CloserOf(const std::string& kind) {
 
 void CheckLoops(const State& state) {
     std::vector<std::string> findings;
-    for (int line : state.repeatStack) findings.push_back(Starting("Repeat loop", line, "'Until' or 'Forever'"));
+    for (int line : state.repeatStack)
+        findings.push_back(Starting("Repeat loop", line, "'Until' or 'Forever'"));
     if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
     for (int line : state.ifStack) findings.push_back(Starting("If block", line, "'EndIf'"));
     if (!findings.empty()) FailUnclosed("If block(s)", findings);
@@ -45,8 +46,8 @@ void FailUnclosedMethod(const std::string& name, int line) {
 
 void CheckBlocksClosed(const State& state) {
     if (state.inFunction)
-        FailUnclosed("Function block",
-                     {Starting("Function '" + state.functionName + "'", state.functionLine, "'EndFunction'")});
+        FailUnclosed("Function block", {Starting("Function '" + state.functionName + "'", state.functionLine,
+                                                 "'EndFunction'")});
     if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
     if (!state.inType && state.selectDepth >= 1)
         FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
@@ -54,7 +55,8 @@ void CheckBlocksClosed(const State& state) {
     CheckLoops(state);
     if (state.inPreCalc)
         FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});
-    if (state.inExtern) FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
+    if (state.inExtern)
+        FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
     if (!state.withLines.empty())
         FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
     CheckCrossedBlocks(state);

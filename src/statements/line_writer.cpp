@@ -26,7 +26,8 @@ void AddComment(State& state, const std::string& comment) {
 
 void FlushComment(State& state) {
     if (!state.commentText.empty()) {
-        PutLine(*state.out, std::string(static_cast<std::size_t>(state.lineIndent), '\t') + state.commentText);
+        PutLine(*state.out,
+                std::string(static_cast<std::size_t>(state.lineIndent), '\t') + state.commentText);
         state.commentText.clear();
     }
     state.traceText.clear();

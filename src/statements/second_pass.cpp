@@ -17,7 +17,8 @@ void TranslateStatement(State& state, TokenSpan tokens) {
     }
     const std::string keyword = Lower(tokens[0]);
     const bool asWritten = keyword == "with" || keyword == "precalc";
-    const Tokens substituted = asWritten ? Tokens(tokens.begin(), tokens.end()) : SubstituteIts(state, tokens);
+    const Tokens substituted =
+        asWritten ? Tokens(tokens.begin(), tokens.end()) : SubstituteIts(state, tokens);
     DispatchStatement(state, substituted);
 }
 

@@ -33,8 +33,8 @@ struct State {
     std::string typeName;
     int typeLine = 0;
     bool isElement = false;
-    ClassInfo* cls = nullptr;       // the class being emitted
-    bool passesOverType = false;    // the open Type was declared before, elsewhere; that one counts
+    ClassInfo* cls = nullptr;              // the class being emitted
+    bool passesOverType = false;           // the open Type was declared before, elsewhere; that one counts
     std::string access = "public";         // of the members that follow
     std::string emittedAccess = "public";  // of the last label in the class body
     bool inExtern = false;

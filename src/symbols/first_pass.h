@@ -10,8 +10,8 @@
 #include "symbols/symbols.h"
 
 struct Prototype {
-    std::string text;  // "int KVL_Twice(int KVL_n);"
-    std::string name;  // as written
+    std::string text;     // "int KVL_Twice(int KVL_n);"
+    std::string name;     // as written
     std::string wrapper;  // Extern functions: what follows the extern "C" section, or empty
     bool isExtern = false;
     bool renamed = false;  // an Extern function that C++ calls by a name of ours
@@ -29,8 +29,8 @@ struct Declarations {
     std::vector<std::string> preCalcNames;
     std::vector<std::pair<std::string, std::string>> typedGlobals;  // name, C++ type
     std::vector<std::pair<std::string, std::string>> typedConsts;
-    std::size_t functionCount = 0;       // Main included
-    std::vector<std::string> includes;   // as written
+    std::size_t functionCount = 0;      // Main included
+    std::vector<std::string> includes;  // as written
 };
 
 // Collects the declarations of a source; included files are translated where they are met. A file that is

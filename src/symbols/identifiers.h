@@ -19,7 +19,7 @@ std::string SafeName(const std::string& name);
 // True when SafeName must prefix the name.
 bool IsReservedCppName(const std::string& name);
 
-bool IsCppWord(const std::string& name);        // exact
+bool IsCppWord(const std::string& name);          // exact
 bool IsReservedKeyword(const std::string& name);  // any letter case, the first 191 slots
 
 // Each ends the run with the message of the rule when the name is reserved.

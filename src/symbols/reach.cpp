@@ -30,9 +30,11 @@ struct Graph {
     std::unordered_map<std::string, int> loops;  // by place
     int timers = 0;
     int destructors = 0;
-    std::unordered_map<const ClassInfo*, std::vector<int>> creators;  // nodes that create the class themselves
-    std::unordered_set<int> anything;                                 // nodes that may create any class
-    std::unordered_map<const ClassInfo*, std::unordered_set<int>> answers;  // the other nodes that may create it
+    std::unordered_map<const ClassInfo*, std::vector<int>>
+        creators;                      // nodes that create the class themselves
+    std::unordered_set<int> anything;  // nodes that may create any class
+    std::unordered_map<const ClassInfo*, std::unordered_set<int>>
+        answers;  // the other nodes that may create it
 
     Graph() : timers(Add()), destructors(Add()) {}
 
@@ -67,15 +69,35 @@ void AddNames() {
 }
 
 // What the first word of a statement means here.
-enum class Word : unsigned char { Function, Method, EndRoutine, Class, EndClass, Field, Loop, EndLoop, Other };
+enum class Word : unsigned char {
+    Function,
+    Method,
+    EndRoutine,
+    Class,
+    EndClass,
+    Field,
+    Loop,
+    EndLoop,
+    Other
+};
 
 Word WordOf(const std::string& token) {
     static const std::unordered_map<std::string_view, Word> words = {
-        {"function", Word::Function},    {"method", Word::Method},        {"endfunction", Word::EndRoutine},
-        {"endmethod", Word::EndRoutine}, {"type", Word::Class},           {"element", Word::Class},
-        {"endtype", Word::EndClass},     {"endelement", Word::EndClass},  {"field", Word::Field},
-        {"for", Word::Loop},             {"while", Word::Loop},           {"eachseq", Word::Loop},
-        {"next", Word::EndLoop},         {"nextseq", Word::EndLoop},      {"wend", Word::EndLoop},
+        {"function", Word::Function},
+        {"method", Word::Method},
+        {"endfunction", Word::EndRoutine},
+        {"endmethod", Word::EndRoutine},
+        {"type", Word::Class},
+        {"element", Word::Class},
+        {"endtype", Word::EndClass},
+        {"endelement", Word::EndClass},
+        {"field", Word::Field},
+        {"for", Word::Loop},
+        {"while", Word::Loop},
+        {"eachseq", Word::Loop},
+        {"next", Word::EndLoop},
+        {"nextseq", Word::EndLoop},
+        {"wend", Word::EndLoop},
     };
     const auto found = words.find(Lower(token));
     return found == words.end() ? Word::Other : found->second;
@@ -189,8 +211,7 @@ private:
             const ClassInfo* mentioned = meaning->second.cls;
             if (!mentioned) continue;
             graph.Call(node, graph.NodeOf(graph.construction, mentioned));
-            const bool created =
-                i > 0 && (IsWord(tokens[i - 1], "create") || IsWord(tokens[i - 1], "new"));
+            const bool created = i > 0 && (IsWord(tokens[i - 1], "create") || IsWord(tokens[i - 1], "new"));
             if (created) graph.creators[mentioned].push_back(node);
         }
     }

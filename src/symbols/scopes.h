@@ -9,8 +9,8 @@
 #include "symbols/symbols.h"
 
 struct ScopeBlock {
-    std::vector<std::string> names;     // as the scope rules see them
-    std::vector<Variable*> variables;   // what each declaration in the block is, shadowing ones included
+    std::vector<std::string> names;    // as the scope rules see them
+    std::vector<Variable*> variables;  // what each declaration in the block is, shadowing ones included
 };
 struct VisibleVariable {
     Variable* variable = nullptr;
@@ -29,7 +29,7 @@ void ResetScopes();
 void PushRoutineScope();
 void PopRoutineScope();
 void PushBlock();  // opens the routine's outermost block, too, when it has none yet
-void PopBlock();  // leaves the routine's outermost block alone
+void PopBlock();   // leaves the routine's outermost block alone
 std::size_t BlockCount();
 
 // Declares a variable in the current block after the identifier and scope checks, each of which ends

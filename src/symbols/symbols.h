@@ -28,15 +28,16 @@ struct Variable {
     std::string cppName;  // as emitted
     ValueType type;
     ArrayForm form = ArrayForm::None;
-    std::vector<std::string> sizes;  // size texts of an array, one per dimension, as written (tokens joined by blanks)
+    std::vector<std::string>
+        sizes;  // size texts of an array, one per dimension, as written (tokens joined by blanks)
     bool isConst = false;
     bool isPreCalc = false;
     bool slot = false;       // an Element reached through a pointer (EachIn over an array of Elements)
     bool isPrivate = false;  // Fields only
     std::string file;        // where it was declared
     int line = 0;
-    Tokens initialiser;      // Globals, Consts and Fields; the type of untyped ones is inferred from it
-    bool typed = false;      // declared with a ":" type
+    Tokens initialiser;  // Globals, Consts and Fields; the type of untyped ones is inferred from it
+    bool typed = false;  // declared with a ":" type
 };
 
 struct Parameter {
@@ -68,16 +69,17 @@ struct ClassInfo {
     std::string name;
     std::string sourceFile;
     bool isElement = false;
-    std::vector<std::string> fields;   // in declaration order
-    std::vector<std::string> methods;  // in declaration order
-    std::vector<std::string> third;    // kept empty; part of the record's layout
+    std::vector<std::string> fields;                // in declaration order
+    std::vector<std::string> methods;               // in declaration order
+    std::vector<std::string> third;                 // kept empty; part of the record's layout
     std::map<std::string, std::string> fieldTypes;  // typed Fields only, C++ spelling, "int[10]" for arrays
 
     std::string cppName;
     int line = 0;
     bool registered = false;                            // on classList
     std::unordered_map<std::string, Variable> members;  // Fields by name
-    std::unordered_map<std::string, Routine> routines;  // Methods by name ("constructor", "destructor" included)
+    std::unordered_map<std::string, Routine>
+        routines;  // Methods by name ("constructor", "destructor" included)
 };
 
 struct UserlibParameter {
@@ -96,9 +98,9 @@ struct UserlibDll {
 
 struct Symbols {
     // Types and Elements. Written by the name scan (names) and the first pass (the rest).
-    std::deque<ClassInfo> classes;                         // every name declared anywhere, stable addresses
+    std::deque<ClassInfo> classes;                           // every name declared anywhere, stable addresses
     std::unordered_map<std::string, ClassInfo*> classIndex;  // by exact name, first declaration
-    std::vector<ClassInfo*> classList;                     // registered ones, in order of registration
+    std::vector<ClassInfo*> classList;                       // registered ones, in order of registration
 
     // Functions, Extern functions included. Written by the first pass, read by calls.
     std::unordered_map<std::string, Routine> functions;
@@ -114,7 +116,7 @@ struct Symbols {
     // Userlibs. Written by Import, read by calls and by the runtime-linking code.
     std::deque<UserlibDll> userlibDLLs;
     std::unordered_map<std::string, std::string> userlibFunctions;  // name -> C++ return type
-    std::unordered_map<std::string, Routine> userlibRoutines;       // name -> signature of the later declaration
+    std::unordered_map<std::string, Routine> userlibRoutines;  // name -> signature of the later declaration
 
     // Paths of the program's source files, the main one first. Written by the name scan.
     std::vector<std::string> sourceFiles;
@@ -139,8 +141,8 @@ void ResetSymbols();
 
 // Exact, case-sensitive. Null when there is none.
 ClassInfo* FindClass(const std::string& name);
-bool IsClass(const std::string& name);    // declared anywhere
-bool IsElement(const std::string& name);  // false when there is no such class
+bool IsClass(const std::string& name);                 // declared anywhere
+bool IsElement(const std::string& name);               // false when there is no such class
 const Routine* FindFunction(const std::string& name);  // Functions and Extern functions
 bool HasMainFunction();                                // "main" in any letter case
 const Routine* FindUserlibFunction(const std::string& name);
