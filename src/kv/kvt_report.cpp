@@ -67,9 +67,9 @@ void ParseFatalReport(const Lines& lines, std::vector<Diagnostic>& errors) {
     }
     while (TakeStart(diagnostic.message, "Error: ")) {
     }
-    if (StartsWith(diagnostic.message, "Transpilation failed: "))
-        AddOpenBlocks(lines, start, diagnostic.file, errors);
-    if (errors.empty()) errors.push_back(diagnostic);
+    AddOpenBlocks(lines, start, diagnostic.file, errors);
+    const bool onlyBlocks = StartsWith(diagnostic.message, "Transpilation failed: ");
+    if (errors.empty() || !onlyBlocks) errors.push_back(diagnostic);
 }
 
 // "Error in path (line 7): message"

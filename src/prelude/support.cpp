@@ -16,6 +16,7 @@ struct Row {
 
 // In the order of the enum; a row stands behind the one that it builds on.
 const std::array<Row, supportCount> rows = {{
+    {texts::arraySize, Support::ArraySize},
     {texts::arrayPassing, Support::ArrayPassing},
     {texts::boolArray, Support::BoolArray},
     {texts::elementSlots, Support::ArrayPassing},

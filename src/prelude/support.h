@@ -5,6 +5,7 @@
 #include <string>
 
 enum class Support : unsigned char {
+    ArraySize,     // check of an array size that is worked out when the program runs
     ArrayPassing,  // row pointers for two-dimensional arguments, taking over returned arrays
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value

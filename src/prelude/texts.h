@@ -18,6 +18,7 @@ extern const std::string_view classDestructor;
 extern const std::string_view classNavigation;  // also closes the body and defines the instance list
 
 // One for each row of Support.
+extern const std::string_view arraySize;
 extern const std::string_view arrayPassing;
 extern const std::string_view boolArray;
 extern const std::string_view elementSlots;

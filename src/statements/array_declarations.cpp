@@ -45,7 +45,10 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (known && !integer))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
-    if (!integer) return {size.text, std::nullopt};
+    if (!integer) {
+        RequireSupport(Support::ArraySize);
+        return {"__kvSize(" + size.text + ", \"" + array.name + "\")", std::nullopt};
+    }
     // A checked division is no constant to C++, and a header knows only the Consts above.
     const bool checked = size.text.find("KVL_Safe") != std::string::npos;
     const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(tokens);

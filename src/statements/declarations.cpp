@@ -74,7 +74,7 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     if (isConst && !global.declaration.empty())
         global.declaration.insert(std::string("extern ").size(), "const ");
     global.sizeNames = definition.sizeNames;
-    global.needsPrelude = UsesSupportCode(definition.text);
+    global.needsPrelude = UsesSupportCode(definition.before + definition.text);
     NoteMentioned(*state.out, definition.mentioned);
     PutGlobal(*state.out, global);
 }

@@ -15,6 +15,18 @@ std::string Starting(const std::string& what, int line, const std::string& missi
     return what + " starting at line " + std::to_string(line) + " is missing " + missing;
 }
 
+std::string OpenFunction(const State& state) {
+    return Starting("Function '" + state.functionName + "'", state.functionLine, "'EndFunction'");
+}
+
+std::string OpenMethod(const std::string& name, int line) {
+    return Starting("Method '" + name + "'", line, "'EndMethod'");
+}
+
+std::string OpenType(const std::string& name, int line) {
+    return Starting("Type '" + name + "'", line, "'EndType'");
+}
+
 std::string CloserOf(const std::string& kind) {
     if (kind == "While") return "'Wend'";
     return kind == "EachSeq" ? "'NextSeq'" : "'Next'";
@@ -37,17 +49,21 @@ void CheckLoops(const State& state) {
 }  // namespace
 
 void FailUnclosedType(const std::string& name, int line) {
-    FailUnclosed("Type block", {Starting("Type '" + name + "'", line, "'EndType'")});
+    FailUnclosed("Type block", {OpenType(name, line)});
 }
 
 void FailUnclosedMethod(const std::string& name, int line) {
-    FailUnclosed("Method block", {Starting("Method '" + name + "'", line, "'EndMethod'")});
+    FailUnclosed("Method block", {OpenMethod(name, line)});
+}
+
+void SayOpenBlocks(const State& state, bool methodMayFollow) {
+    if (state.inMethod) Say(OpenMethod(state.methodName, state.methodLine));
+    if (state.inType && !methodMayFollow) Say(OpenType(state.typeName, state.typeLine));
+    if (state.inFunction) Say(OpenFunction(state));
 }
 
 void CheckBlocksClosed(const State& state) {
-    if (state.inFunction)
-        FailUnclosed("Function block", {Starting("Function '" + state.functionName + "'", state.functionLine,
-                                                 "'EndFunction'")});
+    if (state.inFunction) FailUnclosed("Function block", {OpenFunction(state)});
     if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
     if (!state.inType && state.selectDepth >= 1)
         FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});

@@ -13,6 +13,7 @@
 #include "prelude/texts.h"
 #include "statements/class_bodies.h"
 #include "statements/emit_lines.h"
+#include "statements/end_of_file.h"
 #include "statements/returns.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
@@ -84,6 +85,12 @@ void EmitEnter(State& state, const std::string& name) {
         EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
     }
     EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
+}
+
+// A routine begins where none may: most often the closer of the one before was forgotten.
+[[noreturn]] void FailMisplaced(const State& state, const std::string& keyword) {
+    SayOpenBlocks(state, keyword == "method");
+    ReportFatal("Unexpected '" + keyword + "' token");
 }
 
 void CheckFunctionName(const State& state, const std::string& name, const Routine* routine) {
@@ -190,7 +197,7 @@ void EmitRoutineLeaving(State& state) {
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
     if (state.inExtern) return CheckExternParameters(name);
-    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
+    if (state.inType || state.inFunction) FailMisplaced(state, "function");
     state.isMainRoutine = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(state, name, routine);
@@ -221,7 +228,7 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
 }
 
 void TranslateMethod(State& state, TokenSpan tokens) {
-    if (!state.inType || state.inMethod) ReportFatal("Unexpected 'method' token");
+    if (!state.inType || state.inMethod) FailMisplaced(state, "method");
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);

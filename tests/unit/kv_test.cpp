@@ -114,6 +114,11 @@ TEST(KvtReports, Errors) {
         {"\nERROR: Unclosed Function block!\nFunction 'F' starting at line 3 is missing 'EndFunction'\n"
          "Error: Transpilation failed: Unclosed Function block\nFile: x.kvl\nLine: 20\n\n",
          "", "x.kvl:3: Function 'F' starting at line 3 is missing 'EndFunction'\n"},
+        {"Function 'F' starting at line 3 is missing 'EndFunction'\n"
+         "Error: Unexpected 'function' token\nFile: x.kvl\nLine: 6\n\n",
+         "",
+         "x.kvl:3: Function 'F' starting at line 3 is missing 'EndFunction'\nx.kvl:6: Unexpected 'function' "
+         "token\n"},
         {"\nERROR: Unclosed If block(s)!\nIf block starting at line 4 is missing 'EndIf'\n"
          "If block starting at line 7 is missing 'EndIf'\nError: Transpilation failed: Unclosed If block(s)\n"
          "File: x.kvl\nLine: 20\n\n",
