@@ -2,6 +2,7 @@
 #include <unordered_map>
 
 #include "driver/report.h"
+#include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
@@ -76,6 +77,16 @@ void HandOver(Expr& array) {
     array.text = (array.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + array.text + ")";
 }
 
+// Loops over the Sequence hear of an item that goes: (__kvWalk_KVL_x.Removing(0), KVL_s.RemoveFirst())
+std::string WithWalksTold(const std::string& lowerName, const std::string& sequence,
+                          const std::string& call) {
+    const bool first = lowerName == "seqremovefirst";
+    if (!first && lowerName != "seqremovelast") return call;
+    const std::string position = first ? "0" : sequence + ".Length() - 1";
+    const std::string told = TellWalks(sequence, "Removing", position);
+    return told == position ? call : "(" + told + ", " + call + ")";
+}
+
 }  // namespace
 
 bool IsSeqFunction(const std::string& lowerName) {
@@ -96,7 +107,8 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     if (function.second == SeqArgument::Index) second = IndexFor(arguments[1], name);
     if (function.second == SeqArgument::Value) second = ValueFor(sequence, arguments[1], name);
     Expr expr;
-    expr.text = sequence.text + "." + function.member + "(" + second + ")";
+    expr.text =
+        WithWalksTold(lowerName, sequence.text, sequence.text + "." + function.member + "(" + second + ")");
     expr.type = sequence.type.IsKnown() ? ResultType(function, sequence) : ValueType();
     if (expr.type.IsArray()) HandOver(expr);
     expr.isCall = true;

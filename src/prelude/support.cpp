@@ -22,6 +22,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::elementSlots, Support::ArrayPassing},
     {texts::stringSelect, Support::StringSelect},
     {texts::safeIndex, Support::SafeIndex},
+    {texts::sequenceWalk, Support::SequenceWalk},
     {texts::safeOperands, Support::SafeOperands},
 }};
 

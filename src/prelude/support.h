@@ -11,6 +11,7 @@ enum class Support : unsigned char {
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
     StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
+    SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     Count,
 };

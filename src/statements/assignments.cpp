@@ -5,6 +5,7 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
+#include "expressions/sequence_walks.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
 #include "statements/misspelling.h"
@@ -99,7 +100,8 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
                     "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }
     if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
-    EmitLine(state, ValueText(left) + " = " + TextAs(right, left.type) + ";");
+    const std::string told = left.type.sequence ? WalkCalls(left.text, "Leave", "; ") : "";
+    EmitLine(state, told + ValueText(left) + " = " + TextAs(right, left.type) + ";");
 }
 
 bool IsKnownName(const std::string& name) {

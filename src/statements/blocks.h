@@ -17,11 +17,12 @@ enum class BlockKind : unsigned char { If, Loop, Repeat, Select };
 struct SequenceWalk {
     std::string sequence;    // C++ text; empty for other loops
     std::string variable;    // C++ name
+    std::string type;        // of the variable, as "auto&"
+    std::string item;        // C++ type of the Sequence's items
     Piece* piece = nullptr;  // where the header stands
     std::size_t forAt = 0;   // of the text "for(...)" in it
     std::size_t forSize = 0;
     std::size_t bodyAt = 0;  // behind the line "{"
-    bool changed = false;
 };
 
 struct OpenBlock {

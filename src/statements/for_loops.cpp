@@ -7,6 +7,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/sequence_walks.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/reach.h"
@@ -129,19 +130,24 @@ void EmitIndexWalk(State& state, const std::string& variable, const std::string&
     EmitLine(state, " " + type + " " + variable + " = " + list + "[" + index + "];");
 }
 
-// Emits the lines "for(...)" and "{" and remembers where they stand.
-SequenceWalk EmitSequenceHeader(State& state, const std::string& header, const std::string& variable,
-                                const std::string& sequence) {
+// Emits the lines "for(...)" and "{" and, for a Sequence, remembers where they stand.
+SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
+                             const std::string& range, const std::string& sequence, const ValueType& item) {
+    const std::string header = "for(" + type + " " + variable + " : " + range + ")";
     SequenceWalk walk;
     walk.sequence = sequence;
     walk.variable = variable;
+    walk.type = type;
     walk.piece = &state.out->pieces.back();
-    std::size_t lineAt = walk.piece->text.size();
+    const std::size_t lineAt = walk.piece->text.size();
     EmitLine(state, header);
     walk.forAt = walk.piece->text.find(header, lineAt);
     walk.forSize = header.size();
     EmitLine(state, "{");
     walk.bodyAt = walk.piece->text.size();
+    if (sequence.empty()) return walk;
+    walk.item = CppName(item);
+    OpenSequenceWalk(sequence, variable);
     return walk;
 }
 
@@ -158,9 +164,8 @@ void TranslateEach(State& state, const EachHeader& header) {
         LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
     } else {
-        walk =
-            EmitSequenceHeader(state, "for(" + type + " " + variable.cppName + " : " + collection.text + ")",
-                               variable.cppName, collection.sequence ? collection.text : "");
+        walk = EmitRangeHeader(state, type, variable.cppName, collection.text,
+                               collection.sequence ? collection.text : "", collection.item);
     }
     if (collection.pointers) EmitLine(state, " if(!" + variable.cppName + ") continue;");
     OpenBlock& loop = OpenLoop(state, "For");
@@ -171,20 +176,14 @@ void TranslateEach(State& state, const EachHeader& header) {
 }  // namespace
 
 void RewriteWalk(State& state, const SequenceWalk& walk) {
-    if (!walk.changed) return;
-    const std::string index = "__kvIndex_" + walk.variable;
+    if (walk.sequence.empty() || !CloseSequenceWalk()) return;
+    const std::string name = SequenceWalkName(walk.variable);
     const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
-    const std::string length = "(size_t)" + walk.sequence + ".Length()";
-    walk.piece->text.insert(
-        walk.bodyAt, indent + " auto " + walk.variable + " = " + walk.sequence + "._items[" + index + "];\n");
+    walk.piece->text.insert(walk.bodyAt,
+                            indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n");
     walk.piece->text.replace(walk.forAt, walk.forSize,
-                             "for(size_t " + index + " = 0, " + index + "_end = " + length + "; " + index +
-                                 " < " + index + "_end && " + index + " < " + length + "; ++" + index + ")");
-}
-
-void NoteSequenceChange(State& state, const std::string& sequence) {
-    for (OpenBlock& block : state.blocks)
-        if (!block.walk.sequence.empty() && block.walk.sequence == sequence) block.walk.changed = true;
+                             "for(KVSeqWalk<" + walk.item + "> " + name + "(" + walk.sequence + "); " + name +
+                                 ".HasItem(); " + name + ".Next())");
 }
 
 OpenBlock& OpenLoop(State& state, const std::string& kind) {
@@ -219,10 +218,10 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     PushBlock();
     Variable& variable = DeclareLoopVariable(tokens[1], item);
     // A packed bit has no lvalue to refer to.
-    const char* type = item.Is(Base::Bool) ? "auto&& " : "auto& ";
-    SequenceWalk walk =
-        EmitSequenceHeader(state, "for(" + (type + variable.cppName) + " : " + ValueText(sequence) + ")",
-                           variable.cppName, sequence.isCall ? "" : ValueText(sequence));
+    const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";
+    const std::string text = ValueText(sequence);
+    const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
+    SequenceWalk walk = EmitRangeHeader(state, type, variable.cppName, text, lasting ? text : "", item);
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
     OpenBlock& loop = OpenLoop(state, "EachSeq");
     loop.variable = tokens[1];

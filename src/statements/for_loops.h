@@ -9,15 +9,12 @@ void TranslateEachSeq(State& state, TokenSpan tokens);
 // The counted form (counted_for.cpp).
 void TranslateCountedFor(State& state, TokenSpan tokens);
 
-// At the end of a loop over a Sequence that its body changes: turns the loop into a walk by index, because
-// the iterators would not survive.
-//     for(size_t i = 0, i_end = list.Length(); i < i_end && i < (size_t)list.Length(); ++i)
+// At the end of a loop over a Sequence: when its body changes the Sequence, the iterators would not
+// survive, so the loop becomes a walk that knows about the changes.
+//     for(KVSeqWalk<int> __kvWalk_x(list); __kvWalk_x.HasItem(); __kvWalk_x.Next())
 //     {
-//      auto x = list._items[i];
+//      auto& x = __kvWalk_x.item;
 void RewriteWalk(State& state, const SequenceWalk& walk);
-
-// Notes that a statement changes the Sequence, for the loops over it that are open.
-void NoteSequenceChange(State& state, const std::string& sequence);
 
 // Notes the opened loop: depth, start line, kind word for the report at the end of the file.
 OpenBlock& OpenLoop(State& state, const std::string& kind);

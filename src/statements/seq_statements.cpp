@@ -1,35 +1,62 @@
 #include "statements/seq_statements.h"
 
 #include "driver/report.h"
-#include "statements/for_loops.h"
+#include "expressions/sequence_walks.h"
 #include "statements/words.h"
 
 namespace {
 
 enum class Argument : unsigned char { Index, Value, Sequence, Array, Order };
 
+// What the statement tells the loops over the Sequence that it stands in: a member of KVSeqWalk that its
+// first argument goes through, or one called before it; null for a change that no loop has to know about.
+struct Notice {
+    const char* byArgument;
+    const char* before;
+};
+constexpr Notice unseen = {nullptr, nullptr};
+constexpr Notice moves = {nullptr, "Leave"};
+
 struct Row {
     const char* word;
     const char* member;
     std::vector<Argument> arguments;  // behind the Sequence
+    Notice notice;
     const char* expects;
 };
 
 const Row rows[] = {
-    {"seqadd", "Add", {Argument::Value}, "SeqAdd expects: SeqAdd seq, value"},
+    {"seqadd", "Add", {Argument::Value}, unseen, "SeqAdd expects: SeqAdd seq, value"},
     {"seqinsert",
      "InsertAt",
      {Argument::Index, Argument::Value},
+     {"Inserting", nullptr},
      "SeqInsert expects: SeqInsert seq, index, value"},
-    {"seqset", "Set", {Argument::Index, Argument::Value}, "SeqSet expects: SeqSet seq, index, value"},
-    {"seqdelete", "DeleteValue", {Argument::Value}, "SeqDelete expects: SeqDelete seq, value"},
-    {"seqdeleteat", "DeleteAt", {Argument::Index}, "SeqDeleteAt expects: SeqDeleteAt seq, index"},
-    {"seqclear", "Clear", {}, "SeqClear expects: SeqClear seq"},
-    {"seqaddfirst", "AddFirst", {Argument::Value}, "SeqAddFirst expects: SeqAddFirst seq, value"},
-    {"seqreverse", "Reverse", {}, "SeqReverse expects: SeqReverse seq"},
-    {"seqswap", "Swap", {Argument::Sequence}, "SeqSwap expects: SeqSwap seqA, seqB"},
-    {"seqfromarray", "FromArray", {Argument::Array}, "SeqFromArray expects: SeqFromArray seq, array"},
-    {"seqsort", "", {Argument::Order}, "SeqSort expects: SeqSort seq [, ascending]"},
+    {"seqset",
+     "Set",
+     {Argument::Index, Argument::Value},
+     {"Setting", nullptr},
+     "SeqSet expects: SeqSet seq, index, value"},
+    {"seqdelete",
+     "DeleteValue",
+     {Argument::Value},
+     {"RemovingValue", nullptr},
+     "SeqDelete expects: SeqDelete seq, value"},
+    {"seqdeleteat",
+     "DeleteAt",
+     {Argument::Index},
+     {"Removing", nullptr},
+     "SeqDeleteAt expects: SeqDeleteAt seq, index"},
+    {"seqclear", "Clear", {}, moves, "SeqClear expects: SeqClear seq"},
+    {"seqaddfirst",
+     "AddFirst",
+     {Argument::Value},
+     {nullptr, "InsertingFirst"},
+     "SeqAddFirst expects: SeqAddFirst seq, value"},
+    {"seqreverse", "Reverse", {}, moves, "SeqReverse expects: SeqReverse seq"},
+    {"seqswap", "Swap", {Argument::Sequence}, moves, "SeqSwap expects: SeqSwap seqA, seqB"},
+    {"seqfromarray", "FromArray", {Argument::Array}, moves, "SeqFromArray expects: SeqFromArray seq, array"},
+    {"seqsort", "", {Argument::Order}, moves, "SeqSort expects: SeqSort seq [, ascending]"},
 };
 
 const Row& RowOf(const std::string& keyword) {
@@ -87,7 +114,9 @@ std::string OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row
         ReportFatal("'" + keyword + "' needs two Sequences of the same type, got " +
                     KorvelName(sequence.type) + " and " + KorvelName(other.type));
     if (other.isCall) ReportFatal("'" + keyword + "' needs a Sequence variable, not the result of a call");
-    return ValueText(other);
+    const std::string text = ValueText(other);
+    const std::string calls = WalkCalls(text, row.notice.before, ", ");
+    return calls.empty() ? text : "(" + calls + text + ")";
 }
 
 // FromArray takes a vector of the very item type; everything else is copied item by item:
@@ -153,9 +182,19 @@ std::string Arguments(const Expr& sequence, const std::vector<TokenSpan>& parts,
                 text = ValueArgument(sequence, part, row, keyword);
                 break;
         }
+        if (i == 0 && row.notice.byArgument != nullptr)
+            text = TellWalks(ValueText(sequence), row.notice.byArgument, text);
         texts += (i == 0 ? "" : ", ") + text;
     }
     return texts;
+}
+
+// On a line of its own: __kvWalk_KVL_x.Leave();
+void TellWalksBefore(State& state, const std::string& sequence, const Row& row) {
+    NoteSequenceChange(sequence);
+    if (row.notice.before == nullptr) return;
+    const std::string calls = WalkCalls(sequence, row.notice.before, "; ");
+    if (!calls.empty()) EmitLine(state, calls.substr(0, calls.size() - 1));
 }
 
 }  // namespace
@@ -167,9 +206,9 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     if (parts.empty() || parts[0].empty()) ReportFatal("'" + keyword + "' requires a Sequence argument");
     const bool sorts = IsWord(keyword, "seqsort");
     Expr sequence = SequenceArgument(parts[0], row, keyword);
-    NoteSequenceChange(state, ValueText(sequence));
     const bool orderLeftOut = sorts && parts.size() == 1;
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
+    TellWalksBefore(state, ValueText(sequence), row);
     if (sorts)
         EmitSort(state, sequence, orderLeftOut ? "true" : Arguments(sequence, parts, row, keyword));
     else if (IsWord(keyword, "seqfromarray"))
