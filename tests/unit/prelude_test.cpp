@@ -116,7 +116,8 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
         ResetSupport();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
-        Write(name, WithIncludes(std::string(texts::safeDivision) + SupportText()));
+        Write(name,
+              WithIncludes(std::string(texts::safeDivision) + std::string(texts::sequence) + SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
     ResetSupport();
