@@ -46,6 +46,7 @@ constexpr Flag flags[] = {
     {"--debug", &Settings::debugMode, "Debug mode (debugger + runtime checks)"},
     {"-safe", &Settings::safeMode, "Safe mode (runtime error checking)"},
     {"-quick", &Settings::quickBuild, "Quick build mode (incremental compilation)"},
+    {"-fast", &Settings::fastMode, "Fast mode (faster programs)"},
 };
 
 // Arguments that match no row are ignored.

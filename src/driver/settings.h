@@ -13,6 +13,7 @@ struct Settings {
     bool debugMode = false;       // -d, --debug; forces safeMode
     bool safeMode = false;        // -safe
     bool quickBuild = false;      // -quick
+    bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
 
     // Where translation stands; shown by ReportFatal.
     std::string currentFile;

@@ -3,6 +3,7 @@
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
+#include "prelude/program_uses.h"
 
 namespace {
 
@@ -86,6 +87,7 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
         ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
                     KorvelName(target.type));
     }
+    programUses.inserts = true;
     Expr expr = ObjectOf(
         nullptr, object.text + (place == "after" ? "->InsertAfter(" : "->InsertBefore(") + target.text + ")");
     expr.type = Single(Base::Void);

@@ -5,6 +5,7 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
+#include "prelude/header.h"
 
 namespace {
 
@@ -65,7 +66,7 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
     if (!classes.empty()) {
         PutLine(out, "// Type instance lists");
         for (const ClassInfo* cls : classes)
-            PutLine(out, "std::vector<" + cls->cppName + "*> __" + cls->cppName + "_list__;");
+            PutLine(out, CreatedListType(*cls) + " __" + cls->cppName + "_list__;");
         PutLine(out, "");
     }
     BeginPiece(out, Piece::Kind::Lines);

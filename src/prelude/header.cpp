@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "driver/settings.h"
+#include "prelude/fast_prelude.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
 #include "symbols/extern_functions.h"
@@ -15,6 +16,10 @@ std::string HeaderGuard(const std::string& base) {
     return guard;
 }
 
+std::string CreatedListType(const ClassInfo& cls) {
+    return settings.fastMode ? "KVCreated<" + cls.cppName + ">" : "std::vector<" + cls.cppName + "*>";
+}
+
 namespace {
 
 std::string ClassSection(const FileOutput& out, const HeaderContents& contents) {
@@ -22,9 +27,11 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
     std::string text = "// Forward declarations of classes\n";
     for (const ClassInfo* cls : contents.classes)
         text += (cls->isElement ? "struct " : "class ") + cls->cppName + ";\n";
+    // An included header stands in front of the support code.
+    if (settings.fastMode && !out.isMain) text += "template<typename T> struct KVCreated;\n";
     text += "\n// Type instance lists for First/Last/Before/After/Each\n";
     for (const ClassInfo* cls : contents.instanceLists)
-        text += "extern std::vector<" + cls->cppName + "*> __" + cls->cppName + "_list__;\n";
+        text += "extern " + CreatedListType(*cls) + " __" + cls->cppName + "_list__;\n";
     text += "\n";
     if (out.isMain) text += texts::iteration;
     return text;
@@ -71,8 +78,8 @@ void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::stri
     out.headerOpening += "using namespace std;\n";
     if (out.isMain) {
         if (settings.safeMode) out.headerPrelude += texts::safeDivision;
-        out.headerPrelude += texts::sequence;
-        out.headerPrelude += texts::scheduler;
+        if (!settings.fastMode) out.headerPrelude += texts::sequence;
+        if (!settings.fastMode) out.headerPrelude += texts::scheduler;
     }
     out.headerClasses = ClassSection(out, contents);
     out.headerFunctions = FunctionSection(contents);
@@ -83,6 +90,7 @@ std::string HeaderText(const FileOutput& out, const std::vector<std::string>& in
     if (out.isMain)
         for (const std::string& include : includes) text += "#include \"" + include + "\"\n";
     text += "\n" + out.headerPrelude;
+    if (out.isMain && settings.fastMode) text += FastPrelude(!symbols.classList.empty());
     if (out.isMain) text += SupportText();
     text += out.headerClasses + out.headerFunctions + GlobalSection(out) + out.headerLate;
     return text + "\n#endif\n";

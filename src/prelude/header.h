@@ -19,6 +19,9 @@ struct HeaderContents {
 // The guard of a base name: MY_GAME_H for my-game, _3D_H for 3d.
 std::string HeaderGuard(const std::string& base);
 
+// The type of the list of objects that variables of a Type were declared with.
+std::string CreatedListType(const ClassInfo& cls);
+
 // Writes all header sections up to the function declarations into `out`.
 void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard);
 

@@ -12,10 +12,21 @@ extern const std::string_view sequence;
 extern const std::string_view scheduler;
 extern const std::string_view iteration;  // programs with Types or Elements
 
+// Their counterparts under -fast, see fast_prelude.cpp.
+extern const std::string_view fastOutput;
+extern const std::string_view fastLineOutput;  // programs whose output kvt does not know whole
+extern const std::string_view fastUnitOutput;  // programs that part the C++ streams from those of C
+extern const std::string_view fastSequence;
+extern const std::string_view fastScheduler;
+extern const std::string_view fastNoTimers;
+extern const std::string_view fastInstances;
+
 // The closing part of a class, hole C: its C++ name (see fill.h).
 extern const std::string_view classConstructor;
 extern const std::string_view classDestructor;
 extern const std::string_view classNavigation;  // also closes the body and defines the instance list
+extern const std::string_view fastClassDestructor;
+extern const std::string_view fastClassNavigation;
 
 // One for each row of Support.
 extern const std::string_view arraySize;

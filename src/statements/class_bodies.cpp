@@ -56,8 +56,21 @@ void EmitTypeClosing(State& state, const ClassInfo& cls) {
     if (HasPlainConstructor(cls)) constructor.erase(constructor.find(" " + cls.cppName + "()"));
     EmitLines(state, constructor);
     if (FindMethod(cls, "destructor") == nullptr)
-        EmitLines(state, Fill(texts::classDestructor, {{"C", cls.cppName}}));
-    EmitLines(state, Fill(texts::classNavigation, {{"C", cls.cppName}}));
+        EmitLines(state, InstanceDestructor(cls));
+    const std::string_view navigation = settings.fastMode ? texts::fastClassNavigation : texts::classNavigation;
+    EmitLines(state, Fill(navigation, {{"C", cls.cppName}}));
+}
+
+// Under -fast the list and its members come from the base class.
+void EmitOpening(State& state, const ClassInfo& cls) {
+    const bool tracked = !state.isElement && settings.fastMode;
+    EmitLine(state, (state.isElement ? "struct " : "class ") + cls.cppName +
+                        (tracked ? " : public KVTracked<" + cls.cppName + ">" : ""));
+    EmitLine(state, "{");
+    if (state.isElement) return;
+    EmitLine(state, "public:");
+    if (!tracked) EmitLine(state, " static std::vector<" + cls.cppName + "*> _instances;");
+    EmitLine(state, "");
 }
 
 // A Sequence has no comparison of its own; its items have.
@@ -99,6 +112,10 @@ void CloseClass(State& state, const std::string& closer) {
 
 }  // namespace
 
+std::string InstanceDestructor(const ClassInfo& cls) {
+    return Fill(settings.fastMode ? texts::fastClassDestructor : texts::classDestructor, {{"C", cls.cppName}});
+}
+
 void EmitAccess(State& state) {
     if (state.access == state.emittedAccess) return;
     EmitLine(state, state.access + ":");
@@ -128,13 +145,7 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
         return;
     }
     BeginPiece(*state.out, Piece::Kind::ClassOpen, cls);
-    EmitLine(state, (state.isElement ? "struct " : "class ") + cls->cppName);
-    EmitLine(state, "{");
-    if (!state.isElement) {
-        EmitLine(state, "public:");
-        EmitLine(state, " static std::vector<" + cls->cppName + "*> _instances;");
-        EmitLine(state, "");
-    }
+    EmitOpening(state, *cls);
     BeginPiece(*state.out, Piece::Kind::ClassLines, cls);
 }
 

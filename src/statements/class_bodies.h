@@ -9,6 +9,9 @@ void TranslateTypeOpener(State& state, TokenSpan tokens);
 void TranslateEndType(State& state, TokenSpan tokens);
 void TranslateEndElement(State& state, TokenSpan tokens);
 
+// The destructor that takes an object of a Type off its list, with head and closing brace.
+std::string InstanceDestructor(const ClassInfo& cls);
+
 // Writes "private:" or "public:" when the access of the next member differs from the last one's.
 // Called before every Field and Method of the body.
 void EmitAccess(State& state);

@@ -2,7 +2,7 @@
 //     {                                                 {
 //      if(!KVL_p) continue;
 // A loop over a Type whose body may create objects of it walks by index, up to the number of objects at
-// its start, because a growing list would break the iterators.
+// its start, because a growing list would break the iterators. Those of -fast do so anyway.
 #include "statements/for_loops.h"
 
 #include "driver/report.h"
@@ -160,7 +160,7 @@ void TranslateEach(State& state, const EachHeader& header) {
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
     SequenceWalk walk;
-    if (collection.walked != nullptr &&
+    if (collection.walked != nullptr && !settings.fastMode &&
         LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
     } else {

@@ -8,6 +8,9 @@
 
 namespace {
 
+// Under -fast lines are written in larger pieces, see prelude/texts/fast.
+const char* LineEnd() { return settings.fastMode ? " << '\\n';" : " << std::endl;"; }
+
 // Text of one item between two "<<". What binds weaker than "<<" goes in parentheses, and a Byte is a
 // number, not a character.
 std::string ItemText(TokenSpan tokens, const std::string& keyword) {
@@ -101,7 +104,7 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
     EmitLine(state, ignoreLine);
     EmitLine(state, "        break;");
     EmitLine(state, "    } else {");
-    EmitLine(state, std::string("        std::cout << \"") + RetryMessage(target.type) + "\" << std::endl;");
+    EmitLine(state, std::string("        std::cout << \"") + RetryMessage(target.type) + "\"" + LineEnd());
     EmitLine(state, "        std::cin.clear();");
     EmitLine(state, ignoreLine);
     EmitLine(state, "    }");
@@ -124,10 +127,10 @@ std::size_t CommaBehindPrompt(TokenSpan tokens) {
 // std::cout << item << item << std::endl;
 void TranslatePrint(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) {
-        EmitLine(state, "std::cout << std::endl;");
+        EmitLine(state, std::string("std::cout") + LineEnd());
         return;
     }
-    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0]) + " << std::endl;");
+    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0]) + LineEnd());
 }
 
 void TranslateInput(State& state, TokenSpan tokens) {

@@ -9,8 +9,6 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "lexer/lexer.h"
-#include "prelude/fill.h"
-#include "prelude/texts.h"
 #include "statements/class_bodies.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
@@ -100,7 +98,7 @@ void CheckFunctionName(const State& state, const std::string& name, const Routin
 
 // The lines of the generated destructor without its head and its brace.
 std::string TrackingLines(const ClassInfo& cls) {
-    const std::string text = Fill(texts::classDestructor, {{"C", cls.cppName}});
+    const std::string text = InstanceDestructor(cls);
     const std::size_t begin = text.find('\n') + 1;
     const std::size_t end = text.rfind('\n', text.size() - 2) + 1;
     return text.substr(begin, end - begin);

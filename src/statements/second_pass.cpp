@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/with.h"
@@ -37,6 +38,7 @@ void RunSecondPass(State& state, Lexer& lexer, const std::string& source) {
     SourceLines lines(lexer, Checking::Physical);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
     lines.onInlineCpp = [&state](const std::string& line) {
+        NoteInlineCpp(line);
         PutLine(*state.out, settings.traceMode ? line + " //INLINE" : line);
     };
     while (lines.Next()) TranslateLine(state, lines, lexer);

@@ -4,6 +4,7 @@
 
 #include "driver/report.h"
 #include "lexer/lexer.h"
+#include "prelude/program_uses.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 
@@ -57,6 +58,7 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
         ReportFatal("AutoCall needs an interval in milliseconds, e.g. AutoCall " + name + " Every 1000");
     if (interval.type.IsKnown() && !interval.type.IsNumber())
         ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type));
+    programUses.timers = true;
     EmitLine(state, "__kvAutoCall(\"" + name + "\", [](){ " + HandlerCall(name) + "; }, (long long)(" +
                         interval.text + "), " + (every ? "true" : "false") + ");");
 }

@@ -1,0 +1,3 @@
+ ~@C@() {
+  _instances.Forget(this);
+ }

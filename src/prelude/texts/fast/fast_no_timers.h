@@ -1,0 +1,3 @@
+// This program arms no timer.
+#define __kvSchedPoll() ((void)0)
+

@@ -1,0 +1,99 @@
+// Korvel Sequence container (vector-backed, holds any element type).
+// Live Sequences of Type objects are registered so that when an object is deleted
+// (Remove) the pointer is scrubbed from all of them - no dangling references.
+// Scrubbed slots become null and are skipped by iteration and the cursor.
+// Sequences of values need no register. A copy is not registered.
+struct KVSeqBase {
+    size_t _place;  // in the register, behind its end when not registered
+    virtual void _scrub(void* p) = 0;
+    virtual ~KVSeqBase() {}
+};
+inline std::vector<KVSeqBase*>& __kvAllSeqs() { static std::vector<KVSeqBase*>* v = new std::vector<KVSeqBase*>; return *v; }
+inline void __kvScrubSeqs(void* p) {
+    for(size_t i = 0; i < __kvAllSeqs().size(); ++i) __kvAllSeqs()[i]->_scrub(p);
+}
+template<typename T, bool Pointers> struct KVSeqItems { std::vector<T> _items; };
+template<typename T> struct KVSeqItems<T, true> : KVSeqBase {
+    std::vector<T> _items;
+    KVSeqItems() { _place = __kvAllSeqs().size(); __kvAllSeqs().push_back(this); }
+    KVSeqItems(const KVSeqItems& o) : KVSeqBase(), _items(o._items) { _place = (size_t)-1; }
+    KVSeqItems& operator=(const KVSeqItems& o) { _items = o._items; return *this; }
+    ~KVSeqItems() {
+        auto& all = __kvAllSeqs();
+        if(_place >= all.size()) return;
+        all[_place] = all.back();
+        all[_place]->_place = _place;
+        all.pop_back();
+    }
+    void _scrub(void* p) { for(auto& e : _items) if((void*)e == p) e = nullptr; }
+};
+template<typename T>
+class KVSeq : public KVSeqItems<T, std::is_pointer<T>::value> {
+public:
+    using KVSeqItems<T, std::is_pointer<T>::value>::_items;
+    size_t _cursor = 0;
+    // 'dead' = a scrubbed (null) slot; only pointer element types can be dead
+    bool _isDead(const T& v, std::true_type) const { return v == nullptr; }
+    bool _isDead(const T&, std::false_type) const { return false; }
+    bool _isDead(const T& v) const { return _isDead(v, std::is_pointer<T>()); }
+    void Add(const T& v) { _items.push_back(v); }
+    void InsertAt(int i, const T& v) {
+        if(i < 0) i = 0;
+        if((size_t)i > _items.size()) i = (int)_items.size();
+        _items.insert(_items.begin() + i, v);
+    }
+    void Set(int i, const T& v) { if(i >= 0 && (size_t)i < _items.size()) _items[i] = v; }
+    T Get(int i) { if(i >= 0 && (size_t)i < _items.size()) return _items[i]; return T(); }
+    int Length() { return (int)_items.size(); }
+    void Clear() { _items.clear(); _cursor = 0; }
+    void DeleteAt(int i) { if(i >= 0 && (size_t)i < _items.size()) _items.erase(_items.begin() + i); }
+    void DeleteValue(const T& v) {
+        auto it = std::find(_items.begin(), _items.end(), v);
+        if(it != _items.end()) _items.erase(it);
+    }
+    T First() {
+        for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) { _cursor = i; return _items[i]; }
+        _cursor = _items.size(); return T();
+    }
+    T Last() {
+        for(size_t i = _items.size(); i > 0; i--) if(!_isDead(_items[i-1])) { _cursor = i-1; return _items[i-1]; }
+        _cursor = 0; return T();
+    }
+    T Next() {
+        for(size_t i = _cursor + 1; i < _items.size(); i++) if(!_isDead(_items[i])) { _cursor = i; return _items[i]; }
+        _cursor = _items.size(); return T();
+    }
+    T Before() {
+        for(size_t i = _cursor; i > 0; i--) if(!_isDead(_items[i-1])) { _cursor = i-1; return _items[i-1]; }
+        return T();
+    }
+    // Either end, membership and whole-list operations
+    void AddFirst(const T& v) { _items.insert(_items.begin(), v); }
+    int IsEmpty() { return _items.empty() ? 1 : 0; }
+    int Find(const T& v) { for(size_t i = 0; i < _items.size(); i++) if(_items[i] == v) return (int)i; return -1; }
+    int Contains(const T& v) { return Find(v) >= 0 ? 1 : 0; }
+    T RemoveFirst() { for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) { T v = _items[i]; _items.erase(_items.begin() + i); return v; } return T(); }
+    T RemoveLast() { for(size_t i = _items.size(); i > 0; i--) if(!_isDead(_items[i-1])) { T v = _items[i-1]; _items.erase(_items.begin() + (i-1)); return v; } return T(); }
+    void Reverse() { std::reverse(_items.begin(), _items.end()); }
+    void Swap(KVSeq<T>& other) { _items.swap(other._items); size_t tc = _cursor; _cursor = other._cursor; other._cursor = tc; }
+    std::vector<T> ToArray() { std::vector<T> out; for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) out.push_back(_items[i]); return out; }
+    void FromArray(const std::vector<T>& arr) { _items.assign(arr.begin(), arr.end()); _cursor = 0; }
+    // Sort: the transpiler picks SortNatural (primitives) or SortCompare (Types/Elements)
+    void _compactNulls(std::true_type) { _items.erase(std::remove(_items.begin(), _items.end(), (T)nullptr), _items.end()); }
+    void _compactNulls(std::false_type) {}
+    void SortNatural(bool asc) {
+        if(asc) std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { return a < b; });
+        else std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { return b < a; });
+    }
+    void _cmpSort(bool asc, std::true_type) {  // pointer element (Type): a->Compare(b)
+        _compactNulls(std::true_type());
+        std::sort(_items.begin(), _items.end(), [asc](const T& a, const T& b) { int c = a->KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
+    }
+    void _cmpSort(bool asc, std::false_type) {  // value element (Element): a.Compare(b)
+        std::sort(_items.begin(), _items.end(), [asc](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
+    }
+    void SortCompare(bool asc) { _cmpSort(asc, std::is_pointer<T>()); }
+    typename std::vector<T>::iterator begin() { return _items.begin(); }
+    typename std::vector<T>::iterator end() { return _items.end(); }
+};
+
