@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* modes[] = {"plain", "safe", "debug"};
+constexpr const char* modes[] = {"plain", "safe", "debug", "fast", "safe-fast"};
 constexpr int programSeconds = 20;
 
 struct Example {

@@ -147,6 +147,8 @@ void CompileAndRun(Run& run) {
 std::vector<std::string> FlagsOf(const std::string& mode) {
     if (mode == "safe") return {"-safe"};
     if (mode == "debug") return {"-d"};
+    if (mode == "fast") return {"-fast"};
+    if (mode == "safe-fast") return {"-safe", "-fast"};
     EXPECT_EQ(mode, "plain") << "no such mode";
     return {};
 }
