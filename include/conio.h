@@ -444,8 +444,13 @@ inline bool SecondCodeWaits() { return TheState().examined && TheState().secondC
 
 }  // namespace kvconio
 
+// What was printed is seen before a key is looked for.
+
 // True (1) when a key waits for _getch. Never waits itself.
-inline int _kbhit() { return kvconio::SecondCodeWaits() || kvconio::FrontKey(false).size > 0 ? 1 : 0; }
+inline int _kbhit() {
+    std::cout.flush();
+    return kvconio::SecondCodeWaits() || kvconio::FrontKey(false).size > 0 ? 1 : 0;
+}
 
 // Waits for a key and returns its code, unechoed; -1 at the end of the input.
 inline int _getch() {
@@ -455,6 +460,7 @@ inline int _getch() {
         state.secondCode = -1;
         return second;
     }
+    std::cout.flush();
     const kvconio::Key key = kvconio::FrontKey(true);
     if (key.size == 0) return EOF;
     kvconio::DropBytes(key.size);

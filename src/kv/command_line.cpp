@@ -30,6 +30,7 @@ struct ValueRow {
 const FlagRow flagRows[] = {
     {"--safe", &Options::safe},
     {"--debug", &Options::debug},
+    {"--plain", &Options::plain},
     {"--verbose", &Options::verbose},
 };
 
@@ -91,6 +92,10 @@ bool Consistent(const Options& options, const std::string& commandWord, std::str
 
 }  // namespace
 
+bool IsFast(const Options& options) {
+    return !options.plain && !options.debug && options.command != Command::check;
+}
+
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem) {
     problem.clear();
     if (arguments.empty()) return true;
@@ -146,6 +151,7 @@ std::string HelpText() {
            "  --debug          hooks for a debugger (KVDEBUG=trace shows every step); takes the place of "
            "--safe\n"
            "  -O0 .. -O3       compile fast (-O0, usual for run) or for speed (-O2, usual for build)\n"
+           "  --plain          the C++ in its plain form, easier to read; its programs run more slowly\n"
            "  --keep-cpp DIR   write the generated C++ to DIR\n"
            "  --verbose        show the commands that are run and what they say\n"
            "  --help           this text\n"

@@ -14,9 +14,13 @@ struct Options {
     std::string optimisation;            // "-O0", "-O2"; empty for the command's own choice
     bool safe = false;                   // --safe
     bool debug = false;                  // --debug
+    bool plain = false;                  // --plain
     bool verbose = false;                // --verbose
     std::vector<std::string> arguments;  // run: what follows "--"
 };
+
+// Whether the program is translated for speed.
+bool IsFast(const Options& options);
 
 // Reads the arguments after the program's name. Returns false and sets `problem` (one sentence for the user)
 // when they make no sense.

@@ -87,6 +87,7 @@ std::vector<std::string> TranslateCommand(const Job& job) {
     std::vector<std::string> command = {job.kvt, "-s", job.source, "-o", job.build.cppFolder, "-quick"};
     if (job.options.debug) command.push_back("-d");
     if (job.options.safe) command.push_back("-safe");
+    if (IsFast(job.options)) command.push_back("-fast");
     return command;
 }
 

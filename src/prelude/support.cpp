@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "driver/settings.h"
 #include "prelude/texts.h"
 
 namespace {
@@ -11,19 +12,20 @@ constexpr std::size_t supportCount = static_cast<std::size_t>(Support::Count);
 
 struct Row {
     const std::string_view& text;
+    const std::string_view& fastText;
     Support builtOn;  // itself when it stands alone
 };
 
 // In the order of the enum; a row stands behind the one that it builds on.
 const std::array<Row, supportCount> rows = {{
-    {texts::arraySize, Support::ArraySize},
-    {texts::arrayPassing, Support::ArrayPassing},
-    {texts::boolArray, Support::BoolArray},
-    {texts::elementSlots, Support::ArrayPassing},
-    {texts::stringSelect, Support::StringSelect},
-    {texts::safeIndex, Support::SafeIndex},
-    {texts::sequenceWalk, Support::SequenceWalk},
-    {texts::safeOperands, Support::SafeOperands},
+    {texts::arraySize, texts::arraySize, Support::ArraySize},
+    {texts::arrayPassing, texts::arrayPassing, Support::ArrayPassing},
+    {texts::boolArray, texts::boolArray, Support::BoolArray},
+    {texts::elementSlots, texts::elementSlots, Support::ArrayPassing},
+    {texts::stringSelect, texts::stringSelect, Support::StringSelect},
+    {texts::safeIndex, texts::fastSafeIndex, Support::SafeIndex},
+    {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},
+    {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
 }};
 
 std::array<bool, supportCount> used{};  // written by RequireSupport
@@ -42,7 +44,7 @@ bool SupportUsed(Support support) { return used[IndexOf(support)]; }
 std::string SupportText() {
     std::string text;
     for (std::size_t i = 0; i < supportCount; ++i)
-        if (used[i]) text += rows[i].text;
+        if (used[i]) text += settings.fastMode ? rows[i].fastText : rows[i].text;
     return text;
 }
 

@@ -20,6 +20,7 @@ extern const std::string_view fastSequence;
 extern const std::string_view fastScheduler;
 extern const std::string_view fastNoTimers;
 extern const std::string_view fastInstances;
+extern const std::string_view fastSafeIndex;  // for Support::SafeIndex
 
 // The closing part of a class, hole C: its C++ name (see fill.h).
 extern const std::string_view classConstructor;

@@ -9,6 +9,7 @@
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
 #include "statements/misspelling.h"
+#include "statements/string_append.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -80,6 +81,14 @@ void RefuseCompound(TokenSpan tokens, std::size_t sign) {
         TranslateExpression(tokens, ExprMode::Statement);
 }
 
+// A variable of the routine itself; that of a loop may be an item of something else.
+bool IsOwnVariable(const State& state, const Expr& left, const std::string& target) {
+    if (left.variable == nullptr || target != left.variable->cppName) return false;
+    for (const OpenBlock& block : state.blocks)
+        if (block.variable == left.variable->name) return false;
+    return FindLocal(left.variable->name) == left.variable;
+}
+
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     RefuseCompound(tokens, sign);
     const TokenSpan target = tokens.Slice(0, sign);
@@ -101,7 +110,12 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     }
     if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
     const std::string told = left.type.sequence ? WalkCalls(left.text, "Leave", "; ") : "";
-    EmitLine(state, told + ValueText(left) + " = " + TextAs(right, left.type) + ";");
+    const std::string variable = ValueText(left);
+    const std::string value = TextAs(right, left.type);
+    std::string statement;
+    if (settings.fastMode && left.type.Is(Base::String))
+        statement = AppendStatement(variable, value, IsOwnVariable(state, left, variable));
+    EmitLine(state, statement.empty() ? told + variable + " = " + value + ";" : statement);
 }
 
 bool IsKnownName(const std::string& name) {

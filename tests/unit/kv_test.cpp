@@ -52,12 +52,17 @@ TEST(KvCommandLine, Understood) {
     EXPECT_EQ(options.optimisation, "-O2");
     EXPECT_EQ(options.keepCppFolder, "out");
     EXPECT_EQ(options.arguments, (Words{"-o", "--", "x"}));
+    EXPECT_TRUE(IsFast(options));
 
     options = Options();
     ASSERT_TRUE(
         ParseCommandLine({"build", "-o", "-strange", "game.kvl", "--debug", "--verbose"}, options, problem));
     EXPECT_EQ(options.outputFile, "-strange");
-    EXPECT_TRUE(options.debug && options.verbose);
+    EXPECT_TRUE(options.debug && options.verbose && !IsFast(options));
+
+    options = Options();
+    ASSERT_TRUE(ParseCommandLine({"run", "--plain", "game.kvl"}, options, problem));
+    EXPECT_TRUE(options.plain && !IsFast(options));
     options = Options();
     ASSERT_TRUE(ParseCommandLine({"run", "game.kvl", "--help"}, options, problem));
     EXPECT_EQ(options.command, Command::help);

@@ -1,0 +1,18 @@
+// A text built piece by piece, and the small texts that go into it.
+#include <iostream>
+#include <string>
+
+static std::string Piece(int i) { return "<" + std::to_string(i % 1000) + "," + std::to_string(i % 7) + ">"; }
+
+int main() {
+    std::string longest;
+    for (int round = 1; round <= 10; ++round) {
+        std::string text;
+        for (int i = 1; i <= 200000; ++i) {
+            text += Piece(i) + " and ";
+            if (i % 10 == 0) text += std::to_string(i) + "; ";
+        }
+        if (text > longest) longest = text;
+    }
+    std::cout << longest << '\n';
+}
