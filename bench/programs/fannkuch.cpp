@@ -2,7 +2,7 @@
 #include <iostream>
 #include <vector>
 
-const int n = 9;
+const int n = 10;
 
 int main() {
     std::vector<int> perm(n), work(n), count(n);

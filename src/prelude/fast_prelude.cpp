@@ -23,6 +23,7 @@ std::string FastPrelude(bool withTypes) {
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;
     text += std::string("const bool __kvTidyLists = ") + (programUses.inserts ? "false" : "true") + ";\n";
+    text += std::string("const bool __kvKeepCreated = ") + (programUses.inlineCpp ? "true" : "false") + ";\n";
     text += texts::fastInstances;
     return text;
 }

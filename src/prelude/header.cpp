@@ -50,7 +50,9 @@ std::string FunctionSection(const HeaderContents& contents) {
     }
     if (!contents.functionLines.empty()) {
         text += "// Function declarations\n";
-        for (const std::string& line : contents.functionLines) text += line + "\n";
+        // All files are compiled as one: what nobody else calls can be fitted into its callers.
+        const char* linkage = settings.fastMode ? "static " : "";
+        for (const std::string& line : contents.functionLines) text += linkage + line + "\n";
         text += "\n";
     }
     return text;

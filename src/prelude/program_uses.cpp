@@ -47,6 +47,7 @@ bool IncludesOwnFile(const std::string& line) {
 }  // namespace
 
 void NoteInlineCpp(const std::string& line) {
+    programUses.inlineCpp = true;
     programUses.timers = true;  // inline C++ may arm timers itself
     for (const Mark& mark : marks)
         if (line.find(mark.text) != std::string::npos) programUses.*mark.use = true;

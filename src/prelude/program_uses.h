@@ -4,6 +4,7 @@
 #include <string>
 
 struct ProgramUses {
+    bool inlineCpp = false;      // any at all
     bool timers = false;         // AutoCall
     bool inserts = false;        // Insert: places in the list of a Type count, removed objects included
     bool foreignOutput = false;  // code that may write past the C++ streams, or start programs

@@ -46,7 +46,7 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
             ++removed;
             if(!walks && __kvTidyLists) while(used && !slots[used - 1]) { --used; --removed; }
         }
-        if(!__kvAllSeqs().empty()) __kvScrubSeqs(o);
+        if(KVSeqCount<void>::live) __kvScrubSeqs(o);
     }
     void Tidy() {
         if(walks || !__kvTidyLists) return;
@@ -131,10 +131,10 @@ template<typename T> struct KVTracked : KVObject {
     void InsertBefore(T* target) { _instances.Move(this, target, 0); }
 };
 template<typename T> KVInstances<T> KVTracked<T>::_instances;
-// The objects that a variable was declared with, in the order of creation.
+// The objects that variables were declared with, in the order of creation; kept for inline C++ alone.
 template<typename T> struct KVCreated {
     std::vector<void*> items;
-    void push_back(T* p) { items.push_back((void*)p); }
+    void push_back(T* p) { if(__kvKeepCreated) items.push_back((void*)p); }
     size_t size() const { return items.size(); }
     T*& operator[](size_t i) { return reinterpret_cast<T**>(items.data())[i]; }
     T** begin() { return reinterpret_cast<T**>(items.data()); }

@@ -9,13 +9,15 @@ struct KVSeqBase {
     virtual ~KVSeqBase() {}
 };
 inline std::vector<KVSeqBase*>& __kvAllSeqs() { static std::vector<KVSeqBase*>* v = new std::vector<KVSeqBase*>; return *v; }
+template<typename Unused> struct KVSeqCount { static size_t live; };
+template<typename Unused> size_t KVSeqCount<Unused>::live = 0;
 inline void __kvScrubSeqs(void* p) {
     for(size_t i = 0; i < __kvAllSeqs().size(); ++i) __kvAllSeqs()[i]->_scrub(p);
 }
 template<typename T, bool Pointers> struct KVSeqItems { std::vector<T> _items; };
 template<typename T> struct KVSeqItems<T, true> : KVSeqBase {
     std::vector<T> _items;
-    KVSeqItems() { _place = __kvAllSeqs().size(); __kvAllSeqs().push_back(this); }
+    KVSeqItems() { _place = KVSeqCount<void>::live++; __kvAllSeqs().push_back(this); }
     KVSeqItems(const KVSeqItems& o) : KVSeqBase(), _items(o._items) { _place = (size_t)-1; }
     KVSeqItems& operator=(const KVSeqItems& o) { _items = o._items; return *this; }
     ~KVSeqItems() {
@@ -24,6 +26,7 @@ template<typename T> struct KVSeqItems<T, true> : KVSeqBase {
         all[_place] = all.back();
         all[_place]->_place = _place;
         all.pop_back();
+        --KVSeqCount<void>::live;
     }
     void _scrub(void* p) { for(auto& e : _items) if((void*)e == p) e = nullptr; }
 };
