@@ -40,8 +40,8 @@ bool FindInstallation(Job& job) {
 
 // Ways of building that must not overwrite one another's files.
 std::string Variant(const Options& options) {
-    const std::string checks = options.debug ? "debug" : options.safe ? "safe" : "plain";
-    const std::string mode = checks + (IsFast(options) ? "-fast" : "");
+    const std::string checks = options.debug ? "debug" : options.safe ? "safe" : "";
+    const std::string mode = checks + (IsFast(options) ? "fast" : checks.empty() ? "plain" : "");
     return options.command == Command::check ? "check-" + mode : mode + options.optimisation;
 }
 

@@ -37,7 +37,12 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
     return text;
 }
 
-std::string FunctionSection(const HeaderContents& contents) {
+// All files are compiled as one: Functions that nobody else calls or defines can be fitted into their callers.
+bool StaysInside(const FileOutput& out) {
+    return settings.fastMode && !out.headerOnly && symbols.externFunctions.empty() && symbols.linkerFlags.empty();
+}
+
+std::string FunctionSection(const FileOutput& out, const HeaderContents& contents) {
     std::string text;
     if (!contents.externLines.empty()) {
         text += "// External C functions\n";
@@ -50,8 +55,7 @@ std::string FunctionSection(const HeaderContents& contents) {
     }
     if (!contents.functionLines.empty()) {
         text += "// Function declarations\n";
-        // All files are compiled as one: what nobody else calls can be fitted into its callers.
-        const char* linkage = settings.fastMode ? "static " : "";
+        const char* linkage = StaysInside(out) ? "static " : "";
         for (const std::string& line : contents.functionLines) text += linkage + line + "\n";
         text += "\n";
     }
@@ -84,7 +88,7 @@ void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::stri
         if (!settings.fastMode) out.headerPrelude += texts::scheduler;
     }
     out.headerClasses = ClassSection(out, contents);
-    out.headerFunctions = FunctionSection(contents);
+    out.headerFunctions = FunctionSection(out, contents);
 }
 
 std::string HeaderText(const FileOutput& out, const std::vector<std::string>& includes) {
