@@ -6,9 +6,9 @@ static std::string Piece(int i) { return "<" + std::to_string(i % 1000) + "," + 
 
 int main() {
     std::string longest;
-    for (int round = 1; round <= 10; ++round) {
+    for (int round = 1; round <= 2000; ++round) {
         std::string text;
-        for (int i = 1; i <= 200000; ++i) {
+        for (int i = 1; i <= 1000; ++i) {
             text += Piece(i) + " and ";
             if (i % 10 == 0) text += std::to_string(i) + "; ";
         }
