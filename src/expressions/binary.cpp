@@ -81,7 +81,16 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
             return Call("std::fmod", left.text, right.text, Single(common));
         return Join(std::move(left), op, right, Single(common));
     }
-    if (remainder && common == Base::Double) RequireSupport(Support::SafeOperands);
+    // C++ takes the arguments of a call in any order, but not what stands between braces.
+    const bool ordered = left.effects && right.effects;
+    if (ordered || (remainder && common == Base::Double)) RequireSupport(Support::SafeOperands);
+    if (ordered) {
+        Expr result;
+        result.text = "__kvInOrder<" + CppName(Single(common)) + ">{" + CheckedOperand(left, common) + ", " +
+                      CheckedOperand(right, common) + "}." + (remainder ? "Remainder()" : "Quotient()");
+        result.type = Single(common);
+        return result;
+    }
     return Call(remainder ? "KVL_SafeMod" : "KVL_SafeDiv", CheckedOperand(left, common),
                 CheckedOperand(right, common), Single(common));
 }

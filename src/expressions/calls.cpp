@@ -1,4 +1,6 @@
 // Calls of Functions, Methods and userlib functions.
+#include <algorithm>
+
 #include "driver/report.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
@@ -45,6 +47,47 @@ bool ParenthesesHoldAll(const Walk& walk) {
     return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
 }
 
+Expr ParseArgument(Walk& walk) {
+    const std::size_t calls = unrepeatable;
+    Expr argument = ParseValue(walk);
+    argument.effects = unrepeatable != calls;
+    return argument;
+}
+
+// C++ takes arguments in any order; where two of them run code of the program that could be seen. Arrays
+// and Sequences stay where they are, since they live to the end of the call only.
+bool OrderMatters(const Routine& routine, const std::vector<Expr>& arguments) {
+    const bool inRoutine = localDefList.size() > 1;  // a lambda elsewhere cannot reach anything
+    const auto effects =
+        std::count_if(arguments.begin(), arguments.end(), [](const Expr& a) { return a.effects; });
+    const auto single = [](const Parameter& p) { return p.type.IsSingle() && p.type.IsKnown(); };
+    return inRoutine && effects > 1 &&
+           std::all_of(routine.parameters.begin(), routine.parameters.end(), single);
+}
+
+std::string CallText(const std::string& callee, const std::vector<std::string>& arguments) {
+    std::string text = callee + " (";
+    const char* separator = " ";
+    for (const std::string& argument : arguments) {
+        text += separator + argument;
+        separator = " , ";
+    }
+    return text + " )";
+}
+
+// [&]() -> int { int __kv0 = first; int __kv1 = second; return KVL_F ( __kv0 , __kv1 ); }()
+std::string CallInOrder(const std::string& callee, const Routine& routine,
+                        const std::vector<std::string>& arguments) {
+    std::string text = "[&]() -> " + ResultCppName(routine.result) + " { ";
+    std::string names;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string name = "__kv" + std::to_string(i);
+        text += CppName(routine.parameters[i].type) + " " + name + " = " + arguments[i] + "; ";
+        names += (names.empty() ? " " : " , ") + name;
+    }
+    return text + "return " + callee + " (" + names + " ); }()";
+}
+
 std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
     if (Is(walk.Peek(), "(") && (!walk.callStatement || ParenthesesHoldAll(walk))) {
         walk.Take();
@@ -65,7 +108,7 @@ std::vector<Expr> ParseArguments(Walk& walk) {
         return arguments;
     }
     do {
-        arguments.push_back(ParseValue(walk));
+        arguments.push_back(ParseArgument(walk));
     } while (walk.Match(","));
     walk.Expect(")");
     walk.callStatement = statement;
@@ -83,7 +126,7 @@ std::vector<Expr> ParseBareArguments(Walk& walk) {
     std::vector<Expr> arguments;
     if (walk.Done()) return arguments;
     do {
-        arguments.push_back(ParseValue(walk));
+        arguments.push_back(ParseArgument(walk));
     } while (walk.Match(","));
     return arguments;
 }
@@ -116,14 +159,11 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
     if (routine.owner == nullptr && Lower(routine.name) == "main")
         ReportFatal("'" + routine.name + "' cannot be called");
     const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
+    const std::vector<std::string> texts = CheckedArguments(SubjectOf(routine), routine, arguments);
+    const std::string callee = prefix + routine.cppName;
     Expr call;
-    call.text = prefix + routine.cppName + " (";
-    const char* separator = " ";
-    for (const std::string& argument : CheckedArguments(SubjectOf(routine), routine, arguments)) {
-        call.text += separator + argument;
-        separator = " , ";
-    }
-    call.text += " )";
+    call.text =
+        OrderMatters(routine, arguments) ? CallInOrder(callee, routine, texts) : CallText(callee, texts);
     call.type = routine.result;
     if (call.type.IsArray())
         call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;

@@ -35,16 +35,22 @@ std::string Listed(TokenSpan tokens) {
 
 // Operators that bind tighter than or as tight as `loosest`, from left to right.
 Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
+    std::size_t calls = unrepeatable;
     Expr left = ParseUnary(walk);
+    left.effects = unrepeatable != calls;
     int wraps = 0;
     std::size_t length = 0;
     for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
          op != nullptr && op->level <= loosest; op = PeekBinary(walk, comparing, length)) {
         walk.at += length;
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
-        const Expr right = ParseBinary(walk, tighter, comparing);
+        calls = unrepeatable;
+        Expr right = ParseBinary(walk, tighter, comparing);
+        right.effects = unrepeatable != calls;
+        const bool effects = left.effects || right.effects;
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
         left = Combine(std::move(left), *op, right);
+        left.effects = effects;
     }
     return left;
 }

@@ -20,10 +20,10 @@ const TwoWordCloser twoWordClosers[] = {
 
 }  // namespace
 
+// Any other second word is passed over.
 void TranslateEnd(State& state, TokenSpan tokens) {
     for (const TwoWordCloser& closer : twoWordClosers)
         if (IsWord(tokens[1], closer.word)) ReportFatal(closer.message);
-    RefuseMore(tokens, 1);
     if (!state.inFunction && !state.inMethod)
         ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
     EmitLine(state, "exit(0);");

@@ -1,4 +1,5 @@
-// Checked division and remainder of operands of two types, and the remainder of Doubles.
+// Checked division and remainder of operands of two types or with calls on both sides, and the remainder of
+// Doubles.
 inline double KVL_SafeMod(double a, double b) {
     if(b == 0) {
         std::cerr << "Modulo by zero error" << std::endl;
@@ -16,4 +17,11 @@ typename std::common_type<A, B>::type KVL_SafeMod(A a, B b) {
     typedef typename std::common_type<A, B>::type Common;
     return KVL_SafeMod((Common)a, (Common)b);
 }
+// Two operands that run code of the program, the left one first.
+template<typename T>
+struct __kvInOrder {
+    T a, b;
+    T Quotient() const { return KVL_SafeDiv(a, b); }
+    T Remainder() const { return KVL_SafeMod(a, b); }
+};
 
