@@ -110,7 +110,8 @@ std::string Checked(const Expr& array, const Access& access) {
     if (IsField(access.array, array.text)) return CheckedByHelper(array.text, access, false);
     if (access.array->sizes.size() != access.indices.size()) return Plain(array.text, access);
     // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
-    if (!access.simple || !InsideRoutine() || settings.fastMode) return CheckedByHelper(array.text, access, true);
+    if (!access.simple || !InsideRoutine() || settings.fastMode)
+        return CheckedByHelper(array.text, access, true);
     ++unrepeatable;
     return CheckedByLambda(array.text, access);
 }

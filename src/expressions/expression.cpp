@@ -86,8 +86,8 @@ DepthGuard::~DepthGuard() { --depth; }
 
 void Walk::Expect(const char* token) {
     if (Match(token)) return;
-    ReportFatal(std::string("Expected '") + token + "' but found " +
-                (Done() ? "the end of the statement" : "'" + Peek() + "'"));
+    const std::string found = Done() ? "the end of the statement" : "'" + Peek() + "'";
+    ReportFatal(std::string("Expected '") + token + "' but found " + found);
 }
 
 Expr ParseValue(Walk& walk) {

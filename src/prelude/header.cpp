@@ -39,7 +39,8 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
 
 // All files are compiled as one: Functions that nobody else calls or defines can be fitted into their callers.
 bool StaysInside(const FileOutput& out) {
-    return settings.fastMode && !out.headerOnly && symbols.externFunctions.empty() && symbols.linkerFlags.empty();
+    return settings.fastMode && !out.headerOnly && symbols.externFunctions.empty() &&
+           symbols.linkerFlags.empty();
 }
 
 std::string FunctionSection(const FileOutput& out, const HeaderContents& contents) {

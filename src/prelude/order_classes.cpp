@@ -120,9 +120,11 @@ void RefuseDroppedClasses(Program& program) {
             if (dropped.count(cls) == 0) continue;
             settings.currentFile = cls->sourceFile;
             settings.currentLine = cls->line;
-            ReportFatal("'" + cls->name +
-                        "' is used, but a file in a folder ending in .kvh gives its declarations " +
-                        "only. Move the " + (cls->isElement ? "Element" : "Type") + " to another folder");
+            const std::string kind = cls->isElement ? "Element" : "Type";
+            ReportFatal(
+                "'" + cls->name +
+                "' is used, but a file in a folder ending in .kvh gives its declarations only. Move the " +
+                kind + " to another folder");
         }
     });
 }

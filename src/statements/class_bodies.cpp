@@ -55,9 +55,9 @@ void EmitTypeClosing(State& state, const ClassInfo& cls) {
     std::string constructor = Fill(texts::classConstructor, {{"C", cls.cppName}});
     if (HasPlainConstructor(cls)) constructor.erase(constructor.find(" " + cls.cppName + "()"));
     EmitLines(state, constructor);
-    if (FindMethod(cls, "destructor") == nullptr)
-        EmitLines(state, InstanceDestructor(cls));
-    const std::string_view navigation = settings.fastMode ? texts::fastClassNavigation : texts::classNavigation;
+    if (FindMethod(cls, "destructor") == nullptr) EmitLines(state, InstanceDestructor(cls));
+    const std::string_view navigation =
+        settings.fastMode ? texts::fastClassNavigation : texts::classNavigation;
     EmitLines(state, Fill(navigation, {{"C", cls.cppName}}));
 }
 
@@ -113,7 +113,8 @@ void CloseClass(State& state, const std::string& closer) {
 }  // namespace
 
 std::string InstanceDestructor(const ClassInfo& cls) {
-    return Fill(settings.fastMode ? texts::fastClassDestructor : texts::classDestructor, {{"C", cls.cppName}});
+    return Fill(settings.fastMode ? texts::fastClassDestructor : texts::classDestructor,
+                {{"C", cls.cppName}});
 }
 
 void EmitAccess(State& state) {
