@@ -105,6 +105,10 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
     EmitLine(state, "        break;");
     EmitLine(state, "    } else {");
     EmitLine(state, std::string("        std::cout << \"") + RetryMessage(target.type) + "\"" + LineEnd());
+    // The plain loop asks for ever once the input has ended.
+    if (settings.fastMode)
+        EmitLine(state,
+                 "        if(std::cin.eof()) { std::cerr << \"Input has ended\" << std::endl; exit(1); }");
     EmitLine(state, "        std::cin.clear();");
     EmitLine(state, ignoreLine);
     EmitLine(state, "    }");
