@@ -72,8 +72,6 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
     BeginPiece(out, Piece::Kind::Lines);
 }
 
-bool HasMain(const FileOutput& out) { return std::any_of(out.pieces.begin(), out.pieces.end(), IsMain); }
-
 std::string CppText(const FileOutput& out) {
     std::string text;
     std::size_t size = 0;

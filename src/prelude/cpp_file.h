@@ -13,9 +13,6 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes);
 // The whole .cpp: pieces in their order, main() last with the start-up calls in it.
 std::string CppText(const FileOutput& out);
 
-// Whether the file holds main(), and whether main() has a line for the start-up calls to follow.
-bool HasMain(const FileOutput& out);
-
 // The verbose notes about moving main(), and the warning when the start-up call of the userlibs found
 // no place in the program.
 void SayPostProcessing(const FileOutput& out);
