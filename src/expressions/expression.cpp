@@ -99,7 +99,7 @@ Expr ParseAssignment(Walk& walk) {
     const DepthGuard guard;
     Expr left = ParseBinary(walk, Level::Or, false);
     if (!walk.Match("=")) return left;
-    return Assign(std::move(left), ParseAssignment(walk));
+    return Assign(left, ParseAssignment(walk));
 }
 
 Expr ParseUnary(Walk& walk) {
