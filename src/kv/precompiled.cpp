@@ -7,6 +7,7 @@
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
+#include "kv/stamp.h"
 
 namespace fs = std::filesystem;
 
@@ -20,14 +21,6 @@ const char preludeText[] =
     "#include <chrono>\n#include <cmath>\n";
 
 const char compiledSuffix[] = ".gch";  // g++ and clang++ both look for it
-
-// Changes when the file does.
-std::string MarkOf(const std::string& path) {
-    std::error_code failed;
-    const auto size = fs::file_size(path, failed);
-    const auto time = fs::last_write_time(path, failed).time_since_epoch().count();
-    return path + "|" + std::to_string(failed ? 0 : size) + "|" + std::to_string(failed ? 0 : time) + "\n";
-}
 
 std::vector<std::string> PreludeCommand(const PreludeJob& job, const std::string& header,
                                         const std::string& compiled) {
@@ -62,7 +55,7 @@ std::string PreludePath(const PreludeJob& job) {
     const std::string cache = UserCacheFolder();
     if (cache.empty() || job.compiler.empty()) return "";
     std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
-    key += MarkOf(job.compiler[0]) + MarkOf((fs::path(job.includeFolder) / "conio.h").string());
+    key += MarkOf(job.compiler[0]) + "\n" + MarkOf((fs::path(job.includeFolder) / "conio.h").string());
     return (fs::path(cache) / "korvel" / "prelude" / HashOf(key) / "prelude.h").string();
 }
 

@@ -14,15 +14,6 @@ const char stampVersion[] = "kv-stamp 1";
 // Times of files advance in steps of a few milliseconds.
 const auto timeStep = std::chrono::milliseconds(20);
 
-// "size|time|path"; a file that is missing has a mark as well.
-std::string MarkOf(const std::string& path) {
-    std::error_code failed;
-    const std::uintmax_t size = fs::file_size(path, failed);
-    if (failed) return "missing|" + path;
-    const auto time = fs::last_write_time(path, failed).time_since_epoch().count();
-    return std::to_string(size) + "|" + std::to_string(time) + "|" + path;
-}
-
 std::string PathOfMark(const std::string& mark) {
     const std::size_t first = mark.find('|');
     if (first == std::string::npos || mark.compare(0, first, "missing") == 0) return "";
@@ -31,6 +22,14 @@ std::string PathOfMark(const std::string& mark) {
 }
 
 }  // namespace
+
+std::string MarkOf(const std::string& path) {
+    std::error_code failed;
+    const std::uintmax_t size = fs::file_size(path, failed);
+    if (failed) return "missing|" + path;
+    const auto time = fs::last_write_time(path, failed).time_since_epoch().count();
+    return std::to_string(size) + "|" + std::to_string(time) + "|" + path;
+}
 
 bool StampHolds(const std::string& stampFile, const std::string& commands) {
     std::ifstream stream(stampFile, std::ios::binary);

@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+// "size|time|path": changes when the file does; a file that is missing has a mark as well.
+std::string MarkOf(const std::string& path);
+
 // Whether the stamp was written for the same commands and none of its files has changed since.
 bool StampHolds(const std::string& stampFile, const std::string& commands);
 

@@ -44,14 +44,13 @@ void NoteInclude(const IncludeName& name) {
     if (settings.quickBuild) AddDependency(IncludeSourcePath(name));
 }
 
-namespace {
-
-// A source in a folder whose name ends in .kvh contributes its header only.
 bool IsHeaderOnly(const std::string& sourcePath) {
     std::string folder = FolderOf(sourcePath);
     std::size_t dot = folder.rfind('.');
     return dot != std::string::npos && folder.substr(dot + 1) == "kvh";
 }
+
+namespace {
 
 // Include names start at the top folder; a .cpp in a sub-folder has to climb up to it first.
 std::string AsSeenFrom(const FileOutput& out, const std::string& path) {

@@ -50,9 +50,7 @@ void NameOutputs(FileOutput& out, const std::string& path, const std::string& fo
     out.base = StripExtension(StripFolder(path));
     if (isMain && settings.debugMode) out.base += ".debug";
     out.header = HeaderPath(out).substr(settings.outputPath.size() + 1);
-    std::string sourceFolder = FolderOf(path);
-    std::size_t dot = sourceFolder.rfind('.');
-    out.headerOnly = dot != std::string::npos && sourceFolder.substr(dot + 1) == "kvh";
+    out.headerOnly = IsHeaderOnly(path);
 }
 
 // Files of one base name in different folders need different guards; all others keep the plain one.

@@ -24,5 +24,8 @@ std::string IncludeOutputFolder(const IncludeName& name);
 // Lists the header of an included file for the main header, and the file as a dependency.
 void NoteInclude(const IncludeName& name);
 
+// A source in a folder whose name ends in .kvh contributes its header only.
+bool IsHeaderOnly(const std::string& sourcePath);
+
 // The path that opens an included file from the working directory.
 std::string IncludeSourcePath(const IncludeName& name);
