@@ -14,7 +14,8 @@ struct Access {
     std::string name;       // as written
     const Variable* array;  // null for anything but a variable or Field
     std::vector<std::string> indices;
-    bool simple = true;  // the indices may be evaluated more than once
+    bool simple = true;     // the indices may be evaluated more than once
+    bool mayBeRow = false;  // fewer indices than dimensions are allowed here
 };
 
 void CheckIndexType(const Expr& index) {
@@ -38,7 +39,7 @@ bool IsDigitsOnly(const std::string& text) {
 
 void CheckCount(const Access& access, const ValueType& type, ArrayForm form) {
     const auto count = static_cast<int>(access.indices.size());
-    const bool partly = form == ArrayForm::Pointer && count < type.dims;
+    const bool partly = (form == ArrayForm::Pointer || access.mayBeRow) && count < type.dims;
     if (count == type.dims || partly || !type.IsKnown()) return;
     ReportFatal("Array '" + access.name + "' was declared with " + std::to_string(type.dims) +
                 " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices");
@@ -108,7 +109,7 @@ std::string Checked(const Expr& array, const Access& access) {
         return Plain(array.text, access);
     }
     if (IsField(access.array, array.text)) return CheckedByHelper(array.text, access, false);
-    if (access.array->sizes.size() != access.indices.size()) return Plain(array.text, access);
+    if (access.array->sizes.size() < access.indices.size()) return Plain(array.text, access);
     // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
     if (!access.simple || !InsideRoutine() || settings.fastMode)
         return CheckedByHelper(array.text, access, true);
@@ -119,7 +120,8 @@ std::string Checked(const Expr& array, const Access& access) {
 }  // namespace
 
 Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable) {
-    Access access{name, variable, {}, true};
+    Access access{name, variable, {}, true, false};
+    const bool wholeArgument = walk.rowAt != std::string::npos && walk.rowAt == walk.operandAt;
     const std::size_t before = unrepeatable;
     const bool statement = walk.callStatement;
     walk.callStatement = false;
@@ -130,6 +132,9 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
     }
     walk.callStatement = statement;
     access.simple = unrepeatable == before;
+    const std::string& next = walk.Peek();
+    access.mayBeRow =
+        wholeArgument && array.form != ArrayForm::Owned && (walk.Done() || Is(next, ",") || Is(next, ")"));
     CheckCount(access, array.type, array.form);
     CheckConstantIndices(access);
 

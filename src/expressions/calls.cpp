@@ -47,11 +47,27 @@ bool ParenthesesHoldAll(const Walk& walk) {
     return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
 }
 
-Expr ParseArgument(Walk& walk) {
+Expr ParseArgument(Walk& walk, bool forArray) {
     const std::size_t calls = unrepeatable;
+    const std::size_t outerRow = walk.rowAt;
+    walk.rowAt = forArray ? walk.at : std::string::npos;
     Expr argument = ParseValue(walk);
+    walk.rowAt = outerRow;
     argument.effects = unrepeatable != calls;
     return argument;
+}
+
+// Arguments up to the one that no comma follows.
+std::vector<Expr> ParseList(Walk& walk) {
+    const Routine* callee = walk.callee;
+    walk.callee = nullptr;
+    std::vector<Expr> arguments;
+    do {
+        const std::size_t i = arguments.size();
+        arguments.push_back(ParseArgument(walk, callee != nullptr && i < callee->parameters.size() &&
+                                                    callee->parameters[i].type.IsArray()));
+    } while (walk.Match(","));
+    return arguments;
 }
 
 // C++ takes arguments in any order; where two of them run code of the program that could be seen. Arrays
@@ -89,6 +105,7 @@ std::string CallInOrder(const std::string& callee, const Routine& routine,
 }
 
 std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
+    walk.callee = &routine;
     if (Is(walk.Peek(), "(") && (!walk.callStatement || ParenthesesHoldAll(walk))) {
         walk.Take();
         return ParseArguments(walk);
@@ -104,13 +121,11 @@ std::vector<Expr> ParseArguments(Walk& walk) {
     walk.callStatement = false;
     std::vector<Expr> arguments;
     if (walk.Match(")")) {
-        walk.callStatement = statement;
-        return arguments;
+        walk.callee = nullptr;
+    } else {
+        arguments = ParseList(walk);
+        walk.Expect(")");
     }
-    do {
-        arguments.push_back(ParseArgument(walk));
-    } while (walk.Match(","));
-    walk.Expect(")");
     walk.callStatement = statement;
     return arguments;
 }
@@ -123,12 +138,9 @@ bool TakesBareArguments(const Walk& walk) {
 
 std::vector<Expr> ParseBareArguments(Walk& walk) {
     walk.callStatement = false;
-    std::vector<Expr> arguments;
-    if (walk.Done()) return arguments;
-    do {
-        arguments.push_back(ParseArgument(walk));
-    } while (walk.Match(","));
-    return arguments;
+    if (!walk.Done()) return ParseList(walk);
+    walk.callee = nullptr;
+    return {};
 }
 
 std::string SubjectOf(const Routine& routine) {

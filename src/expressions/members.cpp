@@ -87,6 +87,7 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
 Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
     const std::string* name = &firstName;
     const Variable* array = expr.variable;
+    const std::size_t begin = walk.operandAt;
     while (!walk.Done()) {
         const std::string& token = walk.Peek();
         if (Is(token, "\\") || Is(token, ".")) {
@@ -96,6 +97,7 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
             name = member;
         } else if (Is(token, "[")) {
             if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
+            walk.operandAt = begin;
             expr = ParseIndices(walk, expr, *name, array);
             array = nullptr;
         } else {

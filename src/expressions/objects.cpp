@@ -107,8 +107,9 @@ Expr ParseCreate(Walk& walk) {
     const std::vector<Expr> arguments = walk.Match("(") ? ParseArguments(walk) : std::vector<Expr>();
     const std::string call = cls->cppName + "(" + Joined(ConstructorArguments(*cls, arguments)) + ")";
     if (!cls->isElement) {
-        Expr object = ObjectOf(cls, "new " + call);
-        object.level = Level::Unary;
+        const bool used = Is(walk.Peek(), "\\") || (Is(walk.Peek(), ".") && IsIdentifier(walk.Peek(1)));
+        Expr object = ObjectOf(cls, used ? "( new " + call + " )" : "new " + call);
+        if (!used) object.level = Level::Unary;
         return object;
     }
     Expr value = ObjectOf(cls, call);

@@ -139,6 +139,7 @@ Expr ParsePrimary(Walk& walk) {
     const std::string& token = walk.Peek();
     if (token.empty()) FailUnexpected(walk);
     const char c = token[0];
+    const std::size_t begin = walk.at;
     if (c == '"') {
         Expr text = TranslateString(token);
         walk.Take();
@@ -154,5 +155,6 @@ Expr ParsePrimary(Walk& walk) {
     if (!IsIdentifier(token)) FailUnexpected(walk);
     if (token == "std" && walk.Peek(1) == ":") return ParseLibraryName(walk);
     Expr expr = ParseName(walk);
+    walk.operandAt = begin;
     return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;
 }

@@ -13,6 +13,10 @@ struct Walk {
     ExprMode mode = ExprMode::Condition;
     std::size_t at = 0;
     bool callStatement = false;  // a Function or Method may be called without parentheses
+    // For rows of arrays, which only an argument for an array parameter may be:
+    const Routine* callee = nullptr;            // the routine whose arguments come next
+    std::size_t rowAt = std::string::npos;      // where such an argument begins
+    std::size_t operandAt = std::string::npos;  // where the operand under way begins
 
     Walk(TokenSpan t, ExprMode m) : tokens(t), mode(m) {}
 

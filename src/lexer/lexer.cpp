@@ -260,7 +260,9 @@ std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countL
     const std::string_view rest = BeginLine(line, countLine, skipValidation);
     const ScanResult found = Scanner(rest, &tokens).Run(!skipValidation);
     if (!skipValidation && found.unmatched) Fail(*this, found.unmatched);
-    const bool continues = !tokens.empty() && tokens.back() == "_";
+    const std::size_t count = tokens.size();
+    const bool continues = (count > 0 && tokens.back() == "_") ||
+                           (count > 1 && tokens[count - 1] == "~" && tokens[count - 2] == "~");
     if (keepComment && found.comment != std::string_view::npos) {
         tokens.push_back("//" + std::string(rest.substr(found.comment + 1)));
     }

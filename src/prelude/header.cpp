@@ -1,6 +1,8 @@
 #include "prelude/header.h"
 
 #include <cctype>
+#include <string_view>
+#include <unordered_set>
 
 #include "driver/settings.h"
 #include "prelude/fast_prelude.h"
@@ -8,11 +10,31 @@
 #include "prelude/texts.h"
 #include "symbols/extern_functions.h"
 
+namespace {
+
+// Guards of the headers behind the standard includes and of our own, as far as a source may be called so.
+const std::unordered_set<std::string_view> foreignGuards = {
+    "KV_CONIO_H",     "KV_DEBUG_H", "_ALLOCATOR_H",       "_ALLOCA_H",   "_ASSERT_H",    "_ATOMIC_H",
+    "_BASIC_IOS_H",   "_CODECVT_H", "_COMPLEX_H",         "_CONIO_H",    "_CTYPE_H",     "_DLFCN_H",
+    "_ENDIAN_H",      "_ERRNO_H",   "_FCNTL_H",           "_FEATURES_H", "_FENV_H",      "_FLOAT_H",
+    "_FUNCTEXCEPT_H", "_GETOPT_H",  "_HASH_BYTES_H",      "_INTTYPES_H", "_IOS_BASE_H",  "_LIBINTL_H",
+    "_LIMITS_H",      "_LOCALE_H",  "_LOCALE_FWD_H",      "_MATH_H",     "_MEMORY_H",    "_MEMORYFWD_H",
+    "_MOVE_H",        "_NEW_H",     "_OSTREAM_INSERT_H",  "_POLL_H",     "_POSTYPES_H",  "_PTHREAD_H",
+    "_RANDOM_H",      "_REGEX_H",   "_SCHED_H",           "_SEARCH_H",   "_SEMAPHORE_H", "_SETJMP_H",
+    "_SIGNAL_H",      "_STDARG_H",  "_STDBOOL_H",         "_STDDEF_H",   "_STDEXCEPT_H", "_STDINT_H",
+    "_STDIO_H",       "_STDLIB_H",  "_STREAM_ITERATOR_H", "_STRING_H",   "_STRINGFWD_H", "_STRINGS_H",
+    "_TERMIOS_H",     "_TGMATH_H",  "_THREADS_H",         "_TIME_H",     "_TYPEINFO_H",  "_UCHAR_H",
+    "_UNISTD_H",      "_UTILITY_H", "_WCHAR_H",           "_WCHAR_T_H",  "_WCTYPE_H",    "__EXCEPTION_H",
+};
+
+}  // namespace
+
 std::string HeaderGuard(const std::string& base) {
     std::string guard;
     for (unsigned char c : base) guard += std::isalnum(c) != 0 ? static_cast<char>(std::toupper(c)) : '_';
     guard += "_H";
     if (std::isdigit(static_cast<unsigned char>(guard.front())) != 0) guard.insert(0, "_");
+    if (foreignGuards.count(guard) != 0) guard.insert(0, "KVL");
     return guard;
 }
 

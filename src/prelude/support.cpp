@@ -25,6 +25,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::stringSelect, texts::stringSelect, Support::StringSelect},
     {texts::safeIndex, texts::fastSafeIndex, Support::SafeIndex},
     {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},
+    {texts::inputEnd, texts::inputEnd, Support::InputEnd},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
 }};
 

@@ -12,6 +12,7 @@ enum class Support : unsigned char {
     StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
     SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes
+    InputEnd,      // ends a program that asks for numbers behind the end of its input
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     Count,
 };

@@ -37,6 +37,7 @@ extern const std::string_view elementSlots;
 extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
 extern const std::string_view sequenceWalk;
+extern const std::string_view inputEnd;
 extern const std::string_view safeOperands;
 
 }  // namespace texts

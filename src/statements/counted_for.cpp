@@ -2,9 +2,14 @@
 //     {
 // A step that is no literal may count either way, so its sign picks the comparison at run time:
 //     for (KVL_i = start; (step) < 0 ? KVL_i >= end : KVL_i <= end; KVL_i += step)
+// A counter whose last value may be the last one of its type would never get past the end, so it is asked
+// before it counts on whether there is a next value:
+//     for (uint8_t KVL_b = 0, __kvMore_KVL_b = 1; __kvMore_KVL_b && KVL_b <= 255;
+//          __kvMore_KVL_b = KVL_b <= 255 - 1 && (KVL_b++, true))
 #include <algorithm>
 
 #include "driver/report.h"
+#include "statements/constant_value.h"
 #include "statements/for_loops.h"
 #include "statements/selects.h"
 #include "statements/words.h"
@@ -113,21 +118,87 @@ std::string Joined(TokenSpan tokens) {
     return text;
 }
 
-// The part of the header behind the start: " comparison; increment)".
-std::string ComparisonAndIncrement(const Counter& counter, const Expr& end, TokenSpan step) {
+// How a loop goes on: up, down, or as the sign of the step says when the program runs.
+struct Course {
+    std::string comparison, increment;
+    std::string step;     // the text that is added in each round, "1" for "++" and "--"
+    bool down = false;    // by the text of the step
+    bool bySign = false;  // the step is no literal
+};
+
+Course CourseOf(const Counter& counter, const Expr& end, TokenSpan step) {
     const std::string endText = GuardedText(end, Level::Shift);
     const std::string stepText = step.empty() ? "+1" : Joined(step);
-    const bool down = stepText[0] == '-';
+    Course course;
+    course.down = stepText[0] == '-';
+    course.step = "1";
     const std::string up = counter.cppName + " <= " + endText;
     const std::string downTo = counter.cppName + " >= " + endText;
-    const std::string& comparison = down ? downTo : up;
-    if (stepText == "+1" || stepText == "1") return comparison + "; " + counter.cppName + "++)";
-    if (stepText == "-1") return comparison + "; " + counter.cppName + "--)";
-    const std::string value = GuardedText(Number(step, "step"), Level::Or);
-    const std::string increment = "; " + counter.cppName + " += " + value + ")";
-    if (IsLiteralStep(step)) return comparison + increment;
-    if (down) return "(" + value + ") > 0 ? " + up + " : " + downTo + increment;
-    return "(" + value + ") < 0 ? " + downTo + " : " + up + increment;
+    course.comparison = course.down ? downTo : up;
+    course.increment = counter.cppName + (course.down ? "--" : "++");
+    if (stepText == "+1" || stepText == "1" || stepText == "-1") return course;
+    course.step = GuardedText(Number(step, "step"), Level::Or);
+    course.increment = counter.cppName + " += " + course.step;
+    course.bySign = !IsLiteralStep(step);
+    if (!course.bySign) return course;
+    if (course.down)
+        course.comparison = "(" + course.step + ") > 0 ? " + up + " : " + downTo;
+    else
+        course.comparison = "(" + course.step + ") < 0 ? " + downTo + " : " + up;
+    return course;
+}
+
+// The values that a counter can hold.
+struct Range {
+    long long least, most;
+    const char *leastText, *mostText;
+};
+
+const Range* RangeOf(const ValueType& type) {
+    static const Range ofByte = {0, 255, "0", "255"};
+    static const Range ofShort = {-32768, 32767, "-32768", "32767"};
+    static const Range ofInt = {-2147483648LL, 2147483647LL, "(-2147483647 - 1)", "2147483647"};
+    if (type.Is(Base::Byte)) return &ofByte;
+    if (type.Is(Base::Short)) return &ofShort;
+    return type.Is(Base::Int) ? &ofInt : nullptr;
+}
+
+// Whether the counter may have to step past its range. One as wide as Int is only suspected when the end
+// is written out; what a narrow one meets is often not known before the program runs.
+bool MayOverrun(const Range* range, const Counter& counter, const Parts& parts) {
+    if (range == nullptr) return false;
+    const auto end = EvaluateConstant(parts.end);
+    const auto step = parts.stepGiven ? EvaluateConstant(parts.step)
+                                      : ConstantValue{ConstantValue::Kind::Integer, 1, 0, ""};
+    if (!end || !step) return !counter.type.Is(Base::Int);
+    const double last = end->AsReal() + step->AsReal();
+    return last < static_cast<double>(range->least) || last > static_cast<double>(range->most);
+}
+
+// The question whether the counter can take one more step.
+std::string HasNext(const Counter& counter, const Course& course, const Range& range) {
+    const std::string up = counter.cppName + " <= " + range.mostText + " - " + course.step;
+    if (!course.bySign && !course.down) return up;
+    // A step that counts down is a negative number, but for the "1" of "--".
+    const std::string down = counter.cppName + " >= " + range.leastText +
+                             (course.step == "1" ? " + 1" : " - (" + course.step + ")");
+    if (!course.bySign) return down;
+    return "((" + course.step + ") < 0 ? " + counter.cppName + " >= " + range.leastText + " - (" +
+           course.step + ") : " + counter.cppName + " <= " + range.mostText + " - (" + course.step + "))";
+}
+
+// The header, from the counter's first value on; `declaration` is its type and a blank, or empty.
+std::string Header(const Counter& counter, const std::string& declaration, const std::string& start,
+                   const Course& course, const Range* range) {
+    const std::string first = counter.cppName + " = " + start;
+    if (range == nullptr)
+        return "for (" + declaration + first + "; " + course.comparison + "; " + course.increment + ")";
+    const std::string more = "__kvMore_" + SafeName(counter.name);
+    const std::string begin = declaration.empty() ? "bool " + more + " = (" + first + ", true)"
+                                                  : declaration + first + ", " + more + " = 1";
+    const std::string comparison = course.bySign ? "(" + course.comparison + ")" : course.comparison;
+    return "for (" + begin + "; " + more + " && " + comparison + "; " + more + " = " +
+           HasNext(counter, course, *range) + " && (" + course.increment + ", true))";
 }
 
 // The start text of a counter declared here. One that reads an outer variable of the counter's name is
@@ -146,23 +217,26 @@ std::string StartText(State& state, const Counter& counter, const Expr& start, T
 void TranslateCountedFor(State& state, TokenSpan tokens) {
     Counter counter;
     Parts parts = Cut(tokens, ReadCounter(tokens, counter));
-    Expr start = Number(parts.start, "start");
-    std::string head = "for (";
+    const Expr start = Number(parts.start, "start");
+    std::string declaration, first;
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
         CheckCounterType(counter, start);
-        const std::string text = StartText(state, counter, start, parts.start);
+        first = StartText(state, counter, start, parts.start);
         PushBlock();
         counter.cppName = DeclareLoopVariable(counter.name, counter.type).cppName;
-        head += CppName(counter.type) + " " + counter.cppName + " = " + text;
+        declaration = CppName(counter.type) + " ";
     } else {
         PushBlock();
         CheckDeclaredCounter(counter);
         CheckCounterType(counter, start);
-        head += counter.cppName + " = " + TextAs(start, counter.type);
+        first = TextAs(start, counter.type);
     }
-    Expr end = Number(parts.end, "end");
-    EmitLine(state, head + "; " + ComparisonAndIncrement(counter, end, parts.step));
+    const Expr end = Number(parts.end, "end");
+    const Course course = CourseOf(counter, end, parts.step);
+    const Range* range = RangeOf(counter.type);
+    if (!MayOverrun(range, counter, parts)) range = nullptr;
+    EmitLine(state, Header(counter, declaration, first, course, range));
     EmitLine(state, "{");
     OpenLoop(state, "For").variable = counter.name;
 }

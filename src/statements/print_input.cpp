@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "prelude/support.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -105,8 +106,10 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
     EmitLine(state, "        break;");
     EmitLine(state, "    } else {");
     EmitLine(state, std::string("        std::cout << \"") + RetryMessage(target.type) + "\"" + LineEnd());
-    // The plain loop asks for ever once the input has ended.
-    if (settings.fastMode)
+    // The loop would ask for ever once the input has ended.
+    if (!settings.fastMode)
+        RequireSupport(Support::InputEnd);
+    else
         EmitLine(state,
                  "        if(std::cin.eof()) { std::cerr << \"Input has ended\" << std::endl; exit(1); }");
     EmitLine(state, "        std::cin.clear();");
