@@ -12,6 +12,7 @@
 #include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
+#include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 namespace fs = std::filesystem;
@@ -82,8 +83,9 @@ std::vector<std::string> IncludesOf(const std::string& path) {
     SourceReader source;
     source.Open(path);
     while (!source.AtEnd()) {
-        const Tokens tokens = Split(source.NextLine());
-        if (tokens.size() < 2 || Lower(tokens[0]) != "include" || tokens[1].size() < 2) continue;
+        const Tokens list = Split(source.NextLine());
+        const TokenSpan tokens(list);
+        if (tokens.KeywordAt(0) != Keyword::Include || tokens[1].size() < 2) continue;
         names.push_back(tokens[1].substr(1, tokens[1].size() - 2));
     }
     return names;

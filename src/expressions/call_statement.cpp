@@ -6,10 +6,7 @@
 
 namespace {
 
-bool MakesObject(const std::string& word) {
-    const std::string lower = Lower(word);
-    return lower == "create" || lower == "new";
-}
+bool MakesObject(Keyword word) { return word == Keyword::Create || word == Keyword::New; }
 
 TokenSpan WithoutComment(TokenSpan tokens) {
     if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
@@ -34,7 +31,7 @@ bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
         ReportFatal("There is no operator '" + next + next + "'. Write the assignment out, as in 'x = x " +
                     next + " 1'");
     }
-    if (!expr.isCall && !MakesObject(tokens[0])) return false;
+    if (!expr.isCall && !MakesObject(tokens.KeywordAt(0))) return false;
     if (!walk.Done()) FailUnexpected(walk);
     text = Discarded(expr);
     return true;

@@ -5,6 +5,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "lexer/token_span.h"
 
 namespace {
 
@@ -149,7 +150,7 @@ private:
 
     void Add(std::size_t begin, std::size_t end) {
         result.anyToken = true;
-        if (tokens) tokens->emplace_back(line.data() + begin, end - begin);
+        if (tokens) tokens->emplace_back(line.substr(begin, end - begin));
     }
 
     void Flush() {
@@ -159,7 +160,8 @@ private:
 
     void Delimiter() {
         Flush();
-        Add(at, at + 1);
+        result.anyToken = true;
+        if (tokens) tokens->emplace_back(WordOf(line[at]));
         ++at;
     }
 
@@ -260,9 +262,10 @@ std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countL
     const std::string_view rest = BeginLine(line, countLine, skipValidation);
     const ScanResult found = Scanner(rest, &tokens).Run(!skipValidation);
     if (!skipValidation && found.unmatched) Fail(*this, found.unmatched);
-    const std::size_t count = tokens.size();
-    const bool continues = (count > 0 && tokens.back() == "_") ||
-                           (count > 1 && tokens[count - 1] == "~" && tokens[count - 2] == "~");
+    const TokenSpan all(tokens);
+    const std::size_t count = all.size();
+    const bool continues = (count > 0 && Is(all[count - 1], "_")) ||
+                           (count > 1 && all.SignAt(count - 1) == '~' && all.SignAt(count - 2) == '~');
     if (keepComment && found.comment != std::string_view::npos) {
         tokens.push_back("//" + std::string(rest.substr(found.comment + 1)));
     }
@@ -273,7 +276,7 @@ std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countL
 std::int32_t Lexer::TokenCount() const { return static_cast<std::int32_t>(tokens.size()); }
 
 std::string Lexer::GetToken(std::int32_t i) const {
-    return i >= 0 && i < TokenCount() ? tokens[static_cast<std::size_t>(i)] : std::string();
+    return i >= 0 && i < TokenCount() ? tokens[static_cast<std::size_t>(i)]->text : std::string();
 }
 
 std::uint32_t Lexer::GetIndent() const { return indent; }
@@ -288,7 +291,7 @@ Tokens Split(const std::string& text) {
 std::string Lower(std::string_view text) {
     std::string lower(text);
     for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        c = LowerLetter(c);
     }
     return lower;
 }

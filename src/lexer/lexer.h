@@ -1,5 +1,4 @@
 // The line lexer: cuts one line of Korvel into tokens and checks its brackets and strings.
-// A token is a string; every later stage decides what it means by looking at its text.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-using Tokens = std::vector<std::string>;
+#include "lexer/token.h"
 
 class Lexer {
 public:

@@ -2,27 +2,58 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "lexer/token.h"
 #include "lexer/token_text.h"
 
 struct TokenSpan {
-    const std::string* first = nullptr;
-    const std::string* last = nullptr;
+    const Token* first = nullptr;
+    const Token* last = nullptr;
+
+    // Walks over the texts.
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = std::string;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const std::string*;
+        using reference = const std::string&;
+
+        Iterator() = default;
+        explicit Iterator(const Token* token) : at(token) {}
+        reference operator*() const { return (*at)->text; }
+        pointer operator->() const { return &(*at)->text; }
+        Iterator& operator++() {
+            ++at;
+            return *this;
+        }
+        Iterator operator++(int) { return Iterator(at++); }
+        friend bool operator==(Iterator a, Iterator b) { return a.at == b.at; }
+        friend bool operator!=(Iterator a, Iterator b) { return a.at != b.at; }
+
+    private:
+        const Token* at = nullptr;
+    };
 
     TokenSpan() = default;
-    TokenSpan(const std::string* b, const std::string* e) : first(b), last(e) {}
-    TokenSpan(const std::vector<std::string>& tokens)  // NOLINT: a list is a window on itself
+    TokenSpan(const Token* b, const Token* e) : first(b), last(e) {}
+    TokenSpan(const Tokens& tokens)  // NOLINT: a list is a window on itself
         : first(tokens.data()), last(tokens.data() + tokens.size()) {}
 
     std::size_t size() const { return static_cast<std::size_t>(last - first); }
     bool empty() const { return first == last; }
-    const std::string* begin() const { return first; }
-    const std::string* end() const { return last; }
+    Iterator begin() const { return Iterator(first); }
+    Iterator end() const { return Iterator(last); }
 
-    // Token i, or the empty string past the end: callers may probe ahead without bounds checks.
-    const std::string& operator[](std::size_t i) const { return i < size() ? first[i] : Nothing(); }
+    // The word of token i, or the empty one past the end: callers may probe ahead without bounds checks.
+    const Word& At(std::size_t i) const { return i < size() ? *first[i] : Nothing(); }
+    // Its text, its keyword and its sign.
+    const std::string& operator[](std::size_t i) const { return At(i).text; }
+    Keyword KeywordAt(std::size_t i) const { return At(i).keyword; }
+    char SignAt(std::size_t i) const { return At(i).sign; }
 
     // The window from token i on; empty when i is past the end.
     TokenSpan From(std::size_t i) const { return {first + (i < size() ? i : size()), last}; }
@@ -31,10 +62,12 @@ struct TokenSpan {
         j = j < size() ? j : size();
         return {first + (i < j ? i : j), first + j};
     }
+    // A list of its own with the same tokens.
+    Tokens Copy() const { return {first, last}; }
 
 private:
-    static const std::string& Nothing() {
-        static const std::string nothing;
+    static const Word& Nothing() {
+        static const Word nothing;
         return nothing;
     }
 };

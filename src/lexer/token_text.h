@@ -6,12 +6,13 @@
 // Whether the token is exactly the text.
 inline bool Is(std::string_view token, std::string_view text) { return token == text; }
 
+// The ASCII letter in lower case; any other byte as it is.
+inline char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 // Whether the token is the word in any letter case; the word is given in lower case.
 inline bool IsWord(std::string_view token, std::string_view word) {
     if (token.size() != word.size()) return false;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        const char c = token[i];
-        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != word[i]) return false;
-    }
+    for (std::size_t i = 0; i < word.size(); ++i)
+        if (LowerLetter(token[i]) != word[i]) return false;
     return true;
 }

@@ -320,8 +320,8 @@ void CompileTable(TableProgram& program, const std::vector<std::string>& body,
         if (tokens.empty() || (tokens[0] == "/" && tokens.size() > 1 && tokens[1] == "/")) continue;
         const TokenSpan whole(tokens);
         for (std::size_t from = 0; from < whole.size();) {
-            const auto bar =
-                static_cast<std::size_t>(std::find(whole.begin() + from, whole.end(), "|") - whole.begin());
+            std::size_t bar = from;
+            while (bar < whole.size() && whole.SignAt(bar) != '|') ++bar;
             if (bar > from) compiler.Statement(whole.Slice(from, bar), lines[i]);
             from = bar + 1;
         }

@@ -133,7 +133,7 @@ void CheckFirstWord(TokenSpan tokens) {
 
 void TranslateCall(State& state, TokenSpan tokens) {
     CheckFirstWord(tokens);
-    if (IsWord(tokens[0], "create") || IsWord(tokens[0], "new")) {
+    if (tokens.KeywordAt(0) == Keyword::Create || tokens.KeywordAt(0) == Keyword::New) {
         EmitLine(state, TranslateExpression(tokens, ExprMode::Condition).text + ";");
         return;
     }
@@ -168,7 +168,7 @@ void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
 
 void CheckNullAssignment(State& state, TokenSpan tokens) {
     (void)state;
-    if (tokens.size() != 3 || !Is(tokens[1], "=") || !IsWord(tokens[2], "null")) return;
+    if (tokens.size() != 3 || !Is(tokens[1], "=") || tokens.KeywordAt(2) != Keyword::Null) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
     ReportFatal(

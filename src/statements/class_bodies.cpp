@@ -138,7 +138,7 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     state.typeLine = state.currentLine;
     state.typeName = name;
     state.cls = cls;
-    state.isElement = Lower(tokens[0]) == "element";
+    state.isElement = tokens.KeywordAt(0) == Keyword::Element;
     state.passesOverType = cls->sourceFile != settings.currentFile || cls->line != state.currentLine;
     if (state.passesOverType) return;
     if (state.inExtern) {

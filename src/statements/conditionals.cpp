@@ -34,7 +34,8 @@ void CloseBranch(State& state) {
 }
 
 void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
-    if (IsWord(tokens[afterElse], "if")) ReportFatal("Syntax error: Use 'ElseIf' instead of 'Else If'");
+    if (tokens.KeywordAt(afterElse) == Keyword::If)
+        ReportFatal("Syntax error: Use 'ElseIf' instead of 'Else If'");
 }
 
 // The open If that an Else or ElseIf continues.
@@ -55,8 +56,9 @@ OpenBlock& ContinuedIf(State& state, const std::string& keyword) {
     ReportFatal("'" + keyword + "' without an open If block");
 }
 
-bool EndsStatement(const std::string& token) {
-    return Is(token, "|") || IsWord(token, "else") || IsWord(token, "elseif") || IsWord(token, "endif");
+bool EndsStatement(const Word& token) {
+    return token.sign == '|' || token.keyword == Keyword::Else || token.keyword == Keyword::ElseIf ||
+           token.keyword == Keyword::EndIf;
 }
 
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at);
@@ -66,13 +68,13 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
     while (at < tokens.size()) {
         if (Is(tokens[at], "|")) {
             ++at;
-        } else if (EndsStatement(tokens[at])) {
+        } else if (EndsStatement(tokens.At(at))) {
             return at;
-        } else if (IsWord(tokens[at], "if") && FindWord(tokens, "then", at) != noToken) {
+        } else if (tokens.KeywordAt(at) == Keyword::If && FindWord(tokens, Keyword::Then, at) != noToken) {
             at = TranslateOneLineIf(state, tokens, at);
         } else {
             std::size_t end = at;
-            while (end < tokens.size() && !EndsStatement(tokens[end])) ++end;
+            while (end < tokens.size() && !EndsStatement(tokens.At(end))) ++end;
             DispatchStatement(state, tokens.Slice(at, end));
             at = end;
         }
@@ -82,7 +84,7 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
 
 // Translates the If at `at` with all its branches and closes it; returns the index behind it.
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
-    std::size_t then = FindWord(tokens, "then", at);
+    std::size_t then = FindWord(tokens, Keyword::Then, at);
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
     const std::size_t depth = state.blocks.size();
@@ -95,14 +97,14 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
         if (state.blocks.size() != depth)
             ReportFatal("A block that opens or closes behind 'Then' must do both on the same line");
         if (at >= tokens.size()) break;
-        if (IsWord(tokens[at], "endif")) {
+        if (tokens.KeywordAt(at) == Keyword::EndIf) {
             ++at;
             break;
         }
         if (elseSeen) ReportFatal("'" + tokens[at] + "' after 'Else'");
         CloseBranch(state);
-        if (IsWord(tokens[at], "elseif")) {
-            then = FindWord(tokens, "then", at);
+        if (tokens.KeywordAt(at) == Keyword::ElseIf) {
+            then = FindWord(tokens, Keyword::Then, at);
             if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
             OpenBranch(state, "else if", tokens.Slice(at + 1, then), "ElseIf");
             at = then + 1;
@@ -141,8 +143,8 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
     while (at < tokens.size()) {
         if (!Is(tokens[at], "|")) RefuseMore(tokens, at);
         const std::size_t start = ++at;
-        const std::size_t then = FindWord(tokens, "then", start);
-        if (IsWord(tokens[start], "if") && then != noToken) {
+        const std::size_t then = FindWord(tokens, Keyword::Then, start);
+        if (tokens.KeywordAt(start) == Keyword::If && then != noToken) {
             if (StaysOpen(tokens, then)) return OpenIf(state, tokens.Slice(start + 1, then));
             at = TranslateOneLineIf(state, tokens, start);
             continue;
@@ -155,7 +157,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
 }  // namespace
 
 void TranslateIf(State& state, TokenSpan tokens) {
-    std::size_t then = FindWord(tokens, "then");
+    std::size_t then = FindWord(tokens, Keyword::Then);
     if (StaysOpen(tokens, then))
         return OpenIf(state, tokens.Slice(1, then == noToken ? tokens.size() : then));
     TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0));
@@ -164,10 +166,10 @@ void TranslateIf(State& state, TokenSpan tokens) {
 void TranslateElseIf(State& state, TokenSpan tokens) {
     ContinuedIf(state, "ElseIf");
     CloseBranch(state);
-    std::size_t then = FindWord(tokens, "then");
+    std::size_t then = FindWord(tokens, Keyword::Then);
     OpenBranch(state, "else if", tokens.Slice(1, then == noToken ? tokens.size() : then), "ElseIf");
     if (then == noToken || then + 1 == tokens.size()) return;
-    if (IsWord(tokens[then + 1], "elseif")) RefuseMore(tokens, then + 1);
+    if (tokens.KeywordAt(then + 1) == Keyword::ElseIf) RefuseMore(tokens, then + 1);
     DispatchStatement(state, tokens.From(then + 1));
 }
 

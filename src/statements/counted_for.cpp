@@ -35,7 +35,7 @@ struct Parts {
 // For [Local] name [: type] = ; returns the index behind the "=".
 std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     std::size_t at = 1;
-    if (IsWord(tokens[at], "local")) {
+    if (tokens.KeywordAt(at) == Keyword::Local) {
         counter.declared = true;
         ++at;
     }
@@ -55,9 +55,9 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
 
 Parts Cut(TokenSpan tokens, std::size_t at) {
     Parts parts;
-    std::size_t to = FindWord(tokens, "to", at);
+    std::size_t to = FindWord(tokens, Keyword::To, at);
     if (to == noToken) ReportFatal("Expected 'To' in For loop");
-    std::size_t step = FindWord(tokens, "step", to);
+    std::size_t step = FindWord(tokens, Keyword::Step, to);
     parts.stepGiven = step != noToken;
     if (!parts.stepGiven) step = tokens.size();
     parts.start = tokens.Slice(at, to);
@@ -86,7 +86,8 @@ ValueType CounterType(const Expr& start, TokenSpan end, TokenSpan step) {
 }
 
 void CheckDeclaredCounter(Counter& counter) {
-    Expr target = TranslateExpression(TokenSpan(&counter.name, &counter.name + 1), ExprMode::Statement);
+    const Token name(counter.name);
+    Expr target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
     if (target.isConst) ReportFatal("Cannot assign to const variable '" + counter.name + "'");
     counter.cppName = target.text;
     counter.type = target.type;
@@ -206,7 +207,7 @@ std::string Header(const Counter& counter, const std::string& declaration, const
 std::string StartText(State& state, const Counter& counter, const Expr& start, TokenSpan tokens) {
     const std::string text = TextAs(start, counter.type);
     if (std::find(tokens.begin(), tokens.end(), counter.name) == tokens.end()) return text;
-    PrepareInSelect(state, "local");
+    PrepareInSelect(state, Keyword::Local);
     const std::string outer = "__kvStart" + std::to_string(state.currentLine) + "_" + SafeName(counter.name);
     EmitLine(state, CppName(counter.type) + " " + outer + " = " + text + ";");
     return outer;

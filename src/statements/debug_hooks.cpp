@@ -127,10 +127,10 @@ void PutGlobalReporter(FileOutput& out) {
 
 }  // namespace
 
-void EmitStatementHook(State& state, const std::string& keyword) {
-    bool firstLabel =
-        state.beforeFirstCase && (keyword == "case" || keyword == "default" || keyword == "endselect");
-    state.beforeFirstCase = keyword == "select";
+void EmitStatementHook(State& state, Keyword keyword) {
+    bool label = keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect;
+    bool firstLabel = state.beforeFirstCase && label;
+    state.beforeFirstCase = keyword == Keyword::Select;
     bool inRoutine = state.inFunction || state.inMethod;
     if (!inRoutine || firstLabel) return;
     EmitLine(state, "_kvDebugStmt(" + std::to_string(state.currentLine) + ", " +

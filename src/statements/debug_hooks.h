@@ -6,7 +6,7 @@
 #include "statements/state.h"
 
 // Before an executable statement: its place, then the variables that are visible there.
-void EmitStatementHook(State& state, const std::string& keyword);
+void EmitStatementHook(State& state, Keyword keyword);
 
 // After the main file's code: the functions through which the debugger lists Types, reads the Fields
 // of instances and the Globals.

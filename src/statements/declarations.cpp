@@ -79,16 +79,16 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     PutGlobal(*state.out, global);
 }
 
-DefinitionKind KindOf(const std::string& keyword) {
-    if (keyword == "local") return DefinitionKind::Local;
-    if (keyword == "global") return DefinitionKind::Global;
-    return keyword == "const" ? DefinitionKind::Const : DefinitionKind::Field;
+DefinitionKind KindOf(Keyword keyword) {
+    if (keyword == Keyword::Local) return DefinitionKind::Local;
+    if (keyword == Keyword::Global) return DefinitionKind::Global;
+    return keyword == Keyword::Const ? DefinitionKind::Const : DefinitionKind::Field;
 }
 
 }  // namespace
 
 void TranslateDeclaration(State& state, TokenSpan tokens) {
-    const DefinitionKind kind = KindOf(Lower(tokens[0]));
+    const DefinitionKind kind = KindOf(tokens.KeywordAt(0));
     CheckPlace(state, kind);
     if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'");
     for (const TokenSpan& part : SplitList(tokens.From(1))) {

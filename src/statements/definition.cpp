@@ -44,7 +44,7 @@ void CheckNewName(const Declared& declared) {
     if (declared.kind == DefinitionKind::Local && IsClass(name))
         ReportFatal("Identifier '" + name + "' is already defined.");
     // A Const may have the name of a built-in (MAX), but not that of a statement.
-    if (FindDispatchRow(Lower(name)) != nullptr) CheckKeyword(name);
+    if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
 
@@ -91,10 +91,12 @@ Declared Read(TokenSpan tokens, DefinitionKind kind) {
     return declared;
 }
 
-bool IsCreation(TokenSpan value) { return IsWord(value[0], "create") || IsWord(value[0], "new"); }
+bool IsCreation(TokenSpan value) {
+    return value.KeywordAt(0) == Keyword::Create || value.KeywordAt(0) == Keyword::New;
+}
 
 void CheckCreation(TokenSpan value) {
-    if (!IsWord(value[0], "create")) return;
+    if (value.KeywordAt(0) != Keyword::Create) return;
     if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'");
     if (!IsClass(value[1]))
         ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type");

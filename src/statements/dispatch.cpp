@@ -1,11 +1,10 @@
 #include "statements/dispatch.h"
 
+#include <array>
 #include <string>
-#include <unordered_map>
 
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "lexer/lexer.h"
 #include "statements/assignments.h"
 #include "statements/class_bodies.h"
 #include "statements/conditionals.h"
@@ -38,65 +37,65 @@ void NothingToEmit(State& state, TokenSpan tokens) {
 
 // In the order of comparison.
 const DispatchRow dispatchTable[] = {
-    {"with", TranslateWith, Place::Routine},
-    {"endwith", TranslateEndWith, Place::Anywhere},
-    {"autocall", TranslateAutoCall, Place::Routine},
-    {"stopcall", TranslateStopCall, Place::Routine},
-    {"include", TranslateInclude, Place::Anywhere},
-    {"import", NothingToEmit, Place::Anywhere},
-    {"linker", NothingToEmit, Place::Anywhere},
-    {"useconsole", NothingToEmit, Place::Anywhere},
-    {"print", TranslatePrint, Place::Routine},
-    {"input", TranslateInput, Place::Routine},
-    {"function", TranslateFunction, Place::Anywhere},
-    {"endfunction", TranslateEndFunction, Place::Anywhere},
-    {"method", TranslateMethod, Place::Anywhere},
-    {"endmethod", TranslateEndMethod, Place::Anywhere},
-    {"return", TranslateReturn, Place::Anywhere},
-    {"end", TranslateEnd, Place::Anywhere},
-    {"seqadd", TranslateSeqStatement, Place::Routine},
-    {"seqinsert", TranslateSeqStatement, Place::Routine},
-    {"seqset", TranslateSeqStatement, Place::Routine},
-    {"seqdelete", TranslateSeqStatement, Place::Routine},
-    {"seqdeleteat", TranslateSeqStatement, Place::Routine},
-    {"seqclear", TranslateSeqStatement, Place::Routine},
-    {"seqaddfirst", TranslateSeqStatement, Place::Routine},
-    {"seqreverse", TranslateSeqStatement, Place::Routine},
-    {"seqsort", TranslateSeqStatement, Place::Routine},
-    {"seqswap", TranslateSeqStatement, Place::Routine},
-    {"seqfromarray", TranslateSeqStatement, Place::Routine},
-    {"remove", TranslateRemove, Place::Routine},
-    {"exit", TranslateExit, Place::Anywhere},
-    {"continue", TranslateContinue, Place::Anywhere},
-    {"type", TranslateTypeOpener, Place::Anywhere},
-    {"element", TranslateTypeOpener, Place::Anywhere},
-    {"endelement", TranslateEndElement, Place::Anywhere},
-    {"endtype", TranslateEndType, Place::Anywhere},
-    {"until", TranslateUntil, Place::Routine},
-    {"repeat", TranslateRepeat, Place::Routine},
-    {"forever", TranslateForever, Place::Routine},
-    {"while", TranslateWhile, Place::Routine},
-    {"wend", TranslateWend, Place::Routine},
-    {"eachseq", TranslateEachSeq, Place::Routine},
-    {"if", TranslateIf, Place::Routine},
-    {"elseif", TranslateElseIf, Place::Routine},
-    {"else", TranslateElse, Place::Routine},
-    {"endif", TranslateEndIf, Place::Routine},
-    {"select", TranslateSelect, Place::Routine},
-    {"endselect", TranslateEndSelect, Place::Routine},
-    {"case", TranslateCase, Place::Routine},
-    {"default", TranslateDefault, Place::Routine},
-    {"for", TranslateFor, Place::Routine},
-    {"next", TranslateNext, Place::Routine},
-    {"nextseq", TranslateNext, Place::Routine},
-    {"field", TranslateDeclaration, Place::Anywhere},
-    {"local", TranslateDeclaration, Place::Anywhere},
-    {"global", TranslateDeclaration, Place::Anywhere},
-    {"const", TranslateDeclaration, Place::Anywhere},
-    {"public", TranslateAccess, Place::Anywhere},
-    {"private", TranslateAccess, Place::Anywhere},
-    {"extern", TranslateExtern, Place::Anywhere},
-    {"endextern", TranslateEndExtern, Place::Anywhere},
+    {Keyword::With, TranslateWith, Place::Routine},
+    {Keyword::EndWith, TranslateEndWith, Place::Anywhere},
+    {Keyword::AutoCall, TranslateAutoCall, Place::Routine},
+    {Keyword::StopCall, TranslateStopCall, Place::Routine},
+    {Keyword::Include, TranslateInclude, Place::Anywhere},
+    {Keyword::Import, NothingToEmit, Place::Anywhere},
+    {Keyword::Linker, NothingToEmit, Place::Anywhere},
+    {Keyword::UseConsole, NothingToEmit, Place::Anywhere},
+    {Keyword::Print, TranslatePrint, Place::Routine},
+    {Keyword::Input, TranslateInput, Place::Routine},
+    {Keyword::Function, TranslateFunction, Place::Anywhere},
+    {Keyword::EndFunction, TranslateEndFunction, Place::Anywhere},
+    {Keyword::Method, TranslateMethod, Place::Anywhere},
+    {Keyword::EndMethod, TranslateEndMethod, Place::Anywhere},
+    {Keyword::Return, TranslateReturn, Place::Anywhere},
+    {Keyword::End, TranslateEnd, Place::Anywhere},
+    {Keyword::SeqAdd, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqInsert, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqSet, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqDelete, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqDeleteAt, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqClear, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqAddFirst, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqReverse, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqSort, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqSwap, TranslateSeqStatement, Place::Routine},
+    {Keyword::SeqFromArray, TranslateSeqStatement, Place::Routine},
+    {Keyword::Remove, TranslateRemove, Place::Routine},
+    {Keyword::Exit, TranslateExit, Place::Anywhere},
+    {Keyword::Continue, TranslateContinue, Place::Anywhere},
+    {Keyword::Type, TranslateTypeOpener, Place::Anywhere},
+    {Keyword::Element, TranslateTypeOpener, Place::Anywhere},
+    {Keyword::EndElement, TranslateEndElement, Place::Anywhere},
+    {Keyword::EndType, TranslateEndType, Place::Anywhere},
+    {Keyword::Until, TranslateUntil, Place::Routine},
+    {Keyword::Repeat, TranslateRepeat, Place::Routine},
+    {Keyword::Forever, TranslateForever, Place::Routine},
+    {Keyword::While, TranslateWhile, Place::Routine},
+    {Keyword::Wend, TranslateWend, Place::Routine},
+    {Keyword::EachSeq, TranslateEachSeq, Place::Routine},
+    {Keyword::If, TranslateIf, Place::Routine},
+    {Keyword::ElseIf, TranslateElseIf, Place::Routine},
+    {Keyword::Else, TranslateElse, Place::Routine},
+    {Keyword::EndIf, TranslateEndIf, Place::Routine},
+    {Keyword::Select, TranslateSelect, Place::Routine},
+    {Keyword::EndSelect, TranslateEndSelect, Place::Routine},
+    {Keyword::Case, TranslateCase, Place::Routine},
+    {Keyword::Default, TranslateDefault, Place::Routine},
+    {Keyword::For, TranslateFor, Place::Routine},
+    {Keyword::Next, TranslateNext, Place::Routine},
+    {Keyword::NextSeq, TranslateNext, Place::Routine},
+    {Keyword::Field, TranslateDeclaration, Place::Anywhere},
+    {Keyword::Local, TranslateDeclaration, Place::Anywhere},
+    {Keyword::Global, TranslateDeclaration, Place::Anywhere},
+    {Keyword::Const, TranslateDeclaration, Place::Anywhere},
+    {Keyword::Public, TranslateAccess, Place::Anywhere},
+    {Keyword::Private, TranslateAccess, Place::Anywhere},
+    {Keyword::Extern, TranslateExtern, Place::Anywhere},
+    {Keyword::EndExtern, TranslateEndExtern, Place::Anywhere},
 };
 
 // A Field may bear the name of a statement; "next = node" in a Method means the Field.
@@ -104,7 +103,11 @@ bool AssignsOwnField(TokenSpan tokens) {
     return Is(tokens[1], "=") && currentClass != nullptr && FindField(*currentClass, tokens[0]) != nullptr;
 }
 
-bool IsAccessWord(const std::string& keyword) { return Is(keyword, "public") || Is(keyword, "private"); }
+// Access words are words of the language in lower case only.
+bool IsNoAccessWord(TokenSpan tokens) {
+    const Keyword keyword = tokens.KeywordAt(0);
+    return (keyword == Keyword::Public || keyword == Keyword::Private) && tokens[0] != TextOf(keyword);
+}
 
 // Code at the top level or in a class body outside its Methods would never run.
 void CheckPlace(const State& state, const DispatchRow* row, const std::string& word) {
@@ -115,19 +118,18 @@ void CheckPlace(const State& state, const DispatchRow* row, const std::string& w
 
 }  // namespace
 
-const DispatchRow* FindDispatchRow(const std::string& keyword) {
-    static const auto* index = [] {
-        auto* rows = new std::unordered_map<std::string, const DispatchRow*>;
-        for (const DispatchRow& row : dispatchTable) rows->emplace(row.keyword, &row);
+const DispatchRow* FindDispatchRow(Keyword keyword) {
+    static const auto index = [] {
+        std::array<const DispatchRow*, keywordCount> rows{};
+        for (const DispatchRow& row : dispatchTable) rows[IndexOf(row.keyword)] = &row;
         return rows;
     }();
-    auto found = index->find(keyword);
-    return found == index->end() ? nullptr : found->second;
+    return index[IndexOf(keyword)];
 }
 
 // The body of a Type that an earlier file has declared already.
-static void PassOverType(State& state, const std::string& keyword) {
-    if (!Is(keyword, "endtype") && !Is(keyword, "endelement")) return;
+static void PassOverType(State& state, Keyword keyword) {
+    if (keyword != Keyword::EndType && keyword != Keyword::EndElement) return;
     state.passesOverType = false;
     state.inType = false;
     state.cls = nullptr;
@@ -136,23 +138,19 @@ static void PassOverType(State& state, const std::string& keyword) {
 
 void DispatchStatement(State& state, TokenSpan tokens) {
     if (tokens.empty()) return;
-    const std::string& first = tokens[0];
-    std::string keyword = Lower(first);
+    const Keyword keyword = tokens.KeywordAt(0);
     if (state.passesOverType) {
         PassOverType(state, keyword);
         return;
     }
-    if (state.inPreCalc || Is(keyword, "precalc")) {
+    if (state.inPreCalc || keyword == Keyword::PreCalc) {
         TranslatePreCalc(state, tokens);
         return;
     }
     const DispatchRow* row = FindDispatchRow(keyword);
-    // Access words are words of the language in lower case only.
-    if (row != nullptr && IsAccessWord(keyword) && first != keyword) row = nullptr;
-    if (row != nullptr && AssignsOwnField(tokens)) row = nullptr;
-    CheckPlace(state, row, first);
-    bool label = Is(keyword, "case") || Is(keyword, "default") || Is(keyword, "endselect");
-    if (state.selectDepth > 0 && !label) PrepareInSelect(state, keyword);
+    if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
+    CheckPlace(state, row, tokens[0]);
+    if (state.selectDepth > 0) PrepareInSelect(state, keyword);
     if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
     if (row != nullptr)

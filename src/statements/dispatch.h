@@ -1,7 +1,5 @@
-// The dispatch table: which routine translates a statement, by its lower-cased first word.
+// The dispatch table: which routine translates a statement, by its first word.
 #pragma once
-
-#include <string>
 
 #include "statements/state.h"
 
@@ -9,10 +7,10 @@
 enum class Place : unsigned char { Anywhere, Routine };
 
 struct DispatchRow {
-    const char* keyword;
+    Keyword keyword;
     StatementHandler handler;
     Place place;
 };
 
 // The row of a keyword, or null: then the statement is an assignment or a call.
-const DispatchRow* FindDispatchRow(const std::string& keyword);
+const DispatchRow* FindDispatchRow(Keyword keyword);

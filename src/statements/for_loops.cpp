@@ -34,18 +34,18 @@ struct EachHeader {
 };
 
 // name [: type] word collection, from index `at` on. The word is EachIn or In.
-EachHeader ReadHeader(TokenSpan tokens, std::size_t at, const char* word, const char* missing) {
+EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char* missing) {
     EachHeader header;
-    if (IsWord(tokens[at], "local")) ++at;
+    if (tokens.KeywordAt(at) == Keyword::Local) ++at;
     header.name = tokens[at];
     if (Is(tokens[at + 1], ":") && at + 2 < tokens.size()) {
         header.annotation = tokens[at + 2];
         at += 2;
     }
-    if (!IsWord(tokens[at + 1], word)) ReportFatal(missing);
+    if (tokens.KeywordAt(at + 1) != word) ReportFatal(missing);
     header.collection = tokens.From(at + 2);
     if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop");
-    for (const char* stray : {"to", "step", "eachin", "in"})
+    for (const Keyword stray : {Keyword::To, Keyword::Step, Keyword::EachIn, Keyword::In})
         if (FindWord(header.collection, stray) != noToken) ReportFatal("Unknown end of EachIn loop");
     return header;
 }
@@ -200,16 +200,18 @@ Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
 }
 
 void TranslateFor(State& state, TokenSpan tokens) {
-    if (IsWord(tokens[1], "each"))
-        TranslateEach(state, ReadHeader(tokens, 2, "in", "Expected 'In' in For Each...In loop"));
-    else if (FindWord(tokens, "eachin") != noToken)
-        TranslateEach(state, ReadHeader(tokens, 1, "eachin", "Expected 'EachIn' in For...EachIn loop"));
+    if (tokens.KeywordAt(1) == Keyword::Each)
+        TranslateEach(state, ReadHeader(tokens, 2, Keyword::In, "Expected 'In' in For Each...In loop"));
+    else if (FindWord(tokens, Keyword::EachIn) != noToken)
+        TranslateEach(state,
+                      ReadHeader(tokens, 1, Keyword::EachIn, "Expected 'EachIn' in For...EachIn loop"));
     else
         TranslateCountedFor(state, tokens);
 }
 
 void TranslateEachSeq(State& state, TokenSpan tokens) {
-    if (tokens.size() < 4 || !IsWord(tokens[2], "in")) ReportFatal("Expected 'EachSeq item In seq'");
+    if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
+        ReportFatal("Expected 'EachSeq item In seq'");
     Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
     if (sequence.type.IsKnown() && !sequence.type.sequence)
         ReportFatal("Expected a Sequence after 'In' in EachSeq loop");

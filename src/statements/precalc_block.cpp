@@ -13,7 +13,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
     CheckPreCalcHeader(tokens, !state.inFunction && !state.inMethod && !state.inType);
     state.inPreCalc = true;
     state.preCalcLine = state.currentLine;
-    state.preCalcHeader.assign(tokens.begin(), tokens.end());
+    state.preCalcHeader = tokens.Copy();
     state.preCalcBody.clear();
     state.preCalcBodyLines.clear();
 }
@@ -54,7 +54,7 @@ void ClosePreCalc(State& state) {
 void TranslatePreCalc(State& state, TokenSpan tokens) {
     if (!state.inPreCalc)
         OpenPreCalc(state, tokens);
-    else if (Lower(tokens[0]) == "endprecalc")
+    else if (tokens.KeywordAt(0) == Keyword::EndPreCalc)
         ClosePreCalc(state);
     else
         CollectBodyLine(state, tokens);

@@ -22,7 +22,7 @@ std::string ItemText(TokenSpan tokens, const std::string& keyword) {
     if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
     if (item.type.Is(Base::Byte)) return "static_cast<int>(" + ValueText(item) + ")";
     // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
-    const bool shiftsRight = item.level == Level::Shift && FindWord(tokens, "shr") != noToken;
+    const bool shiftsRight = item.level == Level::Shift && FindWord(tokens, Keyword::Shr) != noToken;
     return GuardedText(item, shiftsRight ? Level::Sum : Level::Shift);
 }
 

@@ -16,10 +16,9 @@ void TranslateStatement(State& state, TokenSpan tokens) {
         DispatchStatement(state, tokens);
         return;
     }
-    const std::string keyword = Lower(tokens[0]);
-    const bool asWritten = keyword == "with" || keyword == "precalc";
-    const Tokens substituted =
-        asWritten ? Tokens(tokens.begin(), tokens.end()) : SubstituteIts(state, tokens);
+    const Keyword keyword = tokens.KeywordAt(0);
+    const bool asWritten = keyword == Keyword::With || keyword == Keyword::PreCalc;
+    const Tokens substituted = asWritten ? tokens.Copy() : SubstituteIts(state, tokens);
     DispatchStatement(state, substituted);
 }
 

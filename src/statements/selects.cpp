@@ -79,8 +79,8 @@ std::string LabelKey(const OpenSelect& select, const ConstantValue& value) {
 }
 
 bool HasDivision(TokenSpan tokens) {
-    for (const std::string& token : tokens)
-        if (Is(token, "/") || IsWord(token, "mod")) return true;
+    for (std::size_t i = 0; i < tokens.size(); ++i)
+        if (tokens.SignAt(i) == '/' || tokens.KeywordAt(i) == Keyword::Mod) return true;
     return false;
 }
 
@@ -151,7 +151,8 @@ void TranslateSelect(State& state, TokenSpan tokens) {
 void TranslateCase(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Case");
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");
-    if (IsWord(tokens[1], "else")) ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
+    if (tokens.KeywordAt(1) == Keyword::Else)
+        ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
     CloseBraces(state, select);
     for (TokenSpan part : SplitAtCommas(tokens.From(1))) {
         std::string label = LabelText(select, part);
@@ -189,14 +190,15 @@ void TranslateEndSelect(State& state, TokenSpan tokens) {
     EmitLine(state, "}");
 }
 
-void PrepareInSelect(State& state, const std::string& keyword) {
+void PrepareInSelect(State& state, Keyword keyword) {
     if (!InnermostBlockIs(state, BlockKind::Select)) return;
-    if (Is(keyword, "case") || Is(keyword, "default") || Is(keyword, "endselect")) return;
+    if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = state.selects.back();
     if (!select.labelSeen)
         ReportFatal("Expected 'Case' or 'Default' after 'Select', before any other statement");
     // A Return of arrays works with names of its own.
-    const bool declares = Is(keyword, "local") || (Is(keyword, "return") && !state.localArrays.empty());
+    const bool declares =
+        keyword == Keyword::Local || (keyword == Keyword::Return && !state.localArrays.empty());
     if (!declares || select.braces) return;
     select.braces = true;
     EmitLine(state, "{");

@@ -10,4 +10,4 @@ void TranslateEndSelect(State& state, TokenSpan tokens);
 
 // To be called before every other statement while a Select is open: refuses one between Select and its
 // first Case, and puts the case in braces ("{" is emitted) when a Local stands directly in it.
-void PrepareInSelect(State& state, const std::string& keyword);
+void PrepareInSelect(State& state, Keyword keyword);

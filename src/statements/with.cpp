@@ -19,7 +19,7 @@ bool ItsAt(const std::string& text, std::size_t at) {
     return (at == 0 || !IsWordChar(text[at - 1])) && (at + 3 >= text.size() || !IsWordChar(text[at + 3]));
 }
 
-std::string Spelling(const Tokens& tokens) {
+std::string Spelling(TokenSpan tokens) {
     std::string text;
     for (const std::string& token : tokens) text += token;
     return text;
@@ -50,19 +50,19 @@ std::string SubstituteInHoles(const std::string& literal, const std::string& obj
 
 void TranslateWith(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("With requires an object: With <variable>");
-    Tokens object(tokens.begin() + 1, tokens.end());
-    if (IsWord(object[0], "its")) {
+    Tokens object = tokens.From(1).Copy();
+    if (object[0]->keyword == Keyword::Its) {
         if (state.withLines.empty()) ReportFatal("'its' is only valid inside a With ... EndWith block");
         object.erase(object.begin());
         object.insert(object.begin(), withStack.back().begin(), withStack.back().end());
     }
     ValueType type;
     const bool unknownName =
-        object.size() == 1 && FindVariable(object[0]) == nullptr && !IsWord(object[0], "this");
+        object.size() == 1 && FindVariable(object[0]) == nullptr && object[0]->keyword != Keyword::This;
     if (!unknownName) {
         Expr expr = TranslateExpression(object, ExprMode::Statement);
         type = expr.type;
-        if (!expr.assignable && !IsWord(object[0], "this") && type.IsKnown() && !expr.isConst)
+        if (!expr.assignable && object[0]->keyword != Keyword::This && type.IsKnown() && !expr.isConst)
             ReportFatal("With requires a variable that holds an object, not an expression");
     }
     bool fits = type.Is(Base::Object) || type.Is(Base::Element) || (lenient && !type.IsKnown());
@@ -81,8 +81,8 @@ void TranslateEndWith(State& state, TokenSpan tokens) {
 }
 
 bool MentionsIts(TokenSpan tokens) {
-    for (const std::string& token : tokens)
-        if (IsWord(token, "its")) return true;
+    for (std::size_t i = 0; i < tokens.size(); ++i)
+        if (tokens.KeywordAt(i) == Keyword::Its) return true;
     return false;
 }
 
@@ -91,18 +91,19 @@ Tokens SubstituteIts(State& state, TokenSpan tokens) {
     result.reserve(tokens.size() + 4);
     const bool open = !state.withLines.empty();
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const std::string& token = tokens[i];
-        if (IsWord(token, "its")) {
+        const Word& word = tokens.At(i);
+        const std::string& token = word.text;
+        if (word.keyword == Keyword::Its) {
             if (open)
                 result.insert(result.end(), withStack.back().begin(), withStack.back().end());
             else if (Is(tokens[i + 1], "\\"))
                 ReportFatal("'its' is only valid inside a With ... EndWith block");
             else
-                result.push_back(token);
+                result.push_back(word);
         } else if (open && token[0] == '"' && token.find('{') != std::string::npos) {
             result.push_back(SubstituteInHoles(token, Spelling(withStack.back())));
         } else {
-            result.push_back(token);
+            result.push_back(word);
         }
     }
     return result;

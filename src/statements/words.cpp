@@ -3,9 +3,9 @@
 #include "driver/report.h"
 #include "prelude/support.h"
 
-std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from) {
+std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from) {
     for (std::size_t i = from; i < tokens.size(); ++i)
-        if (IsWord(tokens[i], word)) return i;
+        if (tokens.KeywordAt(i) == word) return i;
     return noToken;
 }
 

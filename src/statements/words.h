@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "expressions/expression.h"
 #include "lexer/token_span.h"
@@ -10,7 +9,7 @@
 constexpr std::size_t noToken = static_cast<std::size_t>(-1);
 
 // Index of the first token from `from` on that is the word; noToken when there is none.
-std::size_t FindWord(TokenSpan tokens, std::string_view word, std::size_t from = 0);
+std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from = 0);
 
 // Ends the run when the statement has a token at index `from`.
 void RefuseMore(TokenSpan tokens, std::size_t from);

@@ -19,32 +19,43 @@ void RefuseSplitEnd(FirstPass&, TokenSpan tokens) {
 }
 
 struct Rule {
-    void (*collect)(FirstPass&, TokenSpan);
-    std::size_t minimumTokens;
-    bool outsideTypesOnly;
+    void (*collect)(FirstPass&, TokenSpan) = nullptr;
+    std::size_t minimumTokens = 0;
+    bool outsideTypesOnly = false;
 };
 
-const std::unordered_map<std::string, Rule> rules = {
-    {"import", {CollectImport, 2, false}},       {"linker", {CollectLinker, 2, false}},
-    {"include", {CollectInclude, 2, false}},     {"end", {RefuseSplitEnd, 2, false}},
-    {"precalc", {CollectPreCalc, 7, false}},     {"type", {CollectClass, 2, false}},
-    {"element", {CollectClass, 2, false}},       {"endtype", {CollectEndClass, 1, false}},
-    {"endelement", {CollectEndClass, 1, false}}, {"field", {CollectField, 1, false}},
-    {"global", {CollectGlobal, 2, true}},        {"const", {CollectConst, 2, true}},
-    {"method", {CollectMethod, 1, false}},       {"extern", {CollectExtern, 1, false}},
-    {"endextern", {CollectExtern, 1, false}},    {"function", {CollectFunction, 2, true}},
-    {"public", {CollectAccess, 1, false}},       {"private", {CollectAccess, 1, false}},
+struct RuleRow {
+    Keyword keyword;
+    Rule rule;
 };
 
-// The longest word of the table; longer first tokens need no look-up.
-constexpr std::size_t longestRule = 10;
+const RuleRow rules[] = {
+    {Keyword::Import, {CollectImport, 2, false}},       {Keyword::Linker, {CollectLinker, 2, false}},
+    {Keyword::Include, {CollectInclude, 2, false}},     {Keyword::End, {RefuseSplitEnd, 2, false}},
+    {Keyword::PreCalc, {CollectPreCalc, 7, false}},     {Keyword::Type, {CollectClass, 2, false}},
+    {Keyword::Element, {CollectClass, 2, false}},       {Keyword::EndType, {CollectEndClass, 1, false}},
+    {Keyword::EndElement, {CollectEndClass, 1, false}}, {Keyword::Field, {CollectField, 1, false}},
+    {Keyword::Global, {CollectGlobal, 2, true}},        {Keyword::Const, {CollectConst, 2, true}},
+    {Keyword::Method, {CollectMethod, 1, false}},       {Keyword::Extern, {CollectExtern, 1, false}},
+    {Keyword::EndExtern, {CollectExtern, 1, false}},    {Keyword::Function, {CollectFunction, 2, true}},
+    {Keyword::Public, {CollectAccess, 1, false}},       {Keyword::Private, {CollectAccess, 1, false}},
+};
+
+// The rules by keyword; most have none.
+const Rule& RuleOf(Keyword keyword) {
+    static const std::vector<Rule> index = [] {
+        std::vector<Rule> table(keywordCount);
+        for (const RuleRow& row : rules) table[IndexOf(row.keyword)] = row.rule;
+        return table;
+    }();
+    return index[IndexOf(keyword)];
+}
 
 void CollectStatement(FirstPass& pass, TokenSpan tokens) {
-    if (tokens[0].size() > longestRule) return;
-    const auto rule = rules.find(Lower(tokens[0]));
-    if (rule == rules.end() || tokens.size() < rule->second.minimumTokens) return;
-    if (rule->second.outsideTypesOnly && pass.inType) return;
-    rule->second.collect(pass, tokens);
+    const Rule& rule = RuleOf(tokens.KeywordAt(0));
+    if (rule.collect == nullptr || tokens.size() < rule.minimumTokens) return;
+    if (rule.outsideTypesOnly && pass.inType) return;
+    rule.collect(pass, tokens);
 }
 
 void ReadLines(FirstPass& pass, Lexer& lexer) {
@@ -115,12 +126,32 @@ void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& 
     SaySummary(out);
 }
 
-bool IsExecutableStatement(const std::string& word) {
-    static const std::unordered_set<std::string> declarations = {
-        "type",      "endtype",  "element",     "endelement", "field",  "method",
-        "endmethod", "function", "endfunction", "global",     "const",  "local",
-        "include",   "import",   "linker",      "useconsole", "extern", "endextern",
-        "with",      "endwith",  "precalc",     "endprecalc",
-    };
-    return declarations.count(word) == 0;
+bool IsExecutableStatement(Keyword keyword) {
+    switch (keyword) {
+        case Keyword::Type:
+        case Keyword::EndType:
+        case Keyword::Element:
+        case Keyword::EndElement:
+        case Keyword::Field:
+        case Keyword::Method:
+        case Keyword::EndMethod:
+        case Keyword::Function:
+        case Keyword::EndFunction:
+        case Keyword::Global:
+        case Keyword::Const:
+        case Keyword::Local:
+        case Keyword::Include:
+        case Keyword::Import:
+        case Keyword::Linker:
+        case Keyword::UseConsole:
+        case Keyword::Extern:
+        case Keyword::EndExtern:
+        case Keyword::With:
+        case Keyword::EndWith:
+        case Keyword::PreCalc:
+        case Keyword::EndPreCalc:
+            return false;
+        default:
+            return true;
+    }
 }

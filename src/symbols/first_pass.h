@@ -37,5 +37,5 @@ struct Declarations {
 // read again finds its own declarations. Whatever is wrong ends the run.
 void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& out);
 
-// False for the words that begin declarations and block marks, true for every other lower-cased word.
-bool IsExecutableStatement(const std::string& word);
+// False for the words that begin declarations and block marks, true for everything else.
+bool IsExecutableStatement(Keyword keyword);

@@ -58,7 +58,7 @@ void FailAlreadyDefined(const std::string& name) {
 }
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens) {
-    pass.inExtern = Lower(tokens[0]) == "extern";
+    pass.inExtern = tokens.KeywordAt(0) == Keyword::Extern;
     VerboseNote(pass.inExtern ? "  - Entering extern block" : "  - Exiting extern block");
 }
 

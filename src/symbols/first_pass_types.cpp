@@ -128,7 +128,7 @@ void CollectClass(FirstPass& pass, TokenSpan tokens) {
     pass.open = ClassInfo();
     pass.open.name = name;
     pass.open.sourceFile = pass.source;
-    pass.open.isElement = Lower(tokens[0]) == "element";
+    pass.open.isElement = tokens.KeywordAt(0) == Keyword::Element;
     pass.open.cppName = SafeName(name);
     pass.open.line = pass.line;
     pass.inType = true;

@@ -59,11 +59,11 @@ private:
     std::vector<std::string> included;  // by the current line
 
     void ScanStatement(TokenSpan tokens, const std::string& path, int line) {
-        if (tokens.size() < 2 || tokens[0].size() > 7) return;
-        const std::string keyword = Lower(tokens[0]);
-        if (keyword == "type" || keyword == "element") {
-            AddClass(tokens[1], keyword == "element", path, line);
-        } else if (keyword == "include" && tokens[1].size() >= 2 && tokens[1][0] == '"') {
+        if (tokens.size() < 2) return;
+        const Keyword keyword = tokens.KeywordAt(0);
+        if (keyword == Keyword::Type || keyword == Keyword::Element) {
+            AddClass(tokens[1], keyword == Keyword::Element, path, line);
+        } else if (keyword == Keyword::Include && tokens[1].size() >= 2 && tokens[1][0] == '"') {
             included.push_back(tokens[1].substr(1, tokens[1].size() - 2));
         }
     }

@@ -9,7 +9,9 @@
 
 namespace {
 
-bool IsMain(const TokenSpan& tokens) { return IsWord(tokens[0], "function") && IsWord(tokens[1], "main"); }
+bool IsMain(TokenSpan tokens) {
+    return tokens.KeywordAt(0) == Keyword::Function && IsWord(tokens[1], "main");
+}
 
 // Reads a result type whose ":" stands at `at`; returns the position behind it.
 std::size_t ReadResult(TokenSpan tokens, std::size_t at, Routine& routine) {
@@ -33,7 +35,7 @@ std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) 
         if (depth == 0 && (Is(token, ",") || Is(token, ")"))) break;
         if (Is(token, "(") || Is(token, "[")) ++depth;
         if (Is(token, ")") || Is(token, "]")) --depth;
-        parameter.defaultValue.push_back(token);
+        parameter.defaultValue.push_back(tokens.At(at));
     }
     return at;
 }
@@ -41,7 +43,7 @@ std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) 
 std::size_t ReadParameter(TokenSpan tokens, std::size_t at, Parameter& parameter) {
     if (!IsName(tokens[at])) ReportFatal("Unexpected token in parameter list.");
     parameter.name = tokens[at++];
-    parameter.untyped = !Is(tokens[at], ":") && Lower(tokens[at]) != "as";
+    parameter.untyped = !Is(tokens[at], ":") && tokens.KeywordAt(at) != Keyword::As;
     if (!parameter.untyped) {
         const TypeNote note = ReadType(tokens, at + 1);
         parameter.type = note.type;

@@ -2,7 +2,6 @@
 // means "may run"; names are followed without regard to the object they are called on.
 #include "symbols/reach.h"
 
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -68,41 +67,6 @@ void AddNames() {
     for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
 }
 
-// What the first word of a statement means here.
-enum class Word : unsigned char {
-    Function,
-    Method,
-    EndRoutine,
-    Class,
-    EndClass,
-    Field,
-    Loop,
-    EndLoop,
-    Other
-};
-
-Word WordOf(const std::string& token) {
-    static const std::unordered_map<std::string_view, Word> words = {
-        {"function", Word::Function},
-        {"method", Word::Method},
-        {"endfunction", Word::EndRoutine},
-        {"endmethod", Word::EndRoutine},
-        {"type", Word::Class},
-        {"element", Word::Class},
-        {"endtype", Word::EndClass},
-        {"endelement", Word::EndClass},
-        {"field", Word::Field},
-        {"for", Word::Loop},
-        {"while", Word::Loop},
-        {"eachseq", Word::Loop},
-        {"next", Word::EndLoop},
-        {"nextseq", Word::EndLoop},
-        {"wend", Word::EndLoop},
-    };
-    const auto found = words.find(Lower(token));
-    return found == words.end() ? Word::Other : found->second;
-}
-
 // Reads one file and adds what its routines and loops mention.
 class FileReach {
 public:
@@ -127,21 +91,24 @@ private:
     const ClassInfo* cls = nullptr;
 
     void ReadStatement(TokenSpan tokens, int line) {
-        const Word word = WordOf(tokens[0]);
+        const Keyword word = tokens.KeywordAt(0);
         switch (word) {
-            case Word::Function:
-            case Word::Method:
+            case Keyword::Function:
+            case Keyword::Method:
                 return OpenRoutine(word, tokens[1]);
-            case Word::EndRoutine:
+            case Keyword::EndFunction:
+            case Keyword::EndMethod:
                 node = outside;
                 return;
-            case Word::Class:
+            case Keyword::Type:
+            case Keyword::Element:
                 cls = FindClass(tokens[1]);
                 return;
-            case Word::EndClass:
+            case Keyword::EndType:
+            case Keyword::EndElement:
                 cls = nullptr;
                 return;
-            case Word::Field:
+            case Keyword::Field:
                 if (cls) return Mention(graph.NodeOf(graph.construction, cls), tokens);
                 break;
             default:
@@ -150,22 +117,29 @@ private:
         if (node != outside) ReadCode(word, tokens, line);
     }
 
-    void OpenRoutine(Word word, const std::string& name) {
+    void OpenRoutine(Keyword word, const std::string& name) {
         node = graph.NodeOf(graph.routines, name);
         enclosing.clear();
-        if (word != Word::Method || !cls) return;
+        if (word != Keyword::Method || !cls) return;
         if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
         if (name == "destructor") graph.Call(graph.destructors, node);
     }
 
-    void ReadCode(Word word, TokenSpan tokens, int line) {
-        if (word == Word::EndLoop) {
+    static bool OpensLoop(Keyword word) {
+        return word == Keyword::For || word == Keyword::While || word == Keyword::EachSeq;
+    }
+    static bool EndsLoop(Keyword word) {
+        return word == Keyword::Next || word == Keyword::NextSeq || word == Keyword::Wend;
+    }
+
+    void ReadCode(Keyword word, TokenSpan tokens, int line) {
+        if (EndsLoop(word)) {
             if (enclosing.empty()) return;
             node = enclosing.back();
             enclosing.pop_back();
             return;
         }
-        const bool opens = word == Word::Loop;
+        const bool opens = OpensLoop(word);
         const bool overInstances = WalksInstances(tokens);
         if (opens) enclosing.push_back(node);
         if (overInstances) {
@@ -179,9 +153,8 @@ private:
     }
 
     static bool WalksInstances(TokenSpan tokens) {
-        for (const std::string& token : tokens) {
-            if (IsWord(token, "each") || IsWord(token, "eachin")) return true;
-        }
+        for (std::size_t i = 0; i < tokens.size(); ++i)
+            if (tokens.KeywordAt(i) == Keyword::Each || tokens.KeywordAt(i) == Keyword::EachIn) return true;
         return false;
     }
 
@@ -198,10 +171,11 @@ private:
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const std::string& token = tokens[i];
             if (!IsLetter(token[0])) continue;
-            if (IsWord(token, "insert")) graph.At(node).createsAnything = true;
-            if (IsWord(token, "seqsort"))
+            const Keyword keyword = tokens.KeywordAt(i);
+            if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
+            if (keyword == Keyword::SeqSort)
                 graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
-            startsTimer = startsTimer || IsWord(token, "autocall");
+            startsTimer = startsTimer || keyword == Keyword::AutoCall;
             const auto meaning = graph.words.find(token);
             if (meaning == graph.words.end()) continue;
             if (meaning->second.routine >= 0) {
@@ -211,7 +185,8 @@ private:
             const ClassInfo* mentioned = meaning->second.cls;
             if (!mentioned) continue;
             graph.Call(node, graph.NodeOf(graph.construction, mentioned));
-            const bool created = i > 0 && (IsWord(tokens[i - 1], "create") || IsWord(tokens[i - 1], "new"));
+            const Keyword before = i > 0 ? tokens.KeywordAt(i - 1) : Keyword::None;
+            const bool created = before == Keyword::Create || before == Keyword::New;
             if (created) graph.creators[mentioned].push_back(node);
         }
     }

@@ -11,15 +11,15 @@ namespace {
 
 bool EndsInTilde(const Tokens& tokens) {
     const std::size_t count = tokens.size();
-    return (count > 0 && Is(tokens[count - 1], "~")) || (count > 1 && Is(tokens[count - 2], "~"));
+    return (count > 0 && tokens[count - 1]->sign == '~') || (count > 1 && tokens[count - 2]->sign == '~');
 }
 
 bool EndsInTwoTildes(const Tokens& tokens) {
     const std::size_t count = tokens.size();
-    return count > 1 && Is(tokens[count - 1], "~") && Is(tokens[count - 2], "~");
+    return count > 1 && tokens[count - 1]->sign == '~' && tokens[count - 2]->sign == '~';
 }
 
-bool EndsInUnderscore(const Tokens& tokens) { return !tokens.empty() && Is(tokens.back(), "_"); }
+bool EndsInUnderscore(const Tokens& tokens) { return !tokens.empty() && Is(tokens.back()->text, "_"); }
 
 std::string WithoutTildes(std::string text) {
     text.erase(std::remove(text.begin(), text.end(), '~'), text.end());
@@ -34,9 +34,9 @@ std::string WithoutIndent(std::string_view raw) {
 }
 
 bool IsSingleLineIf(const Tokens& tokens) {
-    return IsWord(tokens.front(), "if") &&
+    return tokens.front()->keyword == Keyword::If &&
            std::any_of(tokens.begin(), tokens.end(),
-                       [](const std::string& token) { return IsWord(token, "then"); });
+                       [](Token token) { return token->keyword == Keyword::Then; });
 }
 
 // The first four letters of a line as one number, in lower case; blanks behind a shorter end.
@@ -145,7 +145,7 @@ void SourceLines::SkipInlineCpp() {
         lexer.LexLine(raw, false, false, true);
         if (checking == Checking::Strict) ++lexer.lineNumber;
         if (lexer.tokens.empty()) continue;
-        inlineCppOpen = !IsWord(lexer.tokens.front(), "endinlinecpp");
+        inlineCppOpen = lexer.tokens.front()->keyword != Keyword::EndInlineCpp;
         if (inlineCppOpen && onInlineCpp) onInlineCpp(std::string(raw));
     }
 }
@@ -196,7 +196,7 @@ void SourceLines::SplitStatements() {
     }
     std::size_t begin = 0;
     for (std::size_t i = 0; i <= all.size(); ++i) {
-        if (i < all.size() && !Is(all.first[i], "|")) continue;
+        if (i < all.size() && all.SignAt(i) != '|') continue;
         if (i > begin) statements.push_back(all.Slice(begin, i));
         begin = i + 1;
     }
@@ -212,7 +212,7 @@ bool SourceLines::Next() {
         comment.clear();
         TakeComment(text);
         if (lexer.tokens.empty() && comment.empty()) continue;
-        if (!lexer.tokens.empty() && IsWord(lexer.tokens.front(), "inlinecpp")) {
+        if (!lexer.tokens.empty() && lexer.tokens.front()->keyword == Keyword::InlineCpp) {
             SkipInlineCpp();
             continue;
         }

@@ -40,7 +40,7 @@ ValueType ParseSequenceItem(const std::string& name) {
 }
 
 TypeNote ReadSequence(TokenSpan tokens, std::size_t at) {
-    if (Lower(tokens[at + 1]) != "of" || tokens[at + 2].empty()) {
+    if (tokens.KeywordAt(at + 1) != Keyword::Of || tokens[at + 2].empty()) {
         ReportFatal("Expected 'Of <Type>' after 'Sequence' (e.g. Local x:Sequence Of Int)");
     }
     TypeNote note;
@@ -60,7 +60,7 @@ ValueType ItemType(const std::string& name, bool isArray) {
 
 TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
     if (at >= tokens.size()) ReportFatal("Type annotation incomplete - expected type after ':'");
-    if (IsWord(tokens[at], "sequence")) return ReadSequence(tokens, at);
+    if (tokens.KeywordAt(at) == Keyword::Sequence) return ReadSequence(tokens, at);
     TypeNote note;
     note.name = tokens[at];
     note.end = at + 1;

@@ -142,7 +142,7 @@ TEST(SourceReader, SettlesLineEnds) {
     const ScratchFolder scratch;
     const struct {
         std::string text;
-        Tokens lines;
+        std::vector<std::string> lines;
     } rows[] = {
         {"", {}},
         {"a\nb\n", {"a", "b"}},
@@ -158,7 +158,7 @@ TEST(SourceReader, SettlesLineEnds) {
         SourceReader reader;
         ASSERT_TRUE(reader.Open("source"));
         for (int pass = 1; pass <= 2; ++pass, reader.Rewind()) {
-            Tokens lines;
+            std::vector<std::string> lines;
             while (!reader.AtEnd()) lines.push_back(reader.NextLine());
             EXPECT_EQ(lines, row.lines) << row.text << ", pass " << pass;
         }

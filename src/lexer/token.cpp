@@ -1,0 +1,96 @@
+#include "lexer/token.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+
+namespace {
+
+bool IsSign(char c) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    const bool digit = c >= '0' && c <= '9';
+    return !letter && !digit && static_cast<unsigned char>(c) < 128;
+}
+
+Word MakeWord(std::string_view text) {
+    Word word;
+    word.text = text;
+    word.keyword = FindKeyword(text);
+    if (text.size() == 1 && IsSign(text[0])) word.sign = text[0];
+    return word;
+}
+
+// Eight bytes at a time; tokens are short.
+std::uint64_t HashOf(std::string_view text) {
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
+    std::uint64_t hash = text.size();
+    while (!text.empty()) {
+        std::uint64_t bytes = 0;
+        const std::size_t taken = text.size() < sizeof bytes ? text.size() : sizeof bytes;
+        std::memcpy(&bytes, text.data(), taken);
+        hash = (hash ^ bytes) * factor;
+        hash ^= hash >> 32;
+        text.remove_prefix(taken);
+    }
+    return hash;
+}
+
+// A table with open addressing: a word stands in the first free slot from that of its hash on.
+class Pool {
+public:
+    Pool() : slots(1024) {
+        for (int c = 0; c < 256; ++c) {
+            const char character = static_cast<char>(c);
+            single[static_cast<std::size_t>(c)] = &words.emplace_back(MakeWord({&character, 1}));
+        }
+    }
+
+    const Word& Find(char character) const { return *single[static_cast<unsigned char>(character)]; }
+
+    const Word& Find(std::string_view text) {
+        if (text.size() == 1) return Find(text[0]);
+        const std::uint64_t hash = HashOf(text);
+        Slot& slot = SlotOf(hash, text);
+        if (slot.word != nullptr) return *slot.word;
+        const Word& word = words.emplace_back(MakeWord(text));
+        slot = {hash, &word};
+        if (++used * 2 > slots.size()) Grow();
+        return word;
+    }
+
+private:
+    struct Slot {
+        std::uint64_t hash = 0;
+        const Word* word = nullptr;
+    };
+    std::deque<Word> words;  // in order of appearance, which is why they never move
+    std::vector<Slot> slots;
+    std::size_t used = 0;
+    std::array<const Word*, 256> single{};
+
+    Slot& SlotOf(std::uint64_t hash, std::string_view text) {
+        const std::size_t mask = slots.size() - 1;
+        std::size_t at = hash & mask;
+        while (slots[at].word != nullptr && (slots[at].hash != hash || slots[at].word->text != text))
+            at = (at + 1) & mask;
+        return slots[at];
+    }
+
+    void Grow() {
+        std::vector<Slot> old(slots.size() * 2);
+        old.swap(slots);
+        for (const Slot& slot : old)
+            if (slot.word != nullptr) SlotOf(slot.hash, slot.word->text) = slot;
+    }
+};
+
+Pool& ThePool() {
+    static Pool& pool = *new Pool;  // never destroyed: tokens may outlive everything else
+    return pool;
+}
+
+}  // namespace
+
+const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
+const Word& WordOf(char character) { return ThePool().Find(character); }
