@@ -54,8 +54,6 @@ bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= '
 
 // What a scan found besides the tokens.
 struct ScanResult {
-    std::size_t comment = std::string_view::npos;  // position of the ';' that starts the comment
-    bool anyToken = false;
     bool openString = false;
     int parenDepth = 0;
     int bracketDepth = 0;
@@ -63,27 +61,25 @@ struct ScanResult {
 };
 
 // One scan over a line. Every token is a contiguous piece of the line, so a start position is all that
-// the current token needs. Without a list the tokens are not kept.
+// the current token needs.
 class Scanner {
 public:
-    Scanner(std::string_view text, Tokens* out) : line(text), tokens(out) {}
+    Scanner(std::string_view text, Tokens& out) : line(text), tokens(out) {}
 
-    ScanResult Run(bool stopAtUnmatched) {
-        while (at < line.size() && result.comment == std::string_view::npos) {
-            Step();
-            if (stopAtUnmatched && result.unmatched) return result;
-        }
+    ScanResult Run() {
+        while (at < line.size() && !inComment) Step();
         Flush();
         return result;
     }
 
 private:
     std::string_view line;
-    Tokens* tokens;
+    Tokens& tokens;
     ScanResult result;
     std::size_t at = 0;
     std::size_t start = 0;
     bool inToken = false;
+    bool inComment = false;
     bool onlyDigits = false;  // the current token so far
 
     void Step() {
@@ -123,7 +119,7 @@ private:
                 String();
                 break;
             case CharClass::Comment:
-                result.comment = at;
+                inComment = true;
                 break;
         }
     }
@@ -148,10 +144,7 @@ private:
         }
     }
 
-    void Add(std::size_t begin, std::size_t end) {
-        result.anyToken = true;
-        if (tokens) tokens->emplace_back(line.substr(begin, end - begin));
-    }
+    void Add(std::size_t begin, std::size_t end) { tokens.emplace_back(line.substr(begin, end - begin)); }
 
     void Flush() {
         if (inToken) Add(start, at);
@@ -160,8 +153,7 @@ private:
 
     void Delimiter() {
         Flush();
-        result.anyToken = true;
-        if (tokens) tokens->emplace_back(WordOf(line[at]));
+        tokens.emplace_back(WordOf(line[at]));
         ++at;
     }
 
@@ -197,6 +189,8 @@ private:
     }
 };
 
+constexpr char unclosedParenthesis[] = "Unclosed parenthesis '('";
+
 const char* BoolText(bool value) { return value ? "true" : "false"; }
 
 void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view line) {
@@ -208,23 +202,25 @@ void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-[[noreturn]] void Fail(const Lexer& lexer, const char* message) {
-    FailOnErrorStream("Error in " + lexer.fileName + " (line " + std::to_string(lexer.lineNumber) +
-                      "): " + message + "\nLine: " + lexer.lineText);
+void PrintVerboseTrouble(const LexTrouble& trouble) {
+    std::fprintf(stderr,
+                 "DEBUG: Triggering unclosed paren error - parenDepth=%d skipValidation=false "
+                 "hasLineContinuation=false\n",
+                 trouble.openParentheses);
 }
 
-void CheckClosed(const Lexer& lexer, const ScanResult& found) {
-    if (found.openString) Fail(lexer, "Unclosed string literal");
-    if (found.parenDepth > 0) {
-        if (settings.verbose) {
-            std::fprintf(stderr,
-                         "DEBUG: Triggering unclosed paren error - parenDepth=%d skipValidation=false "
-                         "hasLineContinuation=false\n",
-                         found.parenDepth);
-        }
-        Fail(lexer, "Unclosed parenthesis '('");
-    }
-    if (found.bracketDepth > 0) Fail(lexer, "Unclosed bracket '['");
+const char* ProblemOf(const ScanResult& found, bool continues) {
+    if (found.unmatched) return found.unmatched;
+    if (continues) return nullptr;
+    if (found.openString) return "Unclosed string literal";
+    if (found.parenDepth > 0) return unclosedParenthesis;
+    return found.bracketDepth > 0 ? "Unclosed bracket '['" : nullptr;
+}
+
+bool IsContinued(TokenSpan tokens) {
+    const std::size_t count = tokens.size();
+    return (count > 0 && Is(tokens[count - 1], "_")) ||
+           (count > 1 && tokens.SignAt(count - 1) == '~' && tokens.SignAt(count - 2) == '~');
 }
 
 std::size_t IndentOf(std::string_view line) {
@@ -239,37 +235,27 @@ Lexer::Lexer() {
     for (const char* c = delimiterCharacters; *c; ++c) delimiters.emplace_back(1, *c);
 }
 
-// Takes a line on and returns what stands behind its indent.
-std::string_view Lexer::BeginLine(std::string_view line, bool countLine, bool skipValidation) {
+LexTrouble Lexer::Cut(std::string_view line) {
     tokens.clear();
+    indent = static_cast<std::uint32_t>(IndentOf(line));
+    const ScanResult found = Scanner(line.substr(indent), tokens).Run();
+    return {ProblemOf(found, IsContinued(tokens)), found.parenDepth};
+}
+
+std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation) {
     if (settings.verbose) PrintVerboseLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
     if (countLine) {
         ++lineNumber;
         lineText.assign(line);
     }
-    indent = static_cast<std::uint32_t>(IndentOf(line));
-    return line.substr(indent);
-}
-
-bool Lexer::CheckLine(std::string_view line) {
-    const ScanResult found = Scanner(BeginLine(line, true, false), nullptr).Run(true);
-    if (found.unmatched) Fail(*this, found.unmatched);
-    CheckClosed(*this, found);
-    return found.anyToken;
-}
-
-std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation) {
-    const std::string_view rest = BeginLine(line, countLine, skipValidation);
-    const ScanResult found = Scanner(rest, &tokens).Run(!skipValidation);
-    if (!skipValidation && found.unmatched) Fail(*this, found.unmatched);
-    const TokenSpan all(tokens);
-    const std::size_t count = all.size();
-    const bool continues = (count > 0 && Is(all[count - 1], "_")) ||
-                           (count > 1 && all.SignAt(count - 1) == '~' && all.SignAt(count - 2) == '~');
-    if (keepComment && found.comment != std::string_view::npos) {
-        tokens.push_back("//" + std::string(rest.substr(found.comment + 1)));
+    const LexTrouble trouble = Cut(line);
+    if (!skipValidation && trouble.message) {
+        const bool unclosed = trouble.message == unclosedParenthesis;
+        if (settings.verbose && unclosed) PrintVerboseTrouble(trouble);
+        FailInLine(fileName, lineNumber, trouble.message, lineText);
     }
-    if (!skipValidation && !continues) CheckClosed(*this, found);
+    const std::size_t comment = keepComment ? CommentStart(line) : std::string_view::npos;
+    if (comment != std::string_view::npos) tokens.emplace_back("//" + std::string(line.substr(comment + 1)));
     return TokenCount();
 }
 
@@ -281,10 +267,15 @@ std::string Lexer::GetToken(std::int32_t i) const {
 
 std::uint32_t Lexer::GetIndent() const { return indent; }
 
+void FailInLine(const std::string& file, int number, const char* message, std::string_view line) {
+    FailOnErrorStream("Error in " + file + " (line " + std::to_string(number) + "): " + message +
+                      "\nLine: " + std::string(line));
+}
+
 Tokens Split(const std::string& text) {
     if (settings.verbose) PrintVerboseLine(0, true, text);
     Tokens tokens;
-    Scanner(text, &tokens).Run(false);
+    Scanner(text, tokens).Run();
     return tokens;
 }
 

@@ -9,6 +9,12 @@
 
 #include "lexer/token.h"
 
+// Brackets or strings of a line that are not right.
+struct LexTrouble {
+    const char* message = nullptr;  // null when all is well
+    int openParentheses = 0;
+};
+
 class Lexer {
 public:
     std::vector<std::string> delimiters;  // the 29 one-character tokens
@@ -24,17 +30,16 @@ public:
     // open strings end the run, unless skipValidation is set or the line ends in a lone "_".
     std::int32_t LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation);
 
-    // Counts a line that is not continued and checks its brackets and strings like LexLine does, without
-    // cutting it. False when it holds no token.
-    bool CheckLine(std::string_view line);
+    // The same without counting, and without a report: what is wrong is returned.
+    LexTrouble Cut(std::string_view line);
 
     std::int32_t TokenCount() const;
     std::string GetToken(std::int32_t i) const;  // empty outside the list
     std::uint32_t GetIndent() const;
-
-private:
-    std::string_view BeginLine(std::string_view line, bool countLine, bool skipValidation);
 };
+
+// Ends the run with the report of such a line.
+[[noreturn]] void FailInLine(const std::string& file, int number, const char* message, std::string_view line);
 
 // Tokens of a piece of text, comments dropped and nothing checked.
 Tokens Split(const std::string& text);

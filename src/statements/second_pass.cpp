@@ -22,9 +22,9 @@ void TranslateStatement(State& state, TokenSpan tokens) {
     DispatchStatement(state, substituted);
 }
 
-void TranslateLine(State& state, const SourceLines& lines, const Lexer& lexer) {
+void TranslateLine(State& state, const SourceLines& lines) {
     state.currentLine = lines.Line();
-    state.lineIndent = static_cast<int>(lexer.GetIndent());
+    state.lineIndent = static_cast<int>(lines.Indent());
     settings.currentLine = lines.Line();
     AddComment(state, lines.Comment());
     for (const TokenSpan& statement : lines.Statements()) TranslateStatement(state, statement);
@@ -33,14 +33,14 @@ void TranslateLine(State& state, const SourceLines& lines, const Lexer& lexer) {
 
 }  // namespace
 
-void RunSecondPass(State& state, Lexer& lexer, const std::string& source) {
-    SourceLines lines(lexer, Checking::Physical);
+void RunSecondPass(State& state, const std::string& source) {
+    SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
     lines.onInlineCpp = [&state](const std::string& line) {
         NoteInlineCpp(line);
         PutLine(*state.out, settings.traceMode ? line + " //INLINE" : line);
     };
-    while (lines.Next()) TranslateLine(state, lines, lexer);
+    while (lines.Next()) TranslateLine(state, lines);
     settings.currentLine = lines.Line();
     if (lines.InlineCppOpen()) ReportFatal("No EndInlinePHP, unexpected end of file.");
     CheckBlocksClosed(state);

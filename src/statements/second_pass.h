@@ -6,7 +6,7 @@
 
 // Runs the pass over the whole source; the .cpp goes to the pieces of state.out. Blocks still open at
 // the end of the file end the run.
-void RunSecondPass(State& state, Lexer& lexer, const std::string& source);
+void RunSecondPass(State& state, const std::string& source);
 
 // Translates one statement: keyword statements by the dispatch table, everything else as an
 // assignment or a call.

@@ -101,12 +101,12 @@ void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
 }
 
-void TranslateStatements(FileOutput& out, Lexer& lexer, const HeaderContents& contents) {
+void TranslateStatements(FileOutput& out, const HeaderContents& contents) {
     if (!CanCreate(CppPath(out))) ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
     OpenCpp(out, contents.instanceLists);
     State state;
     state.out = &out;
-    RunSecondPass(state, lexer, out.source);
+    RunSecondPass(state, out.source);
 }
 
 // What the statements of a file leave behind in a lenient run.
@@ -133,20 +133,18 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     NameOutputs(out, path, outputFolder, isMain);
     ClaimOutputs(out);
 
-    Lexer lexer;
-    lexer.fileName = path;
     Declarations declarations;
-    CollectDeclarations(lexer, path, declarations);
+    CollectDeclarations(path, declarations);
     lenient = lenientRun;
     if (lenientRun && !settings.verbose) {
         GuardOf(out);  // guards are given out in the order of the first passes
-        Prepopulate(lexer, declarations);
+        Prepopulate(declarations);
         NoteIncludes(declarations);
         return;
     }
     WriteHeaderTop(out, declarations);
-    Prepopulate(lexer, declarations);
-    TranslateStatements(out, lexer, ContentsOf(declarations, path));
+    Prepopulate(declarations);
+    TranslateStatements(out, ContentsOf(declarations, path));
     NoteMentions(out, declarations);
     if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
     if (lenientRun) return;

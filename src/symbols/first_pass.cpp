@@ -58,17 +58,17 @@ void CollectStatement(FirstPass& pass, TokenSpan tokens) {
     rule.collect(pass, tokens);
 }
 
-void ReadLines(FirstPass& pass, Lexer& lexer) {
-    SourceLines lines(lexer, Checking::Strict);
+void ReadLines(FirstPass& pass) {
+    SourceLines lines(Reading::FirstPass);
     if (!lines.Open(pass.source)) ReportFatal("Cannot read '" + pass.source + "'.");
     while (lines.Next()) {
-        settings.currentFile = lexer.fileName;
-        settings.currentLine = lexer.lineNumber;
+        settings.currentFile = pass.source;
+        settings.currentLine = lines.Count();
         pass.line = lines.Line();
         for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);
     }
-    settings.currentFile = lexer.fileName;
-    settings.currentLine = lines.LastCount();
+    settings.currentFile = pass.source;
+    settings.currentLine = lines.Count();
 }
 
 // What the first run over an included file found, kept for its second run.
@@ -111,14 +111,14 @@ void SaySummary(const Declarations& found) {
 
 }  // namespace
 
-void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& out) {
+void CollectDeclarations(const std::string& source, Declarations& out) {
     VerboseNote("First pass: Collecting declarations...");
     VerboseNote("  (Use 'Import \"filename.decls\"' to load userlib functions)");
-    settings.currentFile = lexer.fileName;
-    settings.currentLine = lexer.lineNumber;
+    settings.currentFile = source;
+    settings.currentLine = 0;
     FirstPass pass(out, source);
     pass.again = !symbols.collectedFiles.insert(FileId(source)).second;
-    if (!pass.again || !Recall(pass)) ReadLines(pass, lexer);
+    if (!pass.again || !Recall(pass)) ReadLines(pass);
     const bool comesAgain = !pass.again && source != settings.mainSource && !settings.verbose;
     if (comesAgain) Remember(pass);
     FinishRoutines(pass);

@@ -35,7 +35,7 @@ struct Declarations {
 
 // Collects the declarations of a source; included files are translated where they are met. A file that is
 // read again finds its own declarations. Whatever is wrong ends the run.
-void CollectDeclarations(Lexer& lexer, const std::string& source, Declarations& out);
+void CollectDeclarations(const std::string& source, Declarations& out);
 
 // False for the words that begin declarations and block marks, true for everything else.
 bool IsExecutableStatement(Keyword keyword);

@@ -33,8 +33,7 @@ public:
     void ScanFile(const std::string& path, const std::string& name) {
         const std::string id = FileId(path);
         if (!known.insert(id).second) return;
-        Lexer lexer;
-        SourceLines lines(lexer, Checking::Names);
+        SourceLines lines(Reading::Silent);
         if (!lines.Open(path)) return;
         symbols.sourceFiles.push_back(path);
         ++baseNames[BaseName(path)];
@@ -106,6 +105,7 @@ private:
 
 void CollectNames(const std::string& mainSource) {
     baseNames.clear();
+    ResetSourceLines();
     NameScan().ScanFile(mainSource, StripFolder(mainSource));
 }
 

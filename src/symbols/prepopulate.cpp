@@ -27,7 +27,7 @@ void SayRegistered(const char* kind, const std::vector<std::string>& names) {
 
 }  // namespace
 
-void Prepopulate(Lexer& lexer, const Declarations& declarations) {
+void Prepopulate(const Declarations& declarations) {
     VerboseNote("Pre-populating symbol tables with forward declarations...");
     VerboseNote("  - Classes already registered with full information from first pass:");
     for (const ClassInfo* cls : symbols.classList) VerboseNote("    * " + cls->name);
@@ -38,5 +38,4 @@ void Prepopulate(Lexer& lexer, const Declarations& declarations) {
     SayRegistered("global", declarations.globalNames);
     SayRegistered("constant", declarations.constNames);
     VerboseNote("Symbol tables populated. Second pass can now reference any function/type/global/constant.");
-    lexer.lineNumber = 0;
 }

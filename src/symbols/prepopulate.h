@@ -4,5 +4,5 @@
 #include "symbols/first_pass.h"
 
 // A Function that is named like a reserved word, a Type, an Element, another Function, a Global or a Const
-// ends the run. Sets the lexer back to the first line for the second pass.
-void Prepopulate(Lexer& lexer, const Declarations& declarations);
+// ends the run.
+void Prepopulate(const Declarations& declarations);

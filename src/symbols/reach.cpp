@@ -73,8 +73,7 @@ public:
     explicit FileReach(const std::string& path) : file(path), fileId(FileId(path)) {}
 
     void Read() {
-        Lexer lexer;
-        SourceLines lines(lexer, Checking::None);
+        SourceLines lines(Reading::Silent);
         if (!lines.Open(file)) return;
         while (lines.Next()) {
             if (lines.MetInlineCpp() && node != outside) graph.At(node).createsAnything = true;

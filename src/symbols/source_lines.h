@@ -1,73 +1,63 @@
-// A source file as a list of lines: continued lines are joined, "|" separates statements, inline C++ goes
-// its own way. Shared by everyone who reads Korvel sources.
+// The lines of a source file, as the passes and everybody else read them. A file is read and cut once;
+// its readers walk over the same lines.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 #include "lexer/token_span.h"
+#include "symbols/cut_file.h"
 
-enum class Checking : unsigned char {
-    Strict,    // brackets and strings are checked, lines are counted by the lexer, and those that cannot
-               // declare anything are passed over
-    Physical,  // checked too; the lexer is told the physical line on which each statement starts
-    None,      // nothing is checked or counted; for readers that must not report before the first pass does
-    Names,     // the same, and lines that cannot name a Type, an Element or another file are passed over
+enum class Reading : unsigned char {
+    FirstPass,   // wrong brackets and open strings end the run at their line
+    SecondPass,  // the same; lines that hold nothing but a comment come, too
+    Silent,      // for readers that must not report before the first pass does
 };
 
 class SourceLines {
 public:
-    SourceLines(Lexer& lineLexer, Checking mode) : lexer(lineLexer), checking(mode) {}
+    explicit SourceLines(Reading who) : reading(who) {}
 
     // False when the file cannot be read.
-    bool Open(const std::string& path) { return reader.Open(path); }
+    bool Open(const std::string& path);
 
     // Goes to the next line that has tokens, or a comment to carry; false at the end of the file.
     bool Next();
 
     // The physical line on which the current one starts.
-    int Line() const { return start; }
-    // With Checking::Strict: the lexer's count at the last line that has tokens, passed over or not.
-    int LastCount() const { return lastCount; }
-    // The statements of the current line; valid until the lexer is used again.
+    int Line() const { return line.start; }
+    // The number of the current line as the first pass counts; at the end of the file, that of the last.
+    int Count() const { return line.count; }
+    std::uint32_t Indent() const { return line.indent; }
+    // The statements of the current line; valid until the next one is read.
     const std::vector<TokenSpan>& Statements() const { return statements; }
     // True when inline C++ stood between the previous line and this one (or the end of the file).
     bool MetInlineCpp() const { return metInlineCpp; }
     // True when the file ended inside a block of inline C++, which started on Line().
-    bool InlineCppOpen() const { return inlineCppOpen; }
+    bool InlineCppOpen() const { return file->inlineOpen; }
     // With -c: the comments of the line and of those joined to it, ready for the output.
-    const std::string& Comment() const { return comment; }
+    const std::string& Comment() const;
 
     // Gets every line of inline C++ that has tokens, as it stands.
     std::function<void(const std::string&)> onInlineCpp;
 
 private:
-    Lexer& lexer;
-    Checking checking;
-    SourceReader reader;
-    std::vector<TokenSpan> statements;
-    int physical = 0;
-    int start = 0;
-    int lastCount = 0;
+    Reading reading;
+    std::string path;
+    std::shared_ptr<CutFile> file;
+    std::unique_ptr<LineCutter> cutter;  // of verbose passes, which cut the file for themselves
+    std::size_t next = 0;                // index of the line after the current one
+    CutLine line;                        // the current one
     bool metInlineCpp = false;
-    bool inlineCppOpen = false;
-    std::string comment;
+    std::vector<TokenSpan> statements;
 
-    std::string_view ReadLine();
-    bool PassOver(std::string_view text);
-    void Lex(std::string_view text);
-    void LexAgain(const std::string& text);
-    void TakeComment(std::string_view raw);
-    void SkipInlineCpp();
-    void Join(std::string_view first);
-    void JoinTildeLines(std::string& text);
-    void JoinUnderscoreLines(std::string& text);
-    void SplitStatements();
+    void Enter(const CutLine& entered);
 };
+
+// Forgets the files read so far, at the start of a run.
+void ResetSourceLines();
 
 // Tells whether two paths mean the same file, by their text.
 std::string FileId(const std::string& path);

@@ -43,10 +43,8 @@ protected:
 
     Declarations ReadAgain() const {
         Declarations found;
-        Lexer lexer;
-        lexer.fileName = settings.mainSource;
-        CollectDeclarations(lexer, settings.mainSource, found);
-        Prepopulate(lexer, found);
+        CollectDeclarations(settings.mainSource, found);
+        Prepopulate(found);
         return found;
     }
 };

@@ -1,0 +1,190 @@
+#include "symbols/cut_file.h"
+
+#include <algorithm>
+
+#include "driver/settings.h"
+
+namespace {
+
+bool EndsInTilde(const Tokens& tokens) {
+    const std::size_t count = tokens.size();
+    return (count > 0 && tokens[count - 1]->sign == '~') || (count > 1 && tokens[count - 2]->sign == '~');
+}
+
+bool EndsInTwoTildes(const Tokens& tokens) {
+    const std::size_t count = tokens.size();
+    return count > 1 && tokens[count - 1]->sign == '~' && tokens[count - 2]->sign == '~';
+}
+
+bool EndsInUnderscore(const Tokens& tokens) { return !tokens.empty() && Is(tokens.back()->text, "_"); }
+
+std::string WithoutTildes(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '~'), text.end());
+    return text;
+}
+
+std::string WithoutComment(std::string_view raw) { return std::string(raw.substr(0, CommentStart(raw))); }
+
+std::string WithoutIndent(std::string_view raw) {
+    const std::size_t first = raw.find_first_not_of(" \t");
+    return first == std::string_view::npos ? std::string() : std::string(raw.substr(first));
+}
+
+bool IsSingleLineIf(const Tokens& tokens) {
+    return tokens.front()->keyword == Keyword::If &&
+           std::any_of(tokens.begin(), tokens.end(),
+                       [](Token token) { return token->keyword == Keyword::Then; });
+}
+
+Keyword FirstWord(const Tokens& tokens) { return tokens.empty() ? Keyword::None : tokens.front()->keyword; }
+
+}  // namespace
+
+bool LineCutter::Open(const std::string& path) {
+    lexer.fileName = path;
+    return reader.Open(path);
+}
+
+std::string_view LineCutter::ReadLine() {
+    ++physical;
+    return reader.TakeLine();
+}
+
+void LineCutter::NoteTrouble(const LexTrouble& trouble, std::string_view text) {
+    if (trouble.message == nullptr || file.trouble.message != nullptr) return;
+    file.trouble = {trouble.message, file.lines.size(), count, std::string(text)};
+}
+
+// A line as it stands.
+void LineCutter::Lex(std::string_view text) {
+    ++count;
+    if (lexing == Lexing::Quiet) return NoteTrouble(lexer.Cut(text), text);
+    if (lexing == Lexing::ShownPhysical) lexer.lineNumber = physical - 1;
+    lexer.LexLine(text, false, true, false);
+}
+
+// The joined line. Counting it once more makes the first pass's numbers run behind, which is its way.
+void LineCutter::LexJoined(const std::string& text) {
+    ++count;
+    if (lexing == Lexing::Quiet) return NoteTrouble(lexer.Cut(text), text);
+    lexer.LexLine(text, false, lexing == Lexing::ShownCounted, false);
+}
+
+// What is looked at before it is joined, and inline C++.
+void LineCutter::LexPiece(std::string_view text) {
+    if (lexing == Lexing::Quiet)
+        lexer.Cut(text);
+    else
+        lexer.LexLine(text, false, false, true);
+}
+
+void LineCutter::TakeComment(std::string_view raw) {
+    if (!settings.outputComments) return;
+    const std::string found = CommentOf(std::string(raw));
+    if (found.empty()) return;
+    if (!comment.empty()) comment += " ";
+    comment += found;
+}
+
+void LineCutter::CutInline() {
+    file.inlineOpen = true;
+    while (file.inlineOpen && !reader.AtEnd()) {
+        const std::string_view raw = ReadLine();
+        LexPiece(raw);
+        ++count;
+        if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
+        if (lexer.tokens.empty()) continue;
+        file.inlineOpen = FirstWord(lexer.tokens) != Keyword::EndInlineCpp;
+        if (file.inlineOpen) file.inlineLines.emplace_back(raw);
+    }
+}
+
+// Two tildes begin a join; it goes on while one of the last two tokens is a tilde.
+void LineCutter::JoinTildeLines(std::string& text) {
+    if (!EndsInTwoTildes(lexer.tokens)) return;
+    text = WithoutTildes(WithoutComment(text));
+    bool more = true;
+    while (more && !reader.AtEnd()) {
+        const std::string_view raw = ReadLine();
+        TakeComment(raw);
+        const std::string piece = WithoutComment(raw);
+        LexPiece(piece);
+        more = EndsInTilde(lexer.tokens);
+        text += WithoutTildes(piece);
+    }
+    LexJoined(text);
+}
+
+void LineCutter::JoinUnderscoreLines(std::string& text) {
+    if (!EndsInUnderscore(lexer.tokens)) return;
+    text = CutAtContinuation(text);
+    bool more = true;
+    while (more && !reader.AtEnd()) {
+        const std::string piece = WithoutIndent(ReadLine());
+        TakeComment(piece);
+        LexPiece(piece);
+        more = EndsInUnderscore(lexer.tokens);
+        text += " " + (more ? CutAtContinuation(piece) : WithoutComment(piece));
+    }
+    LexJoined(text);
+}
+
+void LineCutter::Join(std::string_view first) {
+    std::string text(first);
+    JoinTildeLines(text);
+    JoinUnderscoreLines(text);
+}
+
+// Moves the tokens of the line into the file, those between statements left out.
+void LineCutter::AddStatements() {
+    const bool whole = !lexer.tokens.empty() && IsSingleLineIf(lexer.tokens);
+    const auto position = [this] { return static_cast<std::uint32_t>(file.tokens.size()); };
+    std::uint32_t begin = position();
+    const auto end = [&] {
+        if (position() > begin) file.statements.push_back({begin, position()});
+        begin = position();
+    };
+    for (const Token token : lexer.tokens) {
+        if (token->sign == '|' && !whole)
+            end();
+        else
+            file.tokens.push_back(token);
+    }
+    end();
+}
+
+void LineCutter::AddLine(const CutLine& line) {
+    file.lines.push_back(line);
+    file.lines.back().statementsEnd = static_cast<std::uint32_t>(file.statements.size());
+    file.lines.back().inlineEnd = static_cast<std::uint32_t>(file.inlineLines.size());
+    if (settings.outputComments) file.comments.push_back(std::move(comment));
+    comment.clear();
+}
+
+void LineCutter::CutNext() {
+    CutLine line;
+    if (!file.lines.empty()) {
+        line.start = file.lines.back().start;
+        line.count = file.lines.back().count;
+    }
+    while (!reader.AtEnd()) {
+        const std::string_view text = ReadLine();
+        line.start = physical;
+        Lex(text);
+        TakeComment(text);
+        if (FirstWord(lexer.tokens) == Keyword::InlineCpp) {
+            comment.clear();
+            line.afterInline = true;
+            CutInline();
+            continue;
+        }
+        if (EndsInTwoTildes(lexer.tokens) || EndsInUnderscore(lexer.tokens)) Join(text);
+        if (lexer.tokens.empty() && comment.empty()) continue;
+        if (!lexer.tokens.empty()) line.count = count;
+        line.indent = lexer.GetIndent();
+        AddStatements();
+        return AddLine(line);
+    }
+    line.isEnd = true;
+    AddLine(line);
+}

@@ -1,0 +1,89 @@
+// A source file cut into lines, statements and tokens: continued lines are joined, "|" separates statements,
+// inline C++ goes its own way. Everybody who reads Korvel sources reads them in this form (source_lines.h).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lexer/lexer.h"
+#include "lexer/source_reader.h"
+#include "lexer/token_span.h"
+
+// One line with the lines joined to it. Its statements and the inline C++ before it begin in the lists of
+// the file where those of the line before end.
+struct CutLine {
+    int start = 0;  // the physical line on which it begins
+    int count = 0;  // its number, or that of the last line with tokens, as the first pass counts: a joined
+                    // line counts once more
+    std::uint32_t indent = 0;
+    std::uint32_t statementsEnd = 0;
+    std::uint32_t inlineEnd = 0;
+    bool afterInline = false;  // a block of inline C++ stands before it
+    bool isEnd = false;        // not a line but the end of the file; start is its last line
+};
+
+// Tokens [begin, end) of the file.
+struct CutStatement {
+    std::uint32_t begin = 0, end = 0;
+};
+
+// Wrong brackets or an open string, which only the passes report, when they come to the line.
+struct CutTrouble {
+    const char* message = nullptr;
+    std::size_t line = 0;  // index of the line that was being cut
+    int count = 0;
+    std::string text;
+};
+
+struct CutFile {
+    std::vector<CutLine> lines;  // those with statements or, with -c, comments; the end mark is the last
+    std::vector<CutStatement> statements;
+    Tokens tokens;
+    std::vector<std::string> inlineLines;  // as they stand
+    std::vector<std::string> comments;     // with -c: of each line, those of joined lines included
+    CutTrouble trouble;                    // the first
+    bool inlineOpen = false;               // the file ends inside inline C++
+};
+
+// How lines are put through the lexer. Verbose runs of a pass show each line as the pass comes to it; for them
+// brackets and strings are checked at once.
+enum class Lexing : unsigned char {
+    Quiet,          // nothing is shown, the first trouble is noted
+    ShownCounted,   // with the first pass's numbers
+    ShownPhysical,  // with the numbers of physical lines
+};
+
+class LineCutter {
+public:
+    LineCutter(CutFile& target, Lexing how) : file(target), lexing(how) {}
+
+    // False when the file cannot be read.
+    bool Open(const std::string& path);
+
+    // Appends the next line, or the end mark, to the lists of the file.
+    void CutNext();
+
+private:
+    CutFile& file;
+    Lexing lexing;
+    Lexer lexer;
+    SourceReader reader;
+    int physical = 0;
+    int count = 0;
+    std::string comment;
+
+    std::string_view ReadLine();
+    void NoteTrouble(const LexTrouble& trouble, std::string_view text);
+    void Lex(std::string_view text);
+    void LexJoined(const std::string& text);
+    void LexPiece(std::string_view text);
+    void TakeComment(std::string_view raw);
+    void CutInline();
+    void Join(std::string_view first);
+    void JoinTildeLines(std::string& text);
+    void JoinUnderscoreLines(std::string& text);
+    void AddStatements();
+    void AddLine(const CutLine& line);
+};
