@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "driver/report.h"
+#include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
@@ -174,8 +175,9 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
     const std::vector<std::string> texts = CheckedArguments(SubjectOf(routine), routine, arguments);
     const std::string callee = prefix + routine.cppName;
     Expr call;
-    call.text =
-        OrderMatters(routine, arguments) ? CallInOrder(callee, routine, texts) : CallText(callee, texts);
+    call.text = CallWhileAway(
+        routine, arguments,
+        OrderMatters(routine, arguments) ? CallInOrder(callee, routine, texts) : CallText(callee, texts));
     call.type = routine.result;
     if (call.type.IsArray())
         call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;

@@ -1,5 +1,6 @@
 // Making objects and walking the list of a Type's objects.
 #include "driver/report.h"
+#include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
@@ -104,6 +105,7 @@ Expr ParseCreate(Walk& walk) {
         ReportFatal("Type '" + name + "' is not defined. Cannot create instance of non-existent Type");
     }
     NeedClass(cls);
+    NoteConstruction(*cls);
     const std::vector<Expr> arguments = walk.Match("(") ? ParseArguments(walk) : std::vector<Expr>();
     const std::string call = cls->cppName + "(" + Joined(ConstructorArguments(*cls, arguments)) + ")";
     if (!cls->isElement) {

@@ -1,56 +1,192 @@
 #include "expressions/sequence_walks.h"
 
-#include <vector>
-
 #include "prelude/support.h"
+#include "symbols/scopes.h"
+#include "symbols/sequence_changes.h"
 
 namespace {
 
+// Where a Sequence lives, which decides under which other names it may be met.
+enum class Home : unsigned char { Local, Parameter, Global, Field, Unknown };
+
+struct Place {
+    std::string text;
+    Home home = Home::Unknown;
+    std::string field;  // name of the Field
+    ValueType type;
+};
+
 struct OpenWalk {
-    std::string sequence;
+    Place place;
     std::string name;
+    int number = 0;
     bool changed = false;
+    bool passages = false;  // some were emitted
 };
 
 std::vector<OpenWalk> walks;  // the innermost loop last
+int walkCount = 0;
+
+Home HomeOf(const Expr& sequence) {
+    const Variable* variable = sequence.variable;
+    if (variable == nullptr) return Home::Field;
+    if (FindLocal(variable->name) == variable) return variable->isParameter ? Home::Parameter : Home::Local;
+    return FindGlobal(variable->name) == variable ? Home::Global : Home::Field;
+}
+
+std::string LastWord(const std::string& text) {
+    const std::size_t blank = text.find_last_of(' ');
+    return blank == std::string::npos ? text : text.substr(blank + 1);
+}
+
+Place PlaceOf(const Expr& sequence) {
+    Place place{sequence.text, HomeOf(sequence), "", sequence.type};
+    if (place.home != Home::Field) return place;
+    place.field = LastWord(sequence.text);
+    const bool name = !place.field.empty() && place.field.find_first_of(")]") == std::string::npos;
+    if (!name) place.home = Home::Unknown;
+    return place;
+}
+
+// Whether two texts may mean one Sequence.
+bool MayBeSame(const Place& a, const Place& b) {
+    if (a.text == b.text) return true;
+    if (a.type.IsKnown() && b.type.IsKnown() && a.type != b.type) return false;
+    if (a.home == Home::Local || b.home == Home::Local) return false;
+    if (a.home == Home::Field && b.home == Home::Field) return a.field == b.field;
+    const bool passedOn = a.home == Home::Parameter || b.home == Home::Parameter;
+    return passedOn || a.home == Home::Unknown || b.home == Home::Unknown;
+}
+
+// ---- passages
+
+const std::string opening = "\x01\x02~";
+constexpr char middle = '\x02';
+constexpr char closing = '\x03';
+
+std::string Passage(OpenWalk& walk, const std::string& text) {
+    walk.passages = true;
+    return opening + std::to_string(walk.number) + middle + text + closing;
+}
+
+void SettlePassages(std::string& text, std::size_t from, int number, bool stay) {
+    const std::string begin = opening + std::to_string(number) + middle;
+    std::string settled;
+    std::size_t at = from;
+    for (std::size_t found = text.find(begin, at); found != std::string::npos; found = text.find(begin, at)) {
+        settled.append(text, at, found - at);
+        const std::size_t inner = found + begin.size();
+        const std::size_t end = text.find(closing, inner);
+        if (stay) settled.append(text, inner, end - inner);
+        at = end + 1;
+    }
+    settled.append(text, at, std::string::npos);
+    text.replace(from, std::string::npos, settled);
+}
+
+std::string Wrapped(OpenWalk& walk, const std::string& text) {
+    return Passage(walk, "(" + walk.name + ".Away(), ") + text + Passage(walk, ")");
+}
+
+// Whether code outside of the loop's own routine can get at the Sequence without being handed it.
+bool IsInReach(const OpenWalk& walk) { return walk.place.home != Home::Local; }
+
+bool IsHanded(const OpenWalk& walk, const std::vector<Expr>& arguments) {
+    for (const Expr& argument : arguments)
+        if (argument.type.sequence && argument.text == walk.place.text) return true;
+    return false;
+}
 
 }  // namespace
 
 std::string SequenceWalkName(const std::string& variable) { return "__kvWalk_" + variable; }
 
-void OpenSequenceWalk(const std::string& sequence, const std::string& variable) {
-    walks.push_back({sequence, SequenceWalkName(variable), false});
+void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
+    walks.push_back({PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false, false});
 }
 
-bool CloseSequenceWalk() {
+bool CloseSequenceWalk(std::string& text, std::size_t from) {
     if (walks.empty()) return false;
-    const bool changed = walks.back().changed;
+    OpenWalk& walk = walks.back();
+    const ValueType item = walk.place.type.Item();
+    if (IsInReach(walk) && TimersMayChange(item)) walk.changed = true;
+    const bool changed = walk.changed;
+    if (walk.passages) SettlePassages(text, from, walk.number, changed);
     walks.pop_back();
     if (changed) RequireSupport(Support::SequenceWalk);
     return changed;
 }
 
-std::string TellWalks(const std::string& sequence, const char* member, const std::string& value) {
+std::string TellWalks(const Expr& sequence, const char* member, const std::string& value) {
     std::string text = value;
     for (OpenWalk& walk : walks) {
-        if (walk.sequence != sequence) continue;
+        if (walk.place.text != sequence.text) continue;
         walk.changed = true;
         text = walk.name + "." + member + "(" + text + ")";
     }
     return text;
 }
 
-std::string WalkCalls(const std::string& sequence, const char* member, const char* separator) {
+std::string WalkCalls(const Expr& sequence, const char* member, const char* separator) {
     std::string text;
     for (OpenWalk& walk : walks) {
-        if (walk.sequence != sequence) continue;
+        if (walk.place.text != sequence.text) continue;
         walk.changed = true;
         text += walk.name + "." + member + "()" + separator;
     }
     return text;
 }
 
-void NoteSequenceChange(const std::string& sequence) {
+void NoteSequenceChange(const Expr& sequence) {
     for (OpenWalk& walk : walks)
-        if (walk.sequence == sequence) walk.changed = true;
+        if (walk.place.text == sequence.text) walk.changed = true;
+}
+
+std::string WhileAway(const Expr& sequence, bool changes, std::string text) {
+    if (walks.empty()) return text;
+    const Place place = PlaceOf(sequence);
+    for (OpenWalk& walk : walks) {
+        const bool told = changes && walk.place.text == place.text;
+        if (told || !MayBeSame(walk.place, place)) continue;
+        if (changes) walk.changed = true;
+        text = Wrapped(walk, text);
+    }
+    return text;
+}
+
+std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text) {
+    if (walks.empty() || routine.isExtern || routine.isUserlib) return text;
+    for (OpenWalk& walk : walks) {
+        if (!IsInReach(walk) && !IsHanded(walk, arguments)) continue;
+        if (!walk.changed) walk.changed = RoutineMayChange(routine.name, walk.place.type.Item());
+        text = Wrapped(walk, text);
+    }
+    return text;
+}
+
+void NoteConstruction(const ClassInfo& cls) {
+    for (OpenWalk& walk : walks)
+        if (!walk.changed && IsInReach(walk))
+            walk.changed = ConstructionMayChange(cls, walk.place.type.Item());
+}
+
+void NoteDestruction() {
+    for (OpenWalk& walk : walks)
+        if (!walk.changed && IsInReach(walk)) walk.changed = DestructorsMayChange(walk.place.type.Item());
+}
+
+std::string BeforeInnerLoop(const Expr& sequence) {
+    std::string text;
+    const Place place = PlaceOf(sequence);
+    for (OpenWalk& walk : walks)
+        if (MayBeSame(walk.place, place)) text += Passage(walk, walk.name + ".Store(); ");
+    return text;
+}
+
+std::string BehindInnerLoop(const Expr& sequence) {
+    std::string text;
+    const Place place = PlaceOf(sequence);
+    for (OpenWalk& walk : walks)
+        if (MayBeSame(walk.place, place)) text += Passage(walk, " " + walk.name + ".Back();");
+    return text;
 }

@@ -1,20 +1,39 @@
-// Loops over Sequences that are open where an expression or statement stands. Whoever changes a Sequence
-// tells its loops: they turn into walks by KVSeqWalk (Support::SequenceWalk) when they end.
+// Loops over Sequences that are open where an expression or statement stands. Whoever may change a Sequence
+// tells its loops: they turn into walks by KVSeqWalk (Support::SequenceWalk) when they end. Whether a loop
+// will is not known while its body is translated, so what only walks need is emitted as a passage that stays
+// or goes when the loop ends.
 #pragma once
 
 #include <string>
+#include <vector>
 
-// Opens the walk of a loop over the Sequence of that C++ text; the walk is named after the loop variable.
-void OpenSequenceWalk(const std::string& sequence, const std::string& variable);
-// Closes the innermost walk; true when the loop has to run by KVSeqWalk.
-bool CloseSequenceWalk();
+#include "expressions/expression.h"
+
+// Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name.
+void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
+// Closes the innermost walk; true when the loop has to run by KVSeqWalk. Settles the passages in the text
+// of the loop, which begins at `from`.
+bool CloseSequenceWalk(std::string& text, std::size_t from);
 
 std::string SequenceWalkName(const std::string& variable);
 
 // The value wrapped in a call of `member` for each open walk over the Sequence, as in
 // "__kvWalk_KVL_x.Removing(KVL_i)". Without walks it is the value itself.
-std::string TellWalks(const std::string& sequence, const char* member, const std::string& value);
+std::string TellWalks(const Expr& sequence, const char* member, const std::string& value);
 // Calls without an argument, each followed by `separator`: "__kvWalk_KVL_x.Leave(), ".
-std::string WalkCalls(const std::string& sequence, const char* member, const char* separator);
-// The walks are to run by KVSeqWalk, though nothing has to be told.
-void NoteSequenceChange(const std::string& sequence);
+std::string WalkCalls(const Expr& sequence, const char* member, const char* separator);
+// The walks over the Sequence are to run by KVSeqWalk, though nothing has to be told.
+void NoteSequenceChange(const Expr& sequence);
+
+// Text that changes a Sequence, or only reads it: walks over what may be the same Sequence under another name
+// are away while it runs: (__kvWalk_KVL_x.Away(), text)
+std::string WhileAway(const Expr& sequence, bool changes, std::string text);
+// The same for a call of one of the program's routines, which may do anything to some Sequences.
+std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text);
+// An object of the class is made or, with null, some object is removed: user code that may change Sequences.
+void NoteConstruction(const ClassInfo& cls);
+void NoteDestruction();
+
+// What stands before and behind an inner loop over a Sequence that outer ones may be walking.
+std::string BeforeInnerLoop(const Expr& sequence);
+std::string BehindInnerLoop(const Expr& sequence);

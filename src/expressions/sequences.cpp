@@ -78,13 +78,12 @@ void HandOver(Expr& array) {
 }
 
 // Loops over the Sequence hear of an item that goes: (__kvWalk_KVL_x.Removing(0), KVL_s.RemoveFirst())
-std::string WithWalksTold(const std::string& lowerName, const std::string& sequence,
-                          const std::string& call) {
+std::string WithWalksTold(const std::string& lowerName, const Expr& sequence, std::string call) {
     const bool first = lowerName == "seqremovefirst";
-    if (!first && lowerName != "seqremovelast") return call;
-    const std::string position = first ? "0" : sequence + ".Length() - 1";
+    if (!first && lowerName != "seqremovelast") return WhileAway(sequence, false, std::move(call));
+    const std::string position = first ? "0" : sequence.text + ".Length() - 1";
     const std::string told = TellWalks(sequence, "Removing", position);
-    return told == position ? call : "(" + told + ", " + call + ")";
+    return WhileAway(sequence, true, told == position ? std::move(call) : "(" + told + ", " + call + ")");
 }
 
 }  // namespace
@@ -108,7 +107,7 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     if (function.second == SeqArgument::Value) second = ValueFor(sequence, arguments[1], name);
     Expr expr;
     expr.text =
-        WithWalksTold(lowerName, sequence.text, sequence.text + "." + function.member + "(" + second + ")");
+        WithWalksTold(lowerName, sequence, sequence.text + "." + function.member + "(" + second + ")");
     expr.type = sequence.type.IsKnown() ? ResultType(function, sequence) : ValueType();
     if (expr.type.IsArray()) HandOver(expr);
     expr.isCall = true;

@@ -1,6 +1,5 @@
 // How a typed expression becomes the text that C++ wants in its place.
 #include "driver/report.h"
-#include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
@@ -74,9 +73,7 @@ std::string ArgumentText(const Expr& expr, const ValueType& parameter) {
         return "const_cast<" + CppName(expr.type) + "&>(static_cast<const " + CppName(expr.type) + "&>(" +
                expr.text + "))";
     }
-    // What the routine does to the Sequence of an open loop is not known here.
-    const std::string stored = parameter.sequence ? WalkCalls(expr.text, "Store", ", ") : "";
-    return stored.empty() ? TextAs(expr, parameter) : "(" + stored + expr.text + ")";
+    return TextAs(expr, parameter);
 }
 
 void CheckAssignable(const Expr& target, const Expr& value) {

@@ -109,13 +109,17 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
                     "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }
     if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
-    const std::string told = left.type.sequence ? WalkCalls(left.text, "Leave", "; ") : "";
+    const std::string told = left.type.sequence ? WalkCalls(left, "Leave", "; ") : "";
     const std::string variable = ValueText(left);
     const std::string value = TextAs(right, left.type);
+    if (left.type.sequence) {
+        EmitLine(state, told + WhileAway(left, true, variable + " = " + value) + ";");
+        return;
+    }
     std::string statement;
     if (settings.fastMode && left.type.Is(Base::String))
         statement = AppendStatement(variable, value, IsOwnVariable(state, left, variable));
-    EmitLine(state, statement.empty() ? told + variable + " = " + value + ";" : statement);
+    EmitLine(state, statement.empty() ? variable + " = " + value + ";" : statement);
 }
 
 bool IsKnownName(const std::string& name) {

@@ -22,6 +22,7 @@ struct Collection {
     const ClassInfo* walked = nullptr;  // the Type, when it walks instances
     ArrayForm itemForm = ArrayForm::None;
     bool sequence = false;
+    Expr expr;              // a Sequence as it was translated
     bool pointers = false;  // items may be null
     bool slot = false;      // Elements reached through pointers
     bool copies = true;     // "auto" makes a copy that the loop may work on; otherwise a reference is meant
@@ -88,6 +89,7 @@ Collection CollectionOf(TokenSpan tokens) {
     if (!expr.type.IsKnown()) return collection;
     collection.item = expr.type.Item();
     collection.sequence = expr.type.sequence && !expr.isCall;
+    collection.expr = expr;
     const bool element = collection.item.Is(Base::Element);
     if (element) NeedClass(collection.item.cls);
     if (collection.item.IsArray()) {
@@ -132,22 +134,23 @@ void EmitIndexWalk(State& state, const std::string& variable, const std::string&
 
 // Emits the lines "for(...)" and "{" and, for a Sequence, remembers where they stand.
 SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
-                             const std::string& range, const std::string& sequence, const ValueType& item) {
+                             const std::string& range, const Expr* sequence) {
     const std::string header = "for(" + type + " " + variable + " : " + range + ")";
     SequenceWalk walk;
-    walk.sequence = sequence;
     walk.variable = variable;
     walk.type = type;
     walk.piece = &state.out->pieces.back();
     const std::size_t lineAt = walk.piece->text.size();
-    EmitLine(state, header);
+    EmitLine(state, sequence == nullptr ? header : BeforeInnerLoop(*sequence) + header);
     walk.forAt = walk.piece->text.find(header, lineAt);
     walk.forSize = header.size();
     EmitLine(state, "{");
     walk.bodyAt = walk.piece->text.size();
-    if (sequence.empty()) return walk;
-    walk.item = CppName(item);
-    OpenSequenceWalk(sequence, variable);
+    if (sequence == nullptr) return walk;
+    walk.sequence = range;
+    walk.item = CppName(sequence->type.Item());
+    walk.behind = BehindInnerLoop(*sequence);
+    OpenSequenceWalk(*sequence, variable);
     return walk;
 }
 
@@ -165,7 +168,7 @@ void TranslateEach(State& state, const EachHeader& header) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
     } else {
         walk = EmitRangeHeader(state, type, variable.cppName, collection.text,
-                               collection.sequence ? collection.text : "", collection.item);
+                               collection.sequence ? &collection.expr : nullptr);
     }
     if (collection.pointers) EmitLine(state, " if(!" + variable.cppName + ") continue;");
     OpenBlock& loop = OpenLoop(state, "For");
@@ -176,7 +179,7 @@ void TranslateEach(State& state, const EachHeader& header) {
 }  // namespace
 
 void RewriteWalk(State& state, const SequenceWalk& walk) {
-    if (walk.sequence.empty() || !CloseSequenceWalk()) return;
+    if (walk.sequence.empty() || !CloseSequenceWalk(walk.piece->text, walk.bodyAt)) return;
     const std::string name = SequenceWalkName(walk.variable);
     const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
     walk.piece->text.insert(walk.bodyAt,
@@ -223,7 +226,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";
     const std::string text = ValueText(sequence);
     const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
-    SequenceWalk walk = EmitRangeHeader(state, type, variable.cppName, text, lasting ? text : "", item);
+    SequenceWalk walk = EmitRangeHeader(state, type, variable.cppName, text, lasting ? &sequence : nullptr);
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
     OpenBlock& loop = OpenLoop(state, "EachSeq");
     loop.variable = tokens[1];

@@ -88,10 +88,11 @@ void TranslateWhile(State& state, TokenSpan tokens) {
 
 void TranslateWend(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    RewriteWalk(state, CloseBlock(state, BlockKind::Loop, "Wend").walk);
+    const OpenBlock closed = CloseBlock(state, BlockKind::Loop, "Wend");
+    RewriteWalk(state, closed.walk);
     PopLoopStacks(state);
     PopBlock();
-    EmitLine(state, "}");
+    EmitLine(state, "}" + closed.walk.behind);
 }
 
 void TranslateNext(State& state, TokenSpan tokens) {
@@ -104,5 +105,5 @@ void TranslateNext(State& state, TokenSpan tokens) {
     PopBlock();
     RewriteWalk(state, closed.walk);
     EmitLine(state, "__kvSchedPoll();");
-    EmitLine(state, "}");
+    EmitLine(state, "}" + closed.walk.behind);
 }

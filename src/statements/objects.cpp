@@ -1,6 +1,7 @@
 #include "statements/objects.h"
 
 #include "driver/report.h"
+#include "expressions/sequence_walks.h"
 #include "statements/words.h"
 
 //     delete KVL_p;
@@ -12,6 +13,7 @@ void TranslateRemove(State& state, TokenSpan tokens) {
         ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +
                     ". Remove only works on objects (custom Types).");
     if (object.type.cls != nullptr) NeedClass(object.type.cls);
+    NoteDestruction();
     const std::string text = GuardedText(object, Level::Unary);
     EmitLine(state, "delete " + text + ";");
     if (object.assignable || !object.type.IsKnown()) EmitLine(state, text + " = nullptr;");

@@ -44,6 +44,7 @@ void DeclareParameters(const Routine& routine) {
         Variable& variable = AddVarToScopeList(parameter.name);
         variable.type = parameter.type;
         variable.typed = !parameter.untyped;
+        variable.isParameter = true;
         if (parameter.type.IsArray()) variable.form = ArrayForm::Pointer;
         NeedValue(parameter.type);
     }

@@ -13,9 +13,11 @@ enum class Argument : unsigned char { Index, Value, Sequence, Array, Order };
 struct Notice {
     const char* byArgument;
     const char* before;
+    bool changes;  // items come, go or move
 };
-constexpr Notice unseen = {nullptr, nullptr};
-constexpr Notice moves = {nullptr, "Leave"};
+constexpr Notice unseen = {nullptr, nullptr, true};
+constexpr Notice moves = {nullptr, "Leave", true};
+constexpr Notice inPlace = {nullptr, nullptr, false};
 
 struct Row {
     const char* word;
@@ -30,28 +32,28 @@ const Row rows[] = {
     {"seqinsert",
      "InsertAt",
      {Argument::Index, Argument::Value},
-     {"Inserting", nullptr},
+     {"Inserting", nullptr, true},
      "SeqInsert expects: SeqInsert seq, index, value"},
     {"seqset",
      "Set",
      {Argument::Index, Argument::Value},
-     {"Setting", nullptr},
+     inPlace,
      "SeqSet expects: SeqSet seq, index, value"},
     {"seqdelete",
      "DeleteValue",
      {Argument::Value},
-     {"RemovingValue", nullptr},
+     {"RemovingValue", nullptr, true},
      "SeqDelete expects: SeqDelete seq, value"},
     {"seqdeleteat",
      "DeleteAt",
      {Argument::Index},
-     {"Removing", nullptr},
+     {"Removing", nullptr, true},
      "SeqDeleteAt expects: SeqDeleteAt seq, index"},
     {"seqclear", "Clear", {}, moves, "SeqClear expects: SeqClear seq"},
     {"seqaddfirst",
      "AddFirst",
      {Argument::Value},
-     {nullptr, "InsertingFirst"},
+     {nullptr, "InsertingFirst", true},
      "SeqAddFirst expects: SeqAddFirst seq, value"},
     {"seqreverse", "Reverse", {}, moves, "SeqReverse expects: SeqReverse seq"},
     {"seqswap", "Swap", {Argument::Sequence}, moves, "SeqSwap expects: SeqSwap seqA, seqB"},
@@ -115,8 +117,8 @@ std::string OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row
                     KorvelName(sequence.type) + " and " + KorvelName(other.type));
     if (other.isCall) ReportFatal("'" + keyword + "' needs a Sequence variable, not the result of a call");
     const std::string text = ValueText(other);
-    const std::string calls = WalkCalls(text, row.notice.before, ", ");
-    return calls.empty() ? text : "(" + calls + text + ")";
+    const std::string calls = WalkCalls(other, row.notice.before, ", ");
+    return WhileAway(other, true, calls.empty() ? text : "(" + calls + text + ")");
 }
 
 // FromArray takes a vector of the very item type; everything else is copied item by item:
@@ -138,12 +140,12 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
     bool whole =
         from == item && !item.Is(Base::Element) && !item.Is(Base::Bool) && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
-        EmitLine(state, target + ".FromArray(" + source + ");");
+        EmitLine(state, WhileAway(sequence, true, target + ".FromArray(" + source + ")") + ";");
         return;
     }
     std::string value = item.Is(Base::Element) ? "*__kvItem" : "__kvItem";
-    EmitLine(state,
-             target + ".Clear(); for(auto&& __kvItem : " + source + ") " + target + ".Add(" + value + ");");
+    EmitLine(state, WhileAway(sequence, true, target + ".Clear()") + "; for(auto&& __kvItem : " + source +
+                        ") " + WhileAway(sequence, true, target + ".Add(" + value + ")") + ";");
 }
 
 bool ComparesWith(const ClassInfo& cls) {
@@ -157,8 +159,10 @@ void EmitSort(State& state, const Expr& sequence, const std::string& order) {
     if (cls != nullptr && !lenient && !ComparesWith(*cls))
         ReportFatal("SeqSort on a Sequence of " + cls->name +
                     " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
-    EmitLine(state,
-             ValueText(sequence) + (cls != nullptr ? ".SortCompare(" : ".SortNatural(") + order + ");");
+    EmitLine(state, WhileAway(sequence, true,
+                              ValueText(sequence) + (cls != nullptr ? ".SortCompare(" : ".SortNatural(") +
+                                  order + ")") +
+                        ";");
 }
 
 // The texts of the arguments behind the Sequence, joined by ", ".
@@ -183,15 +187,15 @@ std::string Arguments(const Expr& sequence, const std::vector<TokenSpan>& parts,
                 break;
         }
         if (i == 0 && row.notice.byArgument != nullptr)
-            text = TellWalks(ValueText(sequence), row.notice.byArgument, text);
+            text = TellWalks(sequence, row.notice.byArgument, text);
         texts += (i == 0 ? "" : ", ") + text;
     }
     return texts;
 }
 
 // On a line of its own: __kvWalk_KVL_x.Leave();
-void TellWalksBefore(State& state, const std::string& sequence, const Row& row) {
-    NoteSequenceChange(sequence);
+void TellWalksBefore(State& state, const Expr& sequence, const Row& row) {
+    if (row.notice.changes) NoteSequenceChange(sequence);
     if (row.notice.before == nullptr) return;
     const std::string calls = WalkCalls(sequence, row.notice.before, "; ");
     if (!calls.empty()) EmitLine(state, calls.substr(0, calls.size() - 1));
@@ -208,12 +212,14 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     Expr sequence = SequenceArgument(parts[0], row, keyword);
     const bool orderLeftOut = sorts && parts.size() == 1;
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
-    TellWalksBefore(state, ValueText(sequence), row);
+    TellWalksBefore(state, sequence, row);
     if (sorts)
         EmitSort(state, sequence, orderLeftOut ? "true" : Arguments(sequence, parts, row, keyword));
     else if (IsWord(keyword, "seqfromarray"))
         EmitFromArray(state, sequence, parts[1], row);
     else
-        EmitLine(state, ValueText(sequence) + "." + row.member + "(" +
-                            Arguments(sequence, parts, row, keyword) + ");");
+        EmitLine(state, WhileAway(sequence, row.notice.changes,
+                                  ValueText(sequence) + "." + row.member + "(" +
+                                      Arguments(sequence, parts, row, keyword) + ")") +
+                            ";");
 }

@@ -32,6 +32,7 @@ struct Variable {
         sizes;  // size texts of an array, one per dimension, as written (tokens joined by blanks)
     bool isConst = false;
     bool isPreCalc = false;
+    bool isParameter = false;
     bool slot = false;       // an Element reached through a pointer (EachIn over an array of Elements)
     bool isPrivate = false;  // Fields only
     std::string file;        // where it was declared

@@ -1,24 +1,55 @@
-// A loop over a Sequence that its body changes. The item of a round is a copy, written back when the body
-// has altered it. Who inserts or removes tells the walk first, so that every item that stays is met once;
-// items that are new at the end are not met.
+// A loop over a Sequence that changes meanwhile. The item of a round is a copy, written back when the body
+// has altered it. Who inserts or removes in the body tells the walk first; around calls of routines that may
+// do so the walk is away, and finds its place again by the items. Every item that stays is met once; items
+// that are new at the end are not met.
 template<typename T>
 class KVSeqWalk {
 public:
     T item;
+    struct Absence {
+        KVSeqWalk& walk;
+        ~Absence() { walk.Back(); }
+    };
     explicit KVSeqWalk(KVSeq<T>& walked)
-        : item(), _seq(walked), _original(), _index(0), _end(walked.Length()), _here(false) { _load(); }
+        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false) {
+        _load();
+    }
     ~KVSeqWalk() { Store(); }
     bool HasItem() const { return _index < _end && _index < _seq.Length(); }
     void Next() { Store(); ++_index; _load(); }
     void Store() {
-        if(!_here || _index >= _seq.Length() || item == _original) return;
+        Back();
+        if(!_here || item == _original) return;
         _seq._items[_index] = item;
         _original = item;
+        _mark();
+    }
+    Absence Away() {
+        Store();
+        _mark();
+        return {*this};
+    }
+    void Back() {
+        const int more = _seq.Length() - _length;
+        if(more == 0) {
+            if(_here && !_holds(_index, _original)) _reload();
+            return;
+        }
+        const bool stayed = _here && _holds(_index, _original);
+        if(!stayed && _here && _holds(_index + more, _original)) _index += more;
+        else if(!stayed && _here && more > 0) _reload();
+        else if(!stayed) {
+            _index = _placeOfNext(more) - 1;
+            _here = false;
+        }
+        _follow(more);
     }
     void Leave() { Store(); _here = false; }
     int Inserting(int at) {
         Store();
-        if(at <= _index) { ++_index; ++_end; }
+        if(at <= _index) ++_index;
+        if(at < _end) ++_end;
+        ++_length;
         return at;
     }
     void InsertingFirst() { Inserting(0); }
@@ -28,6 +59,7 @@ public:
         if(at == _index) _here = false;
         if(at <= _index) --_index;
         if(at < _end) --_end;
+        --_length;
         return at;
     }
     const T& RemovingValue(const T& value) {
@@ -35,21 +67,43 @@ public:
         Removing(_seq.Find(value));
         return value;
     }
-    int Setting(int at) {
-        Store();
-        if(at == _index) _here = false;
-        return at;
-    }
 private:
     KVSeq<T>& _seq;
-    T _original;
-    int _index, _end;
+    T _original, _next, _last;  // the item as the Sequence has it, the one behind it, the last one to be met
+    int _index, _end, _length;
     bool _here;  // the item still has its place in the Sequence
+    bool _holds(int at, const T& value) const { return at >= 0 && at < _seq.Length() && _seq._items[at] == value; }
+    void _mark() {
+        if(_index + 1 < _end && _index + 1 < _seq.Length()) _next = _seq._items[_index + 1];
+        if(_end > 0 && _end <= _seq.Length()) _last = _seq._items[_end - 1];
+    }
     void _load() {
+        _length = _seq.Length();
         _here = HasItem();
         if(!_here) return;
         item = _seq._items[_index];
         _original = item;
+        _mark();
+    }
+    // The item was changed where it stands; an item that the body has just altered is newer.
+    void _reload() {
+        if(item == _original) item = _seq._items[_index];
+        _original = _seq._items[_index];
+    }
+    // Where the item behind this one is now, when this one is gone or was before.
+    int _placeOfNext(int more) const {
+        const int was = _index + 1;
+        if(was >= _end) return was;
+        for(int i = 0; i <= (more < 0 ? -more : more); ++i) {
+            if(_holds(was - i, _next)) return was - i;
+            if(more > 0 && _holds(was + i, _next)) return was + i;
+        }
+        return more < 0 && _here ? was - 1 : was;
+    }
+    void _follow(int more) {
+        _length = _seq.Length();
+        if(!_holds(_end - 1, _last) && (more < 0 || _holds(_end - 1 + more, _last))) _end += more;
+        _mark();
     }
     KVSeqWalk(const KVSeqWalk&);
     KVSeqWalk& operator=(const KVSeqWalk&);
