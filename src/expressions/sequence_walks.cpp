@@ -175,6 +175,11 @@ void NoteDestruction() {
         if (!walk.changed && IsInReach(walk)) walk.changed = DestructorsMayChange(walk.place.type.Item());
 }
 
+void NoteInlineCppInLoops(const std::string& line) {
+    for (OpenWalk& walk : walks)
+        if (line.find(LastWord(walk.place.text)) != std::string::npos) walk.changed = true;
+}
+
 std::string BeforeInnerLoop(const Expr& sequence) {
     std::string text;
     const Place place = PlaceOf(sequence);

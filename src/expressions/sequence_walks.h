@@ -33,6 +33,8 @@ std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& argum
 // An object of the class is made or, with null, some object is removed: user code that may change Sequences.
 void NoteConstruction(const ClassInfo& cls);
 void NoteDestruction();
+// A line of inline C++, which may do anything to the Sequences that it names.
+void NoteInlineCppInLoops(const std::string& line);
 
 // What stands before and behind an inner loop over a Sequence that outer ones may be walking.
 std::string BeforeInnerLoop(const Expr& sequence);

@@ -102,6 +102,8 @@ enum class Keyword : unsigned char {
     Last,
     New,
     Null,
+    SeqRemoveFirst,
+    SeqRemoveLast,
     This,
     True,
 };

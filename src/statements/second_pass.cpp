@@ -38,6 +38,7 @@ void RunSecondPass(State& state, const std::string& source) {
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
     lines.onInlineCpp = [&state](const std::string& line) {
         NoteInlineCpp(line);
+        NoteInlineCppInLoops(line);
         PutLine(*state.out, settings.traceMode ? line + " //INLINE" : line);
     };
     while (lines.Next()) TranslateLine(state, lines);

@@ -1,58 +1,15 @@
-// Builds a graph whose nodes are routines, loops over instances and classes (their construction). An edge
-// means "may run"; names are followed without regard to the object they are called on.
 #include "symbols/reach.h"
 
-#include <unordered_map>
-#include <unordered_set>
-
 #include "expressions/expression.h"
+#include "symbols/reach_graph.h"
 #include "symbols/source_lines.h"
 
 namespace {
 
-struct Node {
-    std::vector<int> callers;
-    bool createsAnything = false;
-};
-
-// What a word of the program may stand for.
-struct Meaning {
-    int routine = -1;
-    const ClassInfo* cls = nullptr;
-};
-
-struct Graph {
-    std::vector<Node> nodes;
-    std::unordered_map<std::string, Meaning> words;  // names of routines, Types and Elements
-    std::unordered_map<std::string, int> routines;   // by name, Functions and Methods of all Types in one
-    std::unordered_map<const ClassInfo*, int> construction;
-    std::unordered_map<std::string, int> loops;  // by place
-    int timers = 0;
-    int destructors = 0;
-    std::unordered_map<const ClassInfo*, std::vector<int>>
-        creators;                      // nodes that create the class themselves
-    std::unordered_set<int> anything;  // nodes that may create any class
-    std::unordered_map<const ClassInfo*, std::unordered_set<int>>
-        answers;  // the other nodes that may create it
-
-    Graph() : timers(Add()), destructors(Add()) {}
-
-    int Add() {
-        nodes.emplace_back();
-        return static_cast<int>(nodes.size()) - 1;
-    }
-    Node& At(int node) { return nodes[static_cast<std::size_t>(node)]; }
-    void Call(int caller, int callee) { At(callee).callers.push_back(caller); }
-
-    template <class Map, class Key>
-    int NodeOf(Map& map, const Key& key) {
-        const auto found = map.find(key);
-        return found != map.end() ? found->second : map.emplace(key, Add()).first->second;
-    }
-};
-
-Graph graph;
+ReachGraph graph;
 bool built = false;
+std::unordered_map<const ClassInfo*, std::unordered_set<int>>
+    answers;  // the nodes that may create a class, but for those that may create any
 
 std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
 
@@ -76,7 +33,10 @@ public:
         SourceLines lines(Reading::Silent);
         if (!lines.Open(file)) return;
         while (lines.Next()) {
-            if (lines.MetInlineCpp() && node != outside) graph.At(node).createsAnything = true;
+            if (lines.MetInlineCpp() && node != outside) {
+                graph.At(node).createsAnything = true;
+                graph.At(node).holdsInlineCpp = true;
+            }
             for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement, lines.Line());
         }
     }
@@ -149,6 +109,7 @@ private:
                 graph.At(loop).createsAnything = true;  // a loop within a single-line If
         }
         Mention(node, tokens);
+        ReadSequenceChanges(node, tokens);
     }
 
     static bool WalksInstances(TokenSpan tokens) {
@@ -174,6 +135,7 @@ private:
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
             if (keyword == Keyword::SeqSort)
                 graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
+            if (keyword == Keyword::Remove) graph.Call(node, graph.destructors);
             startsTimer = startsTimer || keyword == Keyword::AutoCall;
             const auto meaning = graph.words.find(token);
             if (meaning == graph.words.end()) continue;
@@ -191,46 +153,54 @@ private:
     }
 };
 
-// The nodes that may run one of `open`, apart from those that may create anything.
-std::unordered_set<int> NodesThatRun(std::vector<int> open) {
-    std::unordered_set<int> marked(open.begin(), open.end());
-    while (!open.empty()) {
-        const int node = open.back();
-        open.pop_back();
-        for (const int caller : graph.At(node).callers)
-            if (graph.anything.count(caller) == 0 && marked.insert(caller).second) open.push_back(caller);
-    }
-    return marked;
-}
-
 void Build() {
     built = true;
     AddNames();
+    BeginSequenceChanges();
     for (const std::string& file : symbols.sourceFiles) FileReach(file).Read();
     std::vector<int> creators;
     for (std::size_t i = 0; i < graph.nodes.size(); ++i)
         if (graph.nodes[i].createsAnything) creators.push_back(static_cast<int>(i));
-    graph.anything = NodesThatRun(creators);
+    graph.anything = NodesThatRun(graph, creators, {});
 }
 
 // The nodes that may create an object of the class without being able to create anything.
 const std::unordered_set<int>& NodesThatCreate(const ClassInfo& cls) {
-    const auto answer = graph.answers.find(&cls);
-    if (answer != graph.answers.end()) return answer->second;
-    return graph.answers.emplace(&cls, NodesThatRun(graph.creators[&cls])).first->second;
+    const auto answer = answers.find(&cls);
+    if (answer != answers.end()) return answer->second;
+    return answers.emplace(&cls, NodesThatRun(graph, graph.creators[&cls], graph.anything)).first->second;
 }
 
 }  // namespace
 
+ReachGraph& BuiltGraph() {
+    if (!built) Build();
+    return graph;
+}
+
+std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,
+                                     const std::unordered_set<int>& known) {
+    std::unordered_set<int> marked(open.begin(), open.end());
+    while (!open.empty()) {
+        const int node = open.back();
+        open.pop_back();
+        for (const int caller : over.nodes[static_cast<std::size_t>(node)].callers)
+            if (known.count(caller) == 0 && marked.insert(caller).second) open.push_back(caller);
+    }
+    return marked;
+}
+
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
     if (lenient) return true;
-    if (!built) Build();
+    BuiltGraph();
     const auto loop = graph.loops.find(PlaceOf(FileId(file), line));
     if (loop == graph.loops.end()) return true;
     return graph.anything.count(loop->second) != 0 || NodesThatCreate(cls).count(loop->second) != 0;
 }
 
 void ResetReach() {
-    graph = Graph();
+    graph = ReachGraph();
     built = false;
+    answers.clear();
+    ResetSequenceChanges();
 }

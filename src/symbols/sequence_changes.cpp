@@ -1,5 +1,146 @@
 #include "symbols/sequence_changes.h"
-bool RoutineMayChange(const std::string&, const ValueType&) { return true; }
-bool TimersMayChange(const ValueType&) { return false; }
-bool ConstructionMayChange(const ClassInfo&, const ValueType&) { return false; }
-bool DestructorsMayChange(const ValueType&) { return false; }
+
+#include "expressions/expression.h"
+#include "symbols/reach_graph.h"
+
+namespace {
+
+// What of an item type counts here.
+using ItemKey = std::string;
+
+struct Facts {
+    // The item types of Sequences that more than one routine can get at, by the Sequence's name.
+    std::unordered_map<std::string, std::vector<ItemKey>> names;
+    std::unordered_map<ItemKey, std::vector<int>> changers;        // nodes that change such a Sequence
+    std::vector<int> changersOfAny;                                // nodes that change one of unknown type
+    std::unordered_map<ItemKey, std::unordered_set<int>> answers;  // the nodes that may run one of these
+};
+
+Facts facts;
+
+ItemKey KeyOf(const ValueType& item) { return KorvelName(item); }
+
+void AddName(const std::string& name, const ValueType& type) {
+    if (type.sequence) facts.names[name].push_back(KeyOf(type.Item()));
+}
+
+void AddParameters(const Routine& routine) {
+    for (const Parameter& parameter : routine.parameters) AddName(parameter.name, parameter.type);
+}
+
+// An untyped Global is a Sequence when a Function makes it one.
+void AddGlobal(const Variable& global) {
+    AddName(global.name, global.type);
+    if (global.typed || global.initialiser.empty()) return;
+    if (const Routine* maker = FindFunction(global.initialiser.front())) AddName(global.name, maker->result);
+}
+
+bool Changes(Keyword keyword) {
+    switch (keyword) {
+        case Keyword::SeqAdd:
+        case Keyword::SeqAddFirst:
+        case Keyword::SeqClear:
+        case Keyword::SeqDelete:
+        case Keyword::SeqDeleteAt:
+        case Keyword::SeqFromArray:
+        case Keyword::SeqInsert:
+        case Keyword::SeqRemoveFirst:
+        case Keyword::SeqRemoveLast:
+        case Keyword::SeqReverse:
+        case Keyword::SeqSort:
+        case Keyword::SeqSwap:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void AddChange(int node, const std::string& name) {
+    for (const ItemKey& key : facts.names[name]) facts.changers[key].push_back(node);
+}
+
+// The Sequence that stands between `from` and a comma or the end: the last of its names decides. A name alone
+// that is not known belongs to a Local.
+void ReadTarget(int node, TokenSpan tokens, std::size_t from) {
+    if (tokens.SignAt(from) == '(') ++from;
+    std::size_t end = from;
+    int depth = 0;
+    for (; end < tokens.size(); ++end) {
+        const char sign = tokens.SignAt(end);
+        if (sign == '(' || sign == '[') ++depth;
+        if ((sign == ')' || sign == ']') && depth-- == 0) break;
+        if (depth == 0 && (sign == ',' || sign == '|')) break;
+    }
+    if (end == from) return;
+    const std::string& name = tokens[end - 1];
+    if (facts.names.count(name) != 0)
+        AddChange(node, name);
+    else if (end - from > 1)
+        facts.changersOfAny.push_back(node);
+}
+
+const std::unordered_set<int>& NodesThatChange(const ReachGraph& graph, const ValueType& item) {
+    const ItemKey key = KeyOf(item);
+    const auto answer = facts.answers.find(key);
+    if (answer != facts.answers.end()) return answer->second;
+    std::vector<int> open = facts.changers[key];
+    open.insert(open.end(), facts.changersOfAny.begin(), facts.changersOfAny.end());
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i)
+        if (graph.nodes[i].holdsInlineCpp) open.push_back(static_cast<int>(i));
+    return facts.answers.emplace(key, NodesThatRun(graph, open, {})).first->second;
+}
+
+bool MayChange(ReachGraph& graph, int node, const ValueType& item) {
+    return NodesThatChange(graph, item).count(node) != 0;
+}
+
+}  // namespace
+
+void BeginSequenceChanges() {
+    for (const auto& global : symbols.globals) AddGlobal(global.second);
+    for (const auto& function : symbols.functions) AddParameters(function.second);
+    for (const ClassInfo* cls : symbols.classList) {
+        for (const auto& member : cls->members) AddName(member.first, member.second.type);
+        for (const auto& method : cls->routines) AddParameters(method.second);
+    }
+}
+
+void ReadSequenceChanges(int node, TokenSpan tokens) {
+    if (facts.names.empty()) return;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (Changes(tokens.KeywordAt(i))) ReadTarget(node, tokens, i + 1);
+        const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
+        for (std::size_t k = i; swaps && k < tokens.size(); ++k)
+            if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);
+        if (tokens.SignAt(i) == '=' && i > 0 && facts.names.count(tokens[i - 1]) != 0)
+            AddChange(node, tokens[i - 1]);
+    }
+}
+
+void ResetSequenceChanges() { facts = Facts(); }
+
+bool RoutineMayChange(const std::string& name, const ValueType& item) {
+    if (lenient) return false;
+    ReachGraph& graph = BuiltGraph();
+    const auto found = graph.routines.find(name);
+    return found == graph.routines.end() || MayChange(graph, found->second, item);
+}
+
+bool TimersMayChange(const ValueType& item) {
+    if (lenient) return false;
+    ReachGraph& graph = BuiltGraph();
+    return MayChange(graph, graph.timers, item);
+}
+
+bool ConstructionMayChange(const ClassInfo& cls, const ValueType& item) {
+    if (lenient) return false;
+    ReachGraph& graph = BuiltGraph();
+    const auto found = graph.construction.find(&cls);
+    return found != graph.construction.end() && MayChange(graph, found->second, item);
+}
+
+bool DestructorsMayChange(const ValueType& item) {
+    if (lenient) return false;
+    ReachGraph& graph = BuiltGraph();
+    return MayChange(graph, graph.destructors, item);
+}

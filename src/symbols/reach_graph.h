@@ -1,0 +1,65 @@
+// The graph behind the questions about what a piece of the program may run (reach.h, sequence_changes.h). Its
+// nodes are routines, loops over instances and classes (their construction); an edge means "may run". Names
+// are followed without regard to the object they are called on.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "lexer/token_span.h"
+#include "symbols/symbols.h"
+
+struct ReachNode {
+    std::vector<int> callers;
+    bool createsAnything = false;
+    bool holdsInlineCpp = false;
+};
+
+// What a word of the program may stand for.
+struct Meaning {
+    int routine = -1;
+    const ClassInfo* cls = nullptr;
+};
+
+struct ReachGraph {
+    std::vector<ReachNode> nodes;
+    std::unordered_map<std::string, Meaning> words;  // names of routines, Types and Elements
+    std::unordered_map<std::string, int> routines;   // by name, Functions and Methods of all Types in one
+    std::unordered_map<const ClassInfo*, int> construction;
+    std::unordered_map<std::string, int> loops;  // by place
+    int timers = 0;
+    int destructors = 0;
+    std::unordered_map<const ClassInfo*, std::vector<int>>
+        creators;                      // nodes that create the class themselves
+    std::unordered_set<int> anything;  // nodes that may create any class
+
+    ReachGraph() : timers(Add()), destructors(Add()) {}
+
+    int Add() {
+        nodes.emplace_back();
+        return static_cast<int>(nodes.size()) - 1;
+    }
+    ReachNode& At(int node) { return nodes[static_cast<std::size_t>(node)]; }
+    void Call(int caller, int callee) { At(callee).callers.push_back(caller); }
+
+    template <class Map, class Key>
+    int NodeOf(Map& map, const Key& key) {
+        const auto found = map.find(key);
+        return found != map.end() ? found->second : map.emplace(key, Add()).first->second;
+    }
+};
+
+// The graph of the program; the first call reads all files.
+ReachGraph& BuiltGraph();
+
+// The nodes that may run one of `open`, apart from `known` ones.
+std::unordered_set<int> NodesThatRun(const ReachGraph& graph, std::vector<int> open,
+                                     const std::unordered_set<int>& known);
+
+// What the graph's builder hands on to sequence_changes.cpp: the beginning of the reading, each statement of
+// a node, and the end of the run.
+void BeginSequenceChanges();
+void ReadSequenceChanges(int node, TokenSpan tokens);
+void ResetSequenceChanges();
