@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/sequence_walks.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
