@@ -1,5 +1,6 @@
 #include "kv/build_folder.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -19,28 +20,37 @@ bool CanWriteIn(const fs::path& folder) {
     return !failed && std::ofstream(folder / "lock", std::ios::app).good();
 }
 
-// The folder of one program, in the first place that can be written to; empty if there is none.
-fs::path FolderFor(const fs::path& source, const std::string& variant) {
+// The folder that a place has for a program; empty if there is none.
+using Place = fs::path (*)(const fs::path& source, const std::string& variant);
+
+// The name of a program's folder where those of all programs lie together.
+std::string OwnName(const fs::path& source) { return source.stem().string() + "-" + HashOf(source.string()); }
+
+fs::path BesideSource(const fs::path& source, const std::string& variant) {
     const fs::path hidden = source.parent_path() / hiddenFolder;
-    fs::path beside = hidden / source.filename() / variant;
-    if (CanWriteIn(beside)) {
-        const fs::path ignoreList = hidden / ".gitignore";
-        std::error_code failed;
-        if (!fs::exists(ignoreList, failed)) std::ofstream(ignoreList) << "*\n";
-        return beside;
-    }
-    const fs::path own = source.stem().string() + "-" + HashOf(source.string());
-    const std::string cache = UserCacheFolder();
-    if (!cache.empty()) {
-        fs::path inCache = fs::path(cache) / "korvel" / "build" / own / variant;
-        if (CanWriteIn(inCache)) return inCache;
-    }
-    const fs::path temporary = UserTemporaryFolder();
-    if (MakePrivateFolder(temporary.string()) && CanWriteIn(temporary / own / variant)) {
-        return temporary / own / variant;
-    }
-    return fs::path();
+    const fs::path folder = hidden / source.filename() / variant;
+    if (!CanWriteIn(folder)) return fs::path();
+    const fs::path ignoreList = hidden / ".gitignore";
+    std::error_code failed;
+    if (!fs::exists(ignoreList, failed)) std::ofstream(ignoreList) << "*\n";
+    return folder;
 }
+
+fs::path InCache(const fs::path& source, const std::string& variant) {
+    const std::string cache = UserCacheFolder();
+    if (cache.empty()) return fs::path();
+    const fs::path folder = fs::path(cache) / "korvel" / "build" / OwnName(source) / variant;
+    return CanWriteIn(folder) ? folder : fs::path();
+}
+
+fs::path InTemporaryFolder(const fs::path& source, const std::string& variant) {
+    const fs::path temporary = UserTemporaryFolder();
+    const fs::path folder = temporary / OwnName(source) / variant;
+    return MakePrivateFolder(temporary.string()) && CanWriteIn(folder) ? folder : fs::path();
+}
+
+const Place places[] = {BesideSource, InCache, InTemporaryFolder};
+const int placeCount = sizeof places / sizeof places[0];
 
 }  // namespace
 
@@ -52,7 +62,11 @@ std::string ProgramName(const std::string& source) {
 
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
                         const std::string& keepCppFolder, BuildFolder& build, std::string& problem) {
-    const fs::path folder = FolderFor(source, variant);
+    fs::path folder;
+    for (; build.place < placeCount; ++build.place) {
+        folder = places[build.place](source, variant);
+        if (!folder.empty()) break;
+    }
     if (folder.empty()) {
         problem = "cannot write a build folder, neither beside " + source + " nor for the user";
         return false;
@@ -68,7 +82,10 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     build.folder = folder.string();
     build.cppFolder = cpp.string();
     build.program = (folder / "bin" / (ProgramName(source) + executableSuffix)).string();
+    build.object = (folder / "program.o").string();
     build.stamp = (folder / "stamp").string();
+    build.objectStamp = (folder / "compiled").string();
+    build.linkStamp = (folder / "linked").string();
     build.lock = (folder / "lock").string();
     build.started = (folder / "started").string();
     build.kvtOutput = (folder / "kvt-output.txt").string();
@@ -76,8 +93,24 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     build.compilerOutput = (folder / "compiler-output.txt").string();
     build.compilerErrors = (folder / "compiler-errors.txt").string();
     build.dependencies = (folder / "dependencies.d").string();
+    build.linkDependencies = (folder / "libraries.d").string();
     return true;
 }
+
+bool BeginBuild(BuildFolder& build) {
+    build.token = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
+    const std::size_t room = 1 << 20;  // what a small program takes
+    if (!(std::ofstream(build.started, std::ios::binary) << std::string(room, ' ') << std::flush)) {
+        std::error_code ignored;
+        fs::remove(build.started, ignored);
+        ++build.place;
+        return false;
+    }
+    std::ofstream(build.started, std::ios::binary) << build.token;
+    return true;
+}
+
+bool IsDisturbed(const BuildFolder& build) { return ReadWhole(build.started) != build.token; }
 
 std::string ReadWhole(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);

@@ -2,8 +2,9 @@
 //
 //   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
 //       cpp/                         what kvt generates (unless --keep-cpp names another folder)
-//       bin/game                     the compiled program, with the shared libraries that it loads
-//       stamp                        all that the program was made from (kv/stamp.h)
+//       bin/game                     the program, with the shared libraries that it loads
+//       program.o                    the compiled C++
+//       stamp, compiled, linked      all that the program, program.o and bin/game were made from (kv/stamp.h)
 //       kvt-output.txt ...           what the tools said
 //
 // .kvbuild lies beside the source; where nothing can be written there, in the user's cache folder, and without one
@@ -16,20 +17,32 @@ struct BuildFolder {
     std::string folder;
     std::string cppFolder;
     std::string program;  // the executable
+    std::string object;
     std::string stamp;
+    std::string objectStamp;
+    std::string linkStamp;
     std::string lock;
     std::string started;  // written when a build starts
     std::string kvtOutput;
     std::string kvtErrors;
     std::string compilerOutput;
     std::string compilerErrors;
-    std::string dependencies;  // the files that the C++ compiler read
+    std::string dependencies;      // the files that the C++ compiler read
+    std::string linkDependencies;  // the files that the linker read
+    int place = 0;                 // the how manieth of the possible places
+    std::string token;             // what `started` holds, unlike that of any other build
 };
 
-// Creates the folders for the source (a full path) and `variant`. `keepCppFolder` is a full path or empty.
-// Returns false and sets `problem` when there is no place to write.
+// Creates the folders for the source (a full path) and `variant`, in the first possible place from build.place on.
+// `keepCppFolder` is a full path or empty. Returns false and sets `problem` when there is no place to write.
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
                         const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
+
+// Begins a build in the folder. Returns false when there is no room for one; the next place may have it.
+bool BeginBuild(BuildFolder& build);
+
+// Whether the build that was begun cannot go on: there is no room, or somebody has removed the folder since.
+bool IsDisturbed(const BuildFolder& build);
 
 // The name of a source without folder and extension: what its generated files and its program are called.
 std::string ProgramName(const std::string& source);

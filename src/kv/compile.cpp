@@ -6,9 +6,12 @@
 
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
+#include "kv/copy_file.h"
 #include "kv/diagnostics.h"
+#include "kv/inputs.h"
 #include "kv/platform.h"
 #include "kv/precompiled.h"
+#include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
 #include "kv/translate.h"
@@ -17,11 +20,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// What the user can mend of what the compiler said.
+std::vector<Diagnostic> Mistakes(const Job& job, const std::string& output) {
+    return ExplainCompilerOutput(output, SourcesOf(DependencyRecord(job)), job.build.cppFolder,
+                                 job.sourceFolder);
+}
+
 // A mistake in the Korvel source never gets here: kvt refuses it. What remains is C++ written by the user, a
 // library that is missing, or a fault of the translation.
 void ShowFailure(const Job& job, const std::string& output) {
-    const std::vector<Diagnostic> mistakes = ExplainCompilerOutput(output, SourcesOf(DependencyRecord(job)),
-                                                                   job.build.cppFolder, job.sourceFolder);
+    const std::vector<Diagnostic> mistakes = Mistakes(job, output);
     for (Diagnostic diagnostic : mistakes) {
         if (!diagnostic.file.empty()) diagnostic.file = ShortPath(diagnostic.file, job.typedFolder);
         Show(diagnostic);
@@ -39,15 +47,150 @@ void ShowFailure(const Job& job, const std::string& output) {
     Show(summary);
 }
 
-bool CopyLibraries(const Job& job, const fs::path& folder) {
-    for (const std::string& library : SharedLibraries(job)) {
-        std::error_code failed;
-        fs::copy_file(fs::path(job.build.cppFolder) / library, folder / library,
-                      fs::copy_options::overwrite_existing, failed);
-        if (failed) {
-            ShowProblem("cannot copy " + library + " to " + folder.string() + ": " + failed.message());
-            return false;
+// One call of the compiler. `output` receives what it said on its error stream.
+bool RunCompiler(const Job& job, const std::vector<std::string>& command, const std::string& work,
+                 std::string& output) {
+    ProcessRequest request;
+    request.arguments = command;
+    request.workingFolder = job.sourceFolder;  // -L and the like in Linker lines count from there
+    request.outputFile = job.build.compilerOutput;
+    request.errorFile = job.build.compilerErrors;
+    if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
+    Progress progress(work);
+    request.whileWaiting = progress.Ticks();
+    std::string problem;
+    const int status = RunProcess(request, problem);
+    progress.End();
+    output = status < 0 ? "cannot execute " + command[0] + ": " + problem : ReadWhole(request.errorFile);
+    if (status < 0) std::ofstream(request.errorFile, std::ios::binary) << output << "\n";
+    if (job.options.verbose) std::fprintf(stderr, "%s", output.c_str());
+    return status == 0;
+}
+
+CompileJob CompileJobOf(const Job& job) {
+    CompileJob compile;
+    compile.mainCpp = job.mainCpp;
+    compile.object = job.build.object;
+    compile.program =
+        job.build.program + ".new" + executableSuffix;  // the old one stays until this is complete
+    compile.dependencies = job.build.dependencies;
+    compile.includeFolder = (fs::path(job.installation) / "include").string();
+    compile.sourceFolder = job.sourceFolder;
+    compile.optimisation = job.options.optimisation;
+    compile.debug = job.options.debug;
+    compile.linkerFlags = job.linkerFlags;
+    return compile;
+}
+
+// Finds or makes the precompiled header that serves the job's compilation, if any.
+void ChoosePrelude(Job& job) {
+    // A compilation for speed spends its time elsewhere.
+    if (job.options.optimisation != "-O0") return;
+    PreludeJob prelude;
+    prelude.compiler = job.compiler;
+    prelude.includeFolder = (fs::path(job.installation) / "include").string();
+    prelude.optimisation = job.options.optimisation;
+    prelude.debug = job.options.debug;
+    prelude.verbose = job.options.verbose;
+    job.prelude = PreludePath(prelude);
+    if (!job.prelude.empty() && !PreparePrelude(prelude, job.prelude)) job.prelude.clear();
+}
+
+using CommandBuilder = std::vector<std::string> (*)(const std::vector<std::string>& compiler,
+                                                    const CompileJob& job);
+
+// Compiles with the precompiled header, and without it when that fails for a reason that cannot be seen in the program:
+// the header may have been removed or spoilt meanwhile.
+bool CompileOn(Job& job, CompileJob& compile, CommandBuilder commandOf) {
+    const std::string work = "Compiling " + fs::path(job.mainCpp).filename().string();
+    std::string output;
+    ChoosePrelude(job);
+    compile.prelude = job.prelude;
+    if (RunCompiler(job, commandOf(job.compiler, compile), work, output)) return true;
+    if (!job.prelude.empty() && Mistakes(job, output).empty() && !IsDisturbed(job.build)) {
+        compile.prelude.clear();
+        if (RunCompiler(job, commandOf(job.compiler, compile), work, output)) {
+            DropPrelude(job.prelude);
+            job.prelude.clear();
+            return true;
         }
+    }
+    if (!IsDisturbed(job.build)) ShowFailure(job, output);
+    return false;
+}
+
+// Compiles the generated C++ unless this very text was compiled the last time.
+bool MakeObject(Job& job, CompileJob& compile) {
+    const std::string command = ReadableCommandLine(CompileCommand(job.compiler, compile));
+    if (StampHolds(job.build.objectStamp, command)) {
+        if (job.options.verbose) std::fprintf(stderr, "kv: the C++ has not changed\n");
+        return true;
+    }
+    std::error_code ignored;
+    fs::remove(job.build.objectStamp, ignored);
+    if (!CompileOn(job, compile, CompileCommand)) return false;
+    const FilesRead read = FilesReadByCompiler(job);
+    StampFiles files;
+    files.sources = ToolFiles(job);
+    files.sources.insert(files.sources.end(), read.headers.begin(), read.headers.end());
+    files.generated = read.generated;
+    files.products = {job.build.object};
+    WriteStamp(job.build.objectStamp, job.build.started, command, files);
+    return true;
+}
+
+// The flags that are worth a try when the program is linked.
+std::vector<std::string> QuickLinking(const Job& job) {
+    if (!job.linkerFlags.empty()) return LinkerRecordFlags(job.build.linkDependencies);
+    // Linkers differ in small ways: for a program that is to stay, the usual one.
+    return job.options.optimisation == "-O0" ? QuickLinkerFlags() : std::vector<std::string>();
+}
+
+bool Link(Job& job, CompileJob& compile) {
+    const std::string work = "Linking " + ProgramName(job.source);
+    std::string output;
+    std::error_code ignored;
+    fs::remove(job.build.linkDependencies, ignored);
+    compile.quickLinking = QuickLinking(job);
+    if (RunCompiler(job, LinkCommand(job.compiler, compile), work, output)) return true;
+    if (!compile.quickLinking.empty()) {
+        fs::remove(job.build.linkDependencies, ignored);
+        compile.quickLinking.clear();
+        if (RunCompiler(job, LinkCommand(job.compiler, compile), work, output)) return true;
+    }
+    if (!IsDisturbed(job.build)) ShowFailure(job, output);
+    return false;
+}
+
+// Puts the complete program into its place.
+bool Finish(const Job& job, const CompileJob& compile) {
+    std::error_code failed;
+    fs::rename(compile.program, job.build.program, failed);
+    if (failed && !IsDisturbed(job.build))
+        ShowProblem("cannot write " + job.build.program + ": " + failed.message());
+    return !failed;
+}
+
+// Links unless the program was linked from this very object before.
+bool MakeProgram(Job& job, CompileJob& compile) {
+    const std::string command = ReadableCommandLine(LinkCommand(job.compiler, compile));
+    if (StampHolds(job.build.linkStamp, command)) return true;
+    std::error_code ignored;
+    fs::remove(job.build.linkStamp, ignored);
+    if (!Link(job, compile) || !Finish(job, compile)) return false;
+    StampFiles files;
+    files.sources = FilesReadByLinker(job);
+    if (files.sources.empty() && !job.linkerFlags.empty()) return true;
+    for (const std::string& program : CompilerFiles(job.compiler)) files.sources.push_back(program);
+    files.products = {job.build.object, job.build.program};
+    WriteStamp(job.build.linkStamp, job.build.started, command, files);
+    return true;
+}
+
+bool CopyLibraries(const Job& job) {
+    const fs::path folder = fs::path(job.build.program).parent_path();
+    for (const std::string& library : SharedLibraries(job)) {
+        if (!CopyOver(fs::path(job.build.cppFolder) / library, folder / library)) return false;
     }
     return true;
 }
@@ -70,59 +213,19 @@ std::vector<std::string> SharedLibraries(const Job& job) {
     return libraries;
 }
 
-std::vector<std::string> JobCompileCommand(const Job& job, const std::string& program) {
-    CompileJob compile;
-    compile.mainCpp = job.mainCpp;
-    compile.program = program;
-    compile.dependencies = job.build.dependencies;
-    compile.includeFolder = (fs::path(job.installation) / "include").string();
-    compile.sourceFolder = job.sourceFolder;
-    compile.prelude = job.prelude;
-    compile.optimisation = job.options.optimisation;
-    compile.debug = job.options.debug;
-    compile.linkerFlags = job.linkerFlags;
-    return CompileCommand(job.compiler, compile);
+std::string CompilationOf(const Job& job) {
+    return ReadableCommandLine(WholeCommand(job.compiler, CompileJobOf(job)));
 }
 
-void ChoosePrelude(Job& job) {
-    // A compilation for speed spends its time elsewhere.
-    if (job.options.optimisation != "-O0") return;
-    PreludeJob prelude;
-    prelude.compiler = job.compiler;
-    prelude.includeFolder = (fs::path(job.installation) / "include").string();
-    prelude.optimisation = job.options.optimisation;
-    prelude.debug = job.options.debug;
-    prelude.verbose = job.options.verbose;
-    job.prelude = PreludePath(prelude);
-    if (!job.prelude.empty() && !PreparePrelude(prelude, job.prelude)) job.prelude.clear();
-}
-
-bool Compile(const Job& job) {
-    const std::string unfinished = job.build.program + ".new" + executableSuffix;
-    ProcessRequest request;
-    request.arguments = JobCompileCommand(job, unfinished);
-    request.workingFolder = job.sourceFolder;  // -L and the like in Linker lines count from there
-    request.outputFile = job.build.compilerOutput;
-    request.errorFile = job.build.compilerErrors;
-    if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
-    std::string problem;
-    const int status = RunProcess(request, problem);
-    if (status < 0) {
-        ShowProblem("cannot run the C++ compiler " + request.arguments[0] + ": " + problem);
-        return false;
+bool Compile(Job& job) {
+    CompileJob compile = CompileJobOf(job);
+    if (CanLinkApart(job.linkerFlags)) {
+        if (!MakeObject(job, compile) || !MakeProgram(job, compile)) return false;
+    } else {
+        std::error_code ignored;
+        fs::remove(job.build.linkDependencies, ignored);
+        fs::remove(job.build.linkStamp, ignored);
+        if (!CompileOn(job, compile, WholeCommand) || !Finish(job, compile)) return false;
     }
-    const std::string errors = ReadWhole(request.errorFile);
-    if (job.options.verbose) std::fprintf(stderr, "%s", errors.c_str());
-    std::error_code failed;
-    if (status != 0) {
-        fs::remove(unfinished, failed);
-        ShowFailure(job, errors);
-        return false;
-    }
-    fs::rename(unfinished, job.build.program, failed);
-    if (failed) {
-        ShowProblem("cannot write " + job.build.program + ": " + failed.message());
-        return false;
-    }
-    return CopyLibraries(job, fs::path(job.build.program).parent_path());
+    return CopyLibraries(job);
 }

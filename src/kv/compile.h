@@ -6,15 +6,13 @@
 
 #include "kv/job.h"
 
-// The command that compiles the job's generated files into the program at `program`.
-std::vector<std::string> JobCompileCommand(const Job& job, const std::string& program);
+// How the job's generated files are compiled, in one line that differs for different ways.
+std::string CompilationOf(const Job& job);
 
-// Finds or makes the precompiled header that serves the job's compilation, if any.
-void ChoosePrelude(Job& job);
-
-// Compiles into the build folder, with the shared libraries beside the program. The program of an earlier build
-// stays until the new one is complete. Returns false after telling the user what went wrong.
-bool Compile(const Job& job);
+// Compiles and links into the build folder what has changed, with the shared libraries beside the program. The program
+// of an earlier build stays until the new one is complete. Returns false after telling the user what went wrong, unless
+// the build was disturbed.
+bool Compile(Job& job);
 
 // The shared libraries that the program loads, by file name, as far as kvt found them.
 std::vector<std::string> SharedLibraries(const Job& job);

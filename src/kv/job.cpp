@@ -4,11 +4,14 @@
 
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
+#include "kv/progress.h"
 #include "kv/toolchain.h"
 
 namespace fs = std::filesystem;
 
 namespace {
+
+const int attempts = 5;
 
 // The source as a full path; "game" also finds game.kvl.
 bool FindSource(const Options& options, Job& job) {
@@ -61,16 +64,35 @@ bool PrepareJob(const Options& options, Job& job) {
     }
     std::string problem;
     if (options.command != Command::check) job.compiler = FindCompiler(problem);
-    std::string keepCpp;
-    if (!options.keepCppFolder.empty()) {
-        keepCpp = (fs::path(job.typedFolder) / options.keepCppFolder).lexically_normal().string();
-    }
-    if (!problem.empty() ||
-        !PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
+    if (!problem.empty()) {
         ShowProblem(problem);
         return false;
     }
-    const std::string mainFile = ProgramName(job.source) + (options.debug ? ".debug.cpp" : ".cpp");
+    return PrepareFolder(job);
+}
+
+bool PrepareFolder(Job& job) {
+    std::string keepCpp;
+    if (!job.options.keepCppFolder.empty()) {
+        keepCpp = (fs::path(job.typedFolder) / job.options.keepCppFolder).lexically_normal().string();
+    }
+    std::string problem;
+    if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
+        ShowProblem(problem);
+        return false;
+    }
+    const std::string mainFile = ProgramName(job.source) + (job.options.debug ? ".debug.cpp" : ".cpp");
     job.mainCpp = (fs::path(job.build.cppFolder) / mainFile).string();
     return true;
+}
+
+bool WorkInFolder(Job& job, bool (*work)(Job&)) {
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
+        if (work(job)) return true;
+        if (!IsDisturbed(job.build)) return false;
+        if (!PrepareFolder(job)) return false;
+    }
+    ShowProblem("somebody removes " + job.build.folder + " while kv works there");
+    return false;
 }

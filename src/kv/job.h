@@ -18,7 +18,7 @@ struct Job {
     std::vector<std::string> compiler;  // first words of its command; empty for kv check
     BuildFolder build;
     std::string mainCpp;  // the generated main file
-    std::string prelude;  // the precompiled header of quick compilations; empty: none
+    std::string prelude;  // the precompiled header that served the compilation; empty: none
 
     // Set by the translation:
     std::vector<std::string> linkerFlags;
@@ -27,3 +27,12 @@ struct Job {
 
 // Finds everything that the options name. Returns false after telling the user what is wrong.
 bool PrepareJob(const Options& options, Job& job);
+
+// Gives the job its build folder, in the first possible place from job.build.place on. Returns false after telling the
+// user that there is none.
+bool PrepareFolder(Job& job);
+
+// Does the work of a build in the job's folder, alone there: elsewhere when there is no room, and once more when
+// somebody has removed the folder meanwhile. Returns what `work` returns. When that is false, it has told the user what
+// went wrong, unless the build was disturbed.
+bool WorkInFolder(Job& job, bool (*work)(Job&));

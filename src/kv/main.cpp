@@ -16,21 +16,26 @@ const char versionText[] = "kv 1.2e";
 const int failure = 1;
 const int wrongUsage = 2;
 
-int RunProgram(const Job& job) {
+int RunProgram(Job& job) {
     ProcessRequest request;
     request.arguments = {job.build.program};
     request.arguments.insert(request.arguments.end(), job.options.arguments.begin(),
                              job.options.arguments.end());
     std::string problem;
-    const int status = RunProcess(request, problem);
+    int status = RunProcess(request, problem);
+    if (status < 0 && !IsExecutable(job.build.program)) {  // somebody has removed it meanwhile
+        if (!PrepareFolder(job) || !Make(job)) return failure;
+        request.arguments[0] = job.build.program;
+        status = RunProcess(request, problem);
+    }
     if (status >= 0) return status;
     ShowProblem("cannot run " + job.build.program + ": " + problem);
     return failure;
 }
 
 int Check(Job& job) {
-    const FileLock lock(job.build.lock);
-    if (!Translate(job)) return failure;
+    const auto translate = [](Job& given) { return BeginBuild(given.build) && Translate(given); };
+    if (!WorkInFolder(job, translate)) return failure;
     std::printf("%s: no mistakes found\n", ShortPath(job.source, job.typedFolder).c_str());
     return 0;
 }

@@ -2,11 +2,12 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 
 #include "kv/command_quoting.h"
 #include "kv/compile.h"
+#include "kv/copy_file.h"
 #include "kv/diagnostics.h"
+#include "kv/inputs.h"
 #include "kv/platform.h"
 #include "kv/stamp.h"
 #include "kv/translate.h"
@@ -15,70 +16,40 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Everything that the program depends on beside its sources and the headers that the compiler read.
-std::vector<std::string> ToolFiles(const Job& job) {
-    const fs::path installation = job.installation;
-    std::vector<std::string> files = {job.kv, job.kvt, (installation / "config" / "keywords.txt").string(),
-                                      (installation / "config" / "cpp.txt").string()};
-    for (const std::string& word : job.compiler) {
-        if (fs::path(word).is_absolute()) files.push_back(word);
-    }
-    std::error_code failed;
-    for (const auto& entry : fs::directory_iterator(installation / "userlibs", failed)) {
-        if (entry.is_regular_file(failed)) files.push_back(entry.path().string());
-    }
-    return files;
-}
-
-// Records what the program was made from. A program linked with libraries of the user's is made anew each time,
-// since nobody knows which files these flags reach; so is one with warnings, which shows them again.
+// Records what the program was made from. With libraries of the user's it is made anew each time unless the linker
+// says which files its flags reach; so is a program with warnings, which shows them again.
 void Remember(const Job& job, const std::string& commands) {
-    if (job.hadWarnings || !job.linkerFlags.empty()) return;
-    std::vector<std::string> files = SourcesOf(DependencyRecord(job));
-    if (files.empty()) return;
-    std::vector<std::string> products = {job.build.program, job.mainCpp};
-    for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
-        const fs::path path = (fs::path(job.sourceFolder) / file).lexically_normal();
-        const bool generated = path.string().compare(0, job.build.cppFolder.size(), job.build.cppFolder) == 0;
-        if (!generated) files.push_back(path.string());
+    StampFiles files;
+    files.sources = SourcesOf(DependencyRecord(job));
+    const std::vector<std::string> libraries = FilesReadByLinker(job);
+    if (job.hadWarnings || files.sources.empty() || (!job.linkerFlags.empty() && libraries.empty())) return;
+    for (const std::vector<std::string>& more :
+         {FilesReadByCompiler(job).headers, libraries, ToolFiles(job)}) {
+        files.sources.insert(files.sources.end(), more.begin(), more.end());
     }
-    for (const std::string& file : ToolFiles(job)) files.push_back(file);
+    files.products = {job.build.program, job.mainCpp};
     for (const std::string& library : SharedLibraries(job)) {
-        products.push_back((fs::path(job.build.program).parent_path() / library).string());
+        files.products.push_back((fs::path(job.build.program).parent_path() / library).string());
     }
-    WriteStamp(job.build.stamp, job.build.started, commands, files, products);
+    WriteStamp(job.build.stamp, job.build.started, commands, files);
 }
 
-bool CopyTo(const fs::path& from, const fs::path& to) {
-    std::error_code failed;
-    const fs::path unfinished = to.parent_path() / ("." + to.filename().string() + ".new");
-    fs::copy_file(from, unfinished, fs::copy_options::overwrite_existing, failed);
-    if (!failed) fs::rename(unfinished, to, failed);
-    if (!failed) return true;
-    std::error_code ignored;
-    fs::remove(unfinished, ignored);
-    ShowProblem("cannot write " + to.string() + ": " + failed.message());
-    return false;
-}
-
-}  // namespace
-
-bool Make(Job& job) {
-    const FileLock lock(job.build.lock);
-    ChoosePrelude(job);
-    const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " +
-                                 ReadableCommandLine(JobCompileCommand(job, "."));
+bool MakeInFolder(Job& job) {
+    const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " + CompilationOf(job);
     if (StampHolds(job.build.stamp, commands)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");
         return true;
     }
     std::error_code ignored;
     fs::remove(job.build.stamp, ignored);
-    std::ofstream(job.build.started, std::ios::binary) << "kv\n";
-    if (!Translate(job) || !Compile(job)) return false;
+    if (!BeginBuild(job.build) || !Translate(job) || !Compile(job)) return false;
     Remember(job, commands);
     return true;
 }
+
+}  // namespace
+
+bool Make(Job& job) { return WorkInFolder(job, MakeInFolder); }
 
 bool Install(const Job& job) {
     fs::path target = job.options.outputFile.empty() ? fs::path(job.sourceFolder) / ProgramName(job.source)
@@ -98,9 +69,9 @@ bool Install(const Job& job) {
         ShowProblem("the folder " + target.parent_path().string() + " does not exist");
         return false;
     }
-    if (!CopyTo(job.build.program, target)) return false;
+    if (!CopyOver(job.build.program, target)) return false;
     for (const std::string& library : SharedLibraries(job)) {
-        if (!CopyTo(fs::path(job.build.cppFolder) / library, target.parent_path() / library)) return false;
+        if (!CopyOver(fs::path(job.build.cppFolder) / library, target.parent_path() / library)) return false;
     }
     std::printf("built %s\n", ShortPath(target.string(), job.typedFolder).c_str());
     return true;

@@ -1,6 +1,7 @@
 // The calls to the operating system that kv needs beside std::filesystem. One implementation per system.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -9,10 +10,12 @@ struct ProcessRequest {
     std::string workingFolder;           // empty: that of kv
     std::string outputFile;              // both streams are written to these files, and there is no input;
     std::string errorFile;               // empty: streams and input are those of kv
+    std::function<void()> whileWaiting;  // called a few times a second while the program runs; may be empty
 };
 
 // Runs a program to its end and returns its exit status, 128 + n when signal n ended it. While a program with kv's
-// own streams runs, Ctrl-C is its business alone. Returns -1 and sets `problem` when it could not be started.
+// own streams runs, Ctrl-C is its business alone; a tool whose streams are caught ends together with kv. Returns -1
+// and sets `problem` when it could not be started.
 int RunProcess(const ProcessRequest& request, std::string& problem);
 
 // The full path of the running executable, links resolved; empty if it cannot be had.
@@ -20,6 +23,23 @@ std::string OwnExecutable();
 
 // Whether the error stream is a terminal that shows colours.
 bool ErrorStreamHasColours();
+
+// The width of the error stream when it is a terminal on which kv may rewrite a line, else 0.
+int ErrorStreamColumns();
+
+// Writes the text over the line that the cursor of the error stream is in, or leaves that line empty. A signal that
+// ends kv meanwhile empties the line, too.
+void RewriteErrorLine(const std::string& text);
+void EraseErrorLine();
+
+// Where a file or folder stands: changes when it is written, replaced or renamed.
+struct FileState {
+    std::string text;      // one line
+    long long latest = 0;  // when it changed last, in nanoseconds of the system's clock for files
+};
+
+// Returns false when there is no such file or folder.
+bool StateOf(const std::string& path, FileState& state);
 
 // Whether a program of this path can be executed.
 bool IsExecutable(const std::string& path);
@@ -34,10 +54,11 @@ bool MakePrivateFolder(const std::string& folder);
 std::string UserTemporaryFolder();
 
 // Holds a file locked against other processes from construction to destruction; waits for them first. A lock that
-// cannot be had does no harm: two builds at once may then redo each other's work.
+// cannot be had does no harm: two builds at once may then redo each other's work. `whileWaiting` is called a few times
+// a second while another process has it.
 class FileLock {
 public:
-    explicit FileLock(const std::string& path);
+    FileLock(const std::string& path, const std::function<void()>& whileWaiting);
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;

@@ -4,12 +4,15 @@
 #include <limits.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -32,16 +35,33 @@ void PassOn(int number) {
     if (childProcess > 0) kill(static_cast<pid_t>(childProcess), number);
 }
 
-// While the user's program runs: Ctrl-C reaches it from the terminal itself, what is sent to kv is passed on.
+// Whether a line of progress stands on the terminal.
+volatile sig_atomic_t lineShown = 0;
+const char eraseLine[] = "\r\033[K";
+
+// For kv at work: nothing of the work is left behind, and the signal ends kv as it would have done.
+void EndWork(int number) {
+    if (lineShown != 0 && write(STDERR_FILENO, eraseLine, sizeof eraseLine - 1) > 0) lineShown = 0;
+    PassOn(number);
+    struct sigaction usual;
+    std::memset(&usual, 0, sizeof usual);
+    usual.sa_handler = SIG_DFL;
+    sigaction(number, &usual, nullptr);
+    raise(number);
+}
+
+// While the user's program runs: Ctrl-C reaches it from the terminal itself, what is sent to kv is passed on. While
+// a tool runs: what ends kv ends the tool. Signals that whoever started kv wanted ignored stay so.
 class SignalsForChild {
 public:
-    SignalsForChild() {
+    explicit SignalsForChild(bool isTool) {
         for (int i = 0; i < count; ++i) {
             struct sigaction action;
             std::memset(&action, 0, sizeof action);
-            action.sa_handler = i < ignored ? SIG_IGN : PassOn;
+            action.sa_handler = isTool ? EndWork : i < ignored ? SIG_IGN : PassOn;
             action.sa_flags = SA_RESTART;
             sigaction(numbers[i], &action, &before_[i]);
+            if (isTool && before_[i].sa_handler == SIG_IGN) sigaction(numbers[i], &before_[i], nullptr);
         }
     }
     ~SignalsForChild() { Restore(); }
@@ -72,6 +92,36 @@ private:
     bool known_;
 };
 
+// As long as it lives, calls that wait are interrupted ten times a second.
+class Ticks {
+public:
+    explicit Ticks(bool wanted) : wanted_(wanted) {
+        if (!wanted_) return;
+        struct sigaction action;
+        std::memset(&action, 0, sizeof action);
+        action.sa_handler = [](int) {};
+        sigaction(SIGALRM, &action, &before_);
+        Every(100000);
+    }
+    ~Ticks() {
+        if (!wanted_) return;
+        Every(0);
+        sigaction(SIGALRM, &before_, nullptr);
+    }
+    Ticks(const Ticks&) = delete;
+    Ticks& operator=(const Ticks&) = delete;
+
+private:
+    static void Every(int microseconds) {
+        struct itimerval timer = {};
+        timer.it_interval.tv_usec = timer.it_value.tv_usec = microseconds;
+        setitimer(ITIMER_REAL, &timer, nullptr);
+    }
+
+    bool wanted_;
+    struct sigaction before_;
+};
+
 void OpenAs(int descriptor, const std::string& path, int flags) {
     const int file = open(path.c_str(), flags, 0666);
     if (file < 0) return;
@@ -94,10 +144,12 @@ void OpenAs(int descriptor, const std::string& path, int flags) {
     _exit(written == sizeof reason ? 127 : 126);
 }
 
-int WaitFor(pid_t child) {
+int WaitFor(pid_t child, const std::function<void()>& whileWaiting) {
+    const Ticks ticks(static_cast<bool>(whileWaiting));
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {
         if (errno != EINTR) return 1;
+        if (whileWaiting) whileWaiting();
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
@@ -119,10 +171,10 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
     fcntl(report[1], F_SETFD, FD_CLOEXEC);
     const TerminalModes modes;
     const bool isForeground = request.outputFile.empty();
-    SignalsForChild* const signals = isForeground ? new SignalsForChild : nullptr;
+    const SignalsForChild signals(!isForeground);
     const pid_t child = fork();
     if (child == 0) {
-        if (signals != nullptr) signals->Restore();
+        signals.Restore();
         Become(request, arguments, report[1]);
     }
     int reason = child < 0 ? errno : 0;
@@ -130,13 +182,13 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
     int status = -1;
     if (child > 0) {
         childProcess = child;
-        if (read(report[0], &reason, sizeof reason) < 0) reason = 0;
-        status = WaitFor(child);
+        while (read(report[0], &reason, sizeof reason) < 0 && errno == EINTR) {
+        }
+        status = WaitFor(child, request.whileWaiting);
         childProcess = 0;
         if (isForeground && status > 128) modes.Restore();
     }
     close(report[0]);
-    delete signals;
     if (reason == 0) return status;
     problem = std::strerror(reason);
     return -1;
@@ -160,6 +212,39 @@ bool ErrorStreamHasColours() {
     const char* terminal = std::getenv("TERM");
     return isatty(STDERR_FILENO) && terminal != nullptr && *terminal != '\0' &&
            std::strcmp(terminal, "dumb") != 0;
+}
+
+int ErrorStreamColumns() {
+    // A job in the background stays off the terminal.
+    if (!ErrorStreamHasColours() || tcgetpgrp(STDERR_FILENO) != getpgrp()) return 0;
+    struct winsize size;
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+void RewriteErrorLine(const std::string& text) {
+    const std::string line = "\r" + text + "\033[K";
+    lineShown = 1;
+    if (write(STDERR_FILENO, line.data(), line.size()) < 0) lineShown = 0;
+}
+
+void EraseErrorLine() {
+    if (lineShown != 0 && write(STDERR_FILENO, eraseLine, sizeof eraseLine - 1) > 0) lineShown = 0;
+}
+
+bool StateOf(const std::string& path, FileState& state) {
+    struct stat information;
+    if (stat(path.c_str(), &information) != 0) return false;
+#ifdef __APPLE__
+    const struct timespec written = information.st_mtimespec, changed = information.st_ctimespec;
+#else
+    const struct timespec written = information.st_mtim, changed = information.st_ctim;
+#endif
+    const long long writtenAt = written.tv_sec * 1000000000ll + written.tv_nsec;
+    const long long changedAt = changed.tv_sec * 1000000000ll + changed.tv_nsec;
+    state.text = std::to_string(information.st_size) + " " + std::to_string(writtenAt) + " " +
+                 std::to_string(changedAt) + " " + std::to_string(information.st_ino);
+    state.latest = changedAt;  // which nobody can set
+    return true;
 }
 
 bool IsExecutable(const std::string& path) {
@@ -188,11 +273,12 @@ std::string UserTemporaryFolder() {
     return (failed ? std::filesystem::path("/tmp") : folder) / ("korvel-" + std::to_string(geteuid()));
 }
 
-FileLock::FileLock(const std::string& path)
+FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting)
     : handle_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-    if (handle_ >= 0) {
-        while (flock(static_cast<int>(handle_), LOCK_EX) != 0 && errno == EINTR) {
-        }
+    if (handle_ < 0 || flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0) return;
+    const Ticks ticks(static_cast<bool>(whileWaiting));
+    while (flock(static_cast<int>(handle_), LOCK_EX) != 0 && errno == EINTR) {
+        if (whileWaiting) whileWaiting();
     }
 }
 

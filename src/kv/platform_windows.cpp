@@ -27,6 +27,22 @@ void CloseIfOpen(HANDLE handle) {
 
 BOOL WINAPI IgnoreCtrlC(DWORD) { return TRUE; }
 
+const DWORD tickMilliseconds = 100;
+
+// Whether a line of progress stands in the console. Ctrl-C is handled in a thread of its own.
+volatile LONG lineShown = 0;
+
+void WriteToConsole(const std::string& text) {
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()), &written,
+              nullptr);
+}
+
+BOOL WINAPI EraseAtCtrlC(DWORD) {
+    EraseErrorLine();
+    return FALSE;  // and the usual end
+}
+
 }  // namespace
 
 int RunProcess(const ProcessRequest& request, std::string& problem) {
@@ -47,7 +63,9 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
                                         nullptr, folder, &startup, &process);
     int status = -1;
     if (started) {
-        WaitForSingleObject(process.hProcess, INFINITE);
+        while (WaitForSingleObject(process.hProcess, tickMilliseconds) == WAIT_TIMEOUT) {
+            if (request.whileWaiting) request.whileWaiting();
+        }
         DWORD code = 1;
         GetExitCodeProcess(process.hProcess, &code);
         status = static_cast<int>(code & 0x7FFFFFFF);
@@ -76,6 +94,38 @@ bool ErrorStreamHasColours() {
     return SetConsoleMode(stream, mode | 0x0004) != 0;  // escape sequences are understood
 }
 
+int ErrorStreamColumns() {
+    if (!ErrorStreamHasColours()) return 0;
+    CONSOLE_SCREEN_BUFFER_INFO information;
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &information)) return 0;
+    return information.srWindow.Right - information.srWindow.Left + 1;
+}
+
+void RewriteErrorLine(const std::string& text) {
+    static const BOOL handled = SetConsoleCtrlHandler(EraseAtCtrlC, TRUE);
+    if (!handled) return;
+    lineShown = 1;
+    WriteToConsole("\r" + text + "\033[K");
+}
+
+void EraseErrorLine() {
+    if (InterlockedExchange(&lineShown, 0) != 0) WriteToConsole("\r\033[K");
+}
+
+bool StateOf(const std::string& path, FileState& state) {
+    WIN32_FILE_ATTRIBUTE_DATA information;
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &information)) return false;
+    const auto joined = [](DWORD high, DWORD low) {
+        return static_cast<long long>(static_cast<unsigned long long>(high) << 32 | low);
+    };
+    const long long written =
+        joined(information.ftLastWriteTime.dwHighDateTime, information.ftLastWriteTime.dwLowDateTime);
+    state.text = std::to_string(joined(information.nFileSizeHigh, information.nFileSizeLow)) + " " +
+                 std::to_string(written);
+    state.latest = written * 100;
+    return true;
+}
+
 bool IsExecutable(const std::string& path) {
     std::error_code failed;
     return std::filesystem::is_regular_file(path, failed);
@@ -97,13 +147,17 @@ std::string UserTemporaryFolder() {
     return (std::filesystem::temp_directory_path(failed) / "korvel").string();
 }
 
-FileLock::FileLock(const std::string& path) : handle_(-1) {
+FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting) : handle_(-1) {
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return;
     OVERLAPPED place = {};
-    LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place);
+    const DWORD exclusive = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    while (!LockFileEx(file, exclusive, 0, 1, 0, &place) && GetLastError() == ERROR_LOCK_VIOLATION) {
+        Sleep(tickMilliseconds);
+        if (whileWaiting) whileWaiting();
+    }
     handle_ = reinterpret_cast<long long>(file);
 }
 

@@ -7,7 +7,9 @@
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
+#include "kv/progress.h"
 #include "kv/stamp.h"
+#include "kv/toolchain.h"
 
 namespace fs = std::filesystem;
 
@@ -40,7 +42,10 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
     if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
     std::error_code failed;
+    Progress progress("Compiling the standard headers, once for all programs");
+    request.whileWaiting = progress.Ticks();
     const bool done = RunProcess(request, problem) == 0;
+    progress.End();
     if (done) fs::rename(unfinished, compiled, failed);
     std::error_code ignored;
     fs::remove(unfinished, ignored);
@@ -51,12 +56,18 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
 
 }  // namespace
 
-std::string PreludePath(const PreludeJob& job) {
+std::string PreludesFolder() {
     const std::string cache = UserCacheFolder();
-    if (cache.empty() || job.compiler.empty()) return "";
+    return cache.empty() ? "" : (fs::path(cache) / "korvel" / "prelude").lexically_normal().string();
+}
+
+std::string PreludePath(const PreludeJob& job) {
+    const std::string folder = PreludesFolder();
+    if (folder.empty() || job.compiler.empty()) return "";
     std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
-    key += MarkOf(job.compiler[0]) + "\n" + MarkOf((fs::path(job.includeFolder) / "conio.h").string());
-    return (fs::path(cache) / "korvel" / "prelude" / HashOf(key) / "prelude.h").string();
+    for (const std::string& program : CompilerFiles(job.compiler)) key += MarkOf(program) + "\n";
+    key += MarkOf((fs::path(job.includeFolder) / "conio.h").string());
+    return (fs::path(folder) / HashOf(key) / "prelude.h").string();
 }
 
 bool PreparePrelude(const PreludeJob& job, const std::string& path) {
@@ -65,10 +76,15 @@ bool PreparePrelude(const PreludeJob& job, const std::string& path) {
     if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
     fs::create_directories(fs::path(path).parent_path(), failed);
     if (failed) return false;
-    const FileLock lock(path + ".lock");
+    const FileLock lock(path + ".lock", Progress("Waiting for another kv").Ticks());
     if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
     std::ofstream header(path, std::ios::binary);
     header << preludeText;
     header.close();
     return header.good() && CompilePrelude(job, path, compiled);
+}
+
+void DropPrelude(const std::string& path) {
+    std::error_code ignored;
+    fs::remove(path + compiledSuffix, ignored);
 }

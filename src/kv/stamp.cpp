@@ -1,34 +1,45 @@
 #include "kv/stamp.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
+
+#include "kv/build_folder.h"
+#include "kv/hash.h"
+#include "kv/platform.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-const char stampVersion[] = "kv-stamp 1";
+const char stampVersion[] = "kv-stamp 2";
+const char missing[] = "missing";
+const char contentSign = '#';
 
 // Times of files advance in steps of a few milliseconds.
-const auto timeStep = std::chrono::milliseconds(20);
+const long long timeStep = 20000000;
 
-std::string PathOfMark(const std::string& mark) {
-    const std::size_t first = mark.find('|');
-    if (first == std::string::npos || mark.compare(0, first, "missing") == 0) return "";
-    const std::size_t second = mark.find('|', first + 1);
-    return second == std::string::npos ? "" : mark.substr(second + 1);
+// A mark is what is known about the file, a bar, and its path.
+std::string ContentMarkOf(const std::string& path) {
+    std::error_code failed;
+    if (!fs::is_regular_file(path, failed)) return std::string(missing) + "|" + path;
+    return contentSign + HashOf(ReadWhole(path)) + "|" + path;
+}
+
+bool MarkHolds(const std::string& mark) {
+    const std::size_t bar = mark.find('|');
+    if (bar == std::string::npos || mark.compare(0, bar, missing) == 0) return false;
+    const std::string path = mark.substr(bar + 1);
+    return (mark[0] == contentSign ? ContentMarkOf(path) : MarkOf(path)) == mark;
 }
 
 }  // namespace
 
 std::string MarkOf(const std::string& path) {
-    std::error_code failed;
-    const std::uintmax_t size = fs::file_size(path, failed);
-    if (failed) return "missing|" + path;
-    const auto time = fs::last_write_time(path, failed).time_since_epoch().count();
-    return std::to_string(size) + "|" + std::to_string(time) + "|" + path;
+    FileState state;
+    return (StateOf(path, state) ? state.text : missing) + "|" + path;
 }
 
 bool StampHolds(const std::string& stampFile, const std::string& commands) {
@@ -36,29 +47,34 @@ bool StampHolds(const std::string& stampFile, const std::string& commands) {
     std::string line;
     if (!std::getline(stream, line) || line != stampVersion) return false;
     if (!std::getline(stream, line) || line != commands) return false;
-    bool complete = false;
     while (std::getline(stream, line)) {
-        complete = line == "end";
-        if (complete) break;
-        const std::string path = PathOfMark(line);
-        if (path.empty() || MarkOf(path) != line) return false;
+        if (line == "end") return true;
+        if (!MarkHolds(line)) return false;
     }
-    return complete;
+    return false;
 }
 
 void WriteStamp(const std::string& stampFile, const std::string& started, const std::string& commands,
-                const std::vector<std::string>& files, const std::vector<std::string>& products) {
-    std::error_code failed;
-    const fs::file_time_type start = fs::last_write_time(started, failed);
-    if (failed || commands.find('\n') != std::string::npos) return;
-    std::string text = std::string(stampVersion) + "\n" + commands + "\n";
-    for (const std::string& file : files) {
-        const fs::file_time_type time = fs::last_write_time(file, failed);
-        if (failed || time > start - timeStep || file.find('\n') != std::string::npos) return;
-        text += MarkOf(file) + "\n";
+                const StampFiles& files) {
+    FileState start;
+    if (!StateOf(started, start)) return;
+    std::string marks;
+    std::size_t lines = 0;
+    for (const std::string& source : files.sources) {
+        FileState state;
+        if (!StateOf(source, state) || state.latest > start.latest - timeStep) return;
+        marks += MarkOf(source) + "\n";
+        ++lines;
     }
-    for (const std::string& product : products) text += MarkOf(product) + "\n";
-    std::ofstream(stampFile, std::ios::binary) << text << "end\n";
+    for (const std::string& file : files.generated) marks += ContentMarkOf(file) + "\n";
+    for (const std::string& product : files.products) marks += MarkOf(product) + "\n";
+    lines += files.generated.size() + files.products.size();
+    // A line end in a path or a command is more than a stamp can tell.
+    if (static_cast<std::size_t>(std::count(marks.begin(), marks.end(), '\n')) != lines) return;
+    if (commands.find('\n') != std::string::npos) return;
+    std::ofstream(stampFile, std::ios::binary) << stampVersion << "\n"
+                                               << commands << "\n"
+                                               << marks << "end\n";
 }
 
 std::vector<std::string> SourcesOf(const std::string& dependencyRecord) {
@@ -83,15 +99,34 @@ std::vector<std::string> FilesInMakeRule(const std::string& rule) {
     for (++at; at <= rule.size(); ++at) {
         const char c = at < rule.size() ? rule[at] : '\n';
         const char next = at + 1 < rule.size() ? rule[at + 1] : '\0';
-        const bool escaped = c == '\\' && (next == ' ' || next == '#' || next == '\\');
-        if (escaped || (c == '$' && next == '$')) {
+        const bool lineGoesOn = c == '\\' && (next == '\n' || next == '\r');
+        if ((c == '\\' && (next == ' ' || next == '#' || next == '\\')) || (c == '$' && next == '$')) {
             file += rule[++at];
-        } else if (c == ' ' || c == '\n' || c == '\r' || (c == '\\' && (next == '\n' || next == '\r'))) {
+        } else if (c == ' ' || c == '\n' || c == '\r' || lineGoesOn) {
             if (!file.empty()) files.push_back(file);
             file.clear();
+            if (c == '\n') break;
+            if (lineGoesOn) at = rule.find('\n', at);
         } else {
             file += c;
         }
+    }
+    return files;
+}
+
+std::vector<std::string> FilesOfLinker(const std::string& record) {
+    const std::string lineGoesOn = " \\";
+    std::vector<std::string> files;
+    std::istringstream lines(record);
+    std::string line;
+    std::getline(lines, line);  // the program
+    while (std::getline(lines, line)) {
+        const std::size_t start = line.find_first_not_of(' ');
+        if (start == std::string::npos) break;  // behind it, the same files once more
+        const std::size_t end = line.size() - lineGoesOn.size();
+        const bool isLast =
+            line.size() < lineGoesOn.size() || line.compare(end, lineGoesOn.size(), lineGoesOn) != 0;
+        files.push_back(line.substr(start, isLast ? std::string::npos : end - start));
     }
     return files;
 }

@@ -4,17 +4,27 @@
 #include <string>
 #include <vector>
 
-// "size|time|path": changes when the file does; a file that is missing has a mark as well.
+// One line about a file or folder, which changes when it does; one that is missing has a mark as well.
 std::string MarkOf(const std::string& path);
+
+// What something was made from, and what was made.
+struct StampFiles {
+    std::vector<std::string> sources;  // files and folders; they count by size and times
+    std::vector<std::string>
+        generated;  // files that each translation may write again; they count by their content
+    std::vector<std::string> products;
+};
 
 // Whether the stamp was written for the same commands and none of its files has changed since.
 bool StampHolds(const std::string& stampFile, const std::string& commands);
 
-// Writes a stamp. `started` is a file written when the build started: a file that changed since then, or so shortly
+// Writes a stamp. `started` is a file written when the build started: a source that changed since then, or so shortly
 // before that its time could not show a further change, makes the stamp worthless and none is written.
 void WriteStamp(const std::string& stampFile, const std::string& started, const std::string& commands,
-                const std::vector<std::string>& files, const std::vector<std::string>& products);
+                const StampFiles& files);
 
-// The files named by the dependency record of kvt (main source first), and by the one of the C++ compiler.
+// The files named by the dependency record of kvt (main source first), by the one of the C++ compiler, and by the one
+// of the linker, which leaves blanks in paths as they are.
 std::vector<std::string> SourcesOf(const std::string& dependencyRecord);
 std::vector<std::string> FilesInMakeRule(const std::string& rule);
+std::vector<std::string> FilesOfLinker(const std::string& record);

@@ -1,7 +1,9 @@
 #include "kv/toolchain.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 
 #include "kv/command_quoting.h"
@@ -10,6 +12,12 @@
 namespace {
 
 const char* const usualCompilers[] = {"g++", "clang++", "c++"};
+
+// What links a small program soonest comes first.
+const char* const quickLinkers[] = {"mold", "gold", "lld"};
+
+const char* const linkingFlags[] = {"-l", "-L", "-Wl,"};
+const char* const compilingFlags[] = {"-I", "-D", "-U", "-pthread"};
 
 #ifdef __APPLE__
 const char* const ownFolderFlag = "-Wl,-rpath,@loader_path";
@@ -39,6 +47,37 @@ std::string FindProgram(const std::string& name) {
     return "";
 }
 
+template <std::size_t count>
+bool StartsWithOne(const std::string& flag, const char* const (&starts)[count]) {
+    return std::any_of(std::begin(starts), std::end(starts), [&](const std::string& start) {
+        // A letter alone has its value in the next word.
+        return flag.compare(0, start.size(), start) == 0 && (flag.size() > 2 || start.size() > 2);
+    });
+}
+
+bool MeansLinking(const std::string& flag) { return StartsWithOne(flag, linkingFlags); }
+
+std::vector<std::string> Beginning(const std::vector<std::string>& compiler, const CompileJob& job) {
+    std::vector<std::string> command = compiler;
+    command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
+    if (job.debug) command.push_back("-g");
+    if (!job.prelude.empty()) command.insert(command.end(), {"-include", job.prelude});
+    // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
+    command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
+    command.insert(command.end(), {"-MMD", "-MF", job.dependencies});
+    return command;
+}
+
+void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
+#ifndef _WIN32
+    command.push_back(ownFolderFlag);  // shared libraries beside the program are found
+#endif
+    command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
+#ifdef __linux__
+    command.push_back("-ldl");
+#endif
+}
+
 }  // namespace
 
 std::vector<std::string> FindCompiler(std::string& problem) {
@@ -61,20 +100,55 @@ std::vector<std::string> FindCompiler(std::string& problem) {
     return {};
 }
 
+std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler) {
+    std::vector<std::string> files;
+    for (const std::string& word : compiler) {
+        const std::string program = word.empty() || word[0] == '-' ? "" : FindProgram(word);
+        if (!program.empty()) files.push_back(program);
+    }
+    return files;
+}
+
+bool CanLinkApart(const std::vector<std::string>& linkerFlags) {
+    return std::all_of(linkerFlags.begin(), linkerFlags.end(), [](const std::string& flag) {
+        return MeansLinking(flag) || StartsWithOne(flag, compilingFlags);
+    });
+}
+
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
-    std::vector<std::string> command = compiler;
-    command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
-    if (job.debug) command.push_back("-g");
-    if (!job.prelude.empty()) command.insert(command.end(), {"-include", job.prelude});
-    // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
-    command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
-    command.insert(command.end(), {"-MMD", "-MF", job.dependencies, "-o", job.program, job.mainCpp});
-#ifndef _WIN32
-    command.push_back(ownFolderFlag);  // shared libraries beside the program are found
-#endif
-    command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
-#ifdef __linux__
-    command.push_back("-ldl");
-#endif
+    std::vector<std::string> command = Beginning(compiler, job);
+    for (const std::string& flag : job.linkerFlags) {
+        if (!MeansLinking(flag)) command.push_back(flag);
+    }
+    command.insert(command.end(), {"-c", "-o", job.object, job.mainCpp});
     return command;
+}
+
+std::vector<std::string> LinkCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
+    std::vector<std::string> command = compiler;
+    command.insert(command.end(), job.quickLinking.begin(), job.quickLinking.end());
+    command.insert(command.end(), {"-o", job.program, job.object});
+    AddLibraries(command, job);
+    return command;
+}
+
+std::vector<std::string> WholeCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
+    std::vector<std::string> command = Beginning(compiler, job);
+    command.insert(command.end(), {"-o", job.program, job.mainCpp});
+    AddLibraries(command, job);
+    return command;
+}
+
+std::vector<std::string> QuickLinkerFlags() {
+#ifdef __linux__
+    for (const char* const linker : quickLinkers) {
+        if (!FindProgram(std::string("ld.") + linker).empty()) return {std::string("-fuse-ld=") + linker};
+    }
+#endif
+    return {};
+}
+
+std::vector<std::string> LinkerRecordFlags(const std::string& file) {
+    if (file.find(',') != std::string::npos) return {};
+    return {"-Wl,--dependency-file=" + file};
 }

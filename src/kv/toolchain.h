@@ -6,6 +6,7 @@
 
 struct CompileJob {
     std::string mainCpp;
+    std::string object;         // the compiled form to write, and to link
     std::string program;        // the executable to write
     std::string dependencies;   // receives the files that were read, as a rule for make
     std::string includeFolder;  // conio.h and kvdebug.h
@@ -14,11 +15,27 @@ struct CompileJob {
     std::string optimisation;   // "-O0"
     bool debug = false;
     std::vector<std::string> linkerFlags;
+    std::vector<std::string> quickLinking;  // flags that are not needed
 };
 
 // The compiler as the first words of a command, its program as a full path: $CXX, else g++, clang++ or c++.
 // Empty, with `problem` set, when there is none.
 std::vector<std::string> FindCompiler(std::string& problem);
 
-// The whole command.
+// The files that a changed compiler changes: all the programs among the words of its command.
+std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler);
+
+// Whether compiling and linking can be done one after the other: flags of the user's may name further files to compile,
+// or mean anything else that has to stand in one command.
+bool CanLinkApart(const std::vector<std::string>& linkerFlags);
+
+// The commands that compile, that link, and that do both at once.
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job);
+std::vector<std::string> LinkCommand(const std::vector<std::string>& compiler, const CompileJob& job);
+std::vector<std::string> WholeCommand(const std::vector<std::string>& compiler, const CompileJob& job);
+
+// The flag that chooses a linker that is quicker than the usual one, if one is installed. The compiler may not know it.
+std::vector<std::string> QuickLinkerFlags();
+
+// The flag that makes the linker say in `file` what it read, for linkers that can.
+std::vector<std::string> LinkerRecordFlags(const std::string& file);

@@ -11,6 +11,7 @@
 #include "kv/diagnostics.h"
 #include "kv/kvt_report.h"
 #include "kv/platform.h"
+#include "kv/progress.h"
 
 namespace fs = std::filesystem;
 
@@ -104,7 +105,11 @@ bool Translate(Job& job) {
     request.errorFile = job.build.kvtErrors;
     if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
+    Progress progress("Translating " + fs::path(job.source).filename().string());
+    request.whileWaiting = progress.Ticks();
     const int status = RunProcess(request, problem);
+    progress.End();
+    if (IsDisturbed(job.build)) return false;
     if (status < 0) {
         ShowProblem("cannot run " + job.kvt + ": " + problem);
         return false;

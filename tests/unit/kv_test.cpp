@@ -1,9 +1,11 @@
 // The parts of kv that need no processes: its command line, what kvt and the C++ compiler say, flags, stamps.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "kv/clash_place.h"
 #include "kv/command_line.h"
@@ -11,7 +13,9 @@
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
 #include "kv/kvt_report.h"
+#include "kv/progress.h"
 #include "kv/stamp.h"
+#include "kv/toolchain.h"
 
 namespace {
 
@@ -240,26 +244,39 @@ TEST(CompilerReports, OnlyWhatTheUserCanMend) {
 
 TEST(Stamps, HoldUntilSomethingChanges) {
     const Scratch scratch;
-    const auto minuteAgo = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1);
     const std::string source = scratch.File("a.kvl", "1");
+    const std::string generated = scratch.File("a.cpp", "int a;");
     const std::string program = scratch.File("a", "x");
-    const std::string started = scratch.File("started", "");
     const std::string stamp = scratch.Folder() + "/stamp";
-    WriteStamp(stamp, started, "g++", {source}, {program});
+    std::string started = scratch.File("started", "");
+    StampFiles files = {{source}, {generated}, {program}};
+    WriteStamp(stamp, started, "g++", files);
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source as young as the build is not trusted";
-    std::filesystem::last_write_time(source, minuteAgo);
-    WriteStamp(stamp, started, "g++", {source, source + ".missing"}, {program});
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    started = scratch.File("started", "");
+    WriteStamp(stamp, started, "g++", {{source, source + ".missing"}, {generated}, {program}});
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source that is missing";
-    WriteStamp(stamp, started, "g++", {source}, {program});
+    WriteStamp(stamp, started, "g++", files);
     EXPECT_TRUE(StampHolds(stamp, "g++"));
     EXPECT_FALSE(StampHolds(stamp, "clang++"));
-    std::filesystem::last_write_time(source, minuteAgo - std::chrono::minutes(1));
-    EXPECT_FALSE(StampHolds(stamp, "g++")) << "an older file put in its place";
-    WriteStamp(stamp, started, "g++", {source}, {program});
+    scratch.File("a.cpp", "int a;");
+    EXPECT_TRUE(StampHolds(stamp, "g++")) << "a generated file that is written again counts by its content";
+    scratch.File("a.cpp", "int b;");
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "and is another one now";
+
+    files.generated.clear();
+    WriteStamp(stamp, started, "g++", files);
     EXPECT_TRUE(StampHolds(stamp, "g++"));
     std::filesystem::remove(program);
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "the program is gone";
-    scratch.File("stamp", "kv-stamp 1\ng++\n");
+    files.products.clear();
+    WriteStamp(stamp, started, "g++", files);
+    EXPECT_TRUE(StampHolds(stamp, "g++"));
+    const auto time = std::filesystem::last_write_time(source);
+    std::filesystem::rename(scratch.File("other", "2"), source);
+    std::filesystem::last_write_time(source, time);
+    EXPECT_FALSE(StampHolds(stamp, "g++")) << "another file of the same size and time put in its place";
+    scratch.File("stamp", "kv-stamp 2\ng++\n");
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "cut off";
 }
 
@@ -271,6 +288,37 @@ TEST(Stamps, Lists) {
     EXPECT_TRUE(SourcesOf(scratch.Folder() + "/none").empty());
     EXPECT_EQ(FilesInMakeRule("a.o: /x/a.cpp /my\\ dir/b.h \\\n  c$$d.h e\\#f.h\n"),
               (Words{"/x/a.cpp", "/my dir/b.h", "c$d.h", "e#f.h"}));
+    EXPECT_EQ(FilesInMakeRule("a.o: a.cpp \\\r\n b.h\r\n\r\nb.h:\r\n"), (Words{"a.cpp", "b.h"}));
+    EXPECT_EQ(FilesOfLinker("a: \\\n  /my libs/x.so \\\n  y.o\n\n/my libs/x.so:\n\ny.o:\n"),
+              (Words{"/my libs/x.so", "y.o"}));
+    EXPECT_TRUE(FilesOfLinker("").empty());
+}
+
+TEST(Linking, ApartWhereTheFlagsAllowIt) {
+    EXPECT_TRUE(CanLinkApart({"-lm", "-Lmy libs", "-Wl,-rpath,/x", "-DX=1", "-Iown", "-pthread"}));
+    for (const char* const flag : {"extra.cpp", "libx.a", "-l", "-I", "-framework", "-static", "-O2"}) {
+        EXPECT_FALSE(CanLinkApart({"-lm", flag})) << flag;
+    }
+    CompileJob job;
+    job.linkerFlags = {"-lm", "-DX"};
+    const Words compile = CompileCommand({"g++"}, job);
+    const Words link = LinkCommand({"g++"}, job);
+    const auto has = [](const Words& words, const char* word) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    };
+    EXPECT_TRUE(has(compile, "-DX") && !has(compile, "-lm") && has(link, "-lm"));
+}
+
+TEST(ProgressLines, FitTheTerminal) {
+    EXPECT_EQ(ProgressLine("Compiling game.cpp", 1.25, 80), "Compiling game.cpp ... 1.2 s");
+    EXPECT_EQ(ProgressLine("Compiling game.cpp", 61, 29), "Compiling game.cpp ... 61.0 s") << "exactly";
+    EXPECT_EQ(ProgressLine("Compiling a_very_long_name.cpp", 1, 30), "Compilin...name.cpp ... 1.0 s");
+    EXPECT_EQ(ProgressLine("Compiling game.cpp", 1, 10), "");
+    EXPECT_EQ(ProgressLine("Compiling K\xC3\xB6nig.cpp", 1, 30), "Compiling K\xC3\xB6nig.cpp ... 1.0 s");
+    EXPECT_EQ(ProgressLine("\xE6\xB8\xB8\xE6\xB8\xB8\xE6\xB8\xB8\xE6\xB8\xB8\xE6\xB8\xB8\xE6\xB8\xB8", 1, 21),
+              "\xE6\xB8\xB8...\xE6\xB8\xB8\xE6\xB8\xB8 ... 1.0 s")
+        << "characters of two columns";
+    EXPECT_EQ(ProgressLine("a\033[2J\nb and more", 1, 80), "a?[2J?b and more ... 1.0 s");
 }
 
 }  // namespace

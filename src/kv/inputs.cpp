@@ -1,0 +1,61 @@
+#include "kv/inputs.h"
+
+#include <filesystem>
+
+#include "kv/precompiled.h"
+#include "kv/stamp.h"
+#include "kv/toolchain.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Tools run in the source's folder.
+std::string FullPath(const Job& job, const std::string& file) {
+    return (fs::path(job.sourceFolder) / file).lexically_normal().string();
+}
+
+bool IsBelow(const std::string& path, const std::string& folder) {
+    return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+           (path[folder.size()] == '/' || path[folder.size()] == '\\');
+}
+
+}  // namespace
+
+std::vector<std::string> ToolFiles(const Job& job) {
+    const fs::path installation = job.installation;
+    std::vector<std::string> files = {job.kv, job.kvt, (installation / "config" / "keywords.txt").string(),
+                                      (installation / "config" / "cpp.txt").string()};
+    for (const std::string& program : CompilerFiles(job.compiler)) files.push_back(program);
+    for (const char* folder : {"userlibs", "include"}) {
+        std::error_code failed;
+        for (const auto& entry : fs::directory_iterator(installation / folder, failed)) {
+            if (entry.is_regular_file(failed)) files.push_back(entry.path().string());
+        }
+    }
+    return files;
+}
+
+FilesRead FilesReadByCompiler(const Job& job) {
+    FilesRead files;
+    const std::string preludes = PreludesFolder();
+    for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
+        const std::string path = FullPath(job, file);
+        if (!preludes.empty() && IsBelow(path, preludes)) continue;
+        (IsBelow(path, job.build.cppFolder) ? files.generated : files.headers).push_back(path);
+    }
+    return files;
+}
+
+std::vector<std::string> FilesReadByLinker(const Job& job) {
+    std::vector<std::string> files;
+    for (const std::string& file : FilesOfLinker(ReadWhole(job.build.linkDependencies))) {
+        const std::string path = FullPath(job, file);
+        if (!IsBelow(path, job.build.folder)) files.push_back(path);
+    }
+    if (files.empty()) return files;
+    for (const std::string& flag : job.linkerFlags) {
+        if (flag.compare(0, 2, "-L") == 0) files.push_back(FullPath(job, flag.substr(2)));
+    }
+    return files;
+}
