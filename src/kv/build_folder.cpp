@@ -68,7 +68,8 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
         if (!folder.empty()) break;
     }
     if (folder.empty()) {
-        problem = "cannot write a build folder, neither beside " + source + " nor for the user";
+        problem = "there is no place or no room to build in, neither beside " + source +
+                  " nor in the user's cache or temporary folder";
         return false;
     }
     const fs::path cpp = keepCppFolder.empty() ? folder / "cpp" : fs::path(keepCppFolder);

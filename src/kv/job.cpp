@@ -19,11 +19,12 @@ bool FindSource(const Options& options, Job& job) {
     fs::path source = fs::path(job.typedFolder) / options.source;
     if (!fs::exists(source, failed) && fs::exists(source.string() + ".kvl", failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
-        ShowProblem("cannot find " + options.source);
+        const bool hasExtension = fs::path(options.source).extension() == ".kvl";
+        ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));
         return false;
     }
     if (!fs::is_regular_file(source, failed)) {
-        ShowProblem(options.source + " is no file");
+        ShowProblem(options.source + " is no file; name the main file of a program");
         return false;
     }
     job.source = source.lexically_normal().string();

@@ -122,8 +122,10 @@ private:
     struct sigaction before_;
 };
 
+// Where the file cannot be had, what is written there is lost: it is meant for nobody's eyes as it is.
 void OpenAs(int descriptor, const std::string& path, int flags) {
-    const int file = open(path.c_str(), flags, 0666);
+    int file = open(path.c_str(), flags, 0666);
+    if (file < 0) file = open("/dev/null", O_RDWR);
     if (file < 0) return;
     dup2(file, descriptor);
     if (file != descriptor) close(file);
