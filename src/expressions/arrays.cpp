@@ -125,10 +125,10 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
     const std::size_t before = unrepeatable;
     const bool statement = walk.callStatement;
     walk.callStatement = false;
-    while (walk.Match("[")) {
+    while (walk.Match('[')) {
         const Expr index = ParseValue(walk);
         access.indices.push_back(IndexText(index, access.indices.empty(), array.form));
-        walk.Expect("]");
+        walk.Expect(']');
     }
     walk.callStatement = statement;
     access.simple = unrepeatable == before;

@@ -87,7 +87,7 @@ const std::unordered_map<std::string, const char*> typeWords = {
 // 0 when no key is waiting, the negated second code for extended keys. Outside of routines there is
 // nothing to capture, and C++ does not take the attempt.
 Expr ParseGetKey(Walk& walk) {
-    if (!walk.Match(")")) ReportFatal("GetKey() takes no parameters");
+    if (!walk.Match(')')) ReportFatal("GetKey() takes no parameters");
     ++unrepeatable;
     const std::string capture = InsideRoutine() ? "[&]" : "[]";
     Expr expr = Result("(_kbhit() ? " + capture +

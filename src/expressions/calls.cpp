@@ -67,7 +67,7 @@ std::vector<Expr> ParseList(Walk& walk) {
         const std::size_t i = arguments.size();
         arguments.push_back(ParseArgument(walk, callee != nullptr && i < callee->parameters.size() &&
                                                     callee->parameters[i].type.IsArray()));
-    } while (walk.Match(","));
+    } while (walk.Match(','));
     return arguments;
 }
 
@@ -107,7 +107,7 @@ std::string CallInOrder(const std::string& callee, const Routine& routine,
 
 std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
     walk.callee = &routine;
-    if (Is(walk.Peek(), "(") && (!walk.callStatement || ParenthesesHoldAll(walk))) {
+    if (walk.PeekSign() == '(' && (!walk.callStatement || ParenthesesHoldAll(walk))) {
         walk.Take();
         return ParseArguments(walk);
     }
@@ -121,11 +121,11 @@ std::vector<Expr> ParseArguments(Walk& walk) {
     const bool statement = walk.callStatement;
     walk.callStatement = false;
     std::vector<Expr> arguments;
-    if (walk.Match(")")) {
+    if (walk.Match(')')) {
         walk.callee = nullptr;
     } else {
         arguments = ParseList(walk);
-        walk.Expect(")");
+        walk.Expect(')');
     }
     walk.callStatement = statement;
     return arguments;

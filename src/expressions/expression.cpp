@@ -84,21 +84,18 @@ DepthGuard::DepthGuard() {
 }
 DepthGuard::~DepthGuard() { --depth; }
 
-void Walk::Expect(const char* token) {
-    if (Match(token)) return;
+void Walk::Expect(char sign) {
+    if (Match(sign)) return;
     const std::string found = Done() ? "the end of the statement" : "'" + Peek() + "'";
-    ReportFatal(std::string("Expected '") + token + "' but found " + found);
+    ReportFatal(std::string("Expected '") + sign + "' but found " + found);
 }
 
-Expr ParseValue(Walk& walk) {
-    Expr expr = ParseBinary(walk, Level::Or, true);
-    return expr;
-}
+Expr ParseValue(Walk& walk) { return ParseBinary(walk, Level::Or, true); }
 
 Expr ParseAssignment(Walk& walk) {
     const DepthGuard guard;
     Expr left = ParseBinary(walk, Level::Or, false);
-    if (!walk.Match("=")) return left;
+    if (!walk.Match('=')) return left;
     return Assign(left, ParseAssignment(walk));
 }
 
@@ -140,10 +137,10 @@ std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens) {
     int open = 0;
     std::size_t start = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const std::string& token = tokens[i];
-        if (Is(token, "(") || Is(token, "[")) ++open;
-        if (Is(token, ")") || Is(token, "]")) --open;
-        if (!Is(token, ",") || open != 0) continue;
+        const char sign = tokens.SignAt(i);
+        if (sign == '(' || sign == '[') ++open;
+        if (sign == ')' || sign == ']') --open;
+        if (sign != ',' || open != 0) continue;
         parts.push_back(tokens.Slice(start, i));
         start = i + 1;
     }

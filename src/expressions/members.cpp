@@ -29,7 +29,7 @@ Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
     Expr expr;
     expr.text = WithAccessor(object) + SafeName(member);
     expr.assignable = true;
-    if (walk.Match("(")) {
+    if (walk.Match('(')) {
         ParseArguments(walk);
         expr.isCall = true;
     } else if (TakesBareArguments(walk)) {
@@ -89,13 +89,13 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;
     while (!walk.Done()) {
-        const std::string& token = walk.Peek();
-        if (Is(token, "\\") || Is(token, ".")) {
+        const char sign = walk.PeekSign();
+        if (sign == '\\' || sign == '.') {
             const std::string* member = &walk.Peek(1);
             array = nullptr;
             expr = ParseMember(walk, expr, *name, array);
             name = member;
-        } else if (Is(token, "[")) {
+        } else if (sign == '[') {
             if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
             walk.operandAt = begin;
             expr = ParseIndices(walk, expr, *name, array);

@@ -1,6 +1,4 @@
 // What a name in an expression means: a word of the language, a call, a variable.
-#include <string_view>
-
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/operators.h"
@@ -16,7 +14,7 @@ std::string Place() {
     return "(line " + std::to_string(settings.currentLine) + " in " + settings.currentFile + ")";
 }
 
-Expr Word(const char* text, Base base) {
+Expr Constant(const char* text, Base base) {
     Expr expr;
     expr.text = text;
     expr.type = Single(base);
@@ -33,16 +31,25 @@ Expr This() {
     return expr;
 }
 
-struct WordRow {
-    std::string_view word;
-    Expr (*routine)();
-};
-const WordRow words[] = {
-    {"true", [] { return Word("true", Base::Bool); }},
-    {"false", [] { return Word("false", Base::Bool); }},
-    {"null", [] { return Word("nullptr", Base::Null); }},
-    {"this", This},
-};
+// The words that stand for a value; false for any other.
+bool ParseValueWord(Keyword word, Expr& value) {
+    switch (word) {
+        case Keyword::True:
+            value = Constant("true", Base::Bool);
+            return true;
+        case Keyword::False:
+            value = Constant("false", Base::Bool);
+            return true;
+        case Keyword::Null:
+            value = Constant("nullptr", Base::Null);
+            return true;
+        case Keyword::This:
+            value = This();
+            return true;
+        default:
+            return false;
+    }
+}
 
 void TraceLookup(const std::string& name, const Variable* found) {
     if (!settings.verbose) return;
@@ -84,7 +91,7 @@ Expr LetThrough(Walk& walk, const std::string& name) {
     Expr expr;
     expr.text = SafeName(name);
     expr.assignable = true;
-    if (walk.Match("(")) {
+    if (walk.Match('(')) {
         std::string arguments;
         for (const Expr& argument : ParseArguments(walk))
             arguments += (arguments.empty() ? "" : " , ") + argument.text;
@@ -126,7 +133,7 @@ bool IsIdentifier(const std::string& token) {
 
 void FailUnknownName(const Walk& walk, const std::string& name) {
     const std::string lower = Lower(name);
-    if (IsOperatorWord(lower)) ReportFatal("Missing operand before '" + name + "'");
+    if (IsOperatorWord(FindKeyword(name))) ReportFatal("Missing operand before '" + name + "'");
     if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)");
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");
@@ -134,28 +141,27 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
         ReportFatal("Variable '" + name + "' used out of scope in Print statement " + Place());
     }
     if (WasInEndedBlock(name)) ReportFatal("Variable '" + name + "' used out of scope " + Place());
-    if (Is(walk.Peek(), "\\")) ReportFatal("Variable '" + name + "' is not defined");
+    if (walk.PeekSign() == '\\') ReportFatal("Variable '" + name + "' is not defined");
     ReportFatal("Identifier not found - " + name);
 }
 
 Expr ParseName(Walk& walk) {
+    const Keyword keyword = walk.PeekKeyword();
     const std::string& name = walk.Take();
-    const bool called = Is(walk.Peek(), "(");
+    const bool called = walk.PeekSign() == '(';
     if (called) {
         const std::string lower = Lower(name);
         if (IsBuiltin(lower)) return ParseBuiltin(walk, lower);
     }
 
-    for (const WordRow& row : words)
-        if (IsWord(name, row.word)) return row.routine();
+    Expr value;
+    if (ParseValueWord(keyword, value)) return value;
     if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name);
 
     const Variable* variable = FindVariable(name);
     TraceLookup(name, variable);
     if (variable != nullptr && !called) return UseVariable(*variable);
-    const std::string lower = Lower(name);
-    if (lower == "create" || lower == "new") return ParseCreate(walk);
-    Expr instance;
-    if (ParseInstanceWord(walk, lower, instance)) return instance;
+    if (keyword == Keyword::Create || keyword == Keyword::New) return ParseCreate(walk);
+    if (ParseInstanceWord(walk, keyword, value)) return value;
     return called ? ParseCallable(walk, name) : ParseBareName(walk, name);
 }

@@ -33,9 +33,9 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
 
 // First T , or First(T)
 const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
-    const bool bracketed = walk.Match("(");
+    const bool bracketed = walk.Match('(');
     const std::string& name = walk.Take();
-    if (bracketed) walk.Expect(")");
+    if (bracketed) walk.Expect(')');
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr || cls->isElement)
         ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
@@ -53,15 +53,15 @@ void RequireObject(const Expr& expr, const std::string& word) {
 
 // The object of Before x and After x: x alone, or an expression in parentheses.
 Expr ParseOrigin(Walk& walk) {
-    if (walk.Match("(")) {
+    if (walk.Match('(')) {
         Expr object = ParseValue(walk);
-        walk.Expect(")");
+        walk.Expect(')');
         return object;
     }
     if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
     const std::string& name = walk.Peek();
     Expr object = ParseName(walk);
-    if (Is(walk.Peek(), "[")) object = ParseIndices(walk, object, name, object.variable);
+    if (walk.PeekSign() == '[') object = ParseIndices(walk, object, name, object.variable);
     return object;
 }
 
@@ -78,8 +78,8 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
     Expr object = ParsePrimary(walk);
     RequireObject(object, word);
     if (object.level != Level::Primary) object.text = "(" + object.text + ")";
-    const std::string place = Lower(walk.Peek());
-    if (place != "before" && place != "after")
+    const Keyword place = walk.PeekKeyword();
+    if (place != Keyword::Before && place != Keyword::After)
         ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
     walk.Take();
     const Expr target = ParsePrimary(walk);
@@ -89,8 +89,9 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
                     KorvelName(target.type));
     }
     programUses.inserts = true;
-    Expr expr = ObjectOf(
-        nullptr, object.text + (place == "after" ? "->InsertAfter(" : "->InsertBefore(") + target.text + ")");
+    Expr expr =
+        ObjectOf(nullptr, object.text + (place == Keyword::After ? "->InsertAfter(" : "->InsertBefore(") +
+                              target.text + ")");
     expr.type = Single(Base::Void);
     return expr;
 }
@@ -106,10 +107,10 @@ Expr ParseCreate(Walk& walk) {
     }
     NeedClass(cls);
     NoteConstruction(*cls);
-    const std::vector<Expr> arguments = walk.Match("(") ? ParseArguments(walk) : std::vector<Expr>();
+    const std::vector<Expr> arguments = walk.Match('(') ? ParseArguments(walk) : std::vector<Expr>();
     const std::string call = cls->cppName + "(" + Joined(ConstructorArguments(*cls, arguments)) + ")";
     if (!cls->isElement) {
-        const bool used = Is(walk.Peek(), "\\") || (Is(walk.Peek(), ".") && IsIdentifier(walk.Peek(1)));
+        const bool used = walk.PeekSign() == '\\' || (walk.PeekSign() == '.' && IsIdentifier(walk.Peek(1)));
         Expr object = ObjectOf(cls, used ? "( new " + call + " )" : "new " + call);
         if (!used) object.level = Level::Unary;
         return object;
@@ -119,18 +120,23 @@ Expr ParseCreate(Walk& walk) {
     return value;
 }
 
-bool ParseInstanceWord(Walk& walk, const std::string& lowerName, Expr& result) {
+bool ParseInstanceWord(Walk& walk, Keyword keyword, Expr& result) {
     const std::string& word = walk.tokens[walk.at - 1];
-    if (lowerName == "first" || lowerName == "last") {
-        const ClassInfo* cls = ParseTypeName(walk, word);
-        result = ObjectOf(cls, cls->cppName + (lowerName == "first" ? "::First()" : "::Last()"));
-        return true;
+    const ClassInfo* cls = nullptr;
+    switch (keyword) {
+        case Keyword::First:
+        case Keyword::Last:
+            cls = ParseTypeName(walk, word);
+            result = ObjectOf(cls, cls->cppName + (keyword == Keyword::First ? "::First()" : "::Last()"));
+            return true;
+        case Keyword::Before:
+        case Keyword::After:
+            result = ParseNeighbour(walk, word, keyword == Keyword::Before ? "Before" : "After");
+            return true;
+        case Keyword::Insert:
+            result = ParseInsert(walk, word);
+            return true;
+        default:
+            return false;
     }
-    if (lowerName == "before" || lowerName == "after") {
-        result = ParseNeighbour(walk, word, lowerName == "before" ? "Before" : "After");
-        return true;
-    }
-    if (lowerName != "insert") return false;
-    result = ParseInsert(walk, word);
-    return true;
 }

@@ -1,79 +1,78 @@
 #include "expressions/operators.h"
 
-#include <string_view>
-
 namespace {
 
 struct SymbolRow {
-    const char* first;
-    const char* second;  // empty for operators of one token
+    char first;
+    char second;  // 0 for operators of one token
     BinaryOperator op;
 };
 
 // Rows with a second token come before the row that is their beginning. "=" and "= =" are looked at apart.
 const SymbolRow symbolRows[] = {
-    {"+", "", {"+", "+", Level::Sum, OperatorKind::Add}},
-    {"-", "", {"-", "-", Level::Sum, OperatorKind::Arithmetic}},
-    {"*", "", {"*", "*", Level::Product, OperatorKind::Arithmetic}},
-    {"/", "", {"/", "/", Level::Product, OperatorKind::Divide}},
-    {"%", "", {"%", "Mod", Level::Product, OperatorKind::Remainder}},
-    {"<", "=", {"<=", "<=", Level::Relation, OperatorKind::Order}},
-    {"<", ">", {"!=", "<>", Level::Equality, OperatorKind::Equality}},
-    {"<", "", {"<", "<", Level::Relation, OperatorKind::Order}},
-    {">", "=", {">=", ">=", Level::Relation, OperatorKind::Order}},
-    {">", "", {">", ">", Level::Relation, OperatorKind::Order}},
-    {"!", "=", {"!=", "<>", Level::Equality, OperatorKind::Equality}},
-    {"&", "&", {"&&", "And", Level::And, OperatorKind::Logic}},
-    {"&", "", {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
-    {"|", "|", {"||", "Or", Level::Or, OperatorKind::Logic}},
-    {"|", "", {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
-    {"^", "", {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
+    {'+', 0, {"+", "+", Level::Sum, OperatorKind::Add}},
+    {'-', 0, {"-", "-", Level::Sum, OperatorKind::Arithmetic}},
+    {'*', 0, {"*", "*", Level::Product, OperatorKind::Arithmetic}},
+    {'/', 0, {"/", "/", Level::Product, OperatorKind::Divide}},
+    {'%', 0, {"%", "Mod", Level::Product, OperatorKind::Remainder}},
+    {'<', '=', {"<=", "<=", Level::Relation, OperatorKind::Order}},
+    {'<', '>', {"!=", "<>", Level::Equality, OperatorKind::Equality}},
+    {'<', 0, {"<", "<", Level::Relation, OperatorKind::Order}},
+    {'>', '=', {">=", ">=", Level::Relation, OperatorKind::Order}},
+    {'>', 0, {">", ">", Level::Relation, OperatorKind::Order}},
+    {'!', '=', {"!=", "<>", Level::Equality, OperatorKind::Equality}},
+    {'&', '&', {"&&", "And", Level::And, OperatorKind::Logic}},
+    {'&', 0, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
+    {'|', '|', {"||", "Or", Level::Or, OperatorKind::Logic}},
+    {'|', 0, {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
+    {'^', 0, {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
 };
 
 const BinaryOperator equals = {"==", "=", Level::Equality, OperatorKind::Equality};
 
 struct BinaryWord {
-    std::string_view word;
+    Keyword word;
     BinaryOperator op;
 };
 
 const BinaryWord binaryWords[] = {
-    {"mod", {"%", "Mod", Level::Product, OperatorKind::Remainder}},
-    {"shl", {"<<", "Shl", Level::Shift, OperatorKind::Bits}},
-    {"shr", {">>", "Shr", Level::Shift, OperatorKind::Bits}},
-    {"bitand", {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
-    {"bitxor", {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
-    {"bitor", {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
-    {"and", {"&&", "And", Level::And, OperatorKind::Logic}},
-    {"or", {"||", "Or", Level::Or, OperatorKind::Logic}},
+    {Keyword::Mod, {"%", "Mod", Level::Product, OperatorKind::Remainder}},
+    {Keyword::Shl, {"<<", "Shl", Level::Shift, OperatorKind::Bits}},
+    {Keyword::Shr, {">>", "Shr", Level::Shift, OperatorKind::Bits}},
+    {Keyword::BitAnd, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
+    {Keyword::BitXor, {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
+    {Keyword::BitOr, {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
+    {Keyword::And, {"&&", "And", Level::And, OperatorKind::Logic}},
+    {Keyword::Or, {"||", "Or", Level::Or, OperatorKind::Logic}},
 };
 
-struct UnaryWord {
-    std::string_view word;
+struct UnaryRow {
+    char sign;
+    Keyword word;
     UnaryOperator op;
 };
 
-const UnaryWord unaryWords[] = {
-    {"-", {"-", "-", UnaryKind::Sign}},
-    {"+", {"+", "+", UnaryKind::Sign}},
-    {"!", {"!", "Not", UnaryKind::Not}},
-    {"not", {"!", "Not", UnaryKind::Not}},
-    {"~", {"~", "BitNot", UnaryKind::Complement}},
-    {"bitnot", {"~", "BitNot", UnaryKind::Complement}},
+const UnaryRow unaryRows[] = {
+    {'-', Keyword::None, {"-", "-", UnaryKind::Sign}},
+    {'+', Keyword::None, {"+", "+", UnaryKind::Sign}},
+    {'!', Keyword::Not, {"!", "Not", UnaryKind::Not}},
+    {'~', Keyword::BitNot, {"~", "BitNot", UnaryKind::Complement}},
 };
 
-constexpr std::size_t longestWord = 6;
+const BinaryOperator* FindBinary(Keyword word) {
+    for (const BinaryWord& row : binaryWords)
+        if (row.word == word) return &row.op;
+    return nullptr;
+}
 
-// The operator of the row whose word the token is; null without one.
-template <typename Rows>
-auto FindWord(const Rows& rows, std::string_view token) -> decltype(&rows[0].op) {
-    for (const auto& row : rows)
-        if (IsWord(token, row.word)) return &row.op;
+const UnaryOperator* FindUnary(Keyword word) {
+    for (const UnaryRow& row : unaryRows)
+        if (row.word == word) return &row.op;
     return nullptr;
 }
 
 const BinaryOperator* PeekEquals(const Walk& walk, bool comparing, std::size_t& length) {
-    const bool doubled = Is(walk.Peek(1), "=");
+    const bool doubled = walk.PeekSign(1) == '=';
     length = doubled ? 2 : 1;
     return doubled || comparing ? &equals : nullptr;
 }
@@ -81,28 +80,27 @@ const BinaryOperator* PeekEquals(const Walk& walk, bool comparing, std::size_t& 
 }  // namespace
 
 const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& length) {
-    const std::string& token = walk.Peek();
-    if (token.empty() || token.size() > longestWord) return nullptr;
-    if (Is(token, "=")) return PeekEquals(walk, comparing, length);
-    if (token.size() > 1) {
+    const char sign = walk.PeekSign();
+    if (sign == '\0') {
         length = 1;
-        return FindWord(binaryWords, token);
+        return IsOperatorWord(walk.PeekKeyword()) ? FindBinary(walk.PeekKeyword()) : nullptr;
     }
+    if (sign == '=') return PeekEquals(walk, comparing, length);
     for (const SymbolRow& row : symbolRows) {
-        if (token[0] != row.first[0]) continue;
-        if (row.second[0] != '\0' && !Is(walk.Peek(1), row.second)) continue;
-        length = row.second[0] == '\0' ? 1 : 2;
+        if (sign != row.first) continue;
+        if (row.second != '\0' && walk.PeekSign(1) != row.second) continue;
+        length = row.second == '\0' ? 1 : 2;
         return &row.op;
     }
     return nullptr;
 }
 
 const UnaryOperator* PeekUnary(const Walk& walk) {
-    const std::string& token = walk.Peek();
-    if (token.empty() || token.size() > longestWord) return nullptr;
-    return FindWord(unaryWords, token);
+    const char sign = walk.PeekSign();
+    if (sign == '\0') return IsOperatorWord(walk.PeekKeyword()) ? FindUnary(walk.PeekKeyword()) : nullptr;
+    for (const UnaryRow& row : unaryRows)
+        if (row.sign == sign) return &row.op;
+    return nullptr;
 }
 
-bool IsOperatorWord(const std::string& lowerName) {
-    return FindWord(binaryWords, lowerName) != nullptr || FindWord(unaryWords, lowerName) != nullptr;
-}
+bool IsOperatorWord(Keyword word) { return word >= Keyword::And && word <= Keyword::Shr; }

@@ -55,7 +55,7 @@ bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
 Expr ParseDouble(Walk& walk, std::string text) {
-    if (IsExponent(text.back()) && (Is(walk.Peek(), "-") || Is(walk.Peek(), "+")) &&
+    if (IsExponent(text.back()) && (walk.PeekSign() == '-' || walk.PeekSign() == '+') &&
         AllDigits(walk.Peek(1), 0)) {
         text += walk.Take();
         text += walk.Take();
@@ -72,7 +72,7 @@ Expr ParseDouble(Walk& walk, std::string text) {
 
 Expr ParseNumber(Walk& walk) {
     const std::string& token = walk.Take();
-    if (walk.Peek() == ".") ReportFatal("Invalid number '" + token + "." + walk.Peek(1) + "'");
+    if (walk.PeekSign() == '.') ReportFatal("Invalid number '" + token + "." + walk.Peek(1) + "'");
     if (!AllDigits(token, 0)) return ParseDouble(walk, token);
     const std::string digits = WithoutLeadingZeros(token);
     return Number(digits, SizeOf(digits, 10));
@@ -84,7 +84,7 @@ Expr ParseParentheses(Walk& walk) {
     walk.callStatement = false;
     Expr expr = ParseValue(walk);
     walk.callStatement = statement;
-    walk.Expect(")");
+    walk.Expect(')');
     RequireValue(expr);
     expr.text = "( " + ValueText(expr) + " )";
     expr.slot = false;
@@ -116,11 +116,11 @@ namespace {
 Expr ParseLibraryName(Walk& walk) {
     Expr expr;
     expr.text = walk.Take();
-    while (walk.Peek() == ":" && IsIdentifier(walk.Peek(1))) {
+    while (walk.PeekSign() == ':' && IsIdentifier(walk.Peek(1))) {
         walk.Take();
         expr.text += "::" + walk.Take();
     }
-    if (!walk.Match("(")) return expr;
+    if (!walk.Match('(')) return expr;
     expr.text += " (";
     const char* separator = " ";
     for (const Expr& argument : ParseArguments(walk)) {
@@ -153,7 +153,7 @@ Expr ParsePrimary(Walk& walk) {
     }
     if (IsHexadecimal(token)) return ParseHexadecimal(walk);
     if (!IsIdentifier(token)) FailUnexpected(walk);
-    if (token == "std" && walk.Peek(1) == ":") return ParseLibraryName(walk);
+    if (Is(token, "std") && walk.PeekSign(1) == ':') return ParseLibraryName(walk);
     Expr expr = ParseName(walk);
     walk.operandAt = begin;
     return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;

@@ -22,13 +22,15 @@ struct Walk {
 
     bool Done() const { return at >= tokens.size(); }
     const std::string& Peek(std::size_t ahead = 0) const { return tokens[at + ahead]; }
+    char PeekSign(std::size_t ahead = 0) const { return tokens.SignAt(at + ahead); }
+    Keyword PeekKeyword() const { return tokens.KeywordAt(at); }
     const std::string& Take() { return tokens[at++]; }
-    bool Match(std::string_view token) {
-        if (!Is(Peek(), token)) return false;
+    bool Match(char sign) {
+        if (PeekSign() != sign) return false;
         ++at;
         return true;
     }
-    void Expect(const char* token);  // ends the run when another token comes
+    void Expect(char sign);  // ends the run when another token comes
 };
 
 // How many texts so far must not be evaluated twice, or may not stand inside decltype (calls, lambdas).
@@ -83,7 +85,7 @@ bool IsSeqFunction(const std::string& lowerName);
 Expr ParseSeqFunction(Walk& walk, const std::string& lowerName);
 Expr ParseCreate(Walk& walk);
 // First, Last, Before, After and Insert; false when the word is none of these.
-bool ParseInstanceWord(Walk& walk, const std::string& lowerName, Expr& result);
+bool ParseInstanceWord(Walk& walk, Keyword word, Expr& result);
 
 Expr ParseName(Walk& walk);
 bool IsIdentifier(const std::string& token);

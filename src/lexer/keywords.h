@@ -81,7 +81,7 @@ enum class Keyword : unsigned char {
     Step,
     Then,
     To,
-    // operators
+    // operators, see IsOperatorWord
     And,
     BitAnd,
     BitNot,

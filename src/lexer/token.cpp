@@ -21,18 +21,32 @@ Word MakeWord(std::string_view text) {
     return word;
 }
 
+template <typename Number>
+std::uint64_t Load(const char* bytes) {
+    Number number = 0;
+    std::memcpy(&number, bytes, sizeof number);
+    return number;
+}
+
+// All bytes of a text of less than eight, some of them twice.
+std::uint64_t LoadFew(std::string_view text) {
+    const std::size_t size = text.size();
+    const char* end = text.data() + size;
+    if (size >= 4) return Load<std::uint32_t>(text.data()) << 32 | Load<std::uint32_t>(end - 4);
+    if (size >= 2) return Load<std::uint16_t>(text.data()) << 16 | Load<std::uint16_t>(end - 2);
+    return size == 1 ? static_cast<unsigned char>(text[0]) : 0;
+}
+
 // Eight bytes at a time; tokens are short.
 std::uint64_t HashOf(std::string_view text) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
     std::uint64_t hash = text.size();
-    while (!text.empty()) {
-        std::uint64_t bytes = 0;
-        const std::size_t taken = text.size() < sizeof bytes ? text.size() : sizeof bytes;
-        std::memcpy(&bytes, text.data(), taken);
+    const auto mix = [&hash](std::uint64_t bytes) {
         hash = (hash ^ bytes) * factor;
         hash ^= hash >> 32;
-        text.remove_prefix(taken);
-    }
+    };
+    for (; text.size() >= 8; text.remove_prefix(8)) mix(Load<std::uint64_t>(text.data()));
+    mix(LoadFew(text));
     return hash;
 }
 

@@ -1,6 +1,6 @@
 #include "statements/assignments.h"
 
-#include <unordered_set>
+#include <string_view>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -16,18 +16,18 @@
 
 namespace {
 
-bool IsComparisonSign(const std::string& token) {
-    return Is(token, "<") || Is(token, ">") || Is(token, "=") || Is(token, "<>") || Is(token, "!");
-}
+bool IsComparisonSign(char sign) { return sign == '<' || sign == '>' || sign == '=' || sign == '!'; }
 
 // Position of the "=" that assigns; noToken when there is none.
 std::size_t AssignmentSign(TokenSpan tokens) {
     int depth = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (Is(tokens[i], "(") || Is(tokens[i], "[")) ++depth;
-        if (Is(tokens[i], ")") || Is(tokens[i], "]")) --depth;
-        if (depth > 0 || !Is(tokens[i], "=")) continue;
-        const bool compares = (i > 0 && IsComparisonSign(tokens[i - 1])) || Is(tokens[i + 1], "=");
+        const char sign = tokens.SignAt(i);
+        if (sign == '(' || sign == '[') ++depth;
+        if (sign == ')' || sign == ']') --depth;
+        if (depth > 0 || sign != '=') continue;
+        const bool compares =
+            (i > 0 && IsComparisonSign(tokens.SignAt(i - 1))) || tokens.SignAt(i + 1) == '=';
         if (!compares) return i;
     }
     return noToken;
@@ -76,8 +76,8 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
 
 // "x += 1" is no assignment; the expression walk knows what to say about it.
 void RefuseCompound(TokenSpan tokens, std::size_t sign) {
-    const std::string& before = tokens[sign - 1];
-    if (before == "+" || before == "-" || before == "*" || before == "/")
+    const char before = tokens.SignAt(sign - 1);
+    if (before == '+' || before == '-' || before == '*' || before == '/')
         TranslateExpression(tokens, ExprMode::Statement);
 }
 
@@ -149,8 +149,9 @@ void TranslateCall(State& state, TokenSpan tokens) {
 
 // Draw a = b: a "=" in an argument compares, also where the call has no parentheses.
 bool IsBareCall(TokenSpan tokens) {
-    static const std::unordered_set<std::string> continuing = {"=", "\\", ".", "[", "(", ":"};
-    if (tokens.size() < 2 || continuing.count(tokens[1]) != 0) return false;
+    constexpr std::string_view continuing = "=\\.[(:";
+    const char sign = tokens.SignAt(1);
+    if (tokens.size() < 2 || (sign != '\0' && continuing.find(sign) != std::string_view::npos)) return false;
     const bool method = currentClass != nullptr && FindMethod(*currentClass, tokens[0]) != nullptr;
     const bool callable =
         method || FindFunction(tokens[0]) != nullptr || FindUserlibFunction(tokens[0]) != nullptr;
@@ -172,7 +173,7 @@ void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
 
 void CheckNullAssignment(State& state, TokenSpan tokens) {
     (void)state;
-    if (tokens.size() != 3 || !Is(tokens[1], "=") || tokens.KeywordAt(2) != Keyword::Null) return;
+    if (tokens.size() != 3 || tokens.SignAt(1) != '=' || tokens.KeywordAt(2) != Keyword::Null) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
     ReportFatal(

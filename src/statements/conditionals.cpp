@@ -9,6 +9,7 @@
 #include "statements/conditionals.h"
 
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "statements/second_pass.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -184,10 +185,12 @@ void TranslateElse(State& state, TokenSpan tokens) {
 void TranslateEndIf(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     CloseBlock(state, BlockKind::If, "EndIf");
-    VerboseNote("DEBUG: EndIf - popping scope at line " + std::to_string(state.currentLine));
-    VerboseNote("  Before pop: " + std::to_string(BlockCount()) + " scopes");
+    if (settings.verbose) {
+        Say("DEBUG: EndIf - popping scope at line " + std::to_string(state.currentLine));
+        Say("  Before pop: " + std::to_string(BlockCount()) + " scopes");
+    }
     PopBlock();
-    VerboseNote("  After pop: " + std::to_string(BlockCount()) + " scopes");
+    if (settings.verbose) Say("  After pop: " + std::to_string(BlockCount()) + " scopes");
     if (!state.ifStack.empty()) state.ifStack.pop_back();
     EmitLine(state, "}");
 }

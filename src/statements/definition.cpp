@@ -181,7 +181,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     }
     definition.declaration = "extern " + variable + ";";
     definition.moved = definition.text;
-    if (type.Is(Base::Object))
+    if (settings.verbose && type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
     if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))
         return;

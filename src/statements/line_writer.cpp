@@ -5,7 +5,7 @@
 
 void EmitLine(State& state, std::string_view text) {
     std::string& piece = state.out->pieces.back().text;
-    piece.append(static_cast<std::size_t>(state.lineIndent), '\t');
+    if (state.lineIndent > 0) piece.append(static_cast<std::size_t>(state.lineIndent), '\t');
     piece += text;
     if (!state.traceText.empty()) {
         piece += " " + GuardComment("// " + state.traceText);

@@ -61,8 +61,8 @@ void CollectStatement(FirstPass& pass, TokenSpan tokens) {
 void ReadLines(FirstPass& pass) {
     SourceLines lines(Reading::FirstPass);
     if (!lines.Open(pass.source)) ReportFatal("Cannot read '" + pass.source + "'.");
+    settings.currentFile = pass.source;
     while (lines.Next()) {
-        settings.currentFile = pass.source;
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
         for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);

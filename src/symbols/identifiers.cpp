@@ -4,6 +4,7 @@
 
 #include "driver/report.h"
 #include "lexer/lexer.h"
+#include "lexer/token_text.h"
 #include "symbols/symbols.h"
 
 WordLists wordLists;
@@ -18,6 +19,7 @@ const std::unordered_set<std::string> neverPrefixed = {
 };
 
 constexpr std::size_t longestNeverPrefixed = 9;
+constexpr std::string_view prefix = "KVL_";
 
 constexpr char typeNamingHint[] =
     "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, "
@@ -27,11 +29,17 @@ constexpr char typeNamingHint[] =
 
 bool IsReservedCppName(const std::string& name) {
     const bool maybeNever = name.size() <= longestNeverPrefixed && neverPrefixed.count(name) != 0;
-    return !maybeNever && name != "main" && symbols.externFunctions.count(name) == 0 &&
+    return !maybeNever && !Is(name, "main") && symbols.externFunctions.count(name) == 0 &&
            symbols.userlibFunctions.count(name) == 0;
 }
 
-std::string SafeName(const std::string& name) { return IsReservedCppName(name) ? "KVL_" + name : name; }
+std::string SafeName(const std::string& name) {
+    if (!IsReservedCppName(name)) return name;
+    std::string safe;
+    safe.reserve(prefix.size() + name.size());
+    safe += prefix;
+    return safe += name;
+}
 
 bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.count(name) != 0; }
 

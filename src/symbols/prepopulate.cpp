@@ -30,10 +30,11 @@ void SayRegistered(const char* kind, const std::vector<std::string>& names) {
 void Prepopulate(const Declarations& declarations) {
     VerboseNote("Pre-populating symbol tables with forward declarations...");
     VerboseNote("  - Classes already registered with full information from first pass:");
-    for (const ClassInfo* cls : symbols.classList) VerboseNote("    * " + cls->name);
+    if (settings.verbose)
+        for (const ClassInfo* cls : symbols.classList) Say("    * " + cls->name);
     for (const Prototype& function : declarations.functions) {
         CheckFunctionName(function);
-        VerboseNote("  - Registered function: " + function.name);
+        if (settings.verbose) Say("  - Registered function: " + function.name);
     }
     SayRegistered("global", declarations.globalNames);
     SayRegistered("constant", declarations.constNames);

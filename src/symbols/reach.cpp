@@ -20,8 +20,8 @@ void AddNames() {
     for (const ClassInfo* cls : symbols.classList) {
         for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
     }
-    for (const auto& routine : graph.routines) graph.words[routine.first].routine = routine.second;
-    for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
+    for (const auto& routine : graph.routines) graph.words[&WordOf(routine.first)].routine = routine.second;
+    for (const auto& cls : symbols.classIndex) graph.words[&WordOf(cls.first)].cls = cls.second;
 }
 
 // Reads one file and adds what its routines and loops mention.
@@ -129,15 +129,15 @@ private:
     static void Mention(int node, TokenSpan tokens) {
         bool startsTimer = false;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
-            const std::string& token = tokens[i];
-            if (!IsLetter(token[0])) continue;
-            const Keyword keyword = tokens.KeywordAt(i);
+            const Word& token = tokens.At(i);
+            if (!IsLetter(token.text[0])) continue;
+            const Keyword keyword = token.keyword;
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
             if (keyword == Keyword::SeqSort)
                 graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
             if (keyword == Keyword::Remove) graph.Call(node, graph.destructors);
             startsTimer = startsTimer || keyword == Keyword::AutoCall;
-            const auto meaning = graph.words.find(token);
+            const auto meaning = graph.words.find(&token);
             if (meaning == graph.words.end()) continue;
             if (meaning->second.routine >= 0) {
                 graph.Call(node, meaning->second.routine);

@@ -25,7 +25,7 @@ struct Meaning {
 
 struct ReachGraph {
     std::vector<ReachNode> nodes;
-    std::unordered_map<std::string, Meaning> words;  // names of routines, Types and Elements
+    std::unordered_map<const Word*, Meaning> words;  // names of routines, Types and Elements
     std::unordered_map<std::string, int> routines;   // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
     std::unordered_map<std::string, int> loops;  // by place

@@ -8,8 +8,8 @@
 
 namespace {
 
-bool IsOpener(const std::string& token) { return Is(token, "(") || Is(token, "["); }
-bool IsCloser(const std::string& token) { return Is(token, ")") || Is(token, "]"); }
+bool IsOpener(char sign) { return sign == '(' || sign == '['; }
+bool IsCloser(char sign) { return sign == ')' || sign == ']'; }
 
 // Position of the "]" that closes the group opened at `at`.
 std::size_t ClosingBracket(TokenSpan tokens, std::size_t at) {
@@ -93,9 +93,10 @@ std::vector<TokenSpan> SplitList(TokenSpan tokens) {
     int depth = 0;
     std::size_t begin = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (IsOpener(tokens[i])) ++depth;
-        if (IsCloser(tokens[i])) --depth;
-        if (depth > 0 || !Is(tokens[i], ",")) continue;
+        const char sign = tokens.SignAt(i);
+        if (IsOpener(sign)) ++depth;
+        if (IsCloser(sign)) --depth;
+        if (depth > 0 || sign != ',') continue;
         parts.push_back(tokens.Slice(begin, i));
         begin = i + 1;
     }
