@@ -85,6 +85,8 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
 }  // namespace
 
 Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
+    const char next = walk.PeekSign();
+    if (next != '\\' && next != '.' && next != '[') return expr;
     const std::string* name = &firstName;
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;

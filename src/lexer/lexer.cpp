@@ -135,13 +135,15 @@ private:
 
     void Word() {
         BeginToken();
-        for (; at < line.size(); ++at) {
-            const CharClass cls = ClassOf(line[at]);
-            if (cls == CharClass::Word)
-                onlyDigits = false;
-            else if (cls != CharClass::Digit)
-                return;
+        std::size_t end = at;
+        bool letters = false;
+        for (; end < line.size(); ++end) {
+            const CharClass cls = ClassOf(line[end]);
+            if (cls > CharClass::Digit) break;
+            letters = letters || cls == CharClass::Word;
         }
+        at = end;
+        onlyDigits = onlyDigits && !letters;
     }
 
     void Add(std::size_t begin, std::size_t end) { tokens.emplace_back(line.substr(begin, end - begin)); }

@@ -36,6 +36,33 @@ bool IsSingleLineIf(const Tokens& tokens) {
                        [](Token token) { return token->keyword == Keyword::Then; });
 }
 
+// Whether the first pass, or the search for names before it, looks at statements that begin with the word.
+bool Declares(Keyword word) {
+    switch (word) {
+        case Keyword::Const:
+        case Keyword::Element:
+        case Keyword::End:
+        case Keyword::EndElement:
+        case Keyword::EndExtern:
+        case Keyword::EndType:
+        case Keyword::Extern:
+        case Keyword::Field:
+        case Keyword::Function:
+        case Keyword::Global:
+        case Keyword::Import:
+        case Keyword::Include:
+        case Keyword::Linker:
+        case Keyword::Method:
+        case Keyword::PreCalc:
+        case Keyword::Private:
+        case Keyword::Public:
+        case Keyword::Type:
+            return true;
+        default:
+            return false;
+    }
+}
+
 Keyword FirstWord(const Tokens& tokens) { return tokens.empty() ? Keyword::None : tokens.front()->keyword; }
 
 }  // namespace
@@ -135,22 +162,26 @@ void LineCutter::Join(std::string_view first) {
     JoinUnderscoreLines(text);
 }
 
-// Moves the tokens of the line into the file, those between statements left out.
-void LineCutter::AddStatements() {
-    const bool whole = !lexer.tokens.empty() && IsSingleLineIf(lexer.tokens);
-    const auto position = [this] { return static_cast<std::uint32_t>(file.tokens.size()); };
-    std::uint32_t begin = position();
-    const auto end = [&] {
-        if (position() > begin) file.statements.push_back({begin, position()});
-        begin = position();
-    };
-    for (const Token token : lexer.tokens) {
-        if (token->sign == '|' && !whole)
-            end();
-        else
-            file.tokens.push_back(token);
+// Tokens [from, to) of the line become a statement of the file; none if there are none.
+void LineCutter::AddStatement(CutLine& line, std::size_t from, std::size_t to) {
+    if (from == to) return;
+    const Token* tokens = lexer.tokens.data();
+    const auto begin = static_cast<std::uint32_t>(file.tokens.size());
+    file.tokens.insert(file.tokens.end(), tokens + from, tokens + to);
+    file.statements.push_back({begin, static_cast<std::uint32_t>(file.tokens.size())});
+    line.declares = line.declares || Declares(tokens[from]->keyword);
+}
+
+void LineCutter::AddStatements(CutLine& line) {
+    const Tokens& tokens = lexer.tokens;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i]->sign != '|') continue;
+        if (IsSingleLineIf(tokens)) break;
+        AddStatement(line, begin, i);
+        begin = i + 1;
     }
-    end();
+    AddStatement(line, begin, tokens.size());
 }
 
 void LineCutter::AddLine(const CutLine& line) {
@@ -182,7 +213,7 @@ void LineCutter::CutNext() {
         if (lexer.tokens.empty() && comment.empty()) continue;
         if (!lexer.tokens.empty()) line.count = count;
         line.indent = lexer.GetIndent();
-        AddStatements();
+        AddStatements(line);
         return AddLine(line);
     }
     line.isEnd = true;

@@ -20,6 +20,7 @@ struct CutLine {
     std::uint32_t indent = 0;
     std::uint32_t statementsEnd = 0;
     std::uint32_t inlineEnd = 0;
+    bool declares = false;     // a statement begins with a word of declarations or names another file
     bool afterInline = false;  // a block of inline C++ stands before it
     bool isEnd = false;        // not a line but the end of the file; start is its last line
 };
@@ -84,6 +85,7 @@ private:
     void Join(std::string_view first);
     void JoinTildeLines(std::string& text);
     void JoinUnderscoreLines(std::string& text);
-    void AddStatements();
+    void AddStatement(CutLine& line, std::size_t from, std::size_t to);
+    void AddStatements(CutLine& line);
     void AddLine(const CutLine& line);
 };

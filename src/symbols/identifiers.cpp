@@ -1,24 +1,42 @@
 #include "symbols/identifiers.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
 
 #include "driver/report.h"
 #include "lexer/lexer.h"
-#include "lexer/token_text.h"
 #include "symbols/symbols.h"
 
 WordLists wordLists;
 
 namespace {
 
-const std::unordered_set<std::string> neverPrefixed = {
-    "std",    "string",  "vector",    "cout",   "endl",    "NULL",   "nullptr",  "true",   "false",
-    "return", "if",      "else",      "for",    "while",   "break",  "continue", "class",  "struct",
-    "public", "private", "protected", "int",    "float",   "double", "char",     "void",   "bool",
-    "const",  "static",  "extern",    "sizeof", "typedef", "enum",   "new",      "delete", "this",
+constexpr std::string_view neverPrefixed[] = {
+    "std",   "string", "vector", "cout",    "endl",      "NULL",   "nullptr", "true",
+    "false", "return", "if",     "else",    "for",       "while",  "break",   "continue",
+    "class", "struct", "public", "private", "protected", "int",    "float",   "double",
+    "char",  "void",   "bool",   "const",   "static",    "extern", "sizeof",  "typedef",
+    "enum",  "new",    "delete", "this",    "main",
 };
 
-constexpr std::size_t longestNeverPrefixed = 9;
+// The first letters of these names at their lengths, as bits: rules out nearly all others at one look.
+constexpr std::array<std::uint64_t, 16> FirstLetters() {
+    std::array<std::uint64_t, 16> letters{};
+    for (const std::string_view name : neverPrefixed)
+        letters[name.size()] |= std::uint64_t(1) << (static_cast<unsigned char>(name[0]) & 63U);
+    return letters;
+}
+
+bool IsNeverPrefixed(std::string_view name) {
+    constexpr std::array<std::uint64_t, 16> letters = FirstLetters();
+    if (name.empty() || name.size() >= letters.size()) return false;
+    if ((letters[name.size()] >> (static_cast<unsigned char>(name[0]) & 63U) & 1U) == 0) return false;
+    return std::find(std::begin(neverPrefixed), std::end(neverPrefixed), name) != std::end(neverPrefixed);
+}
+
 constexpr std::string_view prefix = "KVL_";
 
 constexpr char typeNamingHint[] =
@@ -28,8 +46,7 @@ constexpr char typeNamingHint[] =
 }  // namespace
 
 bool IsReservedCppName(const std::string& name) {
-    const bool maybeNever = name.size() <= longestNeverPrefixed && neverPrefixed.count(name) != 0;
-    return !maybeNever && !Is(name, "main") && symbols.externFunctions.count(name) == 0 &&
+    return !IsNeverPrefixed(name) && symbols.externFunctions.count(name) == 0 &&
            symbols.userlibFunctions.count(name) == 0;
 }
 

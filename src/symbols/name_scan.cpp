@@ -33,7 +33,7 @@ public:
     void ScanFile(const std::string& path, const std::string& name) {
         const std::string id = FileId(path);
         if (!known.insert(id).second) return;
-        SourceLines lines(Reading::Silent);
+        SourceLines lines(Reading::Names);
         if (!lines.Open(path)) return;
         symbols.sourceFiles.push_back(path);
         ++baseNames[BaseName(path)];

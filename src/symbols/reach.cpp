@@ -30,7 +30,7 @@ public:
     explicit FileReach(const std::string& path) : file(path), fileId(FileId(path)) {}
 
     void Read() {
-        SourceLines lines(Reading::Silent);
+        SourceLines lines(Reading::Uses);
         if (!lines.Open(file)) return;
         while (lines.Next()) {
             if (lines.MetInlineCpp() && node != outside) {

@@ -1,6 +1,7 @@
 #include "symbols/scopes.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -37,11 +38,19 @@ struct Match {
     std::size_t block = 0;
 };
 
+bool IsVisibleIn(const ScopeBranch& branch, const std::string& name) {
+    const auto found = branch.visible.find(name);
+    return found != branch.visible.end() && !found->second.empty();
+}
+
 bool IsRecorded(const std::string& name) {
-    return std::any_of(localDefList.begin(), localDefList.end(), [&name](const ScopeBranch& branch) {
-        const auto found = branch.visible.find(name);
-        return found != branch.visible.end() && !found->second.empty();
-    });
+    return std::any_of(localDefList.begin(), localDefList.end(),
+                       [&name](const ScopeBranch& branch) { return IsVisibleIn(branch, name); });
+}
+
+bool IsRecordedOutside(const std::string& name) {
+    return std::any_of(localDefList.begin(), std::prev(localDefList.end()),
+                       [&name](const ScopeBranch& branch) { return IsVisibleIn(branch, name); });
 }
 
 Match FindRecord(const std::string& name) {
@@ -102,8 +111,9 @@ void TraceResult(const std::string& name) {
     }
 }
 
-// Makes the record in the current block. The name is listed once, where it was met first.
-Variable& Record(const std::string& name, bool recorded) {
+// Makes the record in the current block. The name is listed once, where it was met first; `visible` is what
+// it means in the routine.
+Variable& Record(const std::string& name, bool recorded, std::vector<VisibleVariable>& visible) {
     ScopeBranch& branch = localDefList.back();
     Variable& variable = branch.storage.emplace_back();
     variable.name = name;
@@ -112,7 +122,7 @@ Variable& Record(const std::string& name, bool recorded) {
     variable.line = settings.currentLine;
     if (!recorded) branch.leaves.back().names.push_back(name);
     branch.leaves.back().variables.push_back(&variable);
-    branch.visible[name].push_back({&variable, branch.leaves.size() - 1});
+    visible.push_back({&variable, branch.leaves.size() - 1});
     return variable;
 }
 
@@ -161,19 +171,19 @@ Variable& AddVarToScopeList(const std::string& name) {
     CheckName(name);
 
     ScopeBranch& branch = localDefList.back();
-    const bool recorded = IsRecorded(name);
+    std::vector<VisibleVariable>& visible = branch.visible[name];
+    const bool recorded = !visible.empty() || IsRecordedOutside(name);
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
-    const std::vector<VisibleVariable>& visible = branch.visible[name];
     if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) {
         ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
     }
-    return Record(name, recorded);
+    return Record(name, recorded, visible);
 }
 
 Variable& AddOwnName(const std::string& name) {
     if (localDefList.back().leaves.empty()) localDefList.back().leaves.emplace_back();
-    return Record(name, IsRecorded(name));
+    return Record(name, IsRecorded(name), localDefList.back().visible[name]);
 }
 
 bool IsVariableInScope(const std::string& name) {

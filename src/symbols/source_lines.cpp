@@ -31,7 +31,7 @@ void ResetSourceLines() { cutFiles.clear(); }
 
 bool SourceLines::Open(const std::string& name) {
     path = name;
-    if (!settings.verbose || reading == Reading::Silent) {
+    if (!settings.verbose || !Reports()) {
         file = FindOrCut(path);
         return file != nullptr;
     }
@@ -41,33 +41,38 @@ bool SourceLines::Open(const std::string& name) {
     return cutter->Open(path);
 }
 
+bool SourceLines::IsWanted(const CutLine& entered) const {
+    if (entered.isEnd || reading == Reading::SecondPass) return true;
+    if (reading != Reading::Uses) return entered.declares;
+    return entered.statementsEnd > (next > 0 ? file->lines[next - 1].statementsEnd : 0);
+}
+
 // Makes the line with index `next` the current one.
 void SourceLines::Enter(const CutLine& entered) {
-    const CutLine before = next > 0 ? file->lines[next - 1] : CutLine();
-    line = entered;
-    metInlineCpp = metInlineCpp || line.afterInline;
+    const CutLine* before = next > 0 ? &file->lines[next - 1] : nullptr;
     if (onInlineCpp)
-        for (std::size_t i = before.inlineEnd; i < line.inlineEnd; ++i) onInlineCpp(file->inlineLines[i]);
+        for (std::size_t i = before ? before->inlineEnd : 0; i < entered.inlineEnd; ++i)
+            onInlineCpp(file->inlineLines[i]);
     statements.clear();
-    for (std::size_t i = before.statementsEnd; i < line.statementsEnd; ++i) {
-        const CutStatement& cut = file->statements[i];
-        statements.emplace_back(file->tokens.data() + cut.begin, file->tokens.data() + cut.end);
-    }
-    ++next;
+    const Token* tokens = file->tokens.data();
+    for (std::size_t i = before ? before->statementsEnd : 0; i < entered.statementsEnd; ++i)
+        statements.emplace_back(tokens + file->statements[i].begin, tokens + file->statements[i].end);
+    line = entered;
 }
 
 bool SourceLines::Next() {
     metInlineCpp = false;
-    while (!line.isEnd) {
+    for (bool found = line.isEnd; !found; ++next) {
         if (next == file->lines.size()) cutter->CutNext();
         const CutTrouble& trouble = file->trouble;
-        if (trouble.message != nullptr && trouble.line == next && reading != Reading::Silent)
+        if (trouble.message != nullptr && trouble.line == next && Reports())
             FailInLine(path, trouble.count, trouble.message, trouble.text);
-        Enter(file->lines[next]);
-        if (line.isEnd) return false;
-        if (!statements.empty() || reading == Reading::SecondPass) return true;
+        const CutLine& entered = file->lines[next];
+        metInlineCpp = metInlineCpp || entered.afterInline;
+        found = IsWanted(entered);
+        if (found) Enter(entered);
     }
-    return false;
+    return !line.isEnd;
 }
 
 const std::string& SourceLines::Comment() const {

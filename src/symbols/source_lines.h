@@ -11,9 +11,10 @@
 #include "symbols/cut_file.h"
 
 enum class Reading : unsigned char {
-    FirstPass,   // wrong brackets and open strings end the run at their line
-    SecondPass,  // the same; lines that hold nothing but a comment come, too
-    Silent,      // for readers that must not report before the first pass does
+    Names,       // only lines that may declare something or name another file
+    FirstPass,   // the same; wrong brackets and open strings end the run at their line
+    SecondPass,  // all lines, those with nothing but a comment, too; reports like the first pass
+    Uses,        // all lines with statements, no reports
 };
 
 class SourceLines {
@@ -23,7 +24,7 @@ public:
     // False when the file cannot be read.
     bool Open(const std::string& path);
 
-    // Goes to the next line that has tokens, or a comment to carry; false at the end of the file.
+    // Goes to the next line of the kind that is read; false at the end of the file.
     bool Next();
 
     // The physical line on which the current one starts.
@@ -53,6 +54,8 @@ private:
     bool metInlineCpp = false;
     std::vector<TokenSpan> statements;
 
+    bool Reports() const { return reading == Reading::FirstPass || reading == Reading::SecondPass; }
+    bool IsWanted(const CutLine& entered) const;
     void Enter(const CutLine& entered);
 };
 
