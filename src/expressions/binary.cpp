@@ -59,8 +59,29 @@ void MakeText(Expr& expr, bool literalNeedsString) {
 
 bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
 
+// C++ takes the operands of "+" and "==" between Strings in any order, but not what stands between braces:
+//     __kvText({first, second, third})
+Expr ConcatenateInOrder(Expr left, Expr right) {
+    RequireSupport(Support::TextInOrder);
+    MakeText(right, false);
+    Expr result;
+    if (left.ordered) {
+        result.text = std::move(left.text);
+        result.text.resize(result.text.size() - 2);
+    } else {
+        MakeText(left, false);
+        result.text = "__kvText({" + left.text;
+    }
+    result.text += ", " + right.text + "})";
+    result.type = Single(Base::String);
+    result.ordered = true;
+    return result;
+}
+
 Expr Concatenate(Expr left, const BinaryOperator& op, Expr right) {
     if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, op, right);
+    if (left.ordered || (left.effects && right.effects))
+        return ConcatenateInOrder(std::move(left), std::move(right));
     MakeText(left, right.literal);
     MakeText(right, false);
     return Join(std::move(left), op, right, Single(Base::String));
@@ -132,6 +153,13 @@ Expr Compare(Expr left, const BinaryOperator& op, const Expr& right) {
     }
     if (!Comparable(left, op, right)) FailOperands(left, op, right);
     if (left.literal && right.literal) left.text = "std::string(" + left.text + ")";
+    if (IsText(left) && IsText(right) && left.effects && right.effects) {
+        RequireSupport(Support::TextInOrder);
+        Expr order, zero;
+        order.text = "__kvTexts{" + left.text + ", " + right.text + "}.Order()";
+        zero.text = "0";
+        return Join(std::move(order), op, zero, Single(Base::Bool));
+    }
     return Join(std::move(left), op, right, Single(Base::Bool));
 }
 

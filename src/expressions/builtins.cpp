@@ -41,7 +41,7 @@ Expr Chr(const std::string& name, const Arguments& arguments) {
 Expr Asc(const std::string& name, const Arguments& arguments) {
     const Expr& x = arguments[0];
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
-    if (x.isCall) {
+    if (x.isCall || x.effects) {
         return Result("([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
                           x.text + "))",
                       Base::Int);
@@ -89,6 +89,7 @@ const std::unordered_map<std::string, const char*> typeWords = {
 Expr ParseGetKey(Walk& walk) {
     if (!walk.Match(')')) ReportFatal("GetKey() takes no parameters");
     ++unrepeatable;
+    ++callCount;
     const std::string capture = InsideRoutine() ? "[&]" : "[]";
     Expr expr = Result("(_kbhit() ? " + capture +
                            "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } "
@@ -101,6 +102,13 @@ Expr ParseGetKey(Walk& walk) {
 // Sgn and Frac name their argument more than once.
 bool RepeatsArgument(const std::string& lowerName) { return lowerName == "sgn" || lowerName == "frac"; }
 
+// C++ takes the arguments of a call in any order, and both of these run code:
+//     [&]() -> double { double __kv0 = a; double __kv1 = b; return std::pow(...); }()
+std::string TextInOrder(const std::string& lowerName, const std::vector<std::string>& texts) {
+    return "[&]() -> double { double __kv0 = " + texts[0] + "; double __kv1 = " + texts[1] + "; return " +
+           MathText(lowerName, {"__kv0", "__kv1"}) + "; }()";
+}
+
 Expr Math(const std::string& lowerName, const std::string& name, const Arguments& arguments, bool simple) {
     std::vector<std::string> texts;
     for (const Expr& argument : arguments) {
@@ -108,6 +116,8 @@ Expr Math(const std::string& lowerName, const std::string& name, const Arguments
         texts.push_back(argument.text);
     }
     const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
+    if (arguments.size() == 2 && arguments[0].effects && arguments[1].effects && InsideRoutine())
+        return Result(TextInOrder(lowerName, texts), type);
     if (simple || !RepeatsArgument(lowerName)) return Result(MathText(lowerName, texts), type);
     return Result("([](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + "))", type);
 }

@@ -49,12 +49,12 @@ bool ParenthesesHoldAll(const Walk& walk) {
 }
 
 Expr ParseArgument(Walk& walk, bool forArray) {
-    const std::size_t calls = unrepeatable;
+    const std::size_t calls = callCount;
     const std::size_t outerRow = walk.rowAt;
     walk.rowAt = forArray ? walk.at : std::string::npos;
     Expr argument = ParseValue(walk);
     walk.rowAt = outerRow;
-    argument.effects = unrepeatable != calls;
+    argument.effects = callCount != calls;
     return argument;
 }
 
@@ -184,5 +184,6 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
     call.isCall = true;
     NeedElement(routine.result);
     ++unrepeatable;
+    ++callCount;
     return call;
 }

@@ -8,6 +8,7 @@
 
 bool lenient = false;
 std::size_t unrepeatable = 0;
+std::size_t callCount = 0;
 
 namespace {
 
@@ -35,18 +36,18 @@ std::string Listed(TokenSpan tokens) {
 
 // Operators that bind tighter than or as tight as `loosest`, from left to right.
 Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
-    std::size_t calls = unrepeatable;
+    std::size_t calls = callCount;
     Expr left = ParseUnary(walk);
-    left.effects = unrepeatable != calls;
+    left.effects = callCount != calls;
     int wraps = 0;
     std::size_t length = 0;
     for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
          op != nullptr && op->level <= loosest; op = PeekBinary(walk, comparing, length)) {
         walk.at += length;
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
-        calls = unrepeatable;
+        calls = callCount;
         Expr right = ParseBinary(walk, tighter, comparing);
-        right.effects = unrepeatable != calls;
+        right.effects = callCount != calls;
         const bool effects = left.effects || right.effects;
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
         left = Combine(std::move(left), *op, right);

@@ -28,6 +28,7 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
     expr.type = Single(Base::Object, cls);
     expr.isCall = true;
     ++unrepeatable;
+    ++callCount;
     return expr;
 }
 

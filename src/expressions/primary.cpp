@@ -130,6 +130,7 @@ Expr ParseLibraryName(Walk& walk) {
     expr.text += " )";
     expr.isCall = true;
     ++unrepeatable;
+    ++callCount;
     return expr;
 }
 

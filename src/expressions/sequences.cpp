@@ -1,5 +1,6 @@
 // Functions over Sequences, and the checks that they share with the Seq statements.
 #include <unordered_map>
+#include <unordered_set>
 
 #include "driver/report.h"
 #include "expressions/sequence_walks.h"
@@ -86,6 +87,12 @@ std::string WithWalksTold(const std::string& lowerName, const Expr& sequence, st
     return WhileAway(sequence, true, told == position ? std::move(call) : "(" + told + ", " + call + ")");
 }
 
+bool MovesOrRemoves(const std::string& lowerName) {
+    static const std::unordered_set<std::string> names = {"seqfirst",  "seqlast",        "seqnext",
+                                                          "seqbefore", "seqremovefirst", "seqremovelast"};
+    return names.count(lowerName) != 0;
+}
+
 }  // namespace
 
 bool IsSeqFunction(const std::string& lowerName) {
@@ -112,5 +119,6 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     if (expr.type.IsArray()) HandOver(expr);
     expr.isCall = true;
     ++unrepeatable;
+    if (MovesOrRemoves(lowerName)) ++callCount;
     return expr;
 }

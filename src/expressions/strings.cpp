@@ -1,7 +1,10 @@
 // String literals: escapes and interpolation.
+#include <vector>
+
 #include "driver/report.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
+#include "prelude/support.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -123,12 +126,23 @@ std::string Hole(const Tag& tag, const std::string& rawContent) {
 }
 
 struct Pieces {
-    std::string text;
-    bool any = false;
-    // The first piece makes the sum a std::string; the others are added to it.
-    void Add(const std::string& piece) {
-        text += any ? " + " + piece : "(std::string(" + piece + ")";
-        any = true;
+    std::vector<std::string> texts;
+    int calling = 0;  // how many of them call something
+
+    void Add(std::string piece) { texts.push_back(std::move(piece)); }
+
+    // The first piece makes the sum a std::string; the others are added to it. Calls come one after the
+    // other, which C++ warrants between braces only.
+    std::string Text() const {
+        if (calling > 1) RequireSupport(Support::TextInOrder);
+        std::string text = calling > 1 ? "(__kvText({" : "(std::string(";
+        const char* separator = calling > 1 ? ", " : " + ";
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            if (i > 0) text += separator;
+            text += texts[i];
+            if (i == 0 && calling < 2) text += ')';
+        }
+        return text + (calling > 1 ? "}))" : ")");
     }
 };
 
@@ -141,7 +155,9 @@ std::size_t AddHole(const std::string& text, std::size_t open, Pieces& pieces) {
     }
     const std::size_t close = text.find('}', open);
     if (close == std::string::npos) ReportFatal("Unterminated string interpolation hole - missing '}'");
+    const std::size_t calls = callCount;
     pieces.Add(Hole(*tag, text.substr(open + 2, close - open - 2)));
+    if (callCount != calls) ++pieces.calling;
     return close + 1;
 }
 
@@ -160,7 +176,7 @@ std::string Interpolated(const std::string& text) {
         }
     }
     if (start < text.size()) pieces.Add(Literal(text, start, text.size()));
-    return pieces.text + ")";
+    return pieces.Text();
 }
 
 }  // namespace

@@ -36,6 +36,8 @@ struct Walk {
 // How many texts so far must not be evaluated twice, or may not stand inside decltype (calls, lambdas).
 // Whoever repeats a text in what is emitted compares the count before and after its translation.
 extern std::size_t unrepeatable;
+// How many calls so far may do more than yield a value; where two stand side by side their order counts.
+extern std::size_t callCount;
 
 // Whether the text goes into a routine: elsewhere a lambda has nothing to capture.
 bool InsideRoutine();

@@ -22,6 +22,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::arrayPassing, texts::arrayPassing, Support::ArrayPassing},
     {texts::boolArray, texts::boolArray, Support::BoolArray},
     {texts::elementSlots, texts::elementSlots, Support::ArrayPassing},
+    {texts::textInOrder, texts::textInOrder, Support::TextInOrder},
     {texts::stringSelect, texts::stringSelect, Support::StringSelect},
     {texts::safeIndex, texts::fastSafeIndex, Support::SafeIndex},
     {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},

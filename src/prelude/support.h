@@ -9,6 +9,7 @@ enum class Support : unsigned char {
     ArrayPassing,  // row pointers for two-dimensional arguments, taking over returned arrays
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
+    TextInOrder,   // Strings put together or compared when their operands are calls
     StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
     SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes

@@ -34,6 +34,7 @@ extern const std::string_view arraySize;
 extern const std::string_view arrayPassing;
 extern const std::string_view boolArray;
 extern const std::string_view elementSlots;
+extern const std::string_view textInOrder;
 extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
 extern const std::string_view sequenceWalk;

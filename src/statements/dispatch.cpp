@@ -110,8 +110,11 @@ bool IsNoAccessWord(TokenSpan tokens) {
 }
 
 // Code at the top level or in a class body outside its Methods would never run.
-void CheckPlace(const State& state, const DispatchRow* row, const std::string& word) {
+void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     if (state.inFunction || state.inMethod) return;
+    const std::string& word = tokens[0];
+    if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
+        ReportFatal("'" + word + "' is written in lower case here: " + Lower(word));
     if (row == nullptr || row->place == Place::Routine)
         ReportFatal("'" + word + "' can only be used inside a Function or Method");
 }
@@ -149,7 +152,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     }
     const DispatchRow* row = FindDispatchRow(keyword);
     if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
-    CheckPlace(state, row, tokens[0]);
+    CheckPlace(state, row, tokens);
     if (state.selectDepth > 0) PrepareInSelect(state, keyword);
     if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
