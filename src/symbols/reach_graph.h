@@ -55,7 +55,7 @@ struct ReachGraph {
 ReachGraph& BuiltGraph();
 
 // The nodes that may run one of `open`, apart from `known` ones.
-std::unordered_set<int> NodesThatRun(const ReachGraph& graph, std::vector<int> open,
+std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,
                                      const std::unordered_set<int>& known);
 
 // What the graph's builder hands on to sequence_changes.cpp: the beginning of the reading, each statement of
