@@ -3,9 +3,13 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "lexer/source_reader.h"
+
 namespace fs = std::filesystem;
 
 bool ReplaceFile(const std::string& path, const std::string& text) {
+    std::string before;
+    if (FileSize(path) == text.size() && ReadFile(path, before) && before == text) return true;
     const std::string passing = path + ".new";
     std::FILE* file = std::fopen(passing.c_str(), "wb");
     if (!file) return false;

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "build/atomic_file.h"
+#include "build/output_files.h"
+#include "driver/files.h"
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
@@ -121,7 +124,7 @@ public:
             Say("  Refusing to delete source file listed in manifest: " + line);
         } else if (IsInside(line) || IsBesideItsSource(line)) {
             Delete(line);
-        } else if (FileExists(line)) {
+        } else if (FileExists(line) && !IsPutOff(line)) {
             Say("  Not deleting " + line + " - it is outside this build's folders" +
                 " (a manifest from another copy of the tree?)");
         }
@@ -131,20 +134,32 @@ public:
 
 private:
     std::string output;
-    std::vector<std::string> folders;      // as compared by text
-    std::vector<std::string> realFolders;  // links followed
+    std::vector<std::string> folders;                       // as compared by text
+    std::vector<std::string> realFolders;                   // links followed
+    std::unordered_map<std::string, std::string> resolved;  // the folders of the lines
+    FileFacts mainSource = Examine(settings.mainSource);
     int count = 0;
 
-    static bool IsSource(const std::string& line) {
+    bool IsSource(const std::string& line) const {
         const std::string lower = Lower(line);
-        return (lower.size() > 4 && EndsWith(lower, sourceExtension)) || SameFile(line, settings.mainSource);
+        return (lower.size() > 4 && EndsWith(lower, sourceExtension)) || IsMainSource(line);
+    }
+
+    bool IsMainSource(const std::string& line) const {
+        const FileFacts facts = Examine(line);
+        if (facts.kind == FileFacts::Kind::Missing) return false;
+        const auto regular = FileFacts::Kind::Regular;
+        if (facts.kind == regular && mainSource.kind == regular)
+            return facts.device == mainSource.device && facts.number == mainSource.number;
+        return SameFile(line, settings.mainSource);
     }
 
     // By its text, and also where the links in it lead.
-    bool IsInside(const std::string& line) const {
+    bool IsInside(const std::string& line) {
         const std::string path = Normalised(line);
         const fs::path parent = fs::path(line).parent_path();
-        const std::string real = Resolved(parent.empty() ? "." : parent) + "/" + StripFolder(line);
+        const std::string real =
+            ResolvedFolder(parent.empty() ? "." : parent.string()) + "/" + StripFolder(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
         for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
@@ -162,6 +177,12 @@ private:
         return SameFile(stem + sourceExtension, SourcePath(name)) && IncludedNames().count(name) > 0;
     }
 
+    const std::string& ResolvedFolder(const std::string& folder) {
+        const auto [known, isNew] = resolved.emplace(folder, std::string());
+        if (isNew) known->second = Resolved(folder);
+        return known->second;
+    }
+
     // The kinds of files that a build leaves behind.
     static bool IsProduct(const std::string& line) {
         static const char* const kinds[] = {".cpp", ".h", ".js", ".exe", ".linkflags"};
@@ -173,7 +194,13 @@ private:
     void Delete(const std::string& line) {
         std::error_code failed;
         if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(line, failed))) return;
-        if (fs::remove(line, failed) && !failed) ++count;
+        if (IsPutOff(line)) return;  // counted already
+        const bool mayComeAgain = EndsWith(line, ".cpp") || EndsWith(line, ".h");
+        if (mayComeAgain && PutOffDeletion(line)) {
+            ++count;
+        } else if (fs::remove(line, failed) && !failed) {
+            ++count;
+        }
     }
 };
 
@@ -183,7 +210,12 @@ void WriteBuildManifest(const std::string& outputPath) {
     if (symbols.generatedFiles.empty()) return;
     std::string text;
     for (const std::string& file : symbols.generatedFiles) text += file + "\n";
-    if (!ReplaceFile(ManifestPath(outputPath), text)) Say("Warning: Could not create build manifest");
+    const std::string path = ManifestPath(outputPath);
+    const bool stood = TakeOver(path);
+    if (ReplaceFile(path, text)) return;
+    std::error_code failed;
+    if (stood) fs::remove(path, failed);
+    Say("Warning: Could not create build manifest");
 }
 
 void CleanPreviousBuild(const std::string& outputPath) {
@@ -197,7 +229,7 @@ void CleanPreviousBuild(const std::string& outputPath) {
         if (!line.empty()) cleaner.Clean(line);
     }
     std::error_code failed;
-    fs::remove(path, failed);
+    if (!PutOffDeletion(path)) fs::remove(path, failed);
     if (cleaner.Count() > 0) {
         Say("Cleaned " + std::to_string(cleaner.Count()) + " file(s) from previous build");
     }

@@ -141,6 +141,8 @@ bool Forces(bool condition, const char* message) {
 
 }  // namespace
 
+bool HasDependencyManifest() { return FileExists(ManifestPath(settings.mainSource, settings.outputPath)); }
+
 void ResetDependencies() {
     dependencies = {};
     dependencies.main = settings.mainSource;

@@ -19,6 +19,9 @@ struct DependencyRecord {
 // The record of this run.
 extern DependencyRecord dependencies;
 
+// True when there is one for the main source, so that a quick build may rely on the outputs.
+bool HasDependencyManifest();
+
 // Empties the record before a translation.
 void ResetDependencies();
 

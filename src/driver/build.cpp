@@ -4,6 +4,7 @@
 
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
+#include "build/output_files.h"
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
@@ -98,5 +99,6 @@ void BuildProgram() {
     if (!settings.quickBuild || !CanSkipTranslation()) Translate();
     if (settings.quickBuild) UpdateDependencyManifest();
     WriteBuildManifest(settings.outputPath);
+    SettleOutputs();
     Say("Done! \\o/\n");
 }

@@ -5,6 +5,11 @@
 #include "statements/state.h"
 
 void EmitLines(State& state, std::string_view lines) {
+    const bool asTheyStand = state.lineIndent == 0 && state.traceText.empty() && state.commentText.empty();
+    if (asTheyStand && !lines.empty() && lines.back() == '\n') {
+        state.out->pieces.back().text += lines;
+        return;
+    }
     std::size_t start = 0;
     while (start < lines.size()) {
         const std::size_t end = std::min(lines.find('\n', start), lines.size());

@@ -1,10 +1,13 @@
 #include "statements/program.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <filesystem>
 #include <unordered_map>
+#include <unordered_set>
 
+#include "build/dependency_manifest.h"
+#include "build/output_files.h"
+#include "driver/parallel.h"
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "prelude/cpp_file.h"
@@ -22,20 +25,13 @@ std::deque<FileOutput> lenientOutputs;                      // kept for the run,
 
 std::vector<const FileOutput*> finished;  // not written so far
 
-bool WriteFile(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    return static_cast<bool>(file);
-}
-
 // Writes the header and the .cpp of a file; returns a message when that fails.
 std::string WriteOutputs(const FileOutput& out) {
-    if (!WriteFile(HeaderPath(out), HeaderText(out, symbols.includeHeaders)))
+    if (!WriteOutput(HeaderPath(out), HeaderText(out, symbols.includeHeaders)))
         return "Cannot create header file: " + HeaderPath(out);
     if (out.headerOnly)
-        std::remove(CppPath(out).c_str());
-    else if (!WriteFile(CppPath(out), CppText(out)))
+        DropOutput(CppPath(out));
+    else if (!WriteOutput(CppPath(out), CppText(out)))
         return "Cannot write modified cpp file: " + CppPath(out);
     return {};
 }
@@ -100,10 +96,35 @@ void WriteAtExit(const FileOutput& out) {
     if (registered) finished.push_back(&out);
 }
 
-static void WriteOrFail(const FileOutput& out) {
-    const std::string failure = WriteOutputs(out);
-    if (!failure.empty()) ReportFatal(failure);
+namespace {
+
+// The second thread has to start before it can help.
+constexpr std::size_t filesWorthAThread = 8;
+
+// Two names of one folder may make two outputs one file, and then the later one counts.
+bool FoldersAreDistinct() {
+    std::unordered_set<std::string> named, real;
+    for (const FileOutput& file : program.files) {
+        std::error_code failed;
+        if (named.insert(file.folder).second)
+            real.insert(std::filesystem::canonical(file.folder, failed).string());
+    }
+    return named.size() == real.size();
 }
+
+void WriteAll(const std::vector<const FileOutput*>& files) {
+    std::vector<std::string> failures(files.size());
+    const auto write = [&](std::size_t i) { failures[i] = WriteOutputs(*files[i]); };
+    if (files.size() >= filesWorthAThread && FoldersAreDistinct()) {
+        InParallel(files.size(), write);
+    } else {
+        for (std::size_t i = 0; i < files.size() && (i == 0 || failures[i - 1].empty()); ++i) write(i);
+    }
+    for (const std::string& failure : failures)
+        if (!failure.empty()) ReportFatal(failure);
+}
+
+}  // namespace
 
 void FinishProgram() {
     ListHeaders();
@@ -112,7 +133,12 @@ void FinishProgram() {
     OrderRoutines(program);
     CompleteHeaders(program);
     finished.clear();
+    // A quick build takes outputs for finished when the main .cpp is, so that one is emptied first and
+    // written last.
+    if (HasDependencyManifest()) WriteOutput(CppPath(*program.main), "");
+    std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)
-        if (!file.isMain) WriteOrFail(file);
-    WriteOrFail(*program.main);  // last: where it is whole, all is
+        if (!file.isMain) included.push_back(&file);
+    WriteAll(included);
+    WriteAll({program.main});
 }

@@ -1,8 +1,8 @@
 #include "statements/translate.h"
 
-#include <fstream>
 #include <unordered_set>
 
+#include "build/output_files.h"
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -60,8 +60,6 @@ std::string GuardOf(const FileOutput& out) {
     return ClaimGuard(out, HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base));
 }
 
-bool CanCreate(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
-
 HeaderContents ContentsOf(const Declarations& declarations, const std::string& source) {
     HeaderContents contents;
     contents.classes = declarations.classes;
@@ -96,13 +94,14 @@ void NoteMentions(FileOutput& out, const Declarations& declarations) {
 }
 
 void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
-    if (!CanCreate(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
+    if (!ReserveOutput(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
     OpenHeader(out, ContentsOf(declarations, out.source), GuardOf(out));
     VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
 }
 
 void TranslateStatements(FileOutput& out, const HeaderContents& contents) {
-    if (!CanCreate(CppPath(out))) ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
+    if (!ReserveOutput(CppPath(out)))
+        ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
     OpenCpp(out, contents.instanceLists);
     State state;
     state.out = &out;
@@ -153,8 +152,16 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     if (!isMain) WriteAtExit(out);
 }
 
+static bool MayBeGenerated(const std::string& path) {
+    const std::string extension = path.substr(StripExtension(path).size());
+    return extension == ".cpp" || extension == ".h";
+}
+
 void TranslateProgram(const std::string& mainSource) {
     CollectNames(mainSource);
+    // An Include of a file that the previous build wrote finds nothing.
+    for (const std::string& source : symbols.sourceFiles)
+        if (MayBeGenerated(source)) DeletePutOff(source);
     TranslateFile(mainSource, settings.outputPath, true, false);
     program.main = FindOutput(mainSource);
     FinishProgram();

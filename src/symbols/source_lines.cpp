@@ -80,7 +80,18 @@ const std::string& SourceLines::Comment() const {
     return file->comments.empty() ? none : file->comments[next - 1];
 }
 
+// True when normalising the path would leave it as it is, which needs no looking at its parts.
+static bool IsNormal(const std::string& path) {
+    if (path.empty() || path.front() == '.' || path.find('\\') != std::string::npos) return false;
+    for (std::size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+        const char next = slash + 1 < path.size() ? path[slash + 1] : '/';
+        if (next == '/' || next == '.') return false;
+    }
+    return true;
+}
+
 std::string FileId(const std::string& path) {
+    if (IsNormal(path)) return path;
     return std::filesystem::path(path).lexically_normal().generic_string();
 }
 

@@ -107,6 +107,47 @@ TEST_F(Phases, CleansThePreviousBuild) {
     EXPECT_TRUE(Has("out/notes.txt") && Has("main.kvl") && Has("lib/util.kvl") && Has("out/main.cpp"));
 }
 
+TEST_F(Phases, LeavesUnchangedOutputsAlone) {
+    Translate();
+    const std::string files[] = {"out/main.cpp", "out/main.h", "out/lib/util.cpp", "out/lib/util.h"};
+    for (const std::string& file : files) MakeNewer(file);
+    const auto time = [this](const std::string& file) { return fs::last_write_time(folder + "/" + file); };
+    const auto before = time("out/main.cpp");
+    const auto headerBefore = time("out/lib/util.h");
+    const std::string text = Read("out/lib/util.cpp");
+    ExpectIn(Translate(), "Cleaned 4 file(s) from previous build\n");
+    EXPECT_EQ(time("out/main.cpp"), before);
+
+    // Longer and shorter than before, and of the same length.
+    for (const char* value : {"2 * 1000", "2", "3"}) {
+        Write("lib/util.kvl",
+              std::string("Function Twice:Int(n:Int)\n    Return n * ") + value + "\nEndFunction\n");
+        Translate();
+        const std::string written = Read("out/lib/util.cpp");
+        EXPECT_EQ(written, std::string(text).replace(text.find("n * 2") + 4, 1, value));
+    }
+    EXPECT_EQ(time("out/main.cpp"), before);
+    EXPECT_EQ(time("out/lib/util.h"), headerBefore);
+}
+
+// As if the previous build had been deleted first, whatever of it would have come again.
+TEST_F(Phases, ErrorsLeaveNothingOfThePreviousBuild) {
+    Translate();
+    Write("main.kvl", "Include \"lib/util.kvl\"\nFunction Main\n    Print missing\nEndFunction\n");
+    Translate({}, 1);
+    EXPECT_TRUE(Has("out/lib/util.cpp") && Has("out/lib/util.h"));
+    EXPECT_TRUE(Has("out/main.cpp") && Has("out/main.h"));
+    EXPECT_EQ(Read("out/main.cpp") + Read("out/main.h"), "");
+    EXPECT_FALSE(Has("out/.main.kvl.manifest"));
+
+    Write("main.kvl", "Include \"lib/util.kvl\"\nFunction Main\nEndFunction\n");
+    Translate();
+    Write("main.kvl", "Function Main(\nEndFunction\n");
+    Translate({}, 1);
+    for (const char* file : {"out/lib/util.cpp", "out/lib/util.h", "out/main.cpp", "out/main.h"})
+        EXPECT_FALSE(Has(file)) << file;
+}
+
 TEST_F(Phases, KeepsWhatAManifestMayNotDelete) {
     Write("out/.main.kvl.manifest", folder + "/main.kvl\n" + folder + "/../phases.other/a.cpp\n");
     WriteFile(folder + "/../phases.other/a.cpp", "mine");

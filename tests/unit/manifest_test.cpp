@@ -4,6 +4,7 @@
 
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
+#include "build/output_files.h"
 #include "driver/settings.h"
 #include "expect_fatal.h"
 #include "scratch_folder.h"
@@ -44,6 +45,7 @@ protected:
     static std::string Clean(const std::string& manifest) {
         ScratchFolder::Write("out/.main.kvl.manifest", manifest);
         const std::string said = Said([] { CleanPreviousBuild("out"); });
+        SettleOutputs();
         EXPECT_FALSE(ScratchFolder::Has("out/.main.kvl.manifest"));
         EXPECT_EQ(said.rfind("Cleaning previous build artifacts...\n", 0), 0U);
         return said.substr(said.find('\n') + 1);

@@ -1,0 +1,128 @@
+#include "build/output_files.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <unordered_map>
+
+#include "driver/files.h"
+#include "driver/paths.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A file, whatever it is called.
+struct FileKey {
+    std::uint64_t device, number;
+    bool operator==(const FileKey& other) const { return device == other.device && number == other.number; }
+};
+struct FileKeyHash {
+    std::size_t operator()(const FileKey& key) const {
+        return static_cast<std::size_t>(key.number * 31 + key.device);
+    }
+};
+
+struct Reservation {
+    bool creatable = true;
+    bool made = false;  // the file is there as it has to be
+};
+
+std::unordered_map<FileKey, std::string, FileKeyHash> putOff;  // files of the previous build and their paths
+std::unordered_map<std::string, Reservation> reservations;     // by path
+std::unordered_map<std::string, bool> folders;                 // answers of MayChangeFolder
+
+void SettleAtExit() {
+    static const bool registered = std::atexit(SettleOutputs) == 0;
+    static_cast<void>(registered);
+}
+
+bool MayChangeFolderOf(const std::string& path) {
+    const std::string folder = FolderOf(path);
+    const auto known = folders.find(folder);
+    if (known != folders.end()) return known->second;
+    return folders[folder] = MayChangeFolder(folder.empty() ? "." : folder);
+}
+
+// The entry of putOff that a path leads to.
+auto FindPutOff(const std::string& path) {
+    if (putOff.empty()) return putOff.end();
+    FileFacts facts = Examine(path);
+    if (facts.kind == FileFacts::Kind::Other) {
+        std::error_code failed;
+        facts = Examine(fs::canonical(path, failed).string());
+    }
+    if (facts.kind != FileFacts::Kind::Regular) return putOff.end();
+    return putOff.find({facts.device, facts.number});
+}
+
+bool CanOpen(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
+
+// New files and those of the previous build are not opened before they are written.
+Reservation Reserve(const std::string& path) {
+    Reservation reservation;
+    const FileFacts facts = Examine(path);
+    const bool isNew = facts.kind == FileFacts::Kind::Missing && MayChangeFolderOf(path);
+    const bool isOld =
+        facts.kind == FileFacts::Kind::Regular && putOff.erase({facts.device, facts.number}) != 0;
+    if (isNew || isOld) return reservation;
+    DeletePutOff(path);  // what a link leads to
+    reservation.creatable = CanOpen(path);
+    reservation.made = true;
+    return reservation;
+}
+
+}  // namespace
+
+bool PutOffDeletion(const std::string& path) {
+    if (!IsLikeNew(path) || !MayChangeFolderOf(path)) return false;
+    const FileFacts facts = Examine(path);
+    SettleAtExit();
+    putOff.emplace(FileKey{facts.device, facts.number}, path);
+    return true;
+}
+
+bool IsPutOff(const std::string& path) { return FindPutOff(path) != putOff.end(); }
+
+bool TakeOver(const std::string& path) {
+    const auto found = FindPutOff(path);
+    if (found == putOff.end()) return false;
+    putOff.erase(found);
+    return true;
+}
+
+void DeletePutOff(const std::string& path) {
+    const auto found = FindPutOff(path);
+    if (found == putOff.end()) return;
+    std::remove(found->second.c_str());
+    putOff.erase(found);
+}
+
+bool ReserveOutput(const std::string& path) {
+    SettleAtExit();
+    const auto known = reservations.find(path);
+    if (known != reservations.end()) return known->second.creatable;
+    return (reservations[path] = Reserve(path)).creatable;
+}
+
+bool WriteOutput(const std::string& path, const std::string& text) {
+    const auto reservation = reservations.find(path);
+    if (reservation != reservations.end()) reservation->second.made = true;
+    return WriteContents(path, text);
+}
+
+void DropOutput(const std::string& path) {
+    const auto reservation = reservations.find(path);
+    if (reservation != reservations.end()) reservation->second.made = true;
+    std::remove(path.c_str());
+}
+
+void SettleOutputs() {
+    for (const auto& [key, path] : putOff) std::remove(path.c_str());
+    putOff.clear();
+    for (const auto& [path, reservation] : reservations) {
+        if (reservation.creatable && !reservation.made) WriteContents(path, "");
+    }
+    reservations.clear();
+}

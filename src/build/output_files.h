@@ -1,0 +1,29 @@
+// The files of the output folder: what the previous build left there and what this one writes.
+//
+// A run begins by deleting what the previous build produced. Most of these files come again, so their
+// deletion is put off: they are overwritten, or not even touched when nothing in them has changed.
+// Whichever way the run ends, the folder looks as if they had been deleted at once.
+#pragma once
+
+#include <string>
+
+// Leaves a file of the previous build where it is until the run ends. False when it is not certain that it
+// can be deleted then and that overwriting it is as good: it has to be deleted at once.
+bool PutOffDeletion(const std::string& path);
+// Whether the file is one of those, however its path is spelt.
+bool IsPutOff(const std::string& path);
+// Takes such a file over from the previous build, so that it stays; false when it is none.
+bool TakeOver(const std::string& path);
+// Deletes such a file now, for those who must not see it.
+void DeletePutOff(const std::string& path);
+
+// False when an output cannot be created. From then on the file is there when the run ends, empty if nothing
+// was written to it.
+bool ReserveOutput(const std::string& path);
+// Writes an output. Different ones can be written at the same time. False when that fails.
+bool WriteOutput(const std::string& path, const std::string& text);
+// Sees to it that a reserved output is not there.
+void DropOutput(const std::string& path);
+
+// Deletes what was put off and nobody took over. Comes by itself when an error ends the run.
+void SettleOutputs();

@@ -1,0 +1,24 @@
+// Files as the build needs them beyond the standard library: which file a path names, and writing only what changed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// What the file system knows about a path; a link at its end is not followed.
+struct FileFacts {
+    enum class Kind : unsigned char { Unknown, Missing, Regular, Other };
+    Kind kind = Kind::Unknown;
+    std::uint64_t device = 0, number = 0;  // the same for all names of a file
+};
+FileFacts Examine(const std::string& path);
+
+// True for a regular file that nobody could tell from one created now: of this user, writable, with the
+// usual rights and this one name.
+bool IsLikeNew(const std::string& path);
+
+// True when files can be created in the folder and deleted from it, false when that is not certain.
+bool MayChangeFolder(const std::string& folder);
+
+// Makes `text` the contents of a file, which need not exist. One that has these contents already keeps its
+// time. False when that fails.
+bool WriteContents(const std::string& path, const std::string& text);

@@ -1,0 +1,27 @@
+#include <cstdio>
+#include <filesystem>
+
+#include "driver/files.h"
+#include "lexer/source_reader.h"
+
+// Nothing is known for certain here, so nobody leaves out a step that this knowledge would spare.
+FileFacts Examine(const std::string&) { return {}; }
+
+bool IsLikeNew(const std::string&) { return false; }
+
+bool MayChangeFolder(const std::string&) { return false; }
+
+static bool Holds(const std::string& path, const std::string& text) {
+    std::error_code failed;
+    std::string before;
+    return std::filesystem::file_size(path, failed) == text.size() && !failed && ReadFile(path, before) &&
+           before == text;
+}
+
+bool WriteContents(const std::string& path, const std::string& text) {
+    if (Holds(path, text)) return true;
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file) return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && written;
+}

@@ -1,0 +1,9 @@
+// The second core.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+// Calls job(0) to job(count - 1), on both cores where there are two. The calls must not depend on each other,
+// and none may end the run.
+void InParallel(std::size_t count, const std::function<void(std::size_t)>& job);
