@@ -65,7 +65,7 @@ void EmitTypeClosing(State& state, const ClassInfo& cls) {
 void EmitOpening(State& state, const ClassInfo& cls) {
     const bool tracked = !state.isElement && settings.fastMode;
     EmitLine(state, (state.isElement ? "struct " : "class ") + cls.cppName +
-                        (tracked ? " : public KVTracked<" + cls.cppName + ">" : ""));
+                        (tracked ? " : public KVObject, public KVTracked<" + cls.cppName + ">" : ""));
     EmitLine(state, "{");
     if (state.isElement) return;
     EmitLine(state, "public:");

@@ -165,6 +165,7 @@ std::optional<long long> WrittenOut(const Declared& declared, const std::string&
 
 std::string SingleText(const Declared& declared, const std::string& variable, const Expr& value) {
     const ValueType& type = declared.note.type;
+    if (!declared.hasValue && settings.fastMode && type.Is(Base::String)) return variable + ";";
     if (!declared.hasValue)
         return variable + " = " + DefaultValue(type.IsKnown() ? CppName(type) : "auto") + ";";
     return variable + " = " + (type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";

@@ -2,7 +2,7 @@
 //     {                                                 {
 //      if(!KVL_p) continue;
 // A loop over a Type whose body may create objects of it walks by index, up to the number of objects at
-// its start, because a growing list would break the iterators. Those of -fast do so anyway.
+// its start, because a growing list would break the iterators. -fast has walks of its own.
 #include "statements/for_loops.h"
 
 #include "driver/report.h"
@@ -132,6 +132,14 @@ void EmitIndexWalk(State& state, const std::string& variable, const std::string&
     EmitLine(state, " " + type + " " + variable + " = " + list + "[" + index + "];");
 }
 
+// for(KVWalk __kvWalk(KVL_T::_instances); auto KVL_p = static_cast<KVL_T*>(__kvWalk.Next());)
+void EmitSharedWalk(State& state, const std::string& variable, const std::string& type,
+                    const Collection& collection) {
+    EmitLine(state, "for(KVWalk __kvWalk(" + collection.text + "); " + type + " " + variable +
+                        " = static_cast<" + collection.walked->cppName + "*>(__kvWalk.Next());)");
+    EmitLine(state, "{");
+}
+
 // Emits the lines "for(...)" and "{" and, for a Sequence, remembers where they stand.
 SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
                              const std::string& range, const Expr* sequence) {
@@ -163,14 +171,17 @@ void TranslateEach(State& state, const EachHeader& header) {
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
     SequenceWalk walk;
-    if (collection.walked != nullptr && !settings.fastMode &&
-        LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
+    const bool shared = collection.walked != nullptr && settings.fastMode;
+    if (shared) {
+        EmitSharedWalk(state, variable.cppName, type, collection);
+    } else if (collection.walked != nullptr &&
+               LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
     } else {
         walk = EmitRangeHeader(state, type, variable.cppName, collection.text,
                                collection.sequence ? &collection.expr : nullptr);
     }
-    if (collection.pointers) EmitLine(state, " if(!" + variable.cppName + ") continue;");
+    if (collection.pointers && !shared) EmitLine(state, " if(!" + variable.cppName + ") continue;");
     OpenBlock& loop = OpenLoop(state, "For");
     loop.variable = header.name;
     loop.walk = walk;

@@ -7,6 +7,11 @@ struct KVObject {
     KVObject(const KVObject&) : _slot((size_t)unlisted) {}
     KVObject& operator=(const KVObject&) { return *this; }
 };
+#if defined(__GNUC__)
+#define KV_OUTLINE __attribute__((noinline))  // compiled once for all Types
+#else
+#define KV_OUTLINE
+#endif
 struct KVInstanceList {  // all zero at the start of the program, before anything runs
     KVObject** slots;
     size_t used, room;
@@ -14,9 +19,12 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
     size_t wasted;   // steps over empty slots since they went last
     size_t walks;    // loops under way
 
+    size_t size() const { return used; }
     size_t Find(KVObject* o) {
         const size_t at = o->_slot;
-        if(at < used && slots[at] == o) return at;
+        return at < used && slots[at] == o ? at : Search(o, at);
+    }
+    KV_OUTLINE size_t Search(KVObject* o, size_t at) {
         if(at == (size_t)KVObject::unlisted) return used;
         for(size_t d = 1; d <= at || at + d < used; ++d) {
             if(at + d < used && slots[at + d] == o) return o->_slot = at + d;
@@ -24,22 +32,21 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
         }
         return used;
     }
-    void Grow() {
+    KV_OUTLINE void MakeRoom() {
+        if(removed > used / 2) Tidy();
+        if(used < room) return;
         room = room ? room * 2 : 16;
         KVObject** larger = new KVObject*[room];
         std::copy(slots, slots + used, larger);
         delete[] slots;
         slots = larger;
     }
-    void Add(KVObject* o) {
-        if(used == room) {
-            if(removed > used / 2) Tidy();
-            if(used == room) Grow();
-        }
+    void push_back(KVObject* o) {
+        if(used == room) MakeRoom();
         o->_slot = used;
         slots[used++] = o;
     }
-    void Forget(KVObject* o) {
+    KV_OUTLINE void Forget(KVObject* o) {
         const size_t at = Find(o);
         if(at < used) {
             slots[at] = nullptr;
@@ -48,7 +55,7 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
         }
         if(KVSeqCount<void>::live) __kvScrubSeqs(o);
     }
-    void Tidy() {
+    KV_OUTLINE void Tidy() {
         if(walks || !__kvTidyLists) return;
         size_t kept = 0;
         for(size_t i = 0; i < used; ++i) if(slots[i]) { slots[kept] = slots[i]; slots[kept]->_slot = kept; ++kept; }
@@ -60,13 +67,13 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
         if(wasted > used + 64) Tidy();
         return o;
     }
-    KVObject* From(size_t at) {
+    KV_OUTLINE KVObject* From(size_t at) {
         const size_t start = at;
         while(at < used && !slots[at]) ++at;
         if(at == start) return at < used ? slots[at] : nullptr;
         return Passed(at < used ? slots[at] : nullptr, at - start);
     }
-    KVObject* Until(size_t end) {  // the last one in front of `end`
+    KV_OUTLINE KVObject* Until(size_t end) {  // the last one in front of `end`
         const size_t start = end;
         while(end > 0 && !slots[end - 1]) --end;
         if(end == start) return end > 0 ? slots[end - 1] : nullptr;
@@ -74,7 +81,7 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
     }
     KVObject* After(KVObject* o) { const size_t at = Find(o); return at < used ? From(at + 1) : nullptr; }
     KVObject* Before(KVObject* o) { const size_t at = Find(o); return at < used ? Until(at) : nullptr; }
-    void Move(KVObject* o, KVObject* target, size_t behind) {
+    KV_OUTLINE void Move(KVObject* o, KVObject* target, size_t behind) {
         if(!target || target == o) return;
         const size_t from = Find(o);
         if(from < used) {
@@ -84,60 +91,68 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
         size_t to = Find(target);
         if(to >= used) return;
         to += behind;
-        if(used == room) Grow();
+        if(used == room) MakeRoom();
         std::copy_backward(slots + to, slots + used, slots + used + 1);
         ++used;
         slots[to] = o;
         o->_slot = to;
     }
+    KV_OUTLINE size_t Entered() {  // the end of a loop that begins
+        if(removed > used / 2) Tidy();
+        ++walks;
+        return used;
+    }
 };
 // One loop over a Type, up to the number of slots at its start.
-struct KVWalkBase {
+struct KVWalk {
+    KVInstanceList& list;
+    size_t at, end;
+    explicit KVWalk(KVInstanceList& list) : list(list), at(0), end(list.Entered()) {}
+    KVWalk(const KVWalk&) = delete;
+    ~KVWalk() { --list.walks; }
+    KVObject* Next() {
+        while(at < end) if(KVObject* o = list.slots[at++]) return o;
+        return nullptr;
+    }
+};
+// The same for loops of inline C++.
+template<typename T> struct KVItemWalk {
     KVInstanceList* list;
     size_t at, end;
-    explicit KVWalkBase(size_t end) : list(nullptr), at(end), end(end) {}
-    explicit KVWalkBase(KVInstanceList& walked) : list(&walked), at(0), end(0) {
-        if(walked.removed > walked.used / 2) walked.Tidy();
-        ++walked.walks;
-        end = walked.used;
-        Skip();
-    }
-    KVWalkBase(const KVWalkBase& o) : list(o.list), at(o.at), end(o.end) { if(list) ++list->walks; }
-    KVWalkBase& operator=(const KVWalkBase&) = delete;
-    ~KVWalkBase() { if(list) --list->walks; }
+    KVItemWalk(KVInstanceList* list, size_t at, size_t end) : list(list), at(at), end(end) { Skip(); }
+    KVItemWalk(const KVItemWalk& o) : list(o.list), at(o.at), end(o.end) { if(list) ++list->walks; }
+    KVItemWalk& operator=(const KVItemWalk&) = delete;
+    ~KVItemWalk() { if(list) --list->walks; }
     void Skip() { while(at < end && !list->slots[at]) ++at; }
     void operator++() { ++at; Skip(); }
-    bool operator!=(const KVWalkBase& o) const { return at != o.at; }
-};
-template<typename T> struct KVWalk : KVWalkBase {
-    explicit KVWalk(size_t end) : KVWalkBase(end) {}
-    explicit KVWalk(KVInstanceList& list) : KVWalkBase(list) {}
+    bool operator!=(const KVItemWalk& o) const { return at != o.at; }
     T* operator*() const { return static_cast<T*>(list->slots[at]); }
 };
 template<typename T> struct KVInstances : KVInstanceList {
-    void push_back(KVObject* o) { Add(o); }
-    size_t size() const { return used; }
     T* operator[](size_t i) const { return static_cast<T*>(slots[i]); }
-    KVWalk<T> begin() { return KVWalk<T>(*this); }
-    KVWalk<T> end() { return KVWalk<T>(used); }
+    KVItemWalk<T> begin() { const size_t end = Entered(); return KVItemWalk<T>(this, 0, end); }
+    KVItemWalk<T> end() { return KVItemWalk<T>(nullptr, used, used); }
 };
-template<typename T> struct KVTracked : KVObject {
+// What a Type has beside its Fields and Methods.
+template<typename T> struct KVTracked {
     static KVInstances<T> _instances;
     static T* First() { return static_cast<T*>(_instances.From(0)); }
     static T* Last() { return static_cast<T*>(_instances.Until(_instances.used)); }
-    T* Before() { return static_cast<T*>(_instances.Before(this)); }
-    T* After() { return static_cast<T*>(_instances.After(this)); }
-    void InsertAfter(T* target) { _instances.Move(this, target, 1); }
-    void InsertBefore(T* target) { _instances.Move(this, target, 0); }
+    T* Before() { return static_cast<T*>(_instances.Before(static_cast<T*>(this))); }
+    T* After() { return static_cast<T*>(_instances.After(static_cast<T*>(this))); }
+    void InsertAfter(T* target) { _instances.Move(static_cast<T*>(this), target, 1); }
+    void InsertBefore(T* target) { _instances.Move(static_cast<T*>(this), target, 0); }
 };
 template<typename T> KVInstances<T> KVTracked<T>::_instances;
 // The objects that variables were declared with, in the order of creation; kept for inline C++ alone.
-template<typename T> struct KVCreated {
-    std::vector<void*> items;
-    void push_back(T* p) { if(__kvKeepCreated) items.push_back((void*)p); }
-    size_t size() const { return items.size(); }
-    T*& operator[](size_t i) { return reinterpret_cast<T**>(items.data())[i]; }
-    T** begin() { return reinterpret_cast<T**>(items.data()); }
-    T** end() { return begin() + items.size(); }
+struct KVCreatedList {  // all zero at the start of the program
+    std::vector<void*>* kept;
+    std::vector<void*>& Items() { return *(kept ? kept : kept = new std::vector<void*>); }
+    void push_back(void* p) { if(__kvKeepCreated) Items().push_back(p); }
+    size_t size() { return Items().size(); }
 };
-
+template<typename T> struct KVCreated : KVCreatedList {
+    T*& operator[](size_t i) { return begin()[i]; }
+    T** begin() { return reinterpret_cast<T**>(Items().data()); }
+    T** end() { return begin() + size(); }
+};
