@@ -28,6 +28,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},
     {texts::inputEnd, texts::inputEnd, Support::InputEnd},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
+    {texts::fastFixedArray, texts::fastFixedArray, Support::FixedArray},
 }};
 
 std::array<bool, supportCount> used{};  // written by RequireSupport

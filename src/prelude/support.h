@@ -15,6 +15,7 @@ enum class Support : unsigned char {
     SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes
     InputEnd,      // ends a program that asks for numbers behind the end of its input
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
+    FixedArray,    // KVArray, an array inside the frame of its routine; under -fast
     Count,
 };
 

@@ -84,6 +84,48 @@ std::string Declarator(const Variable& array, ArrayPlace place, const std::strin
     return type + " " + array.cppName + "(" + construction + ");";
 }
 
+// Bytes of one item.
+std::size_t ItemSize(const ValueType& type) {
+    switch (type.base) {
+        case Base::Byte:
+        case Base::Bool:
+            return 1;
+        case Base::Short:
+            return 2;
+        case Base::Int:
+            return 4;
+        case Base::String:
+            return 32;
+        default:
+            return 8;
+    }
+}
+
+// Whether the array may lie in the frame of its routine; takes its bytes from the room there.
+bool TakesRoom(const ValueType& type, ArrayPlace place, const std::vector<Size>& sizes,
+               std::size_t& frameRoom) {
+    if (place == ArrayPlace::Global || place == ArrayPlace::Field) return false;
+    std::size_t bytes = ItemSize(type);
+    for (const Size& size : sizes) {
+        if (!size.value || *size.value > largestSize) return false;
+        bytes *= static_cast<std::size_t>(*size.value);
+        if (bytes > frameRoom) return false;
+    }
+    frameRoom -= bytes;
+    return true;
+}
+
+std::string FrameDeclarator(const Variable& array, ArrayPlace place, const std::vector<Size>& sizes) {
+    RequireSupport(Support::FixedArray);
+    ValueType item = array.type;
+    item.dims = 0;
+    std::string type = item.Is(Base::Bool) ? "KVBool" : CppName(item);
+    if (item.Is(Base::Element)) type = place == ArrayPlace::Local ? type + "*" : "KVSlot<" + type + ">";
+    for (std::size_t k = sizes.size(); k-- > 0;)
+        type = "KVArray<" + type + ", " + std::to_string(*sizes[k].value) + ">";
+    return type + " " + array.cppName + " = {};";
+}
+
 std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const std::string& value,
                          bool known) {
     std::string text = place != ArrayPlace::Field ? "const int " : known ? "static const int " : "int ";
@@ -147,7 +189,7 @@ std::string ArrayCppName(const ValueType& type, ArrayPlace place) {
     return name;
 }
 
-ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
+ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& frameRoom) {
     RequireFor(array.type, place);
     const std::vector<Size> sizes = ReadSizes(array, place);
     const bool known = AllKnown(sizes);
@@ -167,7 +209,9 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place) {
             text.tail += sizeIndent + constant;
         counts.push_back(first ? SizeName(array.cppName, k) : size.text);
     }
-    text.variable = Declarator(array, place, Construction(array.type, place, counts));
+    text.variable = TakesRoom(array.type, place, sizes, frameRoom)
+                        ? FrameDeclarator(array, place, sizes)
+                        : Declarator(array, place, Construction(array.type, place, counts));
     AddMovableForm(array, place, known, text);
     return text;
 }

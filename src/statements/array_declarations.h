@@ -27,8 +27,10 @@ struct ArrayText {
     std::string definition;   // what defines it then
 };
 
-// An array with sizes. A size that is no Int, negative or zero ends the run.
-ArrayText DeclareArray(const Variable& array, ArrayPlace place);
+// An array with sizes. A size that is no Int, negative or zero ends the run. A Local that fits into
+// `frameRoom`, a number of bytes, lies in the frame and takes its size from there:
+//     KVArray<int, 10> KVL_a = {};
+ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& frameRoom);
 
 // An array that takes over what a call returned; `sizesKnown` when array.sizes are those of the result.
 ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, bool sizesKnown);

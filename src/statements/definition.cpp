@@ -200,8 +200,9 @@ bool AnySizeWritten(const std::vector<std::string>& sizes) {
     return std::any_of(sizes.begin(), sizes.end(), [](const std::string& size) { return !size.empty(); });
 }
 
-ArrayText TextOfArray(const Declared& declared, const Variable& array, ArrayPlace place, const Expr& value) {
-    if (!declared.hasValue) return DeclareArray(array, place);
+ArrayText TextOfArray(State& state, const Declared& declared, const Variable& array, ArrayPlace place,
+                      const Expr& value) {
+    if (!declared.hasValue) return DeclareArray(array, place, state.frameRoom);
     const ValueType& type = declared.note.type;
     if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
     if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
@@ -249,7 +250,7 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
         ReportFatal("Array '" + declared.name + "' requires a size or an initial value");
     if (declared.hasValue && !AnySizeWritten(array.sizes)) array.sizes.clear();
     const ArrayPlace place = PlaceOf(state, declared.kind);
-    const ArrayText text = TextOfArray(declared, array, place, value);
+    const ArrayText text = TextOfArray(state, declared, array, place, value);
     definition.before = text.head;
     definition.text = text.variable + text.tail;
     definition.declaration = text.declaration;

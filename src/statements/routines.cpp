@@ -59,6 +59,14 @@ void CheckExternParameters(const std::string& name) {
     PopRoutineScope();
 }
 
+// Routines that call themselves must get as deep as without -fast, whose arrays are not in the frame. Inline
+// C++ may count on vectors, and so do the hooks of debug builds.
+std::size_t RoomForArrays(const State& state) {
+    constexpr std::size_t mainRoom = 4096, routineRoom = 256;
+    if (!settings.fastMode || settings.debugMode || symbols.inlineCpp) return 0;
+    return state.isMainRoutine ? mainRoom : routineRoom;
+}
+
 void OpenRoutine(State& state, const Routine* routine) {
     PushRoutineScope();
     state.routine = routine;
@@ -66,6 +74,7 @@ void OpenRoutine(State& state, const Routine* routine) {
     state.hasReturn = false;
     state.returnEnd = 0;
     state.localArrays.clear();
+    state.frameRoom = RoomForArrays(state);
 }
 
 // `after` stands between the opening brace and the poll.

@@ -65,6 +65,7 @@ void ReadLines(FirstPass& pass) {
     while (lines.Next()) {
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
+        if (lines.MetInlineCpp()) symbols.inlineCpp = true;
         for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);
     }
     settings.currentFile = pass.source;

@@ -114,6 +114,9 @@ struct Symbols {
     // Every Field name, with the first class that has it: for the clash with Globals and Consts.
     std::unordered_map<std::string, const ClassInfo*> fieldOwners;
 
+    // Whether any source file holds inline C++. Written by the first pass.
+    bool inlineCpp = false;
+
     // Userlibs. Written by Import, read by calls and by the runtime-linking code.
     std::deque<UserlibDll> userlibDLLs;
     std::unordered_map<std::string, std::string> userlibFunctions;  // name -> C++ return type

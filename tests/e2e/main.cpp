@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <set>
 
 #include "program_test.h"
@@ -51,6 +52,21 @@ std::string SuiteName(const fs::path& file, const fs::path& root) {
     return "cases_" + name;
 }
 
+// Every program that runs does so under -fast, too. What its text looks like is said of the plain one.
+std::optional<Case> FastCase(const Case& test) {
+    const auto has = [&](const char* mode) {
+        return std::find(test.modes.begin(), test.modes.end(), mode) != test.modes.end();
+    };
+    const bool runs = !test.wantsError && test.command.empty() && !test.translateOnly;
+    if (!runs || !has("plain") || has("fast")) return {};
+    Case fast = test;
+    fast.modes = {"fast"};
+    fast.fragments.clear();
+    for (const Fragment& fragment : test.fragments)
+        if (fragment.where == "run-stderr") fast.fragments.push_back(fragment);
+    return fast;
+}
+
 void RegisterCases(const fs::path& root) {
     std::vector<fs::path> files;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
@@ -60,7 +76,12 @@ void RegisterCases(const fs::path& root) {
     std::set<std::string> taken;
     for (const fs::path& file : files) {
         const std::string suite = SuiteName(file, root);
-        for (const Case& test : ReadCasesOrFail(file, suite)) {
+        std::vector<Case> cases = ReadCasesOrFail(file, suite);
+        std::vector<Case> more;
+        for (const Case& test : cases)
+            if (std::optional<Case> fast = FastCase(test)) more.push_back(std::move(*fast));
+        cases.insert(cases.end(), more.begin(), more.end());
+        for (const Case& test : cases) {
             for (const std::string& mode : test.modes) {
                 const std::string name = test.name + (mode == "plain" ? "" : "_" + mode);
                 if (!taken.insert(suite + "." + name).second)

@@ -123,6 +123,37 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
     ResetSupport();
 }
 
+// Each with no more in front of it than what it builds on.
+TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
+    const std::string sequence(texts::fastSequence);
+    const std::string lists = sequence +
+                              "const bool __kvTidyLists = true;\nconst bool __kvKeepCreated = true;\n" +
+                              std::string(texts::fastInstances) +
+                              "class KVL_TMob : public KVObject, public KVTracked<KVL_TMob>\n{\npublic:\n";
+    const std::string closing =
+        Fill(std::string(texts::classConstructor) + std::string(texts::fastClassDestructor) +
+                 std::string(texts::fastClassNavigation),
+             {{"C", "KVL_TMob"}});
+    const std::pair<const char*, std::string> sources[] = {
+        {"output", std::string(texts::fastOutput)},
+        {"line_output", std::string(texts::fastLineOutput)},
+        {"unit_output", std::string(texts::fastUnitOutput)},
+        {"sequence", sequence},
+        {"scheduler", std::string(texts::fastScheduler)},
+        {"no_timers", std::string(texts::fastNoTimers)},
+        {"instances", lists + closing +
+                          "template struct KVTracked<KVL_TMob>;\ntemplate struct KVCreated<KVL_TMob>;\n" +
+                          "template struct KVInstances<KVL_TMob>;\ntemplate struct KVItemWalk<KVL_TMob>;\n"},
+        {"safe_index", std::string(texts::fastSafeIndex)},
+        {"fixed_array",
+         std::string(texts::fastFixedArray) + "template struct KVArray<KVArray<double, 2>, 3>;\n"},
+    };
+    for (const auto& [name, text] : sources) {
+        Write(std::string(name) + ".cpp", WithIncludes(text));
+        EXPECT_EQ(Compile("-fsyntax-only", (folder / (std::string(name) + ".cpp")).string()), "") << name;
+    }
+}
+
 TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
     const std::string prelude = std::string(texts::safeDivision) + std::string(texts::sequence) +

@@ -80,7 +80,7 @@ public:
     void Reverse() { std::reverse(_items.begin(), _items.end()); }
     void Swap(KVSeq<T>& other) { _items.swap(other._items); size_t tc = _cursor; _cursor = other._cursor; other._cursor = tc; }
     std::vector<T> ToArray() { std::vector<T> out; for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) out.push_back(_items[i]); return out; }
-    void FromArray(const std::vector<T>& arr) { _items.assign(arr.begin(), arr.end()); _cursor = 0; }
+    template<typename A> void FromArray(const A& arr) { _items.assign(arr.begin(), arr.end()); _cursor = 0; }
     // Sort: the transpiler picks SortNatural (primitives) or SortCompare (Types/Elements)
     void _compactNulls(std::true_type) { _items.erase(std::remove(_items.begin(), _items.end(), (T)nullptr), _items.end()); }
     void _compactNulls(std::false_type) {}
