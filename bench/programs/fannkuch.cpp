@@ -1,11 +1,10 @@
 // The most flips that turn a permutation of n cards until card 1 lies on top.
 #include <iostream>
-#include <vector>
 
 const int n = 10;
 
 int main() {
-    std::vector<int> perm(n), work(n), count(n);
+    int perm[n], work[n], count[n] = {};
     int most = 0, checksum = 0, number = 0;
     for (int i = 0; i < n; ++i) perm[i] = i;
     int r = n;

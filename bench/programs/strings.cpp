@@ -9,8 +9,12 @@ int main() {
     for (int round = 1; round <= 2000; ++round) {
         std::string text;
         for (int i = 1; i <= 1000; ++i) {
-            text += Piece(i) + " and ";
-            if (i % 10 == 0) text += std::to_string(i) + "; ";
+            text += Piece(i);
+            text += " and ";
+            if (i % 10 == 0) {
+                text += std::to_string(i);
+                text += "; ";
+            }
         }
         if (text > longest) longest = text;
     }

@@ -93,7 +93,8 @@ public:
         std::sort(_items.begin(), _items.end(), [asc](const T& a, const T& b) { int c = a->KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
     }
     void _cmpSort(bool asc, std::false_type) {  // value element (Element): a.Compare(b)
-        std::sort(_items.begin(), _items.end(), [asc](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
+        if(asc) std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c < 0; });
+        else std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c > 0; });
     }
     void SortCompare(bool asc) { _cmpSort(asc, std::is_pointer<T>()); }
     typename std::vector<T>::iterator begin() { return _items.begin(); }
