@@ -61,7 +61,8 @@ TEST(Output, OfAProgramThatEndsItself) {
         {"std::cerr << \"words\"; std::abort();", -1, SIGABRT, "words"},
     };
     std::string source =
-        "Global wanted:Int\nFunction Main\nInput \"\", wanted\nPrint \"one\"\nInlineCpp\nprintf(\"two\\n\");\n";
+        "Global wanted:Int\nFunction Main\nInput \"\", wanted\nPrint "
+        "\"one\"\nInlineCpp\nprintf(\"two\\n\");\n";
     int number = 0;
     for (const Row& row : rows)
         source += "if (KVL_wanted == " + std::to_string(number++) + ") { " + row.ending + " }\n";
