@@ -69,12 +69,12 @@ private:
     }
 
     // Elements that contain themselves were refused by the first pass, so this ends.
-    // Places what `cls` holds by value, then `cls` itself: before `user` when that one stands earlier.
+    // Places `cls` before `user` when that one stands earlier, then what it holds by value before `cls`.
     void Place(const ClassInfo* cls, const ClassInfo* user) {
         if (!met.insert(cls).second) return;
+        if (user != nullptr) MoveBefore(cls, user);
         for (const ClassInfo* need : layouts[cls].needs)
             if (need != cls && layouts.count(need) != 0) Place(need, cls);
-        if (user != nullptr) MoveBefore(cls, user);
     }
 
     void MoveBefore(const ClassInfo* cls, const ClassInfo* user) {
