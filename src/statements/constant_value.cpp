@@ -1,6 +1,7 @@
-// A small descent over   sum: product {+|- product}   product: factor {*|/|Mod factor}   factor: [-|+] value
+// A small descent over operands and the operators of the table below; what binds tighter comes first.
 #include "statements/constant_value.h"
 
+#include <climits>
 #include <cstdlib>
 
 #include "statements/words.h"
@@ -33,6 +34,14 @@ Value Real(double value) {
 
 long long Wrapped(unsigned long long value) { return static_cast<long long>(value); }
 
+// C++ takes no shift that loses digits as a constant.
+Value Shifted(char operation, long long a, long long b) {
+    if (a < 0 || b < 0 || b > 62) return {};
+    if (operation == '>') return Integer(a >> b);
+    const long long most = a > INT_MAX ? LLONG_MAX : INT_MAX;
+    return a > most >> b ? Value() : Integer(a << b);
+}
+
 Value IntegerResult(char operation, long long a, long long b) {
     const auto ua = static_cast<unsigned long long>(a);
     const auto ub = static_cast<unsigned long long>(b);
@@ -43,6 +52,15 @@ Value IntegerResult(char operation, long long a, long long b) {
             return Integer(Wrapped(ua - ub));
         case '*':
             return Integer(Wrapped(ua * ub));
+        case '<':
+        case '>':
+            return Shifted(operation, a, b);
+        case '&':
+            return Integer(Wrapped(ua & ub));
+        case '^':
+            return Integer(Wrapped(ua ^ ub));
+        case '|':
+            return Integer(Wrapped(ua | ub));
         default:
             break;
     }
@@ -88,13 +106,31 @@ Value Number(const std::string& token) {
     return Integer(std::strtoll(token.c_str(), nullptr, 10));
 }
 
-Value Sum(Cursor& cursor);
+struct Operation {
+    std::string_view word;
+    char sign;
+    int level;
+};
+
+constexpr int loosest = 6;
+const Operation operations[] = {
+    {"*", '*', 1},   {"/", '/', 1},   {"mod", '%', 1},    {"+", '+', 2},      {"-", '-', 2},
+    {"shl", '<', 3}, {"shr", '>', 3}, {"bitand", '&', 4}, {"bitxor", '^', 5}, {"bitor", '|', loosest},
+};
+
+const Operation* FindOperation(const std::string& token) {
+    for (const Operation& operation : operations)
+        if (IsWord(token, operation.word)) return &operation;
+    return nullptr;
+}
+
+Value Binary(Cursor& cursor, int level);
 
 Value ConstNamed(const std::string& name, int depth) {
     const Variable* found = FindGlobal(name);
     if (found == nullptr || !found->isConst || depth > deepest) return {};
     Cursor inner{TokenSpan(found->initialiser), 0, depth + 1};
-    Value value = Sum(inner);
+    Value value = Binary(inner, loosest);
     if (!value || inner.at != inner.tokens.size() || value->kind == ConstantValue::Kind::Text) return value;
     if (found->type.Is(Base::Double)) return Real(value->AsReal());
     if (value->kind == ConstantValue::Kind::Real) return Integer(static_cast<long long>(value->real));
@@ -107,8 +143,9 @@ Value Factor(Cursor& cursor) {
     ++cursor.at;
     if (Is(token, "-")) return Combine('-', Integer(0), Factor(cursor));
     if (Is(token, "+")) return Factor(cursor);
+    if (IsWord(token, "bitnot")) return Combine('^', Integer(-1), Factor(cursor));
     if (Is(token, "(")) {
-        Value inner = Sum(cursor);
+        Value inner = Binary(cursor, loosest);
         return Is(cursor.tokens[cursor.at++], ")") ? inner : Value();
     }
     if (token[0] == '"') {
@@ -124,25 +161,13 @@ Value Factor(Cursor& cursor) {
     return ConstNamed(token, cursor.depth);
 }
 
-char ProductOperation(const std::string& token) {
-    if (Is(token, "*") || Is(token, "/")) return token[0];
-    return IsWord(token, "mod") ? '%' : '\0';
-}
-
-Value Product(Cursor& cursor) {
+Value Binary(Cursor& cursor, int level) {
     Value value = Factor(cursor);
-    while (char operation = ProductOperation(cursor.tokens[cursor.at])) {
+    const Operation* operation = FindOperation(cursor.tokens[cursor.at]);
+    while (operation != nullptr && operation->level <= level) {
         ++cursor.at;
-        value = Combine(operation, value, Factor(cursor));
-    }
-    return value;
-}
-
-Value Sum(Cursor& cursor) {
-    Value value = Product(cursor);
-    while (Is(cursor.tokens[cursor.at], "+") || Is(cursor.tokens[cursor.at], "-")) {
-        char operation = cursor.tokens[cursor.at++][0];
-        value = Combine(operation, value, Product(cursor));
+        value = Combine(operation->sign, value, Binary(cursor, operation->level - 1));
+        operation = FindOperation(cursor.tokens[cursor.at]);
     }
     return value;
 }
@@ -151,6 +176,6 @@ Value Sum(Cursor& cursor) {
 
 std::optional<ConstantValue> EvaluateConstant(TokenSpan tokens) {
     Cursor cursor{tokens, 0, 0};
-    Value value = Sum(cursor);
+    Value value = Binary(cursor, loosest);
     return cursor.at == tokens.size() ? value : Value();
 }
