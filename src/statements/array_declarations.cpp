@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
@@ -258,6 +259,29 @@ const Routine* CalledRoutine(TokenSpan call) {
     return nullptr;
 }
 
+// A declaration whose initialiser calls a Function that has not been translated yet.
+struct AwaitedResult {
+    std::string file;
+    int line = 0;
+    std::string name;
+    std::vector<std::string> declared;
+    std::string function;
+};
+
+static std::vector<AwaitedResult> awaited;  // filled by CheckArrayResult, taken by CheckAwaitedResults
+
+static void CheckResultSizes(const std::string& name, const std::vector<std::string>& declared,
+                             const std::string& function, const Routine& routine) {
+    for (std::size_t k = 0; k < declared.size() && k < routine.resultSizes.size(); ++k) {
+        const std::optional<long long> here = KnownSize(declared[k]);
+        const std::optional<long long> there = KnownSize(routine.resultSizes[k]);
+        if (here && there && *here != *there)
+            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
+                        std::to_string(k) + " is [" + declared[k] + "], but " + function + "() returns [" +
+                        routine.resultSizes[k] + "]");
+    }
+}
+
 void CheckArrayResult(const std::string& name, const ValueType& type,
                       const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value) {
     const std::string function = CalledName(initialiser);
@@ -267,14 +291,20 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
                     std::to_string(value.type.dims) + " dimensions");
     const Routine* routine = CalledRoutine(initialiser);
     if (routine == nullptr) return;
-    for (std::size_t k = 0; k < declared.size() && k < routine->resultSizes.size(); ++k) {
-        const std::optional<long long> here = KnownSize(declared[k]);
-        const std::optional<long long> there = KnownSize(routine->resultSizes[k]);
-        if (here && there && *here != *there)
-            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
-                        std::to_string(k) + " is [" + declared[k] + "], but " + function + "() returns [" +
-                        routine->resultSizes[k] + "]");
+    CheckResultSizes(name, declared, function, *routine);
+    if (routine->resultSizes.empty() && !declared.empty() && !lenient)
+        awaited.push_back({settings.currentFile, settings.currentLine, name, declared, function});
+}
+
+void CheckAwaitedResults() {
+    for (const AwaitedResult& result : awaited) {
+        const Routine* routine = FindFunction(result.function);
+        if (routine == nullptr) continue;
+        settings.currentFile = result.file;
+        settings.currentLine = result.line;
+        CheckResultSizes(result.name, result.declared, result.function, *routine);
     }
+    awaited.clear();
 }
 
 void FailArrayAssignment() {

@@ -43,6 +43,9 @@ std::string TakenArray(const ValueType& type, ArrayPlace place, const std::strin
 void CheckArrayResult(const std::string& name, const ValueType& type,
                       const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value);
 
+// The same for the sizes of calls whose Function was translated after them; once, at the end.
+void CheckAwaitedResults();
+
 // Whether the sizes are known to be the same.
 bool SameSizes(const std::vector<std::string>& a, const std::vector<std::string>& b);
 

@@ -9,6 +9,7 @@
 #include "expressions/expression.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "statements/array_declarations.h"
 #include "statements/debug_hooks.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
@@ -164,5 +165,6 @@ void TranslateProgram(const std::string& mainSource) {
         if (MayBeGenerated(source)) DeletePutOff(source);
     TranslateFile(mainSource, settings.outputPath, true, false);
     program.main = FindOutput(mainSource);
+    CheckAwaitedResults();
     FinishProgram();
 }
