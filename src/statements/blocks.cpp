@@ -24,6 +24,12 @@ int RoutineLine(const State& state) {
     return state.inFunction ? state.functionLine : 0;
 }
 
+// Of the innermost block.
+const char* CloserOf(const State& state, const OpenBlock& inner) {
+    const bool isLoop = inner.kind == BlockKind::Loop && !state.loopKindStack.empty();
+    return isLoop ? LoopCloser(state.loopKindStack.back()) : Words(inner.kind).missing;
+}
+
 void NoteCrossing(State& state, const std::string& closer, const OpenBlock& closed, const OpenBlock& inner) {
     if (!state.crossingMessage.empty()) return;
     const std::string start =
@@ -34,10 +40,15 @@ void NoteCrossing(State& state, const std::string& closer, const OpenBlock& clos
     else
         state.crossingMessage = "'" + closer + "' closes the " + start + " while the " +
                                 Words(inner.kind).name + " of line " + std::to_string(inner.line) +
-                                " is still open (missing '" + Words(inner.kind).missing + "')";
+                                " is still open (missing '" + CloserOf(state, inner) + "')";
 }
 
 }  // namespace
+
+const char* LoopCloser(const std::string& kind) {
+    if (kind == "While") return "Wend";
+    return kind == "EachSeq" ? "NextSeq" : "Next";
+}
 
 OpenBlock& OpenNewBlock(State& state, BlockKind kind) {
     if (state.blocks.size() >= deepest) ReportFatal("Blocks are nested too deeply");

@@ -62,4 +62,7 @@ OpenBlock CloseBlock(State& state, BlockKind kind, const std::string& closer);
 // At the end of a file, after the checks for unclosed blocks: ends the run when a closer crossed a block.
 void CheckCrossedBlocks(const State& state);
 
+// The word that closes a loop of the kind: "For", "While", "EachSeq".
+const char* LoopCloser(const std::string& kind);
+
 bool InnermostBlockIs(const State& state, BlockKind kind);

@@ -130,8 +130,10 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);
     // The first pass registers a class when its block is closed.
-    if (cls != nullptr && !cls->registered) FailUnclosedType(name, state.currentLine);
-    if (cls == nullptr)
+    const bool unclosed = cls != nullptr && !cls->registered;
+    if (unclosed)
+        cls = nullptr;
+    else if (cls == nullptr)
         ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
     CheckCppWord(name);
     state.inType = true;
@@ -139,7 +141,8 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     state.typeName = name;
     state.cls = cls;
     state.isElement = tokens.KeywordAt(0) == Keyword::Element;
-    state.passesOverType = cls->sourceFile != settings.currentFile || cls->line != state.currentLine;
+    state.passesOverType =
+        unclosed || cls->sourceFile != settings.currentFile || cls->line != state.currentLine;
     if (state.passesOverType) return;
     if (state.inExtern) {
         EmitBlankForTrace(state);

@@ -10,6 +10,7 @@
 #include "statements/conditionals.h"
 #include "statements/debug_hooks.h"
 #include "statements/declarations.h"
+#include "statements/end_of_file.h"
 #include "statements/for_loops.h"
 #include "statements/include_statement.h"
 #include "statements/loops.h"
@@ -33,6 +34,13 @@ namespace {
 void NothingToEmit(State& state, TokenSpan tokens) {
     (void)state;
     (void)tokens;
+}
+
+// Whoever reads a block like that has met its closer before.
+void RefuseStrayCloser(State& state, TokenSpan tokens) {
+    (void)state;
+    const std::string block = tokens[0].substr(std::string("End").size());
+    ReportFatal("'" + tokens[0] + "' without an open " + block + " block");
 }
 
 // In the order of comparison.
@@ -96,6 +104,8 @@ const DispatchRow dispatchTable[] = {
     {Keyword::Private, TranslateAccess, Place::Anywhere},
     {Keyword::Extern, TranslateExtern, Place::Anywhere},
     {Keyword::EndExtern, TranslateEndExtern, Place::Anywhere},
+    {Keyword::EndPreCalc, RefuseStrayCloser, Place::Anywhere},
+    {Keyword::EndInlineCpp, RefuseStrayCloser, Place::Anywhere},
 };
 
 // A Field may bear the name of a statement; "next = node" in a Method means the Field.
@@ -115,8 +125,12 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     const std::string& word = tokens[0];
     if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
         ReportFatal("'" + word + "' is written in lower case here: " + Lower(word));
-    if (row == nullptr || row->place == Place::Routine)
-        ReportFatal("'" + word + "' can only be used inside a Function or Method");
+    const bool misplaced = row == nullptr || row->place == Place::Routine;
+    const Keyword keyword = tokens.KeywordAt(0);
+    const bool ends = misplaced || keyword == Keyword::Local || keyword == Keyword::Return ||
+                      keyword == Keyword::EndFunction;
+    if (state.inExtern && ends) SayOpenExtern(state);
+    if (misplaced) ReportFatal("'" + word + "' can only be used inside a Function or Method");
 }
 
 }  // namespace
@@ -128,6 +142,30 @@ const DispatchRow* FindDispatchRow(Keyword keyword) {
         return rows;
     }();
     return index[IndexOf(keyword)];
+}
+
+// Nothing is known about the members of a Type that is never closed; the block to report may be one in it.
+static void PassOverUnclosedType(State& state, TokenSpan tokens) {
+    switch (tokens.KeywordAt(0)) {
+        case Keyword::Method:
+            if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
+            state.inMethod = true;
+            state.methodName = tokens[1];
+            state.methodLine = state.currentLine;
+            break;
+        case Keyword::EndMethod:
+            state.inMethod = false;
+            break;
+        case Keyword::Type:
+        case Keyword::Element:
+        case Keyword::EndType:
+        case Keyword::EndElement:
+        case Keyword::Function:
+            settings.currentLine = state.typeLine;
+            FailUnclosedType(state.typeName, state.typeLine);
+        default:
+            break;
+    }
 }
 
 // The body of a Type that an earlier file has declared already.
@@ -143,7 +181,10 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     if (tokens.empty()) return;
     const Keyword keyword = tokens.KeywordAt(0);
     if (state.passesOverType) {
-        PassOverType(state, keyword);
+        if (state.cls == nullptr)
+            PassOverUnclosedType(state, tokens);
+        else
+            PassOverType(state, keyword);
         return;
     }
     if (state.inPreCalc || keyword == Keyword::PreCalc) {

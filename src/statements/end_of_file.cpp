@@ -1,6 +1,7 @@
 #include "statements/end_of_file.h"
 
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "statements/blocks.h"
 
 namespace {
@@ -27,11 +28,6 @@ std::string OpenType(const std::string& name, int line) {
     return Starting("Type '" + name + "'", line, "'EndType'");
 }
 
-std::string CloserOf(const std::string& kind) {
-    if (kind == "While") return "'Wend'";
-    return kind == "EachSeq" ? "'NextSeq'" : "'Next'";
-}
-
 void CheckLoops(const State& state) {
     std::vector<std::string> findings;
     for (int line : state.repeatStack)
@@ -41,7 +37,8 @@ void CheckLoops(const State& state) {
     if (!findings.empty()) FailUnclosed("If block(s)", findings);
     for (std::size_t i = 0; i < state.loopStack.size(); ++i) {
         const std::string& kind = state.loopKindStack[i];
-        findings.push_back(Starting(kind + " loop", state.loopStack[i], CloserOf(kind)));
+        findings.push_back(
+            Starting(kind + " loop", state.loopStack[i], std::string("'") + LoopCloser(kind) + "'"));
     }
     if (!findings.empty()) FailUnclosed("loop block(s)", findings);
 }
@@ -56,6 +53,8 @@ void FailUnclosedMethod(const std::string& name, int line) {
     FailUnclosed("Method block", {OpenMethod(name, line)});
 }
 
+void SayOpenExtern(const State& state) { Say(Starting("Extern block", state.externLine, "'EndExtern'")); }
+
 void SayOpenBlocks(const State& state, bool methodMayFollow) {
     if (state.inMethod) Say(OpenMethod(state.methodName, state.methodLine));
     if (state.inType && !methodMayFollow) Say(OpenType(state.typeName, state.typeLine));
@@ -67,7 +66,10 @@ void CheckBlocksClosed(const State& state) {
     if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
     if (!state.inType && state.selectDepth >= 1)
         FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
-    if (state.inType) FailUnclosedType(state.typeName, state.typeLine);
+    if (state.inType) {
+        if (state.passesOverType) settings.currentLine = state.typeLine;
+        FailUnclosedType(state.typeName, state.typeLine);
+    }
     CheckLoops(state);
     if (state.inPreCalc)
         FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});

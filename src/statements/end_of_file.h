@@ -13,3 +13,6 @@ void CheckBlocksClosed(const State& state);
 // Prints a line for each routine and class that is open where another one begins, innermost first, as a
 // hint beside the report that follows. A Method may follow in an open Type.
 void SayOpenBlocks(const State& state, bool methodMayFollow);
+
+// The same hint for an open Extern block, in which a statement means that the block was to end before.
+void SayOpenExtern(const State& state);

@@ -34,7 +34,7 @@ struct State {
     int typeLine = 0;
     bool isElement = false;
     ClassInfo* cls = nullptr;              // the class being emitted
-    bool passesOverType = false;           // the open Type was declared before, elsewhere; that one counts
+    bool passesOverType = false;           // the open Type counts elsewhere, or is never closed (cls is null)
     std::string access = "public";         // of the members that follow
     std::string emittedAccess = "public";  // of the last label in the class body
     bool inExtern = false;
