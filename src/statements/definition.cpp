@@ -135,10 +135,11 @@ bool MeansSomething(const std::string& name) {
 // A C++ name apart from that of the variable or routine that the initialiser means by the same name.
 std::string NameFor(const Declared& declared) {
     std::string name = SafeName(declared.name);
-    if (declared.kind != DefinitionKind::Local || !MeansSomething(declared.name)) return name;
+    const Token written(declared.name);
     const bool mentioned =
-        std::find(declared.value.begin(), declared.value.end(), declared.name) != declared.value.end();
-    return mentioned ? name + "__" + std::to_string(settings.currentLine) : name;
+        std::find(declared.value.first, declared.value.last, written) != declared.value.last;
+    if (declared.kind != DefinitionKind::Local || !mentioned || !MeansSomething(declared.name)) return name;
+    return name + "__" + std::to_string(settings.currentLine);
 }
 
 void NeedTypeComplete(const Declared& declared) {

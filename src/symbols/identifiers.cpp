@@ -22,18 +22,28 @@ constexpr std::string_view neverPrefixed[] = {
     "enum",  "new",    "delete", "this",    "main",
 };
 
-// The first letters of these names at their lengths, as bits: rules out nearly all others at one look.
-constexpr std::array<std::uint64_t, 16> FirstLetters() {
-    std::array<std::uint64_t, 16> letters{};
-    for (const std::string_view name : neverPrefixed)
-        letters[name.size()] |= std::uint64_t(1) << (static_cast<unsigned char>(name[0]) & 63U);
+// The first and last letters of these names at their lengths, as bits: they rule out nearly all others at one
+// look.
+struct LetterBits {
+    std::uint64_t first = 0, last = 0;
+};
+
+constexpr std::uint64_t BitOf(char c) { return std::uint64_t(1) << (static_cast<unsigned char>(c) & 63U); }
+
+constexpr std::array<LetterBits, 10> LettersByLength() {
+    std::array<LetterBits, 10> letters{};
+    for (const std::string_view name : neverPrefixed) {
+        letters[name.size()].first |= BitOf(name.front());
+        letters[name.size()].last |= BitOf(name.back());
+    }
     return letters;
 }
 
 bool IsNeverPrefixed(std::string_view name) {
-    constexpr std::array<std::uint64_t, 16> letters = FirstLetters();
+    constexpr std::array<LetterBits, 10> letters = LettersByLength();
     if (name.empty() || name.size() >= letters.size()) return false;
-    if ((letters[name.size()] >> (static_cast<unsigned char>(name[0]) & 63U) & 1U) == 0) return false;
+    const LetterBits& known = letters[name.size()];
+    if ((known.first & BitOf(name.front())) == 0 || (known.last & BitOf(name.back())) == 0) return false;
     return std::find(std::begin(neverPrefixed), std::end(neverPrefixed), name) != std::end(neverPrefixed);
 }
 
