@@ -3,7 +3,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "expressions/walk.h"
+#include "expressions/in_order.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
 #include "symbols/scopes.h"
@@ -117,17 +117,34 @@ std::string Checked(const Expr& array, const Access& access) {
     return CheckedByLambda(array.text, access);
 }
 
+// [&]() -> decltype(A[0][0]) { int __kv0 = first; int __kv1 = second; return A[__kv0][__kv1]; }()
+std::string CheckedInOrder(const Expr& array, Access access, const std::vector<Expr>& indices) {
+    InOrder inOrder;
+    std::string item = array.text;
+    for (std::size_t k = 0; k < indices.size(); ++k) {
+        const ValueType& type = indices[k].type;
+        access.indices[k] = inOrder.Name(type.IsKnown() ? type : Single(Base::Int), access.indices[k]);
+        item += "[0]";
+    }
+    return inOrder.Text("decltype(" + item + ")", Checked(array, access));
+}
+
 }  // namespace
 
 Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable) {
     Access access{name, variable, {}, true, false};
     const bool wholeArgument = walk.rowAt != std::string::npos && walk.rowAt == walk.operandAt;
     const std::size_t before = unrepeatable;
+    const std::size_t calls = callCount;
+    std::vector<Expr> indices;
     const bool statement = walk.callStatement;
     walk.callStatement = false;
     while (walk.Match('[')) {
-        const Expr index = ParseValue(walk);
+        const std::size_t callsBefore = callCount;
+        Expr index = ParseValue(walk);
+        index.effects = callCount != callsBefore;
         access.indices.push_back(IndexText(index, access.indices.empty(), array.form));
+        indices.push_back(std::move(index));
         walk.Expect(']');
     }
     walk.callStatement = statement;
@@ -141,7 +158,9 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
     Expr item;
     Expr owner = array;
     if (array.form == ArrayForm::Owned) owner.text = TakeOver(array, array.type.base == Base::Element);
-    item.text = Checked(owner, access);
+    item.text = OrderMatters(indices) && !array.effects ? CheckedInOrder(owner, access, indices)
+                                                        : Checked(owner, access);
+    item.effects = array.effects || callCount != calls;
     item.type = array.type;
     item.assignable = array.form != ArrayForm::Fixed && array.form != ArrayForm::Owned && !array.isCall;
     if (!array.type.IsKnown()) return item;

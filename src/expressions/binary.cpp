@@ -1,9 +1,13 @@
 // Types and texts of operators.
+#include <cctype>
+
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/in_order.h"
 #include "expressions/operators.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -60,7 +64,7 @@ void MakeText(Expr& expr, bool literalNeedsString) {
 bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
 
 // C++ takes the operands of "+" and "==" between Strings in any order, but not what stands between braces:
-//     __kvText({first, second, third})
+//     text + __kvText({first, second, third})
 Expr ConcatenateInOrder(Expr left, Expr right) {
     RequireSupport(Support::TextInOrder);
     MakeText(right, false);
@@ -70,10 +74,13 @@ Expr ConcatenateInOrder(Expr left, Expr right) {
         result.text.resize(result.text.size() - 2);
     } else {
         MakeText(left, false);
-        result.text = "__kvText({" + left.text;
+        result.text = std::move(left.text);
+        result.text.insert(left.summand, "__kvText({");
     }
     result.text += ", " + right.text + "})";
     result.type = Single(Base::String);
+    result.summand = left.summand;
+    if (result.summand > 0) result.level = Level::Sum;
     result.ordered = true;
     return result;
 }
@@ -84,7 +91,10 @@ Expr Concatenate(Expr left, const BinaryOperator& op, Expr right) {
         return ConcatenateInOrder(std::move(left), std::move(right));
     MakeText(left, right.literal);
     MakeText(right, false);
-    return Join(std::move(left), op, right, Single(Base::String));
+    const std::size_t summand = left.effects ? left.summand : left.text.size() + 3;  // behind " + "
+    Expr sum = Join(std::move(left), op, right, Single(Base::String));
+    sum.summand = summand;
+    return sum;
 }
 
 // The operand of a checked division, of the type that both operands have in common.
@@ -93,17 +103,36 @@ std::string CheckedOperand(const Expr& expr, Base common) {
     return exact ? expr.text : "static_cast<" + CppName(Single(common)) + ">(" + expr.text + ")";
 }
 
+// Whether calls cannot change the value: a number, a Const or a Local.
+bool StaysTheSame(const Expr& expr) {
+    if (expr.effects) return false;
+    const bool number = std::isdigit(static_cast<unsigned char>(expr.text[0])) != 0 &&
+                        expr.text.find_first_of(" (") == std::string::npos;
+    return number || expr.isConst ||
+           (expr.variable != nullptr && FindLocal(expr.variable->name) == expr.variable);
+}
+
+Expr FloatingRemainder(const Expr& left, const Expr& right) {
+    const ValueType real = Single(Base::Double);
+    if (!OrderMatters(left, right)) return Call("std::fmod", left.text, right.text, real);
+    InOrder inOrder;
+    const std::string a = inOrder.Name(real, left.text);
+    const std::string b = inOrder.Name(real, right.text);
+    Expr result = Call("std::fmod", a, b, real);
+    result.text = inOrder.Text(CppName(real), result.text);
+    return result;
+}
+
 Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
     const Base common = CommonNumber(left, right);
     if (!left.type.IsKnown() || !right.type.IsKnown()) return Join(std::move(left), op, right, {});
     const bool remainder = op.kind == OperatorKind::Remainder;
     if (!Checked()) {
-        if (remainder && common == Base::Double)
-            return Call("std::fmod", left.text, right.text, Single(common));
+        if (remainder && common == Base::Double) return FloatingRemainder(left, right);
         return Join(std::move(left), op, right, Single(common));
     }
     // C++ takes the arguments of a call in any order, but not what stands between braces.
-    const bool ordered = left.effects && right.effects;
+    const bool ordered = right.effects && !StaysTheSame(left);
     if (ordered || (remainder && common == Base::Double)) RequireSupport(Support::SafeOperands);
     if (ordered) {
         Expr result;

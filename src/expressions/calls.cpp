@@ -1,12 +1,9 @@
 // Calls of Functions, Methods and userlib functions.
-#include <algorithm>
-
 #include "driver/report.h"
+#include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
-#include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
-#include "symbols/scopes.h"
 
 namespace {
 
@@ -71,17 +68,6 @@ std::vector<Expr> ParseList(Walk& walk) {
     return arguments;
 }
 
-// C++ takes arguments in any order; where two of them run code of the program that could be seen. Arrays
-// and Sequences stay where they are, since they live to the end of the call only.
-bool OrderMatters(const Routine& routine, const std::vector<Expr>& arguments) {
-    const bool inRoutine = localDefList.size() > 1;  // a lambda elsewhere cannot reach anything
-    const auto effects =
-        std::count_if(arguments.begin(), arguments.end(), [](const Expr& a) { return a.effects; });
-    const auto single = [](const Parameter& p) { return p.type.IsSingle() && p.type.IsKnown(); };
-    return inRoutine && effects > 1 &&
-           std::all_of(routine.parameters.begin(), routine.parameters.end(), single);
-}
-
 std::string CallText(const std::string& callee, const std::vector<std::string>& arguments) {
     std::string text = callee + " (";
     const char* separator = " ";
@@ -92,17 +78,15 @@ std::string CallText(const std::string& callee, const std::vector<std::string>& 
     return text + " )";
 }
 
-// [&]() -> int { int __kv0 = first; int __kv1 = second; return KVL_F ( __kv0 , __kv1 ); }()
-std::string CallInOrder(const std::string& callee, const Routine& routine,
-                        const std::vector<std::string>& arguments) {
-    std::string text = "[&]() -> " + ResultCppName(routine.result) + " { ";
-    std::string names;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string name = "__kv" + std::to_string(i);
-        text += CppName(routine.parameters[i].type) + " " + name + " = " + arguments[i] + "; ";
-        names += (names.empty() ? " " : " , ") + name;
-    }
-    return text + "return " + callee + " (" + names + " ); }()";
+// The object comes before the arguments.
+std::string CallInOrder(const Expr* object, const std::string& name, const Routine& routine,
+                        const std::vector<Expr>& arguments, std::vector<std::string> texts) {
+    InOrder inOrder;
+    std::string callee;
+    if (object != nullptr)
+        callee = WithAccessor(*object, object->effects ? inOrder.NameObject(object->text) : object->text);
+    NameArguments(inOrder, routine, arguments, texts);
+    return inOrder.Text(ResultCppName(routine.result), CallText(callee + name, texts));
 }
 
 std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
@@ -150,6 +134,11 @@ std::string SubjectOf(const Routine& routine) {
     return "Function '" + routine.name + "'";
 }
 
+std::string WithAccessor(const Expr& object, const std::string& text) {
+    const bool pointer = object.type.base != Base::Element || object.slot;
+    return text + (text == "this" ? "" : " ") + (pointer ? "-> " : ". ");
+}
+
 std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
                                           const std::vector<Expr>& arguments) {
     CheckCount(subject, routine, arguments.size());
@@ -168,20 +157,23 @@ std::vector<std::string> CheckedArguments(const std::string& subject, const Rout
     return texts;
 }
 
-Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix) {
+Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, const Expr* object) {
     if (routine.owner == nullptr && Lower(routine.name) == "main")
         ReportFatal("'" + routine.name + "' cannot be called");
     const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
     const std::vector<std::string> texts = CheckedArguments(SubjectOf(routine), routine, arguments);
-    const std::string callee = prefix + routine.cppName;
+    const std::string name = prefix + routine.cppName;
     Expr call;
+    const bool ordered = OrderMatters(arguments);
+    const std::string callee = object == nullptr ? name : WithAccessor(*object, object->text) + name;
     call.text = CallWhileAway(
         routine, arguments,
-        OrderMatters(routine, arguments) ? CallInOrder(callee, routine, texts) : CallText(callee, texts));
+        ordered ? CallInOrder(object, name, routine, arguments, texts) : CallText(callee, texts));
     call.type = routine.result;
     if (call.type.IsArray())
         call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
     call.isCall = true;
+    call.effects = true;
     NeedElement(routine.result);
     ++unrepeatable;
     ++callCount;

@@ -73,8 +73,10 @@ Expr Translate(TokenSpan tokens, ExprMode mode) {
         return nothing;
     }
     Walk walk(tokens, mode);
+    const std::size_t calls = callCount;
     Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
     if (!walk.Done()) FailUnexpected(walk);
+    result.effects = callCount != calls;
     return result;
 }
 

@@ -33,8 +33,9 @@ struct Expr {
     bool literal = false;     // a bare string literal: const char* to C++
     bool assignable = false;  // may stand on the left of an assignment
     bool isCall = false;
-    bool ordered = false;  // a text put together by __kvText({...}), open to further parts
-    bool effects = false;  // runs code of the program; set for the operands of binary operators
+    bool ordered = false;     // a text that ends in __kvText({...}), open to further parts
+    std::size_t summand = 0;  // where the first calling summand begins in the text of a sum of Strings
+    bool effects = false;     // runs code of the program; set for operands, arguments and what calls yield
     bool isConst = false;
     const Variable* variable = nullptr;  // when the expression is just this variable
 };

@@ -7,12 +7,6 @@
 
 namespace {
 
-// "this" and its accessor are written together.
-std::string WithAccessor(const Expr& object) {
-    const bool pointer = object.type.base != Base::Element || object.slot;
-    return object.text + (object.text == "this" ? "" : " ") + (pointer ? "-> " : ". ");
-}
-
 void RequireObject(const Expr& object, const std::string& name) {
     if (object.type.Is(Base::Object) || object.type.Is(Base::Element)) return;
     ReportFatal("Variable '" + name + "' is type " + CppName(object.type) +
@@ -27,7 +21,7 @@ void RequireAccess(bool isPrivate, const ClassInfo& cls, const std::string& memb
 // Members of a class whose file has not been read yet.
 Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
     Expr expr;
-    expr.text = WithAccessor(object) + SafeName(member);
+    expr.text = WithAccessor(object, object.text) + SafeName(member);
     expr.assignable = true;
     if (walk.Match('(')) {
         ParseArguments(walk);
@@ -41,12 +35,13 @@ Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
 
 Expr UseField(const Expr& object, const Variable& field) {
     Expr expr;
-    expr.text = WithAccessor(object) + field.cppName;
+    expr.text = WithAccessor(object, object.text) + field.cppName;
     expr.type = field.type;
     if (expr.type.IsArray()) expr.form = ArrayForm::Vector;
     const bool lasting = object.type.base == Base::Object || object.slot || object.assignable;
     expr.assignable = lasting && !field.isConst;
     expr.isConst = field.isConst;
+    expr.effects = object.effects;
     return expr;
 }
 
@@ -69,7 +64,7 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
     }
     if (const Routine* method = FindMethod(cls, member)) {
         RequireAccess(method->isPrivate, cls, member);
-        return ParseCall(walk, *method, WithAccessor(object));
+        return ParseCall(walk, *method, "", &object);
     }
     if (lenient) return LetThrough(walk, object, member);
     ReportFatal("Field or method '" + member + "' does not exist in class '" + cls.name + "'");

@@ -1,7 +1,7 @@
 // Making objects and walking the list of a Type's objects.
 #include "driver/report.h"
+#include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
-#include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "prelude/program_uses.h"
@@ -14,12 +14,19 @@ std::string Joined(const std::vector<std::string>& texts) {
     return joined;
 }
 
-// A class without a constructor of its own takes no arguments.
-std::vector<std::string> ConstructorArguments(const ClassInfo& cls, const std::vector<Expr>& arguments) {
-    Routine plain;
-    const Routine* constructor = FindMethod(cls, "constructor");
-    return CheckedArguments("Method '" + cls.name + "::constructor'", constructor ? *constructor : plain,
-                            arguments);
+// new KVL_T(first, second) , for an Element KVL_T(first, second)
+std::string ConstructorCall(const ClassInfo& cls, const std::vector<Expr>& arguments) {
+    const Routine plain;  // a class without a constructor of its own takes no arguments
+    const Routine* own = FindMethod(cls, "constructor");
+    const Routine& constructor = own != nullptr ? *own : plain;
+    if (own != nullptr) ++callCount;
+    std::vector<std::string> texts =
+        CheckedArguments("Method '" + cls.name + "::constructor'", constructor, arguments);
+    const std::string name = (cls.isElement ? "" : "new ") + cls.cppName;
+    if (!OrderMatters(arguments)) return name + "(" + Joined(texts) + ")";
+    InOrder inOrder;
+    NameArguments(inOrder, constructor, arguments, texts);
+    return inOrder.Text(cls.cppName + (cls.isElement ? "" : "*"), name + "(" + Joined(texts) + ")");
 }
 
 Expr ObjectOf(const ClassInfo* cls, std::string text) {
@@ -27,6 +34,7 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
     expr.text = std::move(text);
     expr.type = Single(Base::Object, cls);
     expr.isCall = true;
+    expr.effects = true;
     ++unrepeatable;
     ++callCount;
     return expr;
@@ -109,10 +117,10 @@ Expr ParseCreate(Walk& walk) {
     NeedClass(cls);
     NoteConstruction(*cls);
     const std::vector<Expr> arguments = walk.Match('(') ? ParseArguments(walk) : std::vector<Expr>();
-    const std::string call = cls->cppName + "(" + Joined(ConstructorArguments(*cls, arguments)) + ")";
+    const std::string call = ConstructorCall(*cls, arguments);
     if (!cls->isElement) {
         const bool used = walk.PeekSign() == '\\' || (walk.PeekSign() == '.' && IsIdentifier(walk.Peek(1)));
-        Expr object = ObjectOf(cls, used ? "( new " + call + " )" : "new " + call);
+        Expr object = ObjectOf(cls, used ? "( " + call + " )" : call);
         if (!used) object.level = Level::Unary;
         return object;
     }

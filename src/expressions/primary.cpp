@@ -90,6 +90,8 @@ Expr ParseParentheses(Walk& walk) {
     expr.slot = false;
     expr.assignable = false;
     expr.variable = nullptr;
+    expr.ordered = false;
+    expr.summand = 0;
     expr.level = Level::Primary;
     return expr;
 }

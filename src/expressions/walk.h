@@ -64,8 +64,12 @@ bool TakesBareArguments(const Walk& walk);
 // The arguments of a call statement without parentheses: all that is left.
 std::vector<Expr> ParseBareArguments(Walk& walk);
 
-// A call of a routine whose name has been read; `prefix` is what stands before the routine's C++ name.
-Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix);
+// A call of a routine whose name has been read; `prefix` is what stands before the routine's C++ name,
+// `object` what a Method is called on, null without one.
+Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, const Expr* object = nullptr);
+// The text, which stands for the object, with the accessor behind it; "this" and its accessor are written
+// together.
+std::string WithAccessor(const Expr& object, const std::string& text);
 // The texts of the arguments, defaults written out. `subject` as in "Function 'Draw'".
 std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
                                           const std::vector<Expr>& arguments);

@@ -1,6 +1,7 @@
 #include "statements/seq_statements.h"
 
 #include "driver/report.h"
+#include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 
@@ -91,34 +92,32 @@ Expr SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keywo
     return sequence;
 }
 
-std::string NumberArgument(TokenSpan tokens, const Row& row, const std::string& keyword, const char* what) {
+Expr NumberArgument(TokenSpan tokens, const Row& row, const std::string& keyword, const char* what) {
     Expr number = Translated(tokens, row);
     if (number.type.IsKnown() && !number.type.IsNumber())
         ReportFatal("The " + std::string(what) + " of '" + keyword + "' must be a number, got " +
                     KorvelName(number.type));
-    return ValueText(number);
+    return number;
 }
 
-std::string ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row,
-                          const std::string& keyword) {
+Expr ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
     Expr value = Translated(tokens, row);
     ValueType item = sequence.type.Item();
     if (sequence.type.IsKnown() && value.type.IsKnown() && !Assignable(item, value.type))
         ReportFatal("'" + keyword + "' needs a value of type " + KorvelName(item) + ", got " +
                     KorvelName(value.type) + ConversionHint(item, value.type));
-    return ValueText(value);
+    return value;
 }
 
-std::string OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row,
-                          const std::string& keyword) {
+Expr OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
     Expr other = SequenceArgument(tokens, row, keyword);
     if (sequence.type.IsKnown() && other.type.IsKnown() && sequence.type != other.type)
         ReportFatal("'" + keyword + "' needs two Sequences of the same type, got " +
                     KorvelName(sequence.type) + " and " + KorvelName(other.type));
     if (other.isCall) ReportFatal("'" + keyword + "' needs a Sequence variable, not the result of a call");
-    const std::string text = ValueText(other);
     const std::string calls = WalkCalls(other, row.notice.before, ", ");
-    return WhileAway(other, true, calls.empty() ? text : "(" + calls + text + ")");
+    other.text = WhileAway(other, true, calls.empty() ? other.text : "(" + calls + other.text + ")");
+    return other;
 }
 
 // FromArray takes a vector of the very item type; everything else is copied item by item:
@@ -154,43 +153,53 @@ bool ComparesWith(const ClassInfo& cls) {
            Assignable(compare->parameters[0].type, Single(Base::Element, &cls));
 }
 
-void EmitSort(State& state, const Expr& sequence, const std::string& order) {
-    const ClassInfo* cls = sequence.type.cls;
-    if (cls != nullptr && !lenient && !ComparesWith(*cls))
-        ReportFatal("SeqSort on a Sequence of " + cls->name +
-                    " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
-    EmitLine(state, WhileAway(sequence, true,
-                              ValueText(sequence) + (cls != nullptr ? ".SortCompare(" : ".SortNatural(") +
-                                  order + ")") +
-                        ";");
+Expr ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Row& row,
+                 const std::string& keyword) {
+    switch (kind) {
+        case Argument::Index:
+            return NumberArgument(tokens, row, keyword, "index");
+        case Argument::Order:
+            return NumberArgument(tokens, row, keyword, "order");
+        case Argument::Sequence:
+            return OtherSequence(sequence, tokens, row, keyword);
+        default:
+            return ValueArgument(sequence, tokens, row, keyword);
+    }
 }
 
-// The texts of the arguments behind the Sequence, joined by ", ".
-std::string Arguments(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
-                      const std::string& keyword) {
+// KVL_s.Member(arguments)
+std::string MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
+                       const std::string& keyword, const std::string& member) {
+    std::vector<Expr> arguments;
+    for (std::size_t i = 0; i < row.arguments.size(); ++i)
+        arguments.push_back(ArgumentFor(row.arguments[i], sequence, parts[i + 1], row, keyword));
+    InOrder inOrder;
+    const bool named = OrderMatters(arguments);
+    const std::string object = ValueText(sequence);
     std::string texts;
-    for (std::size_t i = 0; i < row.arguments.size(); ++i) {
-        TokenSpan part = parts[i + 1];
-        std::string text;
-        switch (row.arguments[i]) {
-            case Argument::Index:
-                text = NumberArgument(part, row, keyword, "index");
-                break;
-            case Argument::Order:
-                text = NumberArgument(part, row, keyword, "order");
-                break;
-            case Argument::Sequence:
-                text = OtherSequence(sequence, part, row, keyword);
-                break;
-            default:
-                text = ValueArgument(sequence, part, row, keyword);
-                break;
-        }
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const bool isValue = row.arguments[i] == Argument::Value;
+        std::string text = ValueText(arguments[i]);
+        if (named) text = inOrder.Name(isValue ? sequence.type.Item() : arguments[i].type, text);
         if (i == 0 && row.notice.byArgument != nullptr)
             text = TellWalks(sequence, row.notice.byArgument, text);
         texts += (i == 0 ? "" : ", ") + text;
     }
-    return texts;
+    const std::string call = object + "." + member + "(" + texts + ")";
+    return named ? inOrder.Text("void", call) : call;
+}
+
+// Ascending without an order.
+void EmitSort(State& state, const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
+              const std::string& keyword) {
+    const ClassInfo* cls = sequence.type.cls;
+    if (cls != nullptr && !lenient && !ComparesWith(*cls))
+        ReportFatal("SeqSort on a Sequence of " + cls->name +
+                    " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
+    const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
+    const std::string call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
+                                               : MemberCall(sequence, parts, row, keyword, member);
+    EmitLine(state, WhileAway(sequence, true, call) + ";");
 }
 
 // On a line of its own: __kvWalk_KVL_x.Leave();
@@ -214,12 +223,11 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
     TellWalksBefore(state, sequence, row);
     if (sorts)
-        EmitSort(state, sequence, orderLeftOut ? "true" : Arguments(sequence, parts, row, keyword));
+        EmitSort(state, sequence, parts, row, keyword);
     else if (IsWord(keyword, "seqfromarray"))
         EmitFromArray(state, sequence, parts[1], row);
     else
         EmitLine(state, WhileAway(sequence, row.notice.changes,
-                                  ValueText(sequence) + "." + row.member + "(" +
-                                      Arguments(sequence, parts, row, keyword) + ")") +
+                                  MemberCall(sequence, parts, row, keyword, row.member)) +
                             ";");
 }

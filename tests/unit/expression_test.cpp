@@ -276,7 +276,7 @@ TEST_F(ExpressionTest, SafeMode) {
         {"i / n / 2 - 1", "KVL_SafeDiv(KVL_SafeDiv(KVL_i, KVL_n), 2) - 1", "int"},
         {"i / d", "KVL_SafeDiv(static_cast<double>(KVL_i), KVL_d)", "double"},
         {"- i / (n + 1)", "KVL_SafeDiv(- KVL_i, ( KVL_n + 1 ))", "int"},
-        {"p\\hp mod Twice(2)", "KVL_SafeMod(KVL_p -> KVL_hp, KVL_Twice ( 2 ))", "int"},
+        {"p\\hp mod Twice(2)", "__kvInOrder<int>{KVL_p -> KVL_hp, KVL_Twice ( 2 )}.Remainder()", "int"},
         {"s + \"a/b\"", "KVL_s + \"a/b\"", "std::string"},
         {"arr[i]",
          "([&]() -> decltype(KVL_arr[KVL_i]) { if ((KVL_i) < 0 || (KVL_i) >= KVL_arr_size_0) { std::cerr << "
