@@ -24,6 +24,7 @@ protected:
         fs::create_directory("out");
     }
     void TearDown() override {
+        SettleOutputs();  // the file system may give a deleted file's number to one of the next test
         settings = {};
         ResetSymbols();
         dependencies = {};
