@@ -77,6 +77,7 @@ void SettlePassages(std::string& text, std::size_t from, int number, bool stay) 
         settled.append(text, at, found - at);
         const std::size_t inner = found + begin.size();
         const std::size_t end = text.find(closing, inner);
+        if (end == std::string::npos) break;  // bytes of inline C++, no passage
         if (stay) settled.append(text, inner, end - inner);
         at = end + 1;
     }

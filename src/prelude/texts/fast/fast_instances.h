@@ -82,7 +82,7 @@ struct KVInstanceList {  // all zero at the start of the program, before anythin
     KVObject* After(KVObject* o) { const size_t at = Find(o); return at < used ? From(at + 1) : nullptr; }
     KVObject* Before(KVObject* o) { const size_t at = Find(o); return at < used ? Until(at) : nullptr; }
     KV_OUTLINE void Move(KVObject* o, KVObject* target, size_t behind) {
-        if(!target || target == o) return;
+        if(!o || !target || target == o) return;
         const size_t from = Find(o);
         if(from < used) {
             std::copy(slots + from + 1, slots + used, slots + from);
