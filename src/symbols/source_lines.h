@@ -22,7 +22,7 @@ public:
     explicit SourceLines(Reading who) : reading(who) {}
 
     // False when the file cannot be read.
-    bool Open(const std::string& path);
+    bool Open(const std::string& name);
 
     // Goes to the next line of the kind that is read; false at the end of the file.
     bool Next();
