@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "driver/settings.h"
+#include "symbols/first_pass.h"
 
 namespace {
 
@@ -34,33 +35,6 @@ bool IsSingleLineIf(const Tokens& tokens) {
     return tokens.front()->keyword == Keyword::If &&
            std::any_of(tokens.begin(), tokens.end(),
                        [](Token token) { return token->keyword == Keyword::Then; });
-}
-
-// Whether the first pass, or the search for names before it, looks at statements that begin with the word.
-bool Declares(Keyword word) {
-    switch (word) {
-        case Keyword::Const:
-        case Keyword::Element:
-        case Keyword::End:
-        case Keyword::EndElement:
-        case Keyword::EndExtern:
-        case Keyword::EndType:
-        case Keyword::Extern:
-        case Keyword::Field:
-        case Keyword::Function:
-        case Keyword::Global:
-        case Keyword::Import:
-        case Keyword::Include:
-        case Keyword::Linker:
-        case Keyword::Method:
-        case Keyword::PreCalc:
-        case Keyword::Private:
-        case Keyword::Public:
-        case Keyword::Type:
-            return true;
-        default:
-            return false;
-    }
 }
 
 Keyword FirstWord(const Tokens& tokens) { return tokens.empty() ? Keyword::None : tokens.front()->keyword; }
@@ -169,7 +143,7 @@ void LineCutter::AddStatement(CutLine& line, std::size_t from, std::size_t to) {
     const auto begin = static_cast<std::uint32_t>(file.tokens.size());
     file.tokens.insert(file.tokens.end(), tokens + from, tokens + to);
     file.statements.push_back({begin, static_cast<std::uint32_t>(file.tokens.size())});
-    line.declares = line.declares || Declares(tokens[from]->keyword);
+    line.declares = line.declares || IsCollected(tokens[from]->keyword);
 }
 
 void LineCutter::AddStatements(CutLine& line) {

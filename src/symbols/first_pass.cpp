@@ -127,6 +127,8 @@ void CollectDeclarations(const std::string& source, Declarations& out) {
     SaySummary(out);
 }
 
+bool IsCollected(Keyword keyword) { return RuleOf(keyword).collect != nullptr; }
+
 bool IsExecutableStatement(Keyword keyword) {
     switch (keyword) {
         case Keyword::Type:
