@@ -214,8 +214,8 @@ bool IsVariant(const std::string& name) {
 
 bool ClashesWithLibrary(const std::string& name) {
     static const std::unordered_set<std::string> names = WordSet({cLibraryNames, windowsNames});
-    static const char* const ownPrefixes[] = {"_",       "kvl_",   "KVL_",   "KVSeq",
-                                              "KVTimer", "KVBool", "KVSlot", "hDLL_"};
+    static const char* const ownPrefixes[] = {"_",      "kvl_",   "KVL_",   "KVSeq", "KVTimer",
+                                              "KVBool", "KVSlot", "KVStep", "hDLL_"};
     for (const char* prefix : ownPrefixes) {
         if (StartsWith(name, prefix)) return true;
     }

@@ -27,6 +27,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::safeIndex, texts::fastSafeIndex, Support::SafeIndex},
     {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},
     {texts::inputEnd, texts::inputEnd, Support::InputEnd},
+    {texts::askedStep, texts::askedStep, Support::AskedStep},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
     {texts::fastFixedArray, texts::fastFixedArray, Support::FixedArray},
 }};

@@ -14,6 +14,7 @@ enum class Support : unsigned char {
     SafeIndex,     // bounds check where the lambda text cannot compile
     SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes
     InputEnd,      // ends a program that asks for numbers behind the end of its input
+    AskedStep,     // KVStep, the step of a For that runs code of the program
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     FixedArray,    // KVArray, an array inside the frame of its routine; under -fast
     Count,

@@ -19,7 +19,7 @@ struct SequenceWalk {
     std::string variable;    // C++ name
     std::string type;        // of the variable, as "auto&"
     std::string item;        // C++ type of the Sequence's items
-    std::string behind;      // what outer loops want behind the closing brace
+    std::string behind;      // what has to stand behind the closing brace of any loop
     Piece* piece = nullptr;  // where the header stands
     std::size_t forAt = 0;   // of the text "for(...)" in it
     std::size_t forSize = 0;

@@ -2,16 +2,18 @@
 //     {
 // A step that is no literal may count either way, so its sign picks the comparison at run time:
 //     for (KVL_i = start; (step) < 0 ? KVL_i >= end : KVL_i <= end; KVL_i += step)
+// One that runs code of the program is asked for once a turn:
+//     { KVStep<int> __kvStep_KVL_i(false);
+//     for (KVL_i = start; __kvStep_KVL_i.Leads(KVL_i, end, [&]() { return step; }); KVL_i += ...Next(...))
 // A counter whose last value may be the last one of its type would never get past the end, so it is asked
 // before it counts on whether there is a next value:
 //     for (uint8_t KVL_b = 0, __kvMore_KVL_b = 1; __kvMore_KVL_b && KVL_b <= 255;
 //          __kvMore_KVL_b = KVL_b <= 255 - 1 && (KVL_b++, true))
-#include <algorithm>
-
 #include "driver/report.h"
+#include "prelude/support.h"
 #include "statements/constant_value.h"
 #include "statements/for_loops.h"
-#include "statements/selects.h"
+#include "statements/shadowing.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -113,10 +115,22 @@ bool IsLiteralStep(TokenSpan step) {
     return IsDigits(step[at]) || step[at][0] == '$';
 }
 
-std::string Joined(TokenSpan tokens) {
-    std::string text;
-    for (const std::string& token : tokens) text += token;
-    return text;
+// No step, or one of 1 either way.
+bool IsOne(TokenSpan step) {
+    const bool sign = Is(step[0], "-") || Is(step[0], "+");
+    return step.empty() || (step.size() == (sign ? 2U : 1U) && Is(step[sign ? 1 : 0], "1"));
+}
+
+// The values that the counter is compared with and counts by; they mean what is outside of the loop.
+struct Bounds {
+    Expr end, step;
+};
+
+Bounds BoundsOf(const Parts& parts) {
+    Bounds bounds;
+    bounds.end = Number(parts.end, "end");
+    if (!IsOne(parts.step)) bounds.step = Number(parts.step, "step");
+    return bounds;
 }
 
 // How a loop goes on: up, down, or as the sign of the step says when the program runs.
@@ -125,24 +139,35 @@ struct Course {
     std::string step;     // the text that is added in each round, "1" for "++" and "--"
     bool down = false;    // by the text of the step
     bool bySign = false;  // the step is no literal
+    std::string asked;    // a step that runs code of the program: its KVStep ...
+    std::string next;     // ... and what asks it
 };
 
-Course CourseOf(const Counter& counter, const Expr& end, TokenSpan step) {
-    const std::string endText = GuardedText(end, Level::Shift);
-    const std::string stepText = step.empty() ? "+1" : Joined(step);
+void AskForStep(const Counter& counter, const std::string& end, Course& course) {
+    RequireSupport(Support::AskedStep);
+    course.asked = "__kvStep_" + SafeName(counter.name);
+    course.next = "[&]() { return " + course.step + "; }";
+    course.comparison = course.asked + ".Leads(" + counter.cppName + ", " + end + ", " + course.next + ")";
+    course.increment = counter.cppName + " += " + course.asked + ".Next(" + course.next + ")";
+}
+
+Course CourseOf(const Counter& counter, const Bounds& bounds, TokenSpan stepTokens) {
+    const std::string end = GuardedText(bounds.end, Level::Shift);
+    const std::string up = counter.cppName + " <= " + end;
+    const std::string downTo = counter.cppName + " >= " + end;
     Course course;
-    course.down = stepText[0] == '-';
+    course.down = Is(stepTokens[0], "-");
     course.step = "1";
-    const std::string up = counter.cppName + " <= " + endText;
-    const std::string downTo = counter.cppName + " >= " + endText;
     course.comparison = course.down ? downTo : up;
     course.increment = counter.cppName + (course.down ? "--" : "++");
-    if (stepText == "+1" || stepText == "1" || stepText == "-1") return course;
-    course.step = GuardedText(Number(step, "step"), Level::Or);
+    if (IsOne(stepTokens)) return course;
+    course.step = GuardedText(bounds.step, Level::Or);
     course.increment = counter.cppName + " += " + course.step;
-    course.bySign = !IsLiteralStep(step);
+    course.bySign = !IsLiteralStep(stepTokens);
     if (!course.bySign) return course;
-    if (course.down)
+    if (bounds.step.effects && bounds.step.type.IsKnown())
+        AskForStep(counter, end, course);
+    else if (course.down)
         course.comparison = "(" + course.step + ") > 0 ? " + up + " : " + downTo;
     else
         course.comparison = "(" + course.step + ") < 0 ? " + downTo + " : " + up;
@@ -184,6 +209,9 @@ std::string HasNext(const Counter& counter, const Course& course, const Range& r
     const std::string down = counter.cppName + " >= " + range.leastText +
                              (course.step == "1" ? " + 1" : " - (" + course.step + ")");
     if (!course.bySign) return down;
+    if (!course.asked.empty())
+        return course.asked + ".HasRoom(" + counter.cppName + ", " + range.leastText + ", " + range.mostText +
+               ", " + course.next + ")";
     return "((" + course.step + ") < 0 ? " + counter.cppName + " >= " + range.leastText + " - (" +
            course.step + ") : " + counter.cppName + " <= " + range.mostText + " - (" + course.step + "))";
 }
@@ -202,42 +230,47 @@ std::string Header(const Counter& counter, const std::string& declaration, const
            HasNext(counter, course, *range) + " && (" + course.increment + ", true))";
 }
 
-// The start text of a counter declared here. One that reads an outer variable of the counter's name is
-// worked out before the header, where the name means the counter already.
-std::string StartText(State& state, const Counter& counter, const Expr& start, TokenSpan tokens) {
-    const std::string text = TextAs(start, counter.type);
-    if (std::find(tokens.begin(), tokens.end(), counter.name) == tokens.end()) return text;
-    PrepareInSelect(state, Keyword::Local);
-    const std::string outer = "__kvStart" + std::to_string(state.currentLine) + "_" + SafeName(counter.name);
-    EmitLine(state, CppName(counter.type) + " " + outer + " = " + text + ";");
-    return outer;
+void OpenScope(const Counter& counter) {
+    PushBlock();
+    if (counter.declared) DeclareLoopVariable(counter.name, counter.type).cppName = counter.cppName;
+}
+
+// A name in the header means what is outside of the loop; where nothing is, it means the counter.
+Bounds BoundsInScope(const Counter& counter, const Parts& parts) {
+    const bool outside = counter.declared && FindVariable(counter.name) != nullptr;
+    if (!outside) OpenScope(counter);
+    Bounds bounds = BoundsOf(parts);
+    if (outside) OpenScope(counter);
+    return bounds;
 }
 
 }  // namespace
 
 void TranslateCountedFor(State& state, TokenSpan tokens) {
     Counter counter;
-    Parts parts = Cut(tokens, ReadCounter(tokens, counter));
+    const std::size_t at = ReadCounter(tokens, counter);
+    const Parts parts = Cut(tokens, at);
     const Expr start = Number(parts.start, "start");
-    std::string declaration, first;
+    std::string declaration;
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
-        CheckCounterType(counter, start);
-        first = StartText(state, counter, start, parts.start);
-        PushBlock();
-        counter.cppName = DeclareLoopVariable(counter.name, counter.type).cppName;
+        counter.cppName = NameBeside(counter.name, tokens.From(at));
         declaration = CppName(counter.type) + " ";
     } else {
-        PushBlock();
         CheckDeclaredCounter(counter);
-        CheckCounterType(counter, start);
-        first = TextAs(start, counter.type);
     }
-    const Expr end = Number(parts.end, "end");
-    const Course course = CourseOf(counter, end, parts.step);
+    CheckCounterType(counter, start);
+    const Bounds bounds = BoundsInScope(counter, parts);
+    const Course course = CourseOf(counter, bounds, parts.step);
     const Range* range = RangeOf(counter.type);
     if (!MayOverrun(range, counter, parts)) range = nullptr;
-    EmitLine(state, Header(counter, declaration, first, course, range));
+    const bool asks = !course.asked.empty();
+    if (asks)
+        EmitLine(state, "{ KVStep<" + CppName(bounds.step.type) + "> " + course.asked + "(" +
+                            (course.down ? "true" : "false") + ");");
+    EmitLine(state, Header(counter, declaration, TextAs(start, counter.type), course, range));
     EmitLine(state, "{");
-    OpenLoop(state, "For").variable = counter.name;
+    OpenBlock& loop = OpenLoop(state, "For");
+    loop.variable = counter.name;
+    if (asks) loop.walk.behind = " }";
 }

@@ -11,6 +11,7 @@
 #include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/dispatch.h"
+#include "statements/shadowing.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -127,19 +128,9 @@ void CheckConstType(const Declared& declared) {
                     KorvelName(type));
 }
 
-bool MeansSomething(const std::string& name) {
-    const bool method = currentClass != nullptr && FindMethod(*currentClass, name) != nullptr;
-    return method || FindVariable(name) != nullptr || FindFunction(name) != nullptr;
-}
-
-// A C++ name apart from that of the variable or routine that the initialiser means by the same name.
 std::string NameFor(const Declared& declared) {
-    std::string name = SafeName(declared.name);
-    const Token written(declared.name);
-    const bool mentioned =
-        std::find(declared.value.first, declared.value.last, written) != declared.value.last;
-    if (declared.kind != DefinitionKind::Local || !mentioned || !MeansSomething(declared.name)) return name;
-    return name + "__" + std::to_string(settings.currentLine);
+    const bool local = declared.kind == DefinitionKind::Local;
+    return local ? NameBeside(declared.name, declared.value) : SafeName(declared.name);
 }
 
 void NeedTypeComplete(const Declared& declared) {

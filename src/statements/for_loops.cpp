@@ -5,6 +5,8 @@
 // its start, because a growing list would break the iterators. -fast has walks of its own.
 #include "statements/for_loops.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
@@ -25,7 +27,7 @@ struct Collection {
     Expr expr;              // a Sequence as it was translated
     bool pointers = false;  // items may be null
     bool slot = false;      // Elements reached through pointers
-    bool copies = true;     // "auto" makes a copy that the loop may work on; otherwise a reference is meant
+    bool copies = true;     // "auto" makes a copy of the item
 };
 
 struct EachHeader {
@@ -80,7 +82,16 @@ void CheckWalkable(const Expr& expr) {
             "pass the size along and count with For.");
 }
 
-Collection CollectionOf(TokenSpan tokens) {
+// A row of a PreCalc table is no value in C++. Elements in rows are met where they are, as in arrays of one
+// dimension; a Local array holds pointers to them, but others hold slots that copy.
+bool RowsCopy(const State& state, const Expr& table) {
+    if (table.form == ArrayForm::Fixed || table.type.base != Base::Element)
+        return table.form != ArrayForm::Fixed;
+    return std::any_of(state.localArrays.begin(), state.localArrays.end(),
+                       [&](const LocalArray& array) { return array.variable == table.variable; });
+}
+
+Collection CollectionOf(const State& state, TokenSpan tokens) {
     if (const ClassInfo* cls = NamedClass(tokens)) return InstancesOf(*cls);
     Expr expr = TranslateExpression(tokens, ExprMode::Condition);
     CheckWalkable(expr);
@@ -94,19 +105,17 @@ Collection CollectionOf(TokenSpan tokens) {
     if (element) NeedClass(collection.item.cls);
     if (collection.item.IsArray()) {
         collection.itemForm = expr.form == ArrayForm::Fixed ? ArrayForm::Fixed : ArrayForm::Vector;
-        collection.copies = false;
+        collection.copies = RowsCopy(state, expr);
     }
     if (expr.type.IsArray()) {
         collection.slot = element;
         collection.pointers = element || collection.item.Is(Base::Object);
-    } else if (element) {
-        collection.copies = false;
     }
     return collection;
 }
 
-// C++ type of the loop variable. Without an annotation "auto" serves, except where it would copy what
-// the loop is meant to change, or name a bit of a packed vector.
+// C++ type of the loop variable. Without an annotation "auto" serves, except where it would name a bit of a
+// packed vector.
 std::string ItemCppType(const Collection& collection, const ValueType& declared, bool annotated) {
     if (collection.slot) return CppName(Single(Base::Element, collection.item.cls)) + "*";
     if (!collection.copies) return annotated ? CppName(declared) + "&" : "auto&";
@@ -163,7 +172,7 @@ SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::s
 }
 
 void TranslateEach(State& state, const EachHeader& header) {
-    Collection collection = CollectionOf(header.collection);
+    Collection collection = CollectionOf(state, header.collection);
     ValueType declared = DeclaredType(header, collection);
     PushBlock();
     Variable& variable = DeclareLoopVariable(header.name, declared);

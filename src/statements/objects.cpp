@@ -6,6 +6,8 @@
 
 //     delete KVL_p;
 //     KVL_p = nullptr;
+// A variable that calls lead to is found once:
+//     { auto& _kvRemoved = KVL_fleet[KVL_TakeSlot ( )]; delete _kvRemoved; _kvRemoved = nullptr; }
 void TranslateRemove(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
     Expr object = TranslateExpression(tokens.From(1), ExprMode::Statement);
@@ -15,6 +17,11 @@ void TranslateRemove(State& state, TokenSpan tokens) {
     if (object.type.cls != nullptr) NeedClass(object.type.cls);
     NoteDestruction();
     const std::string text = GuardedText(object, Level::Unary);
+    const bool variable = object.assignable || !object.type.IsKnown();
+    if (variable && object.effects) {
+        EmitLine(state, "{ auto& _kvRemoved = " + text + "; delete _kvRemoved; _kvRemoved = nullptr; }");
+        return;
+    }
     EmitLine(state, "delete " + text + ";");
-    if (object.assignable || !object.type.IsKnown()) EmitLine(state, text + " = nullptr;");
+    if (variable) EmitLine(state, text + " = nullptr;");
 }
