@@ -47,6 +47,7 @@ constexpr Flag flags[] = {
     {"-safe", &Settings::safeMode, "Safe mode (runtime error checking)"},
     {"-quick", &Settings::quickBuild, "Quick build mode (incremental compilation)"},
     {"-fast", &Settings::fastMode, "Fast mode (faster programs)"},
+    {"-warn", &Settings::warnings, "Warnings"},
 };
 
 // Arguments that match no row are ignored.

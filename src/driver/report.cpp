@@ -22,6 +22,12 @@ void FailOnErrorStream(const std::string& lines) {
     std::exit(1);
 }
 
+void Warn(const std::string& message) {
+    if (!settings.warnings) return;
+    Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
+        "): " + message);
+}
+
 void DebugLog(const std::string& message) {
     if (settings.verbose) Say("[DEBUG] " + message);
 }

@@ -10,6 +10,9 @@
 // Prints lines on the error stream and ends the run with exit status 1, without the report's frame.
 [[noreturn]] void FailOnErrorStream(const std::string& lines);
 
+// With -warn, says what is odd about the current line of the current file; the run goes on.
+void Warn(const std::string& message);
+
 // Prints "[DEBUG] " + message in verbose mode.
 void DebugLog(const std::string& message);
 

@@ -72,9 +72,8 @@ void ParseFatalReport(const Lines& lines, std::vector<Diagnostic>& errors) {
     if (errors.empty() || !onlyBlocks) errors.push_back(diagnostic);
 }
 
-// "Error in path (line 7): message"
-bool ParseLexerError(const std::string& line, Diagnostic& diagnostic) {
-    const std::string start = "Error in ";
+// "Error in path (line 7): message", or "Warning in path ..."
+bool ParsePlaced(const std::string& line, const std::string& start, Diagnostic& diagnostic) {
     const std::string mark = " (line ";
     const std::size_t end = line.find("): ");
     if (!StartsWith(line, start) || end == std::string::npos) return false;
@@ -92,7 +91,7 @@ void ParseErrorStream(const Lines& lines, std::vector<Diagnostic>& errors) {
     for (std::size_t at = 0; at < lines.size(); ++at) {
         Diagnostic diagnostic;
         std::string line = lines[at];
-        if (ParseLexerError(line, diagnostic)) {
+        if (ParsePlaced(line, "Error in ", diagnostic)) {
             errors.push_back(diagnostic);
         } else if (TakeStart(line, "ERROR: ")) {
             diagnostic.message = line;
@@ -104,6 +103,19 @@ void ParseErrorStream(const Lines& lines, std::vector<Diagnostic>& errors) {
     }
 }
 
+// "Warning in path (line 7): message" or, where no line is meant, "Warning: message".
+void ParseWarning(std::string line, std::vector<Diagnostic>& warnings) {
+    Diagnostic warning;
+    warning.severity = Severity::warning;
+    if (!ParsePlaced(line, "Warning in ", warning)) {
+        if (!TakeStart(line, "Warning: ") && !TakeStart(line, "WARNING: ")) return;
+        // A missing file of flags harms nobody: kvt has said each flag as well.
+        if (StartsWith(line, "Could not create ")) return;
+        warning.message = line;
+    }
+    warnings.push_back(warning);
+}
+
 void ParseNotes(const Lines& lines, KvtReport& report) {
     for (std::string line : lines) {
         line.erase(0, line.find_first_not_of(' '));
@@ -111,9 +123,8 @@ void ParseNotes(const Lines& lines, KvtReport& report) {
             report.linkerFlags.push_back(line);
         } else if (TakeStart(line, "Linker flags written to ")) {
             report.linkerFile = line;
-        } else if (TakeStart(line, "Warning: ") || TakeStart(line, "WARNING: ")) {
-            // A missing file of flags harms nobody: kvt has said each flag as well.
-            if (!StartsWith(line, "Could not create ")) report.warnings.push_back(line);
+        } else {
+            ParseWarning(line, report.warnings);
         }
     }
 }

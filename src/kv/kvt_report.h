@@ -8,7 +8,7 @@
 
 struct KvtReport {
     std::vector<Diagnostic> errors;  // paths as kvt wrote them; a message without a place has no file
-    std::vector<std::string> warnings;
+    std::vector<Diagnostic> warnings;
     std::vector<std::string> linkerFlags;  // in order
     std::string linkerFile;                // the file into which kvt wrote the flags, if it could
 };

@@ -69,12 +69,10 @@ void ShowErrors(const Job& job, KvtReport& report, int status) {
 
 void ShowWarnings(Job& job, const KvtReport& report) {
     job.hadWarnings = !report.warnings.empty();
-    for (const std::string& warning : report.warnings) {
-        Diagnostic diagnostic;
-        diagnostic.severity = Severity::warning;
-        diagnostic.message = warning;
-        diagnostic.file = ShortPath(job.source, job.typedFolder);
-        Show(diagnostic);
+    for (Diagnostic warning : report.warnings) {
+        if (warning.file.empty()) warning.file = job.source;
+        warning.file = ShortPath((fs::path(job.installation) / warning.file).string(), job.typedFolder);
+        Show(warning);
     }
 }
 
@@ -85,7 +83,8 @@ std::string DependencyRecord(const Job& job) {
 }
 
 std::vector<std::string> TranslateCommand(const Job& job) {
-    std::vector<std::string> command = {job.kvt, "-s", job.source, "-o", job.build.cppFolder, "-quick"};
+    std::vector<std::string> command = {job.kvt,  "-s",   job.source, "-o", job.build.cppFolder,
+                                        "-quick", "-warn"};
     if (job.options.debug) command.push_back("-d");
     if (job.options.safe) command.push_back("-safe");
     if (IsFast(job.options)) command.push_back("-fast");

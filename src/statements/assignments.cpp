@@ -84,8 +84,8 @@ void RefuseCompound(TokenSpan tokens, std::size_t sign) {
 // A variable of the routine itself; that of a loop may be an item of something else.
 bool IsOwnVariable(const State& state, const Expr& left, const std::string& target) {
     if (left.variable == nullptr || target != left.variable->cppName) return false;
-    for (const OpenBlock& block : state.blocks)
-        if (block.variable == left.variable->name) return false;
+    for (const OpenBraces& braces : state.braces)
+        if (braces.variable == left.variable->name) return false;
     return FindLocal(left.variable->name) == left.variable;
 }
 

@@ -1,8 +1,14 @@
 #include "statements/blocks.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/expression.h"
+#include "statements/for_loops.h"
+#include "statements/selects.h"
 #include "statements/state.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -14,9 +20,18 @@ struct KindWords {
 };
 
 const KindWords& Words(BlockKind kind) {
-    static const KindWords words[] = {
-        {"If block", "EndIf"}, {"loop", "Next"}, {"Repeat loop", "Until"}, {"Select block", "EndSelect"}};
+    static const KindWords words[] = {{"If block", "EndIf"},
+                                      {"loop", "Next"},
+                                      {"Repeat loop", "Until"},
+                                      {"Select block", "EndSelect"},
+                                      {"brace of inline C++", "}"}};
     return words[static_cast<int>(kind)];
+}
+
+// "If block of line 3"
+template <typename Block>
+std::string Described(const Block& block) {
+    return std::string(Words(block.kind).name) + " of line " + std::to_string(block.line);
 }
 
 int RoutineLine(const State& state) {
@@ -30,17 +45,39 @@ const char* CloserOf(const State& state, const OpenBlock& inner) {
     return isLoop ? LoopCloser(state.loopKindStack.back()) : Words(inner.kind).missing;
 }
 
-void NoteCrossing(State& state, const std::string& closer, const OpenBlock& closed, const OpenBlock& inner) {
-    if (!state.crossingMessage.empty()) return;
-    const std::string start =
-        std::string(Words(closed.kind).name) + " of line " + std::to_string(closed.line);
-    state.crossingLine = settings.currentLine;
-    if (closed.routineLine != RoutineLine(state))
-        state.crossingMessage = "'" + closer + "' closes the " + start + ", which stands in another routine";
-    else
-        state.crossingMessage = "'" + closer + "' closes the " + start + " while the " +
-                                Words(inner.kind).name + " of line " + std::to_string(inner.line) +
-                                " is still open (missing '" + CloserOf(state, inner) + "')";
+constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+// The place of the innermost block of the kind in the open routine.
+std::size_t FindBlock(const State& state, BlockKind kind) {
+    for (std::size_t at = state.blocks.size(); at-- > 0;)
+        if (state.blocks[at].kind == kind && state.blocks[at].routineLine == RoutineLine(state)) return at;
+    return none;
+}
+
+void Refuse(State& state, const std::string& message) {
+    if (!state.closerMessage.empty()) return;
+    state.closerLine = settings.currentLine;
+    state.closerMessage = message;
+}
+
+// "do {" and "} while (...);" belong together; what inline C++ has opened is not known.
+bool CanClose(BlockKind closer, BlockKind braces) {
+    return braces == BlockKind::Inline || (closer == BlockKind::Repeat) == (braces == BlockKind::Repeat);
+}
+
+void WarnOfCrossing(const std::string& closer, const OpenBlock& meant, const OpenBraces& braces) {
+    if (lenient) return;
+    Warn(meant.kind == BlockKind::Inline
+             ? "'" + closer + "' closes a brace of inline C++"
+             : "'" + closer + "' is meant for the " + Described(meant) + ", but ends the " +
+                   Described(braces) + ", which is still open");
+}
+
+ClosedBlock Take(State& state, std::size_t at) {
+    ClosedBlock closed = {std::move(state.blocks[at]), std::move(state.braces.back())};
+    state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at));
+    state.braces.pop_back();
+    return closed;
 }
 
 }  // namespace
@@ -50,32 +87,85 @@ const char* LoopCloser(const std::string& kind) {
     return kind == "EachSeq" ? "NextSeq" : "Next";
 }
 
-OpenBlock& OpenNewBlock(State& state, BlockKind kind) {
+OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variable) {
     if (state.blocks.size() >= deepest) ReportFatal("Blocks are nested too deeply");
-    OpenBlock& block = state.blocks.emplace_back();
-    block.kind = kind;
-    block.line = state.currentLine;
-    block.routineLine = RoutineLine(state);
-    return block;
+    state.blocks.push_back({kind, state.currentLine, RoutineLine(state), variable});
+    OpenBraces& braces = state.braces.emplace_back();
+    braces.kind = kind;
+    braces.line = state.currentLine;
+    braces.variable = variable;
+    return braces;
 }
 
-OpenBlock CloseBlock(State& state, BlockKind kind, const std::string& closer) {
-    std::size_t at = state.blocks.size();
-    while (at > 0 && state.blocks[at - 1].kind != kind) --at;
-    if (at == 0) ReportFatal("'" + closer + "' without an open " + Words(kind).name);
-    if (at != state.blocks.size() || state.blocks[at - 1].routineLine != RoutineLine(state))
-        NoteCrossing(state, closer, state.blocks[at - 1], state.blocks.back());
-    OpenBlock closed = std::move(state.blocks[at - 1]);
-    state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at - 1));
-    return closed;
+std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer) {
+    std::size_t at = FindBlock(state, kind);
+    if (at == none) at = FindBlock(state, BlockKind::Inline);
+    const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
+    if (state.blocks.empty()) ReportFatal(stray);
+    if (at == none) {
+        Refuse(state, stray);
+        return std::nullopt;
+    }
+    const OpenBlock& meant = state.blocks[at];
+    const OpenBraces& braces = state.braces.back();
+    if (!CanClose(kind, braces.kind)) {
+        const OpenBlock& inner = state.blocks.back();
+        Refuse(state, "'" + closer + "' closes the " + Described(meant) + " while the " + Described(inner) +
+                          " is still open (missing '" + CloserOf(state, inner) + "')");
+    } else if (at + 1 != state.blocks.size() || meant.kind != kind) {
+        WarnOfCrossing(closer, meant, braces);
+    }
+    return Take(state, at);
 }
 
-void CheckCrossedBlocks(const State& state) {
-    if (state.crossingMessage.empty()) return;
-    settings.currentLine = state.crossingLine;
-    ReportFatal(state.crossingMessage);
+void PopScopeOf(const OpenBraces& braces) {
+    if (braces.kind != BlockKind::Select) PopBlock();
 }
 
-bool InnermostBlockIs(const State& state, BlockKind kind) {
-    return !state.blocks.empty() && state.blocks.back().kind == kind;
+void EmitClosing(State& state, const OpenBraces& braces) {
+    if (braces.kind == BlockKind::Select) FinishSelect(state);
+    RewriteWalk(state, braces.walk);
+    EmitLine(state, "}" + braces.walk.behind);
+}
+
+void NoteInlineBraces(State& state, int opened) {
+    for (; opened > 0; --opened) {
+        PushBlock();
+        OpenNewBlock(state, BlockKind::Inline);
+    }
+    for (; opened < 0; ++opened) {
+        const std::size_t at = FindBlock(state, BlockKind::Inline);
+        if (at == none) return;
+        const OpenBraces braces = Take(state, at).braces;
+        PopScopeOf(braces);
+        if (braces.kind == BlockKind::Select) FinishSelect(state);
+        RewriteWalk(state, braces.walk);
+        if (!braces.walk.behind.empty()) EmitLine(state, braces.walk.behind);
+    }
+}
+
+void ForgetInlineBraces(State& state) {
+    while (InnermostIs(state, BlockKind::Inline) && state.blocks.back().kind == BlockKind::Inline)
+        Take(state, state.blocks.size() - 1);
+}
+
+void CheckClosers(const State& state) {
+    if (state.closerMessage.empty()) return;
+    settings.currentLine = state.closerLine;
+    ReportFatal(state.closerMessage);
+}
+
+bool InnermostIs(const State& state, BlockKind kind) {
+    return !state.braces.empty() && state.braces.back().kind == kind;
+}
+
+bool CanBreak(const State& state) {
+    return std::any_of(state.braces.begin(), state.braces.end(),
+                       [](const OpenBraces& braces) { return braces.kind != BlockKind::If; });
+}
+
+bool CanContinue(const State& state) {
+    return std::any_of(state.braces.begin(), state.braces.end(), [](const OpenBraces& braces) {
+        return braces.kind != BlockKind::If && braces.kind != BlockKind::Select;
+    });
 }

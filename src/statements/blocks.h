@@ -1,7 +1,13 @@
-// Which blocks are open, in one stack over all kinds, and the Selects among them. The stacks of start
-// lines in State serve the report at the end of the file; this one tells what a closer really closes.
+// Which blocks are open, and the Selects among them. The stacks of start lines in State serve the report at
+// the end of the file; these tell what a closer closes: by its word the innermost block of its kind, in C++
+// the innermost braces, whose they ever are. The two are the same unless closers cross:
+//     While a        while (...) {
+//         If b           if (...) {
+//     Wend               }
+//         EndIf      }
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -11,7 +17,8 @@
 struct Piece;
 struct State;
 
-enum class BlockKind : unsigned char { If, Loop, Repeat, Select };
+// Inline: a brace that inline C++ has opened.
+enum class BlockKind : unsigned char { If, Loop, Repeat, Select, Inline };
 
 // The header of a loop over a Sequence, to be rewritten when the body turns out to change the Sequence.
 struct SequenceWalk {
@@ -26,17 +33,31 @@ struct SequenceWalk {
     std::size_t bodyAt = 0;  // behind the line "{"
 };
 
+// A block whose closing word has not been met.
 struct OpenBlock {
     BlockKind kind = BlockKind::If;
     int line = 0;
-    int routineLine = 0;     // of the Function or Method that the block stands in
+    int routineLine = 0;   // of the Function or Method that the block stands in
+    std::string variable;  // loop variable, as written
+};
+
+// The braces of a block.
+struct OpenBraces {
+    BlockKind kind = BlockKind::If;
+    int line = 0;
     std::string variable;    // loop variable, as written
     bool elseSeen = false;   // If
     bool continued = false;  // Repeat: a Continue of this loop was met
     SequenceWalk walk;       // a loop over a Sequence
 };
 
+struct ClosedBlock {
+    OpenBlock block;    // meant by the word
+    OpenBraces braces;  // closed in C++
+};
+
 struct OpenSelect {
+    int line = 0;
     ValueType subject;
     std::string subjectText;
     bool byIndex = false;    // String and Double: the switch runs over the index of the matching label
@@ -52,17 +73,33 @@ struct OpenSelect {
     std::size_t lastLabelEnd = 0;
 };
 
-// Puts a block that starts at the current line on the stack.
-OpenBlock& OpenNewBlock(State& state, BlockKind kind);
+// Opens a block that starts at the current line.
+OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variable = "");
 
-// Takes the innermost block of the kind off the stack. None open ends the run. A block that closes
-// across others, or in another routine, is remembered and refused by CheckCrossedBlocks.
-OpenBlock CloseBlock(State& state, BlockKind kind, const std::string& closer);
+// Takes the innermost block of the kind in the open routine, or else a brace of inline C++, and the innermost braces
+// off the stacks. A closer that closes nothing ends the run; while other blocks are open it gives no result, there
+// is nothing to emit, and CheckClosers refuses it unless one of those turns out to be the culprit. So it does with
+// braces that the closer cannot end.
+std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer);
 
-// At the end of a file, after the checks for unclosed blocks: ends the run when a closer crossed a block.
-void CheckCrossedBlocks(const State& state);
+// Leaves the scope of closed braces.
+void PopScopeOf(const OpenBraces& braces);
+// Ends what their block has begun and emits "}".
+void EmitClosing(State& state, const OpenBraces& braces);
+
+// Inline C++ of the open routine has opened so many braces more than it has closed, or closed more.
+void NoteInlineBraces(State& state, int opened);
+// At the end of a routine: what inline C++ has left open is its own affair.
+void ForgetInlineBraces(State& state);
+
+// At the end of a file, after the checks for unclosed blocks: ends the run when a closer could not be let through.
+void CheckClosers(const State& state);
 
 // The word that closes a loop of the kind: "For", "While", "EachSeq".
 const char* LoopCloser(const std::string& kind);
 
-bool InnermostBlockIs(const State& state, BlockKind kind);
+// Whether the innermost braces are of the kind.
+bool InnermostIs(const State& state, BlockKind kind);
+// Whether braces are open around the statement that "break", or "continue", can leave.
+bool CanBreak(const State& state);
+bool CanContinue(const State& state);

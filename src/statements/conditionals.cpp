@@ -40,15 +40,14 @@ void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
 }
 
 // The open If that an Else or ElseIf continues.
-OpenBlock& ContinuedIf(State& state, const std::string& keyword) {
-    for (std::size_t i = state.blocks.size(); i-- > 0;) {
-        OpenBlock& block = state.blocks[i];
+OpenBraces& ContinuedIf(State& state, const std::string& keyword) {
+    for (std::size_t i = state.braces.size(); i-- > 0;) {
+        OpenBraces& block = state.braces[i];
         if (block.kind != BlockKind::If) continue;
-        if (i + 1 != state.blocks.size()) {  // reported when the If is closed as well
-            OpenBlock inner = state.blocks.back();
+        if (i + 1 != state.braces.size())
             ReportFatal("'" + keyword + "' belongs to the If of line " + std::to_string(block.line) +
-                        ", but a block that starts at line " + std::to_string(inner.line) + " is still open");
-        }
+                        ", but a block that starts at line " + std::to_string(state.braces.back().line) +
+                        " is still open");
         if (block.elseSeen)
             ReportFatal("'" + keyword + "' after the 'Else' of the If that starts at line " +
                         std::to_string(block.line));
@@ -184,13 +183,14 @@ void TranslateElse(State& state, TokenSpan tokens) {
 
 void TranslateEndIf(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    CloseBlock(state, BlockKind::If, "EndIf");
+    const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::If, "EndIf");
+    if (!closed) return;
     if (settings.verbose) {
         Say("DEBUG: EndIf - popping scope at line " + std::to_string(state.currentLine));
         Say("  Before pop: " + std::to_string(BlockCount()) + " scopes");
     }
-    PopBlock();
+    PopScopeOf(closed->braces);
     if (settings.verbose) Say("  After pop: " + std::to_string(BlockCount()) + " scopes");
-    if (!state.ifStack.empty()) state.ifStack.pop_back();
-    EmitLine(state, "}");
+    if (closed->block.kind == BlockKind::If) state.ifStack.pop_back();
+    EmitClosing(state, closed->braces);
 }

@@ -270,7 +270,6 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
                             (course.down ? "true" : "false") + ");");
     EmitLine(state, Header(counter, declaration, TextAs(start, counter.type), course, range));
     EmitLine(state, "{");
-    OpenBlock& loop = OpenLoop(state, "For");
-    loop.variable = counter.name;
+    OpenBraces& loop = OpenLoop(state, "For", counter.name);
     if (asks) loop.walk.behind = " }";
 }

@@ -185,7 +185,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
 ArrayPlace PlaceOf(const State& state, DefinitionKind kind) {
     if (kind == DefinitionKind::Field) return ArrayPlace::Field;
     if (kind != DefinitionKind::Local) return ArrayPlace::Global;
-    return BlockCount() > 1 || state.selectDepth > 0 ? ArrayPlace::Inner : ArrayPlace::Local;
+    return BlockCount() > 1 || !state.selects.empty() ? ArrayPlace::Inner : ArrayPlace::Local;
 }
 
 bool AnySizeWritten(const std::vector<std::string>& sizes) {

@@ -195,7 +195,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     const DispatchRow* row = FindDispatchRow(keyword);
     if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
     CheckPlace(state, row, tokens);
-    if (state.selectDepth > 0) PrepareInSelect(state, keyword);
+    if (!state.selects.empty()) PrepareInSelect(state, keyword);
     if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
     if (row != nullptr)

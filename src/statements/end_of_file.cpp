@@ -77,5 +77,5 @@ void CheckBlocksClosed(const State& state) {
         FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
     if (!state.withLines.empty())
         FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
-    CheckCrossedBlocks(state);
+    CheckClosers(state);
 }

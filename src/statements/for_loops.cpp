@@ -191,9 +191,7 @@ void TranslateEach(State& state, const EachHeader& header) {
                                collection.sequence ? &collection.expr : nullptr);
     }
     if (collection.pointers && !shared) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenBlock& loop = OpenLoop(state, "For");
-    loop.variable = header.name;
-    loop.walk = walk;
+    OpenLoop(state, "For", header.name).walk = walk;
 }
 
 }  // namespace
@@ -209,11 +207,11 @@ void RewriteWalk(State& state, const SequenceWalk& walk) {
                                  ".HasItem(); " + name + ".Next())");
 }
 
-OpenBlock& OpenLoop(State& state, const std::string& kind) {
+OpenBraces& OpenLoop(State& state, const std::string& kind, const std::string& variable) {
     ++state.loopDepth;
     state.loopStack.push_back(state.currentLine);
     state.loopKindStack.push_back(kind);
-    return OpenNewBlock(state, BlockKind::Loop);
+    return OpenNewBlock(state, BlockKind::Loop, variable);
 }
 
 Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
@@ -248,7 +246,5 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
     SequenceWalk walk = EmitRangeHeader(state, type, variable.cppName, text, lasting ? &sequence : nullptr);
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenBlock& loop = OpenLoop(state, "EachSeq");
-    loop.variable = tokens[1];
-    loop.walk = walk;
+    OpenLoop(state, "EachSeq", tokens[1]).walk = walk;
 }

@@ -17,7 +17,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens);
 void RewriteWalk(State& state, const SequenceWalk& walk);
 
 // Notes the opened loop: depth, start line, kind word for the report at the end of the file.
-OpenBlock& OpenLoop(State& state, const std::string& kind);
+OpenBraces& OpenLoop(State& state, const std::string& kind, const std::string& variable = "");
 
 // Declares a loop variable in the block just pushed and fills in its record.
 Variable& DeclareLoopVariable(const std::string& name, const ValueType& type);

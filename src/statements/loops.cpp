@@ -14,16 +14,20 @@
 
 namespace {
 
-void PopLoopStacks(State& state) {
+std::optional<ClosedBlock> CloseRepeat(State& state, const std::string& closer) {
+    std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Repeat, closer);
+    if (!closed || closed->block.kind != BlockKind::Repeat) return closed;
     --state.loopDepth;
-    if (!state.loopStack.empty()) state.loopStack.pop_back();
-    if (!state.loopKindStack.empty()) state.loopKindStack.pop_back();
+    state.repeatStack.pop_back();
+    return closed;
 }
 
-OpenBlock CloseRepeat(State& state, const std::string& closer) {
-    OpenBlock closed = CloseBlock(state, BlockKind::Repeat, closer);
+std::optional<ClosedBlock> CloseLoop(State& state, const std::string& closer) {
+    std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Loop, closer);
+    if (!closed || closed->block.kind != BlockKind::Loop) return closed;
     --state.loopDepth;
-    if (!state.repeatStack.empty()) state.repeatStack.pop_back();
+    state.loopStack.pop_back();
+    state.loopKindStack.pop_back();
     return closed;
 }
 
@@ -52,10 +56,11 @@ void TranslateRepeat(State& state, TokenSpan tokens) {
 
 // A C++ condition behind the body cannot see the body's variables, so a test of one moves inside it.
 void TranslateUntil(State& state, TokenSpan tokens) {
-    OpenBlock closed = CloseRepeat(state, "Until");
-    std::string condition = ConditionText(tokens.From(1), "Until");
+    const std::optional<ClosedBlock> closed = CloseRepeat(state, "Until");
+    if (!closed) return;
+    const std::string condition = ConditionText(tokens.From(1), "Until");
     if (const std::string* local = LocalOfBlock(tokens.From(1))) {
-        if (closed.continued)
+        if (closed->braces.continued)
             ReportFatal("'Until' tests '" + *local +
                         "', which the loop's 'Continue' may jump over; declare '" + *local +
                         "' before 'Repeat'");
@@ -64,46 +69,42 @@ void TranslateUntil(State& state, TokenSpan tokens) {
     } else {
         EmitLine(state, "} while (!(" + condition + "));");
     }
-    PopBlock();
+    PopScopeOf(closed->braces);
 }
 
 void TranslateForever(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    CloseRepeat(state, "Forever");
-    PopBlock();
+    const std::optional<ClosedBlock> closed = CloseRepeat(state, "Forever");
+    if (!closed) return;
+    PopScopeOf(closed->braces);
     EmitLine(state, "}");
     EmitLine(state, "while (true);");
 }
 
 void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
-    ++state.loopDepth;
-    state.loopStack.push_back(state.currentLine);
-    state.loopKindStack.push_back("While");
     EmitLine(state, "while (" + ConditionText(tokens.From(1), "While") + ")");
-    OpenNewBlock(state, BlockKind::Loop);
+    OpenLoop(state, "While");
     EmitLine(state, "{");
     EmitLine(state, "__kvSchedPoll();");
 }
 
 void TranslateWend(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    const OpenBlock closed = CloseBlock(state, BlockKind::Loop, "Wend");
-    RewriteWalk(state, closed.walk);
-    PopLoopStacks(state);
-    PopBlock();
-    EmitLine(state, "}" + closed.walk.behind);
+    const std::optional<ClosedBlock> closed = CloseLoop(state, "Wend");
+    if (!closed) return;
+    PopScopeOf(closed->braces);
+    EmitClosing(state, closed->braces);
 }
 
 void TranslateNext(State& state, TokenSpan tokens) {
-    OpenBlock closed = CloseBlock(state, BlockKind::Loop, tokens[0]);
+    const std::optional<ClosedBlock> closed = CloseLoop(state, tokens[0]);
+    if (!closed) return;
     if (tokens.size() > 1) {
-        if (closed.variable.empty() || tokens[1] != closed.variable) RefuseMore(tokens, 1);
+        if (tokens[1] != closed->block.variable) RefuseMore(tokens, 1);
         RefuseMore(tokens, 2);
     }
-    PopLoopStacks(state);
-    PopBlock();
-    RewriteWalk(state, closed.walk);
+    PopScopeOf(closed->braces);
     EmitLine(state, "__kvSchedPoll();");
-    EmitLine(state, "}" + closed.walk.behind);
+    EmitClosing(state, closed->braces);
 }

@@ -160,6 +160,6 @@ void TranslateReturn(State& state, TokenSpan tokens) {
     else
         ReturnNothing(state, result);
     state.hasReturn = true;
-    const bool outermost = BlockCount() <= 1 && state.selectDepth == 0;
+    const bool outermost = BlockCount() <= 1 && state.selects.empty();
     state.returnEnd = outermost ? state.out->pieces.back().text.size() : 0;
 }

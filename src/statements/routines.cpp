@@ -139,6 +139,7 @@ void CloseRoutine(State& state) {
     if (settings.debugMode) EmitLine(state, "\t_kvDebugLeave();");
     EmitDefaultResult(state, reachable);
     EmitLine(state, "}");
+    ForgetInlineBraces(state);
     PopRoutineScope();
     state.localArrays.clear();
     state.routine = nullptr;

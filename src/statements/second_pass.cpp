@@ -3,6 +3,7 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
+#include "lexer/cpp_braces.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
@@ -37,12 +38,18 @@ void TranslateLine(State& state, const SourceLines& lines) {
 void RunSecondPass(State& state, const std::string& source) {
     SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
-    lines.onInlineCpp = [&state](const std::string& line) {
+    CppBraces inlineBraces;
+    lines.onInlineCpp = [&](const std::string& line) {
+        inlineBraces.Read(line);
         NoteInlineCpp(line);
         NoteInlineCppInLoops(line);
         PutLine(*state.out, settings.traceMode ? line + " //INLINE" : line);
     };
-    while (lines.Next()) TranslateLine(state, lines);
+    while (lines.Next()) {
+        const int opened = inlineBraces.Take();
+        if (opened != 0 && (state.inFunction || state.inMethod)) NoteInlineBraces(state, opened);
+        TranslateLine(state, lines);
+    }
     settings.currentLine = lines.Line();
     if (lines.InlineCppOpen()) ReportFatal("No EndInlinePHP, unexpected end of file.");
     CheckBlocksClosed(state);

@@ -22,10 +22,10 @@ namespace {
 
 OpenSelect& InnermostSelect(State& state, const std::string& keyword) {
     if (state.selects.empty()) ReportFatal("'" + keyword + "' without an open Select block");
-    if (!InnermostBlockIs(state, BlockKind::Select))
-        ReportFatal("'" + keyword + "' belongs to the Select of line " + std::to_string(state.selectLine) +
-                    ", but the block that starts at line " + std::to_string(state.blocks.back().line) +
-                    " is still open");
+    if (!InnermostIs(state, BlockKind::Select))
+        ReportFatal("'" + keyword + "' belongs to the Select of line " +
+                    std::to_string(state.selects.back().line) + ", but the block that starts at line " +
+                    std::to_string(state.braces.back().line) + " is still open");
     return state.selects.back();
 }
 
@@ -130,6 +130,7 @@ void TranslateSelect(State& state, TokenSpan tokens) {
     select.byIndex = subject.type.Is(Base::String) || subject.type.Is(Base::Double);
     if (subject.type.IsKnown() && !subject.type.IsNumber() && !select.byIndex)
         ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type));
+    select.line = state.currentLine;
     ++state.selectDepth;
     state.selectLine = state.currentLine;
     OpenNewBlock(state, BlockKind::Select);
@@ -168,7 +169,7 @@ void TranslateDefault(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Default");
     RefuseMore(tokens, 1);
     if (select.defaultSeen)
-        ReportFatal("The Select that starts at line " + std::to_string(state.selectLine) +
+        ReportFatal("The Select that starts at line " + std::to_string(select.line) +
                     " has a Default already");
     select.defaultSeen = true;
     CloseBraces(state, select);
@@ -177,21 +178,26 @@ void TranslateDefault(State& state, TokenSpan tokens) {
 
 void TranslateEndSelect(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    CloseBlock(state, BlockKind::Select, "EndSelect");
+    const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Select, "EndSelect");
+    if (!closed) return;
+    if (closed->block.kind == BlockKind::Select) --state.selectDepth;
+    state.selectLine = 0;
+    for (const OpenBlock& block : state.blocks)
+        if (block.kind == BlockKind::Select) state.selectLine = block.line;
+    PopScopeOf(closed->braces);
+    EmitClosing(state, closed->braces);
+}
+
+void FinishSelect(State& state) {
     OpenSelect& select = state.selects.back();
     CloseBraces(state, select);
     if (NothingBehindLabel(state, select)) EmitLine(state, ";");
     CompleteSwitch(select);
     state.selects.pop_back();
-    --state.selectDepth;
-    state.selectLine = 0;
-    for (const OpenBlock& block : state.blocks)
-        if (block.kind == BlockKind::Select) state.selectLine = block.line;
-    EmitLine(state, "}");
 }
 
 void PrepareInSelect(State& state, Keyword keyword) {
-    if (!InnermostBlockIs(state, BlockKind::Select)) return;
+    if (!InnermostIs(state, BlockKind::Select)) return;
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = state.selects.back();
     if (!select.labelSeen)

@@ -30,18 +30,19 @@ void TranslateEnd(State& state, TokenSpan tokens) {
 }
 
 void TranslateExit(State& state, TokenSpan tokens) {
-    if (state.loopDepth <= 0 && state.selectDepth <= 0)
+    if ((state.loopDepth <= 0 && state.selectDepth <= 0) || !CanBreak(state))
         ReportFatal("'Exit' can only be used inside a loop or Select block");
     RefuseMore(tokens, 1);
     EmitLine(state, "break;");
 }
 
 void TranslateContinue(State& state, TokenSpan tokens) {
-    if (state.loopDepth <= 0) ReportFatal("'Continue' can only be used inside a For loop");
+    if (state.loopDepth <= 0 || !CanContinue(state))
+        ReportFatal("'Continue' can only be used inside a For loop");
     RefuseMore(tokens, 1);
-    for (std::size_t i = state.blocks.size(); i-- > 0;) {
-        if (state.blocks[i].kind != BlockKind::Loop && state.blocks[i].kind != BlockKind::Repeat) continue;
-        state.blocks[i].continued = true;
+    for (std::size_t i = state.braces.size(); i-- > 0;) {
+        if (state.braces[i].kind != BlockKind::Loop && state.braces[i].kind != BlockKind::Repeat) continue;
+        state.braces[i].continued = true;
         break;
     }
     EmitLine(state, "continue;");

@@ -50,10 +50,11 @@ struct State {
     std::vector<std::string> loopKindStack;
 
     std::vector<OpenBlock> blocks;    // every open If, loop and Select, innermost last
-    std::vector<OpenSelect> selects;  // the open Selects, innermost last
+    std::vector<OpenBraces> braces;   // as many, as they nest in C++
+    std::vector<OpenSelect> selects;  // those of the Selects among them
     bool inOneLineIf = false;         // the statement stands behind a Then on the same line
-    std::string crossingMessage;      // the first closer that crossed an open block, and its line
-    int crossingLine = 0;
+    std::string closerMessage;        // the first closer that cannot be let through, and its line
+    int closerLine = 0;
 
     bool inPreCalc = false;
     int preCalcLine = 0;

@@ -32,8 +32,8 @@ std::string HandlerCall(const std::string& name) {
     return handler->cppName + "(" + DefaultArguments(*handler) + ")";
 }
 
-// Whether some Function has the name in any letter case: a name in another case stops nothing, which the
-// language allows, but one that no Function has is a slip.
+// Whether some Function has the name in any letter case. Any other name stops nothing, which the language
+// allows, but one that no Function has is a slip.
 bool NamesFunction(const std::string& name) {
     static const std::unordered_set<std::string> lowered = [] {
         std::unordered_set<std::string> names;
@@ -64,10 +64,10 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
 }
 
 void TranslateStopCall(State& state, TokenSpan tokens) {
-    if (tokens.size() < 2) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
+    if (!IsName(tokens[1])) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
     RefuseMore(tokens, 2);
     const bool all = IsWord(tokens[1], "all");
     if (!all && !lenient && !NamesFunction(tokens[1]))
-        ReportFatal("StopCall: there is no Function '" + tokens[1] + "'");
+        Warn("StopCall: there is no Function '" + tokens[1] + "'");
     EmitLine(state, "__kvStopCall(\"" + (all ? std::string() : tokens[1]) + "\");");
 }

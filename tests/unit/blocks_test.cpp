@@ -1,6 +1,7 @@
 #include "statements/blocks.h"
 
 #include "expect_fatal.h"
+#include "lexer/cpp_braces.h"
 #include "statements/constant_value.h"
 #include "statements/state.h"
 #include "symbols_fixture.h"
@@ -13,21 +14,48 @@ TEST(Blocks, NestOnlySoDeep) {
     EXPECT_FATAL(OpenNewBlock(state, BlockKind::Loop), "Blocks are nested too deeply");
 }
 
-TEST(Blocks, CloseTheInnermostOfTheirKind) {
+// By their words the innermost of their kind, in C++ the innermost braces.
+TEST(Blocks, Cross) {
     State state;
     state.currentLine = 3;
-    OpenNewBlock(state, BlockKind::Loop).variable = "i";
+    OpenNewBlock(state, BlockKind::Loop, "i");
     state.currentLine = 4;
     OpenNewBlock(state, BlockKind::If);
-    OpenNewBlock(state, BlockKind::Loop).variable = "j";
-    EXPECT_EQ(CloseBlock(state, BlockKind::Loop, "Next").variable, "j");
-    CheckCrossedBlocks(state);
-    EXPECT_EQ(CloseBlock(state, BlockKind::Loop, "Next").variable, "i");
-    EXPECT_TRUE(InnermostBlockIs(state, BlockKind::If));
-    EXPECT_FATAL(CheckCrossedBlocks(state),
-                 "'Next' closes the loop of line 3 while the If block of line 4 is still open "
-                 "(missing 'EndIf')");
+    OpenNewBlock(state, BlockKind::Loop, "j");
+    EXPECT_EQ(CloseBlock(state, BlockKind::Loop, "Next")->block.variable, "j");
+    const std::optional<ClosedBlock> crossing = CloseBlock(state, BlockKind::Loop, "Next");
+    EXPECT_EQ(crossing->block.variable, "i");
+    EXPECT_EQ(crossing->braces.kind, BlockKind::If);
+    EXPECT_TRUE(InnermostIs(state, BlockKind::Loop));
+    CheckClosers(state);
+    OpenNewBlock(state, BlockKind::Repeat);
+    EXPECT_TRUE(CloseBlock(state, BlockKind::If, "EndIf"));
+    EXPECT_FATAL(CheckClosers(state),
+                 "'EndIf' closes the If block of line 4 while the Repeat loop of line 4 is still open "
+                 "(missing 'Until')");
+    EXPECT_FALSE(CloseBlock(state, BlockKind::Loop, "Wend"));
+    EXPECT_TRUE(CloseBlock(state, BlockKind::Repeat, "Forever"));
     EXPECT_FATAL(CloseBlock(state, BlockKind::Loop, "Wend"), "'Wend' without an open loop");
+}
+
+// Those of code, not of literals, comments and macros; of the branches of an #if one counts.
+TEST(Blocks, BracesOfInlineCpp) {
+    const struct {
+        std::vector<std::string> lines;
+        int opened;
+    } rows[] = {
+        {{"if (a) { for (;;) {", "}"}, 1},
+        {{"} else {"}, 0},
+        {{"f(\"{\\\"{\", '{', '\\'', \"\"); // {", "/* {", "{ */ }"}, -1},
+        {{"auto a = u8R\"x({)\"{", "{ )x\"; {"}, 1},
+        {{"#define OPEN { \\", "{ {", "#if A", "if (a) {", "#else", "if (b) {", "#endif"}, 1},
+    };
+    for (const auto& row : rows) {
+        CppBraces braces;
+        for (const std::string& line : row.lines) braces.Read(line);
+        EXPECT_EQ(braces.Take(), row.opened) << row.lines[0];
+        EXPECT_EQ(braces.Take(), 0);
+    }
 }
 
 using ConstantValues = SymbolsTest;

@@ -151,12 +151,15 @@ TEST(KvtReports, Notes) {
     const KvtReport report = ParseKvtReport(
         "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"/my dir\"\n  - Adding linker flag: -lm\n"
         "Linker flags written to /x/game.linkflags\n  Warning: DLL not found in userlibs/: a.so\n"
-        "Warning: Could not create /x/game.linkflags\nDone! "
+        "Warning: Could not create /x/game.linkflags\nWarning in /x y/a.kvl (line 7): odd (line 8): "
+        "yes\nDone! "
         "\\o/\n",
         "");
     EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\"", "-lm"}));
     EXPECT_EQ(report.linkerFile, "/x/game.linkflags");
-    EXPECT_EQ(report.warnings, (Words{"DLL not found in userlibs/: a.so"}));
+    ASSERT_EQ(report.warnings.size(), 2U);
+    EXPECT_EQ(report.warnings[0].message, "DLL not found in userlibs/: a.so");
+    EXPECT_EQ(Format(report.warnings[1], false), "/x y/a.kvl:7: warning: odd (line 8): yes\n");
     EXPECT_TRUE(report.errors.empty());
 }
 
