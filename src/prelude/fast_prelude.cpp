@@ -7,18 +7,18 @@
 
 namespace {
 
-// Whether code that kvt does not see has its share in the output.
-bool HasForeignOutput() {
-    return programUses.foreignOutput || settings.debugMode || !symbols.externFunctions.empty() ||
-           !symbols.userlibDLLs.empty();
+// Code that kvt does not see, or that writes past the C++ streams, has its share in the output of some programs.
+std::string_view OutputText() {
+    if (programUses.unsyncedOutput) return texts::fastUnitOutput;
+    const bool foreign = programUses.foreignOutput || settings.debugMode ||
+                         !symbols.externFunctions.empty() || !symbols.userlibDLLs.empty();
+    return foreign ? texts::fastLineOutput : texts::fastOutput;
 }
 
 }  // namespace
 
 std::string FastPrelude(bool withTypes) {
-    std::string text(texts::fastOutput);
-    if (HasForeignOutput()) text += texts::fastLineOutput;
-    if (programUses.unsyncedOutput) text += texts::fastUnitOutput;
+    std::string text(OutputText());
     text += texts::fastSequence;
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;

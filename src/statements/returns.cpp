@@ -3,6 +3,10 @@
 //     	for(int _i0 = 0; ...                       copies
 //     	for(int _i0 = 0; ... delete KVL_items[_i0]  frees
 //     return (KVL_a_copy);
+// and of Return of a call in a debug build:
+//     int _kvReturn = KVL_F();
+//     	_kvDebugLeave();
+//     return (_kvReturn);
 #include "statements/returns.h"
 
 #include <algorithm>
@@ -97,18 +101,22 @@ std::string CopyOfArray(State& state, const Expr& value) {
     return copy;
 }
 
-// The text to return, worked out before the arrays that it may read are freed.
-std::string ReturnedText(State& state, const ValueType& result, const Expr& value) {
-    if (value.type.IsArray()) return value.form == ArrayForm::Owned ? value.text : CopyOfArray(state, value);
-    const std::string text = result.IsKnown() ? TextAs(value, result) : ValueText(value);
-    if (!OwnsObjects(state) || value.literal) return text;
-    EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
-    return valueName;
+bool IsCopied(const Expr& value) { return value.type.IsArray() && value.form != ArrayForm::Owned; }
+
+// The value may read the arrays that are freed, and what it calls stands under this routine for a debugger.
+bool IsWorkedOutBefore(const State& state, const Expr& value) {
+    if (value.literal || IsCopied(value)) return false;
+    return OwnsObjects(state) || (settings.debugMode && value.effects);
 }
 
-// Names that the lines before the return line introduce, when they do.
-bool IntroducesNames(const State& state, const Expr& value) {
-    return value.type.IsArray() ? value.form != ArrayForm::Owned : OwnsObjects(state) && !value.literal;
+// The text to return, worked out before the routine is left where that matters.
+std::string ReturnedText(State& state, const ValueType& result, const Expr& value) {
+    if (IsCopied(value)) return CopyOfArray(state, value);
+    const bool converted = result.IsKnown() && !value.type.IsArray();
+    const std::string text = converted ? TextAs(value, result) : ValueText(value);
+    if (!IsWorkedOutBefore(state, value)) return text;
+    EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
+    return valueName;
 }
 
 void EmitLeaving(State& state) {
@@ -128,7 +136,8 @@ void ReturnNothing(State& state, const ValueType& result) {
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     const Expr value = TranslateExpression(tokens, ExprMode::Condition);
     CheckValue(state, result, value);
-    const bool braces = state.hasReturn && IntroducesNames(state, value);
+    const bool introducesNames = IsCopied(value) || IsWorkedOutBefore(state, value);
+    const bool braces = introducesNames && (state.hasReturn || state.selectDepth > 0);
     if (braces) EmitLine(state, "{");
     const std::string text = ReturnedText(state, result, value);
     EmitLeaving(state);

@@ -81,7 +81,7 @@ std::string CheckGenerated(const std::string& outputFolder) {
 
 static std::vector<std::string> CompilerCommand(const CompileOptions& options) {
     std::vector<std::string> command{FromEnvironment("CXX", "g++"), "-std=c++11", "-O0",
-                                     "-I" + GetPlaces().stage + "/include"};
+                                     "-I" + options.includeFolder};
     if (options.sanitize) {
         for (const char* flag : {"-fsanitize=address,undefined", "-fno-sanitize-recover=all", "-g1"})
             command.emplace_back(flag);

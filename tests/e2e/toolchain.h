@@ -32,6 +32,7 @@ struct CompileOptions {
     bool precompiled = true;  // the standard includes come from a precompiled header
     bool sanitize = false;
     std::string linkerFlags;
+    std::string includeFolder = GetPlaces().stage + "/include";
 };
 // Compiles to `folder`/program.
 ProcessResult CompileProgram(const std::string& cppFile, const std::string& folder,
