@@ -30,6 +30,7 @@ const std::array<Row, supportCount> rows = {{
     {texts::askedStep, texts::askedStep, Support::AskedStep},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
     {texts::fastFixedArray, texts::fastFixedArray, Support::FixedArray},
+    {texts::presence, texts::presence, Support::Presence},
 }};
 
 std::array<bool, supportCount> used{};  // written by RequireSupport

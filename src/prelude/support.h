@@ -17,6 +17,7 @@ enum class Support : unsigned char {
     AskedStep,     // KVStep, the step of a For that runs code of the program
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     FixedArray,    // KVArray, an array inside the frame of its routine; under -fast
+    Presence,      // KVPresence, whether a Method's object is still there; debug builds
     Count,
 };
 

@@ -42,5 +42,6 @@ extern const std::string_view inputEnd;
 extern const std::string_view safeOperands;
 extern const std::string_view askedStep;
 extern const std::string_view fastFixedArray;  // only programs translated with -fast ask for it
+extern const std::string_view presence;
 
 }  // namespace texts

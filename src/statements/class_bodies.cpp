@@ -14,7 +14,9 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "prelude/fill.h"
+#include "prelude/support.h"
 #include "prelude/texts.h"
+#include "statements/debug_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "symbols/identifiers.h"
@@ -71,6 +73,9 @@ void EmitOpening(State& state, const ClassInfo& cls) {
     EmitLine(state, "public:");
     if (!tracked) EmitLine(state, " static std::vector<" + cls.cppName + "*> _instances;");
     EmitLine(state, "");
+    if (!WatchesPresence(cls)) return;
+    RequireSupport(Support::Presence);
+    EmitLine(state, " KVPresence _kvPresence;");
 }
 
 // A Sequence has no comparison of its own; its items have.

@@ -1,10 +1,12 @@
 #include "statements/debug_hooks.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
+#include "symbols/reach.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -43,7 +45,7 @@ void ReportLocals(State& state) {
 
 void ReportOwnFields(State& state) {
     if (!state.inMethod || state.cls == nullptr || state.cls->fields.empty()) return;
-    EmitLine(state, "if(this != nullptr) {");
+    EmitLine(state, state.watchesOwnObject ? "if(__kvRun.object != nullptr) {" : "if(this != nullptr) {");
     for (const std::string& field : state.cls->fields)
         if (const Variable* member = FindField(*state.cls, field))
             EmitLine(state, Report(*member, "this->" + member->cppName, 3));
@@ -126,6 +128,17 @@ void PutGlobalReporter(FileOutput& out) {
 }
 
 }  // namespace
+
+bool MayLoseObject(const ClassInfo& cls, const Routine& method) {
+    return settings.debugMode && !cls.isElement && !cls.fields.empty() && RoutineMayRemove(method.name);
+}
+
+bool WatchesPresence(const ClassInfo& cls) {
+    return std::any_of(cls.methods.begin(), cls.methods.end(), [&](const std::string& name) {
+        const Routine* method = FindMethod(cls, name);
+        return method != nullptr && MayLoseObject(cls, *method);
+    });
+}
 
 void EmitStatementHook(State& state, Keyword keyword) {
     bool label = keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect;

@@ -10,6 +10,7 @@
 #include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "statements/class_bodies.h"
+#include "statements/debug_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "statements/returns.h"
@@ -81,7 +82,7 @@ void OpenRoutine(State& state, const Routine* routine) {
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
     EmitLine(state, signature);
     EmitLine(state, "{");
-    if (!after.empty()) EmitLine(state, after);
+    EmitLines(state, after);
     EmitLine(state, "__kvSchedPoll();");
     if (state.isMainRoutine) EmitLine(state, "\tstd::cout.precision(15);");
 }
@@ -180,6 +181,15 @@ std::string ReportedName(const Routine& method, const std::string& className) {
     return method.name == "destructor" ? "~" + className : method.name;
 }
 
+// Lines between the opening brace of a Method and the poll.
+std::string LinesBeforePoll(State& state, const Routine& method) {
+    const bool registers = IsConstructor(state) && KeepsInstances(state);
+    state.watchesOwnObject = MayLoseObject(*state.cls, method);
+    std::string lines = registers ? "_instances.push_back(this);\n" : "";
+    if (state.watchesOwnObject) lines += "KVMethodRun __kvRun(&_kvPresence);\n";
+    return lines;
+}
+
 void BeginMethodPiece(State& state, const Routine& method) {
     const bool special = method.name == "constructor" || method.name == "destructor";
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
@@ -189,9 +199,8 @@ void BeginMethodPiece(State& state, const Routine& method) {
     piece.definitionHead =
         result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
     DeclareParameters(method);
-    const bool registers = IsConstructor(state) && KeepsInstances(state);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
-                registers ? "_instances.push_back(this);" : "");
+                LinesBeforePoll(state, method));
 }
 
 }  // namespace

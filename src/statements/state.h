@@ -70,7 +70,8 @@ struct State {
     bool hasReturn = false;
     std::size_t returnEnd = 0;  // length of the piece behind a Return of the outermost block, 0 without one
     std::vector<LocalArray> localArrays;
-    std::size_t frameRoom = 0;  // -fast: bytes that arrays may still take in the routine's frame
+    bool watchesOwnObject = false;  // debug builds: the Method may remove its own object
+    std::size_t frameRoom = 0;      // -fast: bytes that arrays may still take in the routine's frame
 };
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line

@@ -9,7 +9,8 @@ namespace {
 ReachGraph graph;
 bool built = false;
 std::unordered_map<const ClassInfo*, std::unordered_set<int>>
-    answers;  // the nodes that may create a class, but for those that may create any
+    answers;                       // the nodes that may create a class, but for those that may create any
+std::unordered_set<int> removers;  // the nodes that may remove an object
 
 std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
 
@@ -135,7 +136,10 @@ private:
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
             if (keyword == Keyword::SeqSort)
                 graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
-            if (keyword == Keyword::Remove) graph.Call(node, graph.destructors);
+            if (keyword == Keyword::Remove) {
+                graph.At(node).removes = true;
+                graph.Call(node, graph.destructors);
+            }
             startsTimer = startsTimer || keyword == Keyword::AutoCall;
             const auto meaning = graph.words.find(&token);
             if (meaning == graph.words.end()) continue;
@@ -162,6 +166,10 @@ void Build() {
     for (std::size_t i = 0; i < graph.nodes.size(); ++i)
         if (graph.nodes[i].createsAnything) creators.push_back(static_cast<int>(i));
     graph.anything = NodesThatRun(graph, creators, {});
+    std::vector<int> removing;
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i)
+        if (graph.nodes[i].removes || graph.nodes[i].holdsInlineCpp) removing.push_back(static_cast<int>(i));
+    removers = NodesThatRun(graph, removing, {});
 }
 
 // The nodes that may create an object of the class without being able to create anything.
@@ -198,9 +206,18 @@ bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
     return graph.anything.count(loop->second) != 0 || NodesThatCreate(cls).count(loop->second) != 0;
 }
 
+// Every routine looks after the timers when it is entered.
+bool RoutineMayRemove(const std::string& name) {
+    if (lenient) return true;
+    const auto routine = BuiltGraph().routines.find(name);
+    if (routine == graph.routines.end() || removers.count(graph.timers) != 0) return true;
+    return removers.count(routine->second) != 0;
+}
+
 void ResetReach() {
     graph = ReachGraph();
     built = false;
     answers.clear();
+    removers.clear();
     ResetSequenceChanges();
 }

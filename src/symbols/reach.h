@@ -1,5 +1,5 @@
-// What a loop over the instances of a Type may bring about while it runs. Creating an instance moves the
-// instance list, so such a loop has to walk by index.
+// What a piece of the program may bring about while it runs. Creating an instance moves the instance list, so a
+// loop over it has to walk by index; a Method may remove its own object.
 #pragma once
 
 #include <string>
@@ -10,5 +10,9 @@
 // them, itself or through anything it may call. Errs on the side of yes. The first question reads all
 // files of the program once.
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls);
+
+// Whether a Function or Method of this name may remove an object of some Type, itself, through anything it may
+// call or through a timer. Errs on the side of yes.
+bool RoutineMayRemove(const std::string& name);
 
 void ResetReach();

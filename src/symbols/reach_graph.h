@@ -15,6 +15,7 @@ struct ReachNode {
     std::vector<int> callers;
     bool createsAnything = false;
     bool holdsInlineCpp = false;
+    bool removes = false;
 };
 
 // What a word of the program may stand for.
