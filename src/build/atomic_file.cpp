@@ -1,8 +1,8 @@
 #include "build/atomic_file.h"
 
-#include <cstdio>
 #include <filesystem>
 
+#include "driver/files.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
@@ -11,13 +11,11 @@ bool ReplaceFile(const std::string& path, const std::string& text) {
     std::string before;
     if (FileSize(path) == text.size() && ReadFile(path, before) && before == text) return true;
     const std::string passing = path + ".new";
-    std::FILE* file = std::fopen(passing.c_str(), "wb");
-    if (!file) return false;
-    bool good = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    good = std::fclose(file) == 0 && good;
     std::error_code failed;
-    if (good) fs::rename(passing, path, failed);
-    if (good && !failed) return true;
+    if (fs::exists(path, failed) && !fs::is_regular_file(path, failed)) return false;
+    if (!WriteContents(passing, text)) return false;
+    fs::rename(passing, path, failed);
+    if (!failed) return true;
     fs::remove(passing, failed);
     return false;
 }

@@ -1,16 +1,21 @@
 #include "build/dependency_manifest.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <unordered_set>
 
 #include "build/atomic_file.h"
+#include "driver/files.h"
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "lexer/source_reader.h"
+
+namespace fs = std::filesystem;
 
 DependencyRecord dependencies;
 
@@ -102,10 +107,47 @@ std::string TimesText(const std::string& heading, const FileTimes& times) {
     return text;
 }
 
+// False when something is wrong with the text; what was read before stays in the record.
+bool ReadRecord(const std::string& text, DependencyRecord& record) {
+    ManifestReader reader(text);
+    return reader.Heading("MAIN:", record.main) && reader.List("INCLUDES:", record.includes) &&
+           reader.Times("KVL_TIMES:", record.sourceTimes) && reader.Times("CPP_TIMES:", record.cppTimes) &&
+           reader.Times("OBJ_TIMES:", record.objectTimes);
+}
+
+std::string RecordText(const DependencyRecord& record) {
+    std::string text = "MAIN:" + record.main + "\nINCLUDES:" + std::to_string(record.includes.size()) + "\n";
+    for (const std::string& include : record.includes) text += include + "\n";
+    return text + TimesText("KVL_TIMES:", record.sourceTimes) + TimesText("CPP_TIMES:", record.cppTimes) +
+           TimesText("OBJ_TIMES:", record.objectTimes);
+}
+
+std::int64_t recordTime = 0;  // when the record that is in force was written
+std::int64_t startOfRun = 0;  // before anything was read
+
+std::int64_t Now() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
+
+// The record holds whole seconds. In the second in which it was written, its own time tells.
+bool ChangedInThatSecond(const std::string& path, std::int64_t recorded) {
+    constexpr std::int64_t second = 1000000000;
+    const std::int64_t time = FineFileTime(path);
+    return time / second == recorded && recordTime / second == recorded && time > recordTime;
+}
+
 bool SourceChanged(const std::string& path, bool& unknown) {
     const auto recorded = dependencies.sourceTimes.find(path);
     unknown = recorded == dependencies.sourceTimes.end();
-    return !unknown && FileTime(path) > recorded->second;
+    if (unknown) return false;
+    return FileTime(path) > recorded->second || ChangedInThatSecond(path, recorded->second);
+}
+
+// What is edited while it is being translated counts as changed next time.
+std::int64_t TimeToRecord(const std::string& path) {
+    const std::int64_t time = FileTime(path), fine = FineFileTime(path);
+    return fine > startOfRun && fine <= Now() ? time - 1 : time;
 }
 
 bool MainUnchanged() {
@@ -141,9 +183,29 @@ bool Forces(bool condition, const char* message) {
 
 }  // namespace
 
-bool HasDependencyManifest() { return FileExists(ManifestPath(settings.mainSource, settings.outputPath)); }
+static std::string trusted;             // the record's text before it was distrusted
+static fs::file_time_type trustedTime;  // and when it was written
+
+void DistrustDependencyManifest() {
+    const std::string path = ManifestPath(settings.mainSource, settings.outputPath);
+    std::error_code failed;
+    DependencyRecord record;
+    if (!ReadFile(path, trusted) || !ReadRecord(trusted, record)) return trusted.clear();
+    trustedTime = fs::last_write_time(path, failed);
+    record.cppTimes[ExpectedCpp()];
+    for (auto& [cpp, time] : record.cppTimes) time = 0;  // debug builds share files with others
+    if (!WriteContents(path, RecordText(record))) fs::remove(path, failed);
+}
+
+void TrustDependencyManifest() {
+    if (trusted.empty()) return;
+    const std::string path = ManifestPath(settings.mainSource, settings.outputPath);
+    std::error_code failed;
+    if (ReplaceFile(path, trusted)) fs::last_write_time(path, trustedTime, failed);
+}
 
 void ResetDependencies() {
+    startOfRun = Now();
     dependencies = {};
     dependencies.main = settings.mainSource;
     knownIncludes.clear();
@@ -161,23 +223,15 @@ bool LoadDependencyManifest(DependencyRecord& record, const std::string& mainSou
         VerboseNote("[QUICK BUILD] No previous dependency manifest found");
         return false;
     }
-    ManifestReader reader(text);
-    const bool whole = reader.Heading("MAIN:", record.main) && reader.List("INCLUDES:", record.includes) &&
-                       reader.Times("KVL_TIMES:", record.sourceTimes) &&
-                       reader.Times("CPP_TIMES:", record.cppTimes) &&
-                       reader.Times("OBJ_TIMES:", record.objectTimes);
+    recordTime = FineFileTime(path);
+    const bool whole = ReadRecord(text, record);
     if (whole) VerboseNote("[QUICK BUILD] Loaded dependency manifest: " + path);
     return whole;
 }
 
 void SaveDependencyManifest(const DependencyRecord& record) {
     const std::string path = ManifestPath(record.main, settings.outputPath);
-    std::string text = "MAIN:" + record.main + "\nINCLUDES:" + std::to_string(record.includes.size()) + "\n";
-    for (const std::string& include : record.includes) text += include + "\n";
-    text += TimesText("KVL_TIMES:", record.sourceTimes);
-    text += TimesText("CPP_TIMES:", record.cppTimes);
-    text += TimesText("OBJ_TIMES:", record.objectTimes);
-    if (!ReplaceFile(path, text)) {
+    if (!ReplaceFile(path, RecordText(record))) {
         std::fputs("[QUICK BUILD] Warning: Could not save dependency manifest\n", stderr);
         return;
     }
@@ -195,6 +249,7 @@ bool HeaderBuiltForOtherTarget(const std::string& cppPath) {
 }
 
 bool CanSkipTranslation() {
+    startOfRun = Now();
     const std::string cpp = ExpectedCpp();
     if (Forces(!LoadDependencyManifest(dependencies, settings.mainSource, settings.outputPath),
                "No previous build found, performing full transpilation")) {
@@ -206,8 +261,9 @@ bool CanSkipTranslation() {
     if (Forces(HeaderBuiltForOtherTarget(cpp), "C++ file was built for another target, transpiling...")) {
         return false;
     }
-    // A build that did not come to its end leaves the file empty.
     if (Forces(FileSize(cpp) == 0, "C++ file not found, forcing transpilation")) return false;
+    const auto recorded = dependencies.cppTimes.find(cpp);
+    if (recorded != dependencies.cppTimes.end() && recorded->second == 0) return false;  // distrusted
     Say("[QUICK BUILD] No source files changed - skipping transpilation");
     Say("[QUICK BUILD] Using existing: " + cpp);
     return true;
@@ -215,9 +271,9 @@ bool CanSkipTranslation() {
 
 void UpdateDependencyManifest() {
     dependencies.main = settings.mainSource;
-    dependencies.sourceTimes[settings.mainSource] = FileTime(settings.mainSource);
+    dependencies.sourceTimes[settings.mainSource] = TimeToRecord(settings.mainSource);
     for (const std::string& include : dependencies.includes) {
-        dependencies.sourceTimes[include] = FileTime(include);
+        dependencies.sourceTimes[include] = TimeToRecord(include);
     }
     dependencies.cppTimes[ExpectedCpp()] = FileTime(ExpectedCpp());
     SaveDependencyManifest(dependencies);

@@ -19,8 +19,12 @@ struct DependencyRecord {
 // The record of this run.
 extern DependencyRecord dependencies;
 
-// True when there is one for the main source, so that a quick build may rely on the outputs.
-bool HasDependencyManifest();
+// Before anything in the output folder changes, the record stops vouching for the main .cpp (whose time becomes
+// 0), so that a run that is killed, fails or has no room is not mistaken for a finished one.
+void DistrustDependencyManifest();
+
+// Gives the record back as it was, after a translation without -quick.
+void TrustDependencyManifest();
 
 // Empties the record before a translation.
 void ResetDependencies();

@@ -49,7 +49,7 @@ bool MayChangeFolderOf(const std::string& path) {
 auto FindPutOff(const std::string& path) {
     if (putOff.empty()) return putOff.end();
     FileFacts facts = Examine(path);
-    if (facts.kind == FileFacts::Kind::Other) {
+    if (facts.kind == FileFacts::Kind::Link) {
         std::error_code failed;
         facts = Examine(fs::canonical(path, failed).string());
     }
@@ -59,16 +59,16 @@ auto FindPutOff(const std::string& path) {
 
 bool CanOpen(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
 
-// New files and those of the previous build are not opened before they are written.
+// New files, those that take the place of a link and those of the previous build are not opened before they are
+// written.
 Reservation Reserve(const std::string& path) {
+    using Kind = FileFacts::Kind;
     Reservation reservation;
     const FileFacts facts = Examine(path);
-    const bool isNew = facts.kind == FileFacts::Kind::Missing && MayChangeFolderOf(path);
-    const bool isOld =
-        facts.kind == FileFacts::Kind::Regular && putOff.erase({facts.device, facts.number}) != 0;
+    const bool isNew = (facts.kind == Kind::Missing || facts.kind == Kind::Link) && MayChangeFolderOf(path);
+    const bool isOld = facts.kind == Kind::Regular && putOff.erase({facts.device, facts.number}) != 0;
     if (isNew || isOld) return reservation;
-    DeletePutOff(path);  // what a link leads to
-    reservation.creatable = CanOpen(path);
+    reservation.creatable = facts.kind != Kind::Other && facts.kind != Kind::Link && CanOpen(path);
     reservation.made = true;
     return reservation;
 }

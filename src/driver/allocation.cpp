@@ -10,7 +10,16 @@
 #include <sys/mman.h>
 #endif
 
-#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer has to see every block
+// Sanitizers have to see every block. gcc tells by a macro that there is one, clang by a question.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KVT_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) || __has_feature(thread_sanitizer)
+#define KVT_SANITIZED
+#endif
+#endif
+
+#if !defined(KVT_SANITIZED)
 
 namespace {
 
@@ -52,7 +61,10 @@ FreeBlock*& FreedOf(std::size_t units) {
 }
 
 void* BehindHeader(void* memory, std::size_t units) {
-    if (memory == nullptr) throw std::bad_alloc();
+    if (memory == nullptr) {
+        if (const std::new_handler report = std::get_new_handler()) report();
+        throw std::bad_alloc();
+    }
     return new (memory) Header{units} + 1;
 }
 

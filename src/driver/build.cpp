@@ -1,16 +1,16 @@
 #include "driver/build.h"
 
-#include <cstdio>
-
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
+#include "driver/files.h"
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "driver/word_lists.h"
 #include "linking/deploy.h"
+#include "linking/linker_flags.h"
 #include "statements/translate.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
@@ -47,21 +47,14 @@ void CheckMainFunction() {
         "point.");
 }
 
-bool WriteText(const std::string& path, const std::string& text) {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file) return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && written;
-}
-
 // The flags go beside the main source; the user gets the command that builds the executable.
 void WriteLinkerFlags() {
     if (symbols.linkerFlags.empty()) return;
     const std::string stem = StripExtension(settings.mainSource);
-    const std::string path = stem + ".linkflags";
+    const std::string path = LinkerFlagsPath();
     std::string flags;
     for (const std::string& flag : symbols.linkerFlags) flags += " " + flag;
-    if (!WriteText(path, flags.substr(1) + "\n")) {
+    if (!WriteContents(path, flags.substr(1) + "\n")) {
         Say("Warning: Could not create " + path);
         return;
     }
@@ -77,6 +70,7 @@ void RecordExecutable() {
 }
 
 void Translate() {
+    DistrustDependencyManifest();
     CleanPreviousBuild(settings.outputPath);
     if (settings.quickBuild) ResetDependencies();
     PushRoutineScope();
@@ -97,7 +91,10 @@ void BuildProgram() {
     MoveToInstallationRoot();
     CheckRequiredArguments();
     if (!settings.quickBuild || !CanSkipTranslation()) Translate();
-    if (settings.quickBuild) UpdateDependencyManifest();
+    if (settings.quickBuild)
+        UpdateDependencyManifest();
+    else
+        TrustDependencyManifest();
     WriteBuildManifest(settings.outputPath);
     SettleOutputs();
     Say("Done! \\o/\n");

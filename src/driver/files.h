@@ -6,7 +6,7 @@
 
 // What the file system knows about a path; a link at its end is not followed.
 struct FileFacts {
-    enum class Kind : unsigned char { Unknown, Missing, Regular, Other };
+    enum class Kind : unsigned char { Unknown, Missing, Regular, Link, Other };
     Kind kind = Kind::Unknown;
     std::uint64_t device = 0, number = 0;  // the same for all names of a file
 };
@@ -20,5 +20,9 @@ bool IsLikeNew(const std::string& path);
 bool MayChangeFolder(const std::string& folder);
 
 // Makes `text` the contents of a file, which need not exist. One that has these contents already keeps its
-// time. False when that fails.
+// time. A link, or a file with a second name, is replaced: nothing is written to where it leads. False when that
+// fails; a file that could not be written whole is not left behind then.
 bool WriteContents(const std::string& path, const std::string& text);
+
+// When a file was written last, in nanoseconds where these are known; 0 for one that cannot be examined.
+std::int64_t FineFileTime(const std::string& path);

@@ -24,7 +24,9 @@ FileFacts Examine(const std::string& path) {
         if (errno == ENOENT) facts.kind = FileFacts::Kind::Missing;
         return facts;
     }
-    facts.kind = S_ISREG(status.st_mode) ? FileFacts::Kind::Regular : FileFacts::Kind::Other;
+    facts.kind = S_ISREG(status.st_mode)   ? FileFacts::Kind::Regular
+                 : S_ISLNK(status.st_mode) ? FileFacts::Kind::Link
+                                           : FileFacts::Kind::Other;
     facts.device = static_cast<std::uint64_t>(status.st_dev);
     facts.number = static_cast<std::uint64_t>(status.st_ino);
     return facts;
@@ -38,24 +40,37 @@ bool IsLikeNew(const std::string& path) {
 
 bool MayChangeFolder(const std::string& folder) { return access(folder.c_str(), W_OK | X_OK) == 0; }
 
+std::int64_t FineFileTime(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return 0;
+#ifdef __APPLE__
+    const struct timespec& time = status.st_mtimespec;
+#else
+    const struct timespec& time = status.st_mtim;
+#endif
+    return static_cast<std::int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
+}
+
 namespace {
 
+// A file open for reading and writing, which is there afterwards. No link is followed, and what is no file does
+// not keep anybody waiting.
 class OpenFile {
 public:
-    OpenFile(const std::string& path, int flags) : handle(open(path.c_str(), flags | O_CLOEXEC, 0666)) {}
-    ~OpenFile() {
-        if (handle >= 0) close(handle);
-    }
+    explicit OpenFile(const std::string& path) { Open(path, 0); }
+    ~OpenFile() { Close(); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    bool IsOpen() const { return handle >= 0; }
+    // Links and files with a second name make way for a new file.
+    void ReplaceLink(const std::string& path) {
+        if (handle < 0 ? errno != ELOOP : !hasOtherNames) return;
+        Close();
+        if (unlink(path.c_str()) == 0) Open(path, O_EXCL);
+    }
 
     // The size of a regular file; -1 for everything else.
-    off_t Size() const {
-        struct stat status;
-        return fstat(handle, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
-    }
+    off_t Size() const { return size; }
     bool Holds(const std::string& text) const {
         char buffer[65536];
         for (std::size_t at = 0; at < text.size();) {
@@ -75,23 +90,41 @@ public:
         }
         return true;
     }
-    bool Cut(std::size_t size) const { return ftruncate(handle, static_cast<off_t>(size)) == 0; }
+    bool Cut(std::size_t length) const { return ftruncate(handle, static_cast<off_t>(length)) == 0; }
+    // Some file systems say only now that there was no room.
+    bool Close() {
+        const bool good = handle < 0 || close(handle) == 0;
+        handle = -1;
+        return good;
+    }
 
 private:
-    int handle;
+    int handle = -1;
+    off_t size = -1;
+    bool hasOtherNames = false;
+
+    void Open(const std::string& path, int flags) {
+        flags |= O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+        handle = open(path.c_str(), O_RDWR | flags, 0666);
+        if (handle < 0 && errno == EACCES) handle = open(path.c_str(), O_WRONLY | flags, 0666);
+        struct stat status;
+        const bool isFile = handle >= 0 && fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+        size = isFile ? status.st_size : -1;
+        hasOtherNames = isFile && status.st_nlink > 1;
+    }
 };
 
 }  // namespace
 
 bool WriteContents(const std::string& path, const std::string& text) {
-    const OpenFile file(path, O_RDWR | O_CREAT);
-    const off_t before = file.IsOpen() ? file.Size() : -1;
-    if (before < 0) {
-        const OpenFile emptied(path, O_WRONLY | O_CREAT | O_TRUNC);
-        return emptied.IsOpen() && emptied.Write(text);
-    }
+    OpenFile file(path);
+    file.ReplaceLink(path);
+    if (file.Size() < 0) return false;
     // Emptying a file first would make ext4 write it to the disk when it is closed.
-    const auto size = static_cast<std::size_t>(before);
+    const auto size = static_cast<std::size_t>(file.Size());
     if (size == text.size() && file.Holds(text)) return true;
-    return file.Write(text) && (size <= text.size() || file.Cut(text.size()));
+    const bool written = file.Write(text) && (size <= text.size() || file.Cut(text.size()));
+    if (file.Close() && written) return true;
+    unlink(path.c_str());
+    return false;
 }

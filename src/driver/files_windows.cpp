@@ -23,5 +23,9 @@ bool WriteContents(const std::string& path, const std::string& text) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (!file) return false;
     const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && written;
+    if (std::fclose(file) == 0 && written) return true;
+    std::remove(path.c_str());
+    return false;
 }
+
+std::int64_t FineFileTime(const std::string&) { return 0; }

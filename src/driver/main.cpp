@@ -1,12 +1,15 @@
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "driver/build.h"
 #include "driver/command_line.h"
+#include "driver/report.h"
 
 int main(int argc, char** argv) {
+    std::set_new_handler(ReportNoMemory);
     PrintBanner();
     if (ParseCommandLine(std::vector<std::string>(argv + 1, argv + argc))) BuildProgram();
     std::fflush(nullptr);

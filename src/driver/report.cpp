@@ -1,5 +1,6 @@
 #include "driver/report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -9,15 +10,50 @@ static void Write(std::FILE* stream, const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stream);
 }
 
+static bool IsInsideCharacter(const std::string& text, std::size_t at) {
+    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;
+}
+
+// `text` from `at` to `end` with no more than `first` bytes from its start and `last` from its end.
+static std::string Abridged(const std::string& text, std::size_t at, std::size_t end, std::size_t first,
+                            std::size_t last) {
+    if (end - at <= first + last) return text.substr(at, end - at);
+    std::size_t stop = at + first, resume = end - last;
+    while (IsInsideCharacter(text, stop)) --stop;
+    while (IsInsideCharacter(text, resume)) ++resume;
+    return text.substr(at, stop - at) + "..." + text.substr(resume, end - resume);
+}
+
+// Words of a megabyte say no more than their beginnings, and neither do texts.
+static std::string Shortened(const std::string& message) {
+    if (message.size() <= 500) return message;
+    std::string text;
+    for (std::size_t at = 0; at < message.size();) {
+        const std::size_t end = std::min(message.find_first_of(" \n", at), message.size());
+        text += Abridged(message, at, end, 400, 100);
+        if (end < message.size()) text += message[end];
+        at = end + 1;
+    }
+    return Abridged(text, 0, text.size(), 3000, 1000);
+}
+
 void ReportFatal(const std::string& message) {
-    Write(stdout, "Error: " + message + "\nFile: " + settings.currentFile +
+    Write(stdout, "Error: " + Shortened(message) + "\nFile: " + settings.currentFile +
                       "\nLine: " + std::to_string(settings.currentLine) + "\n\n");
     std::exit(1);
 }
 
+void ReportNoMemory() {
+    std::fputs("Error: Not enough memory\nFile: ", stdout);
+    std::fputs(settings.currentFile.c_str(), stdout);
+    std::fprintf(stdout, "\nLine: %d\n\n", settings.currentLine);
+    std::fflush(stdout);
+    std::_Exit(1);  // whatever else is to be done needs memory, too
+}
+
 void FailOnErrorStream(const std::string& lines) {
     std::fflush(stdout);  // what was said before comes first where both streams go to one place
-    Write(stderr, lines);
+    Write(stderr, Shortened(lines));
     if (lines.empty() || lines.back() != '\n') Write(stderr, "\n");
     std::exit(1);
 }

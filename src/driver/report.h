@@ -4,8 +4,11 @@
 #include <string>
 
 // Prints "Error: " + message, the current file and the current line on standard output and
-// ends the run with exit status 1. Files already written stay as they are.
+// ends the run with exit status 1. Files already written stay as they are. Very long words are cut.
 [[noreturn]] void ReportFatal(const std::string& message);
+
+// The same for want of memory, without needing any.
+[[noreturn]] void ReportNoMemory();
 
 // Prints lines on the error stream and ends the run with exit status 1, without the report's frame.
 [[noreturn]] void FailOnErrorStream(const std::string& lines);

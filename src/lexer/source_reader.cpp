@@ -1,9 +1,20 @@
 #include "lexer/source_reader.h"
 
 #include <cstdio>
+#include <filesystem>
+
+#include "driver/report.h"
+
+bool IsNoFile(const std::string& path) {
+    std::error_code failed;
+    const auto kind = std::filesystem::status(path, failed).type();
+    using Kind = std::filesystem::file_type;
+    return kind != Kind::regular && kind != Kind::not_found && kind != Kind::none;
+}
 
 bool ReadFile(const std::string& path, std::string& text) {
     text.clear();
+    if (IsNoFile(path)) return false;  // a pipe would keep us waiting
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (!file) return false;
     char buffer[65536];
@@ -12,6 +23,10 @@ bool ReadFile(const std::string& path, std::string& text) {
     const bool complete = std::ferror(file) == 0;
     std::fclose(file);
     return complete;
+}
+
+void RefuseNoFile(const std::string& path) {
+    if (IsNoFile(path)) ReportFatal("'" + path + "' is no file");
 }
 
 bool SourceReader::Open(const std::string& path) {

@@ -7,7 +7,7 @@
 
 class SourceReader {
 public:
-    // Reads the whole file. False when that fails (a folder counts as failure).
+    // Reads the whole file. False when that fails, as it does for all that is no file: folders, pipes, devices.
     bool Open(const std::string& path);
 
     bool AtEnd() const { return position >= text.size(); }
@@ -24,5 +24,9 @@ private:
     std::size_t position = 0;
 };
 
-// Reads a whole file as it is. False when it cannot be opened or read.
+// Reads a whole file as it is. False when it cannot be opened or read, or is no file.
 bool ReadFile(const std::string& path, std::string& text);
+
+// Whether something stands there that is no file: a folder, a pipe, a device. RefuseNoFile ends the run then.
+bool IsNoFile(const std::string& path);
+void RefuseNoFile(const std::string& path);

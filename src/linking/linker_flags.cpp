@@ -5,6 +5,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
 // The folder of the current source file, without characters outside ASCII.
@@ -17,6 +18,8 @@ static std::string CurrentFolder() {
     return folder;
 }
 
+std::string LinkerFlagsPath() { return StripExtension(settings.mainSource) + ".linkflags"; }
+
 void AddLinkerFlag(const std::string& token) {
     const bool quoted = token.size() >= 2 && token[0] == '"';
     std::string flag = quoted ? token.substr(1, token.size() - 2) : token;
@@ -24,6 +27,9 @@ void AddLinkerFlag(const std::string& token) {
     // Lines that say the same all count (linkers take some flags in pairs); a line that is read again does not.
     const std::string line = settings.currentFile + ":" + std::to_string(settings.currentLine) + ":" + flag;
     if (!symbols.linkerLines.insert(line).second) return;
+    if (IsSource(LinkerFlagsPath()))
+        ReportFatal("'" + LinkerFlagsPath() +
+                    "' is a source of this program, and the linker flags would overwrite it. Rename it");
     symbols.linkerFlags.push_back(flag);
     Say("  - Adding linker flag: " + flag);
 }

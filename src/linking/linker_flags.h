@@ -6,3 +6,6 @@
 // Takes the statement's second token and adds the flag, once per line, to symbols.linkerFlags; "-L." becomes the
 // folder of the current source file.
 void AddLinkerFlag(const std::string& token);
+
+// The file for the flags, beside the main source.
+std::string LinkerFlagsPath();

@@ -1,11 +1,15 @@
 #include "linking/userlib_reader.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"
 #include "linking/interface_type.h"
 #include "symbols/identifiers.h"
+#include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -146,14 +150,31 @@ void ReadFunction(Cursor line, const Place& place) {
     symbols.userlibDLLs.back().functions.push_back(std::move(function));
 }
 
+// Libraries are read from the folder of userlibs and written to the output folder, under one name.
+void CheckDllName(const std::string& name, const Place& place) {
+    int depth = 0;
+    for (std::size_t at = 0; at <= name.size() && depth >= 0;) {
+        const std::size_t end = std::min(name.find_first_of("/\\", at), name.size());
+        const std::string part = name.substr(at, end - at);
+        if (!part.empty() && part != ".") depth += part == ".." ? -1 : 1;
+        at = end + 1;
+    }
+    const std::string here =
+        place.file + ", line " + std::to_string(place.line) + ": the library '" + name + "' ";
+    if (depth < 0) ReportFatal(here + "leads out of the folder of userlibs");
+    if (IsSource(settings.outputPath + "/" + name))
+        ReportFatal(here + "would be copied over a source of this program");
+}
+
 // True for a .lib line, well-formed or not.
-bool ReadDll(const std::string& line) {
+bool ReadDll(const std::string& line, const Place& place) {
     if (line.size() < 6 || line.compare(0, 5, ".lib ") != 0) return false;
     const std::size_t open = line.find('"');
     const std::size_t close = line.rfind('"');
     if (open == close) return true;
     UserlibDll dll;
     dll.name = line.substr(open + 1, close - open - 1);
+    CheckDllName(dll.name, place);
     VerboseNote("    DLL: " + dll.name);
     symbols.userlibDLLs.push_back(std::move(dll));
     return true;
@@ -164,7 +185,7 @@ void ReadLine(const std::string& raw, bool& inDll, const Place& place) {
     if (first == std::string::npos || raw[first] == ';' || raw[first] == '\'') return;
     const std::string line = raw.substr(first);
     const std::size_t dlls = symbols.userlibDLLs.size();
-    if (ReadDll(line)) {
+    if (ReadDll(line, place)) {
         inDll = inDll || symbols.userlibDLLs.size() > dlls;
         return;
     }
@@ -176,6 +197,7 @@ void ReadLine(const std::string& raw, bool& inDll, const Place& place) {
 
 void ImportUserlib(const std::string& path) {
     SourceReader reader;
+    RefuseNoFile(path);
     if (!reader.Open(path)) ReportFatal("Cannot open userlib declaration file: " + path);
     bool inDll = false;  // a section of an earlier file does not carry on in this one
     for (int line = 1; !reader.AtEnd(); ++line) ReadLine(reader.NextLine(), inDll, Place{path, line});

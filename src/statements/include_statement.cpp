@@ -9,6 +9,7 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
+#include "lexer/source_reader.h"
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
@@ -85,6 +86,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
         return EmitIncludeLine(state, StripExtension(met->header), met->source);
     }
     std::string folder = IncludeOutputFolder(name);
+    RefuseNoFile(source);
     std::error_code error;
     if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
     EmitIncludeLine(state, StemOf(name), source);

@@ -5,7 +5,6 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "build/dependency_manifest.h"
 #include "build/output_files.h"
 #include "driver/parallel.h"
 #include "driver/paths.h"
@@ -133,9 +132,6 @@ void FinishProgram() {
     OrderRoutines(program);
     CompleteHeaders(program);
     finished.clear();
-    // A quick build takes outputs for finished when the main .cpp is, so that one is emptied first and
-    // written last.
-    if (HasDependencyManifest()) WriteOutput(CppPath(*program.main), "");
     std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)
         if (!file.isMain) included.push_back(&file);

@@ -11,6 +11,7 @@
 #include "prelude/header.h"
 #include "statements/array_declarations.h"
 #include "statements/debug_hooks.h"
+#include "statements/output_places.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/first_pass.h"
@@ -132,6 +133,7 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     lenient = lenientRun;
     NameOutputs(out, path, outputFolder, isMain);
     ClaimOutputs(out);
+    if (lenientRun || isMain) CheckOutputPlaces(out);
 
     Declarations declarations;
     CollectDeclarations(path, declarations);

@@ -1,6 +1,7 @@
 #include "symbols/name_scan.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -15,6 +16,8 @@ namespace {
 
 // Files per base name.
 std::unordered_map<std::string, int> baseNames;
+// The sources by file name, in lower case.
+std::unordered_multimap<std::string, std::string> sourcesByName;
 
 // As far as header guards tell names apart.
 std::string BaseName(const std::string& source) {
@@ -37,6 +40,7 @@ public:
         if (!lines.Open(path)) return;
         symbols.sourceFiles.push_back(path);
         ++baseNames[BaseName(path)];
+        sourcesByName.emplace(Lower(StripFolder(path)), path);
         chain.push_back({id, name});
         while (lines.Next()) {
             for (const TokenSpan& statement : lines.Statements())
@@ -50,6 +54,9 @@ public:
     }
 
 private:
+    // C++ compilers stop at 200 and count the headers that somebody's own C++ includes at the innermost level.
+    static constexpr std::size_t deepest = 150;
+
     struct Link {
         std::string id, name;
     };
@@ -86,6 +93,8 @@ private:
         const auto same = [&id](const Link& link) { return link.id == id; };
         if (known.count(id) != 0 && std::any_of(chain.begin(), chain.end(), same))
             FailCircle(id, name, from, line);
+        if (known.count(id) == 0 && chain.size() > deepest)
+            Fail("Includes are nested more than " + std::to_string(deepest) + " deep", from, line);
         ScanFile(path, name);
     }
 
@@ -95,9 +104,13 @@ private:
         for (const Link& link : chain) {
             if (!text.empty() || link.id == id) text += link.name + " -> ";
         }
+        Fail("Include circle: " + text + name, from, line);
+    }
+
+    [[noreturn]] static void Fail(const std::string& message, const std::string& from, int line) {
         settings.currentFile = from;
         settings.currentLine = line;
-        ReportFatal("Include circle: " + text + name);
+        ReportFatal(message);
     }
 };
 
@@ -105,8 +118,17 @@ private:
 
 void CollectNames(const std::string& mainSource) {
     baseNames.clear();
+    sourcesByName.clear();
     ResetSourceLines();
     NameScan().ScanFile(mainSource, StripFolder(mainSource));
+}
+
+bool IsSource(const std::string& path) {
+    const auto [begin, end] = sourcesByName.equal_range(Lower(StripFolder(path)));
+    return std::any_of(begin, end, [&path](const auto& source) {
+        std::error_code failed;
+        return std::filesystem::equivalent(source.second, path, failed) && !failed;
+    });
 }
 
 bool BaseNameIsShared(const std::string& source) {

@@ -10,3 +10,6 @@ void CollectNames(const std::string& mainSource);
 
 // True when another file of the program has the same name, folder and extension aside.
 bool BaseNameIsShared(const std::string& source);
+
+// True when the path leads to one of the files that the program is read from, links followed.
+bool IsSource(const std::string& path);
