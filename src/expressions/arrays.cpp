@@ -6,6 +6,7 @@
 #include "expressions/in_order.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -77,7 +78,7 @@ std::string CheckedByLambda(const std::string& array, const Access& access) {
     const std::size_t last = access.indices.size() - 1;
     for (std::size_t k = 0; k <= last; ++k) {
         const std::string& index = access.indices[k];
-        const std::string size = array + "_size_" + std::to_string(k);
+        const std::string size = SizeName(array, static_cast<int>(k));
         text += "if ((" + index + ") < 0 || (" + index + ") >= " + size +
                 ") { std::cerr << \"Array bounds error: " + access.name + "[\" << (" + index + ") << \"]" +
                 (k == last ? "" : "[...]") + " dimension " + std::to_string(k) + " out of range [0, \" << (" +
@@ -92,7 +93,7 @@ std::string CheckedByHelper(const std::string& array, const Access& access, bool
     std::string text = std::string(sized ? "__kvAt" : "__kvPick") + "(\"" + access.name + "\", " + array;
     for (std::size_t k = 0; k < access.indices.size(); ++k) {
         text += ", " + access.indices[k];
-        if (sized) text += ", " + array + "_size_" + std::to_string(k);
+        if (sized) text += ", " + SizeName(array, static_cast<int>(k));
     }
     return text + ")";
 }

@@ -7,6 +7,7 @@
 #include "expressions/operators.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -141,7 +142,7 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
         result.type = Single(common);
         return result;
     }
-    return Call(remainder ? "KVL_SafeMod" : "KVL_SafeDiv", CheckedOperand(left, common),
+    return Call(remainder ? SafeModName() : SafeDivName(), CheckedOperand(left, common),
                 CheckedOperand(right, common), Single(common));
 }
 

@@ -4,6 +4,7 @@
 #include "expressions/sequence_walks.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
+#include "symbols/parameters.h"
 
 namespace {
 
@@ -150,8 +151,7 @@ std::vector<std::string> CheckedArguments(const std::string& subject, const Rout
             CheckArgument(subject, i, parameter.type, arguments[i]);
             texts.push_back(ArgumentText(arguments[i], parameter.type));
         } else {
-            texts.push_back(ArgumentText(TranslateExpression(parameter.defaultValue, ExprMode::Condition),
-                                         parameter.type));
+            texts.push_back(ArgumentText(TranslateDefault(routine, parameter), parameter.type));
         }
     }
     return texts;

@@ -60,9 +60,14 @@ void TraceLookup(const std::string& name, const Variable* found) {
     Say("  Checking if in current scope chain...");
 }
 
+// Names that stand for those of another place may be hidden where their text goes.
+std::string HiddenPrefix(const Variable& variable) {
+    return FileLevelNames::InForce() && IsHidden(variable.name) ? "::" : "";
+}
+
 Expr UseVariable(const Variable& variable) {
     Expr expr;
-    expr.text = variable.cppName;
+    expr.text = HiddenPrefix(variable) + variable.cppName;
     expr.type = variable.type;
     expr.form = variable.form;
     if (expr.type.IsArray() && expr.form == ArrayForm::None) expr.form = ArrayForm::Vector;
@@ -80,10 +85,11 @@ const Routine* FindCallable(const std::string& name) {
     return routine ? routine : FindUserlibFunction(name);
 }
 
-// Where a variable has the Function's name, C++ has to be told that the Function is meant.
+// Where something nearer has the routine's name, C++ has to be told which one is meant.
 std::string CallPrefix(const Routine& routine) {
-    return routine.owner == nullptr && !routine.isUserlib && FindVariable(routine.name) != nullptr ? "::"
-                                                                                                   : "";
+    if (routine.isUserlib) return {};
+    if (routine.owner != nullptr) return FindLocal(routine.name) != nullptr ? "this-> " : "";
+    return IsHidden(routine.name) ? "::" : "";
 }
 
 // Names of declarations in files that have not been read yet.

@@ -310,12 +310,13 @@ std::string CommentOf(const std::string& rawLine) {
     return GuardComment("//" + rawLine.substr(comment + 1));
 }
 
-std::string GuardComment(std::string comment) {
-    const std::size_t last = comment.find_last_not_of(" \t\r\f\v");
-    if (last == std::string::npos) return comment;
-    const bool backslash = comment[last] == '\\';
-    const bool trigraph = last >= 2 && comment.compare(last - 2, 3,
-                                                       "?"
-                                                       "?/") == 0;
-    return backslash || trigraph ? comment + " ." : comment;
+bool EndsContinued(std::string_view line) {
+    const std::size_t last = line.find_last_not_of(" \t\r\f\v");
+    if (last == std::string_view::npos) return false;
+    const bool trigraph = last >= 2 && line.compare(last - 2, 3,
+                                                    "?"
+                                                    "?/") == 0;
+    return line[last] == '\\' || trigraph;
 }
+
+std::string GuardComment(std::string comment) { return EndsContinued(comment) ? comment + " ." : comment; }

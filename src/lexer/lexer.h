@@ -58,5 +58,8 @@ std::string CutAtContinuation(const std::string& rawLine);
 // a C++ line; empty without a comment.
 std::string CommentOf(const std::string& rawLine);
 
+// Whether C++ would join the next line to this one.
+bool EndsContinued(std::string_view line);
+
 // The comment, with a point behind it where its end would make C++ join the next line to it.
 std::string GuardComment(std::string comment);

@@ -62,6 +62,10 @@ public:
 
     const Word& Find(char character) const { return *single[static_cast<unsigned char>(character)]; }
 
+    bool Knows(std::string_view text) {
+        return text.size() == 1 || SlotOf(HashOf(text), text).word != nullptr;
+    }
+
     const Word& Find(std::string_view text) {
         if (text.size() == 1) return Find(text[0]);
         const std::uint64_t hash = HashOf(text);
@@ -108,3 +112,4 @@ Pool& ThePool() {
 
 const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
 const Word& WordOf(char character) { return ThePool().Find(character); }
+bool IsKnownWord(std::string_view text) { return ThePool().Knows(text); }

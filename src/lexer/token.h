@@ -18,6 +18,8 @@ struct Word {
 const Word& WordOf(std::string_view text);
 // The word of the one-character text.
 const Word& WordOf(char character);
+// Whether the text has been the text of a token.
+bool IsKnownWord(std::string_view text);
 
 class Token {
 public:

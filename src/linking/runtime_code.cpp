@@ -8,6 +8,7 @@
 #include "linking/interface_type.h"
 #include "linking/library_names.h"
 #include "symbols/identifiers.h"
+#include "symbols/own_names.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -40,6 +41,7 @@ std::string Join(const std::vector<std::string>& parts) {
 // A function as the block emits it: types at the boundary, C++ names of the parameters.
 struct Wrapped {
     const UserlibFunction* function = nullptr;
+    std::string pointer, pointerType;   // names of the pointer to the DLL's function and of its type
     std::vector<std::string> names;     // of the parameters
     std::vector<std::string> types;     // as the DLL takes them
     std::vector<std::string> ownTypes;  // as the program passes them
@@ -58,9 +60,9 @@ bool CannotNameParameter(const std::string& name, const std::unordered_set<std::
 }
 
 // The parameters' names, changed where C++ would take them for something else.
-std::vector<std::string> ParameterNames(const UserlibFunction& function) {
+std::vector<std::string> ParameterNames(const UserlibFunction& function, const std::string& pointer) {
     std::vector<std::string> names;
-    std::unordered_set<std::string> taken = {function.name + "_ptr"};
+    std::unordered_set<std::string> taken = {pointer};
     for (const UserlibParameter& parameter : function.parameters) {
         std::string name = parameter.name.empty() ? "p" : parameter.name;
         while (CannotNameParameter(name, taken)) name += "_";
@@ -73,7 +75,9 @@ std::vector<std::string> ParameterNames(const UserlibFunction& function) {
 Wrapped Wrap(const UserlibFunction& function) {
     Wrapped wrapped;
     wrapped.function = &function;
-    wrapped.names = ParameterNames(function);
+    wrapped.pointer = OwnName(function.name + "_ptr");
+    wrapped.pointerType = OwnName(function.name + "_TYPE");
+    wrapped.names = ParameterNames(function, wrapped.pointer);
     wrapped.boundaryReturn = BoundaryCppName(function.korvelReturn, function.cppReturn);
     for (const UserlibParameter& parameter : function.parameters) {
         wrapped.types.push_back(BoundaryCppName(parameter.korvelType, parameter.cppType));
@@ -105,11 +109,10 @@ std::string PerPlatform(const std::string& indent, const std::string& windows, c
 }
 
 std::string Pointer(const Wrapped& f) {
-    const std::string& name = f.function->name;
-    const std::string parameters = name + "_TYPE)(" + Join(f.types) + ");\n";
+    const std::string parameters = f.pointerType + ")(" + Join(f.types) + ");\n";
     return PerPlatform("", "typedef " + f.boundaryReturn + " (__stdcall *" + parameters,
                        "typedef " + f.boundaryReturn + " (*" + parameters) +
-           name + "_TYPE " + name + "_ptr = NULL;\n\n";
+           f.pointerType + " " + f.pointer + " = NULL;\n\n";
 }
 
 std::string Handle(const WrappedDll& dll) {
@@ -123,11 +126,11 @@ std::string Handle(const WrappedDll& dll) {
 std::string Resolve(const WrappedDll& dll, const Wrapped& f) {
     const std::string& name = f.function->name;
     const std::string symbol = "(" + dll.handle + ", " + CppLiteral(f.function->symbol) + ");\n";
-    const std::string assign = "        " + name + "_ptr = (" + name + "_TYPE)";
+    const std::string assign = "        " + f.pointer + " = (" + f.pointerType + ")";
     const std::string failed = "            std::cerr << \"ERROR: Failed to load function " + name + " as '" +
                                Escaped(f.function->symbol) + "' from " + Escaped(dll.name);
     return PerPlatform("        ", assign + "GetProcAddress" + symbol, assign + "dlsym" + symbol) +
-           "        if (" + name + "_ptr == NULL) {\n" +
+           "        if (" + f.pointer + " == NULL) {\n" +
            PerPlatform("            ",
                        "            DWORD err = GetLastError();\n" + failed +
                            " (Error: \" << err << \")\" << std::endl;\n",
@@ -161,7 +164,7 @@ std::string Call(const Wrapped& f) {
                             : HasTypeName(type) ? "(void*)" + f.names[i]
                                                 : f.names[i]);
     }
-    return f.function->name + "_ptr(" + Join(arguments) + ");\n";
+    return f.pointer + "(" + Join(arguments) + ");\n";
 }
 
 std::string Body(const Wrapped& f) {
@@ -187,7 +190,7 @@ std::string Wrapper(const Wrapped& f) {
     std::vector<std::string> parameters;
     for (std::size_t i = 0; i < f.names.size(); ++i) parameters.push_back(f.ownTypes[i] + " " + f.names[i]);
     return function.cppReturn + " " + function.name + "(" + Join(parameters) + ")\n{\n" +  //
-           "    if (" + function.name + "_ptr == NULL) {\n" +                              //
+           "    if (" + f.pointer + " == NULL) {\n" +                                      //
            "        std::cerr << \"ERROR: " + function.name + " not loaded!\" << std::endl;\n" +
            (isVoid ? "        return;\n" : "        return " + DefaultValue(function.cppReturn) + ";\n") +
            "    }\n" + Body(f) + "}\n\n";

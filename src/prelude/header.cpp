@@ -119,7 +119,7 @@ bool IsHeaderText(const std::string& text) {
 void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard) {
     out.headerOpening = HeaderOpening(guard);
     if (out.isMain) {
-        if (settings.safeMode) out.headerPrelude += texts::safeDivision;
+        if (settings.safeMode) out.headerPrelude += FillSafeNames(texts::safeDivision);
         if (!settings.fastMode) out.headerPrelude += texts::sequence;
         if (!settings.fastMode) out.headerPrelude += texts::scheduler;
     }

@@ -4,7 +4,9 @@
 #include <string_view>
 
 #include "driver/settings.h"
+#include "prelude/fill.h"
 #include "prelude/texts.h"
+#include "symbols/own_names.h"
 
 namespace {
 
@@ -49,8 +51,13 @@ bool SupportUsed(Support support) { return used[IndexOf(support)]; }
 std::string SupportText() {
     std::string text;
     for (std::size_t i = 0; i < supportCount; ++i)
-        if (used[i]) text += settings.fastMode ? rows[i].fastText : rows[i].text;
+        if (used[i]) text += FillSafeNames(settings.fastMode ? rows[i].fastText : rows[i].text);
     return text;
+}
+
+std::string FillSafeNames(std::string_view text) {
+    const std::string div = SafeDivName(), mod = SafeModName();
+    return Fill(text, {{"SafeDiv", div}, {"SafeMod", mod}});
 }
 
 void ResetSupport() { used.fill(false); }

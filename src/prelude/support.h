@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 enum class Support : unsigned char {
     ArraySize,     // check of an array size that is worked out when the program runs
@@ -27,3 +28,6 @@ bool SupportUsed(Support support);
 // The text of all marked support code, in the order of the enum.
 std::string SupportText();
 void ResetSupport();
+
+// A text with the names of the checked division and remainder in their places.
+std::string FillSafeNames(std::string_view text);

@@ -16,6 +16,7 @@
 #include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/words.h"
+#include "symbols/own_names.h"
 
 namespace {
 

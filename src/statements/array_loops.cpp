@@ -7,6 +7,8 @@
 //     	}
 #include "statements/array_loops.h"
 
+#include "symbols/own_names.h"
+
 namespace {
 
 std::string Counter(std::size_t dimension) { return "_i" + std::to_string(dimension); }
@@ -48,10 +50,6 @@ std::string SlotCppName(const ValueType& type) {
 }
 
 }  // namespace
-
-std::string SizeName(const std::string& cppName, int dimension) {
-    return cppName + "_size_" + std::to_string(dimension);
-}
 
 std::string FillLoops(const Variable& array) {
     const std::string slot = array.cppName + Subscripts(static_cast<std::size_t>(array.type.dims));

@@ -7,9 +7,6 @@
 
 #include "symbols/symbols.h"
 
-// Name of the constant that holds the size of dimension k: "KVL_a_size_0".
-std::string SizeName(const std::string& cppName, int dimension);
-
 // All three return whole lines, each with its line end.
 
 // new KVL_T() in every slot.

@@ -140,14 +140,14 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
         cls = nullptr;
     else if (cls == nullptr)
         ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
-    CheckCppWord(name);
+    CheckFileLevelName(name);
     state.inType = true;
     state.typeLine = state.currentLine;
     state.typeName = name;
     state.cls = cls;
     state.isElement = tokens.KeywordAt(0) == Keyword::Element;
-    state.passesOverType =
-        unclosed || cls->sourceFile != settings.currentFile || cls->line != state.currentLine;
+    state.passesOverType = unclosed || cls->sourceFile != settings.currentFile ||
+                           cls->line != state.currentLine || !state.emitted.insert(cls).second;
     if (state.passesOverType) return;
     if (state.inExtern) {
         EmitBlankForTrace(state);

@@ -91,6 +91,8 @@ void CheckDeclaredCounter(Counter& counter) {
     const Token name(counter.name);
     Expr target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
     if (target.isConst) ReportFatal("Cannot assign to const variable '" + counter.name + "'");
+    if (!target.assignable && target.type.IsKnown())
+        ReportFatal("For needs a loop variable, but '" + counter.name + "' is none");
     counter.cppName = target.text;
     counter.type = target.type;
 }

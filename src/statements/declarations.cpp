@@ -11,6 +11,7 @@
 #include "statements/class_bodies.h"
 #include "statements/definition.h"
 #include "statements/emit_lines.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
@@ -50,9 +51,10 @@ void DeclareField(State& state, TokenSpan tokens) {
 }
 
 bool UsesSupportCode(const std::string& text) {
-    for (const char* mark : {"__kv", "KVSeq<", "KVSlot<", "KVBool", "KVL_SafeDiv(", "KVL_SafeMod("})
+    for (const char* mark : {"__kv", "KVSeq<", "KVSlot<", "KVBool"})
         if (text.find(mark) != std::string::npos) return true;
-    return false;
+    return text.find(SafeDivName() + "(") != std::string::npos ||
+           text.find(SafeModName() + "(") != std::string::npos;
 }
 
 void NoteMentioned(FileOutput& out, const ClassInfo* cls) {

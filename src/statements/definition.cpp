@@ -14,6 +14,7 @@
 #include "statements/shadowing.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 #include "symbols/source_lines.h"
 #include "symbols/type_reader.h"
@@ -36,15 +37,13 @@ void ListTokens(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i) Say("  [" + std::to_string(i) + "] '" + tokens[i] + "'");
 }
 
-// Globals and Consts meet the other names of the program in the first pass.
 void CheckNewName(const Declared& declared) {
     const std::string& name = declared.name;
     if (declared.kind == DefinitionKind::Field) return;
+    if (declared.kind != DefinitionKind::Local) return CheckGlobalName(name);
     CheckCppWord(name);
     // A Local may hide a Function: calls of it are told apart.
-    if (declared.kind == DefinitionKind::Local && IsClass(name))
-        ReportFatal("Identifier '" + name + "' is already defined.");
-    // A Const may have the name of a built-in (MAX), but not that of a statement.
+    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
     if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
@@ -126,11 +125,6 @@ void CheckConstType(const Declared& declared) {
     if (!type.IsNumber() && !type.Is(Base::String))
         ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " +
                     KorvelName(type));
-}
-
-std::string NameFor(const Declared& declared) {
-    const bool local = declared.kind == DefinitionKind::Local;
-    return local ? NameBeside(declared.name, declared.value) : SafeName(declared.name);
 }
 
 void NeedTypeComplete(const Declared& declared) {
@@ -259,6 +253,15 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
 
 }  // namespace
 
+// Globals meet the other names of the program in the first pass.
+void CheckGlobalName(const std::string& name) {
+    CheckFileLevelName(name);
+    CheckValueWord(name);
+    // They may have the name of a built-in (MAX), but not that of a statement.
+    if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
+    CheckName(name);
+}
+
 Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind) {
     if (kind == DefinitionKind::Global) ListTokens(tokens);
     Declared declared = Read(tokens, kind);
@@ -266,7 +269,8 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     CheckComplete(declared);
     Definition definition;
     definition.name = declared.name;
-    definition.cppName = NameFor(declared);
+    const bool local = kind == DefinitionKind::Local;
+    definition.cppName = local ? NameBeside(declared.name, tokens.From(1)) : SafeName(declared.name);
     Expr value;
     if (declared.hasValue) {
         NoteValueType(declared.value);

@@ -22,5 +22,8 @@ struct Definition {
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
 };
 
+// Ends the run when no Global, Const or PreCalc table may have the name.
+void CheckGlobalName(const std::string& name);
+
 // Tokens: name [: type | [size]...] [= value]. Whatever is wrong ends the run.
 Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind);

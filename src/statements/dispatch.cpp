@@ -36,6 +36,12 @@ void NothingToEmit(State& state, TokenSpan tokens) {
     (void)tokens;
 }
 
+// Lines that begin with it never come here.
+void RefuseInlineCpp(State& state, TokenSpan tokens) {
+    (void)state;
+    ReportFatal("'" + tokens[0] + "' must stand alone on its line");
+}
+
 // Whoever reads a block like that has met its closer before.
 void RefuseStrayCloser(State& state, TokenSpan tokens) {
     (void)state;
@@ -105,6 +111,7 @@ const DispatchRow dispatchTable[] = {
     {Keyword::Extern, TranslateExtern, Place::Anywhere},
     {Keyword::EndExtern, TranslateEndExtern, Place::Anywhere},
     {Keyword::EndPreCalc, RefuseStrayCloser, Place::Anywhere},
+    {Keyword::InlineCpp, RefuseInlineCpp, Place::Anywhere},
     {Keyword::EndInlineCpp, RefuseStrayCloser, Place::Anywhere},
 };
 
@@ -169,8 +176,12 @@ static void PassOverUnclosedType(State& state, TokenSpan tokens) {
     }
 }
 
-// The body of a Type that an earlier file has declared already.
+// The body of a Type that is declared elsewhere already.
 static void PassOverType(State& state, Keyword keyword) {
+    if (keyword == Keyword::Type || keyword == Keyword::Element || keyword == Keyword::Function) {
+        settings.currentLine = state.typeLine;
+        FailUnclosedType(state.typeName, state.typeLine);
+    }
     if (keyword != Keyword::EndType && keyword != Keyword::EndElement) return;
     state.passesOverType = false;
     state.inType = false;

@@ -4,13 +4,24 @@
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 
+namespace {
+
+// this, and what is found in the list of its Type: no variable, but an object that others know.
+bool StandsInAList(Keyword word) {
+    return word == Keyword::This || word == Keyword::First || word == Keyword::Last ||
+           word == Keyword::Before || word == Keyword::After;
+}
+
+}  // namespace
+
 //     delete KVL_p;
 //     KVL_p = nullptr;
 // A variable that calls lead to is found once:
 //     { auto& _kvRemoved = KVL_fleet[KVL_TakeSlot ( )]; delete _kvRemoved; _kvRemoved = nullptr; }
 void TranslateRemove(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
-    Expr object = TranslateExpression(tokens.From(1), ExprMode::Statement);
+    const TokenSpan written = WithoutParentheses(tokens.From(1));
+    Expr object = TranslateExpression(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
         ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +
                     ". Remove only works on objects (custom Types).");
@@ -18,6 +29,8 @@ void TranslateRemove(State& state, TokenSpan tokens) {
     NoteDestruction();
     const std::string text = GuardedText(object, Level::Unary);
     const bool variable = object.assignable || !object.type.IsKnown();
+    if (!variable && !StandsInAList(written.KeywordAt(0)))
+        ReportFatal("Remove requires a variable that holds an object, not an expression");
     if (variable && object.effects) {
         EmitLine(state, "{ auto& _kvRemoved = " + text + "; delete _kvRemoved; _kvRemoved = nullptr; }");
         return;

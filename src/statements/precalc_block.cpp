@@ -5,12 +5,15 @@
 #include "expressions/expression.h"
 #include "lexer/lexer.h"
 #include "precalc/precalc.h"
+#include "statements/definition.h"
 #include "symbols/identifiers.h"
+#include "symbols/own_names.h"
 
 namespace {
 
 void OpenPreCalc(State& state, TokenSpan tokens) {
     CheckPreCalcHeader(tokens, !state.inFunction && !state.inMethod && !state.inType);
+    CheckGlobalName(tokens[1]);
     state.inPreCalc = true;
     state.preCalcLine = state.currentLine;
     state.preCalcHeader = tokens.Copy();
@@ -30,7 +33,7 @@ std::string SizeConstants(const PreCalcTable& table) {
     std::string lines;
     if (!settings.safeMode || settings.debugMode) return lines;
     for (std::size_t k = 0; k < table.sizes.size(); ++k)
-        lines += "\nconst int " + SafeName(table.name) + "_size_" + std::to_string(k) + " = " +
+        lines += "\nconst int " + SizeName(SafeName(table.name), static_cast<int>(k)) + " = " +
                  std::to_string(table.sizes[k]) + ";";
     return lines;
 }

@@ -20,6 +20,7 @@
 #include "statements/array_loops.h"
 #include "statements/emit_lines.h"
 #include "statements/routines.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -95,7 +96,8 @@ std::string CopyOfArray(State& state, const Expr& value) {
         ReportFatal("An array that a Function returns can have at most " +
                     std::to_string(maxPassedDimensions) + " dimensions");
     RequireSupport(Support::ArrayPassing);
-    const std::string copy = (value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy";
+    const std::string copy =
+        OwnName((value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy");
     EmitLines(state, CopyLoops(value.type, value.text, copy, SizesOf(value)));
     RecordSizes(state, value);
     return copy;

@@ -176,6 +176,18 @@ void DeclareThis(const State& state) {
     currentClass = state.cls;
 }
 
+// Whether support code or C++ itself calls the Method from outside its class, whoever may call it in Korvel.
+bool IsCalledFromOutside(const Routine& method) {
+    return method.name == "destructor" || (method.name == "Compare" && method.parameters.size() == 1);
+}
+
+void EmitAccessOf(State& state, const Routine& method) {
+    const std::string written = state.access;
+    if (IsCalledFromOutside(method)) state.access = "public";
+    EmitAccess(state);
+    state.access = written;
+}
+
 std::string ReportedName(const Routine& method, const std::string& className) {
     if (method.name == "constructor") return className;
     return method.name == "destructor" ? "~" + className : method.name;
@@ -195,10 +207,10 @@ void BeginMethodPiece(State& state, const Routine& method) {
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
     const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
+    DeclareParameters(method);
     piece.declaration = indent + result + NameAndParameters(method, method.cppName, true) + ";\n";
     piece.definitionHead =
         result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
-    DeclareParameters(method);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
                 LinesBeforePoll(state, method));
 }
@@ -252,7 +264,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     const Routine* method = FindMethod(*state.cls, name);
     if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.");
     CheckMethodKind(state, *method);
-    EmitAccess(state);
+    EmitAccessOf(state, *method);
     state.isMainRoutine = false;
     state.inMethod = true;
     state.methodName = ReportedName(*method, state.typeName);

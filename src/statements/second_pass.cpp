@@ -3,18 +3,18 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
-#include "lexer/cpp_braces.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/with.h"
+#include "symbols/own_names.h"
 #include "symbols/source_lines.h"
 
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {
     if (settings.traceMode) state.traceText = JoinTokens(tokens);
-    if (!MentionsIts(tokens)) {
+    if (!MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);
         return;
     }
@@ -36,18 +36,19 @@ void TranslateLine(State& state, const SourceLines& lines) {
 }  // namespace
 
 void RunSecondPass(State& state, const std::string& source) {
+    ResetFreshNames();
     SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
-    CppBraces inlineBraces;
-    lines.onInlineCpp = [&](const std::string& line) {
-        inlineBraces.Read(line);
-        NoteInlineCpp(line);
-        NoteInlineCppInLoops(line);
-        PutLine(*state.out, settings.traceMode ? line + " //INLINE" : line);
+    int opened = 0;  // braces of inline C++ since the line before
+    lines.onInlineCpp = [&](const InlineLine& line) {
+        opened += line.braces;
+        NoteInlineCpp(line.text);
+        NoteInlineCppInLoops(line.text);
+        PutLine(*state.out, settings.traceMode && !line.goesOn ? line.text + " //INLINE" : line.text);
     };
     while (lines.Next()) {
-        const int opened = inlineBraces.Take();
         if (opened != 0 && (state.inFunction || state.inMethod)) NoteInlineBraces(state, opened);
+        opened = 0;
         TranslateLine(state, lines);
     }
     settings.currentLine = lines.Line();

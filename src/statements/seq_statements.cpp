@@ -68,17 +68,6 @@ const Row& RowOf(const std::string& keyword) {
     ReportFatal("Internal error: no Seq statement '" + keyword + "'");
 }
 
-// The tokens between the outermost parentheses when they enclose everything.
-TokenSpan WithoutParentheses(TokenSpan tokens) {
-    if (!Is(tokens[0], "(")) return tokens;
-    int depth = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (Is(tokens[i], "(")) ++depth;
-        if (Is(tokens[i], ")") && --depth == 0) return i + 1 == tokens.size() ? tokens.Slice(1, i) : tokens;
-    }
-    return tokens;
-}
-
 Expr Translated(TokenSpan tokens, const Row& row) {
     if (tokens.empty()) ReportFatal(row.expects);
     return TranslateExpression(tokens, ExprMode::Condition);

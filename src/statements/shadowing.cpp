@@ -1,9 +1,9 @@
 #include "statements/shadowing.h"
 
-#include <algorithm>
-
 #include "driver/settings.h"
+#include "lexer/mentions.h"
 #include "symbols/identifiers.h"
+#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -17,10 +17,6 @@ bool MeansSomething(const std::string& name) {
 
 std::string NameBeside(const std::string& name, TokenSpan declaration) {
     const std::string plain = SafeName(name);
-    const Token written(name);
-    const bool mentioned = std::find(declaration.first, declaration.last, written) != declaration.last;
-    if (!mentioned || !MeansSomething(name)) return plain;
-    const std::string apart = plain + "__" + std::to_string(settings.currentLine);
-    const Variable* outer = FindVariable(name);
-    return outer != nullptr && outer->cppName == apart ? apart + "_" : apart;
+    if (!Mentions(declaration, name) || !MeansSomething(name)) return plain;
+    return FreshName(plain + "__" + std::to_string(settings.currentLine));
 }

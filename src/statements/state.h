@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "lexer/token_span.h"
@@ -33,10 +34,11 @@ struct State {
     std::string typeName;
     int typeLine = 0;
     bool isElement = false;
-    ClassInfo* cls = nullptr;              // the class being emitted
-    bool passesOverType = false;           // the open Type counts elsewhere, or is never closed (cls is null)
-    std::string access = "public";         // of the members that follow
-    std::string emittedAccess = "public";  // of the last label in the class body
+    ClassInfo* cls = nullptr;     // the class being emitted
+    bool passesOverType = false;  // the open Type counts elsewhere, or is never closed (cls is null)
+    std::unordered_set<const ClassInfo*> emitted;  // the classes of the file so far
+    std::string access = "public";                 // of the members that follow
+    std::string emittedAccess = "public";          // of the last label in the class body
     bool inExtern = false;
     int externLine = 0;
 

@@ -7,6 +7,8 @@
 #include "prelude/program_uses.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
+#include "symbols/parameters.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -17,7 +19,7 @@ std::string DefaultArguments(const Routine& handler) {
         if (!parameter.hasDefault)
             ReportFatal("AutoCall handler '" + handler.name + "' must not need arguments, but parameter '" +
                         parameter.name + "' has no default");
-        Expr value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
+        const Expr value = TranslateDefault(handler, parameter);
         arguments += (arguments.empty() ? "" : ", ") + TextAs(value, parameter.type);
     }
     return arguments;
@@ -29,7 +31,8 @@ std::string HandlerCall(const std::string& name) {
     if (handler == nullptr && lenient) return SafeName(name) + "()";
     if (handler == nullptr) ReportFatal("AutoCall handler '" + name + "' is not a Function");
     if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
-    return handler->cppName + "(" + DefaultArguments(*handler) + ")";
+    const bool hidden = !handler->isUserlib && IsHidden(name);
+    return (hidden ? "::" : "") + handler->cppName + "(" + DefaultArguments(*handler) + ")";
 }
 
 // Whether some Function has the name in any letter case. Any other name stops nothing, which the language

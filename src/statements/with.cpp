@@ -19,9 +19,13 @@ bool ItsAt(const std::string& text, std::size_t at) {
     return (at == 0 || !IsWordChar(text[at - 1])) && (at + 3 >= text.size() || !IsWordChar(text[at + 3]));
 }
 
+// The tokens as they may have been written: words stand apart.
 std::string Spelling(TokenSpan tokens) {
     std::string text;
-    for (const std::string& token : tokens) text += token;
+    for (const std::string& token : tokens) {
+        if (!text.empty() && IsWordChar(text.back()) && IsWordChar(token[0])) text += ' ';
+        text += token;
+    }
     return text;
 }
 
@@ -45,6 +49,8 @@ std::string SubstituteInHoles(const std::string& literal, const std::string& obj
     }
     return result;
 }
+
+bool HasHoles(const std::string& token) { return token[0] == '"' && token.find('{') != std::string::npos; }
 
 }  // namespace
 
@@ -80,9 +86,10 @@ void TranslateEndWith(State& state, TokenSpan tokens) {
     state.withLines.pop_back();
 }
 
-bool MentionsIts(TokenSpan tokens) {
+bool MentionsIts(const State& state, TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i)
-        if (tokens.KeywordAt(i) == Keyword::Its) return true;
+        if (tokens.KeywordAt(i) == Keyword::Its || (!state.withLines.empty() && HasHoles(tokens[i])))
+            return true;
     return false;
 }
 
@@ -100,7 +107,7 @@ Tokens SubstituteIts(State& state, TokenSpan tokens) {
                 ReportFatal("'its' is only valid inside a With ... EndWith block");
             else
                 result.push_back(word);
-        } else if (open && token[0] == '"' && token.find('{') != std::string::npos) {
+        } else if (open && HasHoles(token)) {
             result.push_back(SubstituteInHoles(token, Spelling(withStack.back())));
         } else {
             result.push_back(word);

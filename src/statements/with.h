@@ -7,8 +7,8 @@
 void TranslateWith(State& state, TokenSpan tokens);
 void TranslateEndWith(State& state, TokenSpan tokens);
 
-// True when a token is `its`, or a string that may name it in a hole.
-bool MentionsIts(TokenSpan tokens);
+// True when a token is `its`, or inside a With a string that may name it in a hole.
+bool MentionsIts(const State& state, TokenSpan tokens);
 
 // The statement with `its` replaced. Without an open With, `its` in front of a field accessor ends the run
 // and stays as it is elsewhere.

@@ -9,6 +9,16 @@ std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from) {
     return noToken;
 }
 
+TokenSpan WithoutParentheses(TokenSpan tokens) {
+    if (!Is(tokens[0], "(")) return tokens;
+    int depth = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (Is(tokens[i], "(")) ++depth;
+        if (Is(tokens[i], ")") && --depth == 0) return i + 1 == tokens.size() ? tokens.Slice(1, i) : tokens;
+    }
+    return tokens;
+}
+
 void RefuseMore(TokenSpan tokens, std::size_t from) {
     if (tokens.size() > from)
         ReportFatal("Unexpected '" + tokens[from] + "' after '" + tokens[from > 0 ? from - 1 : 0] + "'");
@@ -18,8 +28,7 @@ std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
     if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
     Expr condition = TranslateExpression(tokens, ExprMode::Condition);
     const ValueType& type = condition.type;
-    bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer) ||
-                type.Is(Base::Null);
+    bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer);
     if (!fits)
         ReportFatal("The condition of '" + keyword + "' must be a comparison, a number or an object, got " +
                     KorvelName(type));

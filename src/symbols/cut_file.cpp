@@ -87,16 +87,24 @@ void LineCutter::TakeComment(std::string_view raw) {
     comment += found;
 }
 
-void LineCutter::CutInline() {
+// What stands beside the word that opens or closes inline C++ would be lost.
+void LineCutter::RefuseCompany(const char* message, std::string_view text) {
+    if (lexer.tokens.size() > 1) NoteTrouble({message, 0}, text);
+}
+
+void LineCutter::CutInline(std::string_view opener) {
+    RefuseCompany("InlineCpp must stand alone on its line", opener);
     file.inlineOpen = true;
     while (file.inlineOpen && !reader.AtEnd()) {
         const std::string_view raw = ReadLine();
         LexPiece(raw);
         ++count;
         if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
-        if (lexer.tokens.empty()) continue;
+        if (lexer.tokens.empty() && !cpp.GoesOn()) continue;
         file.inlineOpen = FirstWord(lexer.tokens) != Keyword::EndInlineCpp;
-        if (file.inlineOpen) file.inlineLines.emplace_back(raw);
+        if (!file.inlineOpen) return RefuseCompany("EndInlineCpp must stand alone on its line", raw);
+        cpp.Read(raw);
+        file.inlineLines.push_back({std::string(raw), cpp.GoesOn(), cpp.Braces()});
     }
 }
 
@@ -180,7 +188,7 @@ void LineCutter::CutNext() {
         if (FirstWord(lexer.tokens) == Keyword::InlineCpp) {
             comment.clear();
             line.afterInline = true;
-            CutInline();
+            CutInline(text);
             continue;
         }
         if (EndsInTwoTildes(lexer.tokens) || EndsInUnderscore(lexer.tokens)) Join(text);

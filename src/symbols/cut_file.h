@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lexer/cpp_lines.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"
@@ -38,14 +39,21 @@ struct CutTrouble {
     std::string text;
 };
 
+// A line of inline C++ as it stands.
+struct InlineLine {
+    std::string text;
+    bool goesOn = false;  // behind its end, where nothing may be added
+    int braces = 0;       // how many more it opens than it closes
+};
+
 struct CutFile {
     std::vector<CutLine> lines;  // those with statements or, with -c, comments; the end mark is the last
     std::vector<CutStatement> statements;
     Tokens tokens;
-    std::vector<std::string> inlineLines;  // as they stand
-    std::vector<std::string> comments;     // with -c: of each line, those of joined lines included
-    CutTrouble trouble;                    // the first
-    bool inlineOpen = false;               // the file ends inside inline C++
+    std::vector<InlineLine> inlineLines;
+    std::vector<std::string> comments;  // with -c: of each line, those of joined lines included
+    CutTrouble trouble;                 // the first
+    bool inlineOpen = false;            // the file ends inside inline C++
 };
 
 // How lines are put through the lexer. Verbose runs of a pass show each line as the pass comes to it; for them
@@ -71,6 +79,7 @@ private:
     Lexing lexing;
     Lexer lexer;
     SourceReader reader;
+    CppLines cpp;
     int physical = 0;
     int count = 0;
     std::string comment;
@@ -81,7 +90,8 @@ private:
     void LexJoined(const std::string& text);
     void LexPiece(std::string_view text);
     void TakeComment(std::string_view raw);
-    void CutInline();
+    void RefuseCompany(const char* message, std::string_view text);
+    void CutInline(std::string_view opener);
     void Join(std::string_view first);
     void JoinTildeLines(std::string& text);
     void JoinUnderscoreLines(std::string& text);

@@ -7,6 +7,7 @@
 #include "driver/settings.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/source_lines.h"
+#include "symbols/value_circles.h"
 
 namespace {
 
@@ -124,7 +125,10 @@ void CollectDeclarations(const std::string& source, Declarations& out) {
     const bool comesAgain = !pass.again && source != settings.mainSource && !settings.verbose;
     if (comesAgain) Remember(pass);
     FinishRoutines(pass);
-    if (source == settings.mainSource) CheckElementCycles();
+    if (source == settings.mainSource) {
+        CheckElementCycles();
+        CheckValueCircles();
+    }
     SaySummary(out);
 }
 

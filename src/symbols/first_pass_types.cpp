@@ -18,12 +18,13 @@ void RefuseTaken(const FirstPass& pass, const std::string& name, bool taken, con
                       "'\n  First come first served - the " + earlier + " was declared first.");
 }
 
-// A member may not take the name of another one or, in C++, that of its class.
+// A member may not take the name of another one or, in C++, that of a class.
 void RefuseMemberName(const FirstPass& pass, const std::string& name) {
     const ClassInfo& open = pass.open;
-    const bool taken = name == open.name || open.members.count(name) != 0 || open.routines.count(name) != 0;
+    const bool taken = IsClass(name) || open.members.count(name) != 0 || open.routines.count(name) != 0;
     if (taken) FailAlreadyDefined(name);
     CheckCppWord(name);
+    CheckValueWord(name);
     CheckName(name);
 }
 

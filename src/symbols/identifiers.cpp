@@ -84,6 +84,25 @@ void CheckKeyword(const std::string& name) {
     }
 }
 
+void CheckValueWord(const std::string& name) {
+    switch (FindKeyword(name)) {
+        case Keyword::True:
+        case Keyword::False:
+        case Keyword::Null:
+        case Keyword::This:
+        case Keyword::Its:
+            return CheckKeyword(name);
+        default:
+            return;
+    }
+}
+
+// At file level "main" is the entry point of the C++ program.
+void CheckFileLevelName(const std::string& name) {
+    if (name == "main") ReportFatal("This is a reserved C++ identifier 'main', use another identifier");
+    CheckCppWord(name);
+}
+
 bool IsName(const std::string& text) {
     const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };

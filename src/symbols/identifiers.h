@@ -25,6 +25,8 @@ bool IsReservedKeyword(const std::string& name);  // any letter case, the first 
 // Each ends the run with the message of the rule when the name is reserved.
 void CheckCppWord(const std::string& name);
 void CheckKeyword(const std::string& name);
+void CheckValueWord(const std::string& name);      // only words that stand for a value wherever they are met
+void CheckFileLevelName(const std::string& name);  // of a Global, Const, PreCalc table, Type or Element
 
 // Ends the run unless the text is a name: letters, digits and "_", no digit first.
 void CheckName(const std::string& name);

@@ -2,8 +2,8 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "expressions/expression.h"
 #include "symbols/identifiers.h"
+#include "symbols/scopes.h"
 #include "symbols/source_lines.h"
 #include "symbols/type_reader.h"
 
@@ -148,6 +148,18 @@ void SettleParameters(Routine& routine) {
     }
 }
 
+Expr TranslateDefault(const Routine& routine, const Parameter& parameter) {
+    const FileLevelNames names;
+    const std::string file = settings.currentFile;
+    const int line = settings.currentLine;
+    settings.currentFile = routine.file;
+    settings.currentLine = routine.line;
+    Expr value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
+    settings.currentFile = file;
+    settings.currentLine = line;
+    return value;
+}
+
 std::string ParameterText(const Routine& routine, bool withDefaults) {
     if (routine.parameters.empty()) return "()";
     std::string text;
@@ -155,7 +167,7 @@ std::string ParameterText(const Routine& routine, bool withDefaults) {
         text += text.empty() ? "(" : ", ";
         text += ParameterCppName(parameter.type) + " " + SafeName(parameter.name);
         if (withDefaults && parameter.hasDefault) {
-            text += " = " + TranslateExpression(parameter.defaultValue, ExprMode::Condition).text;
+            text += " = " + TranslateDefault(routine, parameter).text;
         }
     }
     return text + ")";

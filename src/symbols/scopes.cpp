@@ -14,6 +14,8 @@ namespace {
 
 constexpr char tracedName[] = "scopedVar";
 
+const FileLevelNames* atFileLevel = nullptr;
+
 std::string Number(std::size_t value) { return std::to_string(value); }
 
 void DumpScopes(const std::string& name) {
@@ -169,6 +171,7 @@ Variable& AddVarToScopeList(const std::string& name) {
     CheckKeyword(name);
     RefuseConstName(name);
     CheckName(name);
+    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
 
     ScopeBranch& branch = localDefList.back();
     std::vector<VisibleVariable>& visible = branch.visible[name];
@@ -194,19 +197,39 @@ bool IsVariableInScope(const std::string& name) {
 }
 
 const Variable* FindLocal(const std::string& name) {
-    if (localDefList.empty()) return nullptr;
+    if (localDefList.empty() || atFileLevel != nullptr) return nullptr;
     const ScopeBranch& branch = localDefList.back();
-    const auto found = branch.visible.find(name);
-    if (found == branch.visible.end() || found->second.empty()) return nullptr;
-    return found->second.back().variable;
+    return IsVisibleIn(branch, name) ? branch.visible.at(name).back().variable : nullptr;
 }
 
 const Variable* FindVariable(const std::string& name) {
     if (const Variable* local = FindLocal(name)) return local;
     if (currentClass) {
         if (const Variable* field = FindField(*currentClass, name)) return field;
+        if (FindMethod(*currentClass, name) != nullptr) return nullptr;
     }
     return FindGlobal(name);
+}
+
+FileLevelNames::FileLevelNames()
+    : textClass(atFileLevel != nullptr ? atFileLevel->textClass : currentClass),
+      wasClass(currentClass),
+      outer(atFileLevel) {
+    atFileLevel = this;
+    currentClass = nullptr;
+}
+
+FileLevelNames::~FileLevelNames() {
+    atFileLevel = outer;
+    currentClass = wasClass;
+}
+
+bool FileLevelNames::InForce() { return atFileLevel != nullptr; }
+
+bool IsHidden(const std::string& name) {
+    if (!localDefList.empty() && IsVisibleIn(localDefList.back(), name)) return true;
+    const ClassInfo* cls = atFileLevel != nullptr ? atFileLevel->TextClass() : currentClass;
+    return cls != nullptr && (cls->members.count(name) != 0 || cls->routines.count(name) != 0);
 }
 
 bool WasInEndedBlock(const std::string& name) {

@@ -42,10 +42,34 @@ bool IsVariableInScope(const std::string& name);
 
 // The Local, parameter or loop variable that the name means here; null when there is none.
 const Variable* FindLocal(const std::string& name);
-// Local, then Field of the Type whose Method is open, then Global, Const or PreCalc table.
+// Local, then Field of the Type whose Method is open, then Global, Const or PreCalc table. Null where the bare
+// name means a Method of that Type.
 const Variable* FindVariable(const std::string& name);
 // True when a block of the current routine that has ended declared the name.
 bool WasInEndedBlock(const std::string& name);
 
 // The class whose Method is being translated, for bare Field and Method names; null outside.
 extern const ClassInfo* currentClass;
+
+// While one lives, names mean what they mean at file level, outside all routines and Types. What is translated
+// still goes to the place of the statement under way, where such a name may be hidden.
+class FileLevelNames {
+public:
+    FileLevelNames();
+    ~FileLevelNames();
+    FileLevelNames(const FileLevelNames&) = delete;
+    FileLevelNames& operator=(const FileLevelNames&) = delete;
+
+    static bool InForce();
+    // The class whose Method the text goes to.
+    const ClassInfo* TextClass() const { return textClass; }
+
+private:
+    const ClassInfo* textClass;
+    const ClassInfo* wasClass;
+    const FileLevelNames* outer;
+};
+
+// Whether a Local or a member stands between the place of the statement under way and what the name means at
+// file level.
+bool IsHidden(const std::string& name);

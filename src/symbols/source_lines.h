@@ -41,8 +41,8 @@ public:
     // With -c: the comments of the line and of those joined to it, ready for the output.
     const std::string& Comment() const;
 
-    // Gets every line of inline C++ that has tokens, as it stands.
-    std::function<void(const std::string&)> onInlineCpp;
+    // Gets every line of inline C++ that reaches the output.
+    std::function<void(const InlineLine&)> onInlineCpp;
 
 private:
     Reading reading;

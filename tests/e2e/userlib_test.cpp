@@ -42,7 +42,9 @@ const char* const declarations =
     ".lib \"counter.so\"\r\n"
     "Add%(a%, b%):\"wrong\"\r\n"
     "Add%(a%, b%):\"add\"\r\n"
+    "Add_ptr%(n%):\"fake_sleep\"\r\n"
     "Half#(x#):\"half\"\r\n"
+    "Add_TYPE#(x#):\"half\"\r\n"
     "Total:Long(a:Byte, b:Short, c:Long):\"total\"\r\n"
     "Greet$(name$):\"greet\"\r\n"
     "Nothing$():\"nothing\"\r\n"
@@ -75,7 +77,7 @@ Function Main
     Print twice
     Local text:String = "wide"
     Print Add(2, 3) + Add(Add(1, 1), 1)
-    Print Half(5.0)
+    Print Half(5.0) + Add_ptr(3) + Add_TYPE(3)
     Print Half(3)
     Print Total(250, 300, 70000)
     Print Greet("Ada")
@@ -107,7 +109,7 @@ EndFunction
 )";
 
 const char* const output =
-    "21\n882\n8\n2.5\n1.5\n70550\nHello, Ada!\nHello, "
+    "21\n882\n8\n34\n1.5\n70550\nHello, Ada!\nHello, "
     "wider!\n[]\n8\n42\nBob01\n70\n402\ncondition\n0\n0\n[]\n42\n";
 
 class Userlib : public testing::Test {

@@ -1,7 +1,7 @@
 #include "statements/blocks.h"
 
 #include "expect_fatal.h"
-#include "lexer/cpp_braces.h"
+#include "lexer/cpp_lines.h"
 #include "statements/constant_value.h"
 #include "statements/state.h"
 #include "symbols_fixture.h"
@@ -51,10 +51,13 @@ TEST(Blocks, BracesOfInlineCpp) {
         {{"#define OPEN { \\", "{ {", "#if A", "if (a) {", "#else", "if (b) {", "#endif"}, 1},
     };
     for (const auto& row : rows) {
-        CppBraces braces;
-        for (const std::string& line : row.lines) braces.Read(line);
-        EXPECT_EQ(braces.Take(), row.opened) << row.lines[0];
-        EXPECT_EQ(braces.Take(), 0);
+        CppLines cpp;
+        int opened = 0;
+        for (const std::string& line : row.lines) {
+            cpp.Read(line);
+            opened += cpp.Braces();
+        }
+        EXPECT_EQ(opened, row.opened) << row.lines[0];
     }
 }
 

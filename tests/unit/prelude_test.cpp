@@ -116,8 +116,8 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
         ResetSupport();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
-        Write(name,
-              WithIncludes(std::string(texts::safeDivision) + std::string(texts::sequence) + SupportText()));
+        Write(name, WithIncludes(FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
+                                 SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
     ResetSupport();
@@ -156,7 +156,7 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
 
 TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
-    const std::string prelude = std::string(texts::safeDivision) + std::string(texts::sequence) +
+    const std::string prelude = FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
                                 std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
     ResetSupport();
     Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));

@@ -1,6 +1,6 @@
 // Safe division helpers - runtime divide-by-zero checking
 template<typename T>
-T KVL_SafeDiv(T a, T b) {
+T @SafeDiv@(T a, T b) {
 	if (b == 0) {
 		std::cerr << "Division by zero error" << std::endl;
 		exit(1);
@@ -8,7 +8,7 @@ T KVL_SafeDiv(T a, T b) {
 	return a / b;
 }
 template<typename T>
-T KVL_SafeMod(T a, T b) {
+T @SafeMod@(T a, T b) {
 	if (b == 0) {
 		std::cerr << "Modulo by zero error" << std::endl;
 		exit(1);

@@ -1,0 +1,9 @@
+// What the text of a statement mentions, the holes of its Strings included.
+#pragma once
+
+#include "lexer/token_span.h"
+
+// The tokens, each String with holes followed by the tokens in them.
+Tokens MentionedTokens(TokenSpan tokens);
+
+bool Mentions(TokenSpan tokens, Token name);

@@ -1,0 +1,49 @@
+#include "symbols/own_names.h"
+
+#include <unordered_set>
+
+#include "driver/settings.h"
+#include "lexer/token.h"
+#include "symbols/identifiers.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+// Names written in the program are known before anything is emitted: every name is a word of some line. One that
+// is merely mentioned counts, too; a program that declares it nowhere is refused anyway.
+bool IsNameOfProgram(const std::string& cppName) {
+    if (symbols.externFunctions.count(cppName) != 0 || symbols.userlibFunctions.count(cppName) != 0)
+        return true;
+    const std::string start = SafeName("");
+    if (cppName.compare(0, start.size(), start) != 0) return false;
+    const std::string written = cppName.substr(start.size());
+    return IsKnownWord(written) && SafeName(written) == cppName;
+}
+
+std::unordered_set<std::string> fresh;  // given out on the line below
+int freshLine = 0;
+
+}  // namespace
+
+std::string OwnName(std::string plain) {
+    while (IsNameOfProgram(plain)) plain += '_';
+    return plain;
+}
+
+std::string FreshName(const std::string& plain) {
+    if (freshLine != settings.currentLine) ResetFreshNames();
+    freshLine = settings.currentLine;
+    std::string name = OwnName(plain);
+    for (int count = 2; !fresh.insert(name).second; ++count)
+        name = OwnName(plain + "_" + std::to_string(count));
+    return name;
+}
+
+void ResetFreshNames() { fresh.clear(); }
+
+std::string SizeName(const std::string& cppName, int dimension) {
+    return OwnName(cppName + "_size_" + std::to_string(dimension));
+}
+
+std::string SafeDivName() { return OwnName("KVL_SafeDiv"); }
+std::string SafeModName() { return OwnName("KVL_SafeMod"); }

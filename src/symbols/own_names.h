@@ -1,0 +1,20 @@
+// Names of ours in the generated code: helper variables, helper functions, size constants. They stand beside the
+// names of the program's author and keep their plain form wherever it is free.
+#pragma once
+
+#include <string>
+
+// The name in the whole program: `plain`, or longer where a name of the program comes out the same in C++.
+std::string OwnName(std::string plain);
+
+// The same for a variable of which one line may need several: no two calls on one line give the same name.
+std::string FreshName(const std::string& plain);
+// Before a file is translated: its lines have no such names yet.
+void ResetFreshNames();
+
+// Name of the constant that holds the size of dimension k: "KVL_a_size_0".
+std::string SizeName(const std::string& cppName, int dimension);
+
+// The checked division and remainder of safe mode.
+std::string SafeDivName();
+std::string SafeModName();
