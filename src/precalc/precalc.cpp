@@ -60,6 +60,8 @@ std::string DoubleText(double value) {
     return NumberText(value);
 }
 
+std::string IntText(double value) { return std::to_string(std::isnan(value) ? 0 : std::llround(value)); }
+
 // { { 1, 2 }, { 3, 4 } }
 void AppendLevel(std::string& text, const TableProgram& program, const TableValues& values,
                  std::size_t dimension, const double*& item) {
@@ -76,7 +78,7 @@ void AppendLevel(std::string& text, const TableProgram& program, const TableValu
             FailInBlock(values.lineOfWideInt,
                         "PreCalc: the value " + NumberText(value) + " of '" + program.name +
                             "' does not fit an Int (-2147483648 to 2147483647); make the table a Double one");
-        text += program.isDouble ? DoubleText(value) : std::to_string(std::llround(value));
+        text += program.isDouble ? DoubleText(value) : IntText(value);
     }
     text += " }";
 }

@@ -37,7 +37,8 @@ bool ReadNumber(const std::string& token, double& value) {
 }
 
 // Instructions are appended while the tokens are read from left to right, so operands stand before
-// their operator. Every routine leaves `at` behind what it has read.
+// their operator. Every routine leaves `at` behind what it has read. A mistake becomes the last instruction of its
+// statement: `at` goes behind the tokens, and what routines still want to append is dropped.
 class TableCompiler {
 public:
     explicit TableCompiler(TableProgram& target) : program(target) {}
@@ -46,16 +47,23 @@ public:
         tokens = statement;
         line = statementLine;
         at = 0;
+        depth = 0;
+        failed = false;
         const std::string keyword = Lower(tokens[0]);
         if (keyword == "for") return For();
         if (keyword == "next") return Next();
-        if (tokens[1] != "[" && tokens[1] != "=") FailStatement(tokens[0]);
+        const bool assigns = (tokens[1] == "[" && Find("=") < tokens.size()) || tokens[1] == "=";
+        if (!assigns) return FailStatement(tokens[0]);
         Assignment();
     }
 
     void Finish() {
-        if (!loops.empty())
-            FailInBlock(loops.back().line, "PreCalc: For without matching Next (block ended inside a loop)");
+        for (failed = false; !loops.empty(); failed = false) {
+            line = loops.back().line;
+            program.code[loops.back().enter].target = program.code.size();
+            loops.pop_back();
+            Fail("PreCalc: For without matching Next (block ended inside a loop)");
+        }
         Emit(TableOp::End);
     }
 
@@ -63,7 +71,7 @@ private:
     struct Loop {
         std::string variable;
         std::size_t slot = 0;
-        std::size_t enter = 0;  // its Enter instruction
+        std::size_t enter = 0;  // its Enter instruction, or the mistake in its place
         int line = 0;
     };
 
@@ -74,9 +82,19 @@ private:
     int line = 0;
     int nesting = 0;
     std::size_t depth = 0;  // of the stack
+    bool failed = false;    // the statement is wrong
+    TableInstruction dropped;
 
-    [[noreturn]] void FailStatement(const std::string& token) const {
-        FailInBlock(line, "PreCalc: only For/Next and assignments are allowed here (got '" + token + "')");
+    void Fail(const std::string& message) {
+        if (failed) return;
+        Emit(TableOp::Fail).operand = program.messages.size();
+        program.messages.push_back(message);
+        failed = true;
+        at = tokens.size();
+    }
+
+    void FailStatement(const std::string& token) {
+        Fail("PreCalc: only For/Next and assignments are allowed here (got '" + token + "')");
     }
 
     bool AtEnd() const { return at >= tokens.size(); }
@@ -87,13 +105,13 @@ private:
         return true;
     }
 
-    void ExpectEnd() const {
-        if (!AtEnd())
-            FailInBlock(line, "PreCalc: unexpected '" + tokens[at] + "' at the end of the statement");
+    void ExpectEnd() {
+        if (!AtEnd()) Fail("PreCalc: unexpected '" + tokens[at] + "' at the end of the statement");
     }
 
     // `change` is what the instruction does to the height of the stack.
     TableInstruction& Emit(TableOp op, int change = 0) {
+        if (failed) return dropped;
         depth += static_cast<std::size_t>(change);
         program.stackSize = std::max(program.stackSize, depth);
         program.code.emplace_back();
@@ -106,13 +124,21 @@ private:
 
     // For name [: type] = start To end [Step step]
     void For() {
-        const std::string name = tokens[1];
-        if (!IsName(name)) FailForSyntax();
+        Loop loop = {tokens[1], program.variableCount, 0, line};
+        program.variableCount += 3;
+        ForParts();
+        Emit(TableOp::Enter, -3).operand = loop.slot;
+        loop.enter = program.code.size() - 1;
+        loops.push_back(loop);
+    }
+
+    void ForParts() {
         at = 2;
-        if (Take(":") && !IsName(tokens[at++])) FailForSyntax();
-        if (!Take("=")) FailInBlock(line, "PreCalc: For needs '=' (e.g. For i:Int = 0 To 15)");
+        if (!IsName(tokens[1]) || (Take(":") && !IsName(tokens[at++])))
+            return Fail("PreCalc: For syntax is 'For var:Int = start To end [Step s]'");
+        if (!Take("=")) return Fail("PreCalc: For needs '=' (e.g. For i:Int = 0 To 15)");
         const std::size_t to = Find("to");
-        if (to == tokens.size()) FailInBlock(line, "PreCalc: For without 'To'");
+        if (to == tokens.size()) return Fail("PreCalc: For without 'To'");
         const std::size_t step = Find("step");
         const TokenSpan whole = tokens;
         Part(whole.Slice(at, to));
@@ -121,13 +147,6 @@ private:
             Part(whole.From(step + 1));
         else
             Constant(1);
-        loops.push_back({name, program.variableCount, program.code.size(), line});
-        program.variableCount += 3;
-        Emit(TableOp::Enter, -3).operand = loops.back().slot;
-    }
-
-    [[noreturn]] void FailForSyntax() const {
-        FailInBlock(line, "PreCalc: For syntax is 'For var:Int = start To end [Step s]'");
     }
 
     std::size_t Find(const char* word) const {
@@ -144,11 +163,12 @@ private:
         ExpectEnd();
     }
 
+    // Next [name]
     void Next() {
-        if (loops.empty()) FailInBlock(line, "PreCalc: Next without For");
-        at = 1;
-        ExpectEnd();
+        if (loops.empty()) return Fail("PreCalc: Next without For");
         const Loop& loop = loops.back();
+        at = tokens[1] == loop.variable ? 2 : 1;
+        ExpectEnd();
         TableInstruction& next = Emit(TableOp::Next);
         next.operand = loop.slot;
         next.target = loop.enter + 1;
@@ -160,7 +180,7 @@ private:
     void Assignment() {
         at = 1;
         Indices(tokens[0]);
-        if (!Take("=")) FailStatement(AtEnd() ? tokens[0] : tokens[at]);
+        if (!Take("=")) return FailStatement(AtEnd() ? tokens[0] : tokens[at]);
         Expression();
         ExpectEnd();
         Emit(TableOp::Store, -2);
@@ -169,16 +189,15 @@ private:
     // [index]... behind the array's name; the position in the table ends up on the stack.
     void Indices(const std::string& name) {
         if (name != program.name)
-            FailInBlock(line,
-                        "PreCalc: unknown array '" + name + "' (this block builds '" + program.name + "')");
+            return Fail("PreCalc: unknown array '" + name + "' (this block builds '" + program.name + "')");
         std::size_t count = 0;
         for (; Take("["); ++count) {
             Expression();
-            if (!Take("]")) FailInBlock(line, "PreCalc: missing ']'");
+            if (!Take("]")) Fail("PreCalc: missing ']'");
         }
         if (count != program.sizes.size())
-            FailInBlock(line, "PreCalc: '" + name + "' has " + std::to_string(program.sizes.size()) +
-                                  " dimension(s), but was indexed with " + std::to_string(count));
+            Fail("PreCalc: '" + name + "' has " + std::to_string(program.sizes.size()) +
+                 " dimension(s), but was indexed with " + std::to_string(count));
         Emit(TableOp::Address, 1 - static_cast<int>(count));
     }
 
@@ -220,8 +239,8 @@ private:
 
     // number | ("-" | "+") factor | "(" expression ")" | variable | array element | call
     void Factor() {
-        if (AtEnd()) FailInBlock(line, "PreCalc: unexpected end of expression");
-        if (++nesting > deepestNesting) FailInBlock(line, "PreCalc: the expression is nested too deeply");
+        if (AtEnd()) Fail("PreCalc: unexpected end of expression");
+        if (++nesting > deepestNesting) Fail("PreCalc: the expression is nested too deeply");
         if (Take("-")) {
             Factor();
             Emit(TableOp::Negate);
@@ -229,7 +248,7 @@ private:
             Factor();
         } else if (Take("(")) {
             Expression();
-            if (!Take(")")) FailInBlock(line, "PreCalc: missing ')'");
+            if (!Take(")")) Fail("PreCalc: missing ')'");
         } else if (!Number()) {
             Named(tokens[at++]);
         }
@@ -264,10 +283,8 @@ private:
             return;
         }
         if (Lower(name) == "pi") return Constant(tablePi);
-        FailInBlock(
-            line,
-            "PreCalc: unknown name '" + name +
-                "' - only numbers, loop variables, math functions and the array being built are allowed");
+        Fail("PreCalc: unknown name '" + name +
+             "' - only numbers, loop variables, math functions and the array being built are allowed");
     }
 
     // name "(" [expression {"," expression}] ")"
@@ -275,23 +292,22 @@ private:
         const std::string lowerName = Lower(name);
         const int expected = MathArgumentCount(lowerName);
         if (expected < 0)
-            FailInBlock(
-                line,
+            return Fail(
                 "PreCalc: '" + name +
-                    "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
-                    "and Sin/Cos/Sqrt/...)");
+                "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
+                "and Sin/Cos/Sqrt/...)");
         const TableFunction* function = FindTableFunction(lowerName);
-        if (function == nullptr) FailInBlock(line, "PreCalc: unknown function '" + name + "'");
+        if (function == nullptr) return Fail("PreCalc: unknown function '" + name + "'");
         const std::size_t codeBefore = program.code.size();
         const std::size_t depthBefore = depth;
         const int count = Arguments(name);
-        if (expected == 0) {  // whatever stands between the parentheses
+        if (expected == 0 && !failed) {  // whatever stands between the parentheses
             program.code.resize(codeBefore);
             depth = depthBefore;
             return Constant(function->value);
         }
         if (count != expected)
-            FailInBlock(line, "PreCalc: '" + name + "' expects " + std::to_string(expected) + " argument(s)");
+            Fail("PreCalc: '" + name + "' expects " + std::to_string(expected) + " argument(s)");
         TableInstruction& call = Emit(expected == 1 ? TableOp::CallOne : TableOp::CallTwo, 1 - expected);
         call.one = function->one;
         call.two = function->two;
@@ -305,7 +321,7 @@ private:
             Expression();
             ++count;
         } while (Take(","));
-        if (!Take(")")) FailInBlock(line, "PreCalc: missing ')' after '" + name + "'");
+        if (!Take(")")) Fail("PreCalc: missing ')' after '" + name + "'");
         return count;
     }
 };

@@ -7,5 +7,5 @@
 #include "precalc/table_program.h"
 
 // Compiles `body` (one statement per text, `lines` holding where each stands) into `program`, whose
-// name and sizes are set. Whatever is no For, Next or assignment, or is wrong in itself, ends the run.
+// name and sizes are set.
 void CompileTable(TableProgram& program, const std::vector<std::string>& body, const std::vector<int>& lines);

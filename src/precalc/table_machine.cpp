@@ -40,6 +40,7 @@ void CountStep(long long& steps, int line) {
 }  // namespace
 
 bool FitsInt(double value) {
+    if (std::isnan(value)) return true;
     const double rounded = std::round(value);
     return rounded >= std::numeric_limits<int>::min() && rounded <= std::numeric_limits<int>::max();
 }
@@ -133,6 +134,8 @@ TableValues RunTable(const TableProgram& program) {
                 if (HasRound(loop[0], loop[1], loop[2])) at = code + at->target - 1;
                 break;
             }
+            case TableOp::Fail:
+                FailInBlock(at->line, program.messages[at->operand]);
             case TableOp::End:
                 return values;
         }

@@ -10,10 +10,10 @@ struct TableValues {
     int lineOfWideInt = 0;      // of the last assignment beyond the range of Int
 };
 
-// Runs the program to its end. A bad index, a division by zero or too many steps end the run.
+// Runs the program to its end. A wrong statement, a bad index, a division by zero or too many steps end the run.
 TableValues RunTable(const TableProgram& program);
 
-// Whether the value, rounded, fits an Int.
+// Whether the value, rounded, fits an Int. What is no number at all becomes 0.
 bool FitsInt(double value);
 
 // Digits enough to read the same value back, as short as the default format of streams makes it.

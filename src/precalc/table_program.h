@@ -1,4 +1,5 @@
-// A PreCalc block in its compiled form: a flat list of instructions for a stack of doubles.
+// A PreCalc block in its compiled form: a flat list of instructions for a stack of doubles. What is wrong in a
+// statement is an instruction, too: it is reported when the evaluation comes to it, and never when it does not.
 #pragma once
 
 #include <cstddef>
@@ -21,6 +22,7 @@ enum class TableOp : unsigned char {
     CallTwo,
     Enter,  // takes start, end and step of a For; goes to target when there is no round
     Next,   // adds the step; goes to target when there is another round
+    Fail,   // reports messages[operand]
     End,
 };
 
@@ -39,6 +41,7 @@ struct TableProgram {
     bool isDouble = false;
     std::vector<long long> sizes;
     std::vector<TableInstruction> code;
+    std::vector<std::string> messages;
     std::size_t variableCount = 0;
     std::size_t stackSize = 0;
 };
