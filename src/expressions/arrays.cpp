@@ -163,7 +163,7 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
                                                         : Checked(owner, access);
     item.effects = array.effects || callCount != calls;
     item.type = array.type;
-    item.assignable = array.form != ArrayForm::Fixed && array.form != ArrayForm::Owned && !array.isCall;
+    item.assignable = array.form != ArrayForm::Owned && !array.isCall;
     if (!array.type.IsKnown()) return item;
     item.type.dims -= static_cast<int>(access.indices.size());
     item.form = item.type.IsArray() ? array.form : ArrayForm::None;

@@ -72,7 +72,7 @@ Expr UseVariable(const Variable& variable) {
     expr.form = variable.form;
     if (expr.type.IsArray() && expr.form == ArrayForm::None) expr.form = ArrayForm::Vector;
     expr.slot = variable.slot;
-    expr.isConst = variable.isConst || variable.isPreCalc;
+    expr.isConst = variable.isConst;
     expr.assignable = !expr.isConst;
     expr.variable = &variable;
     return expr;

@@ -59,15 +59,19 @@ void CheckConstTarget(TokenSpan target) {
 //     for(size_t _i0 = 0; _i0 < KVL_a.size() && _i0 < _from.size(); ++_i0) KVL_a[_i0] = _from[_i0]; }
 void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const ValueType& type = target.type;
-    if (target.form != ArrayForm::Vector || value.form != ArrayForm::Owned) FailArrayAssignment();
+    const bool fixed = target.form == ArrayForm::Fixed && target.variable != nullptr;
+    const bool keeps = fixed || target.form == ArrayForm::Vector;
+    if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
     if (type != value.type) FailMismatch(value.type, type, target.text);
     EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) +
                         " _from = " + TakenArray(type, ArrayPlace::Inner, value.text) + ";");
     std::string loops, indices;
     for (int k = 0; k < type.dims; ++k) {
         const std::string i = "_i" + std::to_string(k);
-        loops += "for(size_t " + i + " = 0; " + i + " < " + target.text + indices + ".size() && " + i +
-                 " < _from" + indices + ".size(); ++" + i + ") ";
+        const std::string size =
+            fixed ? target.variable->sizes[static_cast<std::size_t>(k)] : target.text + indices + ".size()";
+        loops += "for(size_t " + i + " = 0; " + i + " < " + size + " && " + i + " < _from" + indices +
+                 ".size(); ++" + i + ") ";
         indices += "[" + i + "]";
     }
     const std::string item = type.base == Base::Element ? "*" : "";
