@@ -16,8 +16,9 @@ std::string Joined(const std::vector<std::string>& texts) {
 
 // new KVL_T(first, second) , for an Element KVL_T(first, second)
 std::string ConstructorCall(const ClassInfo& cls, const std::vector<Expr>& arguments) {
-    const Routine plain;  // a class without a constructor of its own takes no arguments
+    const Routine plain;  // the generated constructor, which stands beside one that needs arguments
     const Routine* own = FindMethod(cls, "constructor");
+    if (own != nullptr && arguments.empty() && !NeedsNoArguments(*own)) own = nullptr;
     const Routine& constructor = own != nullptr ? *own : plain;
     if (own != nullptr) ++callCount;
     std::vector<std::string> texts =

@@ -42,8 +42,7 @@ void CloseClassState(State& state) {
 // Whether the user's own constructor serves `Create T` without arguments.
 bool HasPlainConstructor(const ClassInfo& cls) {
     const Routine* constructor = FindMethod(cls, "constructor");
-    if (constructor == nullptr) return false;
-    return constructor->parameters.empty() || constructor->parameters.front().hasDefault;
+    return constructor != nullptr && NeedsNoArguments(*constructor);
 }
 
 void EmitPublic(State& state) {

@@ -64,6 +64,11 @@ struct Routine {
     int line = 0;
 };
 
+// Whether a call without arguments will do.
+inline bool NeedsNoArguments(const Routine& routine) {
+    return routine.parameters.empty() || routine.parameters.front().hasDefault;
+}
+
 // One Type or Element. Its name is known from the start of the run; the rest is filled by the first
 // pass when its block is closed, which also puts it on classList.
 struct ClassInfo {
