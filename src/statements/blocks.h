@@ -68,6 +68,7 @@ struct OpenSelect {
     std::unordered_set<std::string> labels;  // values so far, for duplicates
     bool labelSeen = false;                  // a Case or Default
     bool defaultSeen = false;
+    bool warned = false;              // of a statement before the first label
     bool braces = false;              // the current case declares a Local and is in braces
     Piece* lastLabelPiece = nullptr;  // end of the last label's line, for labels with nothing behind them
     std::size_t lastLabelEnd = 0;

@@ -61,7 +61,8 @@ bool EndsStatement(const Word& token) {
            token.keyword == Keyword::EndIf;
 }
 
-std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at);
+std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at,
+                               std::size_t leftOpenBy = noToken);
 
 // Translates one branch's statements from `at` on; stops at Else, ElseIf, EndIf or the end of the line.
 std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
@@ -82,8 +83,9 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
     return at;
 }
 
-// Translates the If at `at` with all its branches and closes it; returns the index behind it.
-std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
+// Translates the If at `at` with all its branches and closes it, unless the EndIf at `leftOpenBy` is its own;
+// returns the index behind it.
+std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, std::size_t leftOpenBy) {
     std::size_t then = FindWord(tokens, Keyword::Then, at);
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
@@ -116,6 +118,11 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at) {
         }
     }
     state.inOneLineIf = outerOneLine;
+    if (at == leftOpenBy + 1) {
+        state.braces.back().elseSeen = elseSeen;
+        state.ifStack.push_back(state.currentLine);
+        return at;
+    }
     CloseBlock(state, BlockKind::If, "EndIf");
     CloseBranch(state);
     return at;
@@ -138,15 +145,23 @@ void OpenIf(State& state, TokenSpan condition) {
     OpenNewBlock(state, BlockKind::If);
 }
 
-// Statements behind an EndIf that closed its If on the line.
-void TranslateRest(State& state, TokenSpan tokens, std::size_t at) {
+// The place of the EndIf on the line that leaves its If open.
+std::size_t LeftOpenBy(State& state, TokenSpan tokens) {
+    const std::size_t own = state.inOneLineIf ? noToken : OwnEndIf(tokens);
+    if (own == noToken) return noToken;
+    if (!state.ifsLeftOpen) state.ifsLeftOpen = FindIfsLeftOpen(state.out->source);
+    return state.ifsLeftOpen->count({state.currentLine, state.currentStatement}) != 0 ? own : noToken;
+}
+
+// Statements behind an EndIf on the line.
+void TranslateRest(State& state, TokenSpan tokens, std::size_t at, std::size_t leftOpenBy) {
     while (at < tokens.size()) {
         if (!Is(tokens[at], "|")) RefuseMore(tokens, at);
         const std::size_t start = ++at;
         const std::size_t then = FindWord(tokens, Keyword::Then, start);
         if (tokens.KeywordAt(start) == Keyword::If && then != noToken) {
             if (StaysOpen(tokens, then)) return OpenIf(state, tokens.Slice(start + 1, then));
-            at = TranslateOneLineIf(state, tokens, start);
+            at = TranslateOneLineIf(state, tokens, start, leftOpenBy);
             continue;
         }
         while (at < tokens.size() && !Is(tokens[at], "|")) ++at;
@@ -160,7 +175,8 @@ void TranslateIf(State& state, TokenSpan tokens) {
     std::size_t then = FindWord(tokens, Keyword::Then);
     if (StaysOpen(tokens, then))
         return OpenIf(state, tokens.Slice(1, then == noToken ? tokens.size() : then));
-    TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0));
+    const std::size_t leftOpenBy = LeftOpenBy(state, tokens);
+    TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0, leftOpenBy), leftOpenBy);
 }
 
 void TranslateElseIf(State& state, TokenSpan tokens) {

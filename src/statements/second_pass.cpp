@@ -29,7 +29,11 @@ void TranslateLine(State& state, const SourceLines& lines) {
     state.lineIndent = static_cast<int>(lines.Indent());
     settings.currentLine = lines.Line();
     AddComment(state, lines.Comment());
-    for (const TokenSpan& statement : lines.Statements()) TranslateStatement(state, statement);
+    state.currentStatement = 0;
+    for (const TokenSpan& statement : lines.Statements()) {
+        TranslateStatement(state, statement);
+        ++state.currentStatement;
+    }
     FlushComment(state);
 }
 

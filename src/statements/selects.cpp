@@ -200,8 +200,9 @@ void PrepareInSelect(State& state, Keyword keyword) {
     if (!InnermostIs(state, BlockKind::Select)) return;
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = state.selects.back();
-    if (!select.labelSeen)
-        ReportFatal("Expected 'Case' or 'Default' after 'Select', before any other statement");
+    if (!select.labelSeen && !select.warned && !lenient)
+        Warn("What stands between 'Select' and its first 'Case' never runs");
+    select.warned = !select.labelSeen;
     // A Return of arrays works with names of its own.
     const bool declares =
         keyword == Keyword::Local || (keyword == Keyword::Return && !state.localArrays.empty());

@@ -11,6 +11,6 @@ void TranslateEndSelect(State& state, TokenSpan tokens);
 // What stands before the brace that closes the innermost Select.
 void FinishSelect(State& state);
 
-// To be called before every other statement while a Select is open: refuses one between Select and its
-// first Case, and puts the case in braces ("{" is emitted) when a Local stands directly in it.
+// To be called before every other statement while a Select is open: puts the case in braces ("{" is emitted)
+// when a Local stands directly in it.
 void PrepareInSelect(State& state, Keyword keyword);

@@ -1,6 +1,7 @@
 // The second pass's state for one file, and the line writer that every statement uses.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -9,6 +10,7 @@
 #include "lexer/token_span.h"
 #include "prelude/output.h"
 #include "statements/blocks.h"
+#include "statements/open_ifs.h"
 #include "symbols/symbols.h"
 
 struct LocalArray {
@@ -23,6 +25,7 @@ struct State {
     std::string commentText;  // with -c: "//..." of the line, until attached to a line
     int lineIndent = 0;
     int currentLine = 0;
+    std::size_t currentStatement = 0;  // its place in the line
 
     bool inFunction = false;
     std::string functionName;
@@ -45,17 +48,18 @@ struct State {
     int loopDepth = 0;
     int selectDepth = 0;
     int selectLine = 0;
-    bool beforeFirstCase = false;  // debug builds: nothing may stand between "switch" and its first label
+    bool beforeFirstCase = false;  // debug builds: the hook of the first label would never run
     std::vector<int> repeatStack;
     std::vector<int> ifStack;
     std::vector<int> loopStack;
     std::vector<std::string> loopKindStack;
 
-    std::vector<OpenBlock> blocks;    // every open If, loop and Select, innermost last
-    std::vector<OpenBraces> braces;   // as many, as they nest in C++
-    std::vector<OpenSelect> selects;  // those of the Selects among them
-    bool inOneLineIf = false;         // the statement stands behind a Then on the same line
-    std::string closerMessage;        // the first closer that cannot be let through, and its line
+    std::vector<OpenBlock> blocks;               // every open If, loop and Select, innermost last
+    std::vector<OpenBraces> braces;              // as many, as they nest in C++
+    std::vector<OpenSelect> selects;             // those of the Selects among them
+    bool inOneLineIf = false;                    // the statement stands behind a Then on the same line
+    std::optional<StatementPlaces> ifsLeftOpen;  // of the file, once they have been asked for
+    std::string closerMessage;                   // the first closer that cannot be let through, and its line
     int closerLine = 0;
 
     bool inPreCalc = false;
