@@ -69,7 +69,7 @@ std::string FunctionSection(const FileOutput& out, const HeaderContents& content
     std::string text;
     if (!contents.externLines.empty()) {
         text += "// External C functions\n";
-        if (contents.externRenamed) text += externNameMacros;
+        if (contents.externBound) text += externNameMacros;
         text += "extern \"C\" {\n";
         for (const std::string& line : contents.externLines) text += line + "\n";
         text += "}\n";

@@ -11,8 +11,8 @@ struct HeaderContents {
     std::vector<const ClassInfo*> classes;        // declared in the file, in order
     std::vector<const ClassInfo*> instanceLists;  // registered classes declared in the file
     std::vector<std::string> externLines;         // prototypes of extern "C" functions
-    std::vector<std::string> externWrappers;      // of those that take or give Strings under another name
-    bool externRenamed = false;                   // some have another name in C++
+    std::vector<std::string> externWrappers;      // of those that take or give Strings
+    bool externBound = false;                   // some prototypes name their symbols
     std::vector<std::string> functionLines;       // prototypes of the other functions
 };
 

@@ -6,6 +6,8 @@
 //     }
 #include "statements/routines.h"
 
+#include <unordered_set>
+
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "lexer/lexer.h"
@@ -51,13 +53,15 @@ void DeclareParameters(const Routine& routine) {
     }
 }
 
-// An Extern function has no body; its parameters obey the same rules.
+// An Extern function has no body, so nothing else is in the way of its parameters' names.
 void CheckExternParameters(const std::string& name) {
     const Routine* routine = FindFunction(name);
     if (routine == nullptr) return;
-    PushRoutineScope();
-    for (const Parameter& parameter : routine->parameters) AddVarToScopeList(parameter.name);
-    PopRoutineScope();
+    std::unordered_set<std::string> names;
+    for (const Parameter& parameter : routine->parameters) {
+        CheckExternParameter(parameter.name);
+        if (!names.insert(parameter.name).second) FailDeclaredTwice(parameter.name);
+    }
 }
 
 // Routines that call themselves must get as deep as without -fast, whose arrays are not in the frame. Inline

@@ -72,7 +72,7 @@ HeaderContents ContentsOf(const Declarations& declarations, const std::string& s
     for (const Prototype& prototype : declarations.functions) {
         (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
         if (!prototype.wrapper.empty()) contents.externWrappers.push_back(prototype.wrapper);
-        contents.externRenamed = contents.externRenamed || prototype.renamed;
+        contents.externBound = contents.externBound || prototype.bound;
     }
     return contents;
 }

@@ -1,6 +1,7 @@
-// Extern functions whose names the standard headers have declared already, with types of their own. The program
-// declares them once more under a name of ours, bound to the same symbol: what counts is that the types agree
-// with those of C at the call, not in the headers. A String crosses as a text that ends in a zero.
+// Some Extern functions cannot be declared as they stand. Those whose names the standard headers have declared
+// already, with types of their own, are declared once more under a name of ours, bound to the same symbol: what
+// counts is that the types agree with those of C at the call, not in the headers. Those that take or give
+// Strings are called through a wrapper.
 #include "symbols/extern_functions.h"
 
 #include <algorithm>
@@ -9,11 +10,10 @@
 #include "driver/report.h"
 #include "linking/library_names.h"
 #include "symbols/identifiers.h"
+#include "symbols/inline_cpp.h"
 #include "symbols/parameters.h"
 
 namespace {
-
-bool IsOfLibrary(const Routine& routine) { return routine.cppName != routine.name; }
 
 // The functions whose types in C are those of the language, by these types.
 const std::unordered_map<std::string, const char*> plainFunctions = {
@@ -67,46 +67,122 @@ bool HasStrings(const Routine& routine) {
                        [](const Parameter& parameter) { return parameter.type.Is(Base::String); });
 }
 
-bool NeedsWrapper(const Routine& routine) {
-    return IsOfLibrary(routine) && (HasStrings(routine) || IsVariadic(routine));
-}
+// How a function is declared to C++.
+struct Crossing {
+    std::string symbol;  // the name in the prototype
+    bool bound = false;  // to a name of C other than that
+    std::string result;  // the types of C
+    std::vector<std::string> parameters;
+};
 
 std::string CType(const ValueType& type, const std::string& otherwise) {
     return type.Is(Base::String) ? "const char*" : otherwise;
 }
 
-std::string CParameters(const Routine& routine) {
-    std::string text;
-    const std::size_t fixed = std::min(FixedParameters(routine), routine.parameters.size());
-    for (std::size_t i = 0; i < fixed; ++i) {
-        const Parameter& parameter = routine.parameters[i];
-        text += (text.empty() ? "" : ", ") + CType(parameter.type, ParameterCppName(parameter.type)) + " " +
-                SafeName(parameter.name);
-    }
-    return "(" + text + (IsVariadic(routine) ? ", ...)" : ")");
+Crossing PlainCrossing(const Routine& routine) {
+    Crossing crossing;
+    crossing.symbol = routine.name;
+    crossing.result = CType(routine.result, ResultCppName(routine.result));
+    for (const Parameter& parameter : routine.parameters)
+        crossing.parameters.push_back(CType(parameter.type, ParameterCppName(parameter.type)));
+    return crossing;
 }
 
-std::string WrapperParameters(const Routine& routine) {
+bool Contains(const std::string& type, const char* word) { return type.find(word) != std::string::npos; }
+
+// The type of a String that inline C++ writes so; empty for what is none.
+std::string StringType(const std::string& written) {
+    const std::string qualifier = Contains(written, "const") ? "const " : "";
+    const bool pointer = Contains(written, "*");
+    if (Contains(written, "string")) {
+        if (pointer) return {};
+        return Contains(written, "&") ? qualifier + "std::string&" : "std::string";
+    }
+    if (!Contains(written, "char") || !pointer) return {};
+    return qualifier + (Contains(written, "unsigned") ? "unsigned char*" : "char*");
+}
+
+// Takes the type over where the language has a String; false when it is none in C++.
+bool TakeStringType(const ValueType& korvel, const std::string& written, std::string& type) {
+    if (korvel.Is(Base::String)) type = StringType(written);
+    return !type.empty();
+}
+
+// The types of Strings as inline C++ of the program declares them; false when it does not.
+bool TakeInlineTypes(const Routine& routine, Crossing& crossing) {
+    for (const InlineFunction& function : FindInlineFunctions(routine.name)) {
+        if (function.parameters.size() != routine.parameters.size()) continue;
+        Crossing taken = crossing;
+        bool fits = TakeStringType(routine.result, function.result, taken.result);
+        for (std::size_t i = 0; i < routine.parameters.size(); ++i)
+            fits = fits &&
+                   TakeStringType(routine.parameters[i].type, function.parameters[i], taken.parameters[i]);
+        if (fits) crossing = taken;
+        if (fits) return true;
+    }
+    return false;
+}
+
+Crossing CrossingOf(const Routine& routine) {
+    Crossing crossing = PlainCrossing(routine);
+    const bool ofHeaders = IsDeclaredByHeaders(routine.name);
+    if (!ofHeaders && TakeInlineTypes(routine, crossing)) return crossing;
+    // A file that inline C++ includes may declare it with other types than ours.
+    crossing.bound = ofHeaders || InlineCppIncludesFiles();
+    if (crossing.bound)
+        crossing.symbol =
+            (HasStrings(routine) || IsVariadic(routine) ? "__kvC_" : "__kvExtern_") + routine.name;
+    return crossing;
+}
+
+std::string Prototype(const Routine& routine, const Crossing& crossing) {
+    const std::size_t fixed = std::min(FixedParameters(routine), routine.parameters.size());
     std::string text;
-    for (const Parameter& parameter : routine.parameters) {
-        const std::string type =
-            parameter.type.Is(Base::String) ? "const std::string&" : ParameterCppName(parameter.type);
+    for (std::size_t i = 0; i < fixed; ++i)
+        text +=
+            (text.empty() ? "" : ", ") + crossing.parameters[i] + " " + SafeName(routine.parameters[i].name);
+    text = crossing.result + " " + crossing.symbol + "(" + text + (IsVariadic(routine) ? ", ...)" : ")");
+    return crossing.bound ? text + " __asm__(KV_C_NAME(\"" + routine.name + "\"));" : text + ";";
+}
+
+// A function that may change its text gets one of its own.
+std::string WrapperParameters(const Routine& routine, const Crossing& crossing) {
+    std::string text;
+    for (std::size_t i = 0; i < routine.parameters.size(); ++i) {
+        const Parameter& parameter = routine.parameters[i];
+        std::string type = ParameterCppName(parameter.type);
+        if (parameter.type.Is(Base::String) && crossing.parameters[i] != "std::string&")
+            type = "const std::string&";
         text += (text.empty() ? "" : ", ") + type + " " + SafeName(parameter.name);
     }
     return "(" + text + ")";
 }
 
-std::string Arguments(const Routine& routine) {
-    std::string text;
-    for (const Parameter& parameter : routine.parameters) {
-        text += (text.empty() ? "" : ", ") + SafeName(parameter.name);
-        if (parameter.type.Is(Base::String)) text += ".c_str()";
-    }
-    return "(" + text + ")";
+std::string Argument(const Parameter& parameter, const std::string& type) {
+    const std::string name = SafeName(parameter.name);
+    if (!parameter.type.Is(Base::String) || Contains(type, "string")) return name;
+    return (type == "const char*" ? "" : "(" + type + ")") + name + ".c_str()";
 }
 
-std::string SymbolName(const Routine& routine) {
-    return NeedsWrapper(routine) ? "__kvC_" + routine.name : routine.cppName;
+std::string WrapperBody(const Routine& routine, const Crossing& crossing) {
+    std::string call;
+    for (std::size_t i = 0; i < routine.parameters.size(); ++i)
+        call += (i > 0 ? ", " : "") + Argument(routine.parameters[i], crossing.parameters[i]);
+    call = "::" + crossing.symbol + "(" + call + ")";
+    if (routine.result.Is(Base::Void)) return call + ";";
+    if (!routine.result.Is(Base::String) || Contains(crossing.result, "string"))
+        return "return " + call + ";";
+    return "const char* __kvText = " + std::string(crossing.result == "const char*" ? "" : "(const char*)") +
+           call + "; return __kvText ? std::string(__kvText) : std::string();";
+}
+
+// A function that takes and gives its Strings as C++ does.
+bool IsOfCpp(const Routine& routine, const Crossing& crossing) {
+    bool plain = !routine.result.Is(Base::String) || crossing.result == "std::string";
+    for (std::size_t i = 0; i < routine.parameters.size(); ++i)
+        plain = plain &&
+                (!routine.parameters[i].type.Is(Base::String) || crossing.parameters[i] == "std::string");
+    return plain;
 }
 
 }  // namespace
@@ -116,29 +192,22 @@ const char* const externNameMacros =
     "#define KV_C_PREFIX(name) KV_C_TEXT(name)\n"
     "#define KV_C_NAME(name) KV_C_PREFIX(__USER_LABEL_PREFIX__) name\n";
 
-std::string ExternCppName(const Routine& routine) {
-    if (!IsDeclaredByHeaders(routine.name) || AgreesWithHeaders(routine)) return routine.name;
-    return "__kvExtern_" + routine.name;
-}
-
 void CheckExternName(const std::string& name) {
     if (name == "main") ReportFatal("Identifier 'main' is already defined.");
     if (IsLibraryNonFunction(name))
         ReportFatal("'" + name + "' is no function of the C library, so it cannot be declared as one");
 }
 
-std::string ExternPrototype(const Routine& routine) {
-    if (!IsOfLibrary(routine)) return PrototypeText(routine);
-    return CType(routine.result, ResultCppName(routine.result)) + " " + SymbolName(routine) +
-           CParameters(routine) + " __asm__(KV_C_NAME(\"" + routine.name + "\"));";
-}
-
-std::string ExternWrapper(const Routine& routine) {
-    if (!NeedsWrapper(routine)) return {};
-    const std::string call = SymbolName(routine) + Arguments(routine);
-    const std::string head =
-        "inline " + ResultCppName(routine.result) + " " + routine.cppName + WrapperParameters(routine);
-    if (routine.result.Is(Base::Void)) return head + " { " + call + "; }";
-    if (!routine.result.Is(Base::String)) return head + " { return " + call + "; }";
-    return head + " { const char* text = " + call + "; return text ? std::string(text) : std::string(); }";
+ExternTexts TextsOfExtern(const Routine& routine) {
+    const bool ofHeaders = IsDeclaredByHeaders(routine.name) && !AgreesWithHeaders(routine);
+    if (!ofHeaders && !HasStrings(routine)) return {routine.name, PrototypeText(routine), "", "", false};
+    const Crossing crossing = CrossingOf(routine);
+    if (!ofHeaders && IsOfCpp(routine, crossing))
+        return {routine.name, PrototypeText(routine), "", "", false};
+    ExternTexts texts{"__kvExtern_" + routine.name, Prototype(routine, crossing), "", "", crossing.bound};
+    if (crossing.symbol == texts.cppName) return texts;
+    texts.wrapper = "inline " + ResultCppName(routine.result) + " " + texts.cppName +
+                    WrapperParameters(routine, crossing);
+    texts.body = WrapperBody(routine, crossing);
+    return texts;
 }

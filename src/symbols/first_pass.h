@@ -14,7 +14,8 @@ struct Prototype {
     std::string name;     // as written
     std::string wrapper;  // Extern functions: what follows the extern "C" section, or empty
     bool isExtern = false;
-    bool renamed = false;  // an Extern function that C++ calls by a name of ours
+    bool bound = false;    // an Extern function whose prototype names its symbol
+    bool again = false;    // an Extern function that was declared before, in this or another file
     bool clashes = false;  // another Function of the name is declared elsewhere
     int line = 0;
 };

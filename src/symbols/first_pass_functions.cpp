@@ -30,13 +30,20 @@ bool SameSignature(const Routine& a, const Routine& b) {
                       [](const Parameter& x, const Parameter& y) { return x.type == y.type; });
 }
 
-// True when another Function has the name; the same C function may be declared in several Extern blocks.
-bool Register(const FirstPass& pass, const Routine& routine) {
-    const auto found = symbols.functions.find(routine.name);
-    const bool taken = !pass.again && found != symbols.functions.end();
-    if (taken) return !(found->second.isExtern && routine.isExtern && SameSignature(found->second, routine));
-    symbols.functions[routine.name] = routine;
-    return false;
+// Enters the Function and tells the prototype whether the name is taken. One C function may be declared in
+// several Extern blocks; the first declaration counts.
+void Register(const FirstPass& pass, const Routine& routine, Prototype& prototype) {
+    const auto entered = symbols.functions.emplace(routine.name, routine);
+    Routine& known = entered.first->second;
+    if (entered.second) return;
+    if (known.isExtern && routine.isExtern) {
+        prototype.again = known.file != routine.file || known.line != routine.line;
+        prototype.clashes = !SameSignature(known, routine);
+    } else if (pass.again) {
+        known = routine;
+    } else {
+        prototype.clashes = true;
+    }
 }
 
 void Settle(Routine& routine) {
@@ -45,10 +52,13 @@ void Settle(Routine& routine) {
 }
 
 void DeclareExtern(Prototype& prototype, Routine& routine) {
-    routine.cppName = ExternCppName(routine);
-    prototype.renamed = routine.cppName != routine.name;
-    prototype.text = ExternPrototype(routine);
-    prototype.wrapper = ExternWrapper(routine);
+    ExternTexts texts = TextsOfExtern(routine);
+    routine.cppName = std::move(texts.cppName);
+    prototype.bound = texts.bound;
+    prototype.text = std::move(texts.prototype);
+    if (texts.wrapper.empty()) return;
+    // One definition is enough; where a header comes before that of the other file, this declares it.
+    prototype.wrapper = texts.wrapper + (prototype.again ? ";" : " { " + texts.body + " }");
 }
 
 }  // namespace
@@ -75,7 +85,7 @@ void CollectFunction(FirstPass& pass, TokenSpan tokens) {
     prototype.name = routine.name;
     prototype.isExtern = routine.isExtern;
     prototype.line = settings.currentLine;
-    prototype.clashes = Register(pass, routine);
+    Register(pass, routine, prototype);
     pass.out.functions.push_back(std::move(prototype));
 }
 

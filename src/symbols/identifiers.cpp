@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string_view>
@@ -15,12 +16,13 @@ WordLists wordLists;
 namespace {
 
 constexpr std::string_view neverPrefixed[] = {
-    "std",   "string", "vector", "cout",    "endl",      "NULL",   "nullptr", "true",
-    "false", "return", "if",     "else",    "for",       "while",  "break",   "continue",
-    "class", "struct", "public", "private", "protected", "int",    "float",   "double",
-    "char",  "void",   "bool",   "const",   "static",    "extern", "sizeof",  "typedef",
-    "enum",  "new",    "delete", "this",    "main",
+    "std",    "string",  "vector",   "cout",  "endl",   "main",  // names to C++
+    "NULL",   "nullptr", "true",     "false", "return", "if",     "else",    "for",
+    "while",  "break",   "continue", "class", "struct", "public", "private", "protected",
+    "int",    "float",   "double",   "char",  "void",   "bool",   "const",   "static",
+    "extern", "sizeof",  "typedef",  "enum",  "new",    "delete", "this",
 };
+constexpr std::ptrdiff_t namesToCpp = 6;
 
 // The first and last letters of these names at their lengths, as bits: they rule out nearly all others at one
 // look.
@@ -72,10 +74,18 @@ bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.coun
 
 bool IsReservedKeyword(const std::string& name) { return wordLists.reservedKeywords.count(Lower(name)) != 0; }
 
+static void FailCppWord(const std::string& name) {
+    ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier");
+}
+
 void CheckCppWord(const std::string& name) {
-    if (IsCppWord(name)) {
-        ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier");
-    }
+    if (IsCppWord(name)) FailCppWord(name);
+}
+
+// All other words of C++ get a prefix.
+void CheckExternParameter(const std::string& name) {
+    const auto* words = std::begin(neverPrefixed) + namesToCpp;
+    if (std::find(words, std::end(neverPrefixed), name) != std::end(neverPrefixed)) FailCppWord(name);
 }
 
 void CheckKeyword(const std::string& name) {

@@ -27,6 +27,7 @@ void CheckCppWord(const std::string& name);
 void CheckKeyword(const std::string& name);
 void CheckValueWord(const std::string& name);      // only words that stand for a value wherever they are met
 void CheckFileLevelName(const std::string& name);  // of a Global, Const, PreCalc table, Type or Element
+void CheckExternParameter(const std::string& name);  // refuses only what no parameter of C++ can be called
 
 // Ends the run unless the text is a name: letters, digits and "_", no digit first.
 void CheckName(const std::string& name);

@@ -9,6 +9,7 @@
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "symbols/identifiers.h"
+#include "symbols/inline_cpp.h"
 #include "symbols/source_lines.h"
 #include "symbols/symbols.h"
 
@@ -120,6 +121,7 @@ void CollectNames(const std::string& mainSource) {
     baseNames.clear();
     sourcesByName.clear();
     ResetSourceLines();
+    ResetInlineCpp();
     NameScan().ScanFile(mainSource, StripFolder(mainSource));
 }
 

@@ -178,15 +178,17 @@ Variable& AddVarToScopeList(const std::string& name) {
     const bool recorded = !visible.empty() || IsRecordedOutside(name);
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
-    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) {
-        ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
-    }
+    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
     return Record(name, recorded, visible);
 }
 
 Variable& AddOwnName(const std::string& name) {
     if (localDefList.back().leaves.empty()) localDefList.back().leaves.emplace_back();
     return Record(name, IsRecorded(name), localDefList.back().visible[name]);
+}
+
+void FailDeclaredTwice(const std::string& name) {
+    ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
 }
 
 bool IsVariableInScope(const std::string& name) {

@@ -38,6 +38,8 @@ Variable& AddVarToScopeList(const std::string& name);
 // The same without any check, for names that the compiler declares itself ("this").
 Variable& AddOwnName(const std::string& name);
 
+[[noreturn]] void FailDeclaredTwice(const std::string& name);
+
 bool IsVariableInScope(const std::string& name);
 
 // The Local, parameter or loop variable that the name means here; null when there is none.
