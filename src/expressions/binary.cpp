@@ -132,6 +132,7 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
         if (remainder && common == Base::Double) return FloatingRemainder(left, right);
         return Join(std::move(left), op, right, Single(common));
     }
+    NotePreludeUse();
     // C++ takes the arguments of a call in any order, but not what stands between braces.
     const bool ordered = right.effects && !StaysTheSame(left);
     if (ordered || (remainder && common == Base::Double)) RequireSupport(Support::SafeOperands);

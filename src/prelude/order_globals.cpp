@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "prelude/order.h"
+#include "prelude/value_order.h"
 
 namespace {
 
@@ -18,105 +19,137 @@ constexpr char earlyLoading[] =
     "static const bool kvUserlibsLoaded = (InitUserlibs(), true);\n"
     "#define InitUserlibs() ((void)kvUserlibsLoaded)\n";
 
+// Where those stand that what follows has to stand behind.
+struct Latest {
+    Place place = Place::Header;
+    std::size_t position = 0;  // of those in headers, the last one's plus 1
+
+    void Add(const Latest& other) {
+        place = std::max(place, other.place);
+        position = std::max(position, other.position);
+    }
+};
+
+// Where a definition that has this before it may stand at the earliest.
+Place PlaceBehind(const Latest& latest, std::size_t position) {
+    if (latest.place != Place::Header) return latest.place;
+    return latest.position > position ? Place::LateHeader : Place::Header;
+}
+
+// What those met so far read and change, and where they stand.
+class MetEffects {
+public:
+    // What must stand before one with the effects.
+    Latest Before(const Effects& effects) const {
+        if (effects.anything) return all;
+        Latest latest = anything;
+        for (const Word* name : effects.reads) Take(changers, name, latest);
+        for (const Word* name : effects.changes) {
+            Take(changers, name, latest);
+            Take(readers, name, latest);
+        }
+        return latest;
+    }
+
+    void Add(const Effects& effects, const Latest& stands) {
+        all.Add(stands);
+        if (effects.anything) anything.Add(stands);
+        for (const Word* name : effects.reads) readers[name].Add(stands);
+        for (const Word* name : effects.changes) changers[name].Add(stands);
+    }
+
+private:
+    using Map = std::unordered_map<const Word*, Latest>;
+    Map readers, changers;
+    Latest all, anything;
+
+    static void Take(const Map& map, const Word* name, Latest& latest) {
+        const auto found = map.find(name);
+        if (found != map.end()) latest.Add(found->second);
+    }
+};
+
+// Definitions stay in their headers, in the order of the headers, unless they would not compile there or
+// something that has to take its value before them stands behind. The others follow in the order in which
+// Globals take their values.
 class GlobalPlacer {
 public:
-    explicit GlobalPlacer(Program& program) : program(program) {
-        for (FileOutput* file : program.headers)
-            for (GlobalDefinition& global : file->globals) byName.emplace(global.name, Owned{&global, file});
+    explicit GlobalPlacer(Program& target) : program(target), entries(GlobalsInOrder(target)) {
+        for (const GlobalEntry& entry : entries) positions[entry.Name()] = entry.position;
+        std::size_t position = 0;
+        for (const FileOutput* file : program.headers) {
+            for (const std::string& name : file->functionNames) declared.emplace(&WordOf(name), position);
+            position += file->globals.size();
+        }
     }
 
     void Run() {
-        for (FileOutput* file : program.headers) {
-            declaredFunctions.insert(file->functionNames.begin(), file->functionNames.end());
-            for (GlobalDefinition& global : file->globals) {
-                Place place = global.declaration.empty() ? Place::Header : WherePlaced(global, *file);
-                places[global.name] = place;
-                if (place != Place::Header) Move(global, place);
-            }
-        }
-        for (const std::string& line : lateLines) program.main->headerLate += line + "\n";
+        for (GlobalEntry& entry : entries) Put(entry);
+        program.main->headerLate += lateLines;
         if (cppLines.empty()) return;
+        if (callsUserlibs) program.main->pieces.front().text += earlyLoading;
         Piece piece;
         piece.kind = Piece::Kind::Definition;
-        if (callsUserlibs) piece.text = earlyLoading;
-        for (const std::string& line : cppLines) piece.text += line + "\n";
+        piece.text = cppLines;
         program.main->pieces.push_back(piece);
     }
 
 private:
     Program& program;
-    struct Owned {
-        GlobalDefinition* global;
-        FileOutput* file;
-    };
-    std::unordered_map<std::string, Owned> byName;
-    std::unordered_map<std::string, Place> places;    // of those already met
-    std::unordered_map<std::string, Place> expected;  // of those that others mention before
-    std::unordered_set<std::string> declaredFunctions;
-    std::unordered_set<std::string> moved;
-    std::vector<std::string> lateLines, cppLines;
+    std::vector<GlobalEntry> entries;
+    std::unordered_map<const Word*, std::size_t> positions;  // of Globals and Consts
+    std::unordered_map<const Word*, std::size_t> declared;   // of Functions: the first Global behind them
+    MetEffects met;
+    std::string lateLines, cppLines;
     bool callsUserlibs = false;  // an initialiser may call a userlib function
 
-    // Calls visit(token) for everything that the definition may mention.
-    template <typename Visit>
-    static void ForEachToken(const GlobalDefinition& global, Visit visit) {
-        if (const Variable* variable = FindGlobal(global.name))
-            for (const std::string& token : variable->initialiser) visit(token);
-        for (const std::string& token : global.sizeNames) visit(token);
-    }
-
-    Place WherePlaced(const GlobalDefinition& global, const FileOutput& file) {
-        Place place = !file.isMain && global.needsPrelude ? Place::LateHeader : Place::Header;
-        if (!global.needs.empty()) place = Place::Cpp;
-        ForEachToken(global, [&](const std::string& token) { place = std::max(place, PlaceAfter(token)); });
-        return place;
-    }
-
-    // Where something that mentions the name may be defined. A call runs code that may create objects,
-    // so it has to wait for the instance lists.
-    Place PlaceAfter(const std::string& name) {
-        if (!symbols.userlibDLLs.empty() &&
-            (FindUserlibFunction(name) != nullptr || FindFunction(name) != nullptr)) {
-            callsUserlibs = true;
-            return Place::Cpp;
+    void Put(GlobalEntry& entry) {
+        GlobalDefinition& global = *entry.global;
+        const bool takenAgain = entry.changedBefore && !global.again.empty();
+        Effects effects = entry.effects;
+        if (!entry.IsConstant() || takenAgain) effects.changes.insert(entry.Name());
+        Place place = PlaceBehind(met.Before(effects), entry.position);
+        if (takenAgain) {
+            place = std::max(place, Place::LateHeader);
+            Append(place, "static const bool __kvTaken_" + entry.variable->cppName + " = (" + global.again +
+                              ", true);");
+        } else if (global.declaration.empty()) {
+            place = Place::Header;
+        } else {
+            place = std::max(place, PlaceToCompile(entry));
+            if (place != Place::Header) {
+                Append(place, global.definition);
+                global.plain = global.declaration;
+            }
         }
-        if (FindFunction(name) != nullptr) {
-            if (!symbols.classList.empty() || !cppLines.empty()) return Place::Cpp;
-            return declaredFunctions.count(name) != 0 ? Place::Header : Place::LateHeader;
-        }
-        auto met = places.find(name);
-        if (met != places.end()) return met->second;
-        return byName.count(name) != 0 ? ExpectedPlace(name) : Place::Header;
+        met.Add(effects, {place, place == Place::Header ? entry.position + 1 : 0});
     }
 
-    // Where a Global that has not been met yet will be defined; LateHeader while that is being asked.
-    Place ExpectedPlace(const std::string& name) {
-        auto known = expected.emplace(name, Place::LateHeader);
-        if (!known.second) return known.first->second;
-        const Owned& used = byName.at(name);
-        const Place place = std::max(Place::LateHeader, WherePlaced(*used.global, *used.file));
-        expected[name] = place;
-        return place;
+    void Append(Place place, const std::string& line) {
+        (place == Place::Cpp ? cppLines : lateLines) += line + "\n";
     }
 
-    // What a moved definition uses must be defined before it.
-    void Move(GlobalDefinition& global, Place place) {
-        if (!moved.insert(global.name).second) return;
-        ForEachToken(global, [&](const std::string& token) {
-            auto used = byName.find(token);
-            if (used != byName.end() && places.count(token) == 0) MoveLater(used->second, place);
-        });
-        global.plain = global.declaration;
-        (place == Place::Cpp ? cppLines : lateLines).push_back(global.definition);
+    // The first place where everything is declared and ready that the initial value needs.
+    Place PlaceToCompile(const GlobalEntry& entry) {
+        const Effects& effects = entry.effects;
+        const bool userlibs = !symbols.userlibDLLs.empty() &&
+                              (effects.anything || effects.changes.count(WordOf(EffectMark::Userlibs)) != 0);
+        callsUserlibs = callsUserlibs || userlibs;
+        const Word* instances = WordOf(EffectMark::Instances);
+        const bool objects = effects.reads.count(instances) != 0 || effects.changes.count(instances) != 0 ||
+                             (effects.anything && !symbols.classList.empty());
+        if (userlibs || objects || !entry.global->needs.empty()) return Place::Cpp;
+        if (!entry.file->isMain && entry.global->needsPrelude) return Place::LateHeader;
+        for (const Word* name : entry.mentioned)
+            if (DeclaredBehind(name, entry.position)) return Place::LateHeader;
+        return Place::Header;
     }
 
-    // A definition of a later header that an earlier one uses: the main header's own Globals stand
-    // before the late lines anyway, others move with their user.
-    void MoveLater(const Owned& used, Place place) {
-        if (used.global->declaration.empty()) return;
-        if (used.file->isMain && WherePlaced(*used.global, *used.file) == Place::Header) return;
-        places[used.global->name] = place;
-        Move(*used.global, place);
+    bool DeclaredBehind(const Word* name, std::size_t position) const {
+        const auto global = positions.find(name);
+        if (global != positions.end()) return global->second > position;
+        const auto function = declared.find(name);
+        return function != declared.end() && function->second > position;
     }
 };
 
@@ -124,21 +157,30 @@ void AddForward(FileOutput& file, const ClassInfo* cls) {
     file.headerClasses += (cls->isElement ? "struct " : "class ") + cls->cppName + ";\n";
 }
 
-// Included headers stand before the support code; extern lines and prototypes only need its names.
-void AddSupportNames(FileOutput& file) {
-    struct Name {
-        const char* mark;
-        const char* declaration;
-    };
-    constexpr Name names[] = {{"KVSeq<", "template<typename T> class KVSeq;\n"},
-                              {"KVSlot<", "template<typename T> class KVSlot;\n"},
-                              {"KVBool>", "struct KVBool;\n"}};
-    for (const Name& name : names) {
-        bool mentioned = file.headerFunctions.find(name.mark) != std::string::npos;
-        for (const GlobalDefinition& global : file.globals)
-            mentioned = mentioned || global.plain.find(name.mark) != std::string::npos;
-        if (mentioned) file.headerClasses += name.declaration;
+// Names of the prelude in types.
+struct PreludeNames {
+    bool sequence = false, slot = false, boolItem = false;
+
+    void Add(const ValueType& type, bool global) {
+        sequence = sequence || type.sequence;
+        slot = slot || (global && type.IsArray() && type.base == Base::Element);
+        boolItem = boolItem || (global && type.IsArray() && type.base == Base::Bool);
     }
+};
+
+// Included headers stand before the support code; extern lines and prototypes only need its names.
+void AddPreludeNames(FileOutput& file) {
+    PreludeNames names;
+    for (const std::string& name : file.functionNames) {
+        const Routine* routine = FindFunction(name);
+        names.Add(routine->result, false);
+        for (const Parameter& parameter : routine->parameters) names.Add(parameter.type, false);
+    }
+    for (const GlobalDefinition& global : file.globals)
+        if (const Variable* variable = FindGlobal(global.name)) names.Add(variable->type, true);
+    if (names.sequence) file.headerClasses += "template<typename T> class KVSeq;\n";
+    if (names.slot) file.headerClasses += "template<typename T> class KVSlot;\n";
+    if (names.boolItem) file.headerClasses += "struct KVBool;\n";
 }
 
 }  // namespace
@@ -149,7 +191,7 @@ void CompleteHeaders(Program& program) {
     std::unordered_set<const ClassInfo*> declared;
     for (FileOutput* file : program.headers) {
         declared.insert(file->forwardDeclared.begin(), file->forwardDeclared.end());
-        if (!file->isMain) AddSupportNames(*file);
+        if (!file->isMain) AddPreludeNames(*file);
         for (const ClassInfo* cls : file->classesInHeader)
             if (declared.insert(cls).second) AddForward(*file, cls);
     }

@@ -7,6 +7,7 @@ namespace {
 // The needs of the piece that is open in the file being translated, or of a global's initialiser.
 std::vector<const ClassInfo*>* needsSink = nullptr;
 FileOutput* openOutput = nullptr;
+std::size_t globalCount = 0;
 
 }  // namespace
 
@@ -27,7 +28,10 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
     return out.pieces.back();
 }
 
-void PutGlobal(FileOutput& out, const GlobalDefinition& definition) { out.globals.push_back(definition); }
+void PutGlobal(FileOutput& out, GlobalDefinition definition) {
+    definition.number = ++globalCount;
+    out.globals.push_back(std::move(definition));
+}
 
 void NeedClass(const ClassInfo* cls) {
     std::vector<const ClassInfo*>* sink = needsSink;

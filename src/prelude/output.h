@@ -41,6 +41,9 @@ struct GlobalDefinition {
     std::vector<const ClassInfo*> needs;  // classes that must be complete before `plain`
     std::vector<std::string> sizeNames;   // tokens of array sizes that only the running program knows
     bool needsPrelude = false;            // uses KVSeq or other support code
+    bool constant = false;                // a Global or Const that has its value before any code runs
+    std::string again;                    // the assignment of that value, when one is written
+    std::size_t number = 0;               // its place among those of all files, Includes where they stand
     bool isPreCalc = false;               // written without the comment line before it
 };
 
@@ -73,7 +76,7 @@ void PutLine(FileOutput& out, std::string_view line);
 // Starts a piece; lines that follow go to it until the next one starts.
 Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls = nullptr);
 // Hands a Global, Const or PreCalc definition to the header.
-void PutGlobal(FileOutput& out, const GlobalDefinition& definition);
+void PutGlobal(FileOutput& out, GlobalDefinition definition);
 
 // Makes `out` the file whose last piece is the open one (an included file has its own).
 // Returns the one before.

@@ -36,12 +36,17 @@ const std::array<Row, supportCount> rows = {{
 }};
 
 std::array<bool, supportCount> used{};  // written by RequireSupport
+std::size_t preludeUses = 0;
 
 std::size_t IndexOf(Support support) { return static_cast<std::size_t>(support); }
 
 }  // namespace
 
+void NotePreludeUse() { ++preludeUses; }
+std::size_t PreludeUses() { return preludeUses; }
+
 void RequireSupport(Support support) {
+    NotePreludeUse();
     used[IndexOf(support)] = true;
     used[IndexOf(rows[IndexOf(support)].builtOn)] = true;
 }

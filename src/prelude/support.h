@@ -2,6 +2,7 @@
 // prelude for those programs and leaves all others as they are.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,12 @@ enum class Support : unsigned char {
 // Marks the support code as used by this program.
 void RequireSupport(Support support);
 bool SupportUsed(Support support);
+
+// Notes that the text being produced names something that only the main header declares, fixed prelude
+// included; RequireSupport does so. Whoever wants to know it of a text compares the count before and after.
+void NotePreludeUse();
+std::size_t PreludeUses();
+
 // The text of all marked support code, in the order of the enum.
 std::string SupportText();
 void ResetSupport();

@@ -50,13 +50,6 @@ void DeclareField(State& state, TokenSpan tokens) {
     EmitLine(state, " " + definition.text);
 }
 
-bool UsesSupportCode(const std::string& text) {
-    for (const char* mark : {"__kv", "KVSeq<", "KVSlot<", "KVBool"})
-        if (text.find(mark) != std::string::npos) return true;
-    return text.find(SafeDivName() + "(") != std::string::npos ||
-           text.find(SafeModName() + "(") != std::string::npos;
-}
-
 void NoteMentioned(FileOutput& out, const ClassInfo* cls) {
     std::vector<const ClassInfo*>& list = out.classesInHeader;
     if (cls != nullptr && std::find(list.begin(), list.end(), cls) == list.end()) list.push_back(cls);
@@ -76,9 +69,11 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     if (isConst && !global.declaration.empty())
         global.declaration.insert(std::string("extern ").size(), "const ");
     global.sizeNames = definition.sizeNames;
-    global.needsPrelude = UsesSupportCode(definition.before + definition.text);
+    global.needsPrelude = definition.usesPrelude;
+    global.constant = definition.constant;
+    global.again = definition.again;
     NoteMentioned(*state.out, definition.mentioned);
-    PutGlobal(*state.out, global);
+    PutGlobal(*state.out, std::move(global));
 }
 
 DefinitionKind KindOf(Keyword keyword) {

@@ -29,6 +29,7 @@ struct Declared {
     TypeNote note;
     bool hasValue = false;
     TokenSpan value;
+    bool usesPrelude = false;  // the value names what only the main header declares
 };
 
 void ListTokens(TokenSpan tokens) {
@@ -140,10 +141,9 @@ void NoteValueType(TokenSpan value) {
 
 // A Const is a constant to C++, too: where safe mode checks its divisions, or where its header does not know
 // the Consts that it uses yet, its value is written out.
-std::optional<long long> WrittenOut(const Declared& declared, const std::string& text) {
+std::optional<long long> WrittenOut(const Declared& declared) {
     if (declared.kind != DefinitionKind::Const || !declared.note.type.IsInteger()) return {};
-    const bool plain = text.find("KVL_Safe") == std::string::npos && UsesOnlyEarlierConsts(declared.value);
-    if (plain) return {};
+    if (!declared.usesPrelude && UsesOnlyEarlierConsts(declared.value)) return {};
     const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
     if (!known || known->kind != ConstantValue::Kind::Integer) return {};
     return known->integer;
@@ -157,17 +157,30 @@ std::string SingleText(const Declared& declared, const std::string& variable, co
     return variable + " = " + (type.IsKnown() ? TextAs(value, type) : ValueText(value)) + ";";
 }
 
+// Whether C++ puts the value into the variable before any code runs.
+bool IsConstant(const Declared& declared, const Expr& value) {
+    const ValueType& type = declared.note.type;
+    if (!type.IsNumber() && !type.Is(Base::Object) && !type.Is(Base::Pointer)) return false;
+    if (!declared.hasValue || value.type.base == Base::Null) return true;
+    const Keyword word = declared.value.size() == 1 ? declared.value.KeywordAt(0) : Keyword::None;
+    if (word == Keyword::True || word == Keyword::False) return true;
+    return !declared.usesPrelude && EvaluateConstant(declared.value);
+}
+
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
     const ValueType& type = declared.note.type;
     if (declared.hasValue && !Assignable(type, value.type)) FailMismatch(value.type, type, declared.name);
     const std::string variable = (type.IsKnown() ? CppName(type) : "auto") + " " + definition.cppName;
     definition.text = SingleText(declared, variable, value);
-    if (const std::optional<long long> number = WrittenOut(declared, definition.text)) {
+    if (const std::optional<long long> number = WrittenOut(declared)) {
         definition.text = variable + " = " + std::to_string(*number) + ";";
         return;
     }
     definition.declaration = "extern " + variable + ";";
     definition.moved = definition.text;
+    definition.constant = declared.kind != DefinitionKind::Local && IsConstant(declared, value);
+    if (definition.constant && declared.hasValue && declared.kind == DefinitionKind::Global)
+        definition.again = definition.cppName + " = " + TextAs(value, type);
     if (settings.verbose && type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
     if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))
@@ -267,6 +280,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     Declared declared = Read(tokens, kind);
     CheckCreation(declared.value);
     CheckComplete(declared);
+    const std::size_t preludeUses = PreludeUses();
     Definition definition;
     definition.name = declared.name;
     const bool local = kind == DefinitionKind::Local;
@@ -275,6 +289,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     if (declared.hasValue) {
         NoteValueType(declared.value);
         value = TranslateExpression(declared.value, ExprMode::Condition);
+        declared.usesPrelude = PreludeUses() != preludeUses;
         InferDeclaredType(declared, value);
     }
     CheckConstType(declared);
@@ -287,6 +302,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     else
         DefineSingle(declared, value, definition);
     definition.mentioned = declared.note.type.cls;
+    definition.usesPrelude = declared.note.type.sequence || PreludeUses() != preludeUses;
     Variable& variable = Register(declared, state);
     Complete(declared, definition, variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)

@@ -20,6 +20,9 @@ struct Definition {
     std::string registration;  // Locals: puts a created object on its Type's list
     std::vector<std::string> sizeNames;    // tokens of array sizes that are no constants
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
+    bool usesPrelude = false;              // the text names what only the main header declares
+    bool constant = false;                 // the variable has its value before any code runs
+    std::string again;                     // the assignment of that value
 };
 
 // Ends the run when no Global, Const or PreCalc table may have the name.

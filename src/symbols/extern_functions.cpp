@@ -168,7 +168,8 @@ std::string WrapperBody(const Routine& routine, const Crossing& crossing) {
     std::string call;
     for (std::size_t i = 0; i < routine.parameters.size(); ++i)
         call += (i > 0 ? ", " : "") + Argument(routine.parameters[i], crossing.parameters[i]);
-    call = "::" + crossing.symbol + "(" + call + ")";
+    // A parameter may be called like the function.
+    call = (crossing.bound ? "" : "::") + crossing.symbol + "(" + call + ")";
     if (routine.result.Is(Base::Void)) return call + ";";
     if (!routine.result.Is(Base::String) || Contains(crossing.result, "string"))
         return "return " + call + ";";

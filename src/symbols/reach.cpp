@@ -1,8 +1,10 @@
 #include "symbols/reach.h"
 
 #include "expressions/expression.h"
+#include "symbols/effects.h"
 #include "symbols/reach_graph.h"
 #include "symbols/source_lines.h"
+#include "symbols/string_holes.h"
 
 namespace {
 
@@ -69,12 +71,18 @@ private:
                 cls = nullptr;
                 return;
             case Keyword::Field:
-                if (cls) return Mention(graph.NodeOf(graph.construction, cls), tokens);
+                if (cls) return ReadMembers(tokens);
                 break;
             default:
                 break;
         }
         if (node != outside) ReadCode(word, tokens, line);
+    }
+
+    void ReadMembers(TokenSpan tokens) {
+        const int making = graph.NodeOf(graph.construction, cls);
+        graph.statements.emplace_back(making, tokens);
+        Mention(making, tokens);
     }
 
     void OpenRoutine(Keyword word, const std::string& name) {
@@ -110,6 +118,7 @@ private:
                 graph.At(loop).createsAnything = true;  // a loop within a single-line If
         }
         Mention(node, tokens);
+        graph.statements.emplace_back(node, tokens);
         ReadSequenceChanges(node, tokens);
     }
 
@@ -127,10 +136,12 @@ private:
         return loop;
     }
 
+public:
     static void Mention(int node, TokenSpan tokens) {
         bool startsTimer = false;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const Word& token = tokens.At(i);
+            if (token.text[0] == '"') Mention(node, HoleTokens(token.text));
             if (!IsLetter(token.text[0])) continue;
             const Keyword keyword = token.keyword;
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
@@ -148,10 +159,10 @@ private:
                 if (startsTimer) graph.Call(graph.timers, meaning->second.routine);
             }
             const ClassInfo* mentioned = meaning->second.cls;
-            if (!mentioned) continue;
-            graph.Call(node, graph.NodeOf(graph.construction, mentioned));
             const Keyword before = i > 0 ? tokens.KeywordAt(i - 1) : Keyword::None;
             const bool created = before == Keyword::Create || before == Keyword::New;
+            if (!mentioned || (!created && !mentioned->isElement)) continue;
+            graph.Call(node, graph.NodeOf(graph.construction, mentioned));
             if (created) graph.creators[mentioned].push_back(node);
         }
     }
@@ -184,6 +195,13 @@ const std::unordered_set<int>& NodesThatCreate(const ClassInfo& cls) {
 ReachGraph& BuiltGraph() {
     if (!built) Build();
     return graph;
+}
+
+int AddValueNode(TokenSpan value) {
+    BuiltGraph();
+    const int node = graph.Add();
+    FileReach::Mention(node, value);
+    return node;
 }
 
 std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,
@@ -220,4 +238,5 @@ void ResetReach() {
     answers.clear();
     removers.clear();
     ResetSequenceChanges();
+    ResetEffects();
 }

@@ -6,13 +6,14 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 struct ReachNode {
-    std::vector<int> callers;
+    std::vector<int> callers, callees;
     bool createsAnything = false;
     bool holdsInlineCpp = false;
     bool removes = false;
@@ -33,8 +34,9 @@ struct ReachGraph {
     int timers = 0;
     int destructors = 0;
     std::unordered_map<const ClassInfo*, std::vector<int>>
-        creators;                      // nodes that create the class themselves
-    std::unordered_set<int> anything;  // nodes that may create any class
+        creators;                                       // nodes that create the class themselves
+    std::unordered_set<int> anything;                   // nodes that may create any class
+    std::vector<std::pair<int, TokenSpan>> statements;  // of all nodes
 
     ReachGraph() : timers(Add()), destructors(Add()) {}
 
@@ -43,7 +45,10 @@ struct ReachGraph {
         return static_cast<int>(nodes.size()) - 1;
     }
     ReachNode& At(int node) { return nodes[static_cast<std::size_t>(node)]; }
-    void Call(int caller, int callee) { At(callee).callers.push_back(caller); }
+    void Call(int caller, int callee) {
+        At(callee).callers.push_back(caller);
+        At(caller).callees.push_back(callee);
+    }
 
     template <class Map, class Key>
     int NodeOf(Map& map, const Key& key) {
@@ -54,6 +59,8 @@ struct ReachGraph {
 
 // The graph of the program; the first call reads all files.
 ReachGraph& BuiltGraph();
+// A node of its own for a value that is worked out outside of all routines.
+int AddValueNode(TokenSpan value);
 
 // The nodes that may run one of `open`, apart from `known` ones.
 std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,

@@ -1,0 +1,25 @@
+// The order in which Globals and Consts take their values, and what each of them reads and changes on the way.
+#pragma once
+
+#include <vector>
+
+#include "prelude/order.h"
+#include "symbols/effects.h"
+
+struct GlobalEntry {
+    GlobalDefinition* global = nullptr;
+    FileOutput* file = nullptr;
+    const Variable* variable = nullptr;  // what look-ups find under its name
+    std::size_t position = 0;            // among the definitions as the headers have them
+    std::vector<const Word*> mentioned;  // the names in its initial value and its sizes
+    Effects effects;                     // of its initial value
+    bool changedBefore = false;          // what comes before it may give it another value
+
+    const Word* Name() const { return &WordOf(global->name); }
+    bool IsConstant() const { return global->constant || global->isPreCalc; }
+};
+
+// All Globals and Consts of the program in source order, Includes where they stand. Two kinds come earlier: what
+// an initial value names, and what it may use on the way through routines when that has no value that could be
+// told from the default, or is a Const.
+std::vector<GlobalEntry> GlobalsInOrder(Program& program);
