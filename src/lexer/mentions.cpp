@@ -33,12 +33,15 @@ bool HasHoles(const std::string& token) {
 
 }  // namespace
 
+Tokens HoleTokens(const std::string& literal) {
+    return HasHoles(literal) ? Split(HoleContents(literal)) : Tokens();
+}
+
 Tokens MentionedTokens(TokenSpan tokens) {
     Tokens mentioned;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         mentioned.push_back(tokens.At(i));
-        if (!HasHoles(tokens[i])) continue;
-        const Tokens inside = Split(HoleContents(tokens[i]));
+        const Tokens inside = HoleTokens(tokens[i]);
         mentioned.insert(mentioned.end(), inside.begin(), inside.end());
     }
     return mentioned;

@@ -120,6 +120,7 @@ private:
             if (place != Place::Header) {
                 Append(place, global.definition);
                 global.plain = global.declaration;
+                effects.changes.insert(entry.Name());
             }
         }
         met.Add(effects, {place, place == Place::Header ? entry.position + 1 : 0});

@@ -2,17 +2,26 @@
 
 #include <algorithm>
 
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "symbols/identifiers.h"
 #include "symbols/string_holes.h"
 
 namespace {
 
-void AddNames(const Tokens& tokens, std::vector<const Word*>& names) {
-    for (const Token& token : tokens) {
-        const char first = token->text[0];
-        const bool name =
-            token->keyword == Keyword::None && token->sign == '\0' && (first < '0' || first > '9');
-        if (name && first != '"') names.push_back(&*token);
-        if (first == '"') AddNames(HoleTokens(token->text), names);
+bool IsVariable(const std::string& name) {
+    return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
+           symbols.fieldOwners.count(name) != 0;
+}
+
+void AddNames(TokenSpan tokens, GlobalEntry& entry) {
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const Word& word = tokens.At(i);
+        if (word.text[0] == '"') AddNames(HoleTokens(word.text), entry);
+        if (word.keyword != Keyword::None || !IsName(word.text)) continue;
+        const bool member = i > 0 && tokens.SignAt(i - 1) == '\\';
+        if (!member) entry.mentioned.push_back(&word);
+        if (IsVariable(word.text)) entry.effects.reads.insert(&word);
     }
 }
 
@@ -52,20 +61,12 @@ void Merge(const Effects& from, Effects& into) {
     into.anything = into.anything || from.anything;
 }
 
-bool IsVariable(const std::string& name) {
-    return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
-           symbols.fieldOwners.count(name) != 0;
-}
-
-Effects EffectsOfEntry(const GlobalEntry& entry) {
-    Effects effects;
-    for (const Word* name : entry.mentioned)
-        if (IsVariable(name->text)) effects.reads.insert(name);
+void FindEffects(GlobalEntry& entry) {
     Tokens tokens = entry.variable->initialiser;
     for (const std::string& name : entry.global->sizeNames) tokens.emplace_back(name);
-    if (MayRunCode(tokens)) Merge(EffectsOf(tokens), effects);
-    if (MakesElements(entry)) Merge(EffectsOfMaking(*entry.variable->type.cls), effects);
-    return effects;
+    AddNames(tokens, entry);
+    if (MayRunCode(tokens)) Merge(EffectsOf(tokens), entry.effects);
+    if (MakesElements(entry)) Merge(EffectsOfMaking(*entry.variable->type.cls), entry.effects);
 }
 
 // Timers that an initial value starts may fire in all routines that others call.
@@ -88,9 +89,7 @@ std::vector<GlobalEntry> CollectEntries(Program& program) {
             entry.variable = FindGlobal(global.name);
             if (entry.variable == nullptr) continue;
             entry.position = entries.size();
-            AddNames(entry.variable->initialiser, entry.mentioned);
-            for (const std::string& name : global.sizeNames) entry.mentioned.push_back(&WordOf(name));
-            entry.effects = EffectsOfEntry(entry);
+            FindEffects(entry);
             entries.push_back(std::move(entry));
         }
     }
@@ -98,6 +97,7 @@ std::vector<GlobalEntry> CollectEntries(Program& program) {
     return entries;
 }
 
+// Walks from each entry to those that have to come before it, without recursion: chains may be long.
 class Sorter {
 public:
     explicit Sorter(std::vector<GlobalEntry> all) : entries(std::move(all)) {
@@ -105,58 +105,101 @@ public:
             return a.global->number < b.global->number;
         });
         for (std::size_t i = 0; i < entries.size(); ++i) indexes[entries[i].Name()] = i;
-        placed.resize(entries.size());
+        met.resize(entries.size());
     }
 
     std::vector<GlobalEntry> Run() {
-        for (std::size_t i = 0; i < entries.size(); ++i) Place(i);
+        for (std::size_t i = 0; i < entries.size(); ++i) Enter(i, false);
         std::vector<GlobalEntry> sorted;
         for (const std::size_t i : order) sorted.push_back(std::move(entries[i]));
         return sorted;
     }
 
 private:
+    // An entry under way.
+    struct Step {
+        std::size_t index = 0;
+        bool named = false;               // by the one before it
+        std::vector<std::size_t> before;  // those that it names, then those that it touches
+        std::size_t namedEnd = 0;
+        std::size_t next = 0;
+    };
+
     std::vector<GlobalEntry> entries;  // in source order
     std::unordered_map<const Word*, std::size_t> indexes;
-    std::vector<bool> placed;
+    std::vector<bool> met;
+    std::vector<Step> steps;
     std::vector<std::size_t> order;
 
-    void Place(std::size_t index) {
-        if (placed[index]) return;
-        placed[index] = true;
-        for (const Word* name : entries[index].mentioned) {
-            const auto later = indexes.find(name);
-            if (later != indexes.end()) Place(later->second);
-        }
-        std::vector<std::size_t> touched;
-        AddIndexes(entries[index].effects.reads, touched);
-        AddIndexes(entries[index].effects.changes, touched);
-        std::sort(touched.begin(), touched.end());
-        for (const std::size_t later : touched) PlaceTouched(later, index);
-        order.push_back(index);
+    void Enter(std::size_t index, bool named) {
+        if (met[index]) return;
+        const std::size_t bottom = steps.size();
+        Push(index, named);
+        while (steps.size() > bottom) GoOn();
     }
 
-    void AddIndexes(const std::unordered_set<const Word*>& names, std::vector<std::size_t>& list) const {
+    void Push(std::size_t index, bool named) {
+        met[index] = true;
+        Step step;
+        step.index = index;
+        step.named = named;
+        AddIndexes(entries[index].mentioned, step.before);
+        step.namedEnd = step.before.size();
+        AddIndexes(entries[index].effects.reads, step.before);
+        AddIndexes(entries[index].effects.changes, step.before);
+        std::sort(step.before.begin() + static_cast<std::ptrdiff_t>(step.namedEnd), step.before.end());
+        steps.push_back(std::move(step));
+    }
+
+    template <class Names>
+    void AddIndexes(const Names& names, std::vector<std::size_t>& list) const {
         for (const Word* name : names) {
             const auto found = indexes.find(name);
             if (found != indexes.end()) list.push_back(found->second);
         }
     }
 
-    // What comes later in the source, but may be read or changed by the initial value of `user`.
-    void PlaceTouched(std::size_t later, std::size_t user) {
-        if (placed[later]) return;
-        const bool changed = entries[user].effects.changes.count(entries[later].Name()) != 0;
-        entries[later].changedBefore = entries[later].changedBefore || changed;
-        if (IsThereFromTheStart(entries[later], changed)) Place(later);
+    void GoOn() {
+        Step& step = steps.back();
+        if (step.next == step.before.size()) {
+            order.push_back(step.index);
+            steps.pop_back();
+            return;
+        }
+        const bool named = step.next < step.namedEnd;
+        const std::size_t before = step.before[step.next++];
+        if (named && met[before]) RefuseCircle(before);
+        if (met[before]) return;
+        if (!named) NoteTouched(before, step.index);
+        // A constant is there anyway, and takes its value again where the source has it.
+        if (entries[before].IsConstant()) return;
+        if (named || IsThereFromTheStart(entries[before])) Push(before, named);
     }
 
-    static bool IsThereFromTheStart(const GlobalEntry& entry, bool changed) {
+    // What comes later in the source, but may be changed by the initial value of `user`.
+    void NoteTouched(std::size_t later, std::size_t user) {
+        if (entries[user].effects.changes.count(entries[later].Name()) != 0)
+            entries[later].changedBefore = true;
+    }
+
+    void RefuseCircle(std::size_t index) const {
+        std::size_t from = steps.size() - 1;
+        while (steps[from].index != index && steps[from].named) --from;
+        if (steps[from].index != index) return;
+        const GlobalEntry& first = entries[index];
+        settings.currentFile = first.variable->file;
+        settings.currentLine = first.variable->line;
+        std::string circle;
+        for (; from < steps.size(); ++from) circle += entries[steps[from].index].global->name + " -> ";
+        ReportFatal("The initial value of '" + first.global->name + "' depends on itself: " + circle +
+                    first.global->name);
+    }
+
+    static bool IsThereFromTheStart(const GlobalEntry& entry) {
         if (entry.variable->isConst) return true;
         const Effects& effects = entry.effects;
         if (effects.anything || !effects.reads.empty() || !effects.changes.empty()) return false;
-        const bool hasValue = !entry.variable->initialiser.empty();
-        return !hasValue || !changed;
+        return entry.variable->initialiser.empty() || !entry.changedBefore;
     }
 };
 

@@ -11,7 +11,7 @@ struct GlobalEntry {
     FileOutput* file = nullptr;
     const Variable* variable = nullptr;  // what look-ups find under its name
     std::size_t position = 0;            // among the definitions as the headers have them
-    std::vector<const Word*> mentioned;  // the names in its initial value and its sizes
+    std::vector<const Word*> mentioned;  // the names in its initial value and its sizes, but for members
     Effects effects;                     // of its initial value
     bool changedBefore = false;          // what comes before it may give it another value
 
@@ -21,5 +21,5 @@ struct GlobalEntry {
 
 // All Globals and Consts of the program in source order, Includes where they stand. Two kinds come earlier: what
 // an initial value names, and what it may use on the way through routines when that has no value that could be
-// told from the default, or is a Const.
+// told from the default, or is a Const. Ends the run when initial values name each other in a circle.
 std::vector<GlobalEntry> GlobalsInOrder(Program& program);

@@ -71,10 +71,37 @@ EndType
 
 Global early:Int = Add(20, 1)
 Global twice:Int = FromInclude() * early
+Global made:TMade = Create TMade, sum:Int = made\Sum(2), outer:Outer, spots:Spot[2]
+Global text:String = "{%Add(3, 4)}/{%outer\spot\x}", list:Sequence Of Int = MakeList()
+
+Type TMade
+    Field a:Int = Add(5, 5)
+    Method constructor()
+        a = a + Deeper()
+    EndMethod
+    Method Sum:Int(b:Int)
+        Return Add(a, b)
+    EndMethod
+EndType
+Element Outer
+    Field spot:Spot
+EndElement
+Element Spot
+    Field x:Int = Add(8, 9)
+EndElement
+Function Deeper:Int()
+    Return ToInt("{%Add(10, 10)}")
+EndFunction
+Function MakeList:Sequence Of Int()
+    Local s:Sequence Of Int
+    SeqAdd s, Add(1, 1)
+    Return s
+EndFunction
 
 Function Main
     Print early
     Print twice
+    Print made\a & " " & sum & " " & spots[1]\x & " " & text & " " & SeqGet(list, 0) & inIncluded\x
     Local text:String = "wide"
     Print Add(2, 3) + Add(Add(1, 1), 1)
     Print Half(5.0) + Add_ptr(3) + Add_TYPE(3)
@@ -103,13 +130,14 @@ EndFunction
 )";
 
 const char* const included = R"(Import "counter.decls"
+Global inIncluded:Spot
 Function FromInclude:Int()
     Return Add(40, 2)
 EndFunction
 )";
 
 const char* const output =
-    "21\n882\n8\n34\n1.5\n70550\nHello, Ada!\nHello, "
+    "21\n882\n30 32 17 7/17 217\n8\n34\n1.5\n70550\nHello, Ada!\nHello, "
     "wider!\n[]\n8\n42\nBob01\n70\n402\ncondition\n0\n0\n[]\n42\n";
 
 class Userlib : public testing::Test {
