@@ -12,7 +12,7 @@ struct HeaderContents {
     std::vector<const ClassInfo*> instanceLists;  // registered classes declared in the file
     std::vector<std::string> externLines;         // prototypes of extern "C" functions
     std::vector<std::string> externWrappers;      // of those that take or give Strings
-    bool externBound = false;                   // some prototypes name their symbols
+    bool externBound = false;                     // some prototypes name their symbols
     std::vector<std::string> functionLines;       // prototypes of the other functions
 };
 
