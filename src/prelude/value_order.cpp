@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "lexer/mentions.h"
 #include "symbols/identifiers.h"
-#include "symbols/string_holes.h"
 
 namespace {
 
@@ -109,7 +107,7 @@ public:
     }
 
     std::vector<GlobalEntry> Run() {
-        for (std::size_t i = 0; i < entries.size(); ++i) Enter(i, false);
+        for (std::size_t i = 0; i < entries.size(); ++i) Enter(i);
         std::vector<GlobalEntry> sorted;
         for (const std::size_t i : order) sorted.push_back(std::move(entries[i]));
         return sorted;
@@ -119,7 +117,6 @@ private:
     // An entry under way.
     struct Step {
         std::size_t index = 0;
-        bool named = false;               // by the one before it
         std::vector<std::size_t> before;  // those that it names, then those that it touches
         std::size_t namedEnd = 0;
         std::size_t next = 0;
@@ -131,18 +128,17 @@ private:
     std::vector<Step> steps;
     std::vector<std::size_t> order;
 
-    void Enter(std::size_t index, bool named) {
+    void Enter(std::size_t index) {
         if (met[index]) return;
         const std::size_t bottom = steps.size();
-        Push(index, named);
+        Push(index);
         while (steps.size() > bottom) GoOn();
     }
 
-    void Push(std::size_t index, bool named) {
+    void Push(std::size_t index) {
         met[index] = true;
         Step step;
         step.index = index;
-        step.named = named;
         AddIndexes(entries[index].mentioned, step.before);
         step.namedEnd = step.before.size();
         AddIndexes(entries[index].effects.reads, step.before);
@@ -168,31 +164,17 @@ private:
         }
         const bool named = step.next < step.namedEnd;
         const std::size_t before = step.before[step.next++];
-        if (named && met[before]) RefuseCircle(before);
         if (met[before]) return;
         if (!named) NoteTouched(before, step.index);
         // A constant is there anyway, and takes its value again where the source has it.
         if (entries[before].IsConstant()) return;
-        if (named || IsThereFromTheStart(entries[before])) Push(before, named);
+        if (named || IsThereFromTheStart(entries[before])) Push(before);
     }
 
     // What comes later in the source, but may be changed by the initial value of `user`.
     void NoteTouched(std::size_t later, std::size_t user) {
         if (entries[user].effects.changes.count(entries[later].Name()) != 0)
             entries[later].changedBefore = true;
-    }
-
-    void RefuseCircle(std::size_t index) const {
-        std::size_t from = steps.size() - 1;
-        while (steps[from].index != index && steps[from].named) --from;
-        if (steps[from].index != index) return;
-        const GlobalEntry& first = entries[index];
-        settings.currentFile = first.variable->file;
-        settings.currentLine = first.variable->line;
-        std::string circle;
-        for (; from < steps.size(); ++from) circle += entries[steps[from].index].global->name + " -> ";
-        ReportFatal("The initial value of '" + first.global->name + "' depends on itself: " + circle +
-                    first.global->name);
     }
 
     static bool IsThereFromTheStart(const GlobalEntry& entry) {

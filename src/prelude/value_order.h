@@ -21,5 +21,5 @@ struct GlobalEntry {
 
 // All Globals and Consts of the program in source order, Includes where they stand. Two kinds come earlier: what
 // an initial value names, and what it may use on the way through routines when that has no value that could be
-// told from the default, or is a Const. Ends the run when initial values name each other in a circle.
+// told from the default, or is a Const.
 std::vector<GlobalEntry> GlobalsInOrder(Program& program);

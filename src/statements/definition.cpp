@@ -174,12 +174,14 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     definition.text = SingleText(declared, variable, value);
     if (const std::optional<long long> number = WrittenOut(declared)) {
         definition.text = variable + " = " + std::to_string(*number) + ";";
+        definition.constant = true;
         return;
     }
     definition.declaration = "extern " + variable + ";";
     definition.moved = definition.text;
-    definition.constant = declared.kind != DefinitionKind::Local && IsConstant(declared, value);
-    if (definition.constant && declared.hasValue && declared.kind == DefinitionKind::Global)
+    const bool global = declared.kind == DefinitionKind::Global;
+    definition.constant = (global || declared.kind == DefinitionKind::Const) && IsConstant(declared, value);
+    if (global && definition.constant && declared.hasValue)
         definition.again = definition.cppName + " = " + TextAs(value, type);
     if (settings.verbose && type.Is(Base::Object))
         DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);

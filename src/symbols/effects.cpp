@@ -1,8 +1,8 @@
 #include "symbols/effects.h"
 
+#include "lexer/mentions.h"
 #include "symbols/reach_graph.h"
 #include "symbols/sequence_changes.h"
-#include "symbols/string_holes.h"
 
 namespace {
 

@@ -111,7 +111,7 @@ const std::vector<std::string>& ScannedTokens() {
     for (const std::string& file : symbols.sourceFiles) {
         SourceLines lines(Reading::Uses);
         std::string text;
-        lines.onInlineCpp = [&text](const std::string& line) { text += line + "\n"; };
+        lines.onInlineCpp = [&text](const InlineLine& line) { text += line.text + "\n"; };
         if (!lines.Open(file)) continue;
         while (lines.Next()) continue;
         Scanner(text).Run();

@@ -1,10 +1,10 @@
 #include "symbols/reach.h"
 
 #include "expressions/expression.h"
+#include "lexer/mentions.h"
 #include "symbols/effects.h"
 #include "symbols/reach_graph.h"
 #include "symbols/source_lines.h"
-#include "symbols/string_holes.h"
 
 namespace {
 
