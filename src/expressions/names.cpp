@@ -129,7 +129,7 @@ Expr ParseBareName(Walk& walk, const std::string& name) {
 }  // namespace
 
 // The first level of the scopes is the program's own.
-bool InsideRoutine() { return localDefList.size() > 1; }
+bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForce(); }
 
 bool IsIdentifier(const std::string& token) {
     if (token.empty()) return false;

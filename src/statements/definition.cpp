@@ -128,6 +128,14 @@ void CheckConstType(const Declared& declared) {
                     KorvelName(type));
 }
 
+// Statements before the class may have named the Field already.
+std::string CppNameOf(const State& state, const Declared& declared, TokenSpan tokens) {
+    if (declared.kind == DefinitionKind::Local) return NameBeside(declared.name, tokens.From(1));
+    const Variable* field =
+        declared.kind == DefinitionKind::Field ? FindField(*state.cls, declared.name) : nullptr;
+    return field != nullptr ? field->cppName : SafeName(declared.name);
+}
+
 void NeedTypeComplete(const Declared& declared) {
     const ValueType& type = declared.note.type;
     if (type.base != Base::Element) return;
@@ -285,8 +293,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     const std::size_t preludeUses = PreludeUses();
     Definition definition;
     definition.name = declared.name;
-    const bool local = kind == DefinitionKind::Local;
-    definition.cppName = local ? NameBeside(declared.name, tokens.From(1)) : SafeName(declared.name);
+    definition.cppName = CppNameOf(state, declared, tokens);
     Expr value;
     if (declared.hasValue) {
         NoteValueType(declared.value);

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "driver/report.h"
+#include "lexer/mentions.h"
 #include "statements/for_loops.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -36,7 +37,8 @@ const std::string* LocalOfBlock(TokenSpan condition) {
     if (localDefList.empty() || localDefList.back().leaves.empty()) return nullptr;
     const std::vector<Variable*>& locals = localDefList.back().leaves.back().variables;
     if (locals.empty()) return nullptr;
-    for (const std::string& token : condition)
+    const Tokens mentioned = MentionedTokens(condition);
+    for (const std::string& token : TokenSpan(mentioned))
         if (std::find(locals.begin(), locals.end(), FindLocal(token)) != locals.end()) return &token;
     return nullptr;
 }

@@ -57,11 +57,7 @@ bool HasHoles(const std::string& token) { return token[0] == '"' && token.find('
 void TranslateWith(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("With requires an object: With <variable>");
     Tokens object = tokens.From(1).Copy();
-    if (object[0]->keyword == Keyword::Its) {
-        if (state.withLines.empty()) ReportFatal("'its' is only valid inside a With ... EndWith block");
-        object.erase(object.begin());
-        object.insert(object.begin(), withStack.back().begin(), withStack.back().end());
-    }
+    if (object.size() > 1) object = SubstituteIts(state, object);
     ValueType type;
     const bool unknownName =
         object.size() == 1 && FindVariable(object[0]) == nullptr && object[0]->keyword != Keyword::This;

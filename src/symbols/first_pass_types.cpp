@@ -18,6 +18,13 @@ void RefuseTaken(const FirstPass& pass, const std::string& name, bool taken, con
                       "'\n  First come first served - the " + earlier + " was declared first.");
 }
 
+// The support code sorts by a Compare that always has its prefix.
+std::string MethodCppName(const ClassInfo& cls, const std::string& name) {
+    if (name == "constructor") return cls.cppName;
+    if (name == "destructor") return "~" + cls.cppName;
+    return name == "Compare" ? "KVL_Compare" : SafeName(name);
+}
+
 // A member may not take the name of another one or, in C++, that of a class.
 void RefuseMemberName(const FirstPass& pass, const std::string& name) {
     const ClassInfo& open = pass.open;
@@ -168,9 +175,7 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     }
     RefuseMemberName(pass, name);
     Routine method = ParseRoutineHeader(tokens);
-    method.cppName = name == "constructor"  ? open.cppName
-                     : name == "destructor" ? "~" + open.cppName
-                                            : SafeName(name);
+    method.cppName = MethodCppName(open, name);
     method.isPrivate = pass.isPrivate;
     method.file = pass.source;
     method.line = pass.line;

@@ -201,7 +201,9 @@ bool IsVariableInScope(const std::string& name) {
 const Variable* FindLocal(const std::string& name) {
     if (localDefList.empty() || atFileLevel != nullptr) return nullptr;
     const ScopeBranch& branch = localDefList.back();
-    return IsVisibleIn(branch, name) ? branch.visible.at(name).back().variable : nullptr;
+    const auto found = branch.visible.find(name);
+    if (found == branch.visible.end() || found->second.empty()) return nullptr;
+    return found->second.back().variable;
 }
 
 const Variable* FindVariable(const std::string& name) {
@@ -231,7 +233,9 @@ bool FileLevelNames::InForce() { return atFileLevel != nullptr; }
 bool IsHidden(const std::string& name) {
     if (!localDefList.empty() && IsVisibleIn(localDefList.back(), name)) return true;
     const ClassInfo* cls = atFileLevel != nullptr ? atFileLevel->TextClass() : currentClass;
-    return cls != nullptr && (cls->members.count(name) != 0 || cls->routines.count(name) != 0);
+    if (cls == nullptr) return false;
+    return cls->members.count(name) != 0 || cls->routines.count(name) != 0 || name == "InsertAfter" ||
+           name == "InsertBefore";  // members that every Type has
 }
 
 bool WasInEndedBlock(const std::string& name) {

@@ -42,7 +42,7 @@ bool ComesFirst(const Valued& a, const Valued& b) {
     return place(*a.variable) < place(*b.variable);
 }
 
-// All variables whose declaration says more than a type, in a lasting order.
+// All variables whose declaration says more than a type.
 std::vector<Valued> AllValued() {
     std::vector<Valued> all;
     const auto add = [&all](const std::unordered_map<std::string, Variable>& variables,
@@ -56,15 +56,15 @@ std::vector<Valued> AllValued() {
     add(symbols.globals, nullptr);
     add(symbols.constants, nullptr);
     for (const ClassInfo* cls : symbols.classList) add(cls->members, cls);
-    std::sort(all.begin(), all.end(), ComesFirst);
     return all;
 }
 
 // Follows what the variables use, depth first; without recursion, for chains may be as long as the program.
 class CircleSearch {
 public:
-    void Visit(const Valued& start) {
-        if (states.count(start.variable) != 0) return;
+    // True when what the variable uses leads into a circle, which Fail reports.
+    bool Visit(const Valued& start) {
+        if (states.count(start.variable) != 0) return false;
         Enter(start.variable, start.owner);
         while (!path.empty()) {
             Step& step = path.back();
@@ -75,11 +75,23 @@ public:
             }
             const Variable* used = step.used[step.next++];
             const auto state = states.find(used);
-            if (state == states.end())
+            if (state == states.end()) {
                 Enter(used, start.owner);
-            else if (state->second == open)
-                Fail(*used);
+            } else if (state->second == open) {
+                closing = used;
+                return true;
+            }
         }
+        return false;
+    }
+
+    [[noreturn]] void Fail() const {
+        std::string chain;
+        for (const Step& step : path)
+            if (!chain.empty() || step.variable == closing) chain += step.variable->name + " -> ";
+        settings.currentFile = closing->file;
+        settings.currentLine = closing->line;
+        ReportFatal("The value of '" + closing->name + "' depends on itself: " + chain + closing->name);
     }
 
 private:
@@ -91,6 +103,7 @@ private:
     };
     std::unordered_map<const Variable*, int> states;
     std::vector<Step> path;
+    const Variable* closing = nullptr;  // what the last of the path uses, itself on the path
 
     void Enter(const Variable* variable, const ClassInfo* owner) {
         states[variable] = open;
@@ -100,20 +113,17 @@ private:
         for (const std::string& size : variable->sizes) AddMentioned(Split(size), owner, step.used);
         path.push_back(std::move(step));
     }
-
-    [[noreturn]] void Fail(const Variable& first) const {
-        std::string chain;
-        for (const Step& step : path)
-            if (!chain.empty() || step.variable == &first) chain += step.variable->name + " -> ";
-        settings.currentFile = first.file;
-        settings.currentLine = first.line;
-        ReportFatal("The value of '" + first.name + "' depends on itself: " + chain + first.name);
-    }
 };
 
 }  // namespace
 
 void CheckValueCircles() {
+    std::vector<Valued> all = AllValued();
     CircleSearch search;
-    for (const Valued& valued : AllValued()) search.Visit(valued);
+    const auto inCircle = [&search](const Valued& valued) { return search.Visit(valued); };
+    if (std::none_of(all.begin(), all.end(), inCircle)) return;
+    // Once more in the order of the program, so that every run tells the same.
+    std::sort(all.begin(), all.end(), ComesFirst);
+    search = CircleSearch();
+    if (std::any_of(all.begin(), all.end(), inCircle)) search.Fail();
 }
