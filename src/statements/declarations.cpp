@@ -7,12 +7,10 @@
 #include <algorithm>
 
 #include "driver/report.h"
-#include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "statements/class_bodies.h"
 #include "statements/definition.h"
 #include "statements/emit_lines.h"
-#include "symbols/own_names.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
