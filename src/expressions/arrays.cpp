@@ -1,4 +1,5 @@
 // Array access: the checks that can be made here and those that the program makes as it runs.
+#include <algorithm>
 #include <cstdlib>
 
 #include "driver/report.h"
@@ -103,31 +104,60 @@ bool IsField(const Variable* array, const std::string& text) {
            (FindLocal(array->name) != array && FindGlobal(array->name) != array);
 }
 
-std::string Checked(const Expr& array, const Access& access) {
+bool IsCheckWanted(const Expr& array, const Access& access) {
     constexpr std::size_t mostDimensions = 3;
-    const bool wanted = settings.safeMode && !settings.debugMode && array.type.IsKnown();
-    if (!wanted || array.form == ArrayForm::Pointer || access.indices.size() > mostDimensions) {
-        return Plain(array.text, access);
-    }
+    return settings.safeMode && !settings.debugMode && array.type.IsKnown() &&
+           array.form != ArrayForm::Pointer && access.indices.size() <= mostDimensions;
+}
+
+std::string Checked(const Expr& array, const Access& access) {
+    if (!IsCheckWanted(array, access)) return Plain(array.text, access);
     if (IsField(access.array, array.text)) return CheckedByHelper(array.text, access, false);
     if (access.array->sizes.size() < access.indices.size()) return Plain(array.text, access);
     // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
     if (!access.simple || !InsideRoutine() || settings.fastMode)
         return CheckedByHelper(array.text, access, true);
-    ++unrepeatable;
+    ++lambdaCount;
     return CheckedByLambda(array.text, access);
 }
 
-// [&]() -> decltype(A[0][0]) { int __kv0 = first; int __kv1 = second; return A[__kv0][__kv1]; }()
-std::string CheckedInOrder(const Expr& array, Access access, const std::vector<Expr>& indices) {
+// Indices that C++ would take in another order than they are written in. Those of tables and pointers it takes
+// from left to right, and calls of member functions one after the other:
+//     KVL_a.at(KVL_First (  )).at(KVL_Second (  ))
+//     __kvPickIn("a", 2, KVL_a).Row(KVL_First (  )).Item(KVL_Second (  ))
+std::string InTurn(const Expr& array, const Access& access) {
+    const bool checked = IsCheckWanted(array, access);
+    std::string text = array.text;
+    if (checked) {
+        RequireSupport(Support::IndexInOrder);
+        text = "__kvPickIn(\"" + access.name + "\", " + std::to_string(access.indices.size()) + ", " + text +
+               ")";
+    }
+    for (std::size_t k = 0; k < access.indices.size(); ++k) {
+        const bool last = k + 1 == access.indices.size();
+        text += (!checked ? ".at(" : last ? ".Item(" : ".Row(") + access.indices[k] + ")";
+    }
+    return text;
+}
+
+// [&]() -> decltype(A[0][0]) { int __kv0 = first; int __kv1 = second; return checked A[__kv0][__kv1]; }()
+std::string TableInTurn(const Expr& table, Access access, const std::vector<Expr>& indices) {
     InOrder inOrder;
-    std::string item = array.text;
+    std::string item = table.text;
     for (std::size_t k = 0; k < indices.size(); ++k) {
         const ValueType& type = indices[k].type;
         access.indices[k] = inOrder.Name(type.IsKnown() ? type : Single(Base::Int), access.indices[k]);
         item += "[0]";
     }
-    return inOrder.Text("decltype(" + item + ")", Checked(array, access));
+    return inOrder.Text("decltype(" + item + ")", Checked(table, access));
+}
+
+std::string ItemText(const Expr& array, const Access& access, const std::vector<Expr>& indices) {
+    const bool simple = array.form == ArrayForm::Pointer || array.form == ArrayForm::None;
+    if (simple || !IsLookUpSeen(array, indices)) return Checked(array, access);
+    if (array.form != ArrayForm::Fixed) return InTurn(array, access);
+    const bool checked = IsCheckWanted(array, access) && InsideRoutine();
+    return checked ? TableInTurn(array, access, indices) : Checked(array, access);
 }
 
 }  // namespace
@@ -135,21 +165,23 @@ std::string CheckedInOrder(const Expr& array, Access access, const std::vector<E
 Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable) {
     Access access{name, variable, {}, true, false};
     const bool wholeArgument = walk.rowAt != std::string::npos && walk.rowAt == walk.operandAt;
-    const std::size_t before = unrepeatable;
+    const std::size_t lambdas = lambdaCount;
     const std::size_t calls = callCount;
     std::vector<Expr> indices;
     const bool statement = walk.callStatement;
     walk.callStatement = false;
     while (walk.Match('[')) {
+        const std::size_t begin = walk.at;
         const std::size_t callsBefore = callCount;
         Expr index = ParseValue(walk);
         index.effects = callCount != callsBefore;
+        index.source = walk.tokens.Slice(begin, walk.at);
         access.indices.push_back(IndexText(index, access.indices.empty(), array.form));
         indices.push_back(std::move(index));
         walk.Expect(']');
     }
     walk.callStatement = statement;
-    access.simple = unrepeatable == before;
+    access.simple = lambdaCount == lambdas && std::all_of(indices.begin(), indices.end(), MayRepeat);
     const std::string& next = walk.Peek();
     access.mayBeRow =
         wholeArgument && array.form != ArrayForm::Owned && (walk.Done() || Is(next, ",") || Is(next, ")"));
@@ -159,8 +191,7 @@ Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const 
     Expr item;
     Expr owner = array;
     if (array.form == ArrayForm::Owned) owner.text = TakeOver(array, array.type.base == Base::Element);
-    item.text = OrderMatters(indices) && !array.effects ? CheckedInOrder(owner, access, indices)
-                                                        : Checked(owner, access);
+    item.text = ItemText(owner, access, indices);
     item.effects = array.effects || callCount != calls;
     item.type = array.type;
     item.assignable = array.form != ArrayForm::Owned && !array.isCall;

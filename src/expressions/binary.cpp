@@ -1,14 +1,13 @@
 // Types and texts of operators.
-#include <cctype>
-
+#include "analysis/effects.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/in_order.h"
 #include "expressions/operators.h"
+#include "expressions/text_sum.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
 #include "symbols/own_names.h"
-#include "symbols/scopes.h"
 
 namespace {
 
@@ -21,10 +20,22 @@ bool IsTruth(const Expr& expr) {
            expr.type.Is(Base::Pointer);
 }
 
+const BinaryOperator plus = {"+", "+", Level::Sum, OperatorKind::Add, true};
+
 // What C++ makes of two numbers: at least an Int.
 Base CommonNumber(const Expr& a, const Expr& b) {
     if (a.type.base == Base::Double || b.type.base == Base::Double) return Base::Double;
     return a.type.base == Base::Long || b.type.base == Base::Long ? Base::Long : Base::Int;
+}
+
+// A variable with no more than signs and numbers beside it.
+bool IsBareVariable(TokenSpan tokens) {
+    std::size_t names = 0;
+    for (const std::string& token : tokens) {
+        if (Is(token, "[")) return false;
+        names += IsIdentifier(token) ? 1 : 0;
+    }
+    return names == 1;
 }
 
 bool Checked() { return settings.safeMode && !settings.debugMode; }
@@ -56,46 +67,19 @@ Expr Call(const std::string& function, const std::string& a, const std::string& 
     return result;
 }
 
-// std::to_string of a number beside a String; a literal that meets another literal becomes a std::string.
-void MakeText(Expr& expr, bool literalNeedsString) {
-    if (!IsText(expr) && expr.type.IsKnown()) expr.text = "std::to_string(" + expr.text + ")";
-    if (expr.literal && literalNeedsString) expr.text = "std::string(" + expr.text + ")";
-}
-
 bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
 
-// C++ takes the operands of "+" and "==" between Strings in any order, but not what stands between braces:
-//     text + __kvText({first, second, third})
-Expr ConcatenateInOrder(Expr left, Expr right) {
-    RequireSupport(Support::TextInOrder);
-    MakeText(right, false);
-    Expr result;
-    if (left.ordered) {
-        result.text = std::move(left.text);
-        result.text.resize(result.text.size() - 2);
-    } else {
-        MakeText(left, false);
-        result.text = std::move(left.text);
-        result.text.insert(left.summand, "__kvText({");
+Expr Concatenate(Expr left, Expr right) {
+    if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, plus, right);
+    if (left.sum == nullptr) {
+        auto sum = std::make_shared<TextSum>();
+        sum->Add(std::move(left));
+        left = Expr();
+        left.sum = std::move(sum);
+        left.type = Single(Base::String);
     }
-    result.text += ", " + right.text + "})";
-    result.type = Single(Base::String);
-    result.summand = left.summand;
-    if (result.summand > 0) result.level = Level::Sum;
-    result.ordered = true;
-    return result;
-}
-
-Expr Concatenate(Expr left, const BinaryOperator& op, Expr right) {
-    if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, op, right);
-    if (left.ordered || (left.effects && right.effects))
-        return ConcatenateInOrder(std::move(left), std::move(right));
-    MakeText(left, right.literal);
-    MakeText(right, false);
-    const std::size_t summand = left.effects ? left.summand : left.text.size() + 3;  // behind " + "
-    Expr sum = Join(std::move(left), op, right, Single(Base::String));
-    sum.summand = summand;
-    return sum;
+    left.sum->Add(std::move(right));
+    return left;
 }
 
 // The operand of a checked division, of the type that both operands have in common.
@@ -104,13 +88,14 @@ std::string CheckedOperand(const Expr& expr, Base common) {
     return exact ? expr.text : "static_cast<" + CppName(Single(common)) + ">(" + expr.text + ")";
 }
 
-// Whether calls cannot change the value: a number, a Const or a Local.
-bool StaysTheSame(const Expr& expr) {
-    if (expr.effects) return false;
-    const bool number = std::isdigit(static_cast<unsigned char>(expr.text[0])) != 0 &&
-                        expr.text.find_first_of(" (") == std::string::npos;
-    return number || expr.isConst ||
-           (expr.variable != nullptr && FindLocal(expr.variable->name) == expr.variable);
+// g++ may turn the operands of some operators round when the left one is no more than a variable, and would then
+// read it behind the right one:
+//     __kvNow(KVL_g) + KVL_Next (  )
+void ReadInTime(Expr& left, const BinaryOperator& op, const Expr& right) {
+    if (!op.mayTurn || !right.effects || left.effects || !IsBareVariable(left.source)) return;
+    if (!MayChange(right.source, left.source)) return;
+    RequireSupport(Support::ReadNow);
+    left.text = "__kvNow(" + left.text + ")";
 }
 
 Expr FloatingRemainder(const Expr& left, const Expr& right) {
@@ -134,7 +119,7 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
     }
     NotePreludeUse();
     // C++ takes the arguments of a call in any order, but not what stands between braces.
-    const bool ordered = right.effects && !StaysTheSame(left);
+    const bool ordered = IsOrderSeen(left, right);
     if (ordered || (remainder && common == Base::Double)) RequireSupport(Support::SafeOperands);
     if (ordered) {
         Expr result;
@@ -156,12 +141,26 @@ Expr Arithmetic(Expr left, const BinaryOperator& op, const Expr& right) {
         return Divide(std::move(left), op, right);
     const Base common = CommonNumber(left, right);
     if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
+    ReadInTime(left, op, right);
     return Join(std::move(left), op, right, known ? Single(common) : ValueType());
 }
 
-// The struct has no operator!=.
+// [&]() -> bool { KVL_E __kv0 = left; KVL_E __kv1 = right; return __kv0 == __kv1; }()
+Expr CompareElementsInOrder(const Expr& left, const BinaryOperator& op, const Expr& right) {
+    InOrder inOrder;
+    const std::string a = inOrder.Name(left.type, ValueText(left));
+    const std::string b = inOrder.Name(right.type, ValueText(right));
+    const std::string equal = a + " == " + b;
+    Expr result;
+    result.text = inOrder.Text("bool", op.text[0] == '=' ? equal : "! ( " + equal + " )");
+    result.type = Single(Base::Bool);
+    return result;
+}
+
+// The struct has no operator!=, and takes the right operand by reference.
 Expr CompareElements(const Expr& left, const BinaryOperator& op, const Expr& right) {
     NeedClass(left.type.cls);
+    if (OrderMatters(left, right)) return CompareElementsInOrder(left, op, right);
     if (op.text[0] == '=') return Join(left, op, right, Single(Base::Bool));
     Expr result;
     result.text = "! ( " + ValueText(left) + " == " + ValueText(right) + " )";
@@ -184,13 +183,14 @@ Expr Compare(Expr left, const BinaryOperator& op, const Expr& right) {
     }
     if (!Comparable(left, op, right)) FailOperands(left, op, right);
     if (left.literal && right.literal) left.text = "std::string(" + left.text + ")";
-    if (IsText(left) && IsText(right) && left.effects && right.effects) {
+    if (IsText(left) && IsText(right) && IsOrderSeen(left, right)) {
         RequireSupport(Support::TextInOrder);
         Expr order, zero;
         order.text = "__kvTexts{" + left.text + ", " + right.text + "}.Order()";
         zero.text = "0";
         return Join(std::move(order), op, zero, Single(Base::Bool));
     }
+    ReadInTime(left, op, right);
     return Join(std::move(left), op, right, Single(Base::Bool));
 }
 
@@ -201,12 +201,12 @@ Expr Logic(Expr left, const BinaryOperator& op, const Expr& right) {
 
 }  // namespace
 
-Expr Combine(Expr left, const BinaryOperator& op, const Expr& right) {
+Expr Combine(Expr left, const BinaryOperator& op, Expr right) {
     RequireValue(left);
     RequireValue(right);
     switch (op.kind) {
         case OperatorKind::Add:
-            if (IsText(left) || IsText(right)) return Concatenate(std::move(left), op, right);
+            if (IsText(left) || IsText(right)) return Concatenate(std::move(left), std::move(right));
             break;
         case OperatorKind::Order:
         case OperatorKind::Equality:
@@ -236,4 +236,13 @@ Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
                   : known                   ? Single(CommonNumber(operand, operand))
                                             : ValueType();
     return result;
+}
+
+Expr CloseSum(Expr sum) {
+    if (sum.sum == nullptr) return sum;
+    Expr closed = sum.sum->Close();
+    closed.effects = sum.effects;
+    closed.source = sum.source;
+    closed.sum = std::move(sum.sum);
+    return closed;
 }

@@ -2,6 +2,7 @@
 #include <unordered_map>
 
 #include "driver/report.h"
+#include "expressions/in_order.h"
 #include "expressions/math_functions.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
@@ -37,11 +38,12 @@ Expr Chr(const std::string& name, const Arguments& arguments) {
     return Result("std::string(1, static_cast<char>(" + arguments[0].text + "))", Base::String);
 }
 
-// The quoted text evaluates its argument twice, which a call must not be.
+// The plain text evaluates its argument twice.
 Expr Asc(const std::string& name, const Arguments& arguments) {
     const Expr& x = arguments[0];
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
-    if (x.isCall || x.effects) {
+    if (!MayRepeat(x)) {
+        ++lambdaCount;
         return Result("([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
                           x.text + "))",
                       Base::Int);
@@ -88,7 +90,7 @@ const std::unordered_map<std::string, const char*> typeWords = {
 // nothing to capture, and C++ does not take the attempt.
 Expr ParseGetKey(Walk& walk) {
     if (!walk.Match(')')) ReportFatal("GetKey() takes no parameters");
-    ++unrepeatable;
+    ++lambdaCount;
     ++callCount;
     const std::string capture = InsideRoutine() ? "[&]" : "[]";
     Expr expr = Result("(_kbhit() ? " + capture +
@@ -99,26 +101,29 @@ Expr ParseGetKey(Walk& walk) {
     return expr;
 }
 
-// Sgn and Frac name their argument more than once.
+// Sgn and Frac name their argument more than once, which one that changes something must not be.
 bool RepeatsArgument(const std::string& lowerName) { return lowerName == "sgn" || lowerName == "frac"; }
 
-// C++ takes the arguments of a call in any order, and both of these run code:
-//     [&]() -> double { double __kv0 = a; double __kv1 = b; return std::pow(...); }()
+// [&]() -> double { double __kv0 = a; double __kv1 = b; return std::pow(...); }()
 std::string TextInOrder(const std::string& lowerName, const std::vector<std::string>& texts) {
-    return "[&]() -> double { double __kv0 = " + texts[0] + "; double __kv1 = " + texts[1] + "; return " +
-           MathText(lowerName, {"__kv0", "__kv1"}) + "; }()";
+    InOrder inOrder;
+    const ValueType real = Single(Base::Double);
+    const std::string a = inOrder.Name(real, texts[0]);
+    const std::string b = inOrder.Name(real, texts[1]);
+    return inOrder.Text(CppName(real), MathText(lowerName, {a, b}));
 }
 
-Expr Math(const std::string& lowerName, const std::string& name, const Arguments& arguments, bool simple) {
+Expr Math(const std::string& lowerName, const std::string& name, const Arguments& arguments) {
     std::vector<std::string> texts;
     for (const Expr& argument : arguments) {
         RequireNumber(name, argument);
         texts.push_back(argument.text);
     }
     const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
-    if (arguments.size() == 2 && arguments[0].effects && arguments[1].effects && InsideRoutine())
-        return Result(TextInOrder(lowerName, texts), type);
-    if (simple || !RepeatsArgument(lowerName)) return Result(MathText(lowerName, texts), type);
+    if (OrderMatters(arguments)) return Result(TextInOrder(lowerName, texts), type);
+    if (!RepeatsArgument(lowerName) || MayRepeat(arguments[0]))
+        return Result(MathText(lowerName, texts), type);
+    ++lambdaCount;
     return Result("([](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + "))", type);
 }
 
@@ -146,14 +151,11 @@ Expr ParseBuiltin(Walk& walk, const std::string& lowerName) {
     walk.Take();
     if (lowerName == "getkey") return ParseGetKey(walk);
 
-    const std::size_t before = unrepeatable;
-    Arguments arguments = ParseArguments(walk);
-    const bool simple = unrepeatable == before;
+    const Arguments arguments = ParseArguments(walk);
     const auto builtin = builtins.find(lowerName);
     CheckCount(name, builtin == builtins.end() ? MathArgumentCount(lowerName) : builtin->second.argumentCount,
                arguments.size());
     for (const Expr& argument : arguments) RequireValue(argument);
-    if (builtin == builtins.end()) return Math(lowerName, name, arguments, simple);
-    arguments[0].isCall = !simple;
+    if (builtin == builtins.end()) return Math(lowerName, name, arguments);
     return builtin->second.routine(name, arguments);
 }

@@ -47,12 +47,14 @@ bool ParenthesesHoldAll(const Walk& walk) {
 }
 
 Expr ParseArgument(Walk& walk, bool forArray) {
+    const std::size_t begin = walk.at;
     const std::size_t calls = callCount;
     const std::size_t outerRow = walk.rowAt;
     walk.rowAt = forArray ? walk.at : std::string::npos;
     Expr argument = ParseValue(walk);
     walk.rowAt = outerRow;
     argument.effects = callCount != calls;
+    argument.source = walk.tokens.Slice(begin, walk.at);
     return argument;
 }
 
@@ -84,8 +86,10 @@ std::string CallInOrder(const Expr* object, const std::string& name, const Routi
                         const std::vector<Expr>& arguments, std::vector<std::string> texts) {
     InOrder inOrder;
     std::string callee;
-    if (object != nullptr)
-        callee = WithAccessor(*object, object->effects ? inOrder.NameObject(object->text) : object->text);
+    if (object != nullptr) {
+        const bool named = OrderMatters(*object, arguments);
+        callee = WithAccessor(*object, named ? inOrder.NameObject(object->text) : object->text);
+    }
     NameArguments(inOrder, routine, arguments, texts);
     return inOrder.Text(ResultCppName(routine.result), CallText(callee + name, texts));
 }
@@ -175,7 +179,6 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, co
     call.isCall = true;
     call.effects = true;
     NeedElement(routine.result);
-    ++unrepeatable;
     ++callCount;
     return call;
 }

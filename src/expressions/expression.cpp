@@ -7,7 +7,7 @@
 #include "lexer/lexer.h"
 
 bool lenient = false;
-std::size_t unrepeatable = 0;
+std::size_t lambdaCount = 0;
 std::size_t callCount = 0;
 
 namespace {
@@ -36,24 +36,25 @@ std::string Listed(TokenSpan tokens) {
 
 // Operators that bind tighter than or as tight as `loosest`, from left to right.
 Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
-    std::size_t calls = callCount;
+    const std::size_t begin = walk.at;
+    const std::size_t calls = callCount;
     Expr left = ParseUnary(walk);
     left.effects = callCount != calls;
+    left.source = walk.tokens.Slice(begin, walk.at);
     int wraps = 0;
     std::size_t length = 0;
     for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
          op != nullptr && op->level <= loosest; op = PeekBinary(walk, comparing, length)) {
         walk.at += length;
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
-        calls = callCount;
         Expr right = ParseBinary(walk, tighter, comparing);
-        right.effects = callCount != calls;
-        const bool effects = left.effects || right.effects;
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
-        left = Combine(std::move(left), *op, right);
-        left.effects = effects;
+        if (op->kind != OperatorKind::Add) left = CloseSum(std::move(left));
+        left = Combine(std::move(left), *op, std::move(right));
+        left.effects = callCount != calls;
+        left.source = walk.tokens.Slice(begin, walk.at);
     }
-    return left;
+    return CloseSum(std::move(left));
 }
 
 Expr Assign(const Expr& target, const Expr& value) {

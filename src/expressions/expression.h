@@ -1,6 +1,7 @@
 // The expression translator: one walk over the tokens that yields C++ text and its type.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ enum class Level : unsigned char {
     Assignment
 };
 
+struct TextSum;
+
 struct Expr {
     std::string text;  // C++, no blanks at either end
     ValueType type;
@@ -33,9 +36,9 @@ struct Expr {
     bool literal = false;     // a bare string literal: const char* to C++
     bool assignable = false;  // may stand on the left of an assignment
     bool isCall = false;
-    bool ordered = false;     // a text that ends in __kvText({...}), open to further parts
-    std::size_t summand = 0;  // where the first calling summand begins in the text of a sum of Strings
-    bool effects = false;     // runs code of the program; set for operands, arguments and what calls yield
+    bool effects = false;  // runs code of the program; set for operands, arguments and what calls yield
+    TokenSpan source;      // what it was made from; set for operands, arguments and objects
+    std::shared_ptr<TextSum> sum;  // a sum of Strings, and its parts
     bool isConst = false;
     const Variable* variable = nullptr;  // when the expression is just this variable
 };
@@ -71,7 +74,7 @@ std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens);
 bool TranslateCallStatement(TokenSpan tokens, std::string& text);
 
 // Translates a string token (with its quotes): escapes and interpolation.
-Expr TranslateString(const std::string& token);
+Expr TranslateString(const Word& token);
 
 // While on, unknown names are let through (an included file translated from a first pass).
 extern bool lenient;

@@ -1,13 +1,18 @@
 #include "expressions/in_order.h"
 
-#include <algorithm>
-
+#include "analysis/effects.h"
 #include "symbols/scopes.h"
 
 namespace {
 
 // A lambda in the initial value of a Field cannot reach the object.
 bool LambdaReachesAll() { return InsideRoutine() || currentClass == nullptr; }
+
+std::vector<const Expr*> PointersTo(const std::vector<Expr>& expressions) {
+    std::vector<const Expr*> pointers;
+    for (const Expr& expr : expressions) pointers.push_back(&expr);
+    return pointers;
+}
 
 }  // namespace
 
@@ -25,14 +30,46 @@ std::string InOrder::NameObject(const std::string& text) {
 }
 
 std::string InOrder::Text(const std::string& resultCppType, const std::string& call) const {
+    ++lambdaCount;
     const std::string capture = InsideRoutine() ? "[&]" : "[]";
     return capture + "() -> " + resultCppType + " { " + values + "return " + call + "; }()";
 }
 
-bool OrderMatters(const std::vector<Expr>& arguments) {
-    const auto effects =
-        std::count_if(arguments.begin(), arguments.end(), [](const Expr& a) { return a.effects; });
-    return effects > 1 && LambdaReachesAll();
+bool MayRepeat(const Expr& operand) { return !operand.effects || MayRepeat(operand.source); }
+
+bool IsOrderSeen(const std::vector<const Expr*>& expressions) {
+    bool effects = false;
+    std::vector<TokenSpan> pieces;
+    for (const Expr* expr : expressions) {
+        effects = effects || expr->effects;
+        pieces.push_back(expr->source);
+    }
+    return effects && pieces.size() > 1 && OrderCanBeSeen(pieces);
+}
+
+bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others) {
+    bool effects = place.effects;
+    for (const Expr& other : others) effects = effects || other.effects;
+    if (!effects) return false;
+    std::vector<EffectSet> pieces = {EffectsOfPlace(place.source)};
+    for (const Expr& other : others) pieces.push_back(EffectsOf(other.source));
+    return OrderCanBeSeen(pieces);
+}
+
+bool IsOrderSeen(const Expr& first, const Expr& second) { return IsOrderSeen({&first, &second}); }
+
+bool OrderMatters(const std::vector<Expr>& expressions) {
+    return LambdaReachesAll() && IsOrderSeen(PointersTo(expressions));
+}
+
+bool OrderMatters(const Expr& first, const Expr& second) {
+    return LambdaReachesAll() && IsOrderSeen(first, second);
+}
+
+bool OrderMatters(const Expr& object, const std::vector<Expr>& arguments) {
+    std::vector<const Expr*> all = PointersTo(arguments);
+    all.insert(all.begin(), &object);
+    return LambdaReachesAll() && IsOrderSeen(all);
 }
 
 void NameArguments(InOrder& inOrder, const Routine& routine, const std::vector<Expr>& arguments,
@@ -41,8 +78,4 @@ void NameArguments(InOrder& inOrder, const Routine& routine, const std::vector<E
         const ValueType& type = routine.parameters[i].type;
         if (type.IsSingle() && type.IsKnown()) texts[i] = inOrder.Name(type, texts[i]);
     }
-}
-
-bool OrderMatters(const Expr& first, const Expr& second) {
-    return first.effects && second.effects && LambdaReachesAll();
 }

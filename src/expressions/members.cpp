@@ -85,6 +85,7 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
     const std::string* name = &firstName;
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;
+    const Token* first = expr.source.first;
     while (!walk.Done()) {
         const char sign = walk.PeekSign();
         if (sign == '\\' || sign == '.') {
@@ -100,6 +101,7 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
         } else {
             break;
         }
+        expr.source = {first, walk.tokens.first + walk.at};
     }
     return expr;
 }

@@ -36,7 +36,6 @@ Expr ObjectOf(const ClassInfo* cls, std::string text) {
     expr.type = Single(Base::Object, cls);
     expr.isCall = true;
     expr.effects = true;
-    ++unrepeatable;
     ++callCount;
     return expr;
 }
@@ -70,7 +69,9 @@ Expr ParseOrigin(Walk& walk) {
     }
     if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
     const std::string& name = walk.Peek();
+    const std::size_t begin = walk.at;
     Expr object = ParseName(walk);
+    object.source = walk.tokens.Slice(begin, walk.at);
     if (walk.PeekSign() == '[') object = ParseIndices(walk, object, name, object.variable);
     return object;
 }

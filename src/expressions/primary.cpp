@@ -90,8 +90,7 @@ Expr ParseParentheses(Walk& walk) {
     expr.slot = false;
     expr.assignable = false;
     expr.variable = nullptr;
-    expr.ordered = false;
-    expr.summand = 0;
+    expr.sum = nullptr;
     expr.level = Level::Primary;
     return expr;
 }
@@ -131,9 +130,24 @@ Expr ParseLibraryName(Walk& walk) {
     }
     expr.text += " )";
     expr.isCall = true;
-    ++unrepeatable;
     ++callCount;
     return expr;
+}
+
+}  // namespace
+
+namespace {
+
+// An operand without what may follow it.
+Expr ParseOperand(Walk& walk) {
+    const std::string& token = walk.Peek();
+    const char c = token[0];
+    if (c == '"') return TranslateString(walk.tokens.At(walk.at++));
+    if (c == '(') return ParseParentheses(walk);
+    if (IsDigit(c)) return ParseNumber(walk);
+    if (!IsIdentifier(token)) FailUnexpected(walk);
+    if (Is(token, "std") && walk.PeekSign(1) == ':') return ParseLibraryName(walk);
+    return ParseName(walk);
 }
 
 }  // namespace
@@ -141,23 +155,16 @@ Expr ParseLibraryName(Walk& walk) {
 Expr ParsePrimary(Walk& walk) {
     const std::string& token = walk.Peek();
     if (token.empty()) FailUnexpected(walk);
-    const char c = token[0];
     const std::size_t begin = walk.at;
-    if (c == '"') {
-        Expr text = TranslateString(token);
-        walk.Take();
-        return ParsePostfix(walk, std::move(text), token);
-    }
-    if (c == '(') return ParsePostfix(walk, ParseParentheses(walk), token);
-    if (IsDigit(c)) return ParsePostfix(walk, ParseNumber(walk), token);
-    if (c == '.' && token.size() == 1 && !walk.Peek(1).empty() && IsDigit(walk.Peek(1)[0])) {
+    if (token == "." && !walk.Peek(1).empty() && IsDigit(walk.Peek(1)[0])) {
         walk.Take();
         return ParseDouble(walk, "0." + walk.Take());
     }
     if (IsHexadecimal(token)) return ParseHexadecimal(walk);
-    if (!IsIdentifier(token)) FailUnexpected(walk);
-    if (Is(token, "std") && walk.PeekSign(1) == ':') return ParseLibraryName(walk);
-    Expr expr = ParseName(walk);
+    const bool library = Is(token, "std") && walk.PeekSign(1) == ':';
+    Expr expr = ParseOperand(walk);
+    if (library) return expr;
+    expr.source = walk.tokens.Slice(begin, walk.at);
     walk.operandAt = begin;
     return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;
 }

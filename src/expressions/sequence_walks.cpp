@@ -1,8 +1,8 @@
 #include "expressions/sequence_walks.h"
 
+#include "analysis/sequence_changes.h"
 #include "prelude/support.h"
 #include "symbols/scopes.h"
-#include "symbols/sequence_changes.h"
 
 namespace {
 
@@ -11,6 +11,7 @@ enum class Home : unsigned char { Local, Parameter, Global, Field, Unknown };
 
 struct Place {
     std::string text;
+    const Variable* root = nullptr;  // what its first name means; null for "this" and for calls
     Home home = Home::Unknown;
     std::string field;  // name of the Field
     ValueType type;
@@ -39,8 +40,13 @@ std::string LastWord(const std::string& text) {
     return blank == std::string::npos ? text : text.substr(blank + 1);
 }
 
+const Variable* RootOf(const Expr& sequence) {
+    if (sequence.variable != nullptr) return sequence.variable;
+    return sequence.source.empty() ? nullptr : FindVariable(sequence.source[0]);
+}
+
 Place PlaceOf(const Expr& sequence) {
-    Place place{sequence.text, HomeOf(sequence), "", sequence.type};
+    Place place{sequence.text, RootOf(sequence), HomeOf(sequence), "", sequence.type};
     if (place.home != Home::Field) return place;
     place.field = LastWord(sequence.text);
     const bool name = !place.field.empty() && place.field.find_first_of(")]") == std::string::npos;
@@ -48,9 +54,15 @@ Place PlaceOf(const Expr& sequence) {
     return place;
 }
 
-// Whether two texts may mean one Sequence.
+// Whether two texts mean one Sequence: the names in them may belong to different blocks.
+bool IsSame(const Place& a, const Place& b) { return a.text == b.text && a.root == b.root; }
+bool IsOver(const Place& place, const Expr& sequence) {
+    return place.text == sequence.text && place.root == RootOf(sequence);
+}
+
+// Whether they may mean one.
 bool MayBeSame(const Place& a, const Place& b) {
-    if (a.text == b.text) return true;
+    if (IsSame(a, b)) return true;
     if (a.type.IsKnown() && b.type.IsKnown() && a.type != b.type) return false;
     if (a.home == Home::Local || b.home == Home::Local) return false;
     if (a.home == Home::Field && b.home == Home::Field) return a.field == b.field;
@@ -94,7 +106,7 @@ bool IsInReach(const OpenWalk& walk) { return walk.place.home != Home::Local; }
 
 bool IsHanded(const OpenWalk& walk, const std::vector<Expr>& arguments) {
     for (const Expr& argument : arguments)
-        if (argument.type.sequence && argument.text == walk.place.text) return true;
+        if (argument.type.sequence && IsOver(walk.place, argument)) return true;
     return false;
 }
 
@@ -121,7 +133,7 @@ bool CloseSequenceWalk(std::string& text, std::size_t from) {
 std::string TellWalks(const Expr& sequence, const char* member, const std::string& value) {
     std::string text = value;
     for (OpenWalk& walk : walks) {
-        if (walk.place.text != sequence.text) continue;
+        if (!IsOver(walk.place, sequence)) continue;
         walk.changed = true;
         text = walk.name + "." + member + "(" + text + ")";
     }
@@ -131,7 +143,7 @@ std::string TellWalks(const Expr& sequence, const char* member, const std::strin
 std::string WalkCalls(const Expr& sequence, const char* member, const char* separator) {
     std::string text;
     for (OpenWalk& walk : walks) {
-        if (walk.place.text != sequence.text) continue;
+        if (!IsOver(walk.place, sequence)) continue;
         walk.changed = true;
         text += walk.name + "." + member + "()" + separator;
     }
@@ -140,14 +152,14 @@ std::string WalkCalls(const Expr& sequence, const char* member, const char* sepa
 
 void NoteSequenceChange(const Expr& sequence) {
     for (OpenWalk& walk : walks)
-        if (walk.place.text == sequence.text) walk.changed = true;
+        if (IsOver(walk.place, sequence)) walk.changed = true;
 }
 
 std::string WhileAway(const Expr& sequence, bool changes, std::string text) {
     if (walks.empty()) return text;
     const Place place = PlaceOf(sequence);
     for (OpenWalk& walk : walks) {
-        const bool told = changes && walk.place.text == place.text;
+        const bool told = changes && IsSame(walk.place, place);
         if (told || !MayBeSame(walk.place, place)) continue;
         if (changes) walk.changed = true;
         text = Wrapped(walk, text);

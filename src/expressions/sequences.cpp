@@ -118,7 +118,6 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     expr.type = sequence.type.IsKnown() ? ResultType(function, sequence) : ValueType();
     if (expr.type.IsArray()) HandOver(expr);
     expr.isCall = true;
-    ++unrepeatable;
     if (MovesOrRemoves(lowerName)) ++callCount;
     return expr;
 }

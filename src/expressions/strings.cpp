@@ -1,8 +1,11 @@
 // String literals: escapes and interpolation.
+#include <string>
 #include <vector>
 
+#include "analysis/effects.h"
 #include "driver/report.h"
 #include "expressions/walk.h"
+#include "lexer/holes.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"
 #include "symbols/scopes.h"
@@ -22,17 +25,6 @@ const Tag* FindTag(char c) {
         if (tag.tag == c) return &tag;
     }
     return nullptr;
-}
-
-bool HasHoles(const std::string& text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '~') {
-            ++i;
-        } else if (text[i] == '{') {
-            return true;
-        }
-    }
-    return false;
 }
 
 // The C++ spelling of a tilde pair; null when the pair is none.
@@ -91,11 +83,6 @@ std::string Literal(const std::string& text, std::size_t from, std::size_t to) {
     return out + "\"";
 }
 
-std::string Stripped(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 [[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
     std::string message = std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel +
                           ") does not match '" + content + "' which is " + CppName(type);
@@ -115,78 +102,63 @@ void CheckTag(const Tag& tag, const std::string& content, const Expr& value) {
     if (value.type.IsKnown() && !fits) FailTag(tag, content, value.type);
 }
 
-std::string Hole(const Tag& tag, const std::string& rawContent) {
-    const std::string content = Stripped(rawContent);
-    if (content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
+// The text of what stands in the hole.
+std::string HoleText(const StringPiece& hole) {
+    const Tag& tag = *FindTag(hole.tag);
+    if (hole.content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
     const DepthGuard guard;
-    const Tokens tokens = Split(content);
-    const Expr value = TranslateExpression(tokens, ExprMode::Condition);
-    CheckTag(tag, content, value);
+    ShowSplit(hole.content);
+    const Expr value = TranslateExpression(hole.tokens, ExprMode::Condition);
+    CheckTag(tag, hole.content, value);
     return (tag.base == Base::String ? "(" : "std::to_string(") + ValueText(value) + ")";
 }
 
-struct Pieces {
-    std::vector<std::string> texts;
-    int calling = 0;  // how many of them call something
-
-    void Add(std::string piece) { texts.push_back(std::move(piece)); }
-
-    // The first piece makes the sum a std::string; the others are added to it. Calls come one after the
-    // other, which C++ warrants between braces only.
-    std::string Text() const {
-        if (calling > 1) RequireSupport(Support::TextInOrder);
-        std::string text = calling > 1 ? "(__kvText({" : "(std::string(";
-        const char* separator = calling > 1 ? ", " : " + ";
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            if (i > 0) text += separator;
-            text += texts[i];
-            if (i == 0 && calling < 2) text += ')';
-        }
-        return text + (calling > 1 ? "}))" : ")");
-    }
-};
-
-// Position behind the hole that begins at `open`.
-std::size_t AddHole(const std::string& text, std::size_t open, Pieces& pieces) {
-    if (open + 1 == text.size()) ReportFatal("Unterminated string interpolation hole '{'");
-    const Tag* tag = FindTag(text[open + 1]);
-    if (tag == nullptr) {
-        ReportFatal("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}");
-    }
-    const std::size_t close = text.find('}', open);
-    if (close == std::string::npos) ReportFatal("Unterminated string interpolation hole - missing '}'");
-    const std::size_t calls = callCount;
-    pieces.Add(Hole(*tag, text.substr(open + 2, close - open - 2)));
-    if (callCount != calls) ++pieces.calling;
-    return close + 1;
+// Whether the order in which the holes are worked out can be seen.
+bool HolesNeedOrder(const std::vector<StringPiece>& pieces) {
+    std::vector<TokenSpan> holes;
+    for (const StringPiece& piece : pieces)
+        if (piece.kind == StringPiece::Kind::Hole) holes.emplace_back(piece.tokens);
+    return OrderCanBeSeen(holes);
 }
 
-std::string Interpolated(const std::string& text) {
-    Pieces pieces;
-    std::size_t start = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        if (text[i] == '~') {
-            i += 2;
-        } else if (text[i] == '{') {
-            if (i > start) pieces.Add(Literal(text, start, i));
-            i = start = AddHole(text, i, pieces);
-        } else {
-            ++i;
-        }
+// The first piece makes the sum a std::string; the others are added to it:
+//     (std::string("n is ") + std::to_string(KVL_n))
+// C++ warrants the order of what stands between braces only:
+//     (__kvText({"n is ", std::to_string(KVL_Next ( ))}))
+std::string SumOf(const std::vector<std::string>& texts, bool inOrder) {
+    if (inOrder) RequireSupport(Support::TextInOrder);
+    std::string text = inOrder ? "(__kvText({" : "(std::string(";
+    const char* separator = inOrder ? ", " : " + ";
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i > 0) text += separator;
+        text += texts[i];
+        if (i == 0 && !inOrder) text += ')';
     }
-    if (start < text.size()) pieces.Add(Literal(text, start, text.size()));
-    return pieces.Text();
+    return text + (inOrder ? "}))" : ")");
+}
+
+std::string Interpolated(const std::string& token, const std::vector<StringPiece>& pieces) {
+    std::vector<std::string> texts;
+    const std::size_t calls = callCount;
+    for (const StringPiece& piece : pieces) {
+        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
+        const bool hole = piece.kind == StringPiece::Kind::Hole;
+        texts.push_back(hole ? HoleText(piece) : Literal(token, piece.from, piece.to));
+    }
+    return SumOf(texts, callCount != calls && HolesNeedOrder(pieces));
 }
 
 }  // namespace
 
-Expr TranslateString(const std::string& token) {
-    const std::size_t end = token.size() > 1 && token.back() == '"' ? token.size() - 1 : token.size();
-    const std::string text = token.substr(1, end - 1);
+Expr TranslateString(const Word& token) {
+    const std::vector<StringPiece>& pieces = PiecesOf(token);
     Expr expr;
     expr.type = Single(Base::String);
-    expr.literal = !HasHoles(text);
-    expr.text = expr.literal ? Literal(text, 0, text.size()) : Interpolated(text);
+    expr.literal = !HasHoles(token);
+    if (!expr.literal) {
+        expr.text = Interpolated(token.text, pieces);
+    } else {
+        expr.text = pieces.empty() ? "\"\"" : Literal(token.text, pieces[0].from, pieces[0].to);
+    }
     return expr;
 }

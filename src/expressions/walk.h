@@ -33,9 +33,8 @@ struct Walk {
     void Expect(char sign);  // ends the run when another token comes
 };
 
-// How many texts so far must not be evaluated twice, or may not stand inside decltype (calls, lambdas).
-// Whoever repeats a text in what is emitted compares the count before and after its translation.
-extern std::size_t unrepeatable;
+// How many lambdas were written so far: a text that holds one may not stand inside decltype.
+extern std::size_t lambdaCount;
 // How many calls so far may do more than yield a value; where two stand side by side their order counts.
 extern std::size_t callCount;
 
@@ -100,5 +99,10 @@ bool IsIdentifier(const std::string& token);
 // Ends the run when the expression is no value (Void, a Type without object ...).
 void RequireValue(const Expr& expr);
 
-Expr Combine(Expr left, const struct BinaryOperator& op, const Expr& right);
+// Whether the text of the operand may be evaluated more than once.
+bool MayRepeat(const Expr& operand);
+
+// A sum of Strings stays open: further operands may join it before CloseSum gives it its text.
+Expr Combine(Expr left, const struct BinaryOperator& op, Expr right);
+Expr CloseSum(Expr sum);
 Expr ApplyUnary(const struct UnaryOperator& op, const Expr& operand);

@@ -274,11 +274,19 @@ void FailInLine(const std::string& file, int number, const char* message, std::s
                       "\nLine: " + std::string(line));
 }
 
-Tokens Split(const std::string& text) {
-    if (settings.verbose) PrintVerboseLine(0, true, text);
+Tokens Cut(std::string_view text) {
     Tokens tokens;
     Scanner(text, tokens).Run();
     return tokens;
+}
+
+void ShowSplit(std::string_view text) {
+    if (settings.verbose) PrintVerboseLine(0, true, text);
+}
+
+Tokens Split(std::string_view text) {
+    ShowSplit(text);
+    return Cut(text);
 }
 
 std::string Lower(std::string_view text) {

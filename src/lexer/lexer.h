@@ -42,7 +42,11 @@ public:
 [[noreturn]] void FailInLine(const std::string& file, int number, const char* message, std::string_view line);
 
 // Tokens of a piece of text, comments dropped and nothing checked.
-Tokens Split(const std::string& text);
+Tokens Cut(std::string_view text);
+// The same; verbose runs show the text.
+Tokens Split(std::string_view text);
+// What verbose runs show of a text that is split.
+void ShowSplit(std::string_view text);
 
 // ASCII lower case; other bytes stay.
 std::string Lower(std::string_view text);

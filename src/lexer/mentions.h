@@ -4,7 +4,7 @@
 #include "lexer/token_span.h"
 
 // The tokens in the holes of a String; none for most.
-Tokens HoleTokens(const std::string& literal);
+Tokens HoleTokens(const Word& literal);
 
 // The tokens, each String with holes followed by the tokens in them.
 Tokens MentionedTokens(TokenSpan tokens);

@@ -13,8 +13,9 @@ bool IsSign(char c) {
     return !letter && !digit && static_cast<unsigned char>(c) < 128;
 }
 
-Word MakeWord(std::string_view text) {
+Word MakeWord(std::string_view text, std::size_t id) {
     Word word;
+    word.id = static_cast<std::uint32_t>(id);
     word.text = text;
     word.keyword = FindKeyword(text);
     if (text.size() == 1 && IsSign(text[0])) word.sign = text[0];
@@ -56,7 +57,8 @@ public:
     Pool() : slots(1024) {
         for (int c = 0; c < 256; ++c) {
             const char character = static_cast<char>(c);
-            single[static_cast<std::size_t>(c)] = &words.emplace_back(MakeWord({&character, 1}));
+            single[static_cast<std::size_t>(c)] =
+                &words.emplace_back(MakeWord({&character, 1}, words.size()));
         }
     }
 
@@ -71,11 +73,13 @@ public:
         const std::uint64_t hash = HashOf(text);
         Slot& slot = SlotOf(hash, text);
         if (slot.word != nullptr) return *slot.word;
-        const Word& word = words.emplace_back(MakeWord(text));
+        const Word& word = words.emplace_back(MakeWord(text, words.size()));
         slot = {hash, &word};
         if (++used * 2 > slots.size()) Grow();
         return word;
     }
+
+    std::size_t Count() const { return words.size(); }
 
 private:
     struct Slot {
@@ -113,3 +117,4 @@ Pool& ThePool() {
 const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
 const Word& WordOf(char character) { return ThePool().Find(character); }
 bool IsKnownWord(std::string_view text) { return ThePool().Knows(text); }
+std::size_t WordCount() { return ThePool().Count(); }

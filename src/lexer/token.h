@@ -2,16 +2,22 @@
 // and again. Copying a token costs nothing, and equal tokens are the same word.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lexer/keywords.h"
 
+struct StringPiece;
+
 struct Word {
     std::string text;
     Keyword keyword = Keyword::None;
-    char sign = '\0';  // of a token of one character that is no letter or digit, or else 0
+    char sign = '\0';      // of a token of one character that is no letter or digit, or else 0
+    std::uint32_t id = 0;  // counts the words of the run
+    // Of a String literal that somebody asked about, what it is made of (lexer/holes.h).
+    mutable const std::vector<StringPiece>* pieces = nullptr;
 };
 
 // The word with the text. It lasts until the end of the run.
@@ -20,6 +26,8 @@ const Word& WordOf(std::string_view text);
 const Word& WordOf(char character);
 // Whether the text has been the text of a token.
 bool IsKnownWord(std::string_view text);
+// How many words there are so far; their ids are smaller.
+std::size_t WordCount();
 
 class Token {
 public:

@@ -40,30 +40,30 @@ Place PlaceBehind(const Latest& latest, std::size_t position) {
 class MetEffects {
 public:
     // What must stand before one with the effects.
-    Latest Before(const Effects& effects) const {
+    Latest Before(const ValueEffects& effects) const {
         if (effects.anything) return all;
         Latest latest = anything;
-        for (const Word* name : effects.reads) Take(changers, name, latest);
-        for (const Word* name : effects.changes) {
+        for (const Thing name : effects.reads) Take(changers, name, latest);
+        for (const Thing name : effects.changes) {
             Take(changers, name, latest);
             Take(readers, name, latest);
         }
         return latest;
     }
 
-    void Add(const Effects& effects, const Latest& stands) {
+    void Add(const ValueEffects& effects, const Latest& stands) {
         all.Add(stands);
         if (effects.anything) anything.Add(stands);
-        for (const Word* name : effects.reads) readers[name].Add(stands);
-        for (const Word* name : effects.changes) changers[name].Add(stands);
+        for (const Thing name : effects.reads) readers[name].Add(stands);
+        for (const Thing name : effects.changes) changers[name].Add(stands);
     }
 
 private:
-    using Map = std::unordered_map<const Word*, Latest>;
+    using Map = std::unordered_map<Thing, Latest>;
     Map readers, changers;
     Latest all, anything;
 
-    static void Take(const Map& map, const Word* name, Latest& latest) {
+    static void Take(const Map& map, Thing name, Latest& latest) {
         const auto found = map.find(name);
         if (found != map.end()) latest.Add(found->second);
     }
@@ -106,8 +106,8 @@ private:
     void Put(GlobalEntry& entry) {
         GlobalDefinition& global = *entry.global;
         const bool takenAgain = entry.changedBefore && !global.again.empty();
-        Effects effects = entry.effects;
-        if (!entry.IsConstant() || takenAgain) effects.changes.insert(entry.Name());
+        ValueEffects effects = entry.effects;
+        if (!entry.IsConstant() || takenAgain) effects.changes.insert(ThingOf(*entry.Name()));
         Place place = PlaceBehind(met.Before(effects), entry.position);
         if (takenAgain) {
             place = std::max(place, Place::LateHeader);
@@ -120,7 +120,7 @@ private:
             if (place != Place::Header) {
                 Append(place, global.definition);
                 global.plain = global.declaration;
-                effects.changes.insert(entry.Name());
+                effects.changes.insert(ThingOf(*entry.Name()));
             }
         }
         met.Add(effects, {place, place == Place::Header ? entry.position + 1 : 0});
@@ -132,14 +132,13 @@ private:
 
     // The first place where everything is declared and ready that the initial value needs.
     Place PlaceToCompile(const GlobalEntry& entry) {
-        const Effects& effects = entry.effects;
-        const bool userlibs = !symbols.userlibDLLs.empty() &&
-                              (effects.anything || effects.changes.count(WordOf(EffectMark::Userlibs)) != 0);
-        callsUserlibs = callsUserlibs || userlibs;
-        const Word* instances = WordOf(EffectMark::Instances);
+        const ValueEffects& effects = entry.effects;
+        const bool loads = !symbols.userlibDLLs.empty() &&
+                              (effects.anything || effects.changes.count(userlibs) != 0);
+        callsUserlibs = callsUserlibs || loads;
         const bool objects = effects.reads.count(instances) != 0 || effects.changes.count(instances) != 0 ||
                              (effects.anything && !symbols.classList.empty());
-        if (userlibs || objects || !entry.global->needs.empty()) return Place::Cpp;
+        if (loads || objects || !entry.global->needs.empty()) return Place::Cpp;
         if (!entry.file->isMain && entry.global->needsPrelude) return Place::LateHeader;
         for (const Word* name : entry.mentioned)
             if (DeclaredBehind(name, entry.position)) return Place::LateHeader;

@@ -12,8 +12,10 @@ enum class Support : unsigned char {
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
     TextInOrder,   // Strings put together or compared when their operands are calls
+    ReadNow,       // a variable that is read before the operand behind it changes it
     StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
+    IndexInOrder,  // the same where the order of indices can be seen
     SequenceWalk,  // KVSeqWalk, a loop over a Sequence that its body changes
     InputEnd,      // ends a program that asks for numbers behind the end of its input
     AskedStep,     // KVStep, the step of a For that runs code of the program

@@ -35,6 +35,8 @@ extern const std::string_view arrayPassing;
 extern const std::string_view boolArray;
 extern const std::string_view elementSlots;
 extern const std::string_view textInOrder;
+extern const std::string_view indexInOrder;
+extern const std::string_view readNow;
 extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
 extern const std::string_view sequenceWalk;

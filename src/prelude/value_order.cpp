@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "analysis/effect_reader.h"
+#include "analysis/effects.h"
 #include "lexer/mentions.h"
 #include "symbols/identifiers.h"
 
@@ -15,11 +17,11 @@ bool IsVariable(const std::string& name) {
 void AddNames(TokenSpan tokens, GlobalEntry& entry) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const Word& word = tokens.At(i);
-        if (word.text[0] == '"') AddNames(HoleTokens(word.text), entry);
+        if (word.text[0] == '"') AddNames(HoleTokens(word), entry);
         if (word.keyword != Keyword::None || !IsName(word.text)) continue;
         const bool member = i > 0 && tokens.SignAt(i - 1) == '\\';
         if (!member) entry.mentioned.push_back(&word);
-        if (IsVariable(word.text)) entry.effects.reads.insert(&word);
+        if (IsVariable(word.text)) entry.effects.reads.insert(ThingOf(word));
     }
 }
 
@@ -48,15 +50,19 @@ bool MayRunCode(TokenSpan tokens) {
         const bool calls = tokens.SignAt(i + 1) == '(' && word.sign == '\0';
         const bool member = word.sign == '\\' && symbols.fieldOwners.count(tokens[i + 1]) == 0;
         if (creates || calls || member) return true;
-        if (word.text[0] == '"' && MayRunCode(HoleTokens(word.text))) return true;
+        if (word.text[0] == '"' && MayRunCode(HoleTokens(word))) return true;
     }
     return false;
 }
 
-void Merge(const Effects& from, Effects& into) {
+// Who changes what parameters stand for may change all arrays and Sequences that are in reach.
+void Merge(const EffectSet& from, ValueEffects& into) {
     into.reads.insert(from.reads.begin(), from.reads.end());
     into.changes.insert(from.changes.begin(), from.changes.end());
     into.anything = into.anything || from.anything;
+    if (!from.changesPassed) return;
+    for (const Thing thing : from.reads)
+        if (HoldsItems(thing)) into.changes.insert(thing);
 }
 
 void FindEffects(GlobalEntry& entry) {
@@ -70,7 +76,7 @@ void FindEffects(GlobalEntry& entry) {
 // Timers that an initial value starts may fire in all routines that others call.
 void AddTimers(std::vector<GlobalEntry>& entries) {
     const bool started = std::any_of(entries.begin(), entries.end(), [](const GlobalEntry& entry) {
-        return entry.effects.changes.count(WordOf(EffectMark::Timers)) != 0;
+        return entry.effects.changes.count(timers) != 0;
     });
     if (!started) return;
     for (GlobalEntry& entry : entries)
@@ -102,7 +108,7 @@ public:
         std::sort(entries.begin(), entries.end(), [](const GlobalEntry& a, const GlobalEntry& b) {
             return a.global->number < b.global->number;
         });
-        for (std::size_t i = 0; i < entries.size(); ++i) indexes[entries[i].Name()] = i;
+        for (std::size_t i = 0; i < entries.size(); ++i) indexes[ThingOf(*entries[i].Name())] = i;
         met.resize(entries.size());
     }
 
@@ -123,7 +129,7 @@ private:
     };
 
     std::vector<GlobalEntry> entries;  // in source order
-    std::unordered_map<const Word*, std::size_t> indexes;
+    std::unordered_map<Thing, std::size_t> indexes;
     std::vector<bool> met;
     std::vector<Step> steps;
     std::vector<std::size_t> order;
@@ -147,10 +153,13 @@ private:
         steps.push_back(std::move(step));
     }
 
+    static Thing ThingOfName(const Word* name) { return ThingOf(*name); }
+    static Thing ThingOfName(Thing thing) { return thing; }
+
     template <class Names>
     void AddIndexes(const Names& names, std::vector<std::size_t>& list) const {
-        for (const Word* name : names) {
-            const auto found = indexes.find(name);
+        for (const auto& name : names) {
+            const auto found = indexes.find(ThingOfName(name));
             if (found != indexes.end()) list.push_back(found->second);
         }
     }
@@ -173,13 +182,13 @@ private:
 
     // What comes later in the source, but may be changed by the initial value of `user`.
     void NoteTouched(std::size_t later, std::size_t user) {
-        if (entries[user].effects.changes.count(entries[later].Name()) != 0)
+        if (entries[user].effects.changes.count(ThingOf(*entries[later].Name())) != 0)
             entries[later].changedBefore = true;
     }
 
     static bool IsThereFromTheStart(const GlobalEntry& entry) {
         if (entry.variable->isConst) return true;
-        const Effects& effects = entry.effects;
+        const ValueEffects& effects = entry.effects;
         if (effects.anything || !effects.reads.empty() || !effects.changes.empty()) return false;
         return entry.variable->initialiser.empty() || !entry.changedBefore;
     }

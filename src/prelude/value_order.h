@@ -1,10 +1,17 @@
 // The order in which Globals and Consts take their values, and what each of them reads and changes on the way.
 #pragma once
 
+#include <unordered_set>
 #include <vector>
 
+#include "analysis/effect_set.h"
 #include "prelude/order.h"
-#include "symbols/effects.h"
+
+// What working out an initial value does.
+struct ValueEffects {
+    std::unordered_set<Thing> reads, changes;
+    bool anything = false;
+};
 
 struct GlobalEntry {
     GlobalDefinition* global = nullptr;
@@ -12,7 +19,7 @@ struct GlobalEntry {
     const Variable* variable = nullptr;  // what look-ups find under its name
     std::size_t position = 0;            // among the definitions as the headers have them
     std::vector<const Word*> mentioned;  // the names in its initial value and its sizes, but for members
-    Effects effects;                     // of its initial value
+    ValueEffects effects;                // of its initial value
     bool changedBefore = false;          // what comes before it may give it another value
 
     const Word* Name() const { return &WordOf(global->name); }

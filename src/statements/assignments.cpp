@@ -1,10 +1,12 @@
 #include "statements/assignments.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
+#include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
@@ -85,12 +87,18 @@ void RefuseCompound(TokenSpan tokens, std::size_t sign) {
         TranslateExpression(tokens, ExprMode::Statement);
 }
 
-// A variable of the routine itself; that of a loop may be an item of something else.
-bool IsOwnVariable(const State& state, const Expr& left, const std::string& target) {
-    if (left.variable == nullptr || target != left.variable->cppName) return false;
-    for (const OpenBraces& braces : state.braces)
-        if (braces.variable == left.variable->name) return false;
-    return FindLocal(left.variable->name) == left.variable;
+// The variable of a loop may be an item of something else.
+bool IsLoopVariable(const State& state, const Expr& left) {
+    if (left.variable == nullptr) return false;
+    return std::any_of(state.braces.begin(), state.braces.end(),
+                       [&left](const OpenBraces& braces) { return braces.variable == left.variable->name; });
+}
+
+// An index or a call in the target comes before the value, which C++ does not warrant.
+bool FindsTargetFirst(TokenSpan target, const Expr& left, const Expr& right) {
+    for (std::size_t i = 0; i < target.size(); ++i)
+        if (target.SignAt(i) == '[' || target.SignAt(i) == '(') return IsLookUpSeen(left, {right});
+    return false;
 }
 
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
@@ -120,9 +128,13 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
         EmitLine(state, told + WhileAway(left, true, variable + " = " + value) + ";");
         return;
     }
+    if (FindsTargetFirst(target, left, right)) {
+        EmitLine(state, "{ auto&& __kvTarget = " + variable + "; __kvTarget = " + value + "; }");
+        return;
+    }
     std::string statement;
     if (settings.fastMode && left.type.Is(Base::String))
-        statement = AppendStatement(variable, value, IsOwnVariable(state, left, variable));
+        statement = AppendStatement(left, right, IsLoopVariable(state, left));
     EmitLine(state, statement.empty() ? variable + " = " + value + ";" : statement);
 }
 

@@ -6,7 +6,7 @@
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
-#include "symbols/reach.h"
+#include "analysis/reach.h"
 #include "symbols/scopes.h"
 
 namespace {

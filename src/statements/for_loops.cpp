@@ -7,12 +7,12 @@
 
 #include <algorithm>
 
+#include "analysis/reach.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
-#include "symbols/reach.h"
 #include "symbols/scopes.h"
 
 namespace {

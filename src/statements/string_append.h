@@ -3,7 +3,9 @@
 
 #include <string>
 
-// KVL_s = KVL_s + a + b; becomes (KVL_s += a) += b; which does not copy what s holds already.
-// Takes the C++ texts of both sides, and whether the target is a variable of the routine, which nothing but
-// its name can reach. Returns the statement, or an empty text when the value is no sum of that kind.
-std::string AppendStatement(const std::string& target, const std::string& value, bool ownVariable);
+#include "expressions/expression.h"
+
+// KVL_s = KVL_s + a + b; becomes (KVL_s += a) += b; which does not copy what s holds already. `item` tells that
+// the target is the variable of a loop, which may stand for an item of something else. Returns the statement, or
+// an empty text when the value is no such sum, or one whose parts could notice.
+std::string AppendStatement(const Expr& target, const Expr& value, bool item);

@@ -137,6 +137,7 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
 
     Declarations declarations;
     CollectDeclarations(path, declarations);
+    symbols.complete = symbols.complete || isMain;
     lenient = lenientRun;
     if (lenientRun && !settings.verbose) {
         GuardOf(out);  // guards are given out in the order of the first passes

@@ -119,6 +119,8 @@ struct Symbols {
     // Every Field name, with the first class that has it: for the clash with Globals and Consts.
     std::unordered_map<std::string, const ClassInfo*> fieldOwners;
 
+    // Whether all declarations have been read, those of included files too. Written by the translator.
+    bool complete = false;
     // Whether any source file holds inline C++. Written by the first pass.
     bool inlineCpp = false;
 

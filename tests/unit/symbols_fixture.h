@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "symbols/identifiers.h"
-#include "symbols/reach.h"
+#include "analysis/reach.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 

@@ -5,6 +5,7 @@ template<typename T, size_t N> struct KVArray {
     bool empty() const { return false; }
     T* data() { return items; }
     T& operator[](size_t i) { return items[i]; }
+    T& at(size_t i) { return items[i]; }
     const T& operator[](size_t i) const { return items[i]; }
     T* begin() { return items; }
     T* end() { return items + N; }

@@ -1,9 +1,10 @@
-#include "symbols/reach.h"
+#include "analysis/reach.h"
 
+#include "analysis/inline_effects.h"
+#include "analysis/reach_graph.h"
 #include "expressions/expression.h"
+#include "lexer/holes.h"
 #include "lexer/mentions.h"
-#include "symbols/effects.h"
-#include "symbols/reach_graph.h"
 #include "symbols/source_lines.h"
 
 namespace {
@@ -23,6 +24,7 @@ void AddNames() {
     for (const ClassInfo* cls : symbols.classList) {
         for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
     }
+    for (const auto& routine : symbols.userlibRoutines) graph.NodeOf(graph.routines, routine.first);
     for (const auto& routine : graph.routines) graph.words[&WordOf(routine.first)].routine = routine.second;
     for (const auto& cls : symbols.classIndex) graph.words[&WordOf(cls.first)].cls = cls.second;
 }
@@ -35,6 +37,7 @@ public:
     void Read() {
         SourceLines lines(Reading::Uses);
         if (!lines.Open(file)) return;
+        lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
         while (lines.Next()) {
             if (lines.MetInlineCpp() && node != outside) {
                 graph.At(node).createsAnything = true;
@@ -51,6 +54,8 @@ private:
     int node = outside;          // the routine or loop that the statement belongs to
     std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
     const ClassInfo* cls = nullptr;
+    OwnNames names;  // of the open routine
+    int blocks = 0;  // that are open in it
 
     void ReadStatement(TokenSpan tokens, int line) {
         const Keyword word = tokens.KeywordAt(0);
@@ -71,7 +76,7 @@ private:
                 cls = nullptr;
                 return;
             case Keyword::Field:
-                if (cls) return ReadMembers(tokens);
+                if (cls) return ReadField(tokens);
                 break;
             default:
                 break;
@@ -79,16 +84,21 @@ private:
         if (node != outside) ReadCode(word, tokens, line);
     }
 
-    void ReadMembers(TokenSpan tokens) {
-        const int making = graph.NodeOf(graph.construction, cls);
-        graph.statements.emplace_back(making, tokens);
-        Mention(making, tokens);
+    void ReadField(TokenSpan tokens) {
+        const int construction = graph.NodeOf(graph.construction, cls);
+        Mention(construction, tokens);
+        ReadEffects(construction, tokens, {});
     }
 
     void OpenRoutine(Keyword word, const std::string& name) {
         node = graph.NodeOf(graph.routines, name);
         enclosing.clear();
-        if (word != Keyword::Method || !cls) return;
+        names.clear();
+        blocks = 0;
+        const bool method = word == Keyword::Method && cls != nullptr;
+        if (const Routine* routine = method ? FindMethod(*cls, name) : FindFunction(name))
+            AddParameters(*routine, names);
+        if (!method) return;
         if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
         if (name == "destructor") graph.Call(graph.destructors, node);
     }
@@ -103,6 +113,7 @@ private:
     void ReadCode(Keyword word, TokenSpan tokens, int line) {
         if (EndsLoop(word)) {
             if (enclosing.empty()) return;
+            --blocks;
             node = enclosing.back();
             enclosing.pop_back();
             return;
@@ -118,8 +129,25 @@ private:
                 graph.At(loop).createsAnything = true;  // a loop within a single-line If
         }
         Mention(node, tokens);
-        graph.statements.emplace_back(node, tokens);
-        ReadSequenceChanges(node, tokens);
+        WithHoles(tokens, [this](TokenSpan part) { ReadSequenceChanges(node, part); });
+        ReadEffects(node, tokens, names);
+        NoteBlocks(word, tokens);
+    }
+
+    static bool IsOneLine(TokenSpan tokens) {
+        for (std::size_t i = 0; i + 1 < tokens.size(); ++i)
+            if (tokens.KeywordAt(i) == Keyword::Then) return true;
+        return false;
+    }
+
+    // A Local of an inner block gives its name back at the end, so only those of the outermost one are noted.
+    void NoteBlocks(Keyword word, TokenSpan tokens) {
+        const bool openIf = word == Keyword::If && !IsOneLine(tokens);
+        if (OpensLoop(word) || openIf || word == Keyword::Repeat || word == Keyword::Select) ++blocks;
+        if (word == Keyword::EndIf || word == Keyword::Until || word == Keyword::Forever ||
+            word == Keyword::EndSelect)
+            --blocks;
+        if (word == Keyword::Local && blocks == 0) AddLocals(tokens, names);
     }
 
     static bool WalksInstances(TokenSpan tokens) {
@@ -141,7 +169,7 @@ public:
         bool startsTimer = false;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const Word& token = tokens.At(i);
-            if (token.text[0] == '"') Mention(node, HoleTokens(token.text));
+            if (token.text[0] == '"') Mention(node, HoleTokens(token));
             if (!IsLetter(token.text[0])) continue;
             const Keyword keyword = token.keyword;
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
@@ -195,13 +223,6 @@ const std::unordered_set<int>& NodesThatCreate(const ClassInfo& cls) {
 ReachGraph& BuiltGraph() {
     if (!built) Build();
     return graph;
-}
-
-int AddValueNode(TokenSpan value) {
-    BuiltGraph();
-    const int node = graph.Add();
-    FileReach::Mention(node, value);
-    return node;
 }
 
 std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,

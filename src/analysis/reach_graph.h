@@ -6,9 +6,9 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
+#include "analysis/effect_reader.h"
 #include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
@@ -36,7 +36,6 @@ struct ReachGraph {
     std::unordered_map<const ClassInfo*, std::vector<int>>
         creators;                                       // nodes that create the class themselves
     std::unordered_set<int> anything;                   // nodes that may create any class
-    std::vector<std::pair<int, TokenSpan>> statements;  // of all nodes
 
     ReachGraph() : timers(Add()), destructors(Add()) {}
 
@@ -59,9 +58,6 @@ struct ReachGraph {
 
 // The graph of the program; the first call reads all files.
 ReachGraph& BuiltGraph();
-// A node of its own for a value that is worked out outside of all routines.
-int AddValueNode(TokenSpan value);
-
 // The nodes that may run one of `open`, apart from `known` ones.
 std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> open,
                                      const std::unordered_set<int>& known);
@@ -71,3 +67,8 @@ std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> op
 void BeginSequenceChanges();
 void ReadSequenceChanges(int node, TokenSpan tokens);
 void ResetSequenceChanges();
+// The same for effects.cpp; `names` are those of the routine so far.
+void ReadEffects(int node, TokenSpan tokens, const OwnNames& names);
+// The effects of the node's own statements, to be added to.
+EffectSet& OwnEffectsOf(int node);
+void ResetEffects();

@@ -1,7 +1,7 @@
-#include "symbols/sequence_changes.h"
+#include "analysis/sequence_changes.h"
 
+#include "analysis/reach_graph.h"
 #include "expressions/expression.h"
-#include "symbols/reach_graph.h"
 
 namespace {
 

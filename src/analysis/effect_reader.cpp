@@ -1,0 +1,350 @@
+#include "analysis/effect_reader.h"
+
+#include "lexer/holes.h"
+#include "symbols/scopes.h"
+#include "symbols/type_reader.h"
+
+namespace {
+
+// What a Global or Field of the name may be.
+struct SharedName {
+    bool known = false;
+    bool items = false;                      // an array or Sequence
+    std::vector<const ClassInfo*> elements;  // records of these classes
+};
+
+std::vector<SharedName> sharedNames;  // by the id of the name
+
+void AddShared(const Variable& variable) {
+    SharedName& name = sharedNames[WordOf(variable.name).id];
+    const ValueType& type = variable.type;
+    name.known = true;
+    name.items = name.items || !type.IsSingle() || !type.IsKnown();
+    if (type.base == Base::Element && type.cls != nullptr) name.elements.push_back(type.cls);
+}
+
+// When all of them are known.
+void NoteSharedNames() {
+    for (const auto& global : symbols.globals) WordOf(global.first);
+    for (const auto& constant : symbols.constants) WordOf(constant.first);
+    for (const ClassInfo* cls : symbols.classList)
+        for (const auto& field : cls->members) WordOf(field.first);
+    sharedNames.assign(WordCount(), {});
+    for (const auto& global : symbols.globals) AddShared(global.second);
+    for (const auto& constant : symbols.constants) AddShared(constant.second);
+    for (const ClassInfo* cls : symbols.classList)
+        for (const auto& field : cls->members) AddShared(field.second);
+}
+
+const SharedName* FindShared(const Word& name) {
+    if (sharedNames.empty()) NoteSharedNames();
+    return name.id < sharedNames.size() && sharedNames[name.id].known ? &sharedNames[name.id] : nullptr;
+}
+
+bool IsLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+           static_cast<unsigned char>(c) >= 128;
+}
+
+bool IsAccessor(char sign) { return sign == '\\' || sign == '.'; }
+
+// Position behind what the bracket at `open` encloses.
+std::size_t Behind(TokenSpan tokens, std::size_t open) {
+    int depth = 0;
+    for (std::size_t i = open; i < tokens.size(); ++i) {
+        const char sign = tokens.SignAt(i);
+        if (sign == '(' || sign == '[') ++depth;
+        if ((sign == ')' || sign == ']') && --depth == 0) return i + 1;
+    }
+    return tokens.size();
+}
+
+// Whether the "=" at the position is no part of "<=", ">=", "!=" or "==".
+bool IsLoneEquals(TokenSpan tokens, std::size_t at) {
+    if (tokens.SignAt(at) != '=' || tokens.SignAt(at + 1) == '=') return false;
+    const char before = at > 0 ? tokens.SignAt(at - 1) : '\0';
+    return before != '<' && before != '>' && before != '!' && before != '=';
+}
+
+// Position of the last name outside of brackets; the number of tokens without one.
+std::size_t LastName(TokenSpan tokens) {
+    std::size_t last = tokens.size();
+    for (std::size_t i = 0; i < tokens.size();) {
+        const char sign = tokens.SignAt(i);
+        if (IsLetter(tokens[i][0])) last = i;
+        i = sign == '[' || sign == '(' ? Behind(tokens, i) : i + 1;
+    }
+    return last;
+}
+
+OwnName KindOf(const ValueType& type) {
+    if (!type.IsSingle()) return OwnName::Items;
+    return type.Is(Base::Element) ? OwnName::Element : OwnName::Value;
+}
+
+OwnName KindOfLocal(TokenSpan declaration) {
+    if (declaration.SignAt(1) == '[') return OwnName::Items;
+    std::size_t at = 2;
+    if (declaration.SignAt(1) == ':') {
+        if (declaration.KeywordAt(2) == Keyword::Sequence || declaration.SignAt(3) == '[')
+            return OwnName::Items;
+    } else {
+        const Keyword makes = declaration.KeywordAt(2);
+        if (makes == Keyword::Create || makes == Keyword::New) at = 3;
+    }
+    return IsElement(declaration[at]) ? OwnName::Element : OwnName::Value;
+}
+
+}  // namespace
+
+void AddParameters(const Routine& routine, OwnNames& names) {
+    for (const Parameter& parameter : routine.parameters) {
+        const OwnName kind = KindOf(parameter.type);
+        names[&WordOf(parameter.name)] = kind == OwnName::Items ? OwnName::Passed : kind;
+    }
+}
+
+void AddLocals(TokenSpan statement, OwnNames& names) {
+    for (TokenSpan declaration : SplitList(statement.From(1))) {
+        if (declaration.KeywordAt(0) == Keyword::Local) declaration = declaration.From(1);
+        if (!declaration.empty()) names[&declaration.At(0)] = KindOfLocal(declaration);
+    }
+}
+
+// Elements that hold one another have no end, and are refused elsewhere.
+void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth) {
+    constexpr int deepest = 16;
+    for (const auto& field : element.members) {
+        things.push_back(ThingOf(WordOf(field.first)));
+        const ClassInfo* inner = field.second.type.cls;
+        if (inner != nullptr && field.second.type.base == Base::Element && depth < deepest)
+            AddFields(*inner, things, depth + 1);
+    }
+}
+
+// ---- names
+
+OwnName EffectReader::OwnNameOf(const Word& name) const {
+    if (names != nullptr) {
+        const auto found = names->find(&name);
+        return found == names->end() ? OwnName::None : found->second;
+    }
+    const Variable* local = FindLocal(name.text);
+    if (local == nullptr || local->slot) return OwnName::None;
+    const OwnName kind = KindOf(local->type);
+    return kind == OwnName::Items && local->isParameter ? OwnName::Passed : kind;
+}
+
+void EffectReader::TouchOwn(const Word& name, OwnName own, bool changes) {
+    if (own == OwnName::Passed) (changes ? set.changesPassed : set.readsPassed) = true;
+    if (names != nullptr) return;
+    (changes ? set.ownChanges : set.ownReads).push_back(ThingOf(name));
+    if (own == OwnName::Items || own == OwnName::Element) handedOn.push_back(&name);
+}
+
+void EffectReader::TouchShared(const Word& name, bool whole, bool changes) {
+    const SharedName* shared = FindShared(name);
+    if (shared == nullptr) return;
+    std::vector<Thing>& things = changes ? set.changes : set.reads;
+    things.push_back(ThingOf(name));
+    if (shared->items) (changes ? set.changesItems : set.readsItems) = true;
+    if (!whole) return;
+    for (const ClassInfo* element : shared->elements) AddFields(*element, things);
+}
+
+void EffectReader::TouchSharedName(const Word& name) {
+    TouchShared(name, true, false);
+    TouchShared(name, true, true);
+}
+
+// ---- values
+
+// Returns the position of the last token that it took: a Field of the routine's own record belongs to its name.
+std::size_t EffectReader::ReadName(TokenSpan tokens, std::size_t at) {
+    const Word& name = tokens.At(at);
+    const bool whole = !IsAccessor(tokens.SignAt(at + 1));
+    const bool member = at > 0 && IsAccessor(tokens.SignAt(at - 1));
+    const OwnName own = member ? OwnName::None : OwnNameOf(name);
+    if (own == OwnName::None) {
+        TouchShared(name, whole, false);
+        return at;
+    }
+    TouchOwn(name, own, false);
+    const bool field = own == OwnName::Element && !whole && tokens.SignAt(at + 3) != '(';
+    return field ? at + 2 : at;
+}
+
+void EffectReader::ReadWord(TokenSpan tokens, std::size_t at) {
+    switch (tokens.KeywordAt(at)) {
+        case Keyword::Create:
+        case Keyword::New:
+            if (!IsElement(tokens[at + 1])) set.Change(instances);
+            return;
+        case Keyword::Insert:
+            return set.Change(instances);
+        case Keyword::First:
+        case Keyword::Last:
+        case Keyword::Before:
+        case Keyword::After:
+        case Keyword::Each:
+        case Keyword::EachIn:
+            return set.Read(instances);
+        case Keyword::GetKey:
+            return set.Change(keyboard);
+        case Keyword::SeqFirst:
+        case Keyword::SeqLast:
+        case Keyword::SeqNext:
+        case Keyword::SeqBefore:
+        case Keyword::SeqRemoveFirst:
+        case Keyword::SeqRemoveLast:
+            if (tokens.SignAt(at + 1) == '(') ReadTarget(tokens.Slice(at + 2, Behind(tokens, at + 1) - 1));
+            return;
+        default:
+            break;
+    }
+    if (Is(tokens[at], "std") && tokens.SignAt(at + 1) == ':') set.anything = true;
+}
+
+void EffectReader::ReadValue(TokenSpan tokens) {
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const Word& token = tokens.At(i);
+        if (token.text.empty() || token.sign != '\0') continue;
+        if (IsLetter(token.text[0])) {
+            ReadWord(tokens, i);
+            i = ReadName(tokens, i);
+        } else if (HasHoles(token)) {
+            for (const StringPiece& piece : PiecesOf(token)) ReadValue(piece.tokens);
+        }
+    }
+}
+
+// ---- statements
+
+void EffectReader::ReadPlace(TokenSpan tokens) {
+    const std::size_t last = LastName(tokens);
+    if (last == tokens.size()) return ReadValue(tokens);
+    ReadValue(tokens.Slice(0, last > 0 ? last - 1 : 0));
+    ReadValue(tokens.From(last + 1));
+}
+
+// Its last name says what is changed, unless all of it is the routine's own.
+void EffectReader::ReadTarget(TokenSpan tokens) {
+    ReadPlace(tokens);
+    const std::size_t last = LastName(tokens);
+    if (last == tokens.size()) return;
+    const Word& name = tokens.At(last);
+    const OwnName own = OwnNameOf(tokens.At(0));
+    if (last == 0) return own == OwnName::None ? TouchShared(name, true, true) : TouchOwn(name, own, true);
+    const bool ownRecord = own == OwnName::Element && last == 2;
+    if (!ownRecord) TouchShared(name, true, true);
+    if (ownRecord) TouchOwn(tokens.At(0), own, true);
+}
+
+void EffectReader::ReadAssignment(TokenSpan tokens) {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < tokens.size();) {
+        const char sign = tokens.SignAt(i);
+        if (IsLoneEquals(tokens, i)) {
+            ReadTarget(tokens.Slice(begin, i));
+            begin = i + 1;
+        }
+        i = sign == '[' || sign == '(' ? Behind(tokens, i) : i + 1;
+    }
+    ReadValue(tokens.From(begin));
+}
+
+// If a Then b | c Else d
+void EffectReader::ReadOneLineIf(TokenSpan tokens) {
+    std::size_t begin = tokens.size();
+    for (std::size_t i = 1; i <= tokens.size(); ++i) {
+        const Keyword word = tokens.KeywordAt(i);
+        const bool ends = i == tokens.size() || word == Keyword::Then || word == Keyword::Else ||
+                          word == Keyword::ElseIf || tokens.SignAt(i) == '|';
+        if (!ends) continue;
+        if (begin < i) ReadStatement(tokens.Slice(begin, i));
+        if (begin == tokens.size()) ReadValue(tokens.Slice(1, i));
+        begin = word == Keyword::ElseIf ? i : i + 1;
+    }
+}
+
+// For [Local] x = ... , For [Each] x In ... , EachSeq x In ...
+void EffectReader::ReadLoop(TokenSpan tokens) {
+    std::size_t at = 1;
+    while (tokens.KeywordAt(at) == Keyword::Local || tokens.KeywordAt(at) == Keyword::Each) ++at;
+    if (at == 1) ReadTarget(tokens.Slice(at, at + 1));
+    ReadValue(tokens.From(1));
+}
+
+// The first arguments of a statement are changed.
+void EffectReader::ReadTargets(TokenSpan tokens, std::size_t count) {
+    TokenSpan rest = tokens.From(1);
+    if (rest.SignAt(0) == '(' && Behind(rest, 0) == rest.size()) rest = rest.Slice(1, rest.size() - 1);
+    for (const TokenSpan argument : SplitList(rest)) {
+        if (count > 0) {
+            ReadTarget(argument);
+            --count;
+        } else {
+            ReadValue(argument);
+        }
+    }
+}
+
+void EffectReader::ReadStatement(TokenSpan tokens) {
+    switch (tokens.KeywordAt(0)) {
+        case Keyword::If:
+        case Keyword::ElseIf:
+            return ReadOneLineIf(tokens);
+        case Keyword::For:
+        case Keyword::EachSeq:
+            return ReadLoop(tokens);
+        case Keyword::While:
+        case Keyword::Until:
+        case Keyword::Select:
+        case Keyword::Case:
+        case Keyword::Return:
+        case Keyword::With:
+            return ReadValue(tokens.From(1));
+        case Keyword::Local:
+        case Keyword::Const:
+        case Keyword::Field:
+        case Keyword::Global:
+            for (const TokenSpan declaration : SplitList(tokens.From(1))) ReadValue(declaration.From(1));
+            return;
+        case Keyword::Print:
+        case Keyword::End:
+            set.Change(screen);
+            return ReadValue(tokens.From(1));
+        case Keyword::Input:
+            set.Change(screen);
+            set.Change(keyboard);
+            return ReadTargets(tokens, tokens.size());
+        case Keyword::Remove:
+            set.Change(instances);
+            return ReadTarget(tokens.From(1));
+        case Keyword::AutoCall:
+        case Keyword::StopCall:
+            return set.Change(timers);
+        case Keyword::SeqSwap:
+            return ReadTargets(tokens, 2);
+        case Keyword::SeqAdd:
+        case Keyword::SeqAddFirst:
+        case Keyword::SeqClear:
+        case Keyword::SeqDelete:
+        case Keyword::SeqDeleteAt:
+        case Keyword::SeqFromArray:
+        case Keyword::SeqInsert:
+        case Keyword::SeqReverse:
+        case Keyword::SeqSet:
+        case Keyword::SeqSort:
+            return ReadTargets(tokens, 1);
+        default:
+            return ReadAssignment(tokens);
+    }
+}
+
+bool HoldsItems(Thing thing) {
+    const std::size_t id = thing - firstNamed;
+    return thing >= firstNamed && id < sharedNames.size() && sharedNames[id].items;
+}
+
+void ResetEffectNames() { sharedNames.clear(); }

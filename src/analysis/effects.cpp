@@ -1,0 +1,181 @@
+#include "analysis/effects.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_set>
+
+#include "analysis/inline_effects.h"
+#include "analysis/reach_graph.h"
+#include "lexer/holes.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// Who may run more routines than this is taken to do anything.
+constexpr std::size_t mostRoutines = 300;
+
+struct Facts {
+    std::vector<EffectSet> own;                      // of the nodes themselves
+    std::vector<std::optional<EffectSet>> closures;  // with all that the nodes may run, as far as asked for
+};
+
+Facts facts;
+
+// What a function of C may do: it knows nothing of the program but what it is handed, unless it is inline C++.
+void AddForeign(const ReachGraph& graph, const std::string& name) {
+    const auto found = graph.routines.find(name);
+    if (found == graph.routines.end()) return;
+    EffectSet& set = OwnEffectsOf(found->second);
+    set.Add(EffectsOfOutsideCode());
+    set.Change(foreignState);
+    if (symbols.userlibRoutines.count(name) != 0) set.Change(userlibs);
+    set.readsPassed = set.changesPassed = true;
+}
+
+void Complete(ReachGraph& graph) {
+    for (const std::string& name : symbols.externFunctions) AddForeign(graph, name);
+    for (const auto& routine : symbols.userlibRoutines) AddForeign(graph, routine.first);
+    const std::size_t count = graph.nodes.size();
+    facts.own.resize(count);
+    facts.closures.resize(count);
+    for (std::size_t i = 0; i < count; ++i)
+        if (graph.nodes[i].holdsInlineCpp) facts.own[i].Add(EffectsOfOutsideCode());
+}
+
+EffectSet Closure(const ReachGraph& graph, int start) {
+    std::vector<int> open = {start};
+    std::unordered_set<int> met = {start};
+    EffectSet set;
+    while (!open.empty()) {
+        const auto node = static_cast<std::size_t>(open.back());
+        open.pop_back();
+        set.Add(facts.own[node]);
+        for (const int callee : graph.nodes[node].callees)
+            if (met.insert(callee).second) open.push_back(callee);
+        if (met.size() > mostRoutines) set.anything = true;
+        if (set.anything) break;
+    }
+    set.Settle();
+    return set;
+}
+
+bool IsMade(TokenSpan tokens, std::size_t at) {
+    const Keyword before = at > 0 ? tokens.KeywordAt(at - 1) : Keyword::None;
+    return before == Keyword::Create || before == Keyword::New;
+}
+
+bool MayRun(TokenSpan tokens, std::size_t at) {
+    return IsMade(tokens, at) || (tokens.SignAt(at + 1) == '(' && tokens.SignAt(at) == '\0');
+}
+
+ReachGraph& CompleteGraph() {
+    ReachGraph& graph = BuiltGraph();
+    if (facts.closures.empty()) Complete(graph);
+    return graph;
+}
+
+const EffectSet& ClosureOf(int node) {
+    const ReachGraph& graph = CompleteGraph();
+    std::optional<EffectSet>& closure = facts.closures[static_cast<std::size_t>(node)];
+    if (!closure) closure = Closure(graph, node);
+    return *closure;
+}
+
+// What the calls and constructions in the tokens do. Every routine that is entered may let timers run.
+void AddCalls(TokenSpan tokens, EffectSet& set) {
+    bool calls = false;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (!MayRun(tokens, i)) continue;
+        ReachGraph& graph = CompleteGraph();
+        const auto meaning = graph.words.find(&tokens.At(i));
+        if (meaning == graph.words.end()) continue;
+        calls = true;
+        const auto construction = graph.construction.find(meaning->second.cls);
+        const bool made = IsMade(tokens, i) && construction != graph.construction.end();
+        if (made) set.Add(ClosureOf(construction->second));
+        if (!made && meaning->second.routine >= 0) set.Add(ClosureOf(meaning->second.routine));
+    }
+    if (calls) set.Add(ClosureOf(CompleteGraph().timers));
+}
+
+}  // namespace
+
+EffectSet& OwnEffectsOf(int node) {
+    const auto i = static_cast<std::size_t>(node);
+    if (i >= facts.own.size()) facts.own.resize(i + 1);
+    return facts.own[i];
+}
+
+void ReadEffects(int node, TokenSpan tokens, const OwnNames& names) {
+    EffectSet& set = OwnEffectsOf(node);
+    if (set.anything) return;
+    EffectReader(set, &names).ReadStatement(tokens);
+    constexpr std::size_t worthSettling = 256;
+    if (set.reads.size() > worthSettling || set.changes.size() > worthSettling) set.Settle();
+}
+
+void ResetEffects() {
+    facts = Facts();
+    ResetEffectNames();
+    ResetInlineEffects();
+}
+
+namespace {
+
+// Whether who is called changes what it was handed.
+bool IsChanged(const EffectSet& set, const Variable& own) {
+    if (set.anything) return true;
+    if (!own.type.IsSingle()) return set.changesPassed;
+    std::vector<Thing> fields;
+    if (own.type.cls != nullptr) AddFields(*own.type.cls, fields);
+    std::sort(fields.begin(), fields.end());
+    return Meet(fields, set.changes);
+}
+
+EffectSet Effects(TokenSpan tokens, void (EffectReader::*read)(TokenSpan)) {
+    EffectSet set;
+    if (!symbols.complete) return set;
+    EffectReader reader(set, nullptr);
+    (reader.*read)(tokens);
+    WithHoles(tokens, [&set](TokenSpan part) { AddCalls(part, set); });
+    set.Settle();
+    for (const Word* name : reader.handedOn)
+        if (IsChanged(set, *FindLocal(name->text))) set.ownChanges.push_back(ThingOf(*name));
+    set.Settle();
+    return set;
+}
+
+}  // namespace
+
+EffectSet EffectsOf(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadValue); }
+EffectSet EffectsOfPlace(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadPlace); }
+
+EffectSet EffectsOfMaking(const ClassInfo& element) {
+    const ReachGraph& graph = CompleteGraph();
+    const auto making = graph.construction.find(&element);
+    return making == graph.construction.end() ? EffectSet() : ClosureOf(making->second);
+}
+
+EffectSet EffectsOfTimers() { return ClosureOf(CompleteGraph().timers); }
+
+bool OrderCanBeSeen(const std::vector<EffectSet>& pieces) {
+    EffectSet before;
+    for (const EffectSet& effects : pieces) {
+        if (Conflict(before, effects)) return true;
+        before.Add(effects);
+        before.Settle();
+    }
+    return false;
+}
+
+bool OrderCanBeSeen(const std::vector<TokenSpan>& pieces) {
+    std::vector<EffectSet> effects;
+    for (const TokenSpan piece : pieces) effects.push_back(EffectsOf(piece));
+    return OrderCanBeSeen(effects);
+}
+
+bool MayChange(TokenSpan changing, TokenSpan reading) {
+    return MayChange(EffectsOf(changing), EffectsOf(reading));
+}
+
+bool MayRepeat(TokenSpan tokens) { return ChangesNothing(EffectsOf(tokens)); }

@@ -1,0 +1,48 @@
+#include "expressions/text_sum.h"
+
+#include "analysis/effects.h"
+#include "prelude/support.h"
+
+void TextSum::Add(Expr operand) {
+    Part part;
+    const bool text = operand.type.Is(Base::String) || !operand.type.IsKnown();
+    part.text = text ? std::move(operand.text) : "std::to_string(" + operand.text + ")";
+    part.literal = operand.literal;
+    part.source = operand.source;
+    part.effects = operand.effects;
+    parts.push_back(std::move(part));
+    if (!watched && operand.effects) {
+        watched = true;
+        for (std::size_t i = 0; i + 1 < parts.size(); ++i) Watch(i);
+    }
+    if (watched) Watch(parts.size() - 1);
+}
+
+// Extends the braces from the first part that cannot trade places with this one to this one.
+void TextSum::Watch(std::size_t at) {
+    Part& part = parts[at];
+    part.does = EffectsOf(part.source);
+    for (std::size_t i = 0; i < at; ++i) {
+        if ((!parts[i].effects && !part.effects) || !Conflict(parts[i].does, part.does)) continue;
+        from = to == 0 || i < from ? i : from;
+        to = at + 1;
+        return;
+    }
+}
+
+Expr TextSum::Close() const {
+    Expr sum;
+    if (to > 0) RequireSupport(Support::TextInOrder);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const bool inside = i >= from && i < to;
+        if (i > 0) sum.text += inside && i > from ? ", " : " + ";
+        if (inside && i == from) sum.text += "__kvText({";
+        // C++ cannot add two literals.
+        const bool bare = i == 0 && parts.size() > 1 && parts[0].literal && parts[1].literal && !inside;
+        sum.text += bare ? "std::string(" + parts[i].text + ")" : parts[i].text;
+        if (inside && i + 1 == to) sum.text += "})";
+    }
+    sum.type = Single(Base::String);
+    sum.level = from == 0 && to == parts.size() ? Level::Primary : Level::Sum;
+    return sum;
+}

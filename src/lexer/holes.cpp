@@ -1,0 +1,88 @@
+#include "lexer/holes.h"
+
+#include <deque>
+#include <string_view>
+
+#include "lexer/lexer.h"
+
+namespace {
+
+constexpr std::string_view tags = "$%!";
+
+std::string Stripped(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return "";
+    return std::string(text.substr(first, text.find_last_not_of(" \t") - first + 1));
+}
+
+// The literal without its quotes; its closing one may be missing.
+std::size_t EndOf(std::string_view token) {
+    return token.size() > 1 && token.back() == '"' ? token.size() - 1 : token.size();
+}
+
+StringPiece Trouble(const char* message) {
+    StringPiece piece;
+    piece.kind = StringPiece::Kind::Trouble;
+    piece.trouble = message;
+    return piece;
+}
+
+// The hole whose brace stands at `open`; the literal ends at `end`.
+StringPiece CutHole(std::string_view token, std::size_t open, std::size_t end) {
+    if (open + 1 == end) return Trouble("Unterminated string interpolation hole '{'");
+    if (tags.find(token[open + 1]) == std::string_view::npos)
+        return Trouble("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}");
+    const std::size_t close = token.find('}', open);
+    if (close >= end) return Trouble("Unterminated string interpolation hole - missing '}'");
+    StringPiece piece;
+    piece.kind = StringPiece::Kind::Hole;
+    piece.from = open;
+    piece.to = close + 1;
+    piece.tag = token[open + 1];
+    piece.content = Stripped(token.substr(open + 2, close - open - 2));
+    piece.tokens = Cut(piece.content);
+    return piece;
+}
+
+std::vector<StringPiece> CutPieces(std::string_view token) {
+    std::vector<StringPiece> pieces;
+    const std::size_t end = EndOf(token);
+    std::size_t start = 1;
+    const auto addText = [&](std::size_t to) {
+        if (to <= start) return;
+        StringPiece piece;
+        piece.from = start;
+        piece.to = to;
+        pieces.push_back(piece);
+    };
+    for (std::size_t i = 1; i < end;) {
+        if (token[i] == '~') {
+            i += 2;
+        } else if (token[i] == '{') {
+            addText(i);
+            pieces.push_back(CutHole(token, i, end));
+            if (pieces.back().kind == StringPiece::Kind::Trouble) return pieces;
+            i = start = pieces.back().to;
+        } else {
+            ++i;
+        }
+    }
+    addText(end);
+    return pieces;
+}
+
+}  // namespace
+
+const std::vector<StringPiece>& PiecesOf(const Word& literal) {
+    static std::deque<std::vector<StringPiece>>& cut = *new std::deque<std::vector<StringPiece>>;
+    if (literal.pieces == nullptr) literal.pieces = &cut.emplace_back(CutPieces(literal.text));
+    return *literal.pieces;
+}
+
+bool HasHoles(const Word& token) {
+    if (token.text.size() < 2 || token.text[0] != '"' || token.text.find('{') == std::string::npos)
+        return false;
+    for (const StringPiece& piece : PiecesOf(token))
+        if (piece.kind != StringPiece::Kind::Text) return true;
+    return false;
+}
