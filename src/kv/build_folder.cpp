@@ -7,6 +7,8 @@
 
 #include "kv/hash.h"
 #include "kv/platform.h"
+#include "kv/private_folder.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -14,39 +16,28 @@ namespace {
 
 const char hiddenFolder[] = ".kvbuild";
 
-bool CanWriteIn(const fs::path& folder) {
-    std::error_code failed;
-    fs::create_directories(folder, failed);
-    return !failed && std::ofstream(folder / "lock", std::ios::app).good();
-}
-
 // The folder that a place has for a program; empty if there is none.
-using Place = fs::path (*)(const fs::path& source, const std::string& variant);
+using Place = std::string (*)(const fs::path& source, const std::string& variant);
 
 // The name of a program's folder where those of all programs lie together.
 std::string OwnName(const fs::path& source) { return source.stem().string() + "-" + HashOf(source.string()); }
 
-fs::path BesideSource(const fs::path& source, const std::string& variant) {
+std::string BesideSource(const fs::path& source, const std::string& variant) {
     const fs::path hidden = source.parent_path() / hiddenFolder;
-    const fs::path folder = hidden / source.filename() / variant;
-    if (!CanWriteIn(folder)) return fs::path();
+    const std::string folder = PrivateFolder(hidden.string(), {source.filename().string(), variant});
+    if (folder.empty()) return "";
     const fs::path ignoreList = hidden / ".gitignore";
     std::error_code failed;
-    if (!fs::exists(ignoreList, failed)) std::ofstream(ignoreList) << "*\n";
+    if (!fs::exists(ignoreList, failed)) WriteOver(ignoreList, "*\n");
     return folder;
 }
 
-fs::path InCache(const fs::path& source, const std::string& variant) {
-    const std::string cache = UserCacheFolder();
-    if (cache.empty()) return fs::path();
-    const fs::path folder = fs::path(cache) / "korvel" / "build" / OwnName(source) / variant;
-    return CanWriteIn(folder) ? folder : fs::path();
+std::string InCache(const fs::path& source, const std::string& variant) {
+    return PrivateFolder(CacheFolder(), {"build", OwnName(source), variant});
 }
 
-fs::path InTemporaryFolder(const fs::path& source, const std::string& variant) {
-    const fs::path temporary = UserTemporaryFolder();
-    const fs::path folder = temporary / OwnName(source) / variant;
-    return MakePrivateFolder(temporary.string()) && CanWriteIn(folder) ? folder : fs::path();
+std::string InTemporaryFolder(const fs::path& source, const std::string& variant) {
+    return PrivateFolder(UserTemporaryFolder(), {OwnName(source), variant});
 }
 
 const Place places[] = {BesideSource, InCache, InTemporaryFolder};
@@ -60,28 +51,21 @@ std::string ProgramName(const std::string& source) {
     return dot == std::string::npos ? name : name.substr(0, dot);
 }
 
-bool PrepareBuildFolder(const std::string& source, const std::string& variant,
-                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem) {
+bool PrepareBuildFolder(const std::string& source, const std::string& variant, BuildFolder& build,
+                        std::string& problem) {
     fs::path folder;
     for (; build.place < placeCount; ++build.place) {
         folder = places[build.place](source, variant);
-        if (!folder.empty()) break;
+        if (folder.empty()) continue;
+        build.cppFolder = PrivateFolder(folder.string(), {"cpp"});
+        if (!build.cppFolder.empty() && !PrivateFolder(folder.string(), {"bin"}).empty()) break;
     }
-    if (folder.empty()) {
+    if (build.place == placeCount) {
         problem = "there is no place or no room to build in, neither beside " + source +
                   " nor in the user's cache or temporary folder";
         return false;
     }
-    const fs::path cpp = keepCppFolder.empty() ? folder / "cpp" : fs::path(keepCppFolder);
-    std::error_code failed;
-    fs::create_directories(folder / "bin", failed);
-    if (!failed) fs::create_directories(cpp, failed);
-    if (failed) {
-        problem = "cannot create the folder " + cpp.string() + ": " + failed.message();
-        return false;
-    }
     build.folder = folder.string();
-    build.cppFolder = cpp.string();
     build.program = (folder / "bin" / (ProgramName(source) + executableSuffix)).string();
     build.object = (folder / "program.o").string();
     build.stamp = (folder / "stamp").string();
@@ -101,13 +85,24 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
 bool BeginBuild(BuildFolder& build) {
     build.token = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
     const std::size_t room = 1 << 20;  // what a small program takes
+    std::error_code ignored;
+    fs::remove(build.started, ignored);
     if (!(std::ofstream(build.started, std::ios::binary) << std::string(room, ' ') << std::flush)) {
-        std::error_code ignored;
         fs::remove(build.started, ignored);
-        ++build.place;
+        if (fs::exists(build.folder, ignored)) ++build.place;
         return false;
     }
     std::ofstream(build.started, std::ios::binary) << build.token;
+    return true;
+}
+
+bool GiveUpPlace(BuildFolder& build) {
+    const std::uintmax_t plenty = 32 << 20;
+    std::error_code failed;
+    const fs::space_info space = fs::space(build.folder, failed);
+    if (failed || space.available > plenty || build.place + 1 == placeCount) return false;
+    ++build.place;
+    fs::remove(build.started, failed);
     return true;
 }
 

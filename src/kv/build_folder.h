@@ -1,14 +1,14 @@
 // Where kv keeps what it makes: the generated C++, the program, and what it needs to know for the next time.
 //
 //   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
-//       cpp/                         what kvt generates (unless --keep-cpp names another folder)
+//       cpp/                         what kvt generates
 //       bin/game                     the program, with the shared libraries that it loads
 //       program.o                    the compiled C++
 //       stamp, compiled, linked      all that the program, program.o and bin/game were made from (kv/stamp.h)
 //       kvt-output.txt ...           what the tools said
 //
-// .kvbuild lies beside the source; where nothing can be written there, in the user's cache folder, and without one
-// in a private folder for temporary files. It can be removed at any time.
+// .kvbuild lies beside the source; where nothing can be written there, or it is not the user's own, all this goes to the
+// user's cache folder, and without one to a private folder for temporary files. It can be removed at any time.
 #pragma once
 
 #include <string>
@@ -34,12 +34,16 @@ struct BuildFolder {
 };
 
 // Creates the folders for the source (a full path) and `variant`, in the first possible place from build.place on.
-// `keepCppFolder` is a full path or empty. Returns false and sets `problem` when there is no place to write.
-bool PrepareBuildFolder(const std::string& source, const std::string& variant,
-                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
+// Returns false and sets `problem` when there is no place to write.
+bool PrepareBuildFolder(const std::string& source, const std::string& variant, BuildFolder& build,
+                        std::string& problem);
 
 // Begins a build in the folder. Returns false when there is no room for one; the next place may have it.
 bool BeginBuild(BuildFolder& build);
+
+// For a build that has failed: when that may be for lack of room, the next place is to be tried, and the build counts
+// as disturbed. Returns whether it is so.
+bool GiveUpPlace(BuildFolder& build);
 
 // Whether the build that was begun cannot go on: there is no room, or somebody has removed the folder since.
 bool IsDisturbed(const BuildFolder& build);

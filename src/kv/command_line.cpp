@@ -84,6 +84,8 @@ bool Consistent(const Options& options, const std::string& commandWord, std::str
         problem = "which program? Name its main file: kv " + commandWord + " game.kvl";
     } else if (!options.outputFile.empty() && options.command != Command::build) {
         problem = "-o belongs to kv build";
+    } else if (!options.keepCppFolder.empty() && options.command == Command::check) {
+        problem = "kv check makes nothing; --keep-cpp belongs to kv run and kv build";
     } else if (!options.arguments.empty() && options.command != Command::run) {
         problem = "arguments after \"--\" belong to kv run";
     }

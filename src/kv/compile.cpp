@@ -6,7 +6,6 @@
 
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
-#include "kv/copy_file.h"
 #include "kv/diagnostics.h"
 #include "kv/inputs.h"
 #include "kv/platform.h"
@@ -15,6 +14,7 @@
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
 #include "kv/translate.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -70,10 +70,11 @@ bool RunCompiler(const Job& job, const std::vector<std::string>& command, const 
 CompileJob CompileJobOf(const Job& job) {
     CompileJob compile;
     compile.mainCpp = job.mainCpp;
+    // What was made before stays until the new results are complete.
     compile.object = job.build.object;
-    compile.program =
-        job.build.program + ".new" + executableSuffix;  // the old one stays until this is complete
-    compile.dependencies = job.build.dependencies;
+    compile.newObject = job.build.object + ".new";
+    compile.newProgram = job.build.program + ".new" + executableSuffix;
+    compile.newDependencies = job.build.dependencies + ".new";
     compile.includeFolder = (fs::path(job.installation) / "include").string();
     compile.sourceFolder = job.sourceFolder;
     compile.optimisation = job.options.optimisation;
@@ -92,31 +93,57 @@ void ChoosePrelude(Job& job) {
     prelude.optimisation = job.options.optimisation;
     prelude.debug = job.options.debug;
     prelude.verbose = job.options.verbose;
-    job.prelude = PreludePath(prelude);
-    if (!job.prelude.empty() && !PreparePrelude(prelude, job.prelude)) job.prelude.clear();
+    job.prelude = PreparePrelude(prelude);
 }
 
 using CommandBuilder = std::vector<std::string> (*)(const std::vector<std::string>& compiler,
                                                     const CompileJob& job);
 
-// Compiles with the precompiled header, and without it when that fails for a reason that cannot be seen in the program:
-// the header may have been removed or spoilt meanwhile.
-bool CompileOn(Job& job, CompileJob& compile, CommandBuilder commandOf) {
+void ShowFailureUnlessDisturbed(Job& job, const std::string& output) {
+    if (!IsDisturbed(job.build) && !GiveUpPlace(job.build)) ShowFailure(job, output);
+}
+
+// Begins a compilation: what an earlier one has left does not count any more.
+bool RunCompilation(const Job& job, const CompileJob& compile, CommandBuilder commandOf,
+                    std::string& output) {
+    std::error_code ignored;
+    for (const std::string& file :
+         {job.build.dependencies, compile.newDependencies, compile.newObject, compile.newProgram}) {
+        fs::remove(file, ignored);
+    }
     const std::string work = "Compiling " + fs::path(job.mainCpp).filename().string();
+    return RunCompiler(job, commandOf(job.compiler, compile), work, output);
+}
+
+// Compiles with the precompiled header. When that fails, for whatever reason, the header is put to the test: if all
+// goes well without it, it is made anew the next time.
+bool CompileOn(Job& job, CompileJob& compile, CommandBuilder commandOf) {
     std::string output;
     ChoosePrelude(job);
     compile.prelude = job.prelude;
-    if (RunCompiler(job, commandOf(job.compiler, compile), work, output)) return true;
-    if (!job.prelude.empty() && Mistakes(job, output).empty() && !IsDisturbed(job.build)) {
+    bool done = RunCompilation(job, compile, commandOf, output);
+    if (!done && !job.prelude.empty() && !IsDisturbed(job.build)) {
         compile.prelude.clear();
-        if (RunCompiler(job, commandOf(job.compiler, compile), work, output)) {
-            DropPrelude(job.prelude);
-            job.prelude.clear();
-            return true;
-        }
+        done = RunCompilation(job, compile, commandOf, output);
+        if (done) DropPrelude(job.prelude);
+        job.prelude.clear();
     }
-    if (!IsDisturbed(job.build)) ShowFailure(job, output);
-    return false;
+    if (!done) ShowFailureUnlessDisturbed(job, output);
+    return done;
+}
+
+// Puts a complete result into its place.
+bool Finish(const Job& job, const std::string& newFile, const std::string& file) {
+    std::error_code failed;
+    fs::rename(newFile, file, failed);
+    if (failed && !IsDisturbed(job.build)) ShowProblem("cannot write " + file + ": " + failed.message());
+    return !failed;
+}
+
+// Puts the record of what was read into its place; a compiler may not have written one.
+void FinishRecord(const Job& job, const CompileJob& compile) {
+    std::error_code ignored;
+    fs::rename(compile.newDependencies, job.build.dependencies, ignored);
 }
 
 // Compiles the generated C++ unless this very text was compiled the last time.
@@ -129,7 +156,10 @@ bool MakeObject(Job& job, CompileJob& compile) {
     std::error_code ignored;
     fs::remove(job.build.objectStamp, ignored);
     if (!CompileOn(job, compile, CompileCommand)) return false;
-    const FilesRead read = FilesReadByCompiler(job);
+    if (!Finish(job, compile.newObject, job.build.object)) return false;
+    FinishRecord(job, compile);
+    FilesRead read;
+    if (!FilesReadByCompiler(job, read)) return true;
     StampFiles files;
     files.sources = ToolFiles(job);
     files.sources.insert(files.sources.end(), read.headers.begin(), read.headers.end());
@@ -146,29 +176,23 @@ std::vector<std::string> QuickLinking(const Job& job) {
     return job.options.optimisation == "-O0" ? QuickLinkerFlags() : std::vector<std::string>();
 }
 
-bool Link(Job& job, CompileJob& compile) {
-    const std::string work = "Linking " + ProgramName(job.source);
-    std::string output;
+bool RunLinker(const Job& job, const CompileJob& compile, std::string& output) {
     std::error_code ignored;
     fs::remove(job.build.linkDependencies, ignored);
-    compile.quickLinking = QuickLinking(job);
-    if (RunCompiler(job, LinkCommand(job.compiler, compile), work, output)) return true;
-    if (!compile.quickLinking.empty()) {
-        fs::remove(job.build.linkDependencies, ignored);
-        compile.quickLinking.clear();
-        if (RunCompiler(job, LinkCommand(job.compiler, compile), work, output)) return true;
-    }
-    if (!IsDisturbed(job.build)) ShowFailure(job, output);
-    return false;
+    fs::remove(compile.newProgram, ignored);
+    return RunCompiler(job, LinkCommand(job.compiler, compile), "Linking " + ProgramName(job.source), output);
 }
 
-// Puts the complete program into its place.
-bool Finish(const Job& job, const CompileJob& compile) {
-    std::error_code failed;
-    fs::rename(compile.program, job.build.program, failed);
-    if (failed && !IsDisturbed(job.build))
-        ShowProblem("cannot write " + job.build.program + ": " + failed.message());
-    return !failed;
+bool Link(Job& job, CompileJob& compile) {
+    std::string output;
+    compile.quickLinking = QuickLinking(job);
+    if (RunLinker(job, compile, output)) return true;
+    if (!compile.quickLinking.empty()) {
+        compile.quickLinking.clear();
+        if (RunLinker(job, compile, output)) return true;
+    }
+    ShowFailureUnlessDisturbed(job, output);
+    return false;
 }
 
 // Links unless the program was linked from this very object before.
@@ -177,7 +201,7 @@ bool MakeProgram(Job& job, CompileJob& compile) {
     if (StampHolds(job.build.linkStamp, command)) return true;
     std::error_code ignored;
     fs::remove(job.build.linkStamp, ignored);
-    if (!Link(job, compile) || !Finish(job, compile)) return false;
+    if (!Link(job, compile) || !Finish(job, compile.newProgram, job.build.program)) return false;
     StampFiles files;
     files.sources = FilesReadByLinker(job);
     if (files.sources.empty() && !job.linkerFlags.empty()) return true;
@@ -225,7 +249,9 @@ bool Compile(Job& job) {
         std::error_code ignored;
         fs::remove(job.build.linkDependencies, ignored);
         fs::remove(job.build.linkStamp, ignored);
-        if (!CompileOn(job, compile, WholeCommand) || !Finish(job, compile)) return false;
+        if (!CompileOn(job, compile, WholeCommand)) return false;
+        if (!Finish(job, compile.newProgram, job.build.program)) return false;
+        FinishRecord(job, compile);
     }
     return CopyLibraries(job);
 }

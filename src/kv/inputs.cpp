@@ -1,5 +1,6 @@
 #include "kv/inputs.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "kv/precompiled.h"
@@ -20,6 +21,10 @@ bool IsBelow(const std::string& path, const std::string& folder) {
            (path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
+bool Contains(const std::vector<std::string>& paths, const std::string& path) {
+    return std::find(paths.begin(), paths.end(), path) != paths.end();
+}
+
 }  // namespace
 
 std::vector<std::string> ToolFiles(const Job& job) {
@@ -36,24 +41,26 @@ std::vector<std::string> ToolFiles(const Job& job) {
     return files;
 }
 
-FilesRead FilesReadByCompiler(const Job& job) {
-    FilesRead files;
+bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     const std::string preludes = PreludesFolder();
     for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
         const std::string path = FullPath(job, file);
         if (!preludes.empty() && IsBelow(path, preludes)) continue;
         (IsBelow(path, job.build.cppFolder) ? files.generated : files.headers).push_back(path);
     }
-    return files;
+    return Contains(files.generated, job.mainCpp);
 }
 
 std::vector<std::string> FilesReadByLinker(const Job& job) {
-    std::vector<std::string> files;
+    std::vector<std::string> paths;
     for (const std::string& file : FilesOfLinker(ReadWhole(job.build.linkDependencies))) {
-        const std::string path = FullPath(job, file);
+        paths.push_back(FullPath(job, file));
+    }
+    if (!Contains(paths, job.build.object)) return {};
+    std::vector<std::string> files;
+    for (const std::string& path : paths) {
         if (!IsBelow(path, job.build.folder)) files.push_back(path);
     }
-    if (files.empty()) return files;
     for (const std::string& flag : job.linkerFlags) {
         if (flag.compare(0, 2, "-L") == 0) files.push_back(FullPath(job, flag.substr(2)));
     }

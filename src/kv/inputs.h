@@ -14,7 +14,9 @@ struct FilesRead {
     std::vector<std::string> generated;
     std::vector<std::string> headers;
 };
-FilesRead FilesReadByCompiler(const Job& job);
+// Returns false when its record cannot be that of the last compilation: it does not name the main file.
+bool FilesReadByCompiler(const Job& job, FilesRead& files);
 
-// What the linker read, and the folders where it looked for the user's libraries; empty if it kept no record.
+// What the linker read, and the folders where it looked for the user's libraries; empty if it kept no record, or one
+// that does not name the compiled program.
 std::vector<std::string> FilesReadByLinker(const Job& job);

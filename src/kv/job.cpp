@@ -73,12 +73,8 @@ bool PrepareJob(const Options& options, Job& job) {
 }
 
 bool PrepareFolder(Job& job) {
-    std::string keepCpp;
-    if (!job.options.keepCppFolder.empty()) {
-        keepCpp = (fs::path(job.typedFolder) / job.options.keepCppFolder).lexically_normal().string();
-    }
     std::string problem;
-    if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
+    if (!PrepareBuildFolder(job.source, Variant(job.options), job.build, problem)) {
         ShowProblem(problem);
         return false;
     }

@@ -5,12 +5,12 @@
 
 #include "kv/command_quoting.h"
 #include "kv/compile.h"
-#include "kv/copy_file.h"
 #include "kv/diagnostics.h"
 #include "kv/inputs.h"
 #include "kv/platform.h"
 #include "kv/stamp.h"
 #include "kv/translate.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -20,11 +20,12 @@ namespace {
 // says which files its flags reach; so is a program with warnings, which shows them again.
 void Remember(const Job& job, const std::string& commands) {
     StampFiles files;
+    FilesRead read;
     files.sources = SourcesOf(DependencyRecord(job));
     const std::vector<std::string> libraries = FilesReadByLinker(job);
     if (job.hadWarnings || files.sources.empty() || (!job.linkerFlags.empty() && libraries.empty())) return;
-    for (const std::vector<std::string>& more :
-         {FilesReadByCompiler(job).headers, libraries, ToolFiles(job)}) {
+    if (!FilesReadByCompiler(job, read)) return;
+    for (const std::vector<std::string>& more : {read.headers, libraries, ToolFiles(job)}) {
         files.sources.insert(files.sources.end(), more.begin(), more.end());
     }
     files.products = {job.build.program, job.mainCpp};
@@ -34,15 +35,39 @@ void Remember(const Job& job, const std::string& commands) {
     WriteStamp(job.build.stamp, job.build.started, commands, files);
 }
 
+// A file that has not changed keeps its time.
+bool KeepFile(const fs::path& file, const fs::path& target) {
+    std::error_code failed;
+    fs::create_directories(target.parent_path(), failed);
+    if (!failed && ReadWhole(target.string()) == ReadWhole(file.string())) return true;
+    if (!failed) return CopyOver(file, target);
+    ShowProblem("cannot create the folder " + target.parent_path().string() + ": " + failed.message());
+    return false;
+}
+
+// Copies what kvt has generated to the folder where the user wants to see it; its own notes have a dot in front.
+// Returns false after telling the user what went wrong.
+bool KeepCpp(const Job& job) {
+    if (job.options.keepCppFolder.empty()) return true;
+    const fs::path shown = fs::path(job.typedFolder) / job.options.keepCppFolder;
+    std::error_code failed;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(job.build.cppFolder, failed)) {
+        if (!entry.is_regular_file(failed) || entry.path().filename().string()[0] == '.') continue;
+        if (!KeepFile(entry.path(), shown / entry.path().lexically_relative(job.build.cppFolder)))
+            return false;
+    }
+    return true;
+}
+
 bool MakeInFolder(Job& job) {
     const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " + CompilationOf(job);
     if (StampHolds(job.build.stamp, commands)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");
-        return true;
+        return KeepCpp(job);
     }
     std::error_code ignored;
     fs::remove(job.build.stamp, ignored);
-    if (!BeginBuild(job.build) || !Translate(job) || !Compile(job)) return false;
+    if (!BeginBuild(job.build) || !Translate(job) || !KeepCpp(job) || !Compile(job)) return false;
     Remember(job, commands);
     return true;
 }

@@ -14,8 +14,8 @@ struct ProcessRequest {
 };
 
 // Runs a program to its end and returns its exit status, 128 + n when signal n ended it. While a program with kv's
-// own streams runs, Ctrl-C is its business alone; a tool whose streams are caught ends together with kv. Returns -1
-// and sets `problem` when it could not be started.
+// own streams runs, Ctrl-C is its business alone; a tool whose streams are caught ends together with kv, and so do all
+// programs that it has started. Returns -1 and sets `problem` when it could not be started.
 int RunProcess(const ProcessRequest& request, std::string& problem);
 
 // The full path of the running executable, links resolved; empty if it cannot be had.
@@ -47,15 +47,23 @@ bool IsExecutable(const std::string& path);
 // The folder in which a user's programs keep what can be made again; empty if there is none.
 std::string UserCacheFolder();
 
-// Makes a folder that nobody else can write to. False when it cannot be had, or belongs to somebody else.
+// Makes a folder (its parent is there) that belongs to the user and is closed to everybody else. False when it cannot
+// be had, is a link, or is there already and others can write to it.
 bool MakePrivateFolder(const std::string& folder);
+
+// Whether files can be made in the folder.
+bool CanWriteIn(const std::string& folder);
+
+// Copies a file, with the right to execute it, to a name that must be a new one. Returns false and sets `problem` when
+// that fails.
+bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem);
 
 // The folder for temporary files, with a name of this user's own below it.
 std::string UserTemporaryFolder();
 
-// Holds a file locked against other processes from construction to destruction; waits for them first. A lock that
-// cannot be had does no harm: two builds at once may then redo each other's work. `whileWaiting` is called a few times
-// a second while another process has it.
+// Holds a file locked against other processes from construction to destruction; waits for them first. Programs that
+// are started meanwhile hold it, too, in case kv is killed. `whileWaiting` is called a few times a second while another
+// process has it.
 class FileLock {
 public:
     FileLock(const std::string& path, const std::function<void()>& whileWaiting);
@@ -63,8 +71,12 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
+    // False where the file cannot be had or the file system has no locks.
+    bool IsHeld() const { return isHeld_; }
+
 private:
     long long handle_;
+    bool isHeld_;
 };
 
 // How the system names and finds programs.

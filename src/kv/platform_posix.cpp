@@ -2,12 +2,9 @@
 
 #include <fcntl.h>
 #include <limits.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/time.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -22,179 +19,73 @@
 #endif
 
 #include "kv/platform.h"
+#include "kv/ticks_posix.h"
 
 const char* const executableSuffix = "";
 const char searchPathSeparator = ':';
 
 namespace {
 
-// The program that signals to kv are passed on to.
-volatile sig_atomic_t childProcess = 0;
-
-void PassOn(int number) {
-    if (childProcess > 0) kill(static_cast<pid_t>(childProcess), number);
-}
-
 // Whether a line of progress stands on the terminal.
 volatile sig_atomic_t lineShown = 0;
 const char eraseLine[] = "\r\033[K";
 
-// For kv at work: nothing of the work is left behind, and the signal ends kv as it would have done.
-void EndWork(int number) {
-    if (lineShown != 0 && write(STDERR_FILENO, eraseLine, sizeof eraseLine - 1) > 0) lineShown = 0;
-    PassOn(number);
-    struct sigaction usual;
-    std::memset(&usual, 0, sizeof usual);
-    usual.sa_handler = SIG_DFL;
-    sigaction(number, &usual, nullptr);
-    raise(number);
-}
+// An open file, closed at the end. A number below 0 is none.
+struct Handle {
+    explicit Handle(int opened) : number(opened) {}
+    ~Handle() { Close(); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
 
-// While the user's program runs: Ctrl-C reaches it from the terminal itself, what is sent to kv is passed on. While
-// a tool runs: what ends kv ends the tool. Signals that whoever started kv wanted ignored stay so.
-class SignalsForChild {
-public:
-    explicit SignalsForChild(bool isTool) {
-        for (int i = 0; i < count; ++i) {
-            struct sigaction action;
-            std::memset(&action, 0, sizeof action);
-            action.sa_handler = isTool ? EndWork : i < ignored ? SIG_IGN : PassOn;
-            action.sa_flags = SA_RESTART;
-            sigaction(numbers[i], &action, &before_[i]);
-            if (isTool && before_[i].sa_handler == SIG_IGN) sigaction(numbers[i], &before_[i], nullptr);
-        }
-    }
-    ~SignalsForChild() { Restore(); }
-    SignalsForChild(const SignalsForChild&) = delete;
-    SignalsForChild& operator=(const SignalsForChild&) = delete;
-
-    void Restore() const {
-        for (int i = 0; i < count; ++i) sigaction(numbers[i], &before_[i], nullptr);
+    // Some file systems say only now that there was no room.
+    bool Close() {
+        const bool good = number < 0 || close(number) == 0;
+        number = -1;
+        return good;
     }
 
-private:
-    static constexpr int count = 4;
-    static constexpr int ignored = 2;
-    static constexpr int numbers[count] = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
-    struct sigaction before_[count];
+    int number;
 };
 
-// A program that was killed leaves the terminal as it was at that moment.
-class TerminalModes {
-public:
-    TerminalModes() : known_(tcgetattr(STDIN_FILENO, &modes_) == 0) {}
-    void Restore() const {
-        if (known_ && tcgetpgrp(STDIN_FILENO) == getpgrp()) tcsetattr(STDIN_FILENO, TCSADRAIN, &modes_);
+bool WriteAll(int file, const char* text, ssize_t size) {
+    while (size > 0) {
+        const ssize_t written = write(file, text, static_cast<std::size_t>(size));
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        text += written;
+        size -= written;
     }
-
-private:
-    struct termios modes_;
-    bool known_;
-};
-
-// As long as it lives, calls that wait are interrupted ten times a second.
-class Ticks {
-public:
-    explicit Ticks(bool wanted) : wanted_(wanted) {
-        if (!wanted_) return;
-        struct sigaction action;
-        std::memset(&action, 0, sizeof action);
-        action.sa_handler = [](int) {};
-        sigaction(SIGALRM, &action, &before_);
-        Every(100000);
-    }
-    ~Ticks() {
-        if (!wanted_) return;
-        Every(0);
-        sigaction(SIGALRM, &before_, nullptr);
-    }
-    Ticks(const Ticks&) = delete;
-    Ticks& operator=(const Ticks&) = delete;
-
-private:
-    static void Every(int microseconds) {
-        struct itimerval timer = {};
-        timer.it_interval.tv_usec = timer.it_value.tv_usec = microseconds;
-        setitimer(ITIMER_REAL, &timer, nullptr);
-    }
-
-    bool wanted_;
-    struct sigaction before_;
-};
-
-// Where the file cannot be had, what is written there is lost: it is meant for nobody's eyes as it is.
-void OpenAs(int descriptor, const std::string& path, int flags) {
-    int file = open(path.c_str(), flags, 0666);
-    if (file < 0) file = open("/dev/null", O_RDWR);
-    if (file < 0) return;
-    dup2(file, descriptor);
-    if (file != descriptor) close(file);
+    return true;
 }
 
-// In the child: becomes the program. What goes wrong is written to `report` as an error number.
-[[noreturn]] void Become(const ProcessRequest& request, const std::vector<char*>& arguments, int report) {
-    if (!request.outputFile.empty()) {
-        OpenAs(STDIN_FILENO, "/dev/null", O_RDONLY);
-        OpenAs(STDOUT_FILENO, request.outputFile, O_WRONLY | O_CREAT | O_TRUNC);
-        OpenAs(STDERR_FILENO, request.errorFile, O_WRONLY | O_CREAT | O_TRUNC);
+bool CopyContents(int from, int to) {
+    char buffer[65536];
+    ssize_t size = 0;
+    while ((size = read(from, buffer, sizeof buffer)) != 0) {
+        if (size < 0 && errno == EINTR) continue;
+        if (size < 0 || !WriteAll(to, buffer, size)) return false;
     }
-    if (request.workingFolder.empty() || chdir(request.workingFolder.c_str()) == 0) {
-        execv(arguments[0], arguments.data());
-    }
-    const int reason = errno;
-    const ssize_t written = write(report, &reason, sizeof reason);
-    _exit(written == sizeof reason ? 127 : 126);
+    return true;
 }
 
-int WaitFor(pid_t child, const std::function<void()>& whileWaiting) {
+// Waits for the lock of a file. False where the file system has no locks.
+bool Acquire(int file, const std::function<void()>& whileWaiting) {
+    if (flock(file, LOCK_EX | LOCK_NB) == 0) return true;
     const Ticks ticks(static_cast<bool>(whileWaiting));
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) return 1;
+    while (flock(file, LOCK_EX) != 0) {
+        if (errno != EINTR) return false;
         if (whileWaiting) whileWaiting();
     }
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return true;
+}
+
+bool IsFileAt(int file, const std::string& path) {
+    struct stat opened, found;
+    return fstat(file, &opened) == 0 && lstat(path.c_str(), &found) == 0 && opened.st_dev == found.st_dev &&
+           opened.st_ino == found.st_ino;
 }
 
 }  // namespace
-
-int RunProcess(const ProcessRequest& request, std::string& problem) {
-    std::vector<char*> arguments;
-    for (const std::string& argument : request.arguments)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-
-    int report[2];
-    if (pipe(report) != 0) {
-        problem = std::strerror(errno);
-        return -1;
-    }
-    fcntl(report[0], F_SETFD, FD_CLOEXEC);
-    fcntl(report[1], F_SETFD, FD_CLOEXEC);
-    const TerminalModes modes;
-    const bool isForeground = request.outputFile.empty();
-    const SignalsForChild signals(!isForeground);
-    const pid_t child = fork();
-    if (child == 0) {
-        signals.Restore();
-        Become(request, arguments, report[1]);
-    }
-    int reason = child < 0 ? errno : 0;
-    close(report[1]);
-    int status = -1;
-    if (child > 0) {
-        childProcess = child;
-        while (read(report[0], &reason, sizeof reason) < 0 && errno == EINTR) {
-        }
-        status = WaitFor(child, request.whileWaiting);
-        childProcess = 0;
-        if (isForeground && status > 128) modes.Restore();
-    }
-    close(report[0]);
-    if (reason == 0) return status;
-    problem = std::strerror(reason);
-    return -1;
-}
 
 std::string OwnExecutable() {
 #ifdef __APPLE__
@@ -263,10 +154,28 @@ std::string UserCacheFolder() {
 }
 
 bool MakePrivateFolder(const std::string& folder) {
-    mkdir(folder.c_str(), 0700);
+    mkdir(folder.c_str(), S_IRWXU);
+    const Handle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat information;
-    return lstat(folder.c_str(), &information) == 0 && S_ISDIR(information.st_mode) &&
-           information.st_uid == geteuid() && (information.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+    if (fstat(handle.number, &information) != 0 || information.st_uid != geteuid()) return false;
+    // What others could write may be theirs by now; what they could only read is closed to them.
+    if ((information.st_mode & (S_IWGRP | S_IWOTH)) != 0) return false;
+    if ((information.st_mode & (S_IRWXG | S_IRWXO)) == 0) return true;
+    return fchmod(handle.number, S_IRWXU) == 0 && fstat(handle.number, &information) == 0 &&
+           (information.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
+
+bool CanWriteIn(const std::string& folder) { return access(folder.c_str(), W_OK | X_OK) == 0; }
+
+bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem) {
+    const Handle source(open(from.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat information;
+    bool good = fstat(source.number, &information) == 0;
+    Handle target(good ? open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, information.st_mode & 0777)
+                       : -1);
+    good = target.number >= 0 && CopyContents(source.number, target.number) && target.Close();
+    if (!good) problem = std::strerror(errno);
+    return good;
 }
 
 std::string UserTemporaryFolder() {
@@ -276,16 +185,24 @@ std::string UserTemporaryFolder() {
 }
 
 FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting)
-    : handle_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-    if (handle_ < 0 || flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0) return;
-    const Ticks ticks(static_cast<bool>(whileWaiting));
-    while (flock(static_cast<int>(handle_), LOCK_EX) != 0 && errno == EINTR) {
-        if (whileWaiting) whileWaiting();
+    : handle_(-1), isHeld_(false) {
+    while (handle_ < 0) {
+        // Without O_CLOEXEC, so that children inherit the handle and with it the lock.
+        const int file = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+        if (file < 0) return;
+        handle_ = file;
+        isHeld_ = Acquire(file, whileWaiting);
+        if (!isHeld_ || IsFileAt(file, path)) return;
+        close(file);  // the file was removed while another process had it, and may be there anew
+        handle_ = -1;
+        isHeld_ = false;
     }
 }
 
 FileLock::~FileLock() {
-    if (handle_ >= 0) close(static_cast<int>(handle_));
+    if (handle_ < 0) return;
+    flock(static_cast<int>(handle_), LOCK_UN);  // for those, too, that kv's children have left behind
+    close(static_cast<int>(handle_));
 }
 
 #endif

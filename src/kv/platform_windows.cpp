@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+// After windows.h.
+#include <aclapi.h>
+#include <sddl.h>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -23,6 +27,65 @@ HANDLE OpenForChild(const std::string& path, DWORD access, DWORD disposition) {
 
 void CloseIfOpen(HANDLE handle) {
     if (handle != nullptr && handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+}
+
+// A tool and all the programs that it starts: they end when kv ends, however that comes about.
+class ToolGroup {
+public:
+    explicit ToolGroup(bool wanted) : job_(wanted ? CreateJobObjectA(nullptr, nullptr) : nullptr) {
+        EndWithKv(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
+    }
+    ~ToolGroup() {
+        EndWithKv(0);  // what a tool that has done its work has left behind may stay
+        CloseIfOpen(job_);
+    }
+    ToolGroup(const ToolGroup&) = delete;
+    ToolGroup& operator=(const ToolGroup&) = delete;
+
+    void Add(HANDLE process) const {
+        if (job_ != nullptr) AssignProcessToJobObject(job_, process);
+    }
+    void End() const {
+        if (job_ != nullptr) TerminateJobObject(job_, 1);
+    }
+
+private:
+    void EndWithKv(DWORD flags) const {
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+        limits.BasicLimitInformation.LimitFlags = flags;
+        if (job_ != nullptr)
+            SetInformationJobObject(job_, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    }
+
+    HANDLE job_;
+};
+
+// The user under whose name kv runs, as the system writes it into files; empty if it cannot be had.
+std::string UserNumber() {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return "";
+    DWORD size = 0;
+    GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+    std::string user(size, '\0');
+    const BOOL known = GetTokenInformation(token, TokenUser, &user[0], size, &size);
+    CloseHandle(token);
+    return known ? user : "";
+}
+
+// Folders that administrators make belong to all administrators together.
+bool IsOwnedByUser(const std::string& folder) {
+    std::string user = UserNumber();
+    std::string path = folder;
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (user.empty() || GetNamedSecurityInfoA(&path[0], SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
+                                              nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS) {
+        return false;
+    }
+    const bool isOwn = EqualSid(owner, reinterpret_cast<TOKEN_USER*>(&user[0])->User.Sid) != 0 ||
+                       IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0;
+    LocalFree(descriptor);
+    return isOwn;
 }
 
 BOOL WINAPI IgnoreCtrlC(DWORD) { return TRUE; }
@@ -59,16 +122,20 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
     const char* folder = request.workingFolder.empty() ? nullptr : request.workingFolder.c_str();
     PROCESS_INFORMATION process = {};
     if (!captured) SetConsoleCtrlHandler(IgnoreCtrlC, TRUE);
-    const BOOL started = CreateProcessA(request.arguments[0].c_str(), &line[0], nullptr, nullptr, TRUE, 0,
-                                        nullptr, folder, &startup, &process);
+    const ToolGroup group(captured);
+    const BOOL started = CreateProcessA(request.arguments[0].c_str(), &line[0], nullptr, nullptr, TRUE,
+                                        CREATE_SUSPENDED, nullptr, folder, &startup, &process);
     int status = -1;
     if (started) {
+        group.Add(process.hProcess);
+        ResumeThread(process.hThread);
         while (WaitForSingleObject(process.hProcess, tickMilliseconds) == WAIT_TIMEOUT) {
             if (request.whileWaiting) request.whileWaiting();
         }
         DWORD code = 1;
         GetExitCodeProcess(process.hProcess, &code);
         status = static_cast<int>(code & 0x7FFFFFFF);
+        if (status != 0) group.End();
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
     } else {
@@ -137,9 +204,30 @@ std::string UserCacheFolder() {
 }
 
 bool MakePrivateFolder(const std::string& folder) {
-    std::error_code failed;
-    std::filesystem::create_directories(folder, failed);
-    return std::filesystem::is_directory(folder, failed);
+    // To the owner all is allowed, to others nothing; what is made in the folder inherits that.
+    SECURITY_ATTRIBUTES attributes = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
+    ConvertStringSecurityDescriptorToSecurityDescriptorA("D:P(A;OICI;FA;;;OW)", SDDL_REVISION_1,
+                                                         &attributes.lpSecurityDescriptor, nullptr);
+    CreateDirectoryA(folder.c_str(), &attributes);
+    LocalFree(attributes.lpSecurityDescriptor);
+    const DWORD kind = GetFileAttributesA(folder.c_str());
+    const bool isFolder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+                          (kind & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+    return isFolder && IsOwnedByUser(folder);
+}
+
+bool CanWriteIn(const std::string& folder) {
+    const std::string file = folder + "\\lock";
+    const HANDLE handle = CreateFileA(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    CloseIfOpen(handle);
+    return handle != INVALID_HANDLE_VALUE;
+}
+
+bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem) {
+    if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
+    problem = LastProblem();
+    return false;
 }
 
 std::string UserTemporaryFolder() {
@@ -147,18 +235,22 @@ std::string UserTemporaryFolder() {
     return (std::filesystem::temp_directory_path(failed) / "korvel").string();
 }
 
-FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting) : handle_(-1) {
+// No child needs to hold the lock, as none outlives kv.
+FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting)
+    : handle_(-1), isHeld_(false) {
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return;
+    handle_ = reinterpret_cast<long long>(file);
     OVERLAPPED place = {};
     const DWORD exclusive = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-    while (!LockFileEx(file, exclusive, 0, 1, 0, &place) && GetLastError() == ERROR_LOCK_VIOLATION) {
+    while (!LockFileEx(file, exclusive, 0, 1, 0, &place)) {
+        if (GetLastError() != ERROR_LOCK_VIOLATION) return;
         Sleep(tickMilliseconds);
         if (whileWaiting) whileWaiting();
     }
-    handle_ = reinterpret_cast<long long>(file);
+    isHeld_ = true;
 }
 
 FileLock::~FileLock() {

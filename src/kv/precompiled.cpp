@@ -2,14 +2,15 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
+#include "kv/private_folder.h"
 #include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -42,6 +43,7 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
     if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
     std::error_code failed;
+    fs::remove(unfinished, failed);
     Progress progress("Compiling the standard headers, once for all programs");
     request.whileWaiting = progress.Ticks();
     const bool done = RunProcess(request, problem) == 0;
@@ -54,37 +56,48 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
     return done && !failed;
 }
 
+std::string StampOf(const std::string& header) { return header + ".stamp"; }
+
+// Whether both forms of the header are what was made here, with nothing in them changed since.
+bool IsWhole(const PreludeJob& job, const std::string& header) {
+    return StampHolds(StampOf(header),
+                      ReadableCommandLine(PreludeCommand(job, header, header + compiledSuffix)));
+}
+
+bool MakePrelude(const PreludeJob& job, const std::string& header) {
+    const std::string compiled = header + compiledSuffix;
+    DropPrelude(header);
+    if (!WriteOver(header, preludeText) || !CompilePrelude(job, header, compiled)) return false;
+    StampFiles files;
+    files.generated = {header};
+    files.products = {compiled};
+    WriteStamp(StampOf(header), header, ReadableCommandLine(PreludeCommand(job, header, compiled)), files);
+    return IsWhole(job, header);
+}
+
 }  // namespace
 
 std::string PreludesFolder() {
-    const std::string cache = UserCacheFolder();
-    return cache.empty() ? "" : (fs::path(cache) / "korvel" / "prelude").lexically_normal().string();
+    const std::string cache = CacheFolder();
+    return cache.empty() ? "" : (fs::path(cache) / "prelude").string();
 }
 
-std::string PreludePath(const PreludeJob& job) {
-    const std::string folder = PreludesFolder();
-    if (folder.empty() || job.compiler.empty()) return "";
+std::string PreparePrelude(const PreludeJob& job) {
+    if (job.compiler.empty()) return "";
     std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
     for (const std::string& program : CompilerFiles(job.compiler)) key += MarkOf(program) + "\n";
     key += MarkOf((fs::path(job.includeFolder) / "conio.h").string());
-    return (fs::path(folder) / HashOf(key) / "prelude.h").string();
+    const std::string folder = PrivateFolder(CacheFolder(), {"prelude", HashOf(key)});
+    if (folder.empty()) return "";
+    const std::string header = (fs::path(folder) / "prelude.h").string();
+    if (IsWhole(job, header)) return header;
+    const FileLock lock(header + ".lock", Progress("Waiting for another kv").Ticks());
+    // Two writers would spoil it for all programs.
+    return lock.IsHeld() && (IsWhole(job, header) || MakePrelude(job, header)) ? header : "";
 }
 
-bool PreparePrelude(const PreludeJob& job, const std::string& path) {
-    const std::string compiled = path + compiledSuffix;
-    std::error_code failed;
-    if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
-    fs::create_directories(fs::path(path).parent_path(), failed);
-    if (failed) return false;
-    const FileLock lock(path + ".lock", Progress("Waiting for another kv").Ticks());
-    if (fs::exists(path, failed) && fs::exists(compiled, failed)) return true;
-    std::ofstream header(path, std::ios::binary);
-    header << preludeText;
-    header.close();
-    return header.good() && CompilePrelude(job, path, compiled);
-}
-
-void DropPrelude(const std::string& path) {
+void DropPrelude(const std::string& header) {
     std::error_code ignored;
-    fs::remove(path + compiledSuffix, ignored);
+    fs::remove(StampOf(header), ignored);
+    fs::remove(header + compiledSuffix, ignored);
 }

@@ -17,12 +17,9 @@ struct PreludeJob {
 std::string PreludesFolder();
 
 // The header to hand to the compiler with -include. Another compiler, other flags or another conio.h give another
-// path. Empty when there is no cache folder.
-std::string PreludePath(const PreludeJob& job);
+// one. It is made, together with its compiled form, unless both are there as they were made; two builds at once do it
+// once. Empty when that is not possible: then the compiler has to do without.
+std::string PreparePrelude(const PreludeJob& job);
 
-// Makes the header and its compiled form at `path` unless they are there; two builds at once do it once. Returns
-// false when that is not possible: then the compiler has to do without.
-bool PreparePrelude(const PreludeJob& job, const std::string& path);
-
-// Removes a precompiled form that the compiler cannot use, so that it is made again.
-void DropPrelude(const std::string& path);
+// Removes the compiled form of a header, so that it is made again.
+void DropPrelude(const std::string& header);

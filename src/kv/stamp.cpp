@@ -9,6 +9,7 @@
 #include "kv/build_folder.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -72,9 +73,7 @@ void WriteStamp(const std::string& stampFile, const std::string& started, const 
     // A line end in a path or a command is more than a stamp can tell.
     if (static_cast<std::size_t>(std::count(marks.begin(), marks.end(), '\n')) != lines) return;
     if (commands.find('\n') != std::string::npos) return;
-    std::ofstream(stampFile, std::ios::binary) << stampVersion << "\n"
-                                               << commands << "\n"
-                                               << marks << "end\n";
+    WriteOver(stampFile, std::string(stampVersion) + "\n" + commands + "\n" + marks + "end\n");
 }
 
 std::vector<std::string> SourcesOf(const std::string& dependencyRecord) {
@@ -96,8 +95,8 @@ std::vector<std::string> FilesInMakeRule(const std::string& rule) {
     std::string file;
     std::size_t at = rule.find(": ");
     if (at == std::string::npos) return files;
-    for (++at; at <= rule.size(); ++at) {
-        const char c = at < rule.size() ? rule[at] : '\n';
+    for (++at; at < rule.size(); ++at) {
+        const char c = rule[at];
         const char next = at + 1 < rule.size() ? rule[at + 1] : '\0';
         const bool lineGoesOn = c == '\\' && (next == '\n' || next == '\r');
         if ((c == '\\' && (next == ' ' || next == '#' || next == '\\')) || (c == '$' && next == '$')) {
@@ -105,13 +104,13 @@ std::vector<std::string> FilesInMakeRule(const std::string& rule) {
         } else if (c == ' ' || c == '\n' || c == '\r' || lineGoesOn) {
             if (!file.empty()) files.push_back(file);
             file.clear();
-            if (c == '\n') break;
+            if (c == '\n') return files;
             if (lineGoesOn) at = rule.find('\n', at);
         } else {
             file += c;
         }
     }
-    return files;
+    return {};
 }
 
 std::vector<std::string> FilesOfLinker(const std::string& record) {
@@ -122,11 +121,12 @@ std::vector<std::string> FilesOfLinker(const std::string& record) {
     std::getline(lines, line);  // the program
     while (std::getline(lines, line)) {
         const std::size_t start = line.find_first_not_of(' ');
-        if (start == std::string::npos) break;  // behind it, the same files once more
+        if (start == std::string::npos) break;
         const std::size_t end = line.size() - lineGoesOn.size();
         const bool isLast =
             line.size() < lineGoesOn.size() || line.compare(end, lineGoesOn.size(), lineGoesOn) != 0;
         files.push_back(line.substr(start, isLast ? std::string::npos : end - start));
+        if (isLast && !lines.eof()) return files;  // behind them, the same files once more
     }
-    return files;
+    return {};
 }

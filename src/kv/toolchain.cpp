@@ -64,7 +64,7 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
     if (!job.prelude.empty()) command.insert(command.end(), {"-include", job.prelude});
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
     command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
-    command.insert(command.end(), {"-MMD", "-MF", job.dependencies});
+    command.insert(command.end(), {"-MMD", "-MF", job.newDependencies});
     return command;
 }
 
@@ -120,21 +120,21 @@ std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler
     for (const std::string& flag : job.linkerFlags) {
         if (!MeansLinking(flag)) command.push_back(flag);
     }
-    command.insert(command.end(), {"-c", "-o", job.object, job.mainCpp});
+    command.insert(command.end(), {"-c", "-o", job.newObject, job.mainCpp});
     return command;
 }
 
 std::vector<std::string> LinkCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = compiler;
     command.insert(command.end(), job.quickLinking.begin(), job.quickLinking.end());
-    command.insert(command.end(), {"-o", job.program, job.object});
+    command.insert(command.end(), {"-o", job.newProgram, job.object});
     AddLibraries(command, job);
     return command;
 }
 
 std::vector<std::string> WholeCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = Beginning(compiler, job);
-    command.insert(command.end(), {"-o", job.program, job.mainCpp});
+    command.insert(command.end(), {"-o", job.newProgram, job.mainCpp});
     AddLibraries(command, job);
     return command;
 }

@@ -6,13 +6,14 @@
 
 struct CompileJob {
     std::string mainCpp;
-    std::string object;         // the compiled form to write, and to link
-    std::string program;        // the executable to write
-    std::string dependencies;   // receives the files that were read, as a rule for make
-    std::string includeFolder;  // conio.h and kvdebug.h
-    std::string sourceFolder;   // where C++ written by the user finds its headers
-    std::string prelude;        // header to read first, compiled ahead; empty: none
-    std::string optimisation;   // "-O0"
+    std::string object;           // the compiled form to link
+    std::string newObject;        // the compiled form to write
+    std::string newProgram;       // the executable to write
+    std::string newDependencies;  // receives the files that were read, as a rule for make
+    std::string includeFolder;    // conio.h and kvdebug.h
+    std::string sourceFolder;     // where C++ written by the user finds its headers
+    std::string prelude;          // header to read first, compiled ahead; empty: none
+    std::string optimisation;     // "-O0"
     bool debug = false;
     std::vector<std::string> linkerFlags;
     std::vector<std::string> quickLinking;  // flags that are not needed

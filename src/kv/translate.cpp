@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "driver/paths.h"
@@ -12,6 +11,7 @@
 #include "kv/kvt_report.h"
 #include "kv/platform.h"
 #include "kv/progress.h"
+#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -37,21 +37,14 @@ void ForgetPrograms(const Job& job) {
             changed = true;
         }
     }
-    if (changed) std::ofstream(manifest, std::ios::binary) << kept;
+    if (changed) WriteOver(manifest, kept);
 }
 
-// The flags come from kvt's own file. Where it could not write one, from what it said.
-std::vector<std::string> LinkerFlags(const Job& job, const KvtReport& report, bool hadLinkerFile) {
+// kvt leaves the flags beside the source, too, where others may change them.
+std::string JoinedFlags(const KvtReport& report) {
     std::string text;
-    if (report.linkerFile.empty()) {
-        for (const std::string& flag : report.linkerFlags) text += flag + " ";
-    } else {
-        const fs::path file = fs::path(job.installation) / report.linkerFile;
-        text = ReadWhole(file.string());
-        std::error_code ignored;
-        if (!hadLinkerFile) fs::remove(file, ignored);  // nothing is left beside the source
-    }
-    return SplitFlags(text);
+    for (const std::string& flag : report.linkerFlags) text += flag + " ";
+    return text;
 }
 
 void ShowErrors(const Job& job, KvtReport& report, int status) {
@@ -117,9 +110,12 @@ bool Translate(Job& job) {
     const std::string errors = ReadWhole(request.errorFile);
     if (job.options.verbose) std::fprintf(stderr, "%s%s", output.c_str(), errors.c_str());
     KvtReport report = ParseKvtReport(output, errors);
-    job.linkerFlags = LinkerFlags(job, report, hadLinkerFile);
+    job.linkerFlags = SplitFlags(JoinedFlags(report));
+    // Nothing is left beside the source.
+    if (!hadLinkerFile && !report.linkerFile.empty())
+        fs::remove(fs::path(job.installation) / report.linkerFile, failed);
     if (status != 0) {
-        ShowErrors(job, report, status);
+        if (!GiveUpPlace(job.build)) ShowErrors(job, report, status);
         return false;
     }
     ForgetPrograms(job);

@@ -89,7 +89,9 @@ TEST(KvCommandLine, Refused) {
         {{"run", "a.kvl", "--fast"}, "unknown option \"--fast\""},
         {{"run", "a.kvl", "-o", "x"}, "-o belongs to kv build"},
         {{"build", "a.kvl", "-o"}, "-o needs the name of the program to build behind it"},
-        {{"check", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a folder behind it"},
+        {{"run", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a folder behind it"},
+        {{"check", "a.kvl", "--keep-cpp", "x"},
+         "kv check makes nothing; --keep-cpp belongs to kv run and kv build"},
         {{"check", "a.kvl", "--", "x"}, "arguments after \"--\" belong to kv run"},
     };
     for (const auto& row : rows) {
@@ -294,7 +296,12 @@ TEST(Stamps, Lists) {
     EXPECT_EQ(FilesInMakeRule("a.o: a.cpp \\\r\n b.h\r\n\r\nb.h:\r\n"), (Words{"a.cpp", "b.h"}));
     EXPECT_EQ(FilesOfLinker("a: \\\n  /my libs/x.so \\\n  y.o\n\n/my libs/x.so:\n\ny.o:\n"),
               (Words{"/my libs/x.so", "y.o"}));
-    EXPECT_TRUE(FilesOfLinker("").empty());
+    for (const char* const cutOff : {"", "a.o: ", "a.o: a.cpp b", "a.o: a.cpp \\\n"}) {
+        EXPECT_TRUE(FilesInMakeRule(cutOff).empty()) << cutOff;
+    }
+    for (const char* const cutOff : {"", "a: \\\n", "a: \\\n  x.o \\\n", "a: \\\n  x.o"}) {
+        EXPECT_TRUE(FilesOfLinker(cutOff).empty()) << cutOff;
+    }
 }
 
 TEST(Linking, ApartWhereTheFlagsAllowIt) {
