@@ -8,6 +8,7 @@
 
 #include "driver/files.h"
 #include "driver/paths.h"
+#include "driver/settings.h"
 
 namespace fs = std::filesystem;
 
@@ -100,6 +101,7 @@ void DeletePutOff(const std::string& path) {
 }
 
 bool ReserveOutput(const std::string& path) {
+    if (settings.checkOnly) return true;
     SettleAtExit();
     const auto known = reservations.find(path);
     if (known != reservations.end()) return known->second.creatable;
@@ -109,13 +111,13 @@ bool ReserveOutput(const std::string& path) {
 bool WriteOutput(const std::string& path, const std::string& text) {
     const auto reservation = reservations.find(path);
     if (reservation != reservations.end()) reservation->second.made = true;
-    return WriteContents(path, text);
+    return settings.checkOnly || WriteContents(path, text);
 }
 
 void DropOutput(const std::string& path) {
     const auto reservation = reservations.find(path);
     if (reservation != reservations.end()) reservation->second.made = true;
-    std::remove(path.c_str());
+    if (!settings.checkOnly) std::remove(path.c_str());
 }
 
 void SettleOutputs() {

@@ -2,7 +2,8 @@
 //
 // A run begins by deleting what the previous build produced. Most of these files come again, so their
 // deletion is put off: they are overwritten, or not even touched when nothing in them has changed.
-// Whichever way the run ends, the folder looks as if they had been deleted at once.
+// Whichever way the run ends, the folder looks as if they had been deleted at once. With -check, nothing is reserved,
+// written or deleted here, and all is said to have gone well.
 #pragma once
 
 #include <string>

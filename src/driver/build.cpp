@@ -70,9 +70,6 @@ void RecordExecutable() {
 }
 
 void Translate() {
-    DistrustDependencyManifest();
-    CleanPreviousBuild(settings.outputPath);
-    if (settings.quickBuild) ResetDependencies();
     PushRoutineScope();
     LoadWordLists();
     Say("Working on files...\n");
@@ -80,9 +77,30 @@ void Translate() {
     Say("");
     CheckMainFunction();
     PopRoutineScope();
+}
+
+void Build() {
+    DistrustDependencyManifest();
+    CleanPreviousBuild(settings.outputPath);
+    if (settings.quickBuild) ResetDependencies();
+    Translate();
     WriteLinkerFlags();
     RecordExecutable();
     CopyUserlibDLLs(settings.outputPath);
+}
+
+void BuildUnlessUnchanged() {
+    if (!settings.quickBuild || !CanSkipTranslation()) Build();
+    if (settings.quickBuild)
+        UpdateDependencyManifest();
+    else
+        TrustDependencyManifest();
+    WriteBuildManifest(settings.outputPath);
+}
+
+void Check() {
+    Translate();
+    CopyUserlibDLLs(settings.outputPath);  // which says what is missing
 }
 
 }  // namespace
@@ -90,12 +108,10 @@ void Translate() {
 void BuildProgram() {
     MoveToInstallationRoot();
     CheckRequiredArguments();
-    if (!settings.quickBuild || !CanSkipTranslation()) Translate();
-    if (settings.quickBuild)
-        UpdateDependencyManifest();
+    if (settings.checkOnly)
+        Check();
     else
-        TrustDependencyManifest();
-    WriteBuildManifest(settings.outputPath);
+        BuildUnlessUnchanged();
     SettleOutputs();
     Say("Done! \\o/\n");
 }

@@ -14,6 +14,7 @@ struct Settings {
     bool safeMode = false;        // -safe
     bool quickBuild = false;      // -quick
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
+    bool checkOnly = false;       // -check: nothing is written or deleted
     bool warnings = false;        // -warn: what compiles but is hardly meant is said
 
     // Where translation stands; shown by ReportFatal.

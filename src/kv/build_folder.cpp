@@ -43,6 +43,23 @@ std::string InTemporaryFolder(const fs::path& source, const std::string& variant
 const Place places[] = {BesideSource, InCache, InTemporaryFolder};
 const int placeCount = sizeof places / sizeof places[0];
 
+// Has the C++ generated in a folder that the user has named.
+bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string& problem) {
+    std::error_code failed;
+    fs::create_directories(folder, failed);
+    if (failed) {
+        problem = "cannot create the folder " + folder + ": " + failed.message();
+        return false;
+    }
+    if (!BelongsToUser(folder)) {
+        problem = "the folder " + folder + " belongs to somebody else; --keep-cpp takes one of your own";
+        return false;
+    }
+    build.cppFolder = folder;
+    build.cppLock = (fs::path(folder) / ".kv.lock").string();
+    return true;
+}
+
 }  // namespace
 
 std::string ProgramName(const std::string& source) {
@@ -51,8 +68,8 @@ std::string ProgramName(const std::string& source) {
     return dot == std::string::npos ? name : name.substr(0, dot);
 }
 
-bool PrepareBuildFolder(const std::string& source, const std::string& variant, BuildFolder& build,
-                        std::string& problem) {
+bool PrepareBuildFolder(const std::string& source, const std::string& variant,
+                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem) {
     fs::path folder;
     for (; build.place < placeCount; ++build.place) {
         folder = places[build.place](source, variant);
@@ -65,6 +82,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant, B
                   " nor in the user's cache or temporary folder";
         return false;
     }
+    if (!keepCppFolder.empty() && !UseFolderOfUser(keepCppFolder, build, problem)) return false;
     build.folder = folder.string();
     build.program = (folder / "bin" / (ProgramName(source) + executableSuffix)).string();
     build.object = (folder / "program.o").string();

@@ -1,7 +1,7 @@
 // Where kv keeps what it makes: the generated C++, the program, and what it needs to know for the next time.
 //
 //   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
-//       cpp/                         what kvt generates
+//       cpp/                         what kvt generates (unless --keep-cpp names another folder)
 //       bin/game                     the program, with the shared libraries that it loads
 //       program.o                    the compiled C++
 //       stamp, compiled, linked      all that the program, program.o and bin/game were made from (kv/stamp.h)
@@ -22,6 +22,7 @@ struct BuildFolder {
     std::string objectStamp;
     std::string linkStamp;
     std::string lock;
+    std::string cppLock;  // for a folder that several builds may share; empty: it is this build's own
     std::string started;  // written when a build starts
     std::string kvtOutput;
     std::string kvtErrors;
@@ -34,9 +35,10 @@ struct BuildFolder {
 };
 
 // Creates the folders for the source (a full path) and `variant`, in the first possible place from build.place on.
-// Returns false and sets `problem` when there is no place to write.
-bool PrepareBuildFolder(const std::string& source, const std::string& variant, BuildFolder& build,
-                        std::string& problem);
+// `keepCppFolder` is a full path or empty. Returns false and sets `problem` when there is no place to write, or the
+// folder to keep the C++ in is not the user's own.
+bool PrepareBuildFolder(const std::string& source, const std::string& variant,
+                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
 
 // Begins a build in the folder. Returns false when there is no room for one; the next place may have it.
 bool BeginBuild(BuildFolder& build);

@@ -46,7 +46,8 @@ bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
         const std::string path = FullPath(job, file);
         if (!preludes.empty() && IsBelow(path, preludes)) continue;
-        (IsBelow(path, job.build.cppFolder) ? files.generated : files.headers).push_back(path);
+        const bool isGenerated = IsBelow(path, job.build.cppFolder) || IsBelow(path, job.build.folder);
+        (isGenerated ? files.generated : files.headers).push_back(path);
     }
     return Contains(files.generated, job.mainCpp);
 }

@@ -73,8 +73,12 @@ bool PrepareJob(const Options& options, Job& job) {
 }
 
 bool PrepareFolder(Job& job) {
+    std::string keepCpp;
+    if (!job.options.keepCppFolder.empty()) {
+        keepCpp = (fs::path(job.typedFolder) / job.options.keepCppFolder).lexically_normal().string();
+    }
     std::string problem;
-    if (!PrepareBuildFolder(job.source, Variant(job.options), job.build, problem)) {
+    if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
         ShowProblem(problem);
         return false;
     }
@@ -86,6 +90,7 @@ bool PrepareFolder(Job& job) {
 bool WorkInFolder(Job& job, bool (*work)(Job&)) {
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
+        const FileLock cppLock(job.build.cppLock, Progress("Waiting for another kv").Ticks());
         if (work(job)) return true;
         if (!IsDisturbed(job.build)) return false;
         if (!PrepareFolder(job)) return false;

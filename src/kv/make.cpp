@@ -35,39 +35,15 @@ void Remember(const Job& job, const std::string& commands) {
     WriteStamp(job.build.stamp, job.build.started, commands, files);
 }
 
-// A file that has not changed keeps its time.
-bool KeepFile(const fs::path& file, const fs::path& target) {
-    std::error_code failed;
-    fs::create_directories(target.parent_path(), failed);
-    if (!failed && ReadWhole(target.string()) == ReadWhole(file.string())) return true;
-    if (!failed) return CopyOver(file, target);
-    ShowProblem("cannot create the folder " + target.parent_path().string() + ": " + failed.message());
-    return false;
-}
-
-// Copies what kvt has generated to the folder where the user wants to see it; its own notes have a dot in front.
-// Returns false after telling the user what went wrong.
-bool KeepCpp(const Job& job) {
-    if (job.options.keepCppFolder.empty()) return true;
-    const fs::path shown = fs::path(job.typedFolder) / job.options.keepCppFolder;
-    std::error_code failed;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(job.build.cppFolder, failed)) {
-        if (!entry.is_regular_file(failed) || entry.path().filename().string()[0] == '.') continue;
-        if (!KeepFile(entry.path(), shown / entry.path().lexically_relative(job.build.cppFolder)))
-            return false;
-    }
-    return true;
-}
-
 bool MakeInFolder(Job& job) {
     const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " + CompilationOf(job);
     if (StampHolds(job.build.stamp, commands)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");
-        return KeepCpp(job);
+        return true;
     }
     std::error_code ignored;
     fs::remove(job.build.stamp, ignored);
-    if (!BeginBuild(job.build) || !Translate(job) || !KeepCpp(job) || !Compile(job)) return false;
+    if (!BeginBuild(job.build) || !Translate(job) || !Compile(job)) return false;
     Remember(job, commands);
     return true;
 }

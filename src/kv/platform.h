@@ -51,6 +51,9 @@ std::string UserCacheFolder();
 // be had, is a link, or is there already and others can write to it.
 bool MakePrivateFolder(const std::string& folder);
 
+// Whether a file or folder is the user's own.
+bool BelongsToUser(const std::string& path);
+
 // Whether files can be made in the folder.
 bool CanWriteIn(const std::string& folder);
 
@@ -61,7 +64,7 @@ bool CopyToNewFile(const std::string& from, const std::string& to, std::string& 
 // The folder for temporary files, with a name of this user's own below it.
 std::string UserTemporaryFolder();
 
-// Holds a file locked against other processes from construction to destruction; waits for them first. Programs that
+// Without a path it does nothing. Otherwise it holds a file locked against other processes from construction to destruction; waits for them first. Programs that
 // are started meanwhile hold it, too, in case kv is killed. `whileWaiting` is called a few times a second while another
 // process has it.
 class FileLock {

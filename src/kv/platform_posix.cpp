@@ -165,6 +165,11 @@ bool MakePrivateFolder(const std::string& folder) {
            (information.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
+bool BelongsToUser(const std::string& path) {
+    struct stat information;
+    return stat(path.c_str(), &information) == 0 && information.st_uid == geteuid();
+}
+
 bool CanWriteIn(const std::string& folder) { return access(folder.c_str(), W_OK | X_OK) == 0; }
 
 bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem) {

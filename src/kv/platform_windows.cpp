@@ -72,22 +72,6 @@ std::string UserNumber() {
     return known ? user : "";
 }
 
-// Folders that administrators make belong to all administrators together.
-bool IsOwnedByUser(const std::string& folder) {
-    std::string user = UserNumber();
-    std::string path = folder;
-    PSID owner = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (user.empty() || GetNamedSecurityInfoA(&path[0], SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
-                                              nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS) {
-        return false;
-    }
-    const bool isOwn = EqualSid(owner, reinterpret_cast<TOKEN_USER*>(&user[0])->User.Sid) != 0 ||
-                       IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0;
-    LocalFree(descriptor);
-    return isOwn;
-}
-
 BOOL WINAPI IgnoreCtrlC(DWORD) { return TRUE; }
 
 const DWORD tickMilliseconds = 100;
@@ -203,6 +187,22 @@ std::string UserCacheFolder() {
     return folder != nullptr ? folder : "";
 }
 
+// What administrators makes belongs to all administrators together.
+bool BelongsToUser(const std::string& path) {
+    std::string user = UserNumber();
+    std::string name = path;
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (user.empty() || GetNamedSecurityInfoA(&name[0], SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
+                                              nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS) {
+        return false;
+    }
+    const bool isOwn = EqualSid(owner, reinterpret_cast<TOKEN_USER*>(&user[0])->User.Sid) != 0 ||
+                       IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0;
+    LocalFree(descriptor);
+    return isOwn;
+}
+
 bool MakePrivateFolder(const std::string& folder) {
     // To the owner all is allowed, to others nothing; what is made in the folder inherits that.
     SECURITY_ATTRIBUTES attributes = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
@@ -213,7 +213,7 @@ bool MakePrivateFolder(const std::string& folder) {
     const DWORD kind = GetFileAttributesA(folder.c_str());
     const bool isFolder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
                           (kind & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
-    return isFolder && IsOwnedByUser(folder);
+    return isFolder && BelongsToUser(folder);
 }
 
 bool CanWriteIn(const std::string& folder) {

@@ -76,8 +76,9 @@ std::string DependencyRecord(const Job& job) {
 }
 
 std::vector<std::string> TranslateCommand(const Job& job) {
-    std::vector<std::string> command = {job.kvt,  "-s",   job.source, "-o", job.build.cppFolder,
-                                        "-quick", "-warn"};
+    const char* const manner = job.options.command == Command::check ? "-check" : "-quick";
+    std::vector<std::string> command = {job.kvt, "-s",   job.source, "-o", job.build.cppFolder,
+                                        manner,  "-warn"};
     if (job.options.debug) command.push_back("-d");
     if (job.options.safe) command.push_back("-safe");
     if (IsFast(job.options)) command.push_back("-fast");

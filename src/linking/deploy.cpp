@@ -2,6 +2,7 @@
 
 #include "driver/files.h"
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "lexer/source_reader.h"
 #include "symbols/symbols.h"
 
@@ -15,6 +16,7 @@ void CopyDll(const std::string& name, const std::string& outputPath) {
         Say("  Warning: DLL not found in userlibs/: " + name);
         return;
     }
+    if (settings.checkOnly) return;
     const std::string target = outputPath + "/" + name;
     if (!WriteContents(target, content)) ReportFatal("Cannot write DLL to output directory: " + target);
     VerboseNote("  Copied: " + name + " -> " + outputPath + "/");

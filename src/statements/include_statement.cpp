@@ -29,7 +29,7 @@ std::string IncludeOutputFolder(const IncludeName& name) {
     static std::unordered_set<std::string> there;
     if (name.folder.empty()) return settings.outputPath;
     std::string folder = settings.outputPath + "/" + name.folder;
-    if (!there.insert(folder).second) return folder;
+    if (settings.checkOnly || !there.insert(folder).second) return folder;
     std::error_code error;
     fs::create_directories(folder, error);
     if (!fs::is_directory(folder, error)) ReportFatal("Cannot create include directory in output path");
