@@ -177,6 +177,7 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, co
     if (call.type.IsArray())
         call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
     call.isCall = true;
+    call.routine = &routine;
     call.effects = true;
     NeedElement(routine.result);
     ++callCount;

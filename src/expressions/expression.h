@@ -40,6 +40,7 @@ struct Expr {
     TokenSpan source;      // what it was made from; set for operands, arguments and objects
     std::shared_ptr<TextSum> sum;  // a sum of Strings, and its parts
     bool isConst = false;
+    const Routine* routine = nullptr;    // when the expression is just a call of this routine
     const Variable* variable = nullptr;  // when the expression is just this variable
 };
 

@@ -21,6 +21,7 @@ struct Row {
 // In the order of the enum; a row stands behind the one that it builds on.
 const std::array<Row, supportCount> rows = {{
     {texts::arraySize, texts::arraySize, Support::ArraySize},
+    {texts::resultSize, texts::resultSize, Support::ResultSize},
     {texts::arrayPassing, texts::arrayPassing, Support::ArrayPassing},
     {texts::boolArray, texts::boolArray, Support::BoolArray},
     {texts::elementSlots, texts::elementSlots, Support::ArrayPassing},

@@ -8,6 +8,7 @@
 
 enum class Support : unsigned char {
     ArraySize,     // check of an array size that is worked out when the program runs
+    ResultSize,    // comparison of the size of an array that a call gave with the declared one
     ArrayPassing,  // row pointers for two-dimensional arguments, taking over returned arrays
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value

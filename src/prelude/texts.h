@@ -31,6 +31,7 @@ extern const std::string_view fastClassNavigation;
 
 // One for each row of Support.
 extern const std::string_view arraySize;
+extern const std::string_view resultSize;
 extern const std::string_view arrayPassing;
 extern const std::string_view boolArray;
 extern const std::string_view elementSlots;

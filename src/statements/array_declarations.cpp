@@ -165,22 +165,12 @@ std::string MeasuredSize(const std::string& name, int k) {
     return guard + "static_cast<int>(" + row + ".size())";
 }
 
-std::optional<long long> KnownSize(const std::string& written) {
-    const std::optional<ConstantValue> value = EvaluateConstant(Split(written));
-    if (!value || value->kind != ConstantValue::Kind::Integer) return {};
-    return value->integer;
-}
-
-// The name before the call's parameters.
-std::string CalledName(TokenSpan call) {
-    std::size_t name = 0;
-    int depth = 0;
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        if (call[i] == "(" || call[i] == "[") ++depth;
-        if (call[i] == ")" || call[i] == "]") --depth;
-        if (depth == 0 && i > 0 && call[i - 1] == "\\") name = i;
-    }
-    return call[name];
+// __kvResultSize(static_cast<int>(KVL_a.size()), 5, "a", 0, "Make")
+std::string CheckedSize(const Variable& array, int k, const std::string& given, const std::string& wanted,
+                        const std::string& function) {
+    RequireSupport(Support::ResultSize);
+    return "__kvResultSize(" + given + ", " + wanted + ", \"" + array.name + "\", " + std::to_string(k) +
+           ", \"" + function + "\")";
 }
 
 }  // namespace
@@ -230,83 +220,24 @@ std::string TakenArray(const ValueType& type, ArrayPlace place, const std::strin
     return (slots ? "__kvTakeSlots" : "__kvTakeArray") + dimensions + "(" + call + ")";
 }
 
-ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, bool sizesKnown) {
+ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken) {
     ArrayText text;
     text.variable = ArrayCppName(array.type, place) + " " + array.cppName + " = " +
                     TakenArray(array.type, place, value.text) + ";";
-    const std::vector<Size> sizes = sizesKnown ? ReadSizes(array, place) : std::vector<Size>();
-    const bool known = sizesKnown && AllKnown(sizes);
-    for (int k = 0; k < array.type.dims; ++k) {
-        std::string size = MeasuredSize(array.cppName, k);
-        if (known)
-            size = place == ArrayPlace::Field ? std::to_string(*sizes[static_cast<std::size_t>(k)].value)
-                                              : sizes[static_cast<std::size_t>(k)].text;
-        text.tail += sizeIndent + SizeConstant(array, place, k, size, known);
+    for (std::size_t k = 0; k < static_cast<std::size_t>(array.type.dims); ++k) {
+        const int dimension = static_cast<int>(k);
+        std::string size = MeasuredSize(array.cppName, dimension);
+        if (k < array.sizes.size() && !array.sizes[k].empty()) {
+            const Size declared = ReadSize(array, place, array.sizes[k]);
+            const bool number = taken.known && place == ArrayPlace::Field;
+            size = number        ? std::to_string(*declared.value)
+                   : taken.known ? declared.text
+                                 : CheckedSize(array, dimension, size, declared.text, taken.from);
+        }
+        text.tail += sizeIndent + SizeConstant(array, place, dimension, size, taken.known);
     }
-    AddMovableForm(array, place, known, text);
+    AddMovableForm(array, place, taken.known, text);
     return text;
-}
-
-bool SameSizes(const std::vector<std::string>& a, const std::vector<std::string>& b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t k = 0; k < a.size(); ++k) {
-        const std::optional<long long> first = KnownSize(a[k]);
-        if (!first || first != KnownSize(b[k])) return false;
-    }
-    return !a.empty();
-}
-
-const Routine* CalledRoutine(TokenSpan call) {
-    if (call[1] == "(" || call.size() == 1) return FindFunction(call[0]);
-    return nullptr;
-}
-
-// A declaration whose initialiser calls a Function that has not been translated yet.
-struct AwaitedResult {
-    std::string file;
-    int line = 0;
-    std::string name;
-    std::vector<std::string> declared;
-    std::string function;
-};
-
-static std::vector<AwaitedResult> awaited;  // filled by CheckArrayResult, taken by CheckAwaitedResults
-
-static void CheckResultSizes(const std::string& name, const std::vector<std::string>& declared,
-                             const std::string& function, const Routine& routine) {
-    for (std::size_t k = 0; k < declared.size() && k < routine.resultSizes.size(); ++k) {
-        const std::optional<long long> here = KnownSize(declared[k]);
-        const std::optional<long long> there = KnownSize(routine.resultSizes[k]);
-        if (here && there && *here != *there)
-            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
-                        std::to_string(k) + " is [" + declared[k] + "], but " + function + "() returns [" +
-                        routine.resultSizes[k] + "]");
-    }
-}
-
-void CheckArrayResult(const std::string& name, const ValueType& type,
-                      const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value) {
-    const std::string function = CalledName(initialiser);
-    if (type.dims != value.type.dims)
-        ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
-                    std::to_string(type.dims) + " dimensions, but " + function + "() returns " +
-                    std::to_string(value.type.dims) + " dimensions");
-    const Routine* routine = CalledRoutine(initialiser);
-    if (routine == nullptr) return;
-    CheckResultSizes(name, declared, function, *routine);
-    if (routine->resultSizes.empty() && !declared.empty() && !lenient)
-        awaited.push_back({settings.currentFile, settings.currentLine, name, declared, function});
-}
-
-void CheckAwaitedResults() {
-    for (const AwaitedResult& result : awaited) {
-        const Routine* routine = FindFunction(result.function);
-        if (routine == nullptr) continue;
-        settings.currentFile = result.file;
-        settings.currentLine = result.line;
-        CheckResultSizes(result.name, result.declared, result.function, *routine);
-    }
-    awaited.clear();
 }
 
 void FailArrayAssignment() {

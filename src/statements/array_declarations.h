@@ -32,25 +32,18 @@ struct ArrayText {
 //     KVArray<int, 10> KVL_a = {};
 ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& frameRoom);
 
-// An array that takes over what a call returned; `sizesKnown` when array.sizes are those of the result.
-ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, bool sizesKnown);
+// What is known about the array that a call returns.
+struct TakenSizes {
+    bool known = false;  // its sizes are the declared ones
+    std::string from;    // name of what was called
+};
+
+// An array that takes over what a call returned. Unless its sizes are known, the program compares them with
+// those that are declared, if any.
+ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken);
 
 // The expression that takes over the array a call returns.
 std::string TakenArray(const ValueType& type, ArrayPlace place, const std::string& call);
-
-// Ends the run when a value taken from a call does not fit the declared array: its dimensions, or sizes
-// that are known on both sides. `initialiser` is the call, `declared` the size texts as written.
-void CheckArrayResult(const std::string& name, const ValueType& type,
-                      const std::vector<std::string>& declared, TokenSpan initialiser, const Expr& value);
-
-// The same for the sizes of calls whose Function was translated after them; once, at the end.
-void CheckAwaitedResults();
-
-// Whether the sizes are known to be the same.
-bool SameSizes(const std::vector<std::string>& a, const std::vector<std::string>& b);
-
-// The routine that a call's last name means, null when it is not known.
-const Routine* CalledRoutine(TokenSpan call);
 
 // Ends the run with the message for one array given to another.
 [[noreturn]] void FailArrayAssignment();

@@ -8,6 +8,7 @@
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
+#include "statements/array_results.h"
 #include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/dispatch.h"
@@ -216,11 +217,10 @@ ArrayText TextOfArray(State& state, const Declared& declared, const Variable& ar
     if (lenient && !value.type.IsKnown()) return {};
     if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
     if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
-    CheckArrayResult(declared.name, type, array.sizes, declared.value, value);
+    CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine);
     if (type != value.type) FailMismatch(value.type, type, declared.name);
-    const Routine* routine = CalledRoutine(declared.value);
     return TakeOverArray(array, place, value,
-                         routine != nullptr && SameSizes(array.sizes, routine->resultSizes));
+                         {HasSizes(value, array.sizes, state.routine), CalledName(declared.value)});
 }
 
 // Sizes as later accesses see them: those that are written, or else the constants'.
@@ -307,7 +307,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     if (array)
         DefineArray(state, declared, value, definition);
     else if (value.type.IsArray())
-        CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value);
+        CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value, state.routine);
     else
         DefineSingle(declared, value, definition);
     definition.mentioned = declared.note.type.cls;

@@ -18,6 +18,7 @@
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
+#include "statements/array_results.h"
 #include "statements/emit_lines.h"
 #include "statements/routines.h"
 #include "symbols/own_names.h"
@@ -71,20 +72,11 @@ std::vector<std::string> SizesOf(const Expr& value) {
     return sizes;
 }
 
-// Callers that come later check their declarations against the sizes of what is returned.
+// Declarations that take the array are checked against its sizes.
 void RecordSizes(const State& state, const Expr& value) {
-    if (state.inMethod) return;
-    auto found = symbols.functions.find(state.functionName);
-    if (found == symbols.functions.end()) return;
-    std::vector<std::string>& known = found->second.resultSizes;
-    const std::vector<std::string> sizes =
-        value.variable ? value.variable->sizes : std::vector<std::string>();
-    const bool first = !state.hasReturn || known.empty();
-    if (first && known != sizes) {
-        known = sizes;
-    } else if (!first && known != sizes) {
-        known.assign(1, "");
-    }
+    auto& table = state.inMethod ? state.cls->routines : symbols.functions;
+    const auto found = state.routine != nullptr ? table.find(state.routine->name) : table.end();
+    if (found != table.end()) RecordResultSizes(found->second, value, !state.hasReturn);
 }
 
 std::string CopyOfArray(State& state, const Expr& value) {
@@ -99,7 +91,6 @@ std::string CopyOfArray(State& state, const Expr& value) {
     const std::string copy =
         OwnName((value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy");
     EmitLines(state, CopyLoops(value.type, value.text, copy, SizesOf(value)));
-    RecordSizes(state, value);
     return copy;
 }
 
@@ -113,6 +104,7 @@ bool IsWorkedOutBefore(const State& state, const Expr& value) {
 
 // The text to return, worked out before the routine is left where that matters.
 std::string ReturnedText(State& state, const ValueType& result, const Expr& value) {
+    if (value.type.IsArray()) RecordSizes(state, value);
     if (IsCopied(value)) return CopyOfArray(state, value);
     const bool converted = result.IsKnown() && !value.type.IsArray();
     const std::string text = converted ? TextAs(value, result) : ValueText(value);

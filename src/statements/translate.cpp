@@ -9,7 +9,7 @@
 #include "expressions/expression.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
-#include "statements/array_declarations.h"
+#include "statements/array_results.h"
 #include "statements/debug_hooks.h"
 #include "statements/output_places.h"
 #include "statements/program.h"

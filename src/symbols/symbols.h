@@ -55,7 +55,7 @@ struct Routine {
     std::string cppName;  // as emitted ("kvl_" + name for userlib functions)
     ValueType result = Single(Base::Void);
     std::vector<Parameter> parameters;
-    std::vector<std::string> resultSizes;  // sizes of the array that its Returns give, when known
+    std::vector<std::string> resultSizes;  // of the array that its Returns give; empty texts when not known
     bool isExtern = false;
     bool isUserlib = false;
     bool isPrivate = false;

@@ -1,0 +1,107 @@
+#include "statements/array_results.h"
+
+#include "driver/report.h"
+#include "driver/settings.h"
+#include "lexer/lexer.h"
+#include "statements/constant_value.h"
+
+namespace {
+
+// A declaration whose initialiser calls a routine that has not been translated yet.
+struct AwaitedResult {
+    std::string file;
+    int line = 0;
+    std::string name;
+    std::vector<std::string> declared;
+    const Routine* routine = nullptr;
+};
+
+std::vector<AwaitedResult> awaited;  // filled by CheckArrayResult, taken by CheckAwaitedResults
+
+void CheckResultSizes(const std::string& name, const std::vector<std::string>& declared,
+                      const Routine& routine) {
+    for (std::size_t k = 0; k < declared.size() && k < routine.resultSizes.size(); ++k) {
+        const std::optional<long long> here = KnownSize(declared[k]);
+        const std::optional<long long> there = KnownSize(routine.resultSizes[k]);
+        if (here && there && *here != *there)
+            ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
+                        std::to_string(k) + " is [" + declared[k] + "], but " + routine.name +
+                        "() returns [" + routine.resultSizes[k] + "]");
+    }
+}
+
+bool IsComplete(const Routine& routine, const Routine* open) {
+    return &routine != open && !routine.resultSizes.empty();
+}
+
+// The sizes of what is returned, empty texts for unknown ones.
+std::vector<std::string> SizesOf(const Routine& routine, const Expr& value) {
+    std::vector<std::string> sizes;
+    if (value.variable != nullptr)
+        sizes = value.variable->sizes;
+    else if (value.routine != nullptr && value.routine != &routine)
+        sizes = value.routine->resultSizes;
+    sizes.resize(static_cast<std::size_t>(value.type.dims));
+    for (std::string& size : sizes)
+        if (!KnownSize(size)) size.clear();
+    return sizes;
+}
+
+}  // namespace
+
+std::optional<long long> KnownSize(const std::string& written) {
+    const std::optional<ConstantValue> value = EvaluateConstant(Split(written));
+    if (!value || value->kind != ConstantValue::Kind::Integer) return {};
+    return value->integer;
+}
+
+void RecordResultSizes(Routine& routine, const Expr& value, bool first) {
+    const std::vector<std::string> sizes = SizesOf(routine, value);
+    if (first) routine.resultSizes = sizes;
+    for (std::size_t k = 0; k < sizes.size() && k < routine.resultSizes.size(); ++k)
+        if (KnownSize(sizes[k]) != KnownSize(routine.resultSizes[k])) routine.resultSizes[k].clear();
+}
+
+std::string CalledName(TokenSpan call) {
+    std::size_t name = 0;
+    int depth = 0;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call[i] == "(" || call[i] == "[") ++depth;
+        if (call[i] == ")" || call[i] == "]") --depth;
+        if (depth == 0 && i > 0 && call[i - 1] == "\\") name = i;
+    }
+    return call[name];
+}
+
+void CheckArrayResult(const std::string& name, const ValueType& type,
+                      const std::vector<std::string>& declared, TokenSpan call, const Expr& value,
+                      const Routine* open) {
+    if (type.dims != value.type.dims)
+        ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
+                    std::to_string(type.dims) + " dimensions, but " + CalledName(call) + "() returns " +
+                    std::to_string(value.type.dims) + " dimensions");
+    if (value.routine == nullptr || declared.empty()) return;
+    if (IsComplete(*value.routine, open))
+        CheckResultSizes(name, declared, *value.routine);
+    else if (!lenient)
+        awaited.push_back({settings.currentFile, settings.currentLine, name, declared, value.routine});
+}
+
+void CheckAwaitedResults() {
+    for (const AwaitedResult& result : awaited) {
+        settings.currentFile = result.file;
+        settings.currentLine = result.line;
+        CheckResultSizes(result.name, result.declared, *result.routine);
+    }
+    awaited.clear();
+}
+
+bool HasSizes(const Expr& value, const std::vector<std::string>& declared, const Routine* open) {
+    if (value.routine == nullptr || !IsComplete(*value.routine, open)) return false;
+    const std::vector<std::string>& sizes = value.routine->resultSizes;
+    for (std::size_t k = 0; k < declared.size(); ++k) {
+        const std::optional<long long> here = KnownSize(declared[k]);
+        if (!here || k >= sizes.size() || here != KnownSize(sizes[k])) return false;
+    }
+    return !declared.empty();
+}
