@@ -43,9 +43,7 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
     const std::optional<ConstantValue> known = EvaluateConstant(tokens);
     const bool integer = known && known->kind == ConstantValue::Kind::Integer;
     if (integer) CheckKnownSize(known->integer);
-    const std::size_t preludeUses = PreludeUses();
     const Expr size = TranslateExpression(tokens, ExprMode::Condition);
-    const bool checked = PreludeUses() != preludeUses;
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (known && !integer))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
@@ -53,9 +51,10 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
         RequireSupport(Support::ArraySize);
         return {"__kvSize(" + size.text + ", \"" + array.name + "\")", std::nullopt};
     }
-    // A checked division is no constant to C++, and a header knows only the Consts above.
+    // A header knows only the Consts above.
     const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(tokens);
-    return {checked || tooEarly ? std::to_string(known->integer) : size.text, known->integer};
+    const bool named = IsConstantToCpp(tokens) && !tooEarly;
+    return {named ? size.text : std::to_string(known->integer), known->integer};
 }
 
 std::vector<Size> ReadSizes(const Variable& array, ArrayPlace place) {

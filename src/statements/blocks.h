@@ -68,8 +68,11 @@ struct OpenSelect {
     std::unordered_set<std::string> labels;  // values so far, for duplicates
     bool labelSeen = false;                  // a Case or Default
     bool defaultSeen = false;
-    bool warned = false;              // of a statement before the first label
-    bool braces = false;              // the current case declares a Local and is in braces
+    bool warned = false;           // of a statement before the first label
+    bool declares = false;         // the current case declares Locals; in braces when another one follows
+    Piece* localsPiece = nullptr;  // where the brace would stand
+    std::size_t localsAt = 0;
+    std::string localsIndent;
     Piece* lastLabelPiece = nullptr;  // end of the last label's line, for labels with nothing behind them
     std::size_t lastLabelEnd = 0;
 };

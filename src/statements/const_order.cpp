@@ -23,3 +23,13 @@ bool UsesOnlyEarlierConsts(TokenSpan tokens) {
     }
     return true;
 }
+
+bool IsConstantToCpp(TokenSpan tokens) {
+    if (!settings.safeMode || settings.debugMode) return true;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens.SignAt(i) == '/' || tokens.KeywordAt(i) == Keyword::Mod) return false;
+        const Variable* variable = FindGlobal(tokens[i]);
+        if (variable != nullptr && variable->isConst && !IsConstantToCpp(variable->initialiser)) return false;
+    }
+    return true;
+}

@@ -148,11 +148,10 @@ void NoteValueType(TokenSpan value) {
     if (settings.verbose) GetExpressionType(value);
 }
 
-// A Const is a constant to C++, too: where safe mode checks its divisions, or where its header does not know
-// the Consts that it uses yet, its value is written out.
+// Where the header of a Const does not know the Consts that it uses yet, its value is written out.
 std::optional<long long> WrittenOut(const Declared& declared) {
     if (declared.kind != DefinitionKind::Const || !declared.note.type.IsInteger()) return {};
-    if (!declared.usesPrelude && UsesOnlyEarlierConsts(declared.value)) return {};
+    if (UsesOnlyEarlierConsts(declared.value)) return {};
     const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
     if (!known || known->kind != ConstantValue::Kind::Integer) return {};
     return known->integer;
@@ -173,7 +172,7 @@ bool IsConstant(const Declared& declared, const Expr& value) {
     if (!declared.hasValue || value.type.base == Base::Null) return true;
     const Keyword word = declared.value.size() == 1 ? declared.value.KeywordAt(0) : Keyword::None;
     if (word == Keyword::True || word == Keyword::False) return true;
-    return !declared.usesPrelude && EvaluateConstant(declared.value);
+    return !declared.usesPrelude && EvaluateConstant(declared.value) && IsConstantToCpp(declared.value);
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {

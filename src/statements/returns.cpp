@@ -19,6 +19,7 @@
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
 #include "statements/array_results.h"
+#include "statements/constant_value.h"
 #include "statements/emit_lines.h"
 #include "statements/routines.h"
 #include "symbols/own_names.h"
@@ -96,19 +97,27 @@ std::string CopyOfArray(State& state, const Expr& value) {
 
 bool IsCopied(const Expr& value) { return value.type.IsArray() && value.form != ArrayForm::Owned; }
 
+// Whether freeing the arrays cannot change the value: no variable in it but a plain Local.
+bool OutlivesArrays(const Expr& value, TokenSpan tokens) {
+    if (value.literal || EvaluateConstant(tokens)) return true;
+    const bool plain = value.type.IsNumber() || value.type.Is(Base::String);
+    return plain && value.variable != nullptr && FindLocal(value.variable->name) == value.variable;
+}
+
 // The value may read the arrays that are freed, and what it calls stands under this routine for a debugger.
-bool IsWorkedOutBefore(const State& state, const Expr& value) {
-    if (value.literal || IsCopied(value)) return false;
-    return OwnsObjects(state) || (settings.debugMode && value.effects);
+bool IsWorkedOutBefore(const State& state, const Expr& value, TokenSpan tokens) {
+    if (IsCopied(value)) return false;
+    const bool seen = settings.debugMode && value.effects;
+    return seen || (OwnsObjects(state) && !OutlivesArrays(value, tokens));
 }
 
 // The text to return, worked out before the routine is left where that matters.
-std::string ReturnedText(State& state, const ValueType& result, const Expr& value) {
+std::string ReturnedText(State& state, const ValueType& result, const Expr& value, bool before) {
     if (value.type.IsArray()) RecordSizes(state, value);
     if (IsCopied(value)) return CopyOfArray(state, value);
     const bool converted = result.IsKnown() && !value.type.IsArray();
     const std::string text = converted ? TextAs(value, result) : ValueText(value);
-    if (!IsWorkedOutBefore(state, value)) return text;
+    if (!before) return text;
     EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
     return valueName;
 }
@@ -130,10 +139,11 @@ void ReturnNothing(State& state, const ValueType& result) {
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     const Expr value = TranslateExpression(tokens, ExprMode::Condition);
     CheckValue(state, result, value);
-    const bool introducesNames = IsCopied(value) || IsWorkedOutBefore(state, value);
+    const bool before = IsWorkedOutBefore(state, value, tokens);
+    const bool introducesNames = before || IsCopied(value);
     const bool braces = introducesNames && (state.hasReturn || state.selectDepth > 0);
     if (braces) EmitLine(state, "{");
-    const std::string text = ReturnedText(state, result, value);
+    const std::string text = ReturnedText(state, result, value, before);
     EmitLeaving(state);
     EmitLine(state, state.inOneLineIf ? "return " + text + ";" : "return (" + text + ");");
     if (braces) EmitLine(state, "}");

@@ -12,8 +12,8 @@
 #include <cstdio>
 
 #include "driver/report.h"
-#include "driver/settings.h"
 #include "prelude/support.h"
+#include "statements/const_order.h"
 #include "statements/constant_value.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -29,10 +29,12 @@ OpenSelect& InnermostSelect(State& state, const std::string& keyword) {
     return state.selects.back();
 }
 
-void CloseBraces(State& state, OpenSelect& select) {
-    if (!select.braces) return;
-    select.braces = false;
+// A further label must not jump past the Locals of the case before it.
+void EndCase(State& state, OpenSelect& select) {
+    if (!select.declares) return;
+    select.declares = false;
     PopBlock();
+    select.localsPiece->text.insert(select.localsAt, select.localsIndent + "{\n");
     EmitLine(state, "}");
 }
 
@@ -78,12 +80,6 @@ std::string LabelKey(const OpenSelect& select, const ConstantValue& value) {
     return std::to_string(value.integer);
 }
 
-bool HasDivision(TokenSpan tokens) {
-    for (std::size_t i = 0; i < tokens.size(); ++i)
-        if (tokens.SignAt(i) == '/' || tokens.KeywordAt(i) == Keyword::Mod) return true;
-    return false;
-}
-
 std::string Spelling(TokenSpan tokens) {
     std::string text;
     for (const std::string& token : tokens) text += (text.empty() || Is(token, "(") ? "" : " ") + token;
@@ -93,7 +89,7 @@ std::string Spelling(TokenSpan tokens) {
 // Checks one label and gives its C++ text.
 std::string LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
-    Expr label = TranslateExpression(tokens, ExprMode::Condition);
+    Expr label = TranslateExpression(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
     std::optional<ConstantValue> value = EvaluateConstant(tokens);
     if (!value) {
@@ -107,8 +103,7 @@ std::string LabelText(OpenSelect& select, TokenSpan tokens) {
         ReportFatal("Duplicate Case label: " + Spelling(tokens));
     if (select.subject.Is(Base::Double) && !label.type.Is(Base::Double))
         return "(double)" + GuardedText(label, Level::Unary);
-    // A checked division is no constant for C++.
-    if (settings.safeMode && HasDivision(tokens) && value->kind == ConstantValue::Kind::Integer)
+    if (value->kind == ConstantValue::Kind::Integer && !IsConstantToCpp(tokens))
         return std::to_string(value->integer);
     return ValueText(label);
 }
@@ -124,7 +119,7 @@ void CompleteSwitch(OpenSelect& select) {
 
 void TranslateSelect(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
-    Expr subject = TranslateExpression(tokens.From(1), ExprMode::Condition);
+    Expr subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
     OpenSelect select;
     select.subject = subject.type;
     select.byIndex = subject.type.Is(Base::String) || subject.type.Is(Base::Double);
@@ -154,7 +149,7 @@ void TranslateCase(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");
     if (tokens.KeywordAt(1) == Keyword::Else)
         ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
-    CloseBraces(state, select);
+    EndCase(state, select);
     for (TokenSpan part : SplitAtCommas(tokens.From(1))) {
         std::string label = LabelText(select, part);
         if (select.byIndex) {
@@ -172,7 +167,7 @@ void TranslateDefault(State& state, TokenSpan tokens) {
         ReportFatal("The Select that starts at line " + std::to_string(select.line) +
                     " has a Default already");
     select.defaultSeen = true;
-    CloseBraces(state, select);
+    EndCase(state, select);
     EmitLabel(state, select, "default :");
 }
 
@@ -190,7 +185,7 @@ void TranslateEndSelect(State& state, TokenSpan tokens) {
 
 void FinishSelect(State& state) {
     OpenSelect& select = state.selects.back();
-    CloseBraces(state, select);
+    if (select.declares) PopBlock();
     if (NothingBehindLabel(state, select)) EmitLine(state, ";");
     CompleteSwitch(select);
     state.selects.pop_back();
@@ -206,8 +201,10 @@ void PrepareInSelect(State& state, Keyword keyword) {
     // A Return of arrays works with names of its own.
     const bool declares =
         keyword == Keyword::Local || (keyword == Keyword::Return && !state.localArrays.empty());
-    if (!declares || select.braces) return;
-    select.braces = true;
-    EmitLine(state, "{");
+    if (!declares || select.declares) return;
+    select.declares = true;
+    select.localsPiece = &state.out->pieces.back();
+    select.localsAt = select.localsPiece->text.size();
+    select.localsIndent.assign(static_cast<std::size_t>(state.lineIndent), '\t');
     PushBlock();
 }
