@@ -35,6 +35,11 @@ void AddGlobal(const Variable& global) {
     if (const Routine* maker = FindFunction(global.initialiser.front())) AddName(global.name, maker->result);
 }
 
+// Another order does no harm to a loop.
+bool AddsOrRemoves(Keyword keyword) {
+    return ChangesSequence(keyword) && keyword != Keyword::SeqReverse && keyword != Keyword::SeqSort;
+}
+
 void AddChange(int node, const std::string& name) {
     for (const ItemKey& key : facts.names[name]) facts.changers[key].push_back(node);
 }
@@ -108,7 +113,7 @@ void BeginSequenceChanges() {
 void ReadSequenceChanges(int node, TokenSpan tokens) {
     if (facts.names.empty()) return;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (ChangesSequence(tokens.KeywordAt(i))) ReadTarget(node, tokens, i + 1);
+        if (AddsOrRemoves(tokens.KeywordAt(i))) ReadTarget(node, tokens, i + 1);
         const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
         for (std::size_t k = i; swaps && k < tokens.size(); ++k)
             if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);

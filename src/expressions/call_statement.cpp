@@ -15,7 +15,8 @@ TokenSpan WithoutComment(TokenSpan tokens) {
 
 // An array that nobody takes must be freed all the same.
 std::string Discarded(const Expr& call) {
-    return call.form == ArrayForm::Owned ? TakeOver(call, call.type.base == Base::Element) : call.text;
+    const bool freed = call.form != ArrayForm::Owned || call.byValue;
+    return freed ? call.text : TakeOver(call, call.type.base == Base::Element);
 }
 
 }  // namespace

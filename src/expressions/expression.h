@@ -39,6 +39,7 @@ struct Expr {
     bool effects = false;  // runs code of the program; set for operands, arguments and what calls yield
     TokenSpan source;      // what it was made from; set for operands, arguments and objects
     std::shared_ptr<TextSum> sum;  // a sum of Strings, and its parts
+    bool byValue = false;     // an Owned array that comes as a std::vector, its Elements as values
     bool isConst = false;
     const Routine* routine = nullptr;    // when the expression is just a call of this routine
     const Variable* variable = nullptr;  // when the expression is just this variable
@@ -60,6 +61,11 @@ std::string ValueText(const Expr& expr);
 // The text of `expr` where C++ wants a value of type `to` in an initialiser, an assignment, an argument
 // or a Return: pointer forms of arrays, literals, conversions. The caller has checked Assignable.
 std::string TextAs(const Expr& expr, const ValueType& to);
+
+// A fresh array as a vector that frees itself, and as the pointer that a Function hands back. `slots` when the
+// vector owns the Elements in it.
+std::string TakeOver(const Expr& expr, bool slots);
+std::string HandedBack(const Expr& expr);
 
 // C++ type of an expression ("unknown" without tokens), with the verbose notes of type inference.
 std::string GetExpressionType(TokenSpan tokens);

@@ -167,6 +167,19 @@ std::string WhileAway(const Expr& sequence, bool changes, std::string text) {
     return text;
 }
 
+std::string WhileReordered(const Expr& sequence, std::string text) {
+    if (walks.empty()) return text;
+    const Place place = PlaceOf(sequence);
+    std::string told;
+    for (OpenWalk& walk : walks) {
+        if (walk.place.text == place.text)
+            told += Passage(walk, walk.name + ".Leave(); ");
+        else if (MayBeSame(walk.place, place))
+            text = Wrapped(walk, text);
+    }
+    return told + text;
+}
+
 std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text) {
     if (walks.empty() || routine.isExtern || routine.isUserlib) return text;
     for (OpenWalk& walk : walks) {

@@ -30,6 +30,9 @@ void NoteSequenceChange(const Expr& sequence);
 std::string WhileAway(const Expr& sequence, bool changes, std::string text);
 // The same for a call of one of the program's routines, which may do anything to some Sequences.
 std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text);
+// Text that only puts the items of a Sequence into another order, which every loop can go through. Walks that
+// run by KVSeqWalk anyway go on by position: __kvWalk_KVL_x.Leave(); text
+std::string WhileReordered(const Expr& sequence, std::string text);
 // An object of the class is made or, with null, some object is removed: user code that may change Sequences.
 void NoteConstruction(const ClassInfo& cls);
 void NoteDestruction();

@@ -6,7 +6,6 @@
 #include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
-#include "prelude/support.h"
 
 namespace {
 
@@ -71,13 +70,6 @@ ValueType ResultType(const SeqFunction& function, const Expr& sequence) {
     return type;
 }
 
-// The array comes like one that a Function returns.
-void HandOver(Expr& array) {
-    RequireSupport(Support::ArrayPassing);
-    array.form = ArrayForm::Owned;
-    array.text = (array.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + array.text + ")";
-}
-
 // Loops over the Sequence hear of an item that goes: (__kvWalk_KVL_x.Removing(0), KVL_s.RemoveFirst())
 std::string WithWalksTold(const std::string& lowerName, const Expr& sequence, std::string call) {
     const bool first = lowerName == "seqremovefirst";
@@ -116,7 +108,8 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     expr.text =
         WithWalksTold(lowerName, sequence, sequence.text + "." + function.member + "(" + second + ")");
     expr.type = sequence.type.IsKnown() ? ResultType(function, sequence) : ValueType();
-    if (expr.type.IsArray()) HandOver(expr);
+    expr.byValue = expr.type.IsArray();
+    if (expr.byValue) expr.form = ArrayForm::Owned;
     expr.isCall = true;
     if (MovesOrRemoves(lowerName)) ++callCount;
     return expr;

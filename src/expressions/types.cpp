@@ -14,11 +14,18 @@ std::string Suffix(const ValueType& type) { return type.dims == 1 ? "" : std::to
 }  // namespace
 
 std::string TakeOver(const Expr& expr, bool slots) {
+    const bool plain = expr.type.base != Base::Element && expr.type.base != Base::Bool;
+    if (expr.byValue && plain) return expr.text;
     if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
-    RequireSupport(Support::ArrayPassing);
     if (expr.type.base == Base::Bool) RequireSupport(Support::BoolArray);
     if (slots) RequireSupport(Support::ElementSlots);
-    return (slots ? "__kvTakeSlots" : "__kvTakeArray") + Suffix(expr.type) + "(" + expr.text + ")";
+    return (slots ? "__kvTakeSlots" : "__kvTakeArray") + Suffix(expr.type) + "(" + HandedBack(expr) + ")";
+}
+
+std::string HandedBack(const Expr& expr) {
+    RequireSupport(Support::ArrayPassing);
+    if (!expr.byValue) return expr.text;
+    return (expr.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + expr.text + ")";
 }
 
 namespace {

@@ -78,8 +78,6 @@ std::string ArgumentText(const Expr& expr, const ValueType& parameter);
 
 // Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
 void CheckAssignable(const Expr& target, const Expr& value);
-// A fresh array as a vector that frees itself; `slots` when it owns the Elements in it.
-std::string TakeOver(const Expr& expr, bool slots);
 
 // The indices behind an array; `variable` is the variable or Field that it is, null for other expressions.
 Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable);

@@ -208,21 +208,19 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& fra
     return text;
 }
 
-std::string TakenArray(const ValueType& type, ArrayPlace place, const std::string& call) {
-    RequireSupport(Support::ArrayPassing);
+std::string TakenArray(const Expr& value, ArrayPlace place) {
+    const ValueType& type = value.type;
     RequireFor(type, place);
     if (type.dims > maxPassedDimensions)
         ReportFatal("An array that a Function returns can have at most " +
                     std::to_string(maxPassedDimensions) + " dimensions");
-    const bool slots = type.base == Base::Element && place != ArrayPlace::Local;
-    const std::string dimensions = type.dims > 1 ? std::to_string(type.dims) : "";
-    return (slots ? "__kvTakeSlots" : "__kvTakeArray") + dimensions + "(" + call + ")";
+    return TakeOver(value, type.base == Base::Element && place != ArrayPlace::Local);
 }
 
 ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken) {
     ArrayText text;
-    text.variable = ArrayCppName(array.type, place) + " " + array.cppName + " = " +
-                    TakenArray(array.type, place, value.text) + ";";
+    text.variable =
+        ArrayCppName(array.type, place) + " " + array.cppName + " = " + TakenArray(value, place) + ";";
     for (std::size_t k = 0; k < static_cast<std::size_t>(array.type.dims); ++k) {
         const int dimension = static_cast<int>(k);
         std::string size = MeasuredSize(array.cppName, dimension);

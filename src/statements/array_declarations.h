@@ -43,7 +43,7 @@ struct TakenSizes {
 ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken);
 
 // The expression that takes over the array a call returns.
-std::string TakenArray(const ValueType& type, ArrayPlace place, const std::string& call);
+std::string TakenArray(const Expr& value, ArrayPlace place);
 
 // Ends the run with the message for one array given to another.
 [[noreturn]] void FailArrayAssignment();

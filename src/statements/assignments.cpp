@@ -66,7 +66,7 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
     if (type != value.type) FailMismatch(value.type, type, target.text);
     EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) +
-                        " _from = " + TakenArray(type, ArrayPlace::Inner, value.text) + ";");
+                        " _from = " + TakenArray(value, ArrayPlace::Inner) + ";");
     std::string loops, indices;
     for (int k = 0; k < type.dims; ++k) {
         const std::string i = "_i" + std::to_string(k);

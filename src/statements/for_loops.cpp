@@ -108,8 +108,8 @@ Collection CollectionOf(const State& state, TokenSpan tokens) {
         collection.copies = RowsCopy(state, expr);
     }
     if (expr.type.IsArray()) {
-        collection.slot = element;
-        collection.pointers = element || collection.item.Is(Base::Object);
+        collection.slot = element && !expr.byValue;
+        collection.pointers = collection.slot || collection.item.Is(Base::Object);
     }
     return collection;
 }

@@ -115,8 +115,9 @@ bool IsWorkedOutBefore(const State& state, const Expr& value, TokenSpan tokens) 
 std::string ReturnedText(State& state, const ValueType& result, const Expr& value, bool before) {
     if (value.type.IsArray()) RecordSizes(state, value);
     if (IsCopied(value)) return CopyOfArray(state, value);
-    const bool converted = result.IsKnown() && !value.type.IsArray();
-    const std::string text = converted ? TextAs(value, result) : ValueText(value);
+    const std::string text = value.type.IsArray() ? HandedBack(value)
+                             : result.IsKnown()   ? TextAs(value, result)
+                                                  : ValueText(value);
     if (!before) return text;
     EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
     return valueName;

@@ -198,10 +198,7 @@ void PrepareInSelect(State& state, Keyword keyword) {
     if (!select.labelSeen && !select.warned && !lenient)
         Warn("What stands between 'Select' and its first 'Case' never runs");
     select.warned = !select.labelSeen;
-    // A Return of arrays works with names of its own.
-    const bool declares =
-        keyword == Keyword::Local || (keyword == Keyword::Return && !state.localArrays.empty());
-    if (!declares || select.declares) return;
+    if (keyword != Keyword::Local || select.declares) return;
     select.declares = true;
     select.localsPiece = &state.out->pieces.back();
     select.localsAt = select.localsPiece->text.size();

@@ -9,16 +9,20 @@ namespace {
 
 enum class Argument : unsigned char { Index, Value, Sequence, Array, Order };
 
+// What becomes of the Sequence: nothing that a loop over it could meet, another order, or items come and go.
+enum class Change : unsigned char { None, Order, Items };
+
 // What the statement tells the loops over the Sequence that it stands in: a member of KVSeqWalk that its
 // first argument goes through, or one called before it; null for a change that no loop has to know about.
 struct Notice {
     const char* byArgument;
     const char* before;
-    bool changes;  // items come, go or move
+    Change change;
 };
-constexpr Notice unseen = {nullptr, nullptr, true};
-constexpr Notice moves = {nullptr, "Leave", true};
-constexpr Notice inPlace = {nullptr, nullptr, false};
+constexpr Notice unseen = {nullptr, nullptr, Change::Items};
+constexpr Notice moves = {nullptr, "Leave", Change::Items};
+constexpr Notice inPlace = {nullptr, nullptr, Change::None};
+constexpr Notice reorders = {nullptr, nullptr, Change::Order};
 
 struct Row {
     const char* word;
@@ -33,7 +37,7 @@ const Row rows[] = {
     {"seqinsert",
      "InsertAt",
      {Argument::Index, Argument::Value},
-     {"Inserting", nullptr, true},
+     {"Inserting", nullptr, Change::Items},
      "SeqInsert expects: SeqInsert seq, index, value"},
     {"seqset",
      "Set",
@@ -43,23 +47,23 @@ const Row rows[] = {
     {"seqdelete",
      "DeleteValue",
      {Argument::Value},
-     {"RemovingValue", nullptr, true},
+     {"RemovingValue", nullptr, Change::Items},
      "SeqDelete expects: SeqDelete seq, value"},
     {"seqdeleteat",
      "DeleteAt",
      {Argument::Index},
-     {"Removing", nullptr, true},
+     {"Removing", nullptr, Change::Items},
      "SeqDeleteAt expects: SeqDeleteAt seq, index"},
     {"seqclear", "Clear", {}, moves, "SeqClear expects: SeqClear seq"},
     {"seqaddfirst",
      "AddFirst",
      {Argument::Value},
-     {nullptr, "InsertingFirst", true},
+     {nullptr, "InsertingFirst", Change::Items},
      "SeqAddFirst expects: SeqAddFirst seq, value"},
-    {"seqreverse", "Reverse", {}, moves, "SeqReverse expects: SeqReverse seq"},
+    {"seqreverse", "Reverse", {}, reorders, "SeqReverse expects: SeqReverse seq"},
     {"seqswap", "Swap", {Argument::Sequence}, moves, "SeqSwap expects: SeqSwap seqA, seqB"},
     {"seqfromarray", "FromArray", {Argument::Array}, moves, "SeqFromArray expects: SeqFromArray seq, array"},
-    {"seqsort", "", {Argument::Order}, moves, "SeqSort expects: SeqSort seq [, ascending]"},
+    {"seqsort", "", {Argument::Order}, reorders, "SeqSort expects: SeqSort seq [, ascending]"},
 };
 
 const Row& RowOf(const std::string& keyword) {
@@ -125,8 +129,8 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
             "SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
             "add its items with SeqAdd in a For loop.");
     std::string source = WalkableText(array);
-    bool whole =
-        from == item && !item.Is(Base::Element) && !item.Is(Base::Bool) && array.form != ArrayForm::Fixed;
+    const bool stored = array.byValue || (!item.Is(Base::Element) && !item.Is(Base::Bool));
+    const bool whole = from == item && stored && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
         EmitLine(state, WhileAway(sequence, true, target + ".FromArray(" + source + ")") + ";");
         return;
@@ -136,10 +140,12 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
                         ") " + WhileAway(sequence, true, target + ".Add(" + value + ")") + ";");
 }
 
-bool ComparesWith(const ClassInfo& cls) {
+// The Method that sorts items of the class; null when it has none that fits.
+const Routine* CompareOf(const ClassInfo& cls) {
     const Routine* compare = FindMethod(cls, "Compare");
-    return compare != nullptr && compare->parameters.size() == 1 && compare->result.IsNumber() &&
-           Assignable(compare->parameters[0].type, Single(Base::Element, &cls));
+    const bool fits = compare != nullptr && compare->parameters.size() == 1 && compare->result.IsNumber() &&
+                      Assignable(compare->parameters[0].type, Single(Base::Element, &cls));
+    return fits ? compare : nullptr;
 }
 
 Expr ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Row& row,
@@ -179,21 +185,22 @@ std::string MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts
 }
 
 // Ascending without an order.
-void EmitSort(State& state, const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
-              const std::string& keyword) {
+std::string SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
+                     const std::string& keyword) {
     const ClassInfo* cls = sequence.type.cls;
-    if (cls != nullptr && !lenient && !ComparesWith(*cls))
+    const Routine* compare = cls != nullptr ? CompareOf(*cls) : nullptr;
+    if (cls != nullptr && compare == nullptr && !lenient)
         ReportFatal("SeqSort on a Sequence of " + cls->name +
                     " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
     const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
     const std::string call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
                                                : MemberCall(sequence, parts, row, keyword, member);
-    EmitLine(state, WhileAway(sequence, true, call) + ";");
+    return compare == nullptr ? call : CallWhileAway(*compare, {}, call);
 }
 
 // On a line of its own: __kvWalk_KVL_x.Leave();
 void TellWalksBefore(State& state, const Expr& sequence, const Row& row) {
-    if (row.notice.changes) NoteSequenceChange(sequence);
+    if (row.notice.change == Change::Items) NoteSequenceChange(sequence);
     if (row.notice.before == nullptr) return;
     const std::string calls = WalkCalls(sequence, row.notice.before, "; ");
     if (!calls.empty()) EmitLine(state, calls.substr(0, calls.size() - 1));
@@ -211,12 +218,11 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     const bool orderLeftOut = sorts && parts.size() == 1;
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
     TellWalksBefore(state, sequence, row);
-    if (sorts)
-        EmitSort(state, sequence, parts, row, keyword);
-    else if (IsWord(keyword, "seqfromarray"))
-        EmitFromArray(state, sequence, parts[1], row);
-    else
-        EmitLine(state, WhileAway(sequence, row.notice.changes,
-                                  MemberCall(sequence, parts, row, keyword, row.member)) +
-                            ";");
+    if (IsWord(keyword, "seqfromarray")) return EmitFromArray(state, sequence, parts[1], row);
+    const std::string call = sorts ? SortCall(sequence, parts, row, keyword)
+                                   : MemberCall(sequence, parts, row, keyword, row.member);
+    const Change change = row.notice.change;
+    EmitLine(state, (change == Change::Order ? WhileReordered(sequence, call)
+                                             : WhileAway(sequence, change == Change::Items, call)) +
+                        ";");
 }

@@ -1,7 +1,6 @@
 #include "statements/words.h"
 
 #include "driver/report.h"
-#include "prelude/support.h"
 
 std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from) {
     for (std::size_t i = from; i < tokens.size(); ++i)
@@ -46,9 +45,6 @@ std::string GuardedText(const Expr& expr, Level weakest) {
 }
 
 std::string WalkableText(const Expr& expr) {
-    if (expr.form != ArrayForm::Owned) return ValueText(expr);
-    if (expr.type.base != Base::Element || expr.type.dims != 1) return TextAs(expr, expr.type);
-    RequireSupport(Support::ArrayPassing);
-    RequireSupport(Support::ElementSlots);
-    return "__kvTakeSlots(" + expr.text + ")";
+    if (expr.form != ArrayForm::Owned || expr.byValue) return ValueText(expr);
+    return TakeOver(expr, expr.type.base == Base::Element && expr.type.dims == 1);
 }
