@@ -6,6 +6,7 @@
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
 #include "prelude/header.h"
+#include "symbols/name_scan.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
     BeginPiece(out, Piece::Kind::Opening);
     PutLine(out, "#include \"" + out.base + ".h\"");
     if (settings.debugMode) {
-        PutLine(out, "#include \"kvdebug.h\"");
+        PutLine(out, IsBaseName("kvdebug") ? "#include <kvdebug.h>" : "#include \"kvdebug.h\"");
         if (out.isMain) PutLine(out, "void __kvReportGlobals();");
     }
     PutLine(out, "");

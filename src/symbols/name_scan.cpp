@@ -137,3 +137,5 @@ bool BaseNameIsShared(const std::string& source) {
     const auto count = baseNames.find(BaseName(source));
     return count != baseNames.end() && count->second > 1;
 }
+
+bool IsBaseName(const std::string& name) { return baseNames.count(BaseName(name + ".kvl")) != 0; }
