@@ -58,7 +58,7 @@ auto FindPutOff(const std::string& path) {
     return putOff.find({facts.device, facts.number});
 }
 
-bool CanOpen(const std::string& path) { return static_cast<bool>(std::ofstream(path, std::ios::app)); }
+bool CanOpen(const std::string& path) { return static_cast<bool>(std::ofstream(fs::path(path), std::ios::app)); }
 
 // New files, those that take the place of a link and those of the previous build are not opened before they are
 // written.
@@ -96,7 +96,7 @@ bool TakeOver(const std::string& path) {
 void DeletePutOff(const std::string& path) {
     const auto found = FindPutOff(path);
     if (found == putOff.end()) return;
-    std::remove(found->second.c_str());
+    Remove(found->second);
     putOff.erase(found);
 }
 
@@ -117,11 +117,11 @@ bool WriteOutput(const std::string& path, const std::string& text) {
 void DropOutput(const std::string& path) {
     const auto reservation = reservations.find(path);
     if (reservation != reservations.end()) reservation->second.made = true;
-    if (!settings.checkOnly) std::remove(path.c_str());
+    if (!settings.checkOnly) Remove(path);
 }
 
 void SettleOutputs() {
-    for (const auto& [key, path] : putOff) std::remove(path.c_str());
+    for (const auto& [key, path] : putOff) Remove(path);
     putOff.clear();
     for (const auto& [path, reservation] : reservations) {
         if (reservation.creatable && !reservation.made) WriteContents(path, "");

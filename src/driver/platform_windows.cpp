@@ -2,22 +2,23 @@
 #include <windows.h>
 
 #include "driver/platform.h"
+#include "driver/utf8.h"
 
 std::string ExecutablePath() {
-    char buffer[260];
-    const DWORD length = GetModuleFileNameA(nullptr, buffer, sizeof buffer);
-    return std::string(buffer, length);
+    wchar_t buffer[260];
+    const DWORD length = GetModuleFileNameW(nullptr, buffer, 260);
+    return Narrow(std::wstring(buffer, length));
 }
 
-bool ChangeFolder(const std::string& folder) { return SetCurrentDirectoryA(folder.c_str()) != 0; }
+bool ChangeFolder(const std::string& folder) { return SetCurrentDirectoryW(Wide(folder).c_str()) != 0; }
 
 std::string AbsolutePath(const std::string& path) {
-    char buffer[4096];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof buffer, buffer, nullptr);
-    return length > 0 && length < sizeof buffer ? std::string(buffer, length) : path;
+    wchar_t buffer[4096];
+    const DWORD length = GetFullPathNameW(Wide(path).c_str(), 4096, buffer, nullptr);
+    return length > 0 && length < 4096 ? Narrow(std::wstring(buffer, length)) : path;
 }
 
 std::int64_t FileTime(const std::string& path) {
     struct _stat64 status;
-    return _stat64(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
+    return _wstat64(Wide(path).c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
 }

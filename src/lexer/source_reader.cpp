@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "driver/report.h"
+#include "driver/utf8.h"
 
 bool IsNoFile(const std::string& path) {
     std::error_code failed;
@@ -15,7 +16,7 @@ bool IsNoFile(const std::string& path) {
 bool ReadFile(const std::string& path, std::string& text) {
     text.clear();
     if (IsNoFile(path)) return false;  // a pipe would keep us waiting
-    std::FILE* file = std::fopen(path.c_str(), "rb");
+    std::FILE* file = OpenFile(path, "rb");
     if (!file) return false;
     char buffer[65536];
     std::size_t got = 0;

@@ -1,21 +1,14 @@
 #include "linking/linker_flags.h"
 
-#include <algorithm>
-
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
-// The folder of the current source file, without characters outside ASCII.
 static std::string CurrentFolder() {
     const std::string& file = settings.currentFile;
-    if (file.find_first_of("/\\") == std::string::npos) return ".";
-    std::string folder = FolderOf(file);
-    const auto outside = [](char c) { return static_cast<signed char>(c) < 1; };
-    folder.erase(std::remove_if(folder.begin(), folder.end(), outside), folder.end());
-    return folder;
+    return file.find_first_of("/\\") == std::string::npos ? "." : FolderOf(file);
 }
 
 std::string LinkerFlagsPath() { return StripExtension(settings.mainSource) + ".linkflags"; }

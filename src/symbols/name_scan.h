@@ -13,5 +13,6 @@ bool BaseNameIsShared(const std::string& source);
 
 // True when the path leads to one of the files that the program is read from, links followed.
 bool IsSource(const std::string& path);
+
 // True when a file of the program has this name, folder, extension and case aside.
 bool IsBaseName(const std::string& name);

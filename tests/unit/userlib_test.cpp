@@ -304,10 +304,10 @@ TEST_F(Userlib, CollectsLinkerFlags) {
     settings.currentLine = 7;
     AddLinkerFlag("-lz");
     EXPECT_EQ(symbols.linkerFlags,
-              (std::vector<std::string>{"-lm", "-L\"game/lib\"", "\"", "-lz", "-L\".\"", "-lz"}));
+              (std::vector<std::string>{"-lm", "-L\"game/lib\xC3\xA4\"", "\"", "-lz", "-L\".\"", "-lz"}));
     EXPECT_EQ(
         testing::internal::GetCapturedStdout(),
-        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\"\n  - Adding linker flag: \"\n"
+        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\xC3\xA4\"\n  - Adding linker flag: \"\n"
         "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n  - Adding linker flag: -lz\n");
 }
 
