@@ -1,6 +1,5 @@
 #include "build/output_files.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -58,7 +57,14 @@ auto FindPutOff(const std::string& path) {
     return putOff.find({facts.device, facts.number});
 }
 
-bool CanOpen(const std::string& path) { return static_cast<bool>(std::ofstream(fs::path(path), std::ios::app)); }
+bool CanOpen(const std::string& path) {
+    return static_cast<bool>(std::ofstream(fs::path(path), std::ios::app));
+}
+
+void Remove(const std::string& path) {
+    std::error_code failed;
+    fs::remove(path, failed);
+}
 
 // New files, those that take the place of a link and those of the previous build are not opened before they are
 // written.

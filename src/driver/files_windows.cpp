@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "driver/files.h"
+#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 
 // Nothing is known for certain here, so nobody leaves out a step that this knowledge would spare.
@@ -20,11 +21,12 @@ static bool Holds(const std::string& path, const std::string& text) {
 
 bool WriteContents(const std::string& path, const std::string& text) {
     if (Holds(path, text)) return true;
-    std::FILE* file = std::fopen(path.c_str(), "wb");
+    std::FILE* file = OpenFile(path, "wb");
     if (!file) return false;
     const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
     if (std::fclose(file) == 0 && written) return true;
-    std::remove(path.c_str());
+    std::error_code failed;
+    std::filesystem::remove(path, failed);
     return false;
 }
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "driver/paths.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
 #include "kv/private_folder.h"
@@ -63,9 +64,7 @@ bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string&
 }  // namespace
 
 std::string ProgramName(const std::string& source) {
-    std::string name = fs::path(source).filename().string();
-    const std::size_t dot = name.rfind('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
+    return StripExtension(StripFolder(source));  // as kvt names what it makes
 }
 
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
