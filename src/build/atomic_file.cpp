@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "driver/files.h"
+#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
@@ -12,21 +13,21 @@ bool ReplaceFile(const std::string& path, const std::string& text) {
     if (FileSize(path) == text.size() && ReadFile(path, before) && before == text) return true;
     const std::string passing = path + ".new";
     std::error_code failed;
-    if (fs::exists(path, failed) && !fs::is_regular_file(path, failed)) return false;
+    if (fs::exists(PathOf(path), failed) && !fs::is_regular_file(PathOf(path), failed)) return false;
     if (!WriteContents(passing, text)) return false;
-    fs::rename(passing, path, failed);
+    fs::rename(PathOf(passing), PathOf(path), failed);
     if (!failed) return true;
-    fs::remove(passing, failed);
+    fs::remove(PathOf(passing), failed);
     return false;
 }
 
 bool FileExists(const std::string& path) {
     std::error_code failed;
-    return fs::exists(path, failed);
+    return fs::exists(PathOf(path), failed);
 }
 
 std::uintmax_t FileSize(const std::string& path) {
     std::error_code failed;
-    const std::uintmax_t size = fs::file_size(path, failed);
+    const std::uintmax_t size = fs::file_size(PathOf(path), failed);
     return failed ? 0 : size;
 }

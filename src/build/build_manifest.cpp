@@ -13,6 +13,7 @@
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"
@@ -53,11 +54,11 @@ std::string Normalised(const std::string& path) {
 
 // The place in the file system that a path reaches when every link on the way is followed. Links come
 // before "..": out/link/../x is a neighbour of what the link names.
-std::string Resolved(const fs::path& path) {
+std::string Resolved(const std::string& path) {
     std::error_code failed;
-    const fs::path full = fs::absolute(path, failed);
+    const fs::path full = fs::absolute(PathOf(path), failed);
     const fs::path real = fs::weakly_canonical(full, failed);
-    return failed ? "?" : WithoutTrailingSlash(WithForwardSlashes(real.string()));
+    return failed ? "?" : WithoutTrailingSlash(WithForwardSlashes(TextOf(real)));
 }
 
 // The root of the file system holds only its own files here, not everything.
@@ -75,7 +76,7 @@ std::string ExtensionOf(const std::string& path) {
 
 bool SameFile(const std::string& a, const std::string& b) {
     std::error_code failed;
-    return fs::equivalent(a, b, failed) && !failed;
+    return fs::equivalent(PathOf(a), PathOf(b), failed) && !failed;
 }
 
 std::string SourcePath(const std::string& includeName) { return settings.sourceFolder + "/" + includeName; }
@@ -157,9 +158,8 @@ private:
     // By its text, and also where the links in it lead.
     bool IsInside(const std::string& line) {
         const std::string path = Normalised(line);
-        const fs::path parent = fs::path(line).parent_path();
-        const std::string real =
-            ResolvedFolder(parent.empty() ? "." : parent.string()) + "/" + StripFolder(line);
+        const std::string parent = TextOf(PathOf(line).parent_path());
+        const std::string real = ResolvedFolder(parent.empty() ? "." : parent) + "/" + StripFolder(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
         for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
@@ -193,12 +193,12 @@ private:
 
     void Delete(const std::string& line) {
         std::error_code failed;
-        if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(line, failed))) return;
+        if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(PathOf(line), failed))) return;
         if (IsPutOff(line)) return;  // counted already
         const bool mayComeAgain = EndsWith(line, ".cpp") || EndsWith(line, ".h");
         if (mayComeAgain && PutOffDeletion(line)) {
             ++count;
-        } else if (fs::remove(line, failed) && !failed) {
+        } else if (fs::remove(PathOf(line), failed) && !failed) {
             ++count;
         }
     }
@@ -214,7 +214,7 @@ void WriteBuildManifest(const std::string& outputPath) {
     const bool stood = TakeOver(path);
     if (ReplaceFile(path, text)) return;
     std::error_code failed;
-    if (stood) fs::remove(path, failed);
+    if (stood) fs::remove(PathOf(path), failed);
     Say("Warning: Could not create build manifest");
 }
 
@@ -229,7 +229,7 @@ void CleanPreviousBuild(const std::string& outputPath) {
         if (!line.empty()) cleaner.Clean(line);
     }
     std::error_code failed;
-    if (!PutOffDeletion(path)) fs::remove(path, failed);
+    if (!PutOffDeletion(path)) fs::remove(PathOf(path), failed);
     if (cleaner.Count() > 0) {
         Say("Cleaned " + std::to_string(cleaner.Count()) + " file(s) from previous build");
     }

@@ -13,6 +13,7 @@
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
@@ -191,17 +192,17 @@ void DistrustDependencyManifest() {
     std::error_code failed;
     DependencyRecord record;
     if (!ReadFile(path, trusted) || !ReadRecord(trusted, record)) return trusted.clear();
-    trustedTime = fs::last_write_time(path, failed);
+    trustedTime = fs::last_write_time(PathOf(path), failed);
     record.cppTimes[ExpectedCpp()];
     for (auto& [cpp, time] : record.cppTimes) time = 0;  // debug builds share files with others
-    if (!WriteContents(path, RecordText(record))) fs::remove(path, failed);
+    if (!WriteContents(path, RecordText(record))) fs::remove(PathOf(path), failed);
 }
 
 void TrustDependencyManifest() {
     if (trusted.empty()) return;
     const std::string path = ManifestPath(settings.mainSource, settings.outputPath);
     std::error_code failed;
-    if (ReplaceFile(path, trusted)) fs::last_write_time(path, trustedTime, failed);
+    if (ReplaceFile(path, trusted)) fs::last_write_time(PathOf(path), trustedTime, failed);
 }
 
 void ResetDependencies() {

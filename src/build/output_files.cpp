@@ -8,6 +8,7 @@
 #include "driver/files.h"
 #include "driver/paths.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 
 namespace fs = std::filesystem;
 
@@ -51,19 +52,19 @@ auto FindPutOff(const std::string& path) {
     FileFacts facts = Examine(path);
     if (facts.kind == FileFacts::Kind::Link) {
         std::error_code failed;
-        facts = Examine(fs::canonical(path, failed).string());
+        facts = Examine(TextOf(fs::canonical(PathOf(path), failed)));
     }
     if (facts.kind != FileFacts::Kind::Regular) return putOff.end();
     return putOff.find({facts.device, facts.number});
 }
 
 bool CanOpen(const std::string& path) {
-    return static_cast<bool>(std::ofstream(fs::path(path), std::ios::app));
+    return static_cast<bool>(std::ofstream(PathOf(path), std::ios::app));
 }
 
 void Remove(const std::string& path) {
     std::error_code failed;
-    fs::remove(path, failed);
+    fs::remove(PathOf(path), failed);
 }
 
 // New files, those that take the place of a link and those of the previous build are not opened before they are

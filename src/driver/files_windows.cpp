@@ -15,8 +15,8 @@ bool MayChangeFolder(const std::string&) { return false; }
 static bool Holds(const std::string& path, const std::string& text) {
     std::error_code failed;
     std::string before;
-    return std::filesystem::file_size(path, failed) == text.size() && !failed && ReadFile(path, before) &&
-           before == text;
+    return std::filesystem::file_size(PathOf(path), failed) == text.size() && !failed &&
+           ReadFile(path, before) && before == text;
 }
 
 bool WriteContents(const std::string& path, const std::string& text) {
@@ -26,7 +26,7 @@ bool WriteContents(const std::string& path, const std::string& text) {
     const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
     if (std::fclose(file) == 0 && written) return true;
     std::error_code failed;
-    std::filesystem::remove(path, failed);
+    std::filesystem::remove(PathOf(path), failed);
     return false;
 }
 

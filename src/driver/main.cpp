@@ -1,6 +1,5 @@
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <new>
 
 #include "driver/build.h"
@@ -13,11 +12,7 @@ int main(int argc, char** argv) {
     {
         const Utf8Console console;
         PrintBanner();
-        try {
-            if (ParseCommandLine(CommandLineWords(argc, argv))) BuildProgram();
-        } catch (const std::filesystem::filesystem_error&) {
-            ReportFatal("The name of a file or folder is not written in UTF-8");
-        }
+        if (ParseCommandLine(CommandLineWords(argc, argv))) BuildProgram();
         std::fflush(nullptr);
     }
     std::_Exit(0);  // freeing the tables one by one would take up to a tenth of the run

@@ -2,8 +2,14 @@
 #pragma once
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
+
+// A path for std::filesystem, and its text, with the system's separators or with "/".
+std::filesystem::path PathOf(const std::string& text);
+std::string TextOf(const std::filesystem::path& path);
+std::string GenericTextOf(const std::filesystem::path& path);
 
 // std::fopen for a path in UTF-8.
 std::FILE* OpenFile(const std::string& path, const char* mode);
@@ -24,7 +30,7 @@ public:
 };
 
 #ifdef _WIN32
-// As the calls of Windows take and give it.
+// As the calls of Windows take and give it. What is no UTF-8, or no UTF-16, becomes a name that no file has.
 std::wstring Wide(const std::string& text);
 std::string Narrow(const std::wstring& text);
 #endif

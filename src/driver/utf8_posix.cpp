@@ -2,6 +2,12 @@
 
 #include "driver/utf8.h"
 
+std::filesystem::path PathOf(const std::string& text) { return text; }
+
+std::string TextOf(const std::filesystem::path& path) { return path.string(); }
+
+std::string GenericTextOf(const std::filesystem::path& path) { return path.generic_string(); }
+
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
 std::vector<std::string> CommandLineWords(int argc, char** argv) {

@@ -22,6 +22,12 @@ std::string Narrow(const std::wstring& text) {
     return narrow;
 }
 
+std::filesystem::path PathOf(const std::string& text) { return Wide(text); }
+
+std::string TextOf(const std::filesystem::path& path) { return Narrow(path.wstring()); }
+
+std::string GenericTextOf(const std::filesystem::path& path) { return Narrow(path.generic_wstring()); }
+
 std::FILE* OpenFile(const std::string& path, const char* mode) {
     return _wfopen(Wide(path).c_str(), Wide(mode).c_str());
 }

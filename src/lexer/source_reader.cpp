@@ -8,7 +8,7 @@
 
 bool IsNoFile(const std::string& path) {
     std::error_code failed;
-    const auto kind = std::filesystem::status(path, failed).type();
+    const auto kind = std::filesystem::status(PathOf(path), failed).type();
     using Kind = std::filesystem::file_type;
     return kind != Kind::regular && kind != Kind::not_found && kind != Kind::none;
 }

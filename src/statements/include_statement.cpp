@@ -8,6 +8,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "expressions/expression.h"
 #include "lexer/source_reader.h"
 #include "statements/program.h"
@@ -31,8 +32,9 @@ std::string IncludeOutputFolder(const IncludeName& name) {
     std::string folder = settings.outputPath + "/" + name.folder;
     if (settings.checkOnly || !there.insert(folder).second) return folder;
     std::error_code error;
-    fs::create_directories(folder, error);
-    if (!fs::is_directory(folder, error)) ReportFatal("Cannot create include directory in output path");
+    fs::create_directories(PathOf(folder), error);
+    if (!fs::is_directory(PathOf(folder), error))
+        ReportFatal("Cannot create include directory in output path");
     return folder;
 }
 
@@ -59,7 +61,7 @@ namespace {
 // Include names start at the top folder; a .cpp in a sub-folder has to climb up to it first.
 std::string AsSeenFrom(const FileOutput& out, const std::string& path) {
     if (out.folder == settings.outputPath) return path;
-    return fs::path(settings.outputPath + "/" + path).lexically_relative(out.folder).generic_string();
+    return GenericTextOf(PathOf(settings.outputPath + "/" + path).lexically_relative(PathOf(out.folder)));
 }
 
 void EmitIncludeLine(State& state, const std::string& stem, const std::string& source) {
@@ -88,7 +90,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     std::string folder = IncludeOutputFolder(name);
     RefuseNoFile(source);
     std::error_code error;
-    if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
+    if (!fs::is_regular_file(PathOf(source), error)) ReportFatal("Include file does not exist.");
     EmitIncludeLine(state, StemOf(name), source);
     NoteInclude(name);
     if (!lenient) TranslateFile(source, folder, false, false);  // else the strict run translates it

@@ -7,6 +7,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 #include "prelude/header.h"
 #include "symbols/name_scan.h"
@@ -21,8 +22,8 @@ bool LiesOutside(const std::string& folder) {
     const auto [entry, isNew] = known.emplace(folder, false);
     if (isNew && folder != settings.outputPath) {
         std::error_code failed;
-        const fs::path way =
-            fs::canonical(folder, failed).lexically_relative(fs::canonical(settings.outputPath, failed));
+        const fs::path way = fs::canonical(PathOf(folder), failed)
+                                 .lexically_relative(fs::canonical(PathOf(settings.outputPath), failed));
         entry->second = way.empty() || *way.begin() == "..";
     }
     return entry->second;
@@ -37,9 +38,9 @@ bool BeginsAlike(const std::string& a, const std::string& b) {
 // half-way got with it).
 bool IsOurs(const FileOutput& out, const std::string& path) {
     std::error_code failed;
-    if (!fs::exists(fs::symlink_status(path, failed)) || IsPutOff(path)) return true;
+    if (!fs::exists(fs::symlink_status(PathOf(path), failed)) || IsPutOff(path)) return true;
     std::string header, text;
-    if (fs::is_symlink(path, failed) || !ReadFile(path, text)) return false;
+    if (fs::is_symlink(PathOf(path), failed) || !ReadFile(path, text)) return false;
     if (path == HeaderPath(out)) return IsHeaderText(text);
     return BeginsAlike(text, "#include \"" + out.base + ".h\"\n") && ReadFile(HeaderPath(out), header) &&
            IsHeaderText(header);

@@ -9,6 +9,7 @@
 #include "driver/parallel.h"
 #include "driver/paths.h"
 #include "driver/report.h"
+#include "driver/utf8.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "symbols/source_lines.h"
@@ -106,7 +107,7 @@ bool FoldersAreDistinct() {
     for (const FileOutput& file : program.files) {
         std::error_code failed;
         if (named.insert(file.folder).second)
-            real.insert(std::filesystem::canonical(file.folder, failed).string());
+            real.insert(TextOf(std::filesystem::canonical(PathOf(file.folder), failed)));
     }
     return named.size() == real.size();
 }

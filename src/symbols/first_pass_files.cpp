@@ -4,6 +4,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "linking/linker_flags.h"
 #include "linking/userlib_reader.h"
 #include "statements/translate.h"
@@ -22,7 +23,7 @@ bool IsProcessed(const std::string& name) { return symbols.processedNames.count(
 
 bool FileExists(const std::string& path) {
     std::error_code error;
-    return std::filesystem::is_regular_file(path, error);
+    return std::filesystem::is_regular_file(PathOf(path), error);
 }
 
 void SkipDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate include: " + name); }

@@ -8,6 +8,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "symbols/identifiers.h"
 #include "symbols/inline_cpp.h"
 #include "symbols/source_lines.h"
@@ -129,7 +130,7 @@ bool IsSource(const std::string& path) {
     const auto [begin, end] = sourcesByName.equal_range(Lower(StripFolder(path)));
     return std::any_of(begin, end, [&path](const auto& source) {
         std::error_code failed;
-        return std::filesystem::equivalent(source.second, path, failed) && !failed;
+        return std::filesystem::equivalent(PathOf(source.second), PathOf(path), failed) && !failed;
     });
 }
 

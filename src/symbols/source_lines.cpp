@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "driver/settings.h"
+#include "driver/utf8.h"
 
 namespace {
 
@@ -92,7 +93,7 @@ static bool IsNormal(const std::string& path) {
 
 std::string FileId(const std::string& path) {
     if (IsNormal(path)) return path;
-    return std::filesystem::path(path).lexically_normal().generic_string();
+    return GenericTextOf(PathOf(path).lexically_normal());
 }
 
 std::string JoinTokens(TokenSpan tokens) {
