@@ -17,8 +17,17 @@
 
 namespace {
 
+// The folder of the executable in the characters that every platform call takes.
+std::string ExecutableFolder() {
+    std::string folder;
+    for (const char c : FolderOf(ExecutablePath())) {
+        if (c >= 1 && static_cast<unsigned char>(c) <= 127) folder += c;
+    }
+    return folder;
+}
+
 void MoveToInstallationRoot() {
-    const std::string folder = FolderOf(ExecutablePath());
+    const std::string folder = ExecutableFolder();
     if (!ChangeFolder(folder)) {
         Say("Failed to change to: " + folder);
         ReportFatal("Cannot change working directory to exe directory");
