@@ -1,5 +1,6 @@
 // Class bodies and routines: who has to stand behind whose body.
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -43,20 +44,27 @@ struct Layout {
     std::vector<const ClassInfo*> needs;
 };
 
+// Puts what a class holds by value before it: the bodies that are met too late move, all at once.
 class ClassPlacer {
 public:
-    explicit ClassPlacer(Program& program) {
+    explicit ClassPlacer(Program& p) : program(p) {
         ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Note(file, piece); });
     }
 
     void Run() {
-        for (const ClassInfo* cls : order) Place(cls, nullptr);
+        for (const ClassInfo* cls : order) Place(cls);
+        if (bodies.empty()) return;
+        for (FileOutput& file : program.files) TakeBodies(file);
+        for (FileOutput& file : program.files) InsertBodies(file);
     }
 
 private:
+    Program& program;
     std::unordered_map<const ClassInfo*, Layout> layouts;
     std::vector<const ClassInfo*> order;  // as the bodies stand
     ClassSet met;
+    std::unordered_map<const ClassInfo*, std::vector<const ClassInfo*>> movedBefore;
+    std::unordered_map<const ClassInfo*, std::vector<Piece>> bodies;  // of those that move
 
     void Note(FileOutput& file, Piece& piece) {
         if (!InClassBody(piece) || piece.kind == Kind::Method) return;
@@ -68,27 +76,53 @@ private:
         layout.needs.insert(layout.needs.end(), piece.needs.begin(), piece.needs.end());
     }
 
-    // Elements that contain themselves were refused by the first pass, so this ends.
-    // Places `cls` before `user` when that one stands earlier, then what it holds by value before `cls`.
-    void Place(const ClassInfo* cls, const ClassInfo* user) {
+    // What `cls` holds by value and what that holds, as far as it has not been met so far, moves before `cls`,
+    // the innermost first. Elements that contain themselves were refused by the first pass, so this ends.
+    void Place(const ClassInfo* cls) {
         if (!met.insert(cls).second) return;
-        if (user != nullptr) MoveBefore(cls, user);
-        for (const ClassInfo* need : layouts[cls].needs)
-            if (need != cls && layouts.count(need) != 0) Place(need, cls);
+        struct Step {
+            const ClassInfo* cls;
+            std::size_t next;
+        };
+        std::vector<Step> way = {{cls, 0}};
+        while (!way.empty()) {
+            Step& step = way.back();
+            const std::vector<const ClassInfo*>& needs = layouts[step.cls].needs;
+            if (step.next < needs.size()) {
+                const ClassInfo* need = needs[step.next++];
+                if (layouts.count(need) != 0 && met.insert(need).second) way.push_back({need, 0});
+                continue;
+            }
+            if (way.size() > 1) movedBefore[cls].push_back(step.cls);
+            if (way.size() > 1) bodies[step.cls];
+            way.pop_back();
+        }
     }
 
-    void MoveBefore(const ClassInfo* cls, const ClassInfo* user) {
-        FileOutput& from = *layouts[cls].file;
-        FileOutput& to = *layouts[user].file;
-        auto ofClass = [cls](const Piece& p) { return InClassBody(p) && p.cls == cls; };
-        std::deque<Piece> body;
-        std::copy_if(from.pieces.begin(), from.pieces.end(), std::back_inserter(body), ofClass);
-        from.pieces.erase(std::remove_if(from.pieces.begin(), from.pieces.end(), ofClass), from.pieces.end());
-        auto before = std::find_if(to.pieces.begin(), to.pieces.end(), [user](const Piece& p) {
-            return p.kind == Kind::ClassOpen && p.cls == user;
-        });
-        to.pieces.insert(before, body.begin(), body.end());
-        layouts[cls].file = &to;
+    void TakeBodies(FileOutput& file) {
+        std::deque<Piece> left;
+        for (Piece& piece : file.pieces) {
+            const auto body = InClassBody(piece) ? bodies.find(piece.cls) : bodies.end();
+            const bool moves = body != bodies.end() && layouts[piece.cls].file == &file;
+            if (moves)
+                body->second.push_back(std::move(piece));
+            else
+                left.push_back(std::move(piece));
+        }
+        file.pieces = std::move(left);
+    }
+
+    void InsertBodies(FileOutput& file) {
+        std::deque<Piece> all;
+        for (Piece& piece : file.pieces) {
+            const auto moved =
+                piece.kind == Kind::ClassOpen ? movedBefore.find(piece.cls) : movedBefore.end();
+            if (moved != movedBefore.end())
+                for (const ClassInfo* cls : moved->second)
+                    std::move(bodies[cls].begin(), bodies[cls].end(), std::back_inserter(all));
+            all.push_back(std::move(piece));
+        }
+        file.pieces = std::move(all);
     }
 };
 
