@@ -21,6 +21,7 @@
 #include "statements/array_results.h"
 #include "statements/constant_value.h"
 #include "statements/emit_lines.h"
+#include "statements/end_of_file.h"
 #include "statements/routines.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
@@ -167,7 +168,7 @@ bool EndsInReturn(const State& state) {
 }
 
 void TranslateReturn(State& state, TokenSpan tokens) {
-    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token");
+    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
     const ValueType result = ResultType(state);
     if (tokens.size() > 1)
         ReturnValue(state, result, tokens.From(1));
