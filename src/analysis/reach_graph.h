@@ -34,8 +34,8 @@ struct ReachGraph {
     int timers = 0;
     int destructors = 0;
     std::unordered_map<const ClassInfo*, std::vector<int>>
-        creators;                                       // nodes that create the class themselves
-    std::unordered_set<int> anything;                   // nodes that may create any class
+        creators;                      // nodes that create the class themselves
+    std::unordered_set<int> anything;  // nodes that may create any class
 
     ReachGraph() : timers(Add()), destructors(Add()) {}
 

@@ -39,7 +39,7 @@ struct Expr {
     bool effects = false;  // runs code of the program; set for operands, arguments and what calls yield
     TokenSpan source;      // what it was made from; set for operands, arguments and objects
     std::shared_ptr<TextSum> sum;  // a sum of Strings, and its parts
-    bool byValue = false;     // an Owned array that comes as a std::vector, its Elements as values
+    bool byValue = false;          // an Owned array that comes as a std::vector, its Elements as values
     bool isConst = false;
     const Routine* routine = nullptr;    // when the expression is just a call of this routine
     const Variable* variable = nullptr;  // when the expression is just this variable

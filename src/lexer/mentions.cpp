@@ -24,8 +24,7 @@ Tokens MentionedTokens(TokenSpan tokens) {
 
 bool Mentions(TokenSpan tokens, Token name) {
     bool found = false;
-    WithHoles(tokens, [&](TokenSpan part) {
-        found = found || std::find(part.first, part.last, name) != part.last;
-    });
+    WithHoles(tokens,
+              [&](TokenSpan part) { found = found || std::find(part.first, part.last, name) != part.last; });
     return found;
 }

@@ -133,8 +133,8 @@ private:
     // The first place where everything is declared and ready that the initial value needs.
     Place PlaceToCompile(const GlobalEntry& entry) {
         const ValueEffects& effects = entry.effects;
-        const bool loads = !symbols.userlibDLLs.empty() &&
-                              (effects.anything || effects.changes.count(userlibs) != 0);
+        const bool loads =
+            !symbols.userlibDLLs.empty() && (effects.anything || effects.changes.count(userlibs) != 0);
         callsUserlibs = callsUserlibs || loads;
         const bool objects = effects.reads.count(instances) != 0 || effects.changes.count(instances) != 0 ||
                              (effects.anything && !symbols.classList.empty());

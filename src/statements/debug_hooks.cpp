@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "analysis/reach.h"
 #include "driver/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
-#include "analysis/reach.h"
 #include "symbols/scopes.h"
 
 namespace {

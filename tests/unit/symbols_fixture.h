@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "symbols/identifiers.h"
 #include "analysis/reach.h"
+#include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 

@@ -305,10 +305,10 @@ TEST_F(Userlib, CollectsLinkerFlags) {
     AddLinkerFlag("-lz");
     EXPECT_EQ(symbols.linkerFlags,
               (std::vector<std::string>{"-lm", "-L\"game/lib\xC3\xA4\"", "\"", "-lz", "-L\".\"", "-lz"}));
-    EXPECT_EQ(
-        testing::internal::GetCapturedStdout(),
-        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\xC3\xA4\"\n  - Adding linker flag: \"\n"
-        "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n  - Adding linker flag: -lz\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\xC3\xA4\"\n  - Adding "
+              "linker flag: \"\n"
+              "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n  - Adding linker flag: -lz\n");
 }
 
 }  // namespace
