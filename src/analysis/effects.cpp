@@ -170,6 +170,7 @@ bool OrderCanBeSeen(const std::vector<EffectSet>& pieces) {
 
 bool OrderCanBeSeen(const std::vector<TokenSpan>& pieces) {
     std::vector<EffectSet> effects;
+    effects.reserve(pieces.size());
     for (const TokenSpan piece : pieces) effects.push_back(EffectsOf(piece));
     return OrderCanBeSeen(effects);
 }

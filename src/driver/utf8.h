@@ -24,7 +24,7 @@ std::string EnvironmentVariable(const char* name);
 class Utf8Console {
 public:
     Utf8Console();
-    ~Utf8Console();
+    ~Utf8Console();  // NOLINT(performance-trivially-destructible): Windows has something to restore
     Utf8Console(const Utf8Console&) = delete;
     Utf8Console& operator=(const Utf8Console&) = delete;
 };

@@ -10,6 +10,7 @@ bool LambdaReachesAll() { return InsideRoutine() || currentClass == nullptr; }
 
 std::vector<const Expr*> PointersTo(const std::vector<Expr>& expressions) {
     std::vector<const Expr*> pointers;
+    pointers.reserve(expressions.size());
     for (const Expr& expr : expressions) pointers.push_back(&expr);
     return pointers;
 }
@@ -40,6 +41,7 @@ bool MayRepeat(const Expr& operand) { return !operand.effects || MayRepeat(opera
 bool IsOrderSeen(const std::vector<const Expr*>& expressions) {
     bool effects = false;
     std::vector<TokenSpan> pieces;
+    pieces.reserve(expressions.size());
     for (const Expr* expr : expressions) {
         effects = effects || expr->effects;
         pieces.push_back(expr->source);

@@ -29,5 +29,5 @@ struct TextSum {
 private:
     bool watched = false;  // one of the parts runs code
 
-    void Watch(std::size_t part);
+    void Watch(std::size_t at);
 };

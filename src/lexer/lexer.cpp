@@ -327,4 +327,4 @@ bool EndsContinued(std::string_view line) {
     return line[last] == '\\' || trigraph;
 }
 
-std::string GuardComment(std::string comment) { return EndsContinued(comment) ? comment + " ." : comment; }
+std::string GuardComment(const std::string& comment) { return EndsContinued(comment) ? comment + " ." : comment; }

@@ -66,4 +66,4 @@ std::string CommentOf(const std::string& rawLine);
 bool EndsContinued(std::string_view line);
 
 // The comment, with a point behind it where its end would make C++ join the next line to it.
-std::string GuardComment(std::string comment);
+std::string GuardComment(const std::string& comment);
