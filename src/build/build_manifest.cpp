@@ -157,24 +157,30 @@ private:
     // By its text, and also where the links in it lead.
     bool IsInside(const std::string& line) {
         const std::string path = Normalised(line);
-        const fs::path parent = fs::path(line).parent_path();
-        const std::string real =
-            ResolvedFolder(parent.empty() ? "." : parent.string()) + "/" + StripFolder(line);
+        const std::string real = PlaceOf(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
         for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
         return byText && (really || path == folders[0] || path == folders[1]);
     }
 
-    // A file generated for an Include that leads out of the folders: its path begins with the output
-    // folder as every generated one does, and the .kvl beside it is one that the program includes.
-    bool IsBesideItsSource(const std::string& line) const {
+    // A file generated for an Include that leads out of the folders: it lies beside the .kvl.
+    bool IsBesideItsSource(const std::string& line) {
         const std::string extension = ExtensionOf(line);
         if (extension != ".cpp" && extension != ".h" && extension != ".js") return false;
         const std::string stem = line.substr(0, line.size() - extension.size());
-        if (!StartsWith(line, output + "/")) return false;
-        const std::string name = stem.substr(output.size() + 1) + sourceExtension;
-        return SameFile(stem + sourceExtension, SourcePath(name)) && IncludedNames().count(name) > 0;
+        if (!FileExists(stem + sourceExtension)) return false;
+        const std::string place = PlaceOf(stem);
+        const std::unordered_set<std::string> names = IncludedNames();
+        return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+            return PlaceOf(output + "/" + StripExtension(WithForwardSlashes(name))) == place;
+        });
+    }
+
+    // Where a file lies, however its path is spelt. A link at the end of the path is not followed.
+    std::string PlaceOf(const std::string& path) {
+        const fs::path parent = fs::path(path).parent_path();
+        return ResolvedFolder(parent.empty() ? "." : parent.string()) + "/" + StripFolder(path);
     }
 
     const std::string& ResolvedFolder(const std::string& folder) {
@@ -183,12 +189,14 @@ private:
         return known->second;
     }
 
-    // The kinds of files that a build leaves behind.
-    static bool IsProduct(const std::string& line) {
-        static const char* const kinds[] = {".cpp", ".h", ".js", ".exe", ".linkflags"};
+    // Whether a build of the main source may have left the file behind.
+    bool IsProduct(const std::string& line) {
         const std::string extension = ExtensionOf(line);
-        return line == StripExtension(settings.mainSource) ||
-               std::find(std::begin(kinds), std::end(kinds), extension) != std::end(kinds);
+        if (extension == ".cpp" || extension == ".h" || extension == ".js") return true;
+        const std::string place = PlaceOf(line);
+        const std::string stem = StripExtension(settings.mainSource);
+        return place == PlaceOf(stem) || place == PlaceOf(stem + ".exe") ||
+               place == PlaceOf(stem + ".linkflags");
     }
 
     void Delete(const std::string& line) {

@@ -261,7 +261,6 @@ bool CanSkipTranslation() {
     if (Forces(HeaderBuiltForOtherTarget(cpp), "C++ file was built for another target, transpiling...")) {
         return false;
     }
-    if (Forces(FileSize(cpp) == 0, "C++ file not found, forcing transpilation")) return false;
     const auto recorded = dependencies.cppTimes.find(cpp);
     if (recorded != dependencies.cppTimes.end() && recorded->second == 0) return false;  // distrusted
     Say("[QUICK BUILD] No source files changed - skipping transpilation");

@@ -26,7 +26,7 @@ struct FileKeyHash {
 
 struct Reservation {
     bool creatable = true;
-    bool made = false;  // the file is there as it has to be
+    bool passing = false;  // what stands there goes when the run ends, unless it is written
 };
 
 std::unordered_map<FileKey, std::string, FileKeyHash> putOff;  // files of the previous build and their paths
@@ -67,9 +67,9 @@ Reservation Reserve(const std::string& path) {
     const FileFacts facts = Examine(path);
     const bool isNew = (facts.kind == Kind::Missing || facts.kind == Kind::Link) && MayChangeFolderOf(path);
     const bool isOld = facts.kind == Kind::Regular && putOff.erase({facts.device, facts.number}) != 0;
+    reservation.passing = isOld || facts.kind == Kind::Missing;
     if (isNew || isOld) return reservation;
     reservation.creatable = facts.kind != Kind::Other && facts.kind != Kind::Link && CanOpen(path);
-    reservation.made = true;
     return reservation;
 }
 
@@ -108,21 +108,16 @@ bool ReserveOutput(const std::string& path) {
 
 bool WriteOutput(const std::string& path, const std::string& text) {
     const auto reservation = reservations.find(path);
-    if (reservation != reservations.end()) reservation->second.made = true;
+    if (reservation != reservations.end()) reservation->second.passing = false;
     return WriteContents(path, text);
 }
 
-void DropOutput(const std::string& path) {
-    const auto reservation = reservations.find(path);
-    if (reservation != reservations.end()) reservation->second.made = true;
-    std::remove(path.c_str());
-}
+void DropOutput(const std::string& path) { std::remove(path.c_str()); }
 
 void SettleOutputs() {
     for (const auto& [key, path] : putOff) std::remove(path.c_str());
     putOff.clear();
-    for (const auto& [path, reservation] : reservations) {
-        if (reservation.creatable && !reservation.made) WriteContents(path, "");
-    }
+    for (const auto& [path, reservation] : reservations)
+        if (reservation.passing) std::remove(path.c_str());
     reservations.clear();
 }

@@ -17,8 +17,8 @@ bool TakeOver(const std::string& path);
 // Deletes such a file now, for those who must not see it.
 void DeletePutOff(const std::string& path);
 
-// False when an output cannot be created. From then on the file is there when the run ends, empty if nothing
-// was written to it.
+// False when an output cannot be created. What the previous build left in its place goes when the run ends,
+// unless the output is written.
 bool ReserveOutput(const std::string& path);
 // Writes an output. Different ones can be written at the same time. False when that fails.
 bool WriteOutput(const std::string& path, const std::string& text);

@@ -37,10 +37,26 @@ static std::string Shortened(const std::string& message) {
     return Abridged(text, 0, text.size(), 3000, 1000);
 }
 
-void ReportFatal(const std::string& message) {
-    Write(stdout, "Error: " + Shortened(message) + "\nFile: " + settings.currentFile +
-                      "\nLine: " + std::to_string(settings.currentLine) + "\n\n");
+static int catchers = 0;  // of thrown reports
+
+ThrownReports::ThrownReports() { ++catchers; }
+ThrownReports::~ThrownReports() { --catchers; }
+
+void EndRun(const FatalReport& report) {
+    std::fflush(stdout);  // what was said before comes first where both streams go to one place
+    Write(report.onErrorStream ? stderr : stdout, report.text);
     std::exit(1);
+}
+
+[[noreturn]] static void Fail(const FatalReport& report) {
+    if (catchers > 0) throw report;
+    EndRun(report);
+}
+
+void ReportFatal(const std::string& message, const std::string& linesBefore) {
+    Fail({linesBefore + "Error: " + Shortened(message) + "\nFile: " + settings.currentFile +
+              "\nLine: " + std::to_string(settings.currentLine) + "\n\n",
+          false});
 }
 
 void ReportNoMemory() {
@@ -52,20 +68,15 @@ void ReportNoMemory() {
 }
 
 void FailOnErrorStream(const std::string& lines) {
-    std::fflush(stdout);  // what was said before comes first where both streams go to one place
-    Write(stderr, Shortened(lines));
-    if (lines.empty() || lines.back() != '\n') Write(stderr, "\n");
-    std::exit(1);
+    std::string text = Shortened(lines);
+    if (text.empty() || text.back() != '\n') text += '\n';
+    Fail({text, true});
 }
 
 void Warn(const std::string& message) {
     if (!settings.warnings) return;
     Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
         "): " + message);
-}
-
-void DebugLog(const std::string& message) {
-    if (settings.verbose) Say("[DEBUG] " + message);
 }
 
 void VerboseNote(const std::string& line) {

@@ -20,7 +20,7 @@ struct Access {
 };
 
 void CheckIndexType(const Expr& index) {
-    if (!index.type.IsKnown() || index.type.IsInteger()) return;
+    if (!index.type.IsKnown() || index.type.Is(Base::Int)) return;
     ReportFatal("Array index must be an integer type, got " + CppName(index.type));
 }
 

@@ -44,6 +44,7 @@ enum class ExprMode : unsigned char {
     Statement,  // "=" at the top level assigns
     Condition,  // "=" compares
     Print,      // "=" compares; an unknown name gives the message of Print
+    Input,      // "=" compares; an unknown name gives the message of Input
 };
 
 // Translates all tokens as one expression. Whatever is wrong ends the run. A token that begins with

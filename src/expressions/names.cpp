@@ -143,6 +143,7 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)");
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");
+    if (walk.mode == ExprMode::Input) ReportFatal("Variable '" + name + "' not found in Input statement");
     if (walk.mode == ExprMode::Print) {
         ReportFatal("Variable '" + name + "' used out of scope in Print statement " + Place());
     }

@@ -102,6 +102,8 @@ bool IsHanded(const OpenWalk& walk, const std::vector<Expr>& arguments) {
 
 std::string SequenceWalkName(const std::string& variable) { return "__kvWalk_" + variable; }
 
+void ResetSequenceWalks() { walks.clear(); }
+
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
     walks.push_back({PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false, false});
 }

@@ -9,6 +9,9 @@
 
 #include "expressions/expression.h"
 
+// Forgets the open walks, when a mistake has interrupted their loops.
+void ResetSequenceWalks();
+
 // Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name.
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
 // Closes the innermost walk; true when the loop has to run by KVSeqWalk. Settles the passages in the text

@@ -5,10 +5,6 @@
 
 bool IsStringType(const std::string& korvelType) { return Lower(korvelType) == "string"; }
 
-bool HasTypeName(const std::string& korvelType) {
-    return korvelType.size() >= 2 && korvelType[0] == 'T' && korvelType[1] >= 'A' && korvelType[1] <= 'Z';
-}
-
 bool CrossesBoundary(const std::string& korvelType) {
     static const char* const basic[] = {"int", "double", "string", "byte", "short", "long", "bool", "void*"};
     for (const char* name : basic) {

@@ -19,5 +19,3 @@ std::string BoundaryCppName(const std::string& korvelType, const std::string& cp
 ValueType InterfaceValueType(const std::string& korvelType);
 
 bool IsStringType(const std::string& korvelType);
-// "T" followed by an upper-case letter.
-bool HasTypeName(const std::string& korvelType);

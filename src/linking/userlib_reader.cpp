@@ -38,8 +38,7 @@ struct Marker {
     const char* type;
 };
 
-constexpr Marker markers[] = {
-    {"%", "Int"}, {"#", "Double"}, {"!", "Double"}, {"$", "String"}, {"*", "void*"}};
+constexpr Marker markers[] = {{"%", "Int"}, {"#", "Double"}, {"!", "Double"}, {"$", "String"}};
 
 bool IsQuoted(const std::string& token) { return token.size() >= 2 && token[0] == '"'; }
 
@@ -63,7 +62,7 @@ std::string TakeTypeName(Cursor& line) {
     return type;
 }
 
-// [% | # | ! | $ | * | : Type]; a quoted token behind ":" is no type but an alias.
+// [% | # | ! | $ | : Type]; a quoted token behind ":" is no type but an alias.
 std::string TakeType(Cursor& line, const std::string& otherwise) {
     for (const Marker& marker : markers) {
         if (line.Accept(marker.token)) return marker.type;
@@ -92,7 +91,7 @@ std::vector<UserlibParameter> TakeParameters(Cursor& line) {
     while (!line.AtEnd() && !line.Accept(")")) {
         UserlibParameter parameter;
         if (IsName(line.Peek())) parameter.name = line.Take();
-        parameter.korvelType = TakeType(line, "Int");
+        parameter.korvelType = line.Accept("*") ? "void*" : TakeType(line, "Int");
         parameters.push_back(parameter);
         while (!line.AtEnd() && line.Peek() != "," && line.Peek() != ")") line.Take();
         line.Accept(",");
@@ -132,6 +131,7 @@ void ReadFunction(Cursor line, const Place& place) {
     function.declsFile = place.file;
     function.line = place.line;
     function.korvelReturn = TakeType(line, "void");
+    if (!line.AtEnd() && line.Peek() != "(" && line.Peek() != ":") return;  // malformed
     if (line.Accept("(")) function.parameters = TakeParameters(line);
     const bool hasAlias = line.Accept(":") && !line.AtEnd();
     function.symbol = hasAlias ? Unquoted(line.Take()) : function.name;

@@ -11,9 +11,6 @@ namespace {
 
 bool IsMain(const Piece& piece) { return piece.kind == Piece::Kind::Main; }
 
-// Set once a file's main() has taken the userlibs' start-up call.
-bool startUpInjected = false;
-
 std::string StartUpCalls() {
     std::string text;
     if (!symbols.userlibDLLs.empty()) text += "\tInitUserlibs(); // Initialize runtime-linked DLLs\n";
@@ -21,20 +18,17 @@ std::string StartUpCalls() {
     return text;
 }
 
-std::string MainText(const FileOutput& out) {
-    std::string text;
-    for (const Piece& piece : out.pieces)
-        if (IsMain(piece)) text += piece.text;
-    return text;
+// Null in a file without main().
+const Piece* FindMain(const FileOutput& out) {
+    const auto found = std::find_if(out.pieces.begin(), out.pieces.end(), IsMain);
+    return found == out.pieces.end() ? nullptr : &*found;
 }
 
-// Start-up calls follow the first line with an opening brace.
-std::string WithStartUpCalls(std::string main) {
-    std::size_t brace = main.find('{');
-    if (brace == std::string::npos) return main;
-    std::size_t lineEnd = main.find('\n', brace);
-    main.insert(lineEnd == std::string::npos ? main.size() : lineEnd + 1, StartUpCalls());
-    return main;
+// Start-up calls follow the opening brace.
+void AppendMain(std::string& text, const Piece& main) {
+    text.append(main.text, 0, main.bodyAt);
+    text += StartUpCalls();
+    text.append(main.text, main.bodyAt);
 }
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
@@ -47,9 +41,7 @@ void SayMoved(const std::string& main) {
     VerboseNote("Found main() with " + lines +
                 " lines. userlibDLLs.size()=" + std::to_string(symbols.userlibDLLs.size()));
     VerboseNote("main() moved to end of file successfully.");
-    bool injected = userlibs && main.find('{') != std::string::npos;
-    if (injected) VerboseNote("InitUserlibs() call injected into main().");
-    startUpInjected = startUpInjected || injected;
+    if (userlibs) VerboseNote("InitUserlibs() call injected into main().");
 }
 
 }  // namespace
@@ -79,7 +71,7 @@ std::string CppText(const FileOutput& out) {
     text.reserve(size + 200);
     for (const Piece& piece : out.pieces)
         if (!IsMain(piece)) text += piece.text;
-    text += WithStartUpCalls(MainText(out));
+    if (const Piece* main = FindMain(out)) AppendMain(text, *main);
     // Several files may include this one; the compiler must read it once.
     if (out.metAgain) text += "#pragma once\n";
     return text;
@@ -88,9 +80,10 @@ std::string CppText(const FileOutput& out) {
 void SayPostProcessing(const FileOutput& out) {
     VerboseNote("Post-processing: Moving main() to end of file...");
     VerboseNote("  Reading: " + CppPath(out));
-    std::string main = MainText(out);
-    if (!main.empty()) SayMoved(main);
-    if (out.isMain && !symbols.userlibDLLs.empty() && !startUpInjected)
+    if (const Piece* main = FindMain(out))
+        SayMoved(main->text);
+    else
+        VerboseNote("No main() function found to move.");
+    if (out.isMain && !symbols.userlibDLLs.empty() && !HasMainFunction())
         Say("WARNING: Could not inject InitUserlibs() call - no opening brace found!");
-    if (main.empty()) VerboseNote("No main() function found to move.");
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -102,8 +103,7 @@ bool AllDefined(const Piece& piece, const ClassSet& defined) {
 Piece TakeMethodBody(Piece& piece) {
     Piece body;
     body.kind = Kind::Function;
-    std::size_t signatureEnd = piece.text.find('\n');
-    body.text = piece.definitionHead + piece.text.substr(signatureEnd);
+    body.text = piece.definitionHead + "\n" + piece.text.substr(piece.braceAt);
     piece.text = piece.declaration;
     return body;
 }
@@ -146,8 +146,7 @@ void OrderRoutines(Program& program) {
             late.push_back(TakeMethodBody(piece));
         bool routine = piece.kind == Kind::Function || piece.kind == Kind::Main;
         if (!routine || (&file == program.main && piece.kind == Kind::Main)) return;
-        late.push_back(piece);
-        piece.text.clear();
+        late.push_back(std::exchange(piece, Piece()));
     });
     auto& pieces = program.main->pieces;
     pieces.insert(pieces.end(), late.begin(), late.end());

@@ -30,6 +30,7 @@ struct Piece {
     std::string file;                     // Include: the included source as opened
     std::string declaration;              // Method: its lines in the class when the body moves out
     std::string definitionHead;           // Method: the signature line outside the class
+    std::size_t braceAt = 0, bodyAt = 0;  // routines: where the line of the opening brace begins and ends
 };
 
 // A Global, Const or PreCalc table as the header gets it.

@@ -39,7 +39,8 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
     const Tokens tokens = Split(written);
     if (tokens.empty()) ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets");
     if (SplitAtCommas(tokens).size() > 1)
-        ReportFatal("Each dimension of array '" + array.name + "' needs brackets of its own, like [3][4]");
+        ReportFatal("Array declaration missing closing bracket ]\nEach dimension of array '" + array.name +
+                    "' needs brackets of its own, like [3][4]");
     const std::optional<ConstantValue> known = EvaluateConstant(tokens);
     const bool integer = known && known->kind == ConstantValue::Kind::Integer;
     if (integer) CheckKnownSize(known->integer);

@@ -128,7 +128,6 @@ void EmitAccess(State& state) {
 }
 
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
-    if (state.inType || state.inFunction) SayOpenBlocks(state, false);
     if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration");
     if (state.inFunction) ReportFatal("A Type or Element cannot be declared inside a Function");
     const std::string& name = tokens[1];

@@ -8,8 +8,11 @@
 //     }
 #include "statements/conditionals.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "statements/line_writer.h"
 #include "statements/second_pass.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -64,6 +67,18 @@ bool EndsStatement(const Word& token) {
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at,
                                std::size_t leftOpenBy = noToken);
 
+bool EndsLine(TokenSpan rest) {
+    return std::all_of(rest.begin(), rest.end(), [](const std::string& token) {
+        return Is(token, "|") || FindKeyword(token) == Keyword::EndIf;
+    });
+}
+
+// Translates tokens [at, end) of a line. The line's comment belongs to its last statement.
+void DispatchInLine(State& state, TokenSpan tokens, std::size_t at, std::size_t end) {
+    if (!state.lineComment.empty() && EndsLine(tokens.From(end))) PlaceComment(state);
+    DispatchStatement(state, tokens.Slice(at, end));
+}
+
 // Translates one branch's statements from `at` on; stops at Else, ElseIf, EndIf or the end of the line.
 std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
     while (at < tokens.size()) {
@@ -76,7 +91,7 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
         } else {
             std::size_t end = at;
             while (end < tokens.size() && !EndsStatement(tokens.At(end))) ++end;
-            DispatchStatement(state, tokens.Slice(at, end));
+            DispatchInLine(state, tokens, at, end);
             at = end;
         }
     }
@@ -140,6 +155,7 @@ bool StaysOpen(TokenSpan tokens, std::size_t then) {
 }
 
 void OpenIf(State& state, TokenSpan condition) {
+    PlaceComment(state);
     OpenBranch(state, "if", condition, "If");
     state.ifStack.push_back(state.currentLine);
     OpenNewBlock(state, BlockKind::If);
@@ -165,7 +181,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at, std::size_t l
             continue;
         }
         while (at < tokens.size() && !Is(tokens[at], "|")) ++at;
-        if (at > start) DispatchStatement(state, tokens.Slice(start, at));
+        if (at > start) DispatchInLine(state, tokens, start, at);
     }
 }
 
@@ -183,18 +199,21 @@ void TranslateElseIf(State& state, TokenSpan tokens) {
     ContinuedIf(state, "ElseIf");
     CloseBranch(state);
     std::size_t then = FindWord(tokens, Keyword::Then);
+    const bool alone = then == noToken || then + 1 == tokens.size();
+    if (alone) PlaceComment(state);
     OpenBranch(state, "else if", tokens.Slice(1, then == noToken ? tokens.size() : then), "ElseIf");
-    if (then == noToken || then + 1 == tokens.size()) return;
+    if (alone) return;
     if (tokens.KeywordAt(then + 1) == Keyword::ElseIf) RefuseMore(tokens, then + 1);
-    DispatchStatement(state, tokens.From(then + 1));
+    DispatchInLine(state, tokens, then + 1, tokens.size());
 }
 
 void TranslateElse(State& state, TokenSpan tokens) {
     RefuseElseIfAsTwoWords(tokens, 1);
     ContinuedIf(state, "Else").elseSeen = true;
     CloseBranch(state);
+    if (tokens.size() == 1) PlaceComment(state);
     OpenElse(state);
-    if (tokens.size() > 1) DispatchStatement(state, tokens.From(1));
+    if (tokens.size() > 1) DispatchInLine(state, tokens, 1, tokens.size());
 }
 
 void TranslateEndIf(State& state, TokenSpan tokens) {

@@ -11,6 +11,7 @@
 #include "statements/class_bodies.h"
 #include "statements/definition.h"
 #include "statements/emit_lines.h"
+#include "statements/end_of_file.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
@@ -19,7 +20,8 @@ namespace {
 void CheckPlace(const State& state, DefinitionKind kind) {
     const bool inRoutine = state.inFunction || state.inMethod;
     if (kind == DefinitionKind::Local && !inRoutine)
-        ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method");
+        ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method",
+                    UnclosedExtern(state));
     if (kind == DefinitionKind::Global && (inRoutine || state.inType))
         ReportFatal(
             "Syntax error: 'Global' can only be declared in global scope (outside Functions, Methods, and "

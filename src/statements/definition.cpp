@@ -41,7 +41,9 @@ void ListTokens(TokenSpan tokens) {
 void CheckNewName(const Declared& declared) {
     const std::string& name = declared.name;
     if (declared.kind == DefinitionKind::Field) return;
-    if (declared.kind != DefinitionKind::Local) return CheckGlobalName(name);
+    if (declared.kind != DefinitionKind::Local) CheckGlobalName(name);
+    if (declared.kind == DefinitionKind::Const) ReachConst(name);
+    if (declared.kind != DefinitionKind::Local) return;
     CheckCppWord(name);
     // A Local may hide a Function: calls of it are told apart.
     if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
@@ -53,7 +55,7 @@ void CheckNewName(const Declared& declared) {
 void CheckLocalType(TokenSpan tokens) {
     const std::string& name = tokens[2];
     if (name.empty() || IsWord(name, "sequence") || FindClass(name) != nullptr) return;
-    if (name.size() >= 2 && name[0] == 'T' && name[1] >= 'A' && name[1] <= 'Z') FailUnknownType(name);
+    if (HasTypeName(name)) FailUnknownType(name);
 }
 
 std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
@@ -191,8 +193,8 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     definition.constant = (global || declared.kind == DefinitionKind::Const) && IsConstant(declared, value);
     if (global && definition.constant && declared.hasValue)
         definition.again = definition.cppName + " = " + TextAs(value, type);
-    if (settings.verbose && type.Is(Base::Object))
-        DebugLog("Registering object variable: " + declared.name + " of type " + type.cls->name);
+    if (type.Is(Base::Object))
+        VerboseNote("Registering object variable: " + declared.name + " of type " + type.cls->name);
     if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))
         return;
     definition.registration =

@@ -134,11 +134,8 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
         ReportFatal("'" + word + "' is written in lower case here: " + Lower(word));
     const bool misplaced = row == nullptr || row->place == Place::Routine;
-    const Keyword keyword = tokens.KeywordAt(0);
-    const bool ends = misplaced || keyword == Keyword::Local || keyword == Keyword::Return ||
-                      keyword == Keyword::EndFunction;
-    if (state.inExtern && ends) SayOpenExtern(state);
-    if (misplaced) ReportFatal("'" + word + "' can only be used inside a Function or Method");
+    if (misplaced)
+        ReportFatal("'" + word + "' can only be used inside a Function or Method", UnclosedExtern(state));
 }
 
 }  // namespace

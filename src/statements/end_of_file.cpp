@@ -7,9 +7,9 @@
 namespace {
 
 [[noreturn]] void FailUnclosed(const std::string& block, const std::vector<std::string>& findings) {
-    Say("\nERROR: Unclosed " + block + "!");
-    for (const std::string& finding : findings) Say(finding);
-    ReportFatal("Transpilation failed: Unclosed " + block);
+    std::string lines = "\nERROR: Unclosed " + block + "!\n";
+    for (const std::string& finding : findings) lines += finding + "\n";
+    ReportFatal("Transpilation failed: Unclosed " + block, lines);
 }
 
 std::string Starting(const std::string& what, int line, const std::string& missing) {
@@ -26,6 +26,10 @@ std::string OpenMethod(const std::string& name, int line) {
 
 std::string OpenType(const std::string& name, int line) {
     return Starting("Type '" + name + "'", line, "'EndType'");
+}
+
+std::string OpenExtern(const State& state) {
+    return Starting("Extern block", state.externLine, "'EndExtern'");
 }
 
 void CheckLoops(const State& state) {
@@ -53,12 +57,9 @@ void FailUnclosedMethod(const std::string& name, int line) {
     FailUnclosed("Method block", {OpenMethod(name, line)});
 }
 
-void SayOpenExtern(const State& state) { Say(Starting("Extern block", state.externLine, "'EndExtern'")); }
-
-void SayOpenBlocks(const State& state, bool methodMayFollow) {
-    if (state.inMethod) Say(OpenMethod(state.methodName, state.methodLine));
-    if (state.inType && !methodMayFollow) Say(OpenType(state.typeName, state.typeLine));
-    if (state.inFunction) Say(OpenFunction(state));
+std::string UnclosedExtern(const State& state) {
+    if (!state.inExtern || state.externLine != state.unclosedExtern) return {};
+    return OpenExtern(state) + "\n";
 }
 
 void CheckBlocksClosed(const State& state) {
@@ -73,8 +74,7 @@ void CheckBlocksClosed(const State& state) {
     CheckLoops(state);
     if (state.inPreCalc)
         FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});
-    if (state.inExtern)
-        FailUnclosed("Extern block", {Starting("Extern block", state.externLine, "'EndExtern'")});
+    if (state.inExtern) FailUnclosed("Extern block", {OpenExtern(state)});
     if (!state.withLines.empty())
         FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
     CheckClosers(state);

@@ -10,9 +10,6 @@ void CheckBlocksClosed(const State& state);
 [[noreturn]] void FailUnclosedType(const std::string& name, int line);
 [[noreturn]] void FailUnclosedMethod(const std::string& name, int line);
 
-// Prints a line for each routine and class that is open where another one begins, innermost first, as a
-// hint beside the report that follows. A Method may follow in an open Type.
-void SayOpenBlocks(const State& state, bool methodMayFollow);
-
-// The same hint for an open Extern block, in which a statement means that the block was to end before.
-void SayOpenExtern(const State& state);
+// "Extern block starting at line 3 is missing 'EndExtern'" and a line end when an Extern is open that is never
+// closed; else empty. What stands in such a block may be meant to follow it.
+std::string UnclosedExtern(const State& state);

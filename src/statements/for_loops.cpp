@@ -39,7 +39,6 @@ struct EachHeader {
 // name [: type] word collection, from index `at` on. The word is EachIn or In.
 EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char* missing) {
     EachHeader header;
-    if (tokens.KeywordAt(at) == Keyword::Local) ++at;
     header.name = tokens[at];
     if (Is(tokens[at + 1], ":") && at + 2 < tokens.size()) {
         header.annotation = tokens[at + 2];
@@ -194,6 +193,8 @@ void TranslateEach(State& state, const EachHeader& header) {
     OpenLoop(state, "For", header.name).walk = walk;
 }
 
+[[noreturn]] void FailNoSequence() { ReportFatal("Expected a Sequence after 'In' in EachSeq loop"); }
+
 }  // namespace
 
 void RewriteWalk(State& state, const SequenceWalk& walk) {
@@ -233,9 +234,10 @@ void TranslateFor(State& state, TokenSpan tokens) {
 void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
         ReportFatal("Expected 'EachSeq item In seq'");
+    const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
+    if (noVariable && !lenient) FailNoSequence();
     Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
-    if (sequence.type.IsKnown() && !sequence.type.sequence)
-        ReportFatal("Expected a Sequence after 'In' in EachSeq loop");
+    if (sequence.type.IsKnown() && !sequence.type.sequence) FailNoSequence();
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();

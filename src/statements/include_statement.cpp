@@ -10,6 +10,7 @@
 #include "driver/settings.h"
 #include "expressions/expression.h"
 #include "lexer/source_reader.h"
+#include "statements/first_mistake.h"
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
@@ -80,6 +81,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     if (symbols.importedNames.count(quoted) != 0) return;
     IncludeName name = SplitIncludeName(quoted);
     std::string source = IncludeSourcePath(name);
+    const bool searching = SearchesIn(source);
     // Met before, maybe under another spelling of its path: the outputs keep their first one.
     if (FileOutput* met = FindOutput(source)) {
         met->metAgain = true;
@@ -91,5 +93,6 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     if (!fs::is_regular_file(source, error)) ReportFatal("Include file does not exist.");
     EmitIncludeLine(state, StemOf(name), source);
     NoteInclude(name);
-    if (!lenient) TranslateFile(source, folder, false, false);  // else the strict run translates it
+    // A lenient run leaves it to the strict one.
+    if (!lenient || searching) TranslateFile(source, folder, false, false);
 }

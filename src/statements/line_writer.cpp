@@ -1,6 +1,7 @@
 #include "statements/line_writer.h"
 
-#include "driver/settings.h"
+#include <utility>
+
 #include "lexer/lexer.h"
 
 void EmitLine(State& state, std::string_view text) {
@@ -12,19 +13,19 @@ void EmitLine(State& state, std::string_view text) {
         state.traceText.clear();
     }
     if (!state.commentText.empty()) {
-        piece += " " + state.commentText;
+        if (piece.back() != ' ') piece += ' ';  // a trace ends in one
+        piece += state.commentText;
         state.commentText.clear();
     }
     piece += '\n';
 }
 
-void AddComment(State& state, const std::string& comment) {
-    if (comment.empty()) return;
-    if (!state.commentText.empty()) state.commentText += " ";
-    state.commentText += comment;
+void PlaceComment(State& state) {
+    if (!state.lineComment.empty()) state.commentText = std::exchange(state.lineComment, {});
 }
 
 void FlushComment(State& state) {
+    PlaceComment(state);
     if (!state.commentText.empty()) {
         PutLine(*state.out,
                 std::string(static_cast<std::size_t>(state.lineIndent), '\t') + state.commentText);

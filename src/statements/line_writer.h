@@ -3,7 +3,8 @@
 
 #include "statements/state.h"
 
-// Keeps a comment ("//...", or empty) for the next line that is emitted.
-void AddComment(State& state, const std::string& comment);
+// The comment of the source line ("//...", or empty) goes to the next line that is emitted. Called where the last
+// of the line's statements begins.
+void PlaceComment(State& state);
 // Writes a comment that no emitted line has taken on a line of its own.
 void FlushComment(State& state);

@@ -2,7 +2,6 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "expressions/expression.h"
 #include "lexer/lexer.h"
 #include "precalc/precalc.h"
 #include "statements/definition.h"
@@ -38,10 +37,9 @@ std::string SizeConstants(const PreCalcTable& table) {
     return lines;
 }
 
-// Nothing of the block reaches the .cpp. A lenient run leaves the work to the strict one.
+// Nothing of the block reaches the .cpp.
 void ClosePreCalc(State& state) {
     state.inPreCalc = false;
-    if (lenient) return;
     int line = settings.currentLine;
     PreCalcTable table = EvaluatePreCalc(state.preCalcHeader, state.preCalcBody, state.preCalcBodyLines);
     settings.currentLine = line;

@@ -14,9 +14,9 @@ const char* LineEnd() { return settings.fastMode ? " << '\\n';" : " << std::endl
 
 // Text of one item between two "<<". What binds weaker than "<<" goes in parentheses, and a Byte is a
 // number, not a character.
-std::string ItemText(TokenSpan tokens, const std::string& keyword) {
+std::string ItemText(TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
-    Expr item = TranslateExpression(tokens, ExprMode::Print);
+    Expr item = TranslateExpression(tokens, mode);
     if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
         ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
     if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
@@ -39,7 +39,7 @@ void TraceTokens(TokenSpan tokens) {
 }
 
 // Items are separated by "&" outside parentheses; "&&" separates nothing.
-std::string ItemTexts(TokenSpan tokens, const std::string& keyword) {
+std::string ItemTexts(TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     TraceTokens(tokens);
     std::string texts;
     std::size_t start = 0;
@@ -50,7 +50,7 @@ std::string ItemTexts(TokenSpan tokens, const std::string& keyword) {
         if ((Is(token, ")") || Is(token, "]")) && depth > 0) --depth;
         bool separator = i == tokens.size() || (Is(token, "&") && depth == 0 && !Is(tokens[i + 1], "&"));
         if (!separator) continue;
-        texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword);
+        texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword, mode);
         start = i + 1;
     }
     return texts;
@@ -137,7 +137,7 @@ void TranslatePrint(State& state, TokenSpan tokens) {
         EmitLine(state, std::string("std::cout") + LineEnd());
         return;
     }
-    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0]) + LineEnd());
+    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0], ExprMode::Print) + LineEnd());
 }
 
 void TranslateInput(State& state, TokenSpan tokens) {
@@ -146,7 +146,7 @@ void TranslateInput(State& state, TokenSpan tokens) {
     if (comma == noToken) ReportFatal("Input statement requires a comma between prompt and variable");
     if (comma + 1 == tokens.size()) ReportFatal("Input statement requires a variable after the comma");
     InputTarget target = TargetOf(tokens.From(comma + 1));
-    std::string prompt = ItemTexts(tokens.Slice(1, comma), tokens[0]);
+    std::string prompt = ItemTexts(tokens.Slice(1, comma), tokens[0], ExprMode::Input);
     if (target.type.Is(Base::String)) {
         EmitLine(state, "std::cout << " + prompt + ";");
         EmitLine(state, "std::getline(std::cin, " + target.text + ");");

@@ -19,6 +19,7 @@
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
 #include "statements/emit_lines.h"
+#include "statements/end_of_file.h"
 #include "statements/routines.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
@@ -164,7 +165,7 @@ bool EndsInReturn(const State& state) {
 }
 
 void TranslateReturn(State& state, TokenSpan tokens) {
-    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token");
+    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
     const ValueType result = ResultType(state);
     if (tokens.size() > 1)
         ReturnValue(state, result, tokens.From(1));

@@ -84,8 +84,11 @@ void OpenRoutine(State& state, const Routine* routine) {
 
 // `after` stands between the opening brace and the poll.
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
+    Piece& piece = state.out->pieces.back();
     EmitLine(state, signature);
+    piece.braceAt = piece.text.size();
     EmitLine(state, "{");
+    piece.bodyAt = piece.text.size();
     EmitLines(state, after);
     EmitLine(state, "__kvSchedPoll();");
     if (state.isMainRoutine) EmitLine(state, "\tstd::cout.precision(15);");
@@ -98,12 +101,6 @@ void EmitEnter(State& state, const std::string& name) {
         EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
     }
     EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
-}
-
-// A routine begins where none may: most often the closer of the one before was forgotten.
-[[noreturn]] void FailMisplaced(const State& state, const std::string& keyword) {
-    SayOpenBlocks(state, keyword == "method");
-    ReportFatal("Unexpected '" + keyword + "' token");
 }
 
 void CheckFunctionName(const State& state, const std::string& name, const Routine* routine) {
@@ -231,7 +228,7 @@ void EmitRoutineLeaving(State& state) {
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
     if (state.inExtern) return CheckExternParameters(name);
-    if (state.inType || state.inFunction) FailMisplaced(state, "function");
+    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
     state.isMainRoutine = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(state, name, routine);
@@ -247,7 +244,8 @@ void TranslateFunction(State& state, TokenSpan tokens) {
 }
 
 void TranslateEndFunction(State& state, TokenSpan tokens) {
-    if (state.inType || !state.inFunction) ReportFatal("unexpected 'endfunction' token");
+    if (state.inType || !state.inFunction)
+        ReportFatal("unexpected 'endfunction' token", UnclosedExtern(state));
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndFunction");
     if (state.returnType != "void" && !state.isMainRoutine && !state.hasReturn)
@@ -262,7 +260,7 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
 }
 
 void TranslateMethod(State& state, TokenSpan tokens) {
-    if (!state.inType || state.inMethod) FailMisplaced(state, "method");
+    if (!state.inType || state.inMethod) ReportFatal("Unexpected 'method' token");
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);

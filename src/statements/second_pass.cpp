@@ -13,7 +13,7 @@
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {
-    if (settings.traceMode) state.traceText = JoinTokens(tokens);
+    if (settings.traceMode) state.traceText = JoinTokens(tokens) + " ";
     if (!MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);
         return;
@@ -24,13 +24,21 @@ void TranslateStatement(State& state, TokenSpan tokens) {
     DispatchStatement(state, substituted);
 }
 
+// Statements that may hold others on their line find out where its comment belongs.
+bool PlacesComment(Keyword keyword) {
+    return keyword == Keyword::If || keyword == Keyword::ElseIf || keyword == Keyword::Else;
+}
+
 void TranslateLine(State& state, const SourceLines& lines) {
     state.currentLine = lines.Line();
     state.lineIndent = static_cast<int>(lines.Indent());
     settings.currentLine = lines.Line();
-    AddComment(state, lines.Comment());
+    state.lineComment = lines.Comment();
     state.currentStatement = 0;
-    for (const TokenSpan& statement : lines.Statements()) {
+    const std::vector<TokenSpan>& statements = lines.Statements();
+    for (const TokenSpan& statement : statements) {
+        const bool last = &statement == &statements.back();
+        if (last && !PlacesComment(statement.KeywordAt(0))) PlaceComment(state);
         TranslateStatement(state, statement);
         ++state.currentStatement;
     }

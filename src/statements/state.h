@@ -22,7 +22,8 @@ struct LocalArray {
 struct State {
     FileOutput* out = nullptr;
     std::string traceText;    // with -t: source of the statement, until attached to a line
-    std::string commentText;  // with -c: "//..." of the line, until attached to a line
+    std::string lineComment;  // with -c: "//..." of the source line, until its last statement begins
+    std::string commentText;  // from there on, until attached to an emitted line
     int lineIndent = 0;
     int currentLine = 0;
     std::size_t currentStatement = 0;  // its place in the line
@@ -44,6 +45,7 @@ struct State {
     std::string emittedAccess = "public";          // of the last label in the class body
     bool inExtern = false;
     int externLine = 0;
+    int unclosedExtern = 0;  // line of the file's Extern without closer, or 0
 
     int loopDepth = 0;
     int selectDepth = 0;

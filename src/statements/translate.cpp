@@ -11,6 +11,7 @@
 #include "prelude/header.h"
 #include "statements/array_declarations.h"
 #include "statements/debug_hooks.h"
+#include "statements/first_mistake.h"
 #include "statements/output_places.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
@@ -101,12 +102,13 @@ void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
 }
 
-void TranslateStatements(FileOutput& out, const HeaderContents& contents) {
+void TranslateStatements(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(CppPath(out)))
         ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
-    OpenCpp(out, contents.instanceLists);
+    OpenCpp(out, ContentsOf(declarations, out.source).instanceLists);
     State state;
     state.out = &out;
+    state.unclosedExtern = declarations.unclosedExtern;
     RunSecondPass(state, out.source);
 }
 
@@ -125,6 +127,26 @@ void CloseHeader(const FileOutput& out) {
     if (!out.headerOnly) AddOnce(symbols.generatedFiles, CppPath(out));
 }
 
+// What follows the declarations of a file.
+void TranslateRest(FileOutput& out, const Declarations& declarations) {
+    WriteHeaderTop(out, declarations);
+    Prepopulate(declarations);
+    TranslateStatements(out, declarations);
+    NoteMentions(out, declarations);
+    if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
+    CloseHeader(out);
+    SayPostProcessing(out);
+    if (!out.isMain) WriteAtExit(out);
+}
+
+// What is done of it in a lenient run whose statements wait. Guards are given out in the order of the first
+// passes.
+void PutOffRest(const FileOutput& out, const Declarations& declarations) {
+    GuardOf(out);
+    Prepopulate(declarations);
+    NoteIncludes(declarations);
+}
+
 }  // namespace
 
 void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun) {
@@ -138,21 +160,16 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     Declarations declarations;
     CollectDeclarations(path, declarations);
     lenient = lenientRun;
-    if (lenientRun && !settings.verbose) {
-        GuardOf(out);  // guards are given out in the order of the first passes
-        Prepopulate(declarations);
-        NoteIncludes(declarations);
-        return;
+    if (isMain) NoteAllNamesRead();
+    if (!lenientRun) BeginStatements(path);
+    if (!lenientRun || SearchesFirstMistake()) {
+        TranslateRest(out, declarations);
+    } else {
+        AwaitStatements(path, outputFolder);
+        const bool shown = settings.verbose && GoesThrough([&] { TranslateRest(out, declarations); });
+        if (!shown) PutOffRest(out, declarations);
     }
-    WriteHeaderTop(out, declarations);
-    Prepopulate(declarations);
-    TranslateStatements(out, ContentsOf(declarations, path));
-    NoteMentions(out, declarations);
-    if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
-    if (lenientRun) return;
-    CloseHeader(out);
-    SayPostProcessing(out);
-    if (!isMain) WriteAtExit(out);
+    if (!lenientRun) EndStatements(path);
 }
 
 static bool MayBeGenerated(const std::string& path) {
@@ -165,7 +182,12 @@ void TranslateProgram(const std::string& mainSource) {
     // An Include of a file that the previous build wrote finds nothing.
     for (const std::string& source : symbols.sourceFiles)
         if (MayBeGenerated(source)) DeletePutOff(source);
-    TranslateFile(mainSource, settings.outputPath, true, false);
+    try {
+        const ThrownReports thrown;
+        TranslateFile(mainSource, settings.outputPath, true, false);
+    } catch (const FatalReport& report) {
+        ReportFirstMistake(report);
+    }
     program.main = FindOutput(mainSource);
     CheckAwaitedResults();
     FinishProgram();

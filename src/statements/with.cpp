@@ -67,7 +67,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
         if (!expr.assignable && object[0]->keyword != Keyword::This && type.IsKnown() && !expr.isConst)
             ReportFatal("With requires a variable that holds an object, not an expression");
     }
-    bool fits = type.Is(Base::Object) || type.Is(Base::Element) || (lenient && !type.IsKnown());
+    const bool unread = lenient && !type.IsKnown() && object[0]->keyword != Keyword::Its;
+    const bool fits = type.Is(Base::Object) || type.Is(Base::Element) || unread;
     if (!fits)
         ReportFatal("With requires an object (a Type or Element), but '" + Spelling(object) + "' is " +
                     (unknownName ? "" : CppName(type)));

@@ -64,11 +64,12 @@ void LineCutter::Lex(std::string_view text) {
     lexer.LexLine(text, false, true, false);
 }
 
-// The joined line. Counting it once more makes the first pass's numbers run behind, which is its way.
-void LineCutter::LexJoined(const std::string& text) {
-    ++count;
+// The joined line. After "_" it counts once more, in place of the lines that were joined to the first: that
+// makes the first pass's numbers run behind, which is its way.
+void LineCutter::LexJoined(const std::string& text, bool counts) {
+    if (counts) ++count;
     if (lexing == Lexing::Quiet) return NoteTrouble(lexer.Cut(text), text);
-    lexer.LexLine(text, false, lexing == Lexing::ShownCounted, false);
+    lexer.LexLine(text, false, counts && lexing == Lexing::ShownCounted, false);
 }
 
 // What is looked at before it is joined, and inline C++.
@@ -92,9 +93,8 @@ void LineCutter::RefuseCompany(const char* message, std::string_view text) {
     if (lexer.tokens.size() > 1) NoteTrouble({message, 0}, text);
 }
 
-void LineCutter::CutInline(std::string_view opener) {
-    RefuseCompany("InlineCpp must stand alone on its line", opener);
-    file.inlineOpen = true;
+// The lines up to EndInlineCpp, or the end of the file.
+void LineCutter::CutInline() {
     while (file.inlineOpen && !reader.AtEnd()) {
         const std::string_view raw = ReadLine();
         LexPiece(raw);
@@ -102,7 +102,10 @@ void LineCutter::CutInline(std::string_view opener) {
         if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
         if (lexer.tokens.empty() && !cpp.GoesOn()) continue;
         file.inlineOpen = FirstWord(lexer.tokens) != Keyword::EndInlineCpp;
-        if (!file.inlineOpen) return RefuseCompany("EndInlineCpp must stand alone on its line", raw);
+        if (!file.inlineOpen) {
+            TakeComment(raw);
+            return RefuseCompany("EndInlineCpp must stand alone on its line", raw);
+        }
         cpp.Read(raw);
         file.inlineLines.push_back({std::string(raw), cpp.GoesOn(), cpp.Braces()});
     }
@@ -117,11 +120,13 @@ void LineCutter::JoinTildeLines(std::string& text) {
         const std::string_view raw = ReadLine();
         TakeComment(raw);
         const std::string piece = WithoutComment(raw);
+        ++count;
+        if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
         LexPiece(piece);
         more = EndsInTilde(lexer.tokens);
         text += WithoutTildes(piece);
     }
-    LexJoined(text);
+    LexJoined(text, false);
 }
 
 void LineCutter::JoinUnderscoreLines(std::string& text) {
@@ -135,7 +140,7 @@ void LineCutter::JoinUnderscoreLines(std::string& text) {
         more = EndsInUnderscore(lexer.tokens);
         text += " " + (more ? CutAtContinuation(piece) : WithoutComment(piece));
     }
-    LexJoined(text);
+    LexJoined(text, true);
 }
 
 void LineCutter::Join(std::string_view first) {
@@ -154,12 +159,26 @@ void LineCutter::AddStatement(CutLine& line, std::size_t from, std::size_t to) {
     line.declares = line.declares || IsCollected(tokens[from]->keyword);
 }
 
-void LineCutter::AddStatements(CutLine& line) {
+// Tokens [from, to) of the line stand before a "|".
+void LineCutter::CheckSplit(const CutLine& line, std::size_t from, std::size_t to, std::string_view text) {
+    int parentheses = 0, brackets = 0;
+    for (std::size_t i = from; i < to; ++i) {
+        const char sign = lexer.tokens[i]->sign;
+        parentheses += (sign == '(') - (sign == ')');
+        brackets += (sign == '[') - (sign == ']');
+    }
+    if (file.splitTrouble.message != nullptr || (parentheses <= 0 && brackets <= 0)) return;
+    const char* message = parentheses > 0 ? "Unclosed parenthesis '('" : "Unclosed bracket '['";
+    file.splitTrouble = {message, file.lines.size(), line.start, std::string(text)};
+}
+
+void LineCutter::AddStatements(CutLine& line, std::string_view text) {
     const Tokens& tokens = lexer.tokens;
     std::size_t begin = 0;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i]->sign != '|') continue;
         if (IsSingleLineIf(tokens)) break;
+        CheckSplit(line, begin, i, text);
         AddStatement(line, begin, i);
         begin = i + 1;
     }
@@ -181,21 +200,31 @@ void LineCutter::CutNext() {
         line.count = file.lines.back().count;
     }
     while (!reader.AtEnd()) {
+        if (file.inlineOpen) {
+            CutInline();
+            line.afterInline = true;
+            line.indent = lexer.GetIndent();
+            if (!comment.empty()) return AddLine(line);
+            continue;
+        }
         const std::string_view text = ReadLine();
         line.start = physical;
         Lex(text);
+        const int number = count;
         TakeComment(text);
         if (FirstWord(lexer.tokens) == Keyword::InlineCpp) {
-            comment.clear();
-            line.afterInline = true;
-            CutInline(text);
+            RefuseCompany("InlineCpp must stand alone on its line", text);
+            line.indent = lexer.GetIndent();
+            file.inlineOpen = true;
+            if (!comment.empty()) return AddLine(line);
             continue;
         }
-        if (EndsInTwoTildes(lexer.tokens) || EndsInUnderscore(lexer.tokens)) Join(text);
+        const bool counted = !EndsInTwoTildes(lexer.tokens);
+        if (!counted || EndsInUnderscore(lexer.tokens)) Join(text);
         if (lexer.tokens.empty() && comment.empty()) continue;
-        if (!lexer.tokens.empty()) line.count = count;
+        if (!lexer.tokens.empty()) line.count = counted ? count : number;
         line.indent = lexer.GetIndent();
-        AddStatements(line);
+        AddStatements(line, text);
         return AddLine(line);
     }
     line.isEnd = true;

@@ -32,6 +32,7 @@ struct CutStatement {
 };
 
 // Wrong brackets or an open string, which only the passes report, when they come to the line.
+// Brackets that a "|" cuts apart are the second pass's, which takes the statements one by one.
 struct CutTrouble {
     const char* message = nullptr;
     std::size_t line = 0;  // index of the line that was being cut
@@ -53,6 +54,7 @@ struct CutFile {
     std::vector<InlineLine> inlineLines;
     std::vector<std::string> comments;  // with -c: of each line, those of joined lines included
     CutTrouble trouble;                 // the first
+    CutTrouble splitTrouble;            // the first bracket that a "|" cuts apart
     bool inlineOpen = false;            // the file ends inside inline C++
 };
 
@@ -87,15 +89,16 @@ private:
     std::string_view ReadLine();
     void NoteTrouble(const LexTrouble& trouble, std::string_view text);
     void Lex(std::string_view text);
-    void LexJoined(const std::string& text);
+    void LexJoined(const std::string& text, bool counts);
     void LexPiece(std::string_view text);
     void TakeComment(std::string_view raw);
     void RefuseCompany(const char* message, std::string_view text);
-    void CutInline(std::string_view opener);
+    void CutInline();
     void Join(std::string_view first);
     void JoinTildeLines(std::string& text);
     void JoinUnderscoreLines(std::string& text);
     void AddStatement(CutLine& line, std::size_t from, std::size_t to);
-    void AddStatements(CutLine& line);
+    void AddStatements(CutLine& line, std::string_view text);
+    void CheckSplit(const CutLine& line, std::size_t from, std::size_t to, std::string_view text);
     void AddLine(const CutLine& line);
 };

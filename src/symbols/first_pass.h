@@ -31,6 +31,7 @@ struct Declarations {
     std::vector<std::pair<std::string, std::string>> typedGlobals;  // name, C++ type
     std::vector<std::pair<std::string, std::string>> typedConsts;
     std::size_t functionCount = 0;      // Main included
+    int unclosedExtern = 0;             // line of an Extern without closer, or 0
     std::vector<std::string> includes;  // as written
 };
 

@@ -69,6 +69,7 @@ void FailAlreadyDefined(const std::string& name) {
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens) {
     pass.inExtern = tokens.KeywordAt(0) == Keyword::Extern;
+    pass.out.unclosedExtern = pass.inExtern ? pass.line : 0;
     VerboseNote(pass.inExtern ? "  - Entering extern block" : "  - Exiting extern block");
 }
 

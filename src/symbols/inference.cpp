@@ -18,7 +18,10 @@ std::unordered_set<const Variable*> underWay;
 class DeclarationContext {
 public:
     DeclarationContext(const Variable& variable, const ClassInfo* owner)
-        : file(settings.currentFile), line(settings.currentLine), cls(currentClass) {
+        : file(settings.currentFile),
+          line(settings.currentLine),
+          cls(currentClass),
+          typed(underWay.insert(&variable).second ? &variable : nullptr) {
         settings.currentFile = variable.file;
         settings.currentLine = variable.line;
         currentClass = owner;
@@ -26,6 +29,7 @@ public:
         outerNeeds = CollectNeedsInto(&ignoredNeeds);
     }
     ~DeclarationContext() {
+        underWay.erase(typed);
         CollectNeedsInto(outerNeeds);
         PopRoutineScope();
         settings.currentFile = file;
@@ -35,23 +39,25 @@ public:
     DeclarationContext(const DeclarationContext&) = delete;
     DeclarationContext& operator=(const DeclarationContext&) = delete;
 
+    bool DependsOnItself() const { return typed == nullptr; }
+
 private:
     std::string file;
     int line;
     const ClassInfo* cls;
+    const Variable* typed;  // null when its initialiser is being typed already
     std::vector<const ClassInfo*> ignoredNeeds;
     std::vector<const ClassInfo*>* outerNeeds = nullptr;
 };
 
 void Settle(Variable& variable, const ClassInfo* owner) {
     if (variable.type.IsKnown() || variable.initialiser.empty()) return;
-    DeclarationContext context(variable, owner);
-    if (!underWay.insert(&variable).second) {
+    const DeclarationContext context(variable, owner);
+    if (context.DependsOnItself()) {
         ReportFatal("The initial value of '" + variable.name +
                     "' depends on itself, so its type cannot be found");
     }
     variable.type = InferType(variable.initialiser);
-    underWay.erase(&variable);
 }
 
 const Variable* FindIn(std::unordered_map<std::string, Variable>& variables, const std::string& name,

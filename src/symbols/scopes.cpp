@@ -5,6 +5,7 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/expression.h"
 #include "symbols/identifiers.h"
 
 std::deque<ScopeBranch> localDefList;
@@ -79,10 +80,19 @@ void DumpMatch(const std::string& name) {
     Say("  i=" + Number(match.block) + " scopeBranch.leaves.size()=" + Number(blocks));
 }
 
+bool StandsBefore(const Variable& constant) {
+    return constant.isReached ||
+           (constant.line <= settings.currentLine && constant.file == settings.currentFile);
+}
+
 void RefuseConstName(const std::string& name) {
-    if (symbols.constants.count(name) == 0) return;
-    ReportFatal("Syntax error: Variable '" + name +
-                "' conflicts with an already-declared Const (first come first served)");
+    const auto found = symbols.constants.find(name);
+    if (found == symbols.constants.end()) return;
+    Variable& constant = found->second;
+    if (StandsBefore(constant))
+        ReportFatal("Syntax error: Variable '" + name +
+                    "' conflicts with an already-declared Const (first come first served)");
+    constant.isTakenEarlier = constant.isTakenEarlier || !lenient;
 }
 
 bool IsStored(const std::string& name) { return IsRecorded(name) || IsRecorded("kvl_" + name); }
@@ -189,6 +199,14 @@ Variable& AddOwnName(const std::string& name) {
 
 void FailDeclaredTwice(const std::string& name) {
     ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
+}
+
+void ReachConst(const std::string& name) {
+    Variable& constant = symbols.constants[name];
+    if (constant.isTakenEarlier)
+        ReportFatal("Syntax error: Const '" + name +
+                    "' conflicts with an already-declared Variable (first come first served)");
+    constant.isReached = !lenient;
 }
 
 bool IsVariableInScope(const std::string& name) {

@@ -40,6 +40,10 @@ Variable& AddOwnName(const std::string& name);
 
 [[noreturn]] void FailDeclaredTwice(const std::string& name);
 
+// The second pass has come to a Const: ends the run when a variable before it has the name, and from here on
+// no variable may take it.
+void ReachConst(const std::string& name);
+
 bool IsVariableInScope(const std::string& name);
 
 // The Local, parameter or loop variable that the name means here; null when there is none.

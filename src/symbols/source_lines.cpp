@@ -60,13 +60,17 @@ void SourceLines::Enter(const CutLine& entered) {
     line = entered;
 }
 
+void SourceLines::ReportTrouble(const CutTrouble& trouble) const {
+    if (trouble.message != nullptr && trouble.line == next)
+        FailInLine(path, trouble.count, trouble.message, trouble.text);
+}
+
 bool SourceLines::Next() {
     metInlineCpp = false;
     for (bool found = line.isEnd; !found; ++next) {
         if (next == file->lines.size()) cutter->CutNext();
-        const CutTrouble& trouble = file->trouble;
-        if (trouble.message != nullptr && trouble.line == next && Reports())
-            FailInLine(path, trouble.count, trouble.message, trouble.text);
+        if (Reports()) ReportTrouble(file->trouble);
+        if (reading == Reading::SecondPass) ReportTrouble(file->splitTrouble);
         const CutLine& entered = file->lines[next];
         metInlineCpp = metInlineCpp || entered.afterInline;
         found = IsWanted(entered);

@@ -55,6 +55,8 @@ private:
     std::vector<TokenSpan> statements;
 
     bool Reports() const { return reading == Reading::FirstPass || reading == Reading::SecondPass; }
+    // Ends the run when the trouble lies in the line that comes next.
+    void ReportTrouble(const CutTrouble& trouble) const;
     bool IsWanted(const CutLine& entered) const;
     void Enter(const CutLine& entered);
 };

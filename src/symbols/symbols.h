@@ -37,8 +37,10 @@ struct Variable {
     bool isPrivate = false;  // Fields only
     std::string file;        // where it was declared
     int line = 0;
-    Tokens initialiser;  // Globals, Consts and Fields; the type of untyped ones is inferred from it
-    bool typed = false;  // declared with a ":" type
+    Tokens initialiser;           // Globals, Consts and Fields; the type of untyped ones is inferred from it
+    bool typed = false;           // declared with a ":" type
+    bool isReached = false;       // Consts: the second pass has come to the declaration
+    bool isTakenEarlier = false;  // Consts: a Local, parameter or loop variable before it has the name
 };
 
 struct Parameter {

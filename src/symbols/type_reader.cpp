@@ -27,16 +27,15 @@ ValueType ParseSequenceItem(const std::string& name) {
         if (lower == allowed) return ParseType(name);
     }
     const ClassInfo* cls = FindClass(name);
-    if (!cls) {
-        ReportFatal(
-            "A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element "
-            "type: " +
-            name);
+    if (cls != nullptr && cls->isElement) return Single(Base::Element, cls);
+    if (cls != nullptr || HasTypeName(name)) {
+        ReportFatal("A Sequence cannot hold a Type. '" + name +
+                    "' is a Type - Types have their own list (use EachIn / First / Last), or declare '" +
+                    name + "' as an Element to store it in a Sequence.");
     }
-    if (cls->isElement) return Single(Base::Element, cls);
-    ReportFatal("A Sequence cannot hold a Type. '" + name +
-                "' is a Type - Types have their own list (use EachIn / First / Last), or declare '" + name +
-                "' as an Element to store it in a Sequence.");
+    ReportFatal(
+        "A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element type: " +
+        name);
 }
 
 TypeNote ReadSequence(TokenSpan tokens, std::size_t at) {

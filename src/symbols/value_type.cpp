@@ -45,10 +45,6 @@ const BasicType* FindBasic(Base base) {
     return nullptr;
 }
 
-bool IsTypeName(const std::string& name) {
-    return name.size() >= 2 && name[0] == 'T' && name[1] >= 'A' && name[1] <= 'Z';
-}
-
 [[noreturn]] void FailUndefinedType(const std::string& name) {
     ReportFatal("Type '" + name + "' is not defined. Make sure to declare it with 'Type " + name +
                 "' before using it.");
@@ -62,7 +58,7 @@ ValueType ParseSingle(const std::string& name) {
     if (const BasicType* basic = FindBasic(name)) return Single(basic->base);
     const ClassInfo* cls = FindClass(name);
     if (cls && cls->isElement) return ClassType(cls);
-    if (!IsTypeName(name)) return Single(Base::Void);
+    if (!HasTypeName(name)) return Single(Base::Void);
     if (!cls) FailUndefinedType(name);
     return ClassType(cls);
 }
@@ -94,6 +90,10 @@ std::string PointerCppName(const ValueType& type) {
 }
 
 }  // namespace
+
+bool HasTypeName(const std::string& name) {
+    return name.size() >= 2 && name[0] == 'T' && name[1] >= 'A' && name[1] <= 'Z';
+}
 
 bool ValueType::IsInteger() const { return IsNumber() && base != Base::Double; }
 

@@ -55,6 +55,9 @@ std::string ResultCppName(const ValueType& type);
 // The spelling a Korvel programmer uses, for second lines of messages: "Int", "TPlayer", "Sequence Of Int".
 std::string KorvelName(const ValueType& type);
 
+// Whether a name is one of a Type by its look: "T" followed by an upper-case letter.
+bool HasTypeName(const std::string& name);
+
 // The type that an annotation names ("Int", "TPlayer", "Int[]" with dims counted). Names of Types
 // and Elements are known from the start of the run, wherever they are declared. An unknown name gives
 // Base::Void for "anything else" and ends the run for T-names, like MapType.

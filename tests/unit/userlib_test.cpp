@@ -85,7 +85,7 @@ TEST_F(Userlib, SkipsWhatIsNoDeclaration) {
         ".LIB \"capitals.dll\"\n"
         "Early2%(a%)\n"
         "  .lib \"first.dll\" ; the \"real\" one\n"
-        "\n;Beep%(f%)\n'Beep%(f%)\nLonely\n%(a%)\n1st(a%)\n.lib\n"
+        "\n;Beep%(f%)\n'Beep%(f%)\nLonely\n%(a%)\nMk*():\"mk\"\n.lib\n"
         "One()\n"
         ".lib \"second.dll\"\n"
         "Two()");

@@ -1,0 +1,73 @@
+#include "statements/first_mistake.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "driver/settings.h"
+#include "expressions/sequence_walks.h"
+#include "prelude/output.h"
+#include "statements/translate.h"
+#include "symbols/scopes.h"
+#include "symbols/source_lines.h"
+
+namespace {
+
+struct Waiting {
+    std::string path, outputFolder;
+};
+std::vector<Waiting> waiting;       // in the order of their first passes
+std::vector<std::string> underWay;  // files in strict translation, the innermost last
+bool allNamesRead = false;
+const FatalReport* search = nullptr;  // what began it
+
+// What the mistake has interrupted.
+void ForgetOpenWork() {
+    ResetScopes();
+    ResetSequenceWalks();
+    CollectNeedsInto(nullptr);
+    PushRoutineScope();
+}
+
+}  // namespace
+
+void AwaitStatements(const std::string& path, const std::string& outputFolder) {
+    waiting.push_back({path, outputFolder});
+}
+
+void BeginStatements(const std::string& path) { underWay.push_back(FileId(path)); }
+
+void EndStatements(const std::string& path) {
+    underWay.pop_back();
+    const auto same = [&path](const Waiting& file) { return file.path == path; };
+    waiting.erase(std::remove_if(waiting.begin(), waiting.end(), same), waiting.end());
+}
+
+void NoteAllNamesRead() { allNamesRead = true; }
+
+bool GoesThrough(const std::function<void()>& translate) {
+    try {
+        translate();
+        return true;
+    } catch (const FatalReport&) {
+        ForgetOpenWork();
+        return false;
+    }
+}
+
+bool SearchesFirstMistake() { return search != nullptr; }
+
+bool SearchesIn(const std::string& path) {
+    if (search == nullptr || !allNamesRead) return false;
+    if (std::find(underWay.begin(), underWay.end(), FileId(path)) != underWay.end()) EndRun(*search);
+    return true;
+}
+
+void ReportFirstMistake(const FatalReport& met) {
+    search = &met;
+    settings.verbose = settings.warnings = false;
+    for (const Waiting& file : std::vector<Waiting>(waiting)) {
+        ForgetOpenWork();
+        TranslateFile(file.path, file.outputFolder, false, true);
+    }
+    EndRun(met);
+}
