@@ -1,6 +1,7 @@
 #include "statements/first_mistake.h"
 
 #include <algorithm>
+#include <deque>
 #include <vector>
 
 #include "driver/settings.h"
@@ -15,7 +16,7 @@ namespace {
 struct Waiting {
     std::string path, outputFolder;
 };
-std::vector<Waiting> waiting;       // in the order of their first passes
+std::deque<Waiting> waiting;        // in the order of their first passes
 std::vector<std::string> underWay;  // files in strict translation, the innermost last
 bool allNamesRead = false;
 const FatalReport* search = nullptr;  // what began it
@@ -39,7 +40,8 @@ void BeginStatements(const std::string& path) { underWay.push_back(FileId(path))
 void EndStatements(const std::string& path) {
     underWay.pop_back();
     const auto same = [&path](const Waiting& file) { return file.path == path; };
-    waiting.erase(std::remove_if(waiting.begin(), waiting.end(), same), waiting.end());
+    const auto found = std::find_if(waiting.begin(), waiting.end(), same);  // the first, as a rule
+    if (found != waiting.end()) waiting.erase(found);
 }
 
 void NoteAllNamesRead() { allNamesRead = true; }
@@ -65,7 +67,7 @@ bool SearchesIn(const std::string& path) {
 void ReportFirstMistake(const FatalReport& met) {
     search = &met;
     settings.verbose = settings.warnings = false;
-    for (const Waiting& file : std::vector<Waiting>(waiting)) {
+    for (const Waiting& file : std::deque<Waiting>(waiting)) {
         ForgetOpenWork();
         TranslateFile(file.path, file.outputFolder, false, true);
     }
