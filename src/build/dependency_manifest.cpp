@@ -123,7 +123,8 @@ std::string RecordText(const DependencyRecord& record) {
            TimesText("OBJ_TIMES:", record.objectTimes);
 }
 
-std::int64_t recordTime = 0;  // when the record that is in force was written
+std::int64_t recordTime =
+    0;  // the file time of the record that is in force: that of the newest source it tells of
 std::int64_t startOfRun = 0;  // before anything was read
 
 std::int64_t Now() {
@@ -131,7 +132,7 @@ std::int64_t Now() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
-// The record holds whole seconds. In the second in which it was written, its own time tells.
+// The record holds whole seconds. In the second of the newest source, the file time of the record itself tells.
 bool ChangedInThatSecond(const std::string& path, std::int64_t recorded) {
     constexpr std::int64_t second = 1000000000;
     const std::int64_t time = FineFileTime(path);
@@ -180,6 +181,15 @@ bool IncludesUnchanged() {
 bool Forces(bool condition, const char* message) {
     if (condition) Say(std::string("[QUICK BUILD] ") + message);
     return condition;
+}
+
+// The clock of file times stands still for some milliseconds: by the time of its writing, a record would seem no older
+// than an edit right after it.
+void DateRecordLike(const std::string& source) {
+    std::error_code failed;
+    const fs::file_time_type time = fs::last_write_time(PathOf(source), failed);
+    if (!failed)
+        fs::last_write_time(PathOf(ManifestPath(settings.mainSource, settings.outputPath)), time, failed);
 }
 
 }  // namespace
@@ -271,10 +281,15 @@ bool CanSkipTranslation() {
 
 void UpdateDependencyManifest() {
     dependencies.main = settings.mainSource;
-    dependencies.sourceTimes[settings.mainSource] = TimeToRecord(settings.mainSource);
-    for (const std::string& include : dependencies.includes) {
-        dependencies.sourceTimes[include] = TimeToRecord(include);
-    }
+    std::string newest;
+    const auto note = [&](const std::string& source) {
+        dependencies.sourceTimes[source] = TimeToRecord(source);
+        const std::int64_t time = FineFileTime(source);
+        if (time <= startOfRun && (newest.empty() || time > FineFileTime(newest))) newest = source;
+    };
+    note(settings.mainSource);
+    for (const std::string& include : dependencies.includes) note(include);
     dependencies.cppTimes[ExpectedCpp()] = FileTime(ExpectedCpp());
     SaveDependencyManifest(dependencies);
+    if (!newest.empty()) DateRecordLike(newest);
 }
