@@ -38,11 +38,14 @@ Expr Chr(const std::string& name, const Arguments& arguments) {
     return Result("std::string(1, static_cast<char>(" + arguments[0].text + "))", Base::String);
 }
 
+// Some texts name an argument more than once. One inside the other they would double in length each time.
+bool MayStandTwice(const Expr& argument) { return argument.text.size() <= 500 && MayRepeat(argument); }
+
 // The plain text evaluates its argument twice.
 Expr Asc(const std::string& name, const Arguments& arguments) {
     const Expr& x = arguments[0];
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
-    if (!MayRepeat(x)) {
+    if (!MayStandTwice(x)) {
         ++lambdaCount;
         return Result("([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
                           x.text + "))",
@@ -121,7 +124,7 @@ Expr Math(const std::string& lowerName, const std::string& name, const Arguments
     }
     const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
     if (OrderMatters(arguments)) return Result(TextInOrder(lowerName, texts), type);
-    if (!RepeatsArgument(lowerName) || MayRepeat(arguments[0]))
+    if (!RepeatsArgument(lowerName) || MayStandTwice(arguments[0]))
         return Result(MathText(lowerName, texts), type);
     ++lambdaCount;
     return Result("([](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + "))", type);

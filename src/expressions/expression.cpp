@@ -14,6 +14,7 @@ namespace {
 
 constexpr int deepest = 250;        // nested brackets, calls and signs
 constexpr int longestChain = 1000;  // divisions in a row that each wrap what stands before
+constexpr std::size_t mostParts = 5000;
 
 int depth = 0;
 
@@ -32,7 +33,9 @@ std::string Listed(TokenSpan tokens) {
     return list;
 }
 
-[[noreturn]] void FailTooDeep() { ReportFatal("Expression too deeply nested"); }
+[[noreturn]] void FailTooDeep() {
+    ReportFatal("Expression too deeply nested. Give a part of it to a variable first");
+}
 
 // Operators that bind tighter than or as tight as `loosest`, from left to right.
 Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
@@ -46,6 +49,7 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
     for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
          op != nullptr && op->level <= loosest; op = PeekBinary(walk, comparing, length)) {
         walk.at += length;
+        LimitParts(++walk.operators);
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
         Expr right = ParseBinary(walk, tighter, comparing);
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
@@ -82,6 +86,12 @@ Expr Translate(TokenSpan tokens, ExprMode mode) {
 }
 
 }  // namespace
+
+void LimitParts(std::size_t count) {
+    if (count > mostParts)
+        ReportFatal("Expression has more than " + std::to_string(mostParts) +
+                    " parts. Spread them over several statements");
+}
 
 DepthGuard::DepthGuard() {
     if (++depth > deepest) FailTooDeep();

@@ -86,8 +86,12 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;
     const Token* first = expr.source.first;
-    while (!walk.Done()) {
+    constexpr int mostLinks = 1000;
+    for (int links = 0; !walk.Done(); ++links) {
         const char sign = walk.PeekSign();
+        if (links > mostLinks)
+            ReportFatal("More than " + std::to_string(mostLinks) +
+                        " Fields and Methods in a row. Give a part of them to a variable first");
         if (sign == '\\' || sign == '.') {
             const std::string* member = &walk.Peek(1);
             array = nullptr;

@@ -113,31 +113,6 @@ void FailUnexpected(const Walk& walk) {
 
 namespace {
 
-// std:max(a, b): names of the C++ library, which nothing is known about.
-Expr ParseLibraryName(Walk& walk) {
-    Expr expr;
-    expr.text = walk.Take();
-    while (walk.PeekSign() == ':' && IsIdentifier(walk.Peek(1))) {
-        walk.Take();
-        expr.text += "::" + walk.Take();
-    }
-    if (!walk.Match('(')) return expr;
-    expr.text += " (";
-    const char* separator = " ";
-    for (const Expr& argument : ParseArguments(walk)) {
-        expr.text += separator + ValueText(argument);
-        separator = " , ";
-    }
-    expr.text += " )";
-    expr.isCall = true;
-    ++callCount;
-    return expr;
-}
-
-}  // namespace
-
-namespace {
-
 // An operand without what may follow it.
 Expr ParseOperand(Walk& walk) {
     const std::string& token = walk.Peek();

@@ -1,6 +1,7 @@
 #include "expressions/sequence_walks.h"
 
 #include "analysis/sequence_changes.h"
+#include "driver/report.h"
 #include "prelude/support.h"
 #include "symbols/scopes.h"
 
@@ -117,6 +118,10 @@ std::string SequenceWalkName(const std::string& variable) { return "__kvWalk_" +
 void ResetSequenceWalks() { walks.clear(); }
 
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
+    constexpr std::size_t deepest = 200;
+    if (walks.size() == deepest)
+        ReportFatal("Loops over Sequences are nested more than " + std::to_string(deepest) +
+                    " deep. Put the inner ones into a Function");
     walks.push_back({PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false, false});
 }
 

@@ -140,6 +140,7 @@ std::string SumOf(const std::vector<std::string>& texts, bool inOrder) {
 std::string Interpolated(const std::string& token, const std::vector<StringPiece>& pieces) {
     std::vector<std::string> texts;
     const std::size_t calls = callCount;
+    LimitParts(pieces.size());
     for (const StringPiece& piece : pieces) {
         if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
         const bool hole = piece.kind == StringPiece::Kind::Hole;

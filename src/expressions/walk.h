@@ -17,6 +17,7 @@ struct Walk {
     const Routine* callee = nullptr;            // the routine whose arguments come next
     std::size_t rowAt = std::string::npos;      // where such an argument begins
     std::size_t operandAt = std::string::npos;  // where the operand under way begins
+    std::size_t operators = 0;                  // met so far
 
     Walk(TokenSpan t, ExprMode m) : tokens(t), mode(m) {}
 
@@ -86,6 +87,7 @@ bool IsBuiltin(const std::string& lowerName);  // a name that means a built-in w
 Expr ParseBuiltin(Walk& walk, const std::string& lowerName);
 bool IsSeqFunction(const std::string& lowerName);
 Expr ParseSeqFunction(Walk& walk, const std::string& lowerName);
+Expr ParseLibraryName(Walk& walk);  // std:max(a, b)
 Expr ParseCreate(Walk& walk);
 // First, Last, Before, After and Insert; false when the word is none of these.
 bool ParseInstanceWord(Walk& walk, Keyword word, Expr& result);

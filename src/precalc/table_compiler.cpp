@@ -240,7 +240,8 @@ private:
     // number | ("-" | "+") factor | "(" expression ")" | variable | array element | call
     void Factor() {
         if (AtEnd()) Fail("PreCalc: unexpected end of expression");
-        if (++nesting > deepestNesting) Fail("PreCalc: the expression is nested too deeply");
+        if (++nesting > deepestNesting)
+            Fail("PreCalc: the expression is nested too deeply. Give a part of it to a variable first");
         if (Take("-")) {
             Factor();
             Emit(TableOp::Negate);

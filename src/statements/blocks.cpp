@@ -88,7 +88,8 @@ const char* LoopCloser(const std::string& kind) {
 }
 
 OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variable) {
-    if (state.blocks.size() >= deepest) ReportFatal("Blocks are nested too deeply");
+    if (state.blocks.size() >= deepest)
+        ReportFatal("Blocks are nested too deeply. Put the inner ones into a Function");
     state.blocks.push_back({kind, state.currentLine, RoutineLine(state), variable});
     OpenBraces& braces = state.braces.emplace_back();
     braces.kind = kind;

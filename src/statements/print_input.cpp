@@ -42,7 +42,7 @@ void TraceTokens(TokenSpan tokens) {
 std::string ItemTexts(TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     TraceTokens(tokens);
     std::string texts;
-    std::size_t start = 0;
+    std::size_t start = 0, items = 0;
     int depth = 0;
     for (std::size_t i = 0; i <= tokens.size(); ++i) {
         const std::string& token = tokens[i];
@@ -50,6 +50,7 @@ std::string ItemTexts(TokenSpan tokens, const std::string& keyword, ExprMode mod
         if ((Is(token, ")") || Is(token, "]")) && depth > 0) --depth;
         bool separator = i == tokens.size() || (Is(token, "&") && depth == 0 && !Is(tokens[i + 1], "&"));
         if (!separator) continue;
+        LimitParts(++items);
         texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword, mode);
         start = i + 1;
     }

@@ -96,7 +96,9 @@ private:
         if (known.count(id) != 0 && std::any_of(chain.begin(), chain.end(), same))
             FailCircle(id, name, from, line);
         if (known.count(id) == 0 && chain.size() > deepest)
-            Fail("Includes are nested more than " + std::to_string(deepest) + " deep", from, line);
+            Fail("Includes are nested more than " + std::to_string(deepest) +
+                     " deep. Let the main source include some of them",
+                 from, line);
         ScanFile(path, name);
     }
 

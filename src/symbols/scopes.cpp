@@ -19,6 +19,14 @@ const FileLevelNames* atFileLevel = nullptr;
 
 std::string Number(std::size_t value) { return std::to_string(value); }
 
+// Longer lists would make the notes grow with the square of the program.
+std::string Listed(const std::vector<std::string>& names) {
+    constexpr std::size_t most = 100;
+    std::string list;
+    for (std::size_t i = 0; i < names.size() && i < most; ++i) list += "'" + names[i] + "' ";
+    return names.size() > most ? list + "..." : list;
+}
+
 void DumpScopes(const std::string& name) {
     if (!settings.verbose) return;
     Say("DEBUG AddVarToScopeList ENTRY: newVar='" + name + "'");
@@ -27,10 +35,8 @@ void DumpScopes(const std::string& name) {
         const std::vector<ScopeBlock>& leaves = localDefList[level].leaves;
         Say("  Scope " + Number(level) + " has " + Number(leaves.size()) + " blocks:");
         for (std::size_t block = 0; block < leaves.size(); ++block) {
-            std::string line =
-                "    Block " + Number(block) + " has " + Number(leaves[block].names.size()) + " vars: ";
-            for (const std::string& stored : leaves[block].names) line += "'" + stored + "' ";
-            Say(line);
+            const std::vector<std::string>& names = leaves[block].names;
+            Say("    Block " + Number(block) + " has " + Number(names.size()) + " vars: " + Listed(names));
         }
     }
 }

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int mostDimensions = 16;  // with 30 a C++ compiler works for minutes
+
 bool IsOpener(char sign) { return sign == '(' || sign == '['; }
 bool IsCloser(char sign) { return sign == ')' || sign == ']'; }
 
@@ -78,7 +80,9 @@ void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
     while (Is(tokens[note.end], "[")) {
         const std::size_t close = ClosingBracket(tokens, note.end);
         note.sizes.push_back(JoinTokens(tokens.Slice(note.end + 1, close)));
-        ++note.type.dims;
+        if (++note.type.dims > mostDimensions)
+            ReportFatal("Arrays cannot have more than " + std::to_string(mostDimensions) +
+                        " dimensions. Use one and work its index out");
         note.end = close + 1;
     }
 }

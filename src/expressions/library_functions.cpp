@@ -1,0 +1,163 @@
+// std:max(a, b): functions of the C++ library, as far as numbers and Strings get along with them.
+#include <sstream>
+#include <unordered_map>
+
+#include "driver/report.h"
+#include "expressions/in_order.h"
+#include "expressions/walk.h"
+
+namespace {
+
+enum class Takes : unsigned char {
+    Numbers,
+    Text,   // one String
+    Same,   // one number, and gives one of its type
+    Alike,  // two numbers or two Strings, and gives one of them
+    Zero,   // 0 or Null, for a place that nothing is to be written to
+};
+
+struct Group {
+    const char* names;
+    std::size_t arguments;
+    Takes takes;
+    Base result;
+};
+
+const Group groups[] = {
+    {"max min", 2, Takes::Alike, Base::Int},
+    {"abs", 1, Takes::Same, Base::Int},
+    {"fabs sqrt cbrt exp exp2 expm1 log log2 log10 log1p sin cos tan asin acos atan sinh cosh tanh asinh "
+     "acosh "
+     "atanh ceil floor trunc round rint nearbyint erf erfc tgamma lgamma",
+     1, Takes::Numbers, Base::Double},
+    {"pow atan2 hypot fmod remainder fmax fmin fdim copysign", 2, Takes::Numbers, Base::Double},
+    {"fma", 3, Takes::Numbers, Base::Double},
+    {"labs lround lrint", 1, Takes::Numbers, Base::Long},
+    {"isnan isinf isfinite signbit", 1, Takes::Numbers, Base::Bool},
+    {"isalpha isdigit isalnum isspace ispunct isupper islower toupper tolower", 1, Takes::Numbers, Base::Int},
+    {"to_string", 1, Takes::Numbers, Base::String},
+    {"stoi system", 1, Takes::Text, Base::Int},
+    {"stol", 1, Takes::Text, Base::Long},
+    {"stod", 1, Takes::Text, Base::Double},
+    {"rand", 0, Takes::Numbers, Base::Int},
+    {"clock", 0, Takes::Numbers, Base::Long},
+    {"time", 1, Takes::Zero, Base::Long},
+};
+
+const Group* FindGroup(const std::string& name) {
+    static const auto functions = [] {
+        std::unordered_map<std::string, const Group*> all;
+        for (const Group& group : groups) {
+            std::istringstream names(group.names);
+            for (std::string each; names >> each;) all["std::" + each] = &group;
+        }
+        return all;
+    }();
+    const auto found = functions.find(name);
+    return found == functions.end() ? nullptr : found->second;
+}
+
+// As it stands in a program: std:max.
+std::string Written(std::string name) {
+    for (std::size_t at = name.find("::"); at != std::string::npos; at = name.find("::")) name.erase(at, 1);
+    return name;
+}
+
+[[noreturn]] void FailArguments(const std::string& name, const char* wanted, const Expr& got) {
+    ReportFatal("'" + Written(name) + "' expects " + wanted + " but got " + KorvelName(got.type));
+}
+
+bool IsNumber(const Expr& expr) { return !expr.type.IsKnown() || expr.type.IsNumber(); }
+bool IsText(const Expr& expr) { return !expr.type.IsKnown() || expr.type.Is(Base::String); }
+
+void CheckArgument(const std::string& name, Takes takes, const Expr& argument, const Expr& first) {
+    switch (takes) {
+        case Takes::Numbers:
+        case Takes::Same:
+            if (!IsNumber(argument)) FailArguments(name, "a number", argument);
+            return;
+        case Takes::Text:
+            if (!IsText(argument)) FailArguments(name, "a String", argument);
+            return;
+        case Takes::Alike:
+            if (!(IsNumber(argument) && IsNumber(first)) && !(IsText(argument) && IsText(first)))
+                FailArguments(name, "two numbers or two Strings", argument);
+            return;
+        case Takes::Zero:
+            if (argument.text != "0" && !argument.type.Is(Base::Null)) FailArguments(name, "0", argument);
+            return;
+    }
+}
+
+// The type that both are brought to. C++ wants to be told when it is not that of either.
+ValueType AlikeType(const std::vector<Expr>& two, bool& told) {
+    const ValueType &a = two[0].type, &b = two[1].type;
+    told = a != b || two[0].literal || two[1].literal;
+    if (a == b || !a.IsKnown() || !b.IsKnown()) return a.IsKnown() ? b : a;
+    const auto is = [&](Base base) { return a.Is(base) || b.Is(base); };
+    return Single(is(Base::Double) ? Base::Double : is(Base::Long) ? Base::Long : Base::Int);
+}
+
+// Small numbers become an Int.
+ValueType SameType(const ValueType& type) {
+    const bool stays = !type.IsKnown() || type.Is(Base::Double) || type.Is(Base::Long);
+    return stays ? type : Single(Base::Int);
+}
+
+// "std::max ( a , b )", in order where that could be seen.
+std::string CallText(const std::string& function, const std::vector<Expr>& arguments, const ValueType& type) {
+    InOrder inOrder;
+    const bool ordered = type.IsKnown() && OrderMatters(arguments);
+    std::string text = function + " (";
+    const char* separator = " ";
+    for (const Expr& argument : arguments) {
+        const std::string value = ValueText(argument);
+        text += separator + (ordered && argument.type.IsKnown() ? inOrder.Name(argument.type, value) : value);
+        separator = " , ";
+    }
+    text += " )";
+    return ordered ? inOrder.Text(CppName(type), text) : text;
+}
+
+Expr CallOf(const std::string& name, const Group& function, std::vector<Expr> arguments) {
+    for (const Expr& argument : arguments) {
+        RequireValue(argument);
+        CheckArgument(name, function.takes, argument, arguments.front());
+    }
+    Expr call;
+    call.type = Single(function.result);
+    std::string called = name;
+    bool told = false;
+    if (function.takes == Takes::Alike) call.type = AlikeType(arguments, told);
+    if (told && call.type.IsKnown()) called += "<" + CppName(call.type) + ">";
+    if (function.takes == Takes::Same) call.type = SameType(arguments[0].type);
+    if (name == "std::system" && !arguments[0].literal)
+        arguments[0].text = "(" + arguments[0].text + ").c_str()";
+    call.text = CallText(called, arguments, call.type);
+    call.isCall = true;
+    ++callCount;
+    return call;
+}
+
+}  // namespace
+
+Expr ParseLibraryName(Walk& walk) {
+    std::string name = walk.Take();
+    while (walk.PeekSign() == ':' && IsIdentifier(walk.Peek(1))) {
+        walk.Take();
+        name += "::" + walk.Take();
+    }
+    const Group* function = FindGroup(name);
+    if (function == nullptr || !walk.Match('(')) {
+        ReportFatal(
+            "'" + Written(name) +
+            "' is no value. Of the C++ library, functions on numbers and Strings can be called by their "
+            "names, like std:max(a, b); InlineCpp can use the rest");
+    }
+    std::vector<Expr> arguments = ParseArguments(walk);
+    if (arguments.size() != function->arguments) {
+        ReportFatal("'" + Written(name) + "' expects " + std::to_string(function->arguments) +
+                    " argument(s), got " + std::to_string(arguments.size()));
+    }
+    return CallOf(name, *function, std::move(arguments));
+}
