@@ -197,8 +197,10 @@ void ReadLine(const std::string& raw, bool& inDll, const Place& place) {
 
 void ImportUserlib(const std::string& path) {
     SourceReader reader;
-    RefuseNoFile(path);
-    if (!reader.Open(path)) ReportFatal("Cannot open userlib declaration file: " + path);
+    if (!reader.Open(path)) {
+        RefuseNoFile(path);
+        ReportFatal("Cannot open userlib declaration file: " + path);
+    }
     bool inDll = false;  // a section of an earlier file does not carry on in this one
     for (int line = 1; !reader.AtEnd(); ++line) ReadLine(reader.NextLine(), inDll, Place{path, line});
 }

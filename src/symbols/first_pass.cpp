@@ -61,8 +61,10 @@ void CollectStatement(FirstPass& pass, TokenSpan tokens) {
 
 void ReadLines(FirstPass& pass) {
     SourceLines lines(Reading::FirstPass);
-    RefuseNoFile(pass.source);
-    if (!lines.Open(pass.source)) ReportFatal("Cannot read '" + pass.source + "'.");
+    if (!lines.Open(pass.source)) {
+        RefuseNoFile(pass.source);
+        ReportFatal("Cannot read '" + pass.source + "'.");
+    }
     settings.currentFile = pass.source;
     while (lines.Next()) {
         settings.currentLine = lines.Count();

@@ -54,8 +54,10 @@ void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     // The same file under another spelling of its path.
     if (symbols.includedFiles.count(FileId(path)) != 0) return SkipDuplicate(quoted);
     const std::string folder = IncludeOutputFolder(name);
-    RefuseNoFile(path);
-    if (!FileExists(path)) ReportFatal("Include file does not exist.");
+    if (!FileExists(path)) {
+        RefuseNoFile(path);
+        ReportFatal("Include file does not exist.");
+    }
     symbols.includedFiles.insert(FileId(path));
     Say(path);
     VerboseNote("  - Processing include: " + path);
