@@ -137,6 +137,37 @@ void Fill(Reader& reader, const std::string& hole, const std::string& text, bool
     reader.rowHole = hole;
 }
 
+// Cuts ";name: value" into its parts; false for an ordinary comment. A blank behind the ";" makes a comment
+// of anything, so that a misspelt directive does not pass for one.
+bool CutDirective(const std::string& comment, std::string& name, std::string& value) {
+    std::size_t end = 1;
+    if (comment.compare(0, 3, ";=>") == 0) {
+        end = 3;
+    } else if (comment.compare(0, 2, ";+") == 0) {
+        end = 2;
+    } else {
+        while (end < comment.size() &&
+               (std::islower(static_cast<unsigned char>(comment[end])) != 0 || comment[end] == '-'))
+            ++end;
+    }
+    name = comment.substr(1, end - 1);
+    const bool colon = end < comment.size() && comment[end] == ':';
+    const bool bare = name == "translate-only" || name == "sanitize" || name == "=>" || name == "+";
+    if (name.empty() || !(colon || bare)) return false;
+    value = comment.substr(end + (colon ? 1 : 0));
+    if (!value.empty() && value[0] == ' ') value.erase(0, 1);
+    return true;
+}
+
+std::size_t CommentStart(const std::string& line) {
+    bool inString = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') inString = !inString;
+        if (line[i] == ';' && !inString) return i;
+    }
+    return std::string::npos;
+}
+
 void BeginRow(Reader& reader, const std::string& text) {
     CloseRow(reader);
     if (!reader.hasRows) reader.frame = reader.current;
@@ -162,6 +193,19 @@ void ExpectError(Reader& reader, const std::string& message, bool lexer, bool tr
         result.errorLine = reader.current.rowLine;
     }
     reader.current.lineGiven = reader.current.lineGiven || trailing || reader.inRow;
+}
+
+// One line of a row, with the error that is expected there, if it names one.
+void AddToRow(Reader& reader, const std::string& text, void (*add)(Reader&, const std::string&)) {
+    const std::size_t start = CommentStart(text);
+    std::string name, value;
+    if (start == std::string::npos || !CutDirective(text.substr(start), name, value) ||
+        (name != "error" && name != "lexer-error")) {
+        return add(reader, text);
+    }
+    add(reader, text.substr(0, text.find_last_not_of(" \t", start - 1) + 1));
+    ExpectError(reader, value, name == "lexer-error", false);
+    reader.current.result.errorLine = reader.current.holes[reader.rowHole].second;
 }
 
 void ExpectLine(Reader& reader, const std::string& text) {
@@ -191,13 +235,16 @@ Handler Adds(const std::string& where, bool wanted) {
 const std::map<std::string, Handler>& Directives() {
     static const std::map<std::string, Handler> table{
         {"case", BeginCase},
-        {"row", BeginRow},
+        {"row", [](Reader& r, const std::string& text) { AddToRow(r, text, BeginRow); }},
         {"fill",
          [](Reader& r, const std::string& text) {
              const std::size_t blank = text.find(' ');
              Fill(r, text.substr(0, blank), blank == std::string::npos ? "" : text.substr(blank + 1), true);
          }},
-        {"+", [](Reader& r, const std::string& text) { Fill(r, r.rowHole, text, false); }},
+        {"+",
+         [](Reader& r, const std::string& text) {
+             AddToRow(r, text, [](Reader& r, const std::string& line) { Fill(r, r.rowHole, line, false); });
+         }},
         {"file",
          [](Reader& r, const std::string& text) {
              r.current.openFile = text;
@@ -238,37 +285,6 @@ const std::map<std::string, Handler>& Directives() {
         {"sanitize", [](Reader& r, const std::string&) { r.current.result.sanitize = true; }},
     };
     return table;
-}
-
-// Cuts ";name: value" into its parts; false for an ordinary comment. A blank behind the ";" makes a comment
-// of anything, so that a misspelt directive does not pass for one.
-bool CutDirective(const std::string& comment, std::string& name, std::string& value) {
-    std::size_t end = 1;
-    if (comment.compare(0, 3, ";=>") == 0) {
-        end = 3;
-    } else if (comment.compare(0, 2, ";+") == 0) {
-        end = 2;
-    } else {
-        while (end < comment.size() &&
-               (std::islower(static_cast<unsigned char>(comment[end])) != 0 || comment[end] == '-'))
-            ++end;
-    }
-    name = comment.substr(1, end - 1);
-    const bool colon = end < comment.size() && comment[end] == ':';
-    const bool bare = name == "translate-only" || name == "sanitize" || name == "=>" || name == "+";
-    if (name.empty() || !(colon || bare)) return false;
-    value = comment.substr(end + (colon ? 1 : 0));
-    if (!value.empty() && value[0] == ' ') value.erase(0, 1);
-    return true;
-}
-
-std::size_t CommentStart(const std::string& line) {
-    bool inString = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"') inString = !inString;
-        if (line[i] == ';' && !inString) return i;
-    }
-    return std::string::npos;
 }
 
 void ReadLine(Reader& reader, const std::string& line) {

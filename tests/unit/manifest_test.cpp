@@ -62,11 +62,6 @@ protected:
     }
 };
 
-TEST_F(Cleaning, WithoutAManifestIsSilent) {
-    EXPECT_EQ(Said([] { CleanPreviousBuild("out"); }), "");
-    EXPECT_EQ(Said([] { CleanPreviousBuild("nowhere"); }), "");
-}
-
 TEST_F(Cleaning, DeletesWhatTheBuildProduced) {
     settings.mainSource = "./game/main.kvl";  // the manifest spells it otherwise
     const char* files[] = {"out/main.cpp",        "out/main.h", "out/lib/util.cpp",
@@ -171,15 +166,6 @@ TEST_F(Cleaning, ReachesGeneratedFilesBesideTheirSources) {
     EXPECT_TRUE(ScratchFolder::Has("shared/util.kvl"));
 }
 
-TEST_F(Cleaning, WritesWhatItWillClean) {
-    WriteBuildManifest("out");
-    EXPECT_FALSE(ScratchFolder::Has("out/.main.kvl.manifest")) << "nothing was generated";
-    symbols.generatedFiles = {"out/main.cpp", "out/main.h"};
-    WriteBuildManifest("out");
-    EXPECT_EQ(ScratchFolder::Read("out/.main.kvl.manifest"), "out/main.cpp\nout/main.h\n");
-    EXPECT_EQ(Said([] { WriteBuildManifest("nowhere"); }), "Warning: Could not create build manifest\n");
-}
-
 class QuickBuild : public ManifestTest {
 protected:
     void SetUp() override {
@@ -213,50 +199,6 @@ protected:
         EXPECT_TRUE(skip);
     }
 };
-
-TEST_F(QuickBuild, WritesTheRecord) {
-    const auto time = [](const std::string& path) { return std::to_string(dependencies.sourceTimes[path]); };
-    EXPECT_EQ(ScratchFolder::Read(manifest),
-              "MAIN:game/main.kvl\nINCLUDES:1\ngame/lib.kvl\nKVL_TIMES:2\ngame/lib.kvl|" +
-                  time("game/lib.kvl") + "\ngame/main.kvl|" + time("game/main.kvl") +
-                  "\nCPP_TIMES:1\nout/main.cpp|" + std::to_string(dependencies.cppTimes["out/main.cpp"]) +
-                  "\nOBJ_TIMES:0\n");
-    EXPECT_GT(dependencies.sourceTimes["game/main.kvl"], 1500000000);
-}
-
-TEST_F(QuickBuild, SkipsWhenNothingIsNewer) {
-    ExpectSkip();
-    Touch("game/lib.kvl", -100);
-    ExpectSkip();
-}
-
-TEST_F(QuickBuild, TranslatesWhenSomethingChanged) {
-    Touch("game/lib.kvl", 2);
-    ExpectTranslation("Included file changed: game/lib.kvl");
-    Touch("game/main.kvl", 2);
-    ExpectTranslation("Main file changed, transpiling...");
-    fs::remove("out/main.cpp");
-    ExpectTranslation("C++ file not found, forcing transpilation");
-    fs::remove("game/main.kvl");
-    ExpectTranslation("Main file not found, forcing full rebuild");
-    fs::remove(manifest);
-    ExpectTranslation("No previous build found, performing full transpilation");
-}
-
-TEST_F(QuickBuild, TranslatesForAnotherKindOfBuild) {
-    fs::remove("game/lib.kvl");
-    ExpectTranslation("Included file missing: game/lib.kvl");
-    ScratchFolder::Write("game/lib.kvl");
-    Touch("game/lib.kvl", -100);
-    ScratchFolder::Write("out/main.h", std::string(19, '\n') + "#include \"KVR_PSXStd.h\"\n");
-    ExpectTranslation("C++ file was built for another target, transpiling...");
-    ScratchFolder::Write("out/main.h", std::string(20, '\n') + "#include \"KVR_PSXStd.h\"\n");
-    ExpectSkip();
-    std::ofstream("out/main.cpp", std::ios::trunc).close();
-    ExpectSkip();
-    settings.debugMode = true;
-    ExpectTranslation("C++ file not found, forcing transpilation");
-}
 
 TEST_F(QuickBuild, FilesWithoutRecordedTimesForceTranslation) {
     ScratchFolder::Write(manifest, "MAIN:x\nINCLUDES:0\nKVL_TIMES:0\nCPP_TIMES:0\nOBJ_TIMES:0\n");

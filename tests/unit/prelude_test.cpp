@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -14,45 +13,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string Line(std::string_view text, int number) {
-    std::size_t start = 0;
-    for (int i = 1; i < number; ++i) start = text.find('\n', start) + 1;
-    return std::string(text.substr(start, text.find('\n', start) - start));
-}
-
-TEST(Texts, ReachTheProgramByteForByte) {
-    struct Case {
-        std::string_view text;
-        int lines;
-        int number;
-        const char* line;
-    };
-    const Case cases[] = {
-        {texts::includes, 12, 9, "#include <conio.h>"},
-        {texts::safeDivision, 18, 4, "\tif (b == 0) {"},
-        {texts::safeDivision, 18, 5, "\t\tstd::cerr << \"Division by zero error\" << std::endl;"},
-        {texts::safeDivision, 18, 16, "\treturn a % b;"},
-        {texts::safeDivision, 18, 18, ""},
-        {texts::sequence, 84, 12, "    size_t _cursor = 0;"},
-        {texts::sequence, 84, 83, "};"},
-        {texts::sequence, 84, 84, ""},
-        {texts::scheduler, 43, 37,
-         "            else v.erase(v.begin() + i);                                       "
-         "// Once: fire and forget"},
-        {texts::scheduler, 43, 43, ""},
-        {texts::iteration, 19, 10, ""},
-        {texts::iteration, 19, 14, "    if (it != list.end() && (it + 1) != list.end()) {"},
-        {texts::classConstructor, 3, 3, " @C@() { _instances.push_back(this); }"},
-        {texts::classDestructor, 7, 7, " }"},
-        {texts::classNavigation, 51, 50, "std::vector<@C@*> @C@::_instances;"},
-    };
-    for (const Case& row : cases) {
-        EXPECT_EQ(std::count(row.text.begin(), row.text.end(), '\n'), row.lines) << row.line;
-        EXPECT_EQ(row.text.back(), '\n');
-        EXPECT_EQ(Line(row.text, row.number), row.line);
-    }
-}
 
 TEST(Fill, ReplacesEveryHole) {
     EXPECT_EQ(Fill("@A@+@B@+@A@", {{"A", "x"}, {"B", "@A@"}}), "x+@A@+x");

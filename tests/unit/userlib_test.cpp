@@ -96,47 +96,6 @@ TEST_F(Userlib, SkipsWhatIsNoDeclaration) {
     EXPECT_EQ(symbols.userlibDLLs[1].functions[0].line, 15);
 }
 
-TEST_F(Userlib, KnowsSignaturesForCalls) {
-    Import(".lib \"a.dll\"\nFind%(a%)\nFind:TPlayer(name$, hint#)\n");
-    const Routine* find = FindUserlibFunction("Find");
-    ASSERT_TRUE(find);
-    EXPECT_EQ(find->cppName, "kvl_Find");
-    EXPECT_EQ(find->result, Single(Base::Object, FindClass("TPlayer")));
-    ASSERT_EQ(find->parameters.size(), 2U);
-    EXPECT_EQ(find->parameters[0].type, Single(Base::String));
-    EXPECT_EQ(symbols.userlibFunctions["Find"], "KVL_TPlayer*");
-    EXPECT_EQ(symbols.userlibDLLs[0].functions.size(), 2U);
-}
-
-TEST_F(Userlib, RefusesWhatCannotWork) {
-    EXPECT_FATAL(ImportUserlib("userlibs/missing.decls"),
-                 "Cannot open userlib declaration file: userlibs/missing.decls");
-    const struct {
-        const char *line, *message;
-    } rows[] = {
-        {"class(a%)", "This is a reserved C++ identifier 'class', use another identifier"},
-        {"Print(a%)", "This is a reserved Korvel keyword 'Print', use another identifier"},
-        {"TVec(a%)", "Identifier 'TVec' is already defined."},
-        {"F(a:Foo)",
-         "userlibs/x.decls, line 3: in the declaration of 'F', 'Foo' is no type that a DLL function "
-         "can take or return"},
-        {"F:TNowhere(a%)",
-         "userlibs/x.decls, line 3: in the declaration of 'F', 'TNowhere' is no type that a DLL "
-         "function can take or return"},
-        {"F(a:Int[])",
-         "userlibs/x.decls, line 3: in the declaration of 'F', 'Int[]' is no type that a DLL function "
-         "can take or return"},
-        {"F(a:void)",
-         "userlibs/x.decls, line 3: in the declaration of 'F', 'void' is no type that a DLL function "
-         "can take or return"},
-        {"F:TVec()",
-         "userlibs/x.decls, line 3: in the declaration of 'F', 'TVec' is an Element, and Elements cannot "
-         "be passed to a DLL or returned from it"},
-    };
-    for (const auto& row : rows)
-        EXPECT_FATAL(Import(std::string("\n.lib \"a.dll\"\n") + row.line), row.message);
-}
-
 // The whole block for one function of each kind.
 TEST_F(Userlib, GeneratesTheBlock) {
     EXPECT_EQ(GenerateUserlibCode(), "");
@@ -230,28 +189,12 @@ TEST_F(Userlib, GeneratesWrappersOfOtherKinds) {
     }
 }
 
-TEST_F(Userlib, TheLaterDeclarationCounts) {
-    Import(".lib \"a.dll\"\nAdd%(a%)\nAdd#(a#, b#)\n");
-    const std::string code = GenerateUserlibCode();
-    EXPECT_LACKS(code, "int Add(");
-    EXPECT_HAS(code, "double Add(double a, double b)\n");
-    EXPECT_EQ(code.find("Add_ptr = NULL"), code.rfind("Add_ptr = NULL"));
-}
-
 TEST_F(Userlib, EscapesLiterals) {
     EXPECT_EQ(CppLiteral("a\\b\"c\t\x7F?"), "\"a\\\\b\\\"c\\011\\177?\"");
     EXPECT_EQ(CppLiteral("what?"
                          "?/"),
               "\"what?\\?/\"");
     EXPECT_EQ(CppLiteral("\xC3\xA4"), "\"\xC3\xA4\"");
-}
-
-TEST_F(Userlib, KeepsClearOfOtherPeoplesNames) {
-    for (const char* name : {"puts", "sleep", "Beep", "MessageBox", "main", "_open", "errno", "hDLL_0"}) {
-        EXPECT_TRUE(ClashesWithLibrary(name)) << name;
-    }
-    for (const char* name : {"Add", "Greet", "Draw", "sound", "KVLike"})
-        EXPECT_FALSE(ClashesWithLibrary(name)) << name;
 }
 
 // Whatever a declaration says, the block compiles: awkward names, quotes, backslashes, every type.
@@ -273,42 +216,6 @@ TEST_F(Userlib, TheBlockCompiles) {
             "kvl_main() + kvl_errno() + kvl_array(1); }\n");
     EXPECT_EQ(
         std::system("g++ -std=c++11 -Wall -Wextra -Wno-unused-parameter -Werror -fsyntax-only block.cpp"), 0);
-}
-
-TEST_F(Userlib, CopiesDlls) {
-    Import(".lib \"here.dll\"\nA()\n.lib \"gone.dll\"\nB()\n");
-    const std::string content("\0bytes\r\n", 8);
-    ScratchFolder::Write("userlibs/here.dll", content);
-    std::filesystem::create_directory("out");
-    testing::internal::CaptureStdout();
-    CopyUserlibDLLs("out");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "  Warning: DLL not found in userlibs/: gone.dll\n");
-    EXPECT_EQ(ScratchFolder::Read("out/here.dll"), content);
-    EXPECT_FATAL(CopyUserlibDLLs("nowhere"), "Cannot write DLL to output directory: nowhere/here.dll");
-
-    settings.verbose = true;
-    testing::internal::CaptureStdout();
-    CopyUserlibDLLs("userlibs");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "\nCopying userlib DLLs to output directory...\n  Copied: here.dll -> userlibs/\n"
-              "  Warning: DLL not found in userlibs/: gone.dll\n");
-    EXPECT_EQ(ScratchFolder::Read("userlibs/here.dll"), content) << "copied onto itself";
-}
-
-TEST_F(Userlib, CollectsLinkerFlags) {
-    testing::internal::CaptureStdout();
-    settings.currentFile = "game/lib\xC3\xA4/util.kvl";
-    for (const char* token : {"\"-lm\"", "\"-L.\"", "\"-lm\"", "\"", "-lz"}) AddLinkerFlag(token);
-    settings.currentFile = "util.kvl";
-    AddLinkerFlag("\"-L.\"");
-    settings.currentLine = 7;
-    AddLinkerFlag("-lz");
-    EXPECT_EQ(symbols.linkerFlags,
-              (std::vector<std::string>{"-lm", "-L\"game/lib\xC3\xA4\"", "\"", "-lz", "-L\".\"", "-lz"}));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"game/lib\xC3\xA4\"\n  - Adding "
-              "linker flag: \"\n"
-              "  - Adding linker flag: -lz\n  - Adding linker flag: -L\".\"\n  - Adding linker flag: -lz\n");
 }
 
 }  // namespace
