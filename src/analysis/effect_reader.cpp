@@ -1,5 +1,6 @@
 #include "analysis/effect_reader.h"
 
+#include "driver/run.h"
 #include "lexer/holes.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
@@ -14,6 +15,7 @@ struct SharedName {
 };
 
 std::vector<SharedName> sharedNames;  // by the id of the name
+const PartOfRun partOfRun(sharedNames);
 
 void AddShared(const Variable& variable) {
     SharedName& name = sharedNames[WordOf(variable.name).id];
@@ -346,5 +348,3 @@ bool HoldsItems(Thing thing) {
     const std::size_t id = thing - firstNamed;
     return thing >= firstNamed && id < sharedNames.size() && sharedNames[id].items;
 }
-
-void ResetEffectNames() { sharedNames.clear(); }

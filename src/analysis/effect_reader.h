@@ -62,4 +62,3 @@ private:
 
 // Whether the thing is an array or a Sequence that is no routine's own.
 bool HoldsItems(Thing thing);
-void ResetEffectNames();

@@ -6,6 +6,7 @@
 
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
+#include "driver/run.h"
 #include "lexer/holes.h"
 #include "symbols/scopes.h"
 
@@ -20,6 +21,7 @@ struct Facts {
 };
 
 Facts facts;
+const PartOfRun partOfRun(facts);
 
 // What a function of C may do: it knows nothing of the program but what it is handed, unless it is inline C++.
 void AddForeign(const ReachGraph& graph, const std::string& name) {
@@ -112,12 +114,6 @@ void ReadEffects(int node, TokenSpan tokens, const OwnNames& names) {
     EffectReader(set, &names).ReadStatement(tokens);
     constexpr std::size_t worthSettling = 256;
     if (set.reads.size() > worthSettling || set.changes.size() > worthSettling) set.Settle();
-}
-
-void ResetEffects() {
-    facts = Facts();
-    ResetEffectNames();
-    ResetInlineEffects();
 }
 
 namespace {

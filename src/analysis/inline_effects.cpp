@@ -4,11 +4,13 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "driver/run.h"
 #include "lexer/lexer.h"
 
 namespace {
 
 EffectSet outside;
+const PartOfRun partOfRun(outside);
 
 constexpr std::string_view prefix = "KVL_";
 
@@ -85,5 +87,3 @@ void ReadInlineEffects(ReachGraph& graph, int node, const std::string& line) {
 }
 
 const EffectSet& EffectsOfOutsideCode() { return outside; }
-
-void ResetInlineEffects() { outside = EffectSet(); }

@@ -10,4 +10,3 @@
 void ReadInlineEffects(ReachGraph& graph, int node, const std::string& line);
 // What the code outside of routines does when other inline C++ or a function of C calls it.
 const EffectSet& EffectsOfOutsideCode();
-void ResetInlineEffects();

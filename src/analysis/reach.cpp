@@ -2,6 +2,7 @@
 
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
+#include "driver/run.h"
 #include "expressions/expression.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
@@ -14,6 +15,7 @@ bool built = false;
 std::unordered_map<const ClassInfo*, std::unordered_set<int>>
     answers;                       // the nodes that may create a class, but for those that may create any
 std::unordered_set<int> removers;  // the nodes that may remove an object
+const PartOfRun partOfRun(graph, built, answers, removers);
 
 std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
 
@@ -251,13 +253,4 @@ bool RoutineMayRemove(const std::string& name) {
     const auto routine = BuiltGraph().routines.find(name);
     if (routine == graph.routines.end() || removers.count(graph.timers) != 0) return true;
     return removers.count(routine->second) != 0;
-}
-
-void ResetReach() {
-    graph = ReachGraph();
-    built = false;
-    answers.clear();
-    removers.clear();
-    ResetSequenceChanges();
-    ResetEffects();
 }

@@ -14,5 +14,3 @@ bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls);
 // Whether a Function or Method of this name may remove an object of some Type, itself, through anything it may
 // call or through a timer. Errs on the side of yes.
 bool RoutineMayRemove(const std::string& name);
-
-void ResetReach();

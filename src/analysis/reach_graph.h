@@ -66,9 +66,7 @@ std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> op
 // a node, and the end of the run.
 void BeginSequenceChanges();
 void ReadSequenceChanges(int node, TokenSpan tokens);
-void ResetSequenceChanges();
 // The same for effects.cpp; `names` are those of the routine so far.
 void ReadEffects(int node, TokenSpan tokens, const OwnNames& names);
 // The effects of the node's own statements, to be added to.
 EffectSet& OwnEffectsOf(int node);
-void ResetEffects();

@@ -1,6 +1,7 @@
 #include "analysis/sequence_changes.h"
 
 #include "analysis/reach_graph.h"
+#include "driver/run.h"
 #include "expressions/expression.h"
 
 namespace {
@@ -17,6 +18,7 @@ struct Facts {
 };
 
 Facts facts;
+const PartOfRun partOfRun(facts);
 
 ItemKey KeyOf(const ValueType& item) { return KorvelName(item); }
 
@@ -121,8 +123,6 @@ void ReadSequenceChanges(int node, TokenSpan tokens) {
             AddChange(node, tokens[i - 1]);
     }
 }
-
-void ResetSequenceChanges() { facts = Facts(); }
 
 bool RoutineMayChange(const std::string& name, const ValueType& item) {
     if (lenient) return false;

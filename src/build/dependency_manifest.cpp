@@ -12,6 +12,7 @@
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 #include "lexer/source_reader.h"
@@ -196,6 +197,8 @@ void DateRecordLike(const std::string& source) {
 
 static std::string trusted;             // the record's text before it was distrusted
 static fs::file_time_type trustedTime;  // and when it was written
+
+static const PartOfRun partOfRun(dependencies, knownIncludes, recordTime, startOfRun, trusted, trustedTime);
 
 void DistrustDependencyManifest() {
     const std::string path = ManifestPath(settings.mainSource, settings.outputPath);

@@ -1,12 +1,12 @@
 #include "build/output_files.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <unordered_map>
 
 #include "driver/files.h"
 #include "driver/paths.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 
@@ -33,11 +33,7 @@ struct Reservation {
 std::unordered_map<FileKey, std::string, FileKeyHash> putOff;  // files of the previous build and their paths
 std::unordered_map<std::string, Reservation> reservations;     // by path
 std::unordered_map<std::string, bool> folders;                 // answers of MayChangeFolder
-
-void SettleAtExit() {
-    static const bool registered = std::atexit(SettleOutputs) == 0;
-    static_cast<void>(registered);
-}
+const PartOfRun partOfRun(putOff, reservations, folders);
 
 bool MayChangeFolderOf(const std::string& path) {
     const std::string folder = FolderOf(path);
@@ -86,7 +82,6 @@ Reservation Reserve(const std::string& path) {
 bool PutOffDeletion(const std::string& path) {
     if (!IsLikeNew(path) || !MayChangeFolderOf(path)) return false;
     const FileFacts facts = Examine(path);
-    SettleAtExit();
     putOff.emplace(FileKey{facts.device, facts.number}, path);
     return true;
 }
@@ -109,7 +104,6 @@ void DeletePutOff(const std::string& path) {
 
 bool ReserveOutput(const std::string& path) {
     if (settings.checkOnly) return true;
-    SettleAtExit();
     const auto known = reservations.find(path);
     if (known != reservations.end()) return known->second.creatable;
     return (reservations[path] = Reserve(path)).creatable;

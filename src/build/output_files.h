@@ -26,5 +26,5 @@ bool WriteOutput(const std::string& path, const std::string& text);
 // Sees to it that a reserved output is not there.
 void DropOutput(const std::string& path);
 
-// Deletes what was put off and nobody took over. Comes by itself when an error ends the run.
+// Deletes what was put off and nobody took over. The end of every run, also of one that a mistake ends.
 void SettleOutputs();

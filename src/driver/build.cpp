@@ -11,6 +11,7 @@
 #include "driver/word_lists.h"
 #include "linking/deploy.h"
 #include "linking/linker_flags.h"
+#include "statements/program.h"
 #include "statements/translate.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
@@ -74,6 +75,7 @@ void Translate() {
     LoadWordLists();
     Say("Working on files...\n");
     TranslateProgram(settings.mainSource);
+    WriteProgram();
     Say("");
     CheckMainFunction();
     PopRoutineScope();
@@ -103,9 +105,7 @@ void Check() {
     CopyUserlibDLLs(settings.outputPath);  // which says what is missing
 }
 
-}  // namespace
-
-void BuildProgram() {
+void RunPhases() {
     MoveToInstallationRoot();
     CheckRequiredArguments();
     if (settings.checkOnly)
@@ -114,4 +114,18 @@ void BuildProgram() {
         BuildUnlessUnchanged();
     SettleOutputs();
     Say("Done! \\o/\n");
+}
+
+}  // namespace
+
+int BuildProgram() {
+    try {
+        RunPhases();
+        return 0;
+    } catch (const Stop& stop) {
+        SayQuoted(stop);
+        WriteFinished();
+        SettleOutputs();
+        return 1;
+    }
 }

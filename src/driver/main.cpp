@@ -9,11 +9,12 @@
 
 int main(int argc, char** argv) {
     std::set_new_handler(ReportNoMemory);
+    int status = 0;
     {
         const Utf8Console console;
         PrintBanner();
-        if (ParseCommandLine(CommandLineWords(argc, argv))) BuildProgram();
+        if (ParseCommandLine(CommandLineWords(argc, argv))) status = BuildProgram();
         std::fflush(nullptr);
     }
-    std::_Exit(0);  // freeing the tables one by one would take up to a tenth of the run
+    std::_Exit(status);  // freeing the tables one by one would take up to a tenth of the run
 }

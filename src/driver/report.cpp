@@ -4,7 +4,12 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "driver/run.h"
 #include "driver/settings.h"
+
+static std::vector<korvel::Diagnostic>* silentFor =
+    nullptr;  // takes the warnings of a run that prints nothing
+static const PartOfRun partOfRun(silentFor);
 
 static void Write(std::FILE* stream, const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stream);
@@ -37,26 +42,33 @@ static std::string Shortened(const std::string& message) {
     return Abridged(text, 0, text.size(), 3000, 1000);
 }
 
-static int catchers = 0;  // of thrown reports
-
-ThrownReports::ThrownReports() { ++catchers; }
-ThrownReports::~ThrownReports() { --catchers; }
-
-void EndRun(const FatalReport& report) {
-    std::fflush(stdout);  // what was said before comes first where both streams go to one place
-    Write(report.onErrorStream ? stderr : stdout, report.text);
-    std::exit(1);
-}
-
-[[noreturn]] static void Fail(const FatalReport& report) {
-    if (catchers > 0) throw report;
-    EndRun(report);
+static korvel::Diagnostic HereIs(const std::string& message) {
+    korvel::Diagnostic diagnostic;
+    diagnostic.file = settings.currentFile;
+    diagnostic.line = settings.currentLine;
+    diagnostic.message = message;
+    return diagnostic;
 }
 
 void ReportFatal(const std::string& message, const std::string& linesBefore) {
-    Fail({linesBefore + "Error: " + Shortened(message) + "\nFile: " + settings.currentFile +
-              "\nLine: " + std::to_string(settings.currentLine) + "\n\n",
-          false});
+    const korvel::Diagnostic mistake = HereIs(Shortened(message));
+    throw Stop{mistake,
+               linesBefore + "Error: " + mistake.message + "\nFile: " + mistake.file +
+                   "\nLine: " + std::to_string(mistake.line) + "\n\n",
+               false};
+}
+
+void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
+    std::string text = Shortened(lines);
+    if (text.empty() || text.back() != '\n') text += '\n';
+    throw Stop{mistake, text, true};
+}
+
+void FailOnErrorStream(const std::string& lines) {
+    const std::string mark = "ERROR: ";
+    FailOnErrorStream(
+        HereIs(Shortened(lines.compare(0, mark.size(), mark) == 0 ? lines.substr(mark.size()) : lines)),
+        lines);
 }
 
 void ReportNoMemory() {
@@ -67,16 +79,13 @@ void ReportNoMemory() {
     std::_Exit(1);  // whatever else is to be done needs memory, too
 }
 
-void FailOnErrorStream(const std::string& lines) {
-    std::string text = Shortened(lines);
-    if (text.empty() || text.back() != '\n') text += '\n';
-    Fail({text, true});
-}
-
 void Warn(const std::string& message) {
     if (!settings.warnings) return;
-    Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
-        "): " + message);
+    if (silentFor == nullptr)
+        return Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
+                   "): " + message);
+    silentFor->push_back(HereIs(message));
+    silentFor->back().isWarning = true;
 }
 
 void VerboseNote(const std::string& line) {
@@ -84,6 +93,14 @@ void VerboseNote(const std::string& line) {
 }
 
 void Say(const std::string& line) {
+    if (silentFor != nullptr) return;
     Write(stdout, line);
     std::fputc('\n', stdout);
 }
+
+void SayQuoted(const Stop& stop) {
+    std::fflush(stdout);  // what was said before comes first where both streams go to one place
+    Write(stop.onErrorStream ? stderr : stdout, stop.quoted);
+}
+
+void KeepSilent(std::vector<korvel::Diagnostic>& warnings) { silentFor = &warnings; }

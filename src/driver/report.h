@@ -1,35 +1,29 @@
-// What the compiler says: the fatal report and verbose notes.
+// What the compiler says: the mistake that ends a run, warnings and verbose notes.
 #pragma once
 
 #include <string>
+#include <vector>
 
-// What is said when something is wrong.
-struct FatalReport {
-    std::string text;
+#include "library/korvel.h"
+
+// Thrown where something is wrong. Whoever drives a run catches it.
+struct Stop {
+    korvel::Diagnostic mistake;
+    std::string quoted;  // the mistake as kvt says it
     bool onErrorStream = false;
 };
 
-// Prints a report and ends the run with exit status 1. Files already written stay as they are.
-[[noreturn]] void EndRun(const FatalReport& report);
-
-// While one of these lives, reports are thrown instead of ending the run.
-class ThrownReports {
-public:
-    ThrownReports();
-    ~ThrownReports();
-    ThrownReports(const ThrownReports&) = delete;
-    ThrownReports& operator=(const ThrownReports&) = delete;
-};
-
-// Ends the run with `linesBefore`, "Error: " + message, the current file and the current line on standard
-// output. Very long words are cut.
+// Stops the run at the current line of the current file. Quoted are `linesBefore`, "Error: " + message, file and
+// line. Very long words are cut.
 [[noreturn]] void ReportFatal(const std::string& message, const std::string& linesBefore = {});
 
-// The same for want of memory, without needing any.
-[[noreturn]] void ReportNoMemory();
-
-// Ends the run with lines on the error stream, without the report's frame.
+// Stops the run with a mistake for which these lines are quoted on the error stream.
+[[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);
+// The same for one at the current line of the current file: its message is the lines, less "ERROR: ".
 [[noreturn]] void FailOnErrorStream(const std::string& lines);
+
+// Ends the process for want of memory, with a report that needs none.
+[[noreturn]] void ReportNoMemory();
 
 // With -warn, says what is odd about the current line of the current file; the run goes on.
 void Warn(const std::string& message);
@@ -39,3 +33,9 @@ void VerboseNote(const std::string& line);
 
 // Prints line + end of line on standard output, always.
 void Say(const std::string& line);
+
+// Prints what kvt says of a mistake, behind all that has been said.
+void SayQuoted(const Stop& stop);
+
+// From now on, and until the next run, nothing is printed: warnings go to the list, all else is dropped.
+void KeepSilent(std::vector<korvel::Diagnostic>& warnings);

@@ -1,6 +1,7 @@
 #include "expressions/expression.h"
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "expressions/operators.h"
 #include "expressions/walk.h"
@@ -17,6 +18,8 @@ constexpr int longestChain = 1000;  // divisions in a row that each wrap what st
 constexpr std::size_t mostParts = 5000;
 
 int depth = 0;
+
+const PartOfRun partOfRun(lenient, lambdaCount, callCount, depth);
 
 TokenSpan WithoutComment(TokenSpan tokens) {
     if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
@@ -94,7 +97,8 @@ void LimitParts(std::size_t count) {
 }
 
 DepthGuard::DepthGuard() {
-    if (++depth > deepest) FailTooDeep();
+    if (depth == deepest) FailTooDeep();
+    ++depth;
 }
 DepthGuard::~DepthGuard() { --depth; }
 

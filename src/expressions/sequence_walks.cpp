@@ -2,6 +2,7 @@
 
 #include "analysis/sequence_changes.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "prelude/support.h"
 #include "symbols/scopes.h"
 
@@ -28,6 +29,7 @@ struct OpenWalk {
 
 std::vector<OpenWalk> walks;  // the innermost loop last
 int walkCount = 0;
+const PartOfRun partOfRun(walks, walkCount);
 
 Home HomeOf(const Expr& sequence) {
     const Variable* variable = sequence.variable;

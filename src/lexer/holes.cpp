@@ -3,6 +3,7 @@
 #include <deque>
 #include <string_view>
 
+#include "driver/run.h"
 #include "lexer/lexer.h"
 
 namespace {
@@ -71,11 +72,13 @@ std::vector<StringPiece> CutPieces(std::string_view token) {
     return pieces;
 }
 
+std::deque<std::vector<StringPiece>> cutLiterals;  // for the words that point to them
+const PartOfRun partOfRun(cutLiterals);
+
 }  // namespace
 
 const std::vector<StringPiece>& PiecesOf(const Word& literal) {
-    static std::deque<std::vector<StringPiece>>& cut = *new std::deque<std::vector<StringPiece>>;
-    if (literal.pieces == nullptr) literal.pieces = &cut.emplace_back(CutPieces(literal.text));
+    if (literal.pieces == nullptr) literal.pieces = &cutLiterals.emplace_back(CutPieces(literal.text));
     return *literal.pieces;
 }
 

@@ -270,8 +270,12 @@ std::string Lexer::GetToken(std::int32_t i) const {
 std::uint32_t Lexer::GetIndent() const { return indent; }
 
 void FailInLine(const std::string& file, int number, const char* message, std::string_view line) {
-    FailOnErrorStream("Error in " + file + " (line " + std::to_string(number) + "): " + message +
-                      "\nLine: " + std::string(line));
+    korvel::Diagnostic mistake;
+    mistake.file = file;
+    mistake.line = number;
+    mistake.message = message;
+    FailOnErrorStream(mistake, "Error in " + file + " (line " + std::to_string(number) + "): " + message +
+                                   "\nLine: " + std::string(line));
 }
 
 Tokens Cut(std::string_view text) {
@@ -327,4 +331,6 @@ bool EndsContinued(std::string_view line) {
     return line[last] == '\\' || trigraph;
 }
 
-std::string GuardComment(const std::string& comment) { return EndsContinued(comment) ? comment + " ." : comment; }
+std::string GuardComment(const std::string& comment) {
+    return EndsContinued(comment) ? comment + " ." : comment;
+}

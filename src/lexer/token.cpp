@@ -1,4 +1,5 @@
 #include "lexer/token.h"
+#include "driver/run.h"
 
 #include <array>
 #include <cstdint>
@@ -111,6 +112,8 @@ Pool& ThePool() {
     static Pool& pool = *new Pool;  // never destroyed: tokens may outlive everything else
     return pool;
 }
+
+const PartOfRun partOfRun(ThePool());
 
 }  // namespace
 

@@ -1,4 +1,5 @@
 #include "prelude/output.h"
+#include "driver/run.h"
 
 #include <algorithm>
 
@@ -8,6 +9,7 @@ namespace {
 std::vector<const ClassInfo*>* needsSink = nullptr;
 FileOutput* openOutput = nullptr;
 std::size_t globalCount = 0;
+const PartOfRun partOfRun(needsSink, openOutput, globalCount);
 
 }  // namespace
 

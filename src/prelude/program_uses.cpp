@@ -1,8 +1,10 @@
 #include "prelude/program_uses.h"
+#include "driver/run.h"
 
 #include <string_view>
 
 ProgramUses programUses;
+static const PartOfRun partOfRun(programUses);
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "prelude/fill.h"
 #include "prelude/texts.h"
@@ -40,6 +41,7 @@ const std::array<Row, supportCount> rows = {{
 
 std::array<bool, supportCount> used{};  // written by RequireSupport
 std::size_t preludeUses = 0;
+const PartOfRun partOfRun(used, preludeUses);
 
 std::size_t IndexOf(Support support) { return static_cast<std::size_t>(support); }
 
@@ -67,5 +69,3 @@ std::string FillSafeNames(std::string_view text) {
     const std::string div = SafeDivName(), mod = SafeModName();
     return Fill(text, {{"SafeDiv", div}, {"SafeMod", mod}});
 }
-
-void ResetSupport() { used.fill(false); }

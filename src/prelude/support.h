@@ -37,7 +37,6 @@ std::size_t PreludeUses();
 
 // The text of all marked support code, in the order of the enum.
 std::string SupportText();
-void ResetSupport();
 
 // A text with the names of the checked division and remainder in their places.
 std::string FillSafeNames(std::string_view text);

@@ -1,6 +1,7 @@
 #include "statements/array_results.h"
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "statements/constant_value.h"
@@ -17,6 +18,7 @@ struct AwaitedResult {
 };
 
 std::vector<AwaitedResult> awaited;  // filled by CheckArrayResult, taken by CheckAwaitedResults
+const PartOfRun partOfRun(awaited);
 
 void CheckResultSizes(const std::string& name, const std::vector<std::string>& declared,
                       const Routine& routine) {

@@ -4,6 +4,7 @@
 #include <deque>
 #include <vector>
 
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
 #include "prelude/output.h"
@@ -19,7 +20,8 @@ struct Waiting {
 std::deque<Waiting> waiting;        // in the order of their first passes
 std::vector<std::string> underWay;  // files in strict translation, the innermost last
 bool allNamesRead = false;
-const FatalReport* search = nullptr;  // what began it
+const Stop* search = nullptr;  // what began it
+const PartOfRun partOfRun(waiting, underWay, allNamesRead, search);
 
 // What the mistake has interrupted.
 void ForgetOpenWork() {
@@ -50,7 +52,7 @@ bool GoesThrough(const std::function<void()>& translate) {
     try {
         translate();
         return true;
-    } catch (const FatalReport&) {
+    } catch (const Stop&) {
         ForgetOpenWork();
         return false;
     }
@@ -60,16 +62,16 @@ bool SearchesFirstMistake() { return search != nullptr; }
 
 bool SearchesIn(const std::string& path) {
     if (search == nullptr || !allNamesRead) return false;
-    if (std::find(underWay.begin(), underWay.end(), FileId(path)) != underWay.end()) EndRun(*search);
+    if (std::find(underWay.begin(), underWay.end(), FileId(path)) != underWay.end()) throw Stop(*search);
     return true;
 }
 
-void ReportFirstMistake(const FatalReport& met) {
+void ReportFirstMistake(const Stop& met) {
     search = &met;
     settings.verbose = settings.warnings = false;
     for (const Waiting& file : std::deque<Waiting>(waiting)) {
         ForgetOpenWork();
         TranslateFile(file.path, file.outputFolder, false, true);
     }
-    EndRun(met);
+    throw Stop(met);
 }

@@ -29,4 +29,4 @@ bool SearchesFirstMistake();
 bool SearchesIn(const std::string& path);
 
 // Reports the first mistake of the waiting files, or else the one that was met, and ends the run.
-[[noreturn]] void ReportFirstMistake(const FatalReport& met);
+[[noreturn]] void ReportFirstMistake(const Stop& met);

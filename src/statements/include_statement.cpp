@@ -7,6 +7,7 @@
 #include "build/dependency_manifest.h"
 #include "driver/paths.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 #include "expressions/expression.h"
@@ -26,11 +27,13 @@ IncludeName SplitIncludeName(const std::string& name) {
     return split;
 }
 
+static std::unordered_set<std::string> madeFolders;  // in the output folder
+static const PartOfRun partOfRun(madeFolders);
+
 std::string IncludeOutputFolder(const IncludeName& name) {
-    static std::unordered_set<std::string> there;
     if (name.folder.empty()) return settings.outputPath;
     std::string folder = settings.outputPath + "/" + name.folder;
-    if (settings.checkOnly || !there.insert(folder).second) return folder;
+    if (settings.checkOnly || !madeFolders.insert(folder).second) return folder;
     std::error_code error;
     fs::create_directories(PathOf(folder), error);
     if (!fs::is_directory(PathOf(folder), error))

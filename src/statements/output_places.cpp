@@ -6,6 +6,7 @@
 #include "build/output_files.h"
 #include "driver/paths.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 #include "lexer/source_reader.h"
@@ -16,10 +17,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+std::unordered_map<std::string, bool> outsideFolders;  // answers of LiesOutside
+const PartOfRun partOfRun(outsideFolders);
+
 // An Include that climbs ("../lib/util.kvl"), or a link in its path, leads out of the output folder.
 bool LiesOutside(const std::string& folder) {
-    static std::unordered_map<std::string, bool> known;
-    const auto [entry, isNew] = known.emplace(folder, false);
+    const auto [entry, isNew] = outsideFolders.emplace(folder, false);
     if (isNew && folder != settings.outputPath) {
         std::error_code failed;
         const fs::path way = fs::canonical(PathOf(folder), failed)

@@ -1,6 +1,5 @@
 #include "statements/program.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
@@ -9,6 +8,7 @@
 #include "driver/parallel.h"
 #include "driver/paths.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/utf8.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
@@ -24,6 +24,7 @@ std::unordered_map<std::string, std::string> guardOwners;   // header guard -> i
 std::deque<FileOutput> lenientOutputs;                      // kept for the run, never written
 
 std::vector<const FileOutput*> finished;  // not written so far
+const PartOfRun partOfRun(program, bySource, outputOwners, guardOwners, lenientOutputs, finished);
 
 // Writes the header and the .cpp of a file; returns a message when that fails.
 std::string WriteOutputs(const FileOutput& out) {
@@ -34,10 +35,6 @@ std::string WriteOutputs(const FileOutput& out) {
     else if (!WriteOutput(CppPath(out), CppText(out)))
         return "Cannot write modified cpp file: " + CppPath(out);
     return {};
-}
-
-void WriteFinished() {
-    for (const FileOutput* out : finished) WriteOutputs(*out);
 }
 
 // The order in which the main header includes the others.
@@ -52,15 +49,6 @@ void ListHeaders() {
 }
 
 }  // namespace
-
-void ResetProgram() {
-    program = Program();
-    bySource.clear();
-    outputOwners.clear();
-    guardOwners.clear();
-    lenientOutputs.clear();
-    finished.clear();
-}
 
 FileOutput* FindOutput(const std::string& source) {
     auto found = bySource.find(FileId(source));
@@ -91,9 +79,11 @@ std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
     return guard;
 }
 
-void WriteAtExit(const FileOutput& out) {
-    static const bool registered = std::atexit(WriteFinished) == 0;
-    if (registered) finished.push_back(&out);
+void NoteFinished(const FileOutput& out) { finished.push_back(&out); }
+
+void WriteFinished() {
+    for (const FileOutput* out : finished) WriteOutputs(*out);
+    finished.clear();
 }
 
 namespace {
@@ -132,6 +122,9 @@ void FinishProgram() {
     OrderGlobals(program);
     OrderRoutines(program);
     CompleteHeaders(program);
+}
+
+void WriteProgram() {
     finished.clear();
     std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)

@@ -6,7 +6,6 @@
 #include "prelude/order.h"
 
 extern Program program;
-void ResetProgram();
 
 // The output of a source already translated strictly, or being translated, however its path is spelt; null
 // when there is none.
@@ -17,7 +16,10 @@ FileOutput& NewOutput(const std::string& source, bool lenientRun);
 void ClaimOutputs(const FileOutput& out);
 // A header guard that no other file has: the wanted one, with a number behind it when that is taken.
 std::string ClaimGuard(const FileOutput& out, const std::string& wanted);
-// Puts everything into an order that compiles and writes what changed by it.
+// Puts everything into an order that compiles.
 void FinishProgram();
-// Sees to it that the outputs of a finished file are written even when an error ends the run later.
-void WriteAtExit(const FileOutput& out);
+// Writes the outputs of a finished program, as far as they have changed.
+void WriteProgram();
+// A file is translated: its outputs are written by WriteFinished even when a mistake is met later.
+void NoteFinished(const FileOutput& out);
+void WriteFinished();

@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "lexer/lexer.h"
 #include "prelude/program_uses.h"
 #include "statements/words.h"
@@ -35,16 +36,20 @@ std::string HandlerCall(const std::string& name) {
     return (hidden ? "::" : "") + handler->cppName + "(" + DefaultArguments(*handler) + ")";
 }
 
+std::optional<std::unordered_set<std::string>> functionNames;  // in lower case, once they have been asked for
+const PartOfRun partOfRun(functionNames);
+
+void ListFunctionNames() {
+    functionNames.emplace();
+    for (const auto& function : symbols.functions) functionNames->insert(Lower(function.first));
+    for (const auto& function : symbols.userlibRoutines) functionNames->insert(Lower(function.first));
+}
+
 // Whether some Function has the name in any letter case. Any other name stops nothing, which the language
 // allows, but one that no Function has is a slip.
 bool NamesFunction(const std::string& name) {
-    static const std::unordered_set<std::string> lowered = [] {
-        std::unordered_set<std::string> names;
-        for (const auto& function : symbols.functions) names.insert(Lower(function.first));
-        for (const auto& function : symbols.userlibRoutines) names.insert(Lower(function.first));
-        return names;
-    }();
-    return lowered.count(Lower(name)) != 0;
+    if (!functionNames) ListFunctionNames();
+    return functionNames->count(Lower(name)) != 0;
 }
 
 }  // namespace

@@ -136,7 +136,7 @@ void TranslateRest(FileOutput& out, const Declarations& declarations) {
     if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
     CloseHeader(out);
     SayPostProcessing(out);
-    if (!out.isMain) WriteAtExit(out);
+    if (!out.isMain) NoteFinished(out);
 }
 
 // What is done of it in a lenient run whose statements wait. Guards are given out in the order of the first
@@ -184,10 +184,9 @@ void TranslateProgram(const std::string& mainSource) {
     for (const std::string& source : symbols.sourceFiles)
         if (MayBeGenerated(source)) DeletePutOff(source);
     try {
-        const ThrownReports thrown;
         TranslateFile(mainSource, settings.outputPath, true, false);
-    } catch (const FatalReport& report) {
-        ReportFirstMistake(report);
+    } catch (const Stop& stop) {
+        ReportFirstMistake(stop);
     }
     program.main = FindOutput(mainSource);
     CheckAwaitedResults();

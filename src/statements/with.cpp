@@ -1,6 +1,7 @@
 #include "statements/with.h"
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
@@ -8,6 +9,7 @@ namespace {
 
 // Objects of the open With blocks of all files, as written; the innermost is the last.
 std::vector<Tokens> withStack;
+const PartOfRun partOfRun(withStack);
 
 bool IsWordChar(char c) {
     return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');

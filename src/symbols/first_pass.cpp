@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/source_lines.h"
@@ -83,6 +84,7 @@ struct Collected {
     int lastLine = 0;
 };
 std::unordered_map<std::string, Collected> collected;  // by path as opened
+const PartOfRun partOfRun(collected);
 
 void Remember(const FirstPass& pass) {
     collected[pass.source] = {pass.out, pass.mainName, settings.currentLine};

@@ -8,10 +8,12 @@
 #include <string_view>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "lexer/lexer.h"
 #include "symbols/symbols.h"
 
 WordLists wordLists;
+static const PartOfRun partOfRun(wordLists);
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include <unordered_set>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
 #include "prelude/output.h"
@@ -12,6 +13,7 @@ namespace {
 
 // Variables whose initialiser is being typed, to notice those that depend on themselves.
 std::unordered_set<const Variable*> underWay;
+const PartOfRun partOfRun(underWay);
 
 // The place and the names that hold where a variable is declared, put in force while its initialiser is
 // looked at from somewhere else.

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <unordered_map>
 
+#include "driver/run.h"
 #include "symbols/source_lines.h"
 #include "symbols/symbols.h"
 
@@ -19,6 +20,7 @@ struct Scanned {
 };
 
 Scanned scanned;
+const PartOfRun partOfRun(scanned);
 
 bool IsLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
@@ -192,5 +194,3 @@ bool InlineCppIncludesFiles() {
     ScannedTokens();
     return scanned.includesFiles;
 }
-
-void ResetInlineCpp() { scanned = Scanned(); }

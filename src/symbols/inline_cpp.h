@@ -16,5 +16,3 @@ std::vector<InlineFunction> FindInlineFunctions(const std::string& name);
 
 // Whether inline C++ includes files, which may declare anything.
 bool InlineCppIncludesFiles();
-
-void ResetInlineCpp();

@@ -7,6 +7,7 @@
 
 #include "driver/paths.h"
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 #include "symbols/identifiers.h"
@@ -20,6 +21,7 @@ namespace {
 std::unordered_map<std::string, int> baseNames;
 // The sources by file name, in lower case.
 std::unordered_multimap<std::string, std::string> sourcesByName;
+const PartOfRun partOfRun(baseNames, sourcesByName);
 
 // As far as header guards tell names apart.
 std::string BaseName(const std::string& source) {
@@ -120,13 +122,7 @@ private:
 
 }  // namespace
 
-void CollectNames(const std::string& mainSource) {
-    baseNames.clear();
-    sourcesByName.clear();
-    ResetSourceLines();
-    ResetInlineCpp();
-    NameScan().ScanFile(mainSource, StripFolder(mainSource));
-}
+void CollectNames(const std::string& mainSource) { NameScan().ScanFile(mainSource, StripFolder(mainSource)); }
 
 bool IsSource(const std::string& path) {
     const auto [begin, end] = sourcesByName.equal_range(Lower(StripFolder(path)));

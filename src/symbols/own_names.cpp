@@ -2,6 +2,7 @@
 
 #include <unordered_set>
 
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "lexer/token.h"
 #include "symbols/identifiers.h"
@@ -22,6 +23,7 @@ bool IsNameOfProgram(const std::string& cppName) {
 
 std::unordered_set<std::string> fresh;  // given out on the line below
 int freshLine = 0;
+const PartOfRun partOfRun(fresh, freshLine);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
 #include "symbols/identifiers.h"
@@ -16,6 +17,8 @@ namespace {
 constexpr char tracedName[] = "scopedVar";
 
 const FileLevelNames* atFileLevel = nullptr;
+
+const PartOfRun partOfRun(localDefList, currentClass, atFileLevel);
 
 std::string Number(std::size_t value) { return std::to_string(value); }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <unordered_map>
 
+#include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 // The files that have been cut, by path as opened; null for those that cannot be read.
 std::unordered_map<std::string, std::shared_ptr<CutFile>> cutFiles;
+const PartOfRun partOfRun(cutFiles);
 
 std::shared_ptr<CutFile> Cut(const std::string& path) {
     auto file = std::make_shared<CutFile>();
@@ -27,8 +29,6 @@ std::shared_ptr<CutFile> FindOrCut(const std::string& path) {
 }
 
 }  // namespace
-
-void ResetSourceLines() { cutFiles.clear(); }
 
 bool SourceLines::Open(const std::string& name) {
     path = name;

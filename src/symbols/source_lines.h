@@ -61,9 +61,6 @@ private:
     void Enter(const CutLine& entered);
 };
 
-// Forgets the files read so far, at the start of a run.
-void ResetSourceLines();
-
 // Tells whether two paths mean the same file, by their text.
 std::string FileId(const std::string& path);
 

@@ -1,10 +1,10 @@
 #include "symbols/symbols.h"
+#include "driver/run.h"
 
 #include <algorithm>
 
 Symbols symbols;
-
-void ResetSymbols() { symbols = Symbols(); }
+static const PartOfRun partOfRun(symbols);
 
 ClassInfo* FindClass(const std::string& name) {
     const auto found = symbols.classIndex.find(name);

@@ -150,7 +150,6 @@ struct Symbols {
 };
 
 extern Symbols symbols;
-void ResetSymbols();
 
 // Exact, case-sensitive. Null when there is none.
 ClassInfo* FindClass(const std::string& name);

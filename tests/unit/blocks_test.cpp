@@ -1,6 +1,6 @@
 #include "statements/blocks.h"
 
-#include "expect_fatal.h"
+#include "fatal.h"
 #include "lexer/cpp_lines.h"
 #include "statements/constant_value.h"
 #include "statements/state.h"

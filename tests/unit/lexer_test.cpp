@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "driver/settings.h"
-#include "expect_fatal.h"
+#include "fatal.h"
 #include "lexer/source_reader.h"
 #include "scratch_folder.h"
 
@@ -96,10 +96,8 @@ TEST(LexerDeathTest, ReportsUnbalancedLines) {
         Lexer lexer;
         lexer.fileName = "game.kvl";
         lexer.lineNumber = 6;
-        EXPECT_EXIT(
-            lexer.LexLine(row.line, false, true, false), testing::ExitedWithCode(1),
-            HasText(std::string("Error in game.kvl (line 7): ") + row.message + "\nLine: " + row.line + "\n"))
-            << row.line;
+        EXPECT_EQ(FatalText([&] { lexer.LexLine(row.line, false, true, false); }),
+                  std::string("Error in game.kvl (line 7): ") + row.message + "\nLine: " + row.line + "\n");
     }
 }
 
@@ -112,9 +110,11 @@ TEST(LexerDeathTest, TellsWhatItReadsInVerboseMode) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "DEBUG LexLine: line=1 skipValidation=true content=\"" + std::string(50, 'x') +
                   "...\"\nDEBUG LexLine: line=1 skipValidation=false content=\" y\"\n");
-    EXPECT_EXIT(lexer.LexLine("((a", false, true, false), testing::ExitedWithCode(1),
-                "DEBUG: Triggering unclosed paren error - parenDepth=2 skipValidation=false "
-                "hasLineContinuation=false\nError in ");
+    testing::internal::CaptureStderr();
+    FatalText([&] { lexer.LexLine("((a", false, true, false); });
+    EXPECT_HAS(testing::internal::GetCapturedStderr(),
+               "DEBUG: Triggering unclosed paren error - parenDepth=2 skipValidation=false "
+               "hasLineContinuation=false\n");
     settings.verbose = false;
 }
 

@@ -5,8 +5,9 @@
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
+#include "driver/run.h"
 #include "driver/settings.h"
-#include "expect_fatal.h"
+#include "fatal.h"
 #include "scratch_folder.h"
 #include "symbols/symbols.h"
 
@@ -25,9 +26,7 @@ protected:
     }
     void TearDown() override {
         SettleOutputs();  // the file system may give a deleted file's number to one of the next test
-        settings = {};
-        ResetSymbols();
-        dependencies = {};
+        RenewRun();
     }
 
     // What a routine prints on standard output.

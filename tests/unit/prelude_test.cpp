@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "driver/run.h"
 #include "prelude/fill.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
@@ -22,7 +23,7 @@ TEST(Fill, ReplacesEveryHole) {
 }
 
 TEST(SupportCode, IsWrittenOnlyForProgramsThatNeedIt) {
-    ResetSupport();
+    RenewRun();
     EXPECT_EQ(SupportText(), "");
     RequireSupport(Support::SafeIndex);
     RequireSupport(Support::ElementSlots);  // builds on the array code
@@ -30,7 +31,7 @@ TEST(SupportCode, IsWrittenOnlyForProgramsThatNeedIt) {
     EXPECT_FALSE(SupportUsed(Support::BoolArray));
     EXPECT_EQ(SupportText(), std::string(texts::arrayPassing) + std::string(texts::elementSlots) +
                                  std::string(texts::safeIndex));
-    ResetSupport();
+    RenewRun();
     EXPECT_EQ(SupportText(), "");
 }
 
@@ -73,14 +74,14 @@ std::string WithIncludes(std::string_view text) {
 TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
     std::string sources;
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) {
-        ResetSupport();
+        RenewRun();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
         Write(name, WithIncludes(FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
                                  SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
-    ResetSupport();
+    RenewRun();
 }
 
 // Each with no more in front of it than what it builds on.
@@ -118,7 +119,7 @@ TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
     const std::string prelude = FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
                                 std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
-    ResetSupport();
+    RenewRun();
     Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));
     const std::string closing = std::string(texts::classConstructor) + std::string(texts::classDestructor) +
                                 std::string(texts::classNavigation);

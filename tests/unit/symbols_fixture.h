@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "analysis/reach.h"
+#include "driver/run.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
@@ -11,10 +11,7 @@
 class SymbolsTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetSymbols();
-        ResetScopes();
-        ResetReach();
-        wordLists = WordLists();
+        RenewRun();
         wordLists.reservedCppWords = {"int", "namespace", "this"};
         wordLists.reservedKeywords = {"while", "print"};
     }

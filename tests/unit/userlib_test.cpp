@@ -1,7 +1,8 @@
 #include <cstdlib>
 
+#include "driver/run.h"
 #include "driver/settings.h"
-#include "expect_fatal.h"
+#include "fatal.h"
 #include "linking/deploy.h"
 #include "linking/library_names.h"
 #include "linking/linker_flags.h"
@@ -16,17 +17,12 @@ namespace {
 class Userlib : public testing::Test {
 protected:
     void SetUp() override {
-        ResetSymbols();
         Declare("TPlayer", false);
         Declare("TVec", true);
         wordLists.reservedCppWords = {"class", "int", "std"};
         wordLists.reservedKeywords = {"print"};
     }
-    void TearDown() override {
-        ResetSymbols();
-        wordLists = {};
-        settings = {};
-    }
+    void TearDown() override { RenewRun(); }
 
     static void Declare(const std::string& name, bool isElement) {
         ClassInfo& cls = symbols.classes.emplace_back();
