@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "driver/paths.h"
+#include "driver/utf8.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
 #include "kv/private_folder.h"
@@ -47,7 +48,7 @@ const int placeCount = sizeof places / sizeof places[0];
 // Has the C++ generated in a folder that the user has named.
 bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string& problem) {
     std::error_code failed;
-    fs::create_directories(folder, failed);
+    fs::create_directories(PathOf(folder), failed);
     if (failed) {
         problem = "cannot create the folder " + folder + ": " + failed.message();
         return false;
@@ -57,7 +58,7 @@ bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string&
         return false;
     }
     build.cppFolder = folder;
-    build.cppLock = (fs::path(folder) / ".kv.lock").string();
+    build.cppLock = (PathOf(folder) / ".kv.lock").string();
     return true;
 }
 
@@ -71,7 +72,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
                         const std::string& keepCppFolder, BuildFolder& build, std::string& problem) {
     fs::path folder;
     for (; build.place < placeCount; ++build.place) {
-        folder = places[build.place](source, variant);
+        folder = PathOf(places[build.place](PathOf(source), variant));
         if (folder.empty()) continue;
         build.cppFolder = PrivateFolder(folder.string(), {"cpp"});
         if (!build.cppFolder.empty() && !PrivateFolder(folder.string(), {"bin"}).empty()) break;
@@ -83,7 +84,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     }
     if (!keepCppFolder.empty() && !UseFolderOfUser(keepCppFolder, build, problem)) return false;
     build.folder = folder.string();
-    build.program = (folder / "bin" / (ProgramName(source) + executableSuffix)).string();
+    build.program = (folder / "bin" / PathOf(ProgramName(source) + executableSuffix)).string();
     build.object = (folder / "program.o").string();
     build.stamp = (folder / "stamp").string();
     build.objectStamp = (folder / "compiled").string();
@@ -103,30 +104,30 @@ bool BeginBuild(BuildFolder& build) {
     build.token = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
     const std::size_t room = 1 << 20;  // what a small program takes
     std::error_code ignored;
-    fs::remove(build.started, ignored);
-    if (!(std::ofstream(build.started, std::ios::binary) << std::string(room, ' ') << std::flush)) {
-        fs::remove(build.started, ignored);
-        if (fs::exists(build.folder, ignored)) ++build.place;
+    fs::remove(PathOf(build.started), ignored);
+    if (!(std::ofstream(PathOf(build.started), std::ios::binary) << std::string(room, ' ') << std::flush)) {
+        fs::remove(PathOf(build.started), ignored);
+        if (fs::exists(PathOf(build.folder), ignored)) ++build.place;
         return false;
     }
-    std::ofstream(build.started, std::ios::binary) << build.token;
+    std::ofstream(PathOf(build.started), std::ios::binary) << build.token;
     return true;
 }
 
 bool GiveUpPlace(BuildFolder& build) {
     const std::uintmax_t plenty = 32 << 20;
     std::error_code failed;
-    const fs::space_info space = fs::space(build.folder, failed);
+    const fs::space_info space = fs::space(PathOf(build.folder), failed);
     if (failed || space.available > plenty || build.place + 1 == placeCount) return false;
     ++build.place;
-    fs::remove(build.started, failed);
+    fs::remove(PathOf(build.started), failed);
     return true;
 }
 
 bool IsDisturbed(const BuildFolder& build) { return ReadWhole(build.started) != build.token; }
 
 std::string ReadWhole(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
+    std::ifstream stream(PathOf(path), std::ios::binary);
     std::ostringstream text;
     text << stream.rdbuf();
     return text.str();

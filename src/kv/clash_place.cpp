@@ -1,5 +1,7 @@
 #include "kv/clash_place.h"
 
+#include "driver/utf8.h"
+
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -55,11 +57,11 @@ void FindClash(const std::string& mainSource, Diagnostic& diagnostic) {
     const std::string name = Quoted(diagnostic.message, '\'');
     if (keyword.empty() || name.empty()) return;
 
-    const std::filesystem::path folder = std::filesystem::path(mainSource).parent_path();
+    const std::filesystem::path folder = PathOf(mainSource).parent_path();
     std::set<std::string> seen = {mainSource};
     std::vector<std::string> files = {mainSource};
     for (std::size_t at = 0; at < files.size(); ++at) {
-        std::ifstream stream(files[at], std::ios::binary);
+        std::ifstream stream(PathOf(files[at]), std::ios::binary);
         int number = 0;
         for (std::string line; std::getline(stream, line);) {
             ++number;
@@ -70,7 +72,7 @@ void FindClash(const std::string& mainSource, Diagnostic& diagnostic) {
                 return;
             }
             if (word == "include") {
-                const std::string included = (folder / Quoted(line, '"')).string();
+                const std::string included = (folder / PathOf(Quoted(line, '"'))).string();
                 if (seen.insert(included).second) files.push_back(included);
             }
         }

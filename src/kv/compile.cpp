@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
@@ -61,10 +62,10 @@ bool RunCompiler(const Job& job, const std::vector<std::string>& command, const 
     std::string problem;
     const int status = RunProcess(request, problem);
     progress.End();
-    output = status < 0 ? "cannot execute " + command[0] + ": " + problem : ReadWhole(request.errorFile);
-    if (status < 0) std::ofstream(request.errorFile, std::ios::binary) << output << "\n";
+    output = problem.empty() ? ReadWhole(request.errorFile) : "cannot execute " + command[0] + ": " + problem;
+    if (!problem.empty()) std::ofstream(PathOf(request.errorFile), std::ios::binary) << output << "\n";
     if (job.options.verbose) std::fprintf(stderr, "%s", output.c_str());
-    return status == 0;
+    return problem.empty() && status == 0;
 }
 
 CompileJob CompileJobOf(const Job& job) {
@@ -75,7 +76,7 @@ CompileJob CompileJobOf(const Job& job) {
     compile.newObject = job.build.object + ".new";
     compile.newProgram = job.build.program + ".new" + executableSuffix;
     compile.newDependencies = job.build.dependencies + ".new";
-    compile.includeFolder = (fs::path(job.installation) / "include").string();
+    compile.includeFolder = (PathOf(job.installation) / "include").string();
     compile.sourceFolder = job.sourceFolder;
     compile.optimisation = job.options.optimisation;
     compile.debug = job.options.debug;
@@ -89,7 +90,7 @@ void ChoosePrelude(Job& job) {
     if (job.options.optimisation != "-O0") return;
     PreludeJob prelude;
     prelude.compiler = job.compiler;
-    prelude.includeFolder = (fs::path(job.installation) / "include").string();
+    prelude.includeFolder = (PathOf(job.installation) / "include").string();
     prelude.optimisation = job.options.optimisation;
     prelude.debug = job.options.debug;
     prelude.verbose = job.options.verbose;
@@ -109,9 +110,9 @@ bool RunCompilation(const Job& job, const CompileJob& compile, CommandBuilder co
     std::error_code ignored;
     for (const std::string& file :
          {job.build.dependencies, compile.newDependencies, compile.newObject, compile.newProgram}) {
-        fs::remove(file, ignored);
+        fs::remove(PathOf(file), ignored);
     }
-    const std::string work = "Compiling " + fs::path(job.mainCpp).filename().string();
+    const std::string work = "Compiling " + PathOf(job.mainCpp).filename().string();
     return RunCompiler(job, commandOf(job.compiler, compile), work, output);
 }
 
@@ -135,7 +136,7 @@ bool CompileOn(Job& job, CompileJob& compile, CommandBuilder commandOf) {
 // Puts a complete result into its place.
 bool Finish(const Job& job, const std::string& newFile, const std::string& file) {
     std::error_code failed;
-    fs::rename(newFile, file, failed);
+    fs::rename(PathOf(newFile), PathOf(file), failed);
     if (failed && !IsDisturbed(job.build)) ShowProblem("cannot write " + file + ": " + failed.message());
     return !failed;
 }
@@ -143,7 +144,7 @@ bool Finish(const Job& job, const std::string& newFile, const std::string& file)
 // Puts the record of what was read into its place; a compiler may not have written one.
 void FinishRecord(const Job& job, const CompileJob& compile) {
     std::error_code ignored;
-    fs::rename(compile.newDependencies, job.build.dependencies, ignored);
+    fs::rename(PathOf(compile.newDependencies), PathOf(job.build.dependencies), ignored);
 }
 
 // Compiles the generated C++ unless this very text was compiled the last time.
@@ -154,7 +155,7 @@ bool MakeObject(Job& job, CompileJob& compile) {
         return true;
     }
     std::error_code ignored;
-    fs::remove(job.build.objectStamp, ignored);
+    fs::remove(PathOf(job.build.objectStamp), ignored);
     if (!CompileOn(job, compile, CompileCommand)) return false;
     if (!Finish(job, compile.newObject, job.build.object)) return false;
     FinishRecord(job, compile);
@@ -178,8 +179,8 @@ std::vector<std::string> QuickLinking(const Job& job) {
 
 bool RunLinker(const Job& job, const CompileJob& compile, std::string& output) {
     std::error_code ignored;
-    fs::remove(job.build.linkDependencies, ignored);
-    fs::remove(compile.newProgram, ignored);
+    fs::remove(PathOf(job.build.linkDependencies), ignored);
+    fs::remove(PathOf(compile.newProgram), ignored);
     return RunCompiler(job, LinkCommand(job.compiler, compile), "Linking " + ProgramName(job.source), output);
 }
 
@@ -200,7 +201,7 @@ bool MakeProgram(Job& job, CompileJob& compile) {
     const std::string command = ReadableCommandLine(LinkCommand(job.compiler, compile));
     if (StampHolds(job.build.linkStamp, command)) return true;
     std::error_code ignored;
-    fs::remove(job.build.linkStamp, ignored);
+    fs::remove(PathOf(job.build.linkStamp), ignored);
     if (!Link(job, compile) || !Finish(job, compile.newProgram, job.build.program)) return false;
     StampFiles files;
     files.sources = FilesReadByLinker(job);
@@ -212,9 +213,9 @@ bool MakeProgram(Job& job, CompileJob& compile) {
 }
 
 bool CopyLibraries(const Job& job) {
-    const fs::path folder = fs::path(job.build.program).parent_path();
+    const fs::path folder = PathOf(job.build.program).parent_path();
     for (const std::string& library : SharedLibraries(job)) {
-        if (!CopyOver(fs::path(job.build.cppFolder) / library, folder / library)) return false;
+        if (!CopyOver(PathOf(job.build.cppFolder) / PathOf(library), folder / PathOf(library))) return false;
     }
     return true;
 }
@@ -224,14 +225,14 @@ bool CopyLibraries(const Job& job) {
 std::vector<std::string> SharedLibraries(const Job& job) {
     const std::string mark = "// DLL: ";
     std::vector<std::string> libraries;
-    std::ifstream stream(job.mainCpp, std::ios::binary);
+    std::ifstream stream(PathOf(job.mainCpp), std::ios::binary);
     for (std::string line; std::getline(stream, line);) {
         if (line == "// ===== End Userlib Code =====") break;
         if (line.compare(0, mark.size(), mark) != 0) continue;
         const std::string name = line.substr(mark.size());
         std::error_code failed;
         const bool plainName = !name.empty() && name.find_first_of("/\\") == std::string::npos;
-        if (plainName && fs::is_regular_file(fs::path(job.build.cppFolder) / name, failed))
+        if (plainName && fs::is_regular_file(PathOf(job.build.cppFolder) / PathOf(name), failed))
             libraries.push_back(name);
     }
     return libraries;
@@ -247,8 +248,8 @@ bool Compile(Job& job) {
         if (!MakeObject(job, compile) || !MakeProgram(job, compile)) return false;
     } else {
         std::error_code ignored;
-        fs::remove(job.build.linkDependencies, ignored);
-        fs::remove(job.build.linkStamp, ignored);
+        fs::remove(PathOf(job.build.linkDependencies), ignored);
+        fs::remove(PathOf(job.build.linkStamp), ignored);
         if (!CompileOn(job, compile, WholeCommand)) return false;
         if (!Finish(job, compile.newProgram, job.build.program)) return false;
         FinishRecord(job, compile);

@@ -10,6 +10,9 @@
 #include <sstream>
 #include <unordered_map>
 
+#include "driver/utf8.h"
+#include "kv/platform.h"
+
 namespace {
 
 const std::size_t errorsShown = 10;
@@ -35,8 +38,8 @@ std::string FirstWord(const std::string& line) {
 }
 
 bool IsWithin(const std::string& path, const std::string& folder) {
-    const auto relative = std::filesystem::path(path).lexically_normal().lexically_relative(
-        std::filesystem::path(folder).lexically_normal());
+    const auto relative =
+        PathOf(path).lexically_normal().lexically_relative(PathOf(folder).lexically_normal());
     return !relative.empty() && *relative.begin() != "..";
 }
 
@@ -63,7 +66,7 @@ public:
 
 private:
     void Read(const std::string& source) {
-        std::ifstream stream(source, std::ios::binary);
+        std::ifstream stream(PathOf(source), std::ios::binary);
         bool inInline = false;
         bool inExtern = false;
         Place place;
@@ -91,7 +94,7 @@ public:
     std::string Line(const std::string& file, int line) {
         std::vector<std::string>& lines = files_[file];
         if (lines.empty()) {
-            std::ifstream stream(file, std::ios::binary);
+            std::ifstream stream(PathOf(file), std::ios::binary);
             lines.emplace_back();
             for (std::string text; std::getline(stream, text);) lines.push_back(text);
         }
@@ -139,7 +142,7 @@ const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
     if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
-        diagnostic.message = "the C++ compiler has no standard library. On Debian: sudo apt-get install g++";
+        diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
     } else if (std::any_of(std::begin(troubles), std::end(troubles), contained)) {
         diagnostic.message = "the C++ compiler could not do its work: " + line;
     }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "driver/utf8.h"
 #include "kv/platform.h"
 
 namespace {
@@ -25,8 +26,8 @@ const std::size_t shownLength = 300;
 // The line of a file, fit for a terminal: control characters become blanks. Empty when there is none.
 std::string SourceLine(const std::string& file, int line) {
     std::error_code ignored;
-    if (line <= 0 || !std::filesystem::is_regular_file(file, ignored)) return "";
-    std::ifstream stream(file, std::ios::binary);
+    if (line <= 0 || !std::filesystem::is_regular_file(PathOf(file), ignored)) return "";
+    std::ifstream stream(PathOf(file), std::ios::binary);
     std::string text;
     for (int at = 0; at < line; ++at) {
         if (!std::getline(stream, text)) return "";
@@ -89,9 +90,8 @@ void ShowProblem(const std::string& message) {
 }
 
 std::string ShortPath(const std::string& path, const std::string& folder) {
-    const std::filesystem::path whole = std::filesystem::path(path).lexically_normal();
-    const std::filesystem::path relative =
-        whole.lexically_relative(std::filesystem::path(folder).lexically_normal());
+    const std::filesystem::path whole = PathOf(path).lexically_normal();
+    const std::filesystem::path relative = whole.lexically_relative(PathOf(folder).lexically_normal());
     if (relative.empty() || *relative.begin() == "..") return whole.string();
     return relative.string();
 }

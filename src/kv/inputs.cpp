@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/precompiled.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
@@ -13,7 +14,7 @@ namespace {
 
 // Tools run in the source's folder.
 std::string FullPath(const Job& job, const std::string& file) {
-    return (fs::path(job.sourceFolder) / file).lexically_normal().string();
+    return (PathOf(job.sourceFolder) / PathOf(file)).lexically_normal().string();
 }
 
 bool IsBelow(const std::string& path, const std::string& folder) {
@@ -28,7 +29,7 @@ bool Contains(const std::vector<std::string>& paths, const std::string& path) {
 }  // namespace
 
 std::vector<std::string> ToolFiles(const Job& job) {
-    const fs::path installation = job.installation;
+    const fs::path installation = PathOf(job.installation);
     std::vector<std::string> files = {job.kv, job.kvt, (installation / "config" / "keywords.txt").string(),
                                       (installation / "config" / "cpp.txt").string()};
     for (const std::string& program : CompilerFiles(job.compiler)) files.push_back(program);

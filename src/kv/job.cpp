@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
 #include "kv/progress.h"
@@ -16,10 +17,10 @@ const int attempts = 5;
 // The source as a full path; "game" also finds game.kvl.
 bool FindSource(const Options& options, Job& job) {
     std::error_code failed;
-    fs::path source = fs::path(job.typedFolder) / options.source;
-    if (!fs::exists(source, failed) && fs::exists(source.string() + ".kvl", failed)) source += ".kvl";
+    fs::path source = PathOf(job.typedFolder) / PathOf(options.source);
+    if (!fs::exists(source, failed) && fs::exists(PathOf(source.string() + ".kvl"), failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
-        const bool hasExtension = fs::path(options.source).extension() == ".kvl";
+        const bool hasExtension = PathOf(options.source).extension() == ".kvl";
         ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));
         return false;
     }
@@ -34,7 +35,7 @@ bool FindSource(const Options& options, Job& job) {
 
 bool FindInstallation(Job& job) {
     job.kv = OwnExecutable();
-    const fs::path binFolder = fs::path(job.kv).parent_path();
+    const fs::path binFolder = PathOf(job.kv).parent_path();
     job.installation = binFolder.parent_path().string();
     job.kvt = (binFolder / (std::string("kvt") + executableSuffix)).string();
     if (!job.kv.empty() && IsExecutable(job.kvt)) return true;
@@ -75,7 +76,7 @@ bool PrepareJob(const Options& options, Job& job) {
 bool PrepareFolder(Job& job) {
     std::string keepCpp;
     if (!job.options.keepCppFolder.empty()) {
-        keepCpp = (fs::path(job.typedFolder) / job.options.keepCppFolder).lexically_normal().string();
+        keepCpp = (PathOf(job.typedFolder) / PathOf(job.options.keepCppFolder)).lexically_normal().string();
     }
     std::string problem;
     if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
@@ -83,7 +84,7 @@ bool PrepareFolder(Job& job) {
         return false;
     }
     const std::string mainFile = ProgramName(job.source) + (job.options.debug ? ".debug.cpp" : ".cpp");
-    job.mainCpp = (fs::path(job.build.cppFolder) / mainFile).string();
+    job.mainCpp = (PathOf(job.build.cppFolder) / PathOf(mainFile)).string();
     return true;
 }
 

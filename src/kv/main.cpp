@@ -1,8 +1,8 @@
 // kv: translates, compiles and runs Korvel programs in one step.
 #include <cstdio>
 #include <string>
-#include <vector>
 
+#include "driver/utf8.h"
 #include "kv/command_line.h"
 #include "kv/diagnostics.h"
 #include "kv/job.h"
@@ -23,12 +23,12 @@ int RunProgram(Job& job) {
                              job.options.arguments.end());
     std::string problem;
     int status = RunProcess(request, problem);
-    if (status < 0 && !IsExecutable(job.build.program)) {  // somebody has removed it meanwhile
+    if (!problem.empty() && !IsExecutable(job.build.program)) {  // somebody has removed it meanwhile
         if (!PrepareFolder(job) || !Make(job)) return failure;
         request.arguments[0] = job.build.program;
         status = RunProcess(request, problem);
     }
-    if (status >= 0) return status;
+    if (problem.empty()) return status;
     ShowProblem("cannot run " + job.build.program + ": " + problem);
     return failure;
 }
@@ -52,9 +52,10 @@ int Perform(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const Utf8Console console;
     Options options;
     std::string problem;
-    if (!ParseCommandLine(std::vector<std::string>(argv + 1, argv + argc), options, problem)) {
+    if (!ParseCommandLine(CommandLineWords(argc, argv), options, problem)) {
         ShowProblem(problem);
         std::fputs("kv --help tells how kv is used.\n", stderr);
         return wrongUsage;

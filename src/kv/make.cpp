@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/compile.h"
 #include "kv/diagnostics.h"
@@ -30,7 +31,7 @@ void Remember(const Job& job, const std::string& commands) {
     }
     files.products = {job.build.program, job.mainCpp};
     for (const std::string& library : SharedLibraries(job)) {
-        files.products.push_back((fs::path(job.build.program).parent_path() / library).string());
+        files.products.push_back((PathOf(job.build.program).parent_path() / PathOf(library)).string());
     }
     WriteStamp(job.build.stamp, job.build.started, commands, files);
 }
@@ -42,7 +43,7 @@ bool MakeInFolder(Job& job) {
         return true;
     }
     std::error_code ignored;
-    fs::remove(job.build.stamp, ignored);
+    fs::remove(PathOf(job.build.stamp), ignored);
     if (!BeginBuild(job.build) || !Translate(job) || !Compile(job)) return false;
     Remember(job, commands);
     return true;
@@ -53,8 +54,9 @@ bool MakeInFolder(Job& job) {
 bool Make(Job& job) { return WorkInFolder(job, MakeInFolder); }
 
 bool Install(const Job& job) {
-    fs::path target = job.options.outputFile.empty() ? fs::path(job.sourceFolder) / ProgramName(job.source)
-                                                     : fs::path(job.typedFolder) / job.options.outputFile;
+    fs::path target = job.options.outputFile.empty()
+                          ? PathOf(job.sourceFolder) / PathOf(ProgramName(job.source))
+                          : PathOf(job.typedFolder) / PathOf(job.options.outputFile);
     if (target.extension() != executableSuffix && *executableSuffix != '\0') target += executableSuffix;
     target = target.lexically_normal();
     std::error_code failed;
@@ -62,7 +64,7 @@ bool Install(const Job& job) {
         ShowProblem(target.string() + " is a folder; name the program with -o");
         return false;
     }
-    if (fs::equivalent(target, job.source, failed)) {
+    if (fs::equivalent(target, PathOf(job.source), failed)) {
         ShowProblem("the program would overwrite its source; name it with -o");
         return false;
     }
@@ -70,9 +72,10 @@ bool Install(const Job& job) {
         ShowProblem("the folder " + target.parent_path().string() + " does not exist");
         return false;
     }
-    if (!CopyOver(job.build.program, target)) return false;
+    if (!CopyOver(PathOf(job.build.program), target)) return false;
     for (const std::string& library : SharedLibraries(job)) {
-        if (!CopyOver(fs::path(job.build.cppFolder) / library, target.parent_path() / library)) return false;
+        if (!CopyOver(PathOf(job.build.cppFolder) / PathOf(library), target.parent_path() / PathOf(library)))
+            return false;
     }
     std::printf("built %s\n", ShortPath(target.string(), job.typedFolder).c_str());
     return true;

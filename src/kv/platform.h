@@ -15,7 +15,8 @@ struct ProcessRequest {
 
 // Runs a program to its end and returns its exit status, 128 + n when signal n ended it. While a program with kv's
 // own streams runs, Ctrl-C is its business alone; a tool whose streams are caught ends together with kv, and so do all
-// programs that it has started. Returns -1 and sets `problem` when it could not be started.
+// programs that it has started. Every status is passed on
+// unchanged. Sets `problem`, which is empty otherwise, when it could not be started.
 int RunProcess(const ProcessRequest& request, std::string& problem);
 
 // The full path of the running executable, links resolved; empty if it cannot be had.
@@ -85,3 +86,6 @@ private:
 // How the system names and finds programs.
 extern const char* const executableSuffix;  // "" or ".exe"
 extern const char searchPathSeparator;      // ':' or ';'
+
+// Where the system has a C++ compiler to be had from, as a sentence without its full stop.
+extern const char* const compilerAdvice;

@@ -23,6 +23,11 @@
 
 const char* const executableSuffix = "";
 const char searchPathSeparator = ':';
+#ifdef __APPLE__
+const char* const compilerAdvice = "On macOS: xcode-select --install";
+#else
+const char* const compilerAdvice = "On Debian: sudo apt-get install g++";
+#endif
 
 namespace {
 

@@ -6,14 +6,16 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-#include <cstdlib>
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/platform.h"
 
 const char* const executableSuffix = ".exe";
 const char searchPathSeparator = ';';
+const char* const compilerAdvice =
+    "On Windows: install MinGW-w64 (www.mingw-w64.org) and put its bin folder on PATH";
 
 namespace {
 
@@ -21,8 +23,8 @@ std::string LastProblem() { return "Windows error " + std::to_string(GetLastErro
 
 HANDLE OpenForChild(const std::string& path, DWORD access, DWORD disposition) {
     SECURITY_ATTRIBUTES inheritable = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    return CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable, disposition,
-                       FILE_ATTRIBUTE_NORMAL, nullptr);
+    return CreateFileW(Wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                       disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 void CloseIfOpen(HANDLE handle) {
@@ -32,7 +34,7 @@ void CloseIfOpen(HANDLE handle) {
 // A tool and all the programs that it starts: they end when kv ends, however that comes about.
 class ToolGroup {
 public:
-    explicit ToolGroup(bool wanted) : job_(wanted ? CreateJobObjectA(nullptr, nullptr) : nullptr) {
+    explicit ToolGroup(bool wanted) : job_(wanted ? CreateJobObjectW(nullptr, nullptr) : nullptr) {
         EndWithKv(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
     }
     ~ToolGroup() {
@@ -93,7 +95,8 @@ BOOL WINAPI EraseAtCtrlC(DWORD) {
 }  // namespace
 
 int RunProcess(const ProcessRequest& request, std::string& problem) {
-    STARTUPINFOA startup = {};
+    problem.clear();
+    STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     const bool captured = !request.outputFile.empty();
     if (captured) {
@@ -102,13 +105,14 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
         startup.hStdOutput = OpenForChild(request.outputFile, GENERIC_WRITE, CREATE_ALWAYS);
         startup.hStdError = OpenForChild(request.errorFile, GENERIC_WRITE, CREATE_ALWAYS);
     }
-    std::string line = WindowsCommandLine(request.arguments);
-    const char* folder = request.workingFolder.empty() ? nullptr : request.workingFolder.c_str();
+    std::wstring line = Wide(WindowsCommandLine(request.arguments));
+    const std::wstring folder = Wide(request.workingFolder);
     PROCESS_INFORMATION process = {};
     if (!captured) SetConsoleCtrlHandler(IgnoreCtrlC, TRUE);
     const ToolGroup group(captured);
-    const BOOL started = CreateProcessA(request.arguments[0].c_str(), &line[0], nullptr, nullptr, TRUE,
-                                        CREATE_SUSPENDED, nullptr, folder, &startup, &process);
+    const BOOL started =
+        CreateProcessW(Wide(request.arguments[0]).c_str(), &line[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED,
+                       nullptr, folder.empty() ? nullptr : folder.c_str(), &startup, &process);
     int status = -1;
     if (started) {
         group.Add(process.hProcess);
@@ -118,7 +122,7 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
         }
         DWORD code = 1;
         GetExitCodeProcess(process.hProcess, &code);
-        status = static_cast<int>(code & 0x7FFFFFFF);
+        status = static_cast<int>(code);
         if (status != 0) group.End();
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
@@ -133,9 +137,9 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
 }
 
 std::string OwnExecutable() {
-    char name[MAX_PATH];
-    const DWORD size = GetModuleFileNameA(nullptr, name, MAX_PATH);
-    return size > 0 && size < MAX_PATH ? std::string(name, size) : "";
+    wchar_t name[4096];
+    const DWORD size = GetModuleFileNameW(nullptr, name, 4096);
+    return size > 0 && size < 4096 ? Narrow(std::wstring(name, size)) : "";
 }
 
 bool ErrorStreamHasColours() {
@@ -165,7 +169,7 @@ void EraseErrorLine() {
 
 bool StateOf(const std::string& path, FileState& state) {
     WIN32_FILE_ATTRIBUTE_DATA information;
-    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &information)) return false;
+    if (!GetFileAttributesExW(Wide(path).c_str(), GetFileExInfoStandard, &information)) return false;
     const auto joined = [](DWORD high, DWORD low) {
         return static_cast<long long>(static_cast<unsigned long long>(high) << 32 | low);
     };
@@ -179,21 +183,18 @@ bool StateOf(const std::string& path, FileState& state) {
 
 bool IsExecutable(const std::string& path) {
     std::error_code failed;
-    return std::filesystem::is_regular_file(path, failed);
+    return std::filesystem::is_regular_file(PathOf(path), failed);
 }
 
-std::string UserCacheFolder() {
-    const char* folder = std::getenv("LOCALAPPDATA");
-    return folder != nullptr ? folder : "";
-}
+std::string UserCacheFolder() { return EnvironmentVariable("LOCALAPPDATA"); }
 
 // What administrators makes belongs to all administrators together.
 bool BelongsToUser(const std::string& path) {
     std::string user = UserNumber();
-    std::string name = path;
+    std::wstring name = Wide(path);
     PSID owner = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (user.empty() || GetNamedSecurityInfoA(&name[0], SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
+    if (user.empty() || GetNamedSecurityInfoW(&name[0], SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
                                               nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS) {
         return false;
     }
@@ -206,11 +207,11 @@ bool BelongsToUser(const std::string& path) {
 bool MakePrivateFolder(const std::string& folder) {
     // To the owner all is allowed, to others nothing; what is made in the folder inherits that.
     SECURITY_ATTRIBUTES attributes = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
-    ConvertStringSecurityDescriptorToSecurityDescriptorA("D:P(A;OICI;FA;;;OW)", SDDL_REVISION_1,
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;OICI;FA;;;OW)", SDDL_REVISION_1,
                                                          &attributes.lpSecurityDescriptor, nullptr);
-    CreateDirectoryA(folder.c_str(), &attributes);
+    CreateDirectoryW(Wide(folder).c_str(), &attributes);
     LocalFree(attributes.lpSecurityDescriptor);
-    const DWORD kind = GetFileAttributesA(folder.c_str());
+    const DWORD kind = GetFileAttributesW(Wide(folder).c_str());
     const bool isFolder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
                           (kind & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
     return isFolder && BelongsToUser(folder);
@@ -218,29 +219,29 @@ bool MakePrivateFolder(const std::string& folder) {
 
 bool CanWriteIn(const std::string& folder) {
     const std::string file = folder + "\\lock";
-    const HANDLE handle = CreateFileA(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+    const HANDLE handle = CreateFileW(Wide(file).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     CloseIfOpen(handle);
     return handle != INVALID_HANDLE_VALUE;
 }
 
 bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem) {
-    if (CopyFileA(from.c_str(), to.c_str(), TRUE)) return true;
+    if (CopyFileW(Wide(from).c_str(), Wide(to).c_str(), TRUE)) return true;
     problem = LastProblem();
     return false;
 }
 
 std::string UserTemporaryFolder() {
     std::error_code failed;
-    return (std::filesystem::temp_directory_path(failed) / "korvel").string();
+    return TextOf(std::filesystem::temp_directory_path(failed) / L"korvel");
 }
 
 // No child needs to hold the lock, as none outlives kv.
 FileLock::FileLock(const std::string& path, const std::function<void()>& whileWaiting)
     : handle_(-1), isHeld_(false) {
     const HANDLE file =
-        CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        CreateFileW(Wide(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return;
     handle_ = reinterpret_cast<long long>(file);
     OVERLAPPED place = {};

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
@@ -43,16 +44,16 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
     if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
     std::error_code failed;
-    fs::remove(unfinished, failed);
+    fs::remove(PathOf(unfinished), failed);
     Progress progress("Compiling the standard headers, once for all programs");
     request.whileWaiting = progress.Ticks();
     const bool done = RunProcess(request, problem) == 0;
     progress.End();
-    if (done) fs::rename(unfinished, compiled, failed);
+    if (done) fs::rename(PathOf(unfinished), PathOf(compiled), failed);
     std::error_code ignored;
-    fs::remove(unfinished, ignored);
-    fs::remove(request.outputFile, ignored);
-    fs::remove(request.errorFile, ignored);
+    fs::remove(PathOf(unfinished), ignored);
+    fs::remove(PathOf(request.outputFile), ignored);
+    fs::remove(PathOf(request.errorFile), ignored);
     return done && !failed;
 }
 
@@ -67,7 +68,7 @@ bool IsWhole(const PreludeJob& job, const std::string& header) {
 bool MakePrelude(const PreludeJob& job, const std::string& header) {
     const std::string compiled = header + compiledSuffix;
     DropPrelude(header);
-    if (!WriteOver(header, preludeText) || !CompilePrelude(job, header, compiled)) return false;
+    if (!WriteOver(PathOf(header), preludeText) || !CompilePrelude(job, header, compiled)) return false;
     StampFiles files;
     files.generated = {header};
     files.products = {compiled};
@@ -79,17 +80,17 @@ bool MakePrelude(const PreludeJob& job, const std::string& header) {
 
 std::string PreludesFolder() {
     const std::string cache = CacheFolder();
-    return cache.empty() ? "" : (fs::path(cache) / "prelude").string();
+    return cache.empty() ? "" : (PathOf(cache) / "prelude").string();
 }
 
 std::string PreparePrelude(const PreludeJob& job) {
     if (job.compiler.empty()) return "";
     std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
     for (const std::string& program : CompilerFiles(job.compiler)) key += MarkOf(program) + "\n";
-    key += MarkOf((fs::path(job.includeFolder) / "conio.h").string());
+    key += MarkOf((PathOf(job.includeFolder) / "conio.h").string());
     const std::string folder = PrivateFolder(CacheFolder(), {"prelude", HashOf(key)});
     if (folder.empty()) return "";
-    const std::string header = (fs::path(folder) / "prelude.h").string();
+    const std::string header = (PathOf(folder) / "prelude.h").string();
     if (IsWhole(job, header)) return header;
     const FileLock lock(header + ".lock", Progress("Waiting for another kv").Ticks());
     // Two writers would spoil it for all programs.
@@ -98,6 +99,6 @@ std::string PreparePrelude(const PreludeJob& job) {
 
 void DropPrelude(const std::string& header) {
     std::error_code ignored;
-    fs::remove(StampOf(header), ignored);
-    fs::remove(header + compiledSuffix, ignored);
+    fs::remove(PathOf(StampOf(header)), ignored);
+    fs::remove(PathOf(header + compiledSuffix), ignored);
 }

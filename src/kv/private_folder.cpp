@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "driver/utf8.h"
 #include "kv/platform.h"
 
 namespace fs = std::filesystem;
@@ -9,11 +10,11 @@ namespace fs = std::filesystem;
 std::string PrivateFolder(const std::string& top, const std::vector<std::string>& below) {
     if (top.empty()) return "";
     std::error_code ignored;
-    fs::path folder = fs::path(top).lexically_normal();
+    fs::path folder = PathOf(top).lexically_normal();
     fs::create_directories(folder.parent_path(), ignored);
     if (!MakePrivateFolder(folder.string())) return "";
     for (const std::string& name : below) {
-        folder /= name;
+        folder /= PathOf(name);
         if (!MakePrivateFolder(folder.string())) return "";
     }
     return CanWriteIn(folder.string()) ? folder.string() : "";
@@ -21,5 +22,5 @@ std::string PrivateFolder(const std::string& top, const std::vector<std::string>
 
 std::string CacheFolder() {
     const std::string cache = UserCacheFolder();
-    return cache.empty() ? "" : (fs::path(cache) / "korvel").lexically_normal().string();
+    return cache.empty() ? "" : (PathOf(cache) / "korvel").lexically_normal().string();
 }

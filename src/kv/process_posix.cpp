@@ -138,6 +138,7 @@ int WaitFor(pid_t child, const std::function<void()>& whileWaiting) {
 }  // namespace
 
 int RunProcess(const ProcessRequest& request, std::string& problem) {
+    problem.clear();
     std::vector<char*> arguments;
     for (const std::string& argument : request.arguments)
         arguments.push_back(const_cast<char*>(argument.c_str()));

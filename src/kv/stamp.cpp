@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "driver/utf8.h"
 #include "kv/build_folder.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
@@ -25,7 +26,7 @@ const long long timeStep = 20000000;
 // A mark is what is known about the file, a bar, and its path.
 std::string ContentMarkOf(const std::string& path) {
     std::error_code failed;
-    if (!fs::is_regular_file(path, failed)) return std::string(missing) + "|" + path;
+    if (!fs::is_regular_file(PathOf(path), failed)) return std::string(missing) + "|" + path;
     return contentSign + HashOf(ReadWhole(path)) + "|" + path;
 }
 
@@ -44,7 +45,7 @@ std::string MarkOf(const std::string& path) {
 }
 
 bool StampHolds(const std::string& stampFile, const std::string& commands) {
-    std::ifstream stream(stampFile, std::ios::binary);
+    std::ifstream stream(PathOf(stampFile), std::ios::binary);
     std::string line;
     if (!std::getline(stream, line) || line != stampVersion) return false;
     if (!std::getline(stream, line) || line != commands) return false;
@@ -73,12 +74,12 @@ void WriteStamp(const std::string& stampFile, const std::string& started, const 
     // A line end in a path or a command is more than a stamp can tell.
     if (static_cast<std::size_t>(std::count(marks.begin(), marks.end(), '\n')) != lines) return;
     if (commands.find('\n') != std::string::npos) return;
-    WriteOver(stampFile, std::string(stampVersion) + "\n" + commands + "\n" + marks + "end\n");
+    WriteOver(PathOf(stampFile), std::string(stampVersion) + "\n" + commands + "\n" + marks + "end\n");
 }
 
 std::vector<std::string> SourcesOf(const std::string& dependencyRecord) {
     std::vector<std::string> sources;
-    std::ifstream stream(dependencyRecord, std::ios::binary);
+    std::ifstream stream(PathOf(dependencyRecord), std::ios::binary);
     std::string line;
     if (!std::getline(stream, line) || line.compare(0, 5, "MAIN:") != 0) return sources;
     sources.push_back(line.substr(5));

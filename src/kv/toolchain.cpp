@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/platform.h"
 
@@ -35,13 +36,12 @@ std::string WithSuffix(const std::string& path) {
 std::string FindProgram(const std::string& name) {
     std::error_code failed;
     if (name.find_first_of("/\\") != std::string::npos) {
-        return WithSuffix(std::filesystem::absolute(name, failed).string());
+        return WithSuffix(std::filesystem::absolute(PathOf(name), failed).string());
     }
-    const char* variable = std::getenv("PATH");
-    std::istringstream folders(variable != nullptr ? variable : "");
+    std::istringstream folders(EnvironmentVariable("PATH"));
     for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
-        const std::filesystem::path place = folder.empty() ? "." : folder;
-        std::string found = WithSuffix(std::filesystem::absolute(place / name, failed).string());
+        const std::filesystem::path place = PathOf(folder.empty() ? "." : folder);
+        std::string found = WithSuffix(std::filesystem::absolute(place / PathOf(name), failed).string());
         if (!found.empty()) return found;
     }
     return "";
@@ -69,7 +69,9 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
 }
 
 void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
-#ifndef _WIN32
+#ifdef _WIN32
+    command.push_back("-static");  // the program runs where no compiler is installed
+#else
     command.push_back(ownFolderFlag);  // shared libraries beside the program are found
 #endif
     command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
@@ -81,8 +83,7 @@ void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
 }  // namespace
 
 std::vector<std::string> FindCompiler(std::string& problem) {
-    const char* chosen = std::getenv("CXX");
-    std::vector<std::string> words = SplitFlags(chosen != nullptr ? chosen : "");
+    std::vector<std::string> words = SplitFlags(EnvironmentVariable("CXX"));
     if (!words.empty()) {
         const std::string program = FindProgram(words[0]);
         if (program.empty()) {
@@ -96,7 +97,7 @@ std::vector<std::string> FindCompiler(std::string& problem) {
         const std::string program = FindProgram(name);
         if (!program.empty()) return {program};
     }
-    problem = "no C++ compiler found (looked for $CXX, g++, clang++). On Debian: sudo apt-get install g++";
+    problem = "no C++ compiler found (looked for $CXX, g++, clang++). " + std::string(compilerAdvice);
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "driver/paths.h"
+#include "driver/utf8.h"
 #include "kv/clash_place.h"
 #include "kv/command_quoting.h"
 #include "kv/diagnostics.h"
@@ -24,7 +25,8 @@ bool EndsWith(const std::string& text, const std::string& end) {
 // kvt lists the program that a user might build beside the source among the files of a build, and would delete
 // that program before its next translation. Programs are none of kvt's business here: they are taken off the list.
 void ForgetPrograms(const Job& job) {
-    const fs::path manifest = fs::path(job.build.cppFolder) / ("." + StripFolder(job.source) + ".manifest");
+    const fs::path manifest =
+        PathOf(job.build.cppFolder) / PathOf("." + StripFolder(job.source) + ".manifest");
     std::istringstream lines(ReadWhole(manifest.string()));
     const std::string program = StripExtension(job.source);
     std::string kept;
@@ -55,7 +57,8 @@ void ShowErrors(const Job& job, KvtReport& report, int status) {
     }
     for (Diagnostic& diagnostic : report.errors) {
         if (diagnostic.file.empty()) FindClash(job.source, diagnostic);
-        diagnostic.file = ShortPath((fs::path(job.installation) / diagnostic.file).string(), job.typedFolder);
+        diagnostic.file =
+            ShortPath((PathOf(job.installation) / PathOf(diagnostic.file)).string(), job.typedFolder);
         Show(diagnostic);
     }
 }
@@ -64,7 +67,7 @@ void ShowWarnings(Job& job, const KvtReport& report) {
     job.hadWarnings = !report.warnings.empty();
     for (Diagnostic warning : report.warnings) {
         if (warning.file.empty()) warning.file = job.source;
-        warning.file = ShortPath((fs::path(job.installation) / warning.file).string(), job.typedFolder);
+        warning.file = ShortPath((PathOf(job.installation) / PathOf(warning.file)).string(), job.typedFolder);
         Show(warning);
     }
 }
@@ -72,7 +75,7 @@ void ShowWarnings(Job& job, const KvtReport& report) {
 }  // namespace
 
 std::string DependencyRecord(const Job& job) {
-    return (fs::path(job.build.cppFolder) / ("." + ProgramName(job.source) + ".kvl.deps")).string();
+    return (PathOf(job.build.cppFolder) / PathOf("." + ProgramName(job.source) + ".kvl.deps")).string();
 }
 
 std::vector<std::string> TranslateCommand(const Job& job) {
@@ -88,9 +91,9 @@ std::vector<std::string> TranslateCommand(const Job& job) {
 bool Translate(Job& job) {
     std::error_code failed;
     // Without its record kvt always translates; what need not be translated kv knows better itself.
-    fs::remove(DependencyRecord(job), failed);
+    fs::remove(PathOf(DependencyRecord(job)), failed);
     ForgetPrograms(job);
-    const bool hadLinkerFile = fs::exists(StripExtension(job.source) + ".linkflags", failed);
+    const bool hadLinkerFile = fs::exists(PathOf(StripExtension(job.source) + ".linkflags"), failed);
 
     ProcessRequest request;
     request.arguments = TranslateCommand(job);
@@ -98,12 +101,12 @@ bool Translate(Job& job) {
     request.errorFile = job.build.kvtErrors;
     if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
-    Progress progress("Translating " + fs::path(job.source).filename().string());
+    Progress progress("Translating " + PathOf(job.source).filename().string());
     request.whileWaiting = progress.Ticks();
-    const int status = RunProcess(request, problem);
+    RunProcess(request, problem);
     progress.End();
     if (IsDisturbed(job.build)) return false;
-    if (status < 0) {
+    if (!problem.empty()) {
         ShowProblem("cannot run " + job.kvt + ": " + problem);
         return false;
     }
@@ -114,13 +117,13 @@ bool Translate(Job& job) {
     job.linkerFlags = SplitFlags(JoinedFlags(report));
     // Nothing is left beside the source.
     if (!hadLinkerFile && !report.linkerFile.empty())
-        fs::remove(fs::path(job.installation) / report.linkerFile, failed);
+        fs::remove(PathOf(job.installation) / PathOf(report.linkerFile), failed);
     if (status != 0) {
         if (!GiveUpPlace(job.build)) ShowErrors(job, report, status);
         return false;
     }
     ForgetPrograms(job);
-    if (job.options.command != Command::check && !fs::exists(job.mainCpp, failed)) {
+    if (job.options.command != Command::check && !fs::exists(PathOf(job.mainCpp), failed)) {
         ShowProblem(
             ShortPath(job.source, job.typedFolder) +
             " makes no program: files in a folder whose name ends in .kvh only lend their declarations");

@@ -22,7 +22,8 @@ bool MoveOver(const fs::path& unfinished, const fs::path& path, bool isWritten, 
 }  // namespace
 
 bool WriteOver(const fs::path& path, const std::string& text) {
-    const fs::path unfinished = path.string() + ".new";
+    fs::path unfinished = path;
+    unfinished += ".new";
     std::error_code ignored;
     fs::remove(unfinished, ignored);
     std::ofstream stream(unfinished, std::ios::binary);
@@ -35,7 +36,8 @@ bool WriteOver(const fs::path& path, const std::string& text) {
 bool CopyOver(const fs::path& from, const fs::path& to) {
     // In a folder that many can write to, the name must be a new one.
     const std::string moment = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-    const fs::path unfinished = to.parent_path() / ("." + to.filename().string() + "." + moment + ".new");
+    const fs::path unfinished =
+        to.parent_path() / PathOf("." + to.filename().string() + "." + moment + ".new");
     std::string problem;
     const bool isWritten = CopyToNewFile(from.string(), unfinished.string(), problem);
     if (MoveOver(unfinished, to, isWritten, problem)) return true;
