@@ -22,11 +22,11 @@ const char hiddenFolder[] = ".kvbuild";
 using Place = std::string (*)(const fs::path& source, const std::string& variant);
 
 // The name of a program's folder where those of all programs lie together.
-std::string OwnName(const fs::path& source) { return source.stem().string() + "-" + HashOf(source.string()); }
+std::string OwnName(const fs::path& source) { return TextOf(source.stem()) + "-" + HashOf(TextOf(source)); }
 
 std::string BesideSource(const fs::path& source, const std::string& variant) {
     const fs::path hidden = source.parent_path() / hiddenFolder;
-    const std::string folder = PrivateFolder(hidden.string(), {source.filename().string(), variant});
+    const std::string folder = PrivateFolder(TextOf(hidden), {TextOf(source.filename()), variant});
     if (folder.empty()) return "";
     const fs::path ignoreList = hidden / ".gitignore";
     std::error_code failed;
@@ -58,7 +58,7 @@ bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string&
         return false;
     }
     build.cppFolder = folder;
-    build.cppLock = (PathOf(folder) / ".kv.lock").string();
+    build.cppLock = TextOf(PathOf(folder) / ".kv.lock");
     return true;
 }
 
@@ -74,8 +74,8 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     for (; build.place < placeCount; ++build.place) {
         folder = PathOf(places[build.place](PathOf(source), variant));
         if (folder.empty()) continue;
-        build.cppFolder = PrivateFolder(folder.string(), {"cpp"});
-        if (!build.cppFolder.empty() && !PrivateFolder(folder.string(), {"bin"}).empty()) break;
+        build.cppFolder = PrivateFolder(TextOf(folder), {"cpp"});
+        if (!build.cppFolder.empty() && !PrivateFolder(TextOf(folder), {"bin"}).empty()) break;
     }
     if (build.place == placeCount) {
         problem = "there is no place or no room to build in, neither beside " + source +
@@ -83,20 +83,20 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
         return false;
     }
     if (!keepCppFolder.empty() && !UseFolderOfUser(keepCppFolder, build, problem)) return false;
-    build.folder = folder.string();
-    build.program = (folder / "bin" / PathOf(ProgramName(source) + executableSuffix)).string();
-    build.object = (folder / "program.o").string();
-    build.stamp = (folder / "stamp").string();
-    build.objectStamp = (folder / "compiled").string();
-    build.linkStamp = (folder / "linked").string();
-    build.lock = (folder / "lock").string();
-    build.started = (folder / "started").string();
-    build.kvtOutput = (folder / "kvt-output.txt").string();
-    build.kvtErrors = (folder / "kvt-errors.txt").string();
-    build.compilerOutput = (folder / "compiler-output.txt").string();
-    build.compilerErrors = (folder / "compiler-errors.txt").string();
-    build.dependencies = (folder / "dependencies.d").string();
-    build.linkDependencies = (folder / "libraries.d").string();
+    build.folder = TextOf(folder);
+    build.program = TextOf(folder / "bin" / PathOf(ProgramName(source) + executableSuffix));
+    build.object = TextOf(folder / "program.o");
+    build.stamp = TextOf(folder / "stamp");
+    build.objectStamp = TextOf(folder / "compiled");
+    build.linkStamp = TextOf(folder / "linked");
+    build.lock = TextOf(folder / "lock");
+    build.started = TextOf(folder / "started");
+    build.kvtOutput = TextOf(folder / "kvt-output.txt");
+    build.kvtErrors = TextOf(folder / "kvt-errors.txt");
+    build.compilerOutput = TextOf(folder / "compiler-output.txt");
+    build.compilerErrors = TextOf(folder / "compiler-errors.txt");
+    build.dependencies = TextOf(folder / "dependencies.d");
+    build.linkDependencies = TextOf(folder / "libraries.d");
     return true;
 }
 

@@ -72,7 +72,7 @@ void FindClash(const std::string& mainSource, Diagnostic& diagnostic) {
                 return;
             }
             if (word == "include") {
-                const std::string included = (folder / PathOf(Quoted(line, '"'))).string();
+                const std::string included = TextOf(folder / PathOf(Quoted(line, '"')));
                 if (seen.insert(included).second) files.push_back(included);
             }
         }

@@ -74,9 +74,10 @@ CompileJob CompileJobOf(const Job& job) {
     // What was made before stays until the new results are complete.
     compile.object = job.build.object;
     compile.newObject = job.build.object + ".new";
-    compile.newProgram = job.build.program + ".new" + executableSuffix;
+    // A name that every compiler can be told, however the program is called.
+    compile.newProgram = TextOf(PathOf(job.build.folder) / (std::string("program.new") + executableSuffix));
     compile.newDependencies = job.build.dependencies + ".new";
-    compile.includeFolder = (PathOf(job.installation) / "include").string();
+    compile.includeFolder = TextOf(PathOf(job.installation) / "include");
     compile.sourceFolder = job.sourceFolder;
     compile.optimisation = job.options.optimisation;
     compile.debug = job.options.debug;
@@ -90,7 +91,7 @@ void ChoosePrelude(Job& job) {
     if (job.options.optimisation != "-O0") return;
     PreludeJob prelude;
     prelude.compiler = job.compiler;
-    prelude.includeFolder = (PathOf(job.installation) / "include").string();
+    prelude.includeFolder = TextOf(PathOf(job.installation) / "include");
     prelude.optimisation = job.options.optimisation;
     prelude.debug = job.options.debug;
     prelude.verbose = job.options.verbose;
@@ -112,7 +113,7 @@ bool RunCompilation(const Job& job, const CompileJob& compile, CommandBuilder co
          {job.build.dependencies, compile.newDependencies, compile.newObject, compile.newProgram}) {
         fs::remove(PathOf(file), ignored);
     }
-    const std::string work = "Compiling " + PathOf(job.mainCpp).filename().string();
+    const std::string work = "Compiling " + TextOf(PathOf(job.mainCpp).filename());
     return RunCompiler(job, commandOf(job.compiler, compile), work, output);
 }
 
@@ -172,7 +173,8 @@ bool MakeObject(Job& job, CompileJob& compile) {
 
 // The flags that are worth a try when the program is linked.
 std::vector<std::string> QuickLinking(const Job& job) {
-    if (!job.linkerFlags.empty()) return LinkerRecordFlags(job.build.linkDependencies);
+    if (!job.linkerFlags.empty())
+        return LinkerRecordFlags(PathForTool(job.build.linkDependencies, job.sourceFolder));
     // Linkers differ in small ways: for a program that is to stay, the usual one.
     return job.options.optimisation == "-O0" ? QuickLinkerFlags() : std::vector<std::string>();
 }

@@ -183,6 +183,8 @@ bool ExplainErrorLine(const std::string& line, const SourceLines& sources, Gener
     Place place;
     std::string message;
     if (!ParseErrorLine(line, place, message)) return false;
+    place.file =
+        TextOf((PathOf(folders.user) / PathOf(place.file)).lexically_normal());  // where compilers run
     if (IsWithin(place.file, folders.generated)) {
         const Place* inlined = sources.InlineLine(generated.Line(place.file, place.line));
         if (inlined == nullptr) return false;

@@ -92,6 +92,6 @@ void ShowProblem(const std::string& message) {
 std::string ShortPath(const std::string& path, const std::string& folder) {
     const std::filesystem::path whole = PathOf(path).lexically_normal();
     const std::filesystem::path relative = whole.lexically_relative(PathOf(folder).lexically_normal());
-    if (relative.empty() || *relative.begin() == "..") return whole.string();
-    return relative.string();
+    if (relative.empty() || *relative.begin() == "..") return TextOf(whole);
+    return TextOf(relative);
 }

@@ -14,7 +14,7 @@ namespace {
 
 // Tools run in the source's folder.
 std::string FullPath(const Job& job, const std::string& file) {
-    return (PathOf(job.sourceFolder) / PathOf(file)).lexically_normal().string();
+    return TextOf((PathOf(job.sourceFolder) / PathOf(file)).lexically_normal());
 }
 
 bool IsBelow(const std::string& path, const std::string& folder) {
@@ -30,13 +30,13 @@ bool Contains(const std::vector<std::string>& paths, const std::string& path) {
 
 std::vector<std::string> ToolFiles(const Job& job) {
     const fs::path installation = PathOf(job.installation);
-    std::vector<std::string> files = {job.kv, job.kvt, (installation / "config" / "keywords.txt").string(),
-                                      (installation / "config" / "cpp.txt").string()};
+    std::vector<std::string> files = {job.kv, job.kvt, TextOf(installation / "config" / "keywords.txt"),
+                                      TextOf(installation / "config" / "cpp.txt")};
     for (const std::string& program : CompilerFiles(job.compiler)) files.push_back(program);
     for (const char* folder : {"userlibs", "include"}) {
         std::error_code failed;
         for (const auto& entry : fs::directory_iterator(installation / folder, failed)) {
-            if (entry.is_regular_file(failed)) files.push_back(entry.path().string());
+            if (entry.is_regular_file(failed)) files.push_back(TextOf(entry.path()));
         }
     }
     return files;

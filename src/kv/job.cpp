@@ -18,7 +18,7 @@ const int attempts = 5;
 bool FindSource(const Options& options, Job& job) {
     std::error_code failed;
     fs::path source = PathOf(job.typedFolder) / PathOf(options.source);
-    if (!fs::exists(source, failed) && fs::exists(PathOf(source.string() + ".kvl"), failed)) source += ".kvl";
+    if (!fs::exists(source, failed) && fs::exists(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
         const bool hasExtension = PathOf(options.source).extension() == ".kvl";
         ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));
@@ -28,16 +28,16 @@ bool FindSource(const Options& options, Job& job) {
         ShowProblem(options.source + " is no file; name the main file of a program");
         return false;
     }
-    job.source = source.lexically_normal().string();
-    job.sourceFolder = source.lexically_normal().parent_path().string();
+    job.source = TextOf(source.lexically_normal());
+    job.sourceFolder = TextOf(source.lexically_normal().parent_path());
     return true;
 }
 
 bool FindInstallation(Job& job) {
     job.kv = OwnExecutable();
     const fs::path binFolder = PathOf(job.kv).parent_path();
-    job.installation = binFolder.parent_path().string();
-    job.kvt = (binFolder / (std::string("kvt") + executableSuffix)).string();
+    job.installation = TextOf(binFolder.parent_path());
+    job.kvt = TextOf(binFolder / (std::string("kvt") + executableSuffix));
     if (!job.kv.empty() && IsExecutable(job.kvt)) return true;
     ShowProblem("kvt is missing: it belongs beside kv, at " + job.kvt);
     return false;
@@ -55,7 +55,7 @@ std::string Variant(const Options& options) {
 bool PrepareJob(const Options& options, Job& job) {
     std::error_code failed;
     job.options = options;
-    job.typedFolder = fs::current_path(failed).string();
+    job.typedFolder = TextOf(fs::current_path(failed));
     if (failed) {
         ShowProblem("the folder in which kv was called does not exist any more");
         return false;
@@ -76,7 +76,7 @@ bool PrepareJob(const Options& options, Job& job) {
 bool PrepareFolder(Job& job) {
     std::string keepCpp;
     if (!job.options.keepCppFolder.empty()) {
-        keepCpp = (PathOf(job.typedFolder) / PathOf(job.options.keepCppFolder)).lexically_normal().string();
+        keepCpp = TextOf((PathOf(job.typedFolder) / PathOf(job.options.keepCppFolder)).lexically_normal());
     }
     std::string problem;
     if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
@@ -84,7 +84,7 @@ bool PrepareFolder(Job& job) {
         return false;
     }
     const std::string mainFile = ProgramName(job.source) + (job.options.debug ? ".debug.cpp" : ".cpp");
-    job.mainCpp = (PathOf(job.build.cppFolder) / PathOf(mainFile)).string();
+    job.mainCpp = TextOf(PathOf(job.build.cppFolder) / PathOf(mainFile));
     return true;
 }
 

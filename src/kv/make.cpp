@@ -31,7 +31,7 @@ void Remember(const Job& job, const std::string& commands) {
     }
     files.products = {job.build.program, job.mainCpp};
     for (const std::string& library : SharedLibraries(job)) {
-        files.products.push_back((PathOf(job.build.program).parent_path() / PathOf(library)).string());
+        files.products.push_back(TextOf(PathOf(job.build.program).parent_path() / PathOf(library)));
     }
     WriteStamp(job.build.stamp, job.build.started, commands, files);
 }
@@ -61,7 +61,7 @@ bool Install(const Job& job) {
     target = target.lexically_normal();
     std::error_code failed;
     if (fs::is_directory(target, failed)) {
-        ShowProblem(target.string() + " is a folder; name the program with -o");
+        ShowProblem(TextOf(target) + " is a folder; name the program with -o");
         return false;
     }
     if (fs::equivalent(target, PathOf(job.source), failed)) {
@@ -69,7 +69,7 @@ bool Install(const Job& job) {
         return false;
     }
     if (!fs::is_directory(target.parent_path(), failed)) {
-        ShowProblem("the folder " + target.parent_path().string() + " does not exist");
+        ShowProblem("the folder " + TextOf(target.parent_path()) + " does not exist");
         return false;
     }
     if (!CopyOver(PathOf(job.build.program), target)) return false;
@@ -77,6 +77,6 @@ bool Install(const Job& job) {
         if (!CopyOver(PathOf(job.build.cppFolder) / PathOf(library), target.parent_path() / PathOf(library)))
             return false;
     }
-    std::printf("built %s\n", ShortPath(target.string(), job.typedFolder).c_str());
+    std::printf("built %s\n", ShortPath(TextOf(target), job.typedFolder).c_str());
     return true;
 }

@@ -15,8 +15,8 @@ struct ProcessRequest {
 
 // Runs a program to its end and returns its exit status, 128 + n when signal n ended it. While a program with kv's
 // own streams runs, Ctrl-C is its business alone; a tool whose streams are caught ends together with kv, and so do all
-// programs that it has started. Every status is passed on
-// unchanged. Sets `problem`, which is empty otherwise, when it could not be started.
+// programs that it has started. Every status is passed on unchanged, negative ones too: whether the program could be
+// started is told by `problem`, which is empty then.
 int RunProcess(const ProcessRequest& request, std::string& problem);
 
 // The full path of the running executable, links resolved; empty if it cannot be had.
@@ -65,9 +65,9 @@ bool CopyToNewFile(const std::string& from, const std::string& to, std::string& 
 // The folder for temporary files, with a name of this user's own below it.
 std::string UserTemporaryFolder();
 
-// Without a path it does nothing. Otherwise it holds a file locked against other processes from construction to destruction; waits for them first. Programs that
-// are started meanwhile hold it, too, in case kv is killed. `whileWaiting` is called a few times a second while another
-// process has it.
+// Without a path it does nothing. Otherwise it holds a file locked against other processes from construction to
+// destruction; waits for them first. Programs that are started meanwhile hold it, too, in case kv is killed.
+// `whileWaiting` is called a few times a second while another process has it.
 class FileLock {
 public:
     FileLock(const std::string& path, const std::function<void()>& whileWaiting);
@@ -82,6 +82,10 @@ private:
     long long handle_;
     bool isHeld_;
 };
+
+// A path as a tool that runs in `folder` is told it. On Windows most compilers read their command line in the letters
+// of the system's language only: there it is the way from the folder, or a short name, where that helps.
+std::string PathForTool(const std::string& path, const std::string& folder);
 
 // How the system names and finds programs.
 extern const char* const executableSuffix;  // "" or ".exe"

@@ -92,6 +92,8 @@ bool IsFileAt(int file, const std::string& path) {
 
 }  // namespace
 
+std::string PathForTool(const std::string& path, const std::string&) { return path; }
+
 std::string OwnExecutable() {
 #ifdef __APPLE__
     char name[PATH_MAX];

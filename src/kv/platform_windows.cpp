@@ -6,6 +6,7 @@
 #include <aclapi.h>
 #include <sddl.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "driver/utf8.h"
@@ -62,16 +63,29 @@ private:
     HANDLE job_;
 };
 
-// The user under whose name kv runs, as the system writes it into files; empty if it cannot be had.
+// The user under whose name kv runs, as a SID; empty if it cannot be had.
 std::string UserNumber() {
     HANDLE token = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return "";
     DWORD size = 0;
     GetTokenInformation(token, TokenUser, nullptr, 0, &size);
-    std::string user(size, '\0');
-    const BOOL known = GetTokenInformation(token, TokenUser, &user[0], size, &size);
+    std::vector<char> user(size);  // a record with a pointer into itself
+    const BOOL known = GetTokenInformation(token, TokenUser, user.data(), size, &size);
     CloseHandle(token);
-    return known ? user : "";
+    if (!known) return "";
+    const PSID sid = reinterpret_cast<TOKEN_USER*>(user.data())->User.Sid;
+    return std::string(static_cast<const char*>(sid), GetLengthSid(sid));
+}
+
+bool IsAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 128; });
+}
+
+// The name of a file or folder in plain letters that some file systems keep beside its own.
+std::filesystem::path ShortName(const std::filesystem::path& path) {
+    wchar_t name[4096];
+    const DWORD size = GetShortPathNameW(path.c_str(), name, 4096);
+    return size > 0 && size < 4096 ? std::filesystem::path(std::wstring(name, size)) : path;
 }
 
 BOOL WINAPI IgnoreCtrlC(DWORD) { return TRUE; }
@@ -136,6 +150,16 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
     return status;
 }
 
+std::string PathForTool(const std::string& path, const std::string& folder) {
+    if (IsAscii(path)) return path;
+    const std::filesystem::path whole = PathOf(path).lexically_normal();
+    const std::string way = TextOf(whole.lexically_relative(PathOf(folder).lexically_normal()));
+    if (!way.empty() && IsAscii(way)) return way;
+    // The file itself may be about to be written.
+    const std::string shorter = TextOf(ShortName(whole.parent_path()) / whole.filename());
+    return IsAscii(shorter) ? shorter : path;
+}
+
 std::string OwnExecutable() {
     wchar_t name[4096];
     const DWORD size = GetModuleFileNameW(nullptr, name, 4096);
@@ -198,16 +222,25 @@ bool BelongsToUser(const std::string& path) {
                                               nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS) {
         return false;
     }
-    const bool isOwn = EqualSid(owner, reinterpret_cast<TOKEN_USER*>(&user[0])->User.Sid) != 0 ||
-                       IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0;
+    const bool isOwn =
+        EqualSid(owner, &user[0]) != 0 || IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0;
     LocalFree(descriptor);
     return isOwn;
 }
 
+// All is allowed to the user, nothing to others; what is made in the folder inherits that.
+static std::wstring RightsOfUserAlone() {
+    std::string user = UserNumber();
+    wchar_t* name = nullptr;
+    if (!user.empty()) ConvertSidToStringSidW(&user[0], &name);
+    const std::wstring rights = L"D:P(A;OICI;FA;;;" + std::wstring(name != nullptr ? name : L"OW") + L")";
+    LocalFree(name);
+    return rights;
+}
+
 bool MakePrivateFolder(const std::string& folder) {
-    // To the owner all is allowed, to others nothing; what is made in the folder inherits that.
     SECURITY_ATTRIBUTES attributes = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
-    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;OICI;FA;;;OW)", SDDL_REVISION_1,
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(RightsOfUserAlone().c_str(), SDDL_REVISION_1,
                                                          &attributes.lpSecurityDescriptor, nullptr);
     CreateDirectoryW(Wide(folder).c_str(), &attributes);
     LocalFree(attributes.lpSecurityDescriptor);

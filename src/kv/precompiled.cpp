@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "driver/paths.h"
 #include "driver/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
@@ -31,7 +32,10 @@ std::vector<std::string> PreludeCommand(const PreludeJob& job, const std::string
     std::vector<std::string> command = job.compiler;
     command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
     if (job.debug) command.push_back("-g");
-    command.insert(command.end(), {"-I" + job.includeFolder, "-x", "c++-header", header, "-o", compiled});
+    const std::string folder = FolderOf(header);
+    const auto forTool = [&](const std::string& path) { return PathForTool(path, folder); };
+    command.push_back("-I" + forTool(job.includeFolder));
+    command.insert(command.end(), {"-x", "c++-header", forTool(header), "-o", forTool(compiled)});
     return command;
 }
 
@@ -39,6 +43,7 @@ bool CompilePrelude(const PreludeJob& job, const std::string& header, const std:
     const std::string unfinished = compiled + ".new";
     ProcessRequest request;
     request.arguments = PreludeCommand(job, header, unfinished);
+    request.workingFolder = FolderOf(header);
     request.outputFile = header + ".output";
     request.errorFile = header + ".errors";
     if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
@@ -80,17 +85,17 @@ bool MakePrelude(const PreludeJob& job, const std::string& header) {
 
 std::string PreludesFolder() {
     const std::string cache = CacheFolder();
-    return cache.empty() ? "" : (PathOf(cache) / "prelude").string();
+    return cache.empty() ? "" : TextOf(PathOf(cache) / "prelude");
 }
 
 std::string PreparePrelude(const PreludeJob& job) {
     if (job.compiler.empty()) return "";
     std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
     for (const std::string& program : CompilerFiles(job.compiler)) key += MarkOf(program) + "\n";
-    key += MarkOf((PathOf(job.includeFolder) / "conio.h").string());
+    key += MarkOf(TextOf(PathOf(job.includeFolder) / "conio.h"));
     const std::string folder = PrivateFolder(CacheFolder(), {"prelude", HashOf(key)});
     if (folder.empty()) return "";
-    const std::string header = (PathOf(folder) / "prelude.h").string();
+    const std::string header = TextOf(PathOf(folder) / "prelude.h");
     if (IsWhole(job, header)) return header;
     const FileLock lock(header + ".lock", Progress("Waiting for another kv").Ticks());
     // Two writers would spoil it for all programs.

@@ -12,15 +12,15 @@ std::string PrivateFolder(const std::string& top, const std::vector<std::string>
     std::error_code ignored;
     fs::path folder = PathOf(top).lexically_normal();
     fs::create_directories(folder.parent_path(), ignored);
-    if (!MakePrivateFolder(folder.string())) return "";
+    if (!MakePrivateFolder(TextOf(folder))) return "";
     for (const std::string& name : below) {
         folder /= PathOf(name);
-        if (!MakePrivateFolder(folder.string())) return "";
+        if (!MakePrivateFolder(TextOf(folder))) return "";
     }
-    return CanWriteIn(folder.string()) ? folder.string() : "";
+    return CanWriteIn(TextOf(folder)) ? TextOf(folder) : "";
 }
 
 std::string CacheFolder() {
     const std::string cache = UserCacheFolder();
-    return cache.empty() ? "" : (PathOf(cache) / "korvel").lexically_normal().string();
+    return cache.empty() ? "" : TextOf((PathOf(cache) / "korvel").lexically_normal());
 }

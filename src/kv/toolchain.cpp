@@ -36,12 +36,12 @@ std::string WithSuffix(const std::string& path) {
 std::string FindProgram(const std::string& name) {
     std::error_code failed;
     if (name.find_first_of("/\\") != std::string::npos) {
-        return WithSuffix(std::filesystem::absolute(PathOf(name), failed).string());
+        return WithSuffix(TextOf(std::filesystem::absolute(PathOf(name), failed)));
     }
     std::istringstream folders(EnvironmentVariable("PATH"));
     for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
         const std::filesystem::path place = PathOf(folder.empty() ? "." : folder);
-        std::string found = WithSuffix(std::filesystem::absolute(place / PathOf(name), failed).string());
+        std::string found = WithSuffix(TextOf(std::filesystem::absolute(place / PathOf(name), failed)));
         if (!found.empty()) return found;
     }
     return "";
@@ -57,14 +57,20 @@ bool StartsWithOne(const std::string& flag, const char* const (&starts)[count]) 
 
 bool MeansLinking(const std::string& flag) { return StartsWithOne(flag, linkingFlags); }
 
+// Compilers run in the source's folder.
+std::string ForTool(const CompileJob& job, const std::string& path) {
+    return PathForTool(path, job.sourceFolder);
+}
+
 std::vector<std::string> Beginning(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = compiler;
     command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
     if (job.debug) command.push_back("-g");
-    if (!job.prelude.empty()) command.insert(command.end(), {"-include", job.prelude});
+    if (!job.prelude.empty()) command.insert(command.end(), {"-include", ForTool(job, job.prelude)});
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
-    command.insert(command.end(), {"-I" + job.includeFolder, "-iquote", job.sourceFolder});
-    command.insert(command.end(), {"-MMD", "-MF", job.newDependencies});
+    command.insert(command.end(),
+                   {"-I" + ForTool(job, job.includeFolder), "-iquote", ForTool(job, job.sourceFolder)});
+    command.insert(command.end(), {"-MMD", "-MF", ForTool(job, job.newDependencies)});
     return command;
 }
 
@@ -121,21 +127,21 @@ std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler
     for (const std::string& flag : job.linkerFlags) {
         if (!MeansLinking(flag)) command.push_back(flag);
     }
-    command.insert(command.end(), {"-c", "-o", job.newObject, job.mainCpp});
+    command.insert(command.end(), {"-c", "-o", ForTool(job, job.newObject), ForTool(job, job.mainCpp)});
     return command;
 }
 
 std::vector<std::string> LinkCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = compiler;
     command.insert(command.end(), job.quickLinking.begin(), job.quickLinking.end());
-    command.insert(command.end(), {"-o", job.newProgram, job.object});
+    command.insert(command.end(), {"-o", ForTool(job, job.newProgram), ForTool(job, job.object)});
     AddLibraries(command, job);
     return command;
 }
 
 std::vector<std::string> WholeCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = Beginning(compiler, job);
-    command.insert(command.end(), {"-o", job.newProgram, job.mainCpp});
+    command.insert(command.end(), {"-o", ForTool(job, job.newProgram), ForTool(job, job.mainCpp)});
     AddLibraries(command, job);
     return command;
 }

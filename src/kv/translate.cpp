@@ -27,7 +27,7 @@ bool EndsWith(const std::string& text, const std::string& end) {
 void ForgetPrograms(const Job& job) {
     const fs::path manifest =
         PathOf(job.build.cppFolder) / PathOf("." + StripFolder(job.source) + ".manifest");
-    std::istringstream lines(ReadWhole(manifest.string()));
+    std::istringstream lines(ReadWhole(TextOf(manifest)));
     const std::string program = StripExtension(job.source);
     std::string kept;
     bool changed = false;
@@ -58,7 +58,7 @@ void ShowErrors(const Job& job, KvtReport& report, int status) {
     for (Diagnostic& diagnostic : report.errors) {
         if (diagnostic.file.empty()) FindClash(job.source, diagnostic);
         diagnostic.file =
-            ShortPath((PathOf(job.installation) / PathOf(diagnostic.file)).string(), job.typedFolder);
+            ShortPath(TextOf(PathOf(job.installation) / PathOf(diagnostic.file)), job.typedFolder);
         Show(diagnostic);
     }
 }
@@ -67,7 +67,7 @@ void ShowWarnings(Job& job, const KvtReport& report) {
     job.hadWarnings = !report.warnings.empty();
     for (Diagnostic warning : report.warnings) {
         if (warning.file.empty()) warning.file = job.source;
-        warning.file = ShortPath((PathOf(job.installation) / PathOf(warning.file)).string(), job.typedFolder);
+        warning.file = ShortPath(TextOf(PathOf(job.installation) / PathOf(warning.file)), job.typedFolder);
         Show(warning);
     }
 }
@@ -75,7 +75,7 @@ void ShowWarnings(Job& job, const KvtReport& report) {
 }  // namespace
 
 std::string DependencyRecord(const Job& job) {
-    return (PathOf(job.build.cppFolder) / PathOf("." + ProgramName(job.source) + ".kvl.deps")).string();
+    return TextOf(PathOf(job.build.cppFolder) / PathOf("." + ProgramName(job.source) + ".kvl.deps"));
 }
 
 std::vector<std::string> TranslateCommand(const Job& job) {
@@ -101,9 +101,9 @@ bool Translate(Job& job) {
     request.errorFile = job.build.kvtErrors;
     if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
-    Progress progress("Translating " + PathOf(job.source).filename().string());
+    Progress progress("Translating " + TextOf(PathOf(job.source).filename()));
     request.whileWaiting = progress.Ticks();
-    RunProcess(request, problem);
+    const int status = RunProcess(request, problem);
     progress.End();
     if (IsDisturbed(job.build)) return false;
     if (!problem.empty()) {

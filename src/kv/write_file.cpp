@@ -3,6 +3,7 @@
 #include <chrono>
 #include <fstream>
 
+#include "driver/utf8.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
 
@@ -37,10 +38,10 @@ bool CopyOver(const fs::path& from, const fs::path& to) {
     // In a folder that many can write to, the name must be a new one.
     const std::string moment = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
     const fs::path unfinished =
-        to.parent_path() / PathOf("." + to.filename().string() + "." + moment + ".new");
+        to.parent_path() / PathOf("." + TextOf(to.filename()) + "." + moment + ".new");
     std::string problem;
-    const bool isWritten = CopyToNewFile(from.string(), unfinished.string(), problem);
+    const bool isWritten = CopyToNewFile(TextOf(from), TextOf(unfinished), problem);
     if (MoveOver(unfinished, to, isWritten, problem)) return true;
-    ShowProblem("cannot write " + to.string() + ": " + problem);
+    ShowProblem("cannot write " + TextOf(to) + ": " + problem);
     return false;
 }
