@@ -37,6 +37,11 @@ std::string FirstWord(const std::string& line) {
     return word;
 }
 
+bool IsFile(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::is_regular_file(PathOf(path), failed);
+}
+
 bool IsWithin(const std::string& path, const std::string& folder) {
     const auto relative =
         PathOf(path).lexically_normal().lexically_relative(PathOf(folder).lexically_normal());
@@ -189,7 +194,7 @@ bool ExplainErrorLine(const std::string& line, const SourceLines& sources, Gener
         const Place* inlined = sources.InlineLine(generated.Line(place.file, place.line));
         if (inlined == nullptr) return false;
         place = *inlined;
-    } else if (!IsWithin(place.file, folders.user)) {
+    } else if (!IsWithin(place.file, folders.user) || !IsFile(place.file)) {
         return false;
     }
     diagnostic.file = place.file;
