@@ -73,8 +73,25 @@ void WarnOfCrossing(const std::string& closer, const OpenBlock& meant, const Ope
                    Described(braces) + ", which is still open");
 }
 
+// Whether a run gets behind the braces; `atEnd` when it gets to their end.
+bool GetsBehind(const OpenBraces& braces, bool atEnd) {
+    switch (braces.kind) {
+        case BlockKind::If:
+            return braces.elseSeen ? braces.branchLeft || atEnd : braces.entered;
+        case BlockKind::Loop:
+            return braces.broken || (braces.entered && !braces.endless);
+        case BlockKind::Repeat:
+            return braces.broken || braces.continued || atEnd;
+        case BlockKind::Select:
+            return braces.broken || atEnd || (braces.entered && !braces.elseSeen);
+        default:
+            return true;
+    }
+}
+
 ClosedBlock Take(State& state, std::size_t at) {
     ClosedBlock closed = {std::move(state.blocks[at]), std::move(state.braces.back())};
+    state.reachable = GetsBehind(closed.braces, state.reachable);
     state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at));
     state.braces.pop_back();
     return closed;
@@ -95,7 +112,30 @@ OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variab
     braces.kind = kind;
     braces.line = state.currentLine;
     braces.variable = variable;
+    braces.entered = state.reachable;
     return braces;
+}
+
+void BeginBranch(State& state) {
+    OpenBraces& braces = state.braces.back();
+    braces.branchLeft = braces.branchLeft || state.reachable;
+    state.reachable = braces.entered;
+}
+
+void BeginLabel(State& state) { state.reachable = state.braces.back().entered; }
+
+void NoteBreak(State& state) {
+    for (std::size_t i = state.braces.size(); state.reachable && i-- > 0;) {
+        OpenBraces& braces = state.braces[i];
+        braces.broken = braces.broken || braces.kind != BlockKind::If;
+        if (braces.kind != BlockKind::If && braces.kind != BlockKind::Inline) break;
+    }
+    state.reachable = false;
+}
+
+void NoteInlineJumps(State& state) {
+    state.reachable = true;
+    for (OpenBraces& braces : state.braces) braces.broken = braces.entered = true;
 }
 
 std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer) {

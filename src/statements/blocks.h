@@ -46,9 +46,14 @@ struct OpenBraces {
     BlockKind kind = BlockKind::If;
     int line = 0;
     std::string variable;    // loop variable, as written
-    bool elseSeen = false;   // If
+    bool elseSeen = false;   // If: an Else; Select: a Default
     bool continued = false;  // Repeat: a Continue of this loop was met
-    SequenceWalk walk;       // a loop over a Sequence
+    bool endless = false;    // While: the condition is always true
+    // Where a run of the program may get, see State::reachable.
+    bool entered = true;      // to the block
+    bool broken = false;      // out of it by Exit
+    bool branchLeft = false;  // to the end of a branch of the If before the open one
+    SequenceWalk walk;        // a loop over a Sequence
 };
 
 struct ClosedBlock {
@@ -85,6 +90,14 @@ OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variab
 // is nothing to emit, and CheckClosers refuses it unless one of those turns out to be the culprit. So it does with
 // braces that the closer cannot end.
 std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer);
+
+// A further branch of the If, or a label of the Select, in the innermost braces begins.
+void BeginBranch(State& state);
+void BeginLabel(State& state);
+// The statement has left the innermost braces that "break" leaves.
+void NoteBreak(State& state);
+// Inline C++ may jump anywhere.
+void NoteInlineJumps(State& state);
 
 // Leaves the scope of closed braces.
 void PopScopeOf(const OpenBraces& braces);

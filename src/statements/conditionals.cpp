@@ -120,6 +120,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
         }
         if (elseSeen) ReportFatal("'" + tokens[at] + "' after 'Else'");
         CloseBranch(state);
+        BeginBranch(state);
         if (tokens.KeywordAt(at) == Keyword::ElseIf) {
             then = FindWord(tokens, Keyword::Then, at);
             if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
@@ -128,7 +129,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
         } else {
             RefuseElseIfAsTwoWords(tokens, at + 1);
             OpenElse(state);
-            elseSeen = true;
+            elseSeen = state.braces.back().elseSeen = true;
             ++at;
         }
     }
@@ -198,6 +199,7 @@ void TranslateIf(State& state, TokenSpan tokens) {
 void TranslateElseIf(State& state, TokenSpan tokens) {
     ContinuedIf(state, "ElseIf");
     CloseBranch(state);
+    BeginBranch(state);
     std::size_t then = FindWord(tokens, Keyword::Then);
     const bool alone = then == noToken || then + 1 == tokens.size();
     if (alone) PlaceComment(state);
@@ -211,6 +213,7 @@ void TranslateElse(State& state, TokenSpan tokens) {
     RefuseElseIfAsTwoWords(tokens, 1);
     ContinuedIf(state, "Else").elseSeen = true;
     CloseBranch(state);
+    BeginBranch(state);
     if (tokens.size() == 1) PlaceComment(state);
     OpenElse(state);
     if (tokens.size() > 1) DispatchInLine(state, tokens, 1, tokens.size());

@@ -9,6 +9,7 @@
 
 #include "driver/report.h"
 #include "lexer/mentions.h"
+#include "statements/constant_value.h"
 #include "statements/for_loops.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -78,6 +79,7 @@ void TranslateForever(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     const std::optional<ClosedBlock> closed = CloseRepeat(state, "Forever");
     if (!closed) return;
+    state.reachable = closed->braces.broken;
     PopScopeOf(closed->braces);
     EmitLine(state, "}");
     EmitLine(state, "while (true);");
@@ -86,7 +88,9 @@ void TranslateForever(State& state, TokenSpan tokens) {
 void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
     EmitLine(state, "while (" + ConditionText(tokens.From(1), "While") + ")");
-    OpenLoop(state, "While");
+    const std::optional<ConstantValue> always = EvaluateConstant(tokens.From(1));
+    OpenLoop(state, "While").endless =
+        always && always->kind == ConstantValue::Kind::Integer && always->integer != 0;
     EmitLine(state, "{");
     EmitLine(state, "__kvSchedPoll();");
 }

@@ -163,10 +163,6 @@ void EmitFreeLoops(State& state) {
         if (array.ownsSlots) EmitLines(state, FreeLoops(*array.variable));
 }
 
-bool EndsInReturn(const State& state) {
-    return state.returnEnd != 0 && state.returnEnd == state.out->pieces.back().text.size();
-}
-
 void TranslateReturn(State& state, TokenSpan tokens) {
     if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
     const ValueType result = ResultType(state);
@@ -175,6 +171,5 @@ void TranslateReturn(State& state, TokenSpan tokens) {
     else
         ReturnNothing(state, result);
     state.hasReturn = true;
-    const bool outermost = BlockCount() <= 1 && state.selects.empty();
-    state.returnEnd = outermost ? state.out->pieces.back().text.size() : 0;
+    state.reachable = false;
 }

@@ -77,7 +77,7 @@ void OpenRoutine(State& state, const Routine* routine) {
     state.routine = routine;
     state.returnType = state.isMainRoutine ? "int" : ResultCppName(routine->result);
     state.hasReturn = false;
-    state.returnEnd = 0;
+    state.reachable = true;
     state.localArrays.clear();
     state.frameRoom = RoomForArrays(state);
 }
@@ -124,22 +124,21 @@ void CheckWithClosed(const State& state, const std::string& closer) {
 
 // The end of the routine, for a run that gets there without a Return.
 void EmitFallingOut(State& state) {
-    if (EndsInReturn(state)) return;
+    if (!state.reachable) return;
     EmitFreeLoops(state);
     if (IsDestructor(state) && KeepsInstances(state)) EmitLines(state, TrackingLines(*state.cls));
 }
 
 // A caller gets the default value when no Return was met on the way.
-void EmitDefaultResult(State& state, bool reachable) {
-    if (reachable && !state.isMainRoutine && state.returnType != "void")
+void EmitDefaultResult(State& state) {
+    if (state.reachable && !state.isMainRoutine && state.returnType != "void")
         EmitLine(state, "return " + DefaultValue(state.returnType) + ";");
 }
 
 void CloseRoutine(State& state) {
-    const bool reachable = !EndsInReturn(state);
     EmitFallingOut(state);
     if (settings.debugMode) EmitLine(state, "\t_kvDebugLeave();");
-    EmitDefaultResult(state, reachable);
+    EmitDefaultResult(state);
     EmitLine(state, "}");
     ForgetInlineBraces(state);
     PopRoutineScope();
@@ -149,7 +148,7 @@ void CloseRoutine(State& state) {
 
 void CloseMain(State& state) {
     if (state.hasReturn) {
-        if (settings.debugMode && !EndsInReturn(state)) EmitLine(state, "\t_kvDebugShutdown();");
+        if (settings.debugMode && state.reachable) EmitLine(state, "\t_kvDebugShutdown();");
         return;
     }
     if (settings.debugMode) EmitLine(state, "\t_kvDebugShutdown();");

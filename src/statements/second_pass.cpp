@@ -56,6 +56,7 @@ void RunSecondPass(State& state, const std::string& source) {
         opened += line.braces;
         NoteInlineCpp(line.text);
         NoteInlineCppInLoops(line.text);
+        NoteInlineJumps(state);
         PutLine(*state.out, settings.traceMode && !line.goesOn ? line.text + " //INLINE" : line.text);
     };
     while (lines.Next()) {

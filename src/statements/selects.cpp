@@ -40,6 +40,7 @@ void EndCase(State& state, OpenSelect& select) {
 
 void EmitLabel(State& state, OpenSelect& select, const std::string& text) {
     EmitLine(state, text);
+    BeginLabel(state);
     select.labelSeen = true;
     select.lastLabelPiece = &state.out->pieces.back();
     select.lastLabelEnd = select.lastLabelPiece->text.size();
@@ -169,6 +170,7 @@ void TranslateDefault(State& state, TokenSpan tokens) {
     select.defaultSeen = true;
     EndCase(state, select);
     EmitLabel(state, select, "default :");
+    state.braces.back().elseSeen = true;
 }
 
 void TranslateEndSelect(State& state, TokenSpan tokens) {

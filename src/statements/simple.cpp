@@ -27,6 +27,7 @@ void TranslateEnd(State& state, TokenSpan tokens) {
     if (!state.inFunction && !state.inMethod)
         ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
     EmitLine(state, "exit(0);");
+    state.reachable = false;
 }
 
 void TranslateExit(State& state, TokenSpan tokens) {
@@ -34,6 +35,7 @@ void TranslateExit(State& state, TokenSpan tokens) {
         ReportFatal("'Exit' can only be used inside a loop or Select block");
     RefuseMore(tokens, 1);
     EmitLine(state, "break;");
+    NoteBreak(state);
 }
 
 void TranslateContinue(State& state, TokenSpan tokens) {
@@ -46,6 +48,7 @@ void TranslateContinue(State& state, TokenSpan tokens) {
         break;
     }
     EmitLine(state, "continue;");
+    state.reachable = false;
 }
 
 void TranslateAccess(State& state, TokenSpan tokens) {

@@ -76,7 +76,7 @@ struct State {
     std::string returnType;  // C++ spelling
     bool isMainRoutine = false;
     bool hasReturn = false;
-    std::size_t returnEnd = 0;  // length of the piece behind a Return of the outermost block, 0 without one
+    bool reachable = true;  // a run of the program may get to the next statement; errs on the side of yes
     std::vector<LocalArray> localArrays;
     bool watchesOwnObject = false;  // debug builds: the Method may remove its own object
     std::size_t frameRoom = 0;      // -fast: bytes that arrays may still take in the routine's frame
