@@ -1,4 +1,5 @@
 // How a typed expression becomes the text that C++ wants in its place.
+#include "analysis/bool_arrays.h"
 #include "driver/report.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
@@ -14,10 +15,10 @@ std::string Suffix(const ValueType& type) { return type.dims == 1 ? "" : std::to
 }  // namespace
 
 std::string TakeOver(const Expr& expr, bool slots) {
-    const bool plain = expr.type.base != Base::Element && expr.type.base != Base::Bool;
-    if (expr.byValue && plain) return expr.text;
+    const bool bools = expr.type.base == Base::Bool && AnyHandsOnBools();
+    if (expr.byValue && expr.type.base != Base::Element && !bools) return expr.text;
     if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
-    if (expr.type.base == Base::Bool) RequireSupport(Support::BoolArray);
+    if (bools) RequireSupport(Support::BoolArray);
     if (slots) RequireSupport(Support::ElementSlots);
     return (slots ? "__kvTakeSlots" : "__kvTakeArray") + Suffix(expr.type) + "(" + HandedBack(expr) + ")";
 }

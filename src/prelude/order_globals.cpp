@@ -164,7 +164,6 @@ struct PreludeNames {
     void Add(const ValueType& type, bool global) {
         sequence = sequence || type.sequence;
         slot = slot || (global && type.IsArray() && type.base == Base::Element);
-        boolItem = boolItem || (global && type.IsArray() && type.base == Base::Bool);
     }
 };
 
@@ -177,7 +176,10 @@ void AddPreludeNames(FileOutput& file) {
         for (const Parameter& parameter : routine->parameters) names.Add(parameter.type, false);
     }
     for (const GlobalDefinition& global : file.globals)
-        if (const Variable* variable = FindGlobal(global.name)) names.Add(variable->type, true);
+        if (const Variable* variable = FindGlobal(global.name)) {
+            names.Add(variable->type, true);
+            names.boolItem = names.boolItem || variable->handsOnBools;
+        }
     if (names.sequence) file.headerClasses += "template<typename T> class KVSeq;\n";
     if (names.slot) file.headerClasses += "template<typename T> class KVSlot;\n";
     if (names.boolItem) file.headerClasses += "struct KVBool;\n";

@@ -71,17 +71,18 @@ bool AllKnown(const std::vector<Size>& sizes) {
 }
 
 // "3, std::vector<double>(4)": what the vector is constructed with.
-std::string Construction(ValueType type, ArrayPlace place, const std::vector<std::string>& sizes) {
+std::string Construction(const Variable& array, ArrayPlace place, const std::vector<std::string>& sizes) {
+    ValueType type = array.type;
     std::string text = sizes.back();
     for (std::size_t k = sizes.size() - 1; k-- > 0;) {
         type.dims = static_cast<int>(sizes.size() - k - 1);
-        text = sizes[k] + ", " + ArrayCppName(type, place) + "(" + text + ")";
+        text = sizes[k] + ", " + ArrayCppName(type, place, array.handsOnBools) + "(" + text + ")";
     }
     return text;
 }
 
 std::string Declarator(const Variable& array, ArrayPlace place, const std::string& construction) {
-    const std::string type = ArrayCppName(array.type, place);
+    const std::string type = ArrayCppName(array.type, place, array.handsOnBools);
     if (place == ArrayPlace::Field)
         return type + " " + array.cppName + " = " + type + "(" + construction + ");";
     return type + " " + array.cppName + "(" + construction + ");";
@@ -122,7 +123,7 @@ std::string FrameDeclarator(const Variable& array, ArrayPlace place, const std::
     RequireSupport(Support::FixedArray);
     ValueType item = array.type;
     item.dims = 0;
-    std::string type = item.Is(Base::Bool) ? "KVBool" : CppName(item);
+    std::string type = array.handsOnBools ? "KVBool" : CppName(item);
     if (item.Is(Base::Element)) type = place == ArrayPlace::Local ? type + "*" : "KVSlot<" + type + ">";
     for (std::size_t k = sizes.size(); k-- > 0;)
         type = "KVArray<" + type + ", " + std::to_string(*sizes[k].value) + ">";
@@ -137,7 +138,8 @@ std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const s
 
 // Size constants that are numbers stay with the extern line; others are worked out where the vector is.
 void AddMovableForm(const Variable& array, ArrayPlace place, bool sizesKnown, ArrayText& text) {
-    text.declaration = "extern " + ArrayCppName(array.type, place) + " " + array.cppName + ";";
+    text.declaration =
+        "extern " + ArrayCppName(array.type, place, array.handsOnBools) + " " + array.cppName + ";";
     if (sizesKnown) {
         text.declaration += text.tail;
         text.definition = text.variable;
@@ -149,7 +151,6 @@ void AddMovableForm(const Variable& array, ArrayPlace place, bool sizesKnown, Ar
 }
 
 void RequireFor(const ValueType& type, ArrayPlace place) {
-    if (type.base == Base::Bool) RequireSupport(Support::BoolArray);
     if (type.base == Base::Element && place != ArrayPlace::Local) RequireSupport(Support::ElementSlots);
     if (type.base == Base::Element) NeedClass(type.cls);
 }
@@ -175,15 +176,17 @@ std::string CheckedSize(const Variable& array, int k, const std::string& given, 
 
 }  // namespace
 
-std::string ArrayCppName(const ValueType& type, ArrayPlace place) {
-    if (type.base != Base::Element || place == ArrayPlace::Local) return CppName(type);
-    std::string name = "KVSlot<" + type.cls->cppName + ">";
+std::string ArrayCppName(const ValueType& type, ArrayPlace place, bool handsOnBools) {
+    const bool slots = type.base == Base::Element && place != ArrayPlace::Local;
+    if (!slots && !handsOnBools) return CppName(type);
+    std::string name = slots ? "KVSlot<" + type.cls->cppName + ">" : "KVBool";
     for (int k = 0; k < type.dims; ++k) name = "std::vector<" + name + ">";
     return name;
 }
 
 ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& frameRoom) {
     RequireFor(array.type, place);
+    if (array.handsOnBools) RequireSupport(Support::BoolArray);
     const std::vector<Size> sizes = ReadSizes(array, place);
     const bool known = AllKnown(sizes);
     ArrayText text;
@@ -204,7 +207,7 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& fra
     }
     text.variable = TakesRoom(array.type, place, sizes, frameRoom)
                         ? FrameDeclarator(array, place, sizes)
-                        : Declarator(array, place, Construction(array.type, place, counts));
+                        : Declarator(array, place, Construction(array, place, counts));
     AddMovableForm(array, place, known, text);
     return text;
 }
@@ -220,8 +223,8 @@ std::string TakenArray(const Expr& value, ArrayPlace place) {
 
 ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken) {
     ArrayText text;
-    text.variable =
-        ArrayCppName(array.type, place) + " " + array.cppName + " = " + TakenArray(value, place) + ";";
+    text.variable = ArrayCppName(array.type, place, array.handsOnBools) + " " + array.cppName + " = " +
+                    TakenArray(value, place) + ";";
     for (std::size_t k = 0; k < static_cast<std::size_t>(array.type.dims); ++k) {
         const int dimension = static_cast<int>(k);
         std::string size = MeasuredSize(array.cppName, dimension);

@@ -16,7 +16,7 @@ enum class ArrayPlace : unsigned char {
 };
 
 // C++ spelling of the array's variable: arrays of Elements own their objects except in a Local's plain slots.
-std::string ArrayCppName(const ValueType& type, ArrayPlace place);
+std::string ArrayCppName(const ValueType& type, ArrayPlace place, bool handsOnBools);
 
 // A declaration in its lines. `head` stands before the variable, `tail` behind it.
 struct ArrayText {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "analysis/bool_arrays.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/expression.h"
@@ -65,7 +66,8 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const bool keeps = fixed || target.form == ArrayForm::Vector;
     if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
     if (type != value.type) FailMismatch(value.type, type, target.text);
-    EmitLine(state, "{ " + ArrayCppName(type, ArrayPlace::Inner) +
+    EmitLine(state, "{ " +
+                        ArrayCppName(type, ArrayPlace::Inner, type.base == Base::Bool && AnyHandsOnBools()) +
                         " _from = " + TakenArray(value, ArrayPlace::Inner) + ";");
     std::string loops, indices;
     for (int k = 0; k < type.dims; ++k) {

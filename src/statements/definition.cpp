@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "analysis/bool_arrays.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "lexer/lexer.h"
@@ -247,8 +248,16 @@ void Complete(const Declared& declared, const Definition& definition, Variable& 
     variable.typed = declared.typed;
     if (!variable.type.IsArray()) return;
     variable.form = ArrayForm::Vector;
+    variable.handsOnBools = definition.handsOnBools;
     variable.sizes = declared.note.sizes;
     CompleteSizes(variable);
+}
+
+// Whether an array of Bool has to give out addresses of its items.
+bool HandsOn(const Declared& declared) {
+    const ValueType& type = declared.note.type;
+    if (type.base != Base::Bool) return false;
+    return declared.hasValue ? AnyHandsOnBools() : HandsOnBools(declared.name, type.dims);
 }
 
 void DefineArray(State& state, const Declared& declared, const Expr& value, Definition& definition) {
@@ -257,6 +266,8 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     array.cppName = definition.cppName;
     array.type = declared.note.type;
     array.sizes = declared.note.sizes;
+    array.handsOnBools = HandsOn(declared);
+    definition.handsOnBools = array.handsOnBools;
     if (!declared.hasValue && !AnySizeWritten(array.sizes))
         ReportFatal("Array '" + declared.name + "' requires a size or an initial value");
     if (declared.hasValue && !AnySizeWritten(array.sizes)) array.sizes.clear();

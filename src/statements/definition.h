@@ -19,6 +19,7 @@ struct Definition {
     std::string moved;         // ... and what defines the variable elsewhere
     std::string registration;  // Locals: puts a created object on its Type's list
     std::vector<std::string> sizeNames;    // tokens of array sizes that are no constants
+    bool handsOnBools = false;             // of an array: see Variable
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
     bool usesPrelude = false;              // the text names what only the main header declares
     bool constant = false;                 // the variable has its value before any code runs

@@ -129,7 +129,8 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
             "SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
             "add its items with SeqAdd in a For loop.");
     std::string source = WalkableText(array);
-    const bool stored = array.byValue || (!item.Is(Base::Element) && !item.Is(Base::Bool));
+    const bool bits = item.Is(Base::Bool) && array.variable != nullptr && !array.variable->handsOnBools;
+    const bool stored = array.byValue || bits || (!item.Is(Base::Element) && !item.Is(Base::Bool));
     const bool whole = from == item && stored && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
         EmitLine(state, WhileAway(sequence, true, target + ".FromArray(" + source + ")") + ";");

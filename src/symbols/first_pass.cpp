@@ -73,6 +73,7 @@ void ReadLines(FirstPass& pass) {
         if (lines.MetInlineCpp()) symbols.inlineCpp = true;
         for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);
     }
+    if (lines.MetInlineCpp()) symbols.inlineCpp = true;
     settings.currentFile = pass.source;
     settings.currentLine = lines.Count();
 }

@@ -33,9 +33,10 @@ struct Variable {
     bool isConst = false;
     bool isPreCalc = false;
     bool isParameter = false;
-    bool slot = false;       // an Element reached through a pointer (EachIn over an array of Elements)
-    bool isPrivate = false;  // Fields only
-    std::string file;        // where it was declared
+    bool handsOnBools = false;  // an array of Bool whose items are KVBools (Support::BoolArray)
+    bool slot = false;          // an Element reached through a pointer (EachIn over an array of Elements)
+    bool isPrivate = false;     // Fields only
+    std::string file;           // where it was declared
     int line = 0;
     Tokens initialiser;           // Globals, Consts and Fields; the type of untyped ones is inferred from it
     bool typed = false;           // declared with a ":" type

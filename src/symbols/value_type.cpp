@@ -78,15 +78,13 @@ std::string SingleCppName(const ValueType& type) {
     return FindBasic(type.base)->cpp;
 }
 
-// How one slot of an array is held: Elements behind a pointer, a Bool so that its address is a bool's.
+// How one slot of an array is held: Elements behind a pointer.
 std::string SlotCppName(const ValueType& type) {
-    if (type.base == Base::Element) return type.cls->cppName + "*";
-    return type.base == Base::Bool ? "KVBool" : SingleCppName(type);
+    return type.base == Base::Element ? type.cls->cppName + "*" : SingleCppName(type);
 }
 
 std::string PointerCppName(const ValueType& type) {
-    const std::string slot = type.base == Base::Bool ? "bool" : SlotCppName(type);
-    return slot + std::string(static_cast<std::size_t>(type.dims), '*');
+    return SlotCppName(type) + std::string(static_cast<std::size_t>(type.dims), '*');
 }
 
 }  // namespace

@@ -43,8 +43,7 @@ inline bool operator!=(const ValueType& a, const ValueType& b) { return !(a == b
 inline ValueType Single(Base base, const ClassInfo* cls = nullptr) { return {base, false, 0, cls}; }
 
 // The C++ spelling of a variable of the type: "int", "KVL_TFoo*", "KVSeq<int>",
-// "std::vector<std::vector<double>>". Arrays of Elements hold pointers ("std::vector<KVL_TPoint*>");
-// arrays of Bool are "std::vector<KVBool>" (Support::BoolArray; declaring one requires it).
+// "std::vector<std::vector<double>>". Arrays of Elements hold pointers ("std::vector<KVL_TPoint*>").
 std::string CppName(const ValueType& type);
 
 // The C++ spelling in signatures: arrays become pointers ("int*", "double**", "KVL_TPoint**").

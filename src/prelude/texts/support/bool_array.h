@@ -2,6 +2,7 @@
 struct KVBool {
     bool v;
     KVBool(bool value = false) : v(value) {}
+    KVBool(const std::vector<bool>::reference& bit) : v(bit) {}
     operator bool&() { return v; }
     operator bool() const { return v; }
 };
