@@ -214,6 +214,18 @@ bool MakeProgram(Job& job, CompileJob& compile) {
     return true;
 }
 
+// The libraries that the program loads while it runs, also those that are no files of ours.
+std::vector<std::string> LibrariesLoaded(const Job& job) {
+    const std::string mark = "// DLL: ";
+    std::vector<std::string> names;
+    std::ifstream stream(PathOf(job.mainCpp), std::ios::binary);
+    for (std::string line; std::getline(stream, line);) {
+        if (line == "// ===== End Userlib Code =====") break;
+        if (line.compare(0, mark.size(), mark) == 0) names.push_back(line.substr(mark.size()));
+    }
+    return names;
+}
+
 bool CopyLibraries(const Job& job) {
     const fs::path folder = PathOf(job.build.program).parent_path();
     for (const std::string& library : SharedLibraries(job)) {
@@ -225,13 +237,8 @@ bool CopyLibraries(const Job& job) {
 }  // namespace
 
 std::vector<std::string> SharedLibraries(const Job& job) {
-    const std::string mark = "// DLL: ";
     std::vector<std::string> libraries;
-    std::ifstream stream(PathOf(job.mainCpp), std::ios::binary);
-    for (std::string line; std::getline(stream, line);) {
-        if (line == "// ===== End Userlib Code =====") break;
-        if (line.compare(0, mark.size(), mark) != 0) continue;
-        const std::string name = line.substr(mark.size());
+    for (const std::string& name : LibrariesLoaded(job)) {
         std::error_code failed;
         const bool plainName = !name.empty() && name.find_first_of("/\\") == std::string::npos;
         if (plainName && fs::is_regular_file(PathOf(job.build.cppFolder) / PathOf(name), failed))
@@ -246,6 +253,7 @@ std::string CompilationOf(const Job& job) {
 
 bool Compile(Job& job) {
     CompileJob compile = CompileJobOf(job);
+    compile.loadsLibraries = !LibrariesLoaded(job).empty();
     if (CanLinkApart(job.linkerFlags)) {
         if (!MakeObject(job, compile) || !MakeProgram(job, compile)) return false;
     } else {

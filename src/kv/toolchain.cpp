@@ -78,7 +78,8 @@ void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
 #ifdef _WIN32
     command.push_back("-static");  // the program runs where no compiler is installed
 #else
-    command.push_back(ownFolderFlag);  // shared libraries beside the program are found
+    // Shared libraries beside the program are found; one that needs none takes none that others have put there.
+    if (job.loadsLibraries || !job.linkerFlags.empty()) command.push_back(ownFolderFlag);
 #endif
     command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
 #ifdef __linux__

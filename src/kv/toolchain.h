@@ -15,6 +15,7 @@ struct CompileJob {
     std::string prelude;          // header to read first, compiled ahead; empty: none
     std::string optimisation;     // "-O0"
     bool debug = false;
+    bool loadsLibraries = false;  // while it runs
     std::vector<std::string> linkerFlags;
     std::vector<std::string> quickLinking;  // flags that are not needed
 };
