@@ -113,6 +113,10 @@ void AddLocals(TokenSpan statement, OwnNames& names) {
     }
 }
 
+void AddItem(TokenSpan statement, OwnNames& names) {
+    if (statement.size() > 1) names[&statement.At(1)] = OwnName::Item;
+}
+
 // Elements that hold one another have no end, and are refused elsewhere.
 void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth) {
     constexpr int deepest = 16;
@@ -133,12 +137,15 @@ OwnName EffectReader::OwnNameOf(const Word& name) const {
     }
     const Variable* local = FindLocal(name.text);
     if (local == nullptr || local->slot) return OwnName::None;
+    if (local->isItem) return OwnName::Item;
     const OwnName kind = KindOf(local->type);
     return kind == OwnName::Items && local->isParameter ? OwnName::Passed : kind;
 }
 
 void EffectReader::TouchOwn(const Word& name, OwnName own, bool changes) {
-    if (own == OwnName::Passed) (changes ? set.changesPassed : set.readsPassed) = true;
+    if (own == OwnName::Passed || own == OwnName::Item)
+        (changes ? set.changesPassed : set.readsPassed) = true;
+    if (names != nullptr && own == OwnName::Item) return TouchShared(name, true, changes);
     if (names != nullptr) return;
     (changes ? set.ownChanges : set.ownReads).push_back(ThingOf(name));
     if (own == OwnName::Items || own == OwnName::Element) handedOn.push_back(&name);
@@ -271,6 +278,7 @@ void EffectReader::ReadOneLineIf(TokenSpan tokens) {
 
 // For [Local] x = ... , For [Each] x In ... , EachSeq x In ...
 void EffectReader::ReadLoop(TokenSpan tokens) {
+    if (tokens.KeywordAt(0) == Keyword::EachSeq) return ReadValue(tokens.From(3));
     std::size_t at = 1;
     while (tokens.KeywordAt(at) == Keyword::Local || tokens.KeywordAt(at) == Keyword::Each) ++at;
     if (at == 1) ReadTarget(tokens.Slice(at, at + 1));

@@ -15,6 +15,7 @@ enum class OwnName : unsigned char {
     Element,  // a record of the routine's own
     Items,    // an array or Sequence of the routine's own
     Passed,   // one that belongs to somebody else
+    Item,     // refers to an item of a Sequence
 };
 
 // Those of a routine that is read as a whole.
@@ -26,6 +27,9 @@ void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth =
 void AddParameters(const Routine& routine, OwnNames& names);
 // A Local statement of the routine's outermost block.
 void AddLocals(TokenSpan statement, OwnNames& names);
+
+// An EachSeq statement. Its variable may be anything else behind the loop.
+void AddItem(TokenSpan statement, OwnNames& names);
 
 class EffectReader {
 public:

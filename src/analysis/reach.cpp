@@ -150,6 +150,7 @@ private:
             word == Keyword::EndSelect)
             --blocks;
         if (word == Keyword::Local && blocks == 0) AddLocals(tokens, names);
+        if (word == Keyword::EachSeq) AddItem(tokens, names);
     }
 
     static bool WalksInstances(TokenSpan tokens) {

@@ -93,7 +93,8 @@ std::string CheckedOperand(const Expr& expr, Base common) {
 //     __kvNow(KVL_g) + KVL_Next (  )
 void ReadInTime(Expr& left, const BinaryOperator& op, const Expr& right) {
     if (!op.mayTurn || !right.effects || left.effects || !IsBareVariable(left.source)) return;
-    if (!MayChange(right.source, left.source)) return;
+    const bool reference = left.variable != nullptr && left.variable->isItem;  // these it reads in time
+    if (reference || !MayChange(right.source, left.source)) return;
     RequireSupport(Support::ReadNow);
     left.text = "__kvNow(" + left.text + ")";
 }

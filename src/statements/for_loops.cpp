@@ -242,6 +242,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();
     Variable& variable = DeclareLoopVariable(tokens[1], item);
+    variable.isItem = true;
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";
     const std::string text = ValueText(sequence);

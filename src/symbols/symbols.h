@@ -35,6 +35,7 @@ struct Variable {
     bool isParameter = false;
     bool handsOnBools = false;  // an array of Bool whose items are KVBools (Support::BoolArray)
     bool slot = false;          // an Element reached through a pointer (EachIn over an array of Elements)
+    bool isItem = false;        // refers to an item of a Sequence (EachSeq)
     bool isPrivate = false;     // Fields only
     std::string file;           // where it was declared
     int line = 0;
