@@ -43,11 +43,6 @@ const SharedName* FindShared(const Word& name) {
     return name.id < sharedNames.size() && sharedNames[name.id].known ? &sharedNames[name.id] : nullptr;
 }
 
-bool IsLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-           static_cast<unsigned char>(c) >= 128;
-}
-
 bool IsAccessor(char sign) { return sign == '\\' || sign == '.'; }
 
 // Position behind what the bracket at `open` encloses.
@@ -73,7 +68,7 @@ std::size_t LastName(TokenSpan tokens) {
     std::size_t last = tokens.size();
     for (std::size_t i = 0; i < tokens.size();) {
         const char sign = tokens.SignAt(i);
-        if (IsLetter(tokens[i][0])) last = i;
+        if (IsLetterByte(tokens[i][0])) last = i;
         i = sign == '[' || sign == '(' ? Behind(tokens, i) : i + 1;
     }
     return last;
@@ -218,7 +213,7 @@ void EffectReader::ReadValue(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const Word& token = tokens.At(i);
         if (token.text.empty() || token.sign != '\0') continue;
-        if (IsLetter(token.text[0])) {
+        if (IsLetterByte(token.text[0])) {
             ReadWord(tokens, i);
             i = ReadName(tokens, i);
         } else if (HasHoles(token)) {

@@ -33,11 +33,7 @@ const std::unordered_set<std::string_view> noticed = {
     "cout", "cin", "cerr", "clog", "throw", "static", "thread_local", "extern", "asm", "goto",
 };
 
-bool IsName(const std::string& token) {
-    const char c = token.empty() ? '\0' : token[0];
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-           static_cast<unsigned char>(c) >= 128;
-}
+bool IsName(const std::string& token) { return !token.empty() && IsLetterByte(token[0]); }
 
 bool IsMember(TokenSpan tokens, std::size_t at) {
     if (at == 0) return false;

@@ -19,8 +19,6 @@ const PartOfRun partOfRun(graph, built, answers, removers);
 
 std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
 
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-
 void AddNames() {
     for (const auto& function : symbols.functions) graph.NodeOf(graph.routines, function.first);
     for (const ClassInfo* cls : symbols.classList) {
@@ -173,7 +171,7 @@ public:
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const Word& token = tokens.At(i);
             if (token.text[0] == '"') Mention(node, HoleTokens(token));
-            if (!IsLetter(token.text[0])) continue;
+            if (!IsLetterByte(token.text[0])) continue;
             const Keyword keyword = token.keyword;
             if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
             if (keyword == Keyword::SeqSort)

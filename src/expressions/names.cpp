@@ -132,9 +132,7 @@ Expr ParseBareName(Walk& walk, const std::string& name) {
 bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForce(); }
 
 bool IsIdentifier(const std::string& token) {
-    if (token.empty()) return false;
-    const auto c = static_cast<unsigned char>(token[0]);
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c >= 128;
+    return !token.empty() && IsLetterByte(token[0]);
 }
 
 void FailUnknownName(const Walk& walk, const std::string& name) {

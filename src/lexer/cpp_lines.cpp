@@ -1,26 +1,23 @@
 #include "lexer/cpp_lines.h"
 
 #include "lexer/lexer.h"
+#include "lexer/token_text.h"
 
 namespace {
-
-bool IsWordPart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
 
 // The word behind "#".
 std::string_view DirectiveWord(std::string_view line) {
     std::size_t begin = line.find_first_not_of(" \t", line.find('#') + 1);
     if (begin == std::string_view::npos) return {};
     std::size_t end = begin;
-    while (end < line.size() && IsWordPart(line[end])) ++end;
+    while (end < line.size() && IsNameByte(line[end])) ++end;
     return line.substr(begin, end - begin);
 }
 
 // Whether the quote begins a raw string: R", uR", u8R", UR", LR".
 bool IsRaw(std::string_view line, std::size_t quote) {
     std::size_t begin = quote;
-    while (begin > 0 && IsWordPart(line[begin - 1])) --begin;
+    while (begin > 0 && IsNameByte(line[begin - 1])) --begin;
     const std::string_view prefix = line.substr(begin, quote - begin);
     return prefix == "R" || prefix == "uR" || prefix == "u8R" || prefix == "UR" || prefix == "LR";
 }

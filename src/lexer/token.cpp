@@ -1,6 +1,8 @@
 #include "lexer/token.h"
 #include "driver/run.h"
 
+#include "lexer/token_text.h"
+
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -8,18 +10,12 @@
 
 namespace {
 
-bool IsSign(char c) {
-    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    const bool digit = c >= '0' && c <= '9';
-    return !letter && !digit && static_cast<unsigned char>(c) < 128;
-}
-
 Word MakeWord(std::string_view text, std::size_t id) {
     Word word;
     word.id = static_cast<std::uint32_t>(id);
     word.text = text;
     word.keyword = FindKeyword(text);
-    if (text.size() == 1 && IsSign(text[0])) word.sign = text[0];
+    if (text.size() == 1 && !IsNameByte(text[0])) word.sign = text[0];
     return word;
 }
 

@@ -9,6 +9,15 @@ inline bool Is(std::string_view token, std::string_view text) { return token == 
 // The ASCII letter in lower case; any other byte as it is.
 inline char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+// Whether the byte may be part of a name; those beyond ASCII belong to letters.
+inline bool IsNameByte(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           static_cast<unsigned char>(c) >= 128;
+}
+
+// Whether a name may begin with the byte.
+inline bool IsLetterByte(char c) { return IsNameByte(c) && !(c >= '0' && c <= '9'); }
+
 // Whether the token is the word in any letter case; the word is given in lower case.
 inline bool IsWord(std::string_view token, std::string_view word) {
     if (token.size() != word.size()) return false;

@@ -46,14 +46,6 @@ std::string Unquoted(const std::string& token) {
     return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
 }
 
-bool IsName(const std::string& token) {
-    if (token.empty() || (token[0] >= '0' && token[0] <= '9')) return false;
-    for (const char c : Lower(token)) {
-        if (!(c >= 'a' && c <= 'z') && !(c >= '0' && c <= '9') && c != '_') return false;
-    }
-    return true;
-}
-
 // A type name behind ":". The lexer cuts "void*" and "Int[]" into pieces that belong together.
 std::string TakeTypeName(Cursor& line) {
     std::string type = line.Take();

@@ -8,19 +8,13 @@
 #include "lexer/lexer.h"
 #include "lexer/token_span.h"
 #include "precalc/table_functions.h"
+#include "symbols/identifiers.h"
 
 namespace {
 
 constexpr int deepestNesting = 500;  // of parentheses, calls, indices and signs
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool IsName(const std::string& token) {
-    if (token.empty() || IsDigit(token[0])) return false;
-    return std::all_of(token.begin(), token.end(), [](char c) {
-        return c == '_' || IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c & 0x80) != 0;
-    });
-}
 
 // A number token: digits with a point or an exponent, or "$" and hexadecimal digits.
 bool ReadNumber(const std::string& token, double& value) {

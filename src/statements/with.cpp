@@ -11,21 +11,17 @@ namespace {
 std::vector<Tokens> withStack;
 const PartOfRun partOfRun(withStack);
 
-bool IsWordChar(char c) {
-    return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 // Whether `its` stands at `at` as a word of its own.
 bool ItsAt(const std::string& text, std::size_t at) {
     if (!IsWord(text.substr(at, 3), "its")) return false;
-    return (at == 0 || !IsWordChar(text[at - 1])) && (at + 3 >= text.size() || !IsWordChar(text[at + 3]));
+    return (at == 0 || !IsNameByte(text[at - 1])) && (at + 3 >= text.size() || !IsNameByte(text[at + 3]));
 }
 
 // The tokens as they may have been written: words stand apart.
 std::string Spelling(TokenSpan tokens) {
     std::string text;
     for (const std::string& token : tokens) {
-        if (!text.empty() && IsWordChar(text.back()) && IsWordChar(token[0])) text += ' ';
+        if (!text.empty() && IsNameByte(text.back()) && IsNameByte(token[0])) text += ' ';
         text += token;
     }
     return text;

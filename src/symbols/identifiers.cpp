@@ -10,6 +10,7 @@
 #include "driver/report.h"
 #include "driver/run.h"
 #include "lexer/lexer.h"
+#include "symbols/name_characters.h"
 #include "symbols/symbols.h"
 
 WordLists wordLists;
@@ -115,12 +116,7 @@ void CheckFileLevelName(const std::string& name) {
     CheckCppWord(name);
 }
 
-bool IsName(const std::string& text) {
-    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    return !text.empty() && isLetter(text[0]) &&
-           std::all_of(text.begin(), text.end(), [&](char c) { return isLetter(c) || isDigit(c); });
-}
+bool IsName(const std::string& text) { return IsNameText(text); }
 
 void CheckName(const std::string& name) {
     if (IsName(name)) return;

@@ -29,7 +29,7 @@ void CheckValueWord(const std::string& name);      // only words that stand for 
 void CheckFileLevelName(const std::string& name);  // of a Global, Const, PreCalc table, Type or Element
 void CheckExternParameter(const std::string& name);  // refuses only what no parameter of C++ can be called
 
-// Ends the run unless the text is a name: letters, digits and "_", no digit first.
+// Ends the run unless the text is a name: letters of any language, digits and "_", no digit first.
 void CheckName(const std::string& name);
 bool IsName(const std::string& text);
 

@@ -22,8 +22,6 @@ struct Scanned {
 Scanned scanned;
 const PartOfRun partOfRun(scanned);
 
-bool IsLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-
 class Scanner {
 public:
     explicit Scanner(const std::string& source) : text(source) {}
@@ -79,7 +77,7 @@ private:
             return PassQuoted(c);
         }
         const std::size_t begin = at;
-        while (at < text.size() && IsLetter(text[at])) ++at;
+        while (at < text.size() && IsNameByte(text[at])) ++at;
         const std::string word = text.substr(begin, at - begin);
         if (!word.empty() && word.back() == 'R' && at < text.size() && text[at] == '"') return PassRaw();
         if (word.empty()) ++at;
@@ -130,7 +128,7 @@ bool IsAny(const std::string& token, std::initializer_list<const char*> words) {
 // Whether a token may stand in front of the name that a declaration declares.
 bool MayPrecedeName(const std::string& token) {
     if (IsAny(token, {"return", "else", "do", "throw", "case", "goto", "new", "delete"})) return false;
-    return IsLetter(token[0]) || IsAny(token, {"*", "&", ":", "<", ">", "\""});
+    return IsNameByte(token[0]) || IsAny(token, {"*", "&", ":", "<", ">", "\""});
 }
 
 // Linkage says nothing about the type.
@@ -140,7 +138,7 @@ std::string Joined(const std::vector<std::string>& tokens, std::size_t from, std
     std::string text;
     for (std::size_t i = from; i < to; ++i) {
         if (IsLinkage(tokens[i])) continue;
-        const bool apart = !text.empty() && IsLetter(text.back()) && IsLetter(tokens[i][0]);
+        const bool apart = !text.empty() && IsNameByte(text.back()) && IsNameByte(tokens[i][0]);
         text += (apart ? " " : "") + tokens[i];
     }
     return text;
@@ -153,7 +151,7 @@ std::string ParameterType(const std::vector<std::string>& tokens, std::size_t fr
                                   tokens.begin());
     const bool array = to > from + 1 && tokens[to - 1] == "]";
     if (array) to -= 2;
-    const bool named = to > from + 1 && IsLetter(tokens[to - 1][0]) && tokens[to - 2] != ":" &&
+    const bool named = to > from + 1 && IsNameByte(tokens[to - 1][0]) && tokens[to - 2] != ":" &&
                        !IsAny(tokens[to - 1], {"char", "string", "const"});
     return Joined(tokens, from, named ? to - 1 : to) + (array ? "*" : "");
 }

@@ -90,7 +90,8 @@ std::string PointerCppName(const ValueType& type) {
 }  // namespace
 
 bool HasTypeName(const std::string& name) {
-    return name.size() >= 2 && name[0] == 'T' && name[1] >= 'A' && name[1] <= 'Z';
+    if (name.size() < 2 || name[0] != 'T') return false;
+    return (name[1] >= 'A' && name[1] <= 'Z') || static_cast<unsigned char>(name[1]) >= 128;
 }
 
 bool ValueType::IsInteger() const { return IsNumber() && base != Base::Double; }

@@ -6,6 +6,7 @@
 #include "fatal.h"
 #include "lexer/source_reader.h"
 #include "scratch_folder.h"
+#include "symbols/name_characters.h"
 
 namespace {
 
@@ -166,6 +167,14 @@ TEST(SourceReader, SettlesLineEnds) {
     SourceReader reader;
     EXPECT_FALSE(reader.Open("missing"));
     EXPECT_FALSE(reader.Open(".")) << "a folder is no source";
+}
+
+TEST(Names, HoldLettersOfAnyLanguageInValidUtf8) {
+    for (const char* name : {"größe", "Ünit", "名前", "_é2", "x\u0301", "𝒳"})
+        EXPECT_TRUE(IsNameText(name)) << name;
+    for (const char* text : {"", "2é", "a“b”", "a\u00a0b", "→", "😀", "€", "\u0301x", "\u200bx", "a\xff",
+                             "\xc3", "a\xc1\xa1", "\xed\xa0\x80", "\xf0\x80\x83\xa9"})
+        EXPECT_FALSE(IsNameText(text)) << text;
 }
 
 }  // namespace
