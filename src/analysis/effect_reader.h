@@ -41,6 +41,8 @@ public:
     void ReadValue(TokenSpan tokens);
     // A variable, Field or item for what it is and not for its value: what leads to it and its indices.
     void ReadPlace(TokenSpan tokens);
+    // The same when it is changed.
+    void ReadTarget(TokenSpan tokens);
     // A name in inline C++, which may do anything to the Global or Field that it is.
     void TouchSharedName(const Word& name);
 
@@ -57,7 +59,6 @@ private:
     std::size_t ReadName(TokenSpan tokens, std::size_t at);
     void TouchOwn(const Word& name, OwnName own, bool changes);
     void TouchShared(const Word& name, bool whole, bool changes);
-    void ReadTarget(TokenSpan tokens);
     void ReadAssignment(TokenSpan tokens);
     void ReadOneLineIf(TokenSpan tokens);
     void ReadLoop(TokenSpan tokens);

@@ -145,6 +145,7 @@ EffectSet Effects(TokenSpan tokens, void (EffectReader::*read)(TokenSpan)) {
 
 EffectSet EffectsOf(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadValue); }
 EffectSet EffectsOfPlace(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadPlace); }
+EffectSet EffectsOfTarget(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadTarget); }
 
 EffectSet EffectsOfMaking(const ClassInfo& element) {
     const ReachGraph& graph = CompleteGraph();

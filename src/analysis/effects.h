@@ -13,6 +13,8 @@
 EffectSet EffectsOf(TokenSpan tokens);
 // The same for a variable, Field or item that is only looked up: its value is not read.
 EffectSet EffectsOfPlace(TokenSpan tokens);
+// The same when it is given a value.
+EffectSet EffectsOfTarget(TokenSpan tokens);
 
 // What happens when an Element comes about without a value, and what the handlers of all timers do.
 EffectSet EffectsOfMaking(const ClassInfo& element);

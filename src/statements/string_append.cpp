@@ -4,7 +4,6 @@
 
 #include "analysis/effects.h"
 #include "expressions/text_sum.h"
-#include "symbols/scopes.h"
 
 namespace {
 
@@ -17,16 +16,11 @@ bool IsPlainName(TokenSpan target) {
     return !target.empty();
 }
 
-bool IsOwnVariable(const Expr& target) {
-    return target.variable != nullptr && FindLocal(target.variable->name) == target.variable;
-}
-
-// Appending to the target.
+// Appending to the target, which may be the variable of a loop and so an item of what that walks.
 EffectSet AppendingTo(const Expr& target, bool item) {
-    const Thing thing = ThingOf(target.source.At(target.source.size() - 1));
-    EffectSet append;
-    append.changesItems = append.changesPassed = item;
-    (IsOwnVariable(target) && !item ? append.ownChanges : append.changes).push_back(thing);
+    EffectSet append = EffectsOfTarget(target.source);
+    append.changesItems = append.changesItems || item;
+    append.changesPassed = append.changesPassed || item;
     return append;
 }
 
