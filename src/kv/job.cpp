@@ -28,6 +28,11 @@ bool FindSource(const Options& options, Job& job) {
         ShowProblem(options.source + " is no file; name the main file of a program");
         return false;
     }
+    // What kvt reports of it could not be read line by line.
+    if (TextOf(source).find_first_of("\r\n") != std::string::npos) {
+        ShowProblem("a source cannot have a line break in its name, nor in that of its folder; rename it");
+        return false;
+    }
     job.source = TextOf(source.lexically_normal());
     job.sourceFolder = TextOf(source.lexically_normal().parent_path());
     return true;
