@@ -45,17 +45,6 @@ const SharedName* FindShared(const Word& name) {
 
 bool IsAccessor(char sign) { return sign == '\\' || sign == '.'; }
 
-// Position behind what the bracket at `open` encloses.
-std::size_t Behind(TokenSpan tokens, std::size_t open) {
-    int depth = 0;
-    for (std::size_t i = open; i < tokens.size(); ++i) {
-        const char sign = tokens.SignAt(i);
-        if (sign == '(' || sign == '[') ++depth;
-        if ((sign == ')' || sign == ']') && --depth == 0) return i + 1;
-    }
-    return tokens.size();
-}
-
 // Whether the "=" at the position is no part of "<=", ">=", "!=" or "==".
 bool IsLoneEquals(TokenSpan tokens, std::size_t at) {
     if (tokens.SignAt(at) != '=' || tokens.SignAt(at + 1) == '=') return false;
@@ -66,11 +55,8 @@ bool IsLoneEquals(TokenSpan tokens, std::size_t at) {
 // Position of the last name outside of brackets; the number of tokens without one.
 std::size_t LastName(TokenSpan tokens) {
     std::size_t last = tokens.size();
-    for (std::size_t i = 0; i < tokens.size();) {
-        const char sign = tokens.SignAt(i);
+    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i))
         if (IsLetterByte(tokens[i][0])) last = i;
-        i = sign == '[' || sign == '(' ? Behind(tokens, i) : i + 1;
-    }
     return last;
 }
 
@@ -102,7 +88,7 @@ void AddParameters(const Routine& routine, OwnNames& names) {
 }
 
 void AddLocals(TokenSpan statement, OwnNames& names) {
-    for (TokenSpan declaration : SplitList(statement.From(1))) {
+    for (TokenSpan declaration : statement.From(1).SplitAt(',')) {
         if (declaration.KeywordAt(0) == Keyword::Local) declaration = declaration.From(1);
         if (!declaration.empty()) names[&declaration.At(0)] = KindOfLocal(declaration);
     }
@@ -201,7 +187,7 @@ void EffectReader::ReadWord(TokenSpan tokens, std::size_t at) {
         case Keyword::SeqBefore:
         case Keyword::SeqRemoveFirst:
         case Keyword::SeqRemoveLast:
-            if (tokens.SignAt(at + 1) == '(') ReadTarget(tokens.Slice(at + 2, Behind(tokens, at + 1) - 1));
+            if (tokens.SignAt(at + 1) == '(') ReadTarget(tokens.Inside(at + 1));
             return;
         default:
             break;
@@ -246,13 +232,10 @@ void EffectReader::ReadTarget(TokenSpan tokens) {
 
 void EffectReader::ReadAssignment(TokenSpan tokens) {
     std::size_t begin = 0;
-    for (std::size_t i = 0; i < tokens.size();) {
-        const char sign = tokens.SignAt(i);
-        if (IsLoneEquals(tokens, i)) {
-            ReadTarget(tokens.Slice(begin, i));
-            begin = i + 1;
-        }
-        i = sign == '[' || sign == '(' ? Behind(tokens, i) : i + 1;
+    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
+        if (!IsLoneEquals(tokens, i)) continue;
+        ReadTarget(tokens.Slice(begin, i));
+        begin = i + 1;
     }
     ReadValue(tokens.From(begin));
 }
@@ -282,9 +265,7 @@ void EffectReader::ReadLoop(TokenSpan tokens) {
 
 // The first arguments of a statement are changed.
 void EffectReader::ReadTargets(TokenSpan tokens, std::size_t count) {
-    TokenSpan rest = tokens.From(1);
-    if (rest.SignAt(0) == '(' && Behind(rest, 0) == rest.size()) rest = rest.Slice(1, rest.size() - 1);
-    for (const TokenSpan argument : SplitList(rest)) {
+    for (const TokenSpan argument : tokens.From(1).WithoutParentheses().SplitAt(',')) {
         if (count > 0) {
             ReadTarget(argument);
             --count;
@@ -313,7 +294,7 @@ void EffectReader::ReadStatement(TokenSpan tokens) {
         case Keyword::Const:
         case Keyword::Field:
         case Keyword::Global:
-            for (const TokenSpan declaration : SplitList(tokens.From(1))) ReadValue(declaration.From(1));
+            for (const TokenSpan declaration : tokens.From(1).SplitAt(',')) ReadValue(declaration.From(1));
             return;
         case Keyword::Print:
         case Keyword::End:

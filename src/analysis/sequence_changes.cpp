@@ -51,12 +51,9 @@ void AddChange(int node, const std::string& name) {
 void ReadTarget(int node, TokenSpan tokens, std::size_t from) {
     if (tokens.SignAt(from) == '(') ++from;
     std::size_t end = from;
-    int depth = 0;
-    for (; end < tokens.size(); ++end) {
+    for (; end < tokens.size(); end = tokens.Behind(end)) {
         const char sign = tokens.SignAt(end);
-        if (sign == '(' || sign == '[') ++depth;
-        if ((sign == ')' || sign == ']') && depth-- == 0) break;
-        if (depth == 0 && (sign == ',' || sign == '|')) break;
+        if (ClosesBracket(sign) || sign == ',' || sign == '|') break;
     }
     if (end == from) return;
     const std::string& name = tokens[end - 1];

@@ -26,16 +26,6 @@ TokenSpan WithoutComment(TokenSpan tokens) {
     return tokens.Slice(0, tokens.size() - 1);
 }
 
-// "a" , "b" as in 'a', 'b'.
-std::string Listed(TokenSpan tokens) {
-    std::string list;
-    for (const std::string& token : tokens) {
-        list += list.empty() ? "'" : ", '";
-        list += token + "'";
-    }
-    return list;
-}
-
 [[noreturn]] void FailTooDeep() {
     ReportFatal("Expression too deeply nested. Give a part of it to a variable first");
 }
@@ -126,17 +116,13 @@ Expr ParseUnary(Walk& walk) {
 }
 
 Expr TranslateExpression(TokenSpan tokens, ExprMode mode) {
-    if (settings.verbose) Say(Listed(tokens));
+    if (settings.verbose) Say(tokens.empty() ? "" : "'" + tokens.Text("', '") + "'");
     return Translate(tokens, mode);
 }
 
 std::string GetExpressionType(TokenSpan tokens) {
     if (tokens.empty()) return "unknown";
-    if (settings.verbose) {
-        std::string line = "  [GetExpressionType] Tokens: ";
-        for (const std::string& token : tokens) line += "'" + token + "' ";
-        Say(line);
-    }
+    if (settings.verbose) Say("  [GetExpressionType] Tokens: '" + tokens.Text("' '") + "' ");
     const Expr expr = Translate(tokens, ExprMode::Condition);
     const std::string type = CppName(expr.type);
     if (tokens.size() >= 2 && Is(tokens[0], "Create")) {
@@ -148,20 +134,3 @@ std::string GetExpressionType(TokenSpan tokens) {
 }
 
 ValueType InferType(TokenSpan tokens) { return Translate(tokens, ExprMode::Condition).type; }
-
-std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens) {
-    std::vector<TokenSpan> parts;
-    if (tokens.empty()) return parts;
-    int open = 0;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const char sign = tokens.SignAt(i);
-        if (sign == '(' || sign == '[') ++open;
-        if (sign == ')' || sign == ']') --open;
-        if (sign != ',' || open != 0) continue;
-        parts.push_back(tokens.Slice(start, i));
-        start = i + 1;
-    }
-    parts.push_back(tokens.From(start));
-    return parts;
-}

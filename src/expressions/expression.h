@@ -74,9 +74,6 @@ std::string GetExpressionType(TokenSpan tokens);
 // Type of an initialiser, without messages in verbose mode; used for untyped declarations.
 ValueType InferType(TokenSpan tokens);
 
-// Splits at commas outside parentheses and brackets. No tokens give no parts.
-std::vector<TokenSpan> SplitAtCommas(TokenSpan tokens);
-
 // A statement that no keyword claims: assignment checks done by the caller (statements/assignments).
 // True when the tokens are a call that may stand as a statement; text gets the C++ call.
 bool TranslateCallStatement(TokenSpan tokens, std::string& text);

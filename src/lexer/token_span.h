@@ -4,10 +4,16 @@
 #include <cstddef>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lexer/token.h"
 #include "lexer/token_text.h"
+
+constexpr std::size_t noToken = static_cast<std::size_t>(-1);
+
+inline bool OpensBracket(char sign) { return sign == '(' || sign == '['; }
+inline bool ClosesBracket(char sign) { return sign == ')' || sign == ']'; }
 
 struct TokenSpan {
     const Token* first = nullptr;
@@ -64,6 +70,23 @@ struct TokenSpan {
     }
     // A list of its own with the same tokens.
     Tokens Copy() const { return {first, last}; }
+
+    // Position of the bracket that closes the one at `open`; noToken without it.
+    std::size_t Matching(std::size_t open) const;
+    // Position behind token i, or behind what it encloses when it is a bracket: for walks outside of brackets.
+    std::size_t Behind(std::size_t i) const;
+    // What the bracket at `open` encloses.
+    TokenSpan Inside(std::size_t open) const { return Slice(open + 1, Matching(open)); }
+    // The same when the "(" at the front encloses all; otherwise the window itself.
+    TokenSpan WithoutParentheses() const {
+        return SignAt(0) == '(' && Matching(0) == size() - 1 ? Inside(0) : *this;
+    }
+    // Position of the first such word from `from` on; noToken without one.
+    std::size_t Find(Keyword word, std::size_t from = 0) const;
+    // The parts between the signs that stand outside of brackets. No tokens give no parts.
+    std::vector<TokenSpan> SplitAt(char separator) const;
+    // The texts, with the separator between them.
+    std::string Text(std::string_view separator = " ") const;
 
 private:
     static const Word& Nothing() {

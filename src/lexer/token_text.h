@@ -6,6 +6,12 @@
 // Whether the token is exactly the text.
 inline bool Is(std::string_view token, std::string_view text) { return token == text; }
 
+// Whether the token is a String, and what stands between its quotes; any other token as it is.
+inline bool IsQuoted(std::string_view token) { return token.size() >= 2 && token[0] == '"'; }
+inline std::string_view Unquoted(std::string_view token) {
+    return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
+}
+
 // The ASCII letter in lower case; any other byte as it is.
 inline char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 

@@ -3,6 +3,7 @@
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "lexer/token_text.h"
 #include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
@@ -14,8 +15,7 @@ static std::string CurrentFolder() {
 std::string LinkerFlagsPath() { return StripExtension(settings.mainSource) + ".linkflags"; }
 
 void AddLinkerFlag(const std::string& token) {
-    const bool quoted = token.size() >= 2 && token[0] == '"';
-    std::string flag = quoted ? token.substr(1, token.size() - 2) : token;
+    std::string flag(Unquoted(token));
     if (flag == "-L.") flag = "-L\"" + CurrentFolder() + "\"";
     // Lines that say the same all count (linkers take some flags in pairs); a line that is read again does not.
     const std::string line = settings.currentFile + ":" + std::to_string(settings.currentLine) + ":" + flag;

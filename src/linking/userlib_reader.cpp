@@ -40,12 +40,6 @@ struct Marker {
 
 constexpr Marker markers[] = {{"%", "Int"}, {"#", "Double"}, {"!", "Double"}, {"$", "String"}};
 
-bool IsQuoted(const std::string& token) { return token.size() >= 2 && token[0] == '"'; }
-
-std::string Unquoted(const std::string& token) {
-    return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
-}
-
 // A type name behind ":". The lexer cuts "void*" and "Int[]" into pieces that belong together.
 std::string TakeTypeName(Cursor& line) {
     std::string type = line.Take();
@@ -126,7 +120,7 @@ void ReadFunction(Cursor line, const Place& place) {
     if (!line.AtEnd() && line.Peek() != "(" && line.Peek() != ":") return;  // malformed
     if (line.Accept("(")) function.parameters = TakeParameters(line);
     const bool hasAlias = line.Accept(":") && !line.AtEnd();
-    function.symbol = hasAlias ? Unquoted(line.Take()) : function.name;
+    function.symbol = hasAlias ? Unquoted(line.Take()) : std::string_view(function.name);
 
     CheckFunctionName(function.name);
     const auto cppType = [&](const std::string& type) {

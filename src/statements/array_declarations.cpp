@@ -38,7 +38,7 @@ void CheckKnownSize(long long size) {
 Size ReadSize(const Variable& array, ArrayPlace place, const std::string& written) {
     const Tokens tokens = Split(written);
     if (tokens.empty()) ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets");
-    if (SplitAtCommas(tokens).size() > 1)
+    if (TokenSpan(tokens).SplitAt(',').size() > 1)
         ReportFatal("Array declaration missing closing bracket ]\nEach dimension of array '" + array.name +
                     "' needs brackets of its own, like [3][4]");
     const std::optional<ConstantValue> known = EvaluateConstant(tokens);

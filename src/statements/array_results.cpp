@@ -66,12 +66,8 @@ void RecordResultSizes(Routine& routine, const Expr& value, bool first) {
 
 std::string CalledName(TokenSpan call) {
     std::size_t name = 0;
-    int depth = 0;
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        if (call[i] == "(" || call[i] == "[") ++depth;
-        if (call[i] == ")" || call[i] == "]") --depth;
-        if (depth == 0 && i > 0 && call[i - 1] == "\\") name = i;
-    }
+    for (std::size_t i = 0; i < call.size(); i = call.Behind(i))
+        if (call.SignAt(i) == '\\') name = i + 1;
     return call[name];
 }
 

@@ -23,12 +23,8 @@ bool IsComparisonSign(char sign) { return sign == '<' || sign == '>' || sign == 
 
 // Position of the "=" that assigns; noToken when there is none.
 std::size_t AssignmentSign(TokenSpan tokens) {
-    int depth = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const char sign = tokens.SignAt(i);
-        if (sign == '(' || sign == '[') ++depth;
-        if (sign == ')' || sign == ']') --depth;
-        if (depth > 0 || sign != '=') continue;
+    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
+        if (tokens.SignAt(i) != '=') continue;
         const bool compares =
             (i > 0 && IsComparisonSign(tokens.SignAt(i - 1))) || tokens.SignAt(i + 1) == '=';
         if (!compares) return i;
@@ -36,19 +32,12 @@ std::size_t AssignmentSign(TokenSpan tokens) {
     return noToken;
 }
 
-std::string WrittenText(TokenSpan tokens) {
-    std::string text;
-    for (const std::string& token : tokens) text += token;
-    return text;
-}
-
 void CheckTarget(TokenSpan target, const Expr& expr) {
     const std::string& name = target[0];
     if (target.size() == 1 && expr.variable != nullptr && expr.variable->isConst)
         ReportFatal("Cannot assign to const variable '" + name + "'");
     if (!expr.assignable && expr.type.IsKnown())
-        ReportFatal("Cannot assign to '" + WrittenText(target) +
-                    "': it is no variable, Field or array element");
+        ReportFatal("Cannot assign to '" + target.Text("") + "': it is no variable, Field or array element");
 }
 
 void CheckConstTarget(TokenSpan target) {
@@ -99,7 +88,7 @@ bool IsLoopVariable(const State& state, const Expr& left) {
 // An index or a call in the target comes before the value, which C++ does not warrant.
 bool FindsTargetFirst(TokenSpan target, const Expr& left, const Expr& right) {
     for (std::size_t i = 0; i < target.size(); ++i)
-        if (target.SignAt(i) == '[' || target.SignAt(i) == '(') return IsLookUpSeen(left, {right});
+        if (OpensBracket(target.SignAt(i))) return IsLookUpSeen(left, {right});
     return false;
 }
 
@@ -119,10 +108,10 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     const bool chained = right.level == Level::Assignment;
     if (chained && !Assignable(left.type, right.type)) {
         ReportFatal("Type mismatch: Cannot assign " + CppName(right.type) + " to " + CppName(left.type) +
-                    " variable '" + WrittenText(target) +
+                    " variable '" + target.Text("") +
                     "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }
-    if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, WrittenText(target));
+    if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, target.Text(""));
     const std::string told = left.type.sequence ? WalkCalls(left, "Leave", "; ") : "";
     const std::string variable = ValueText(left);
     const std::string value = TextAs(right, left.type);
@@ -161,7 +150,7 @@ void TranslateCall(State& state, TokenSpan tokens) {
     }
     std::string text;
     if (!TranslateCallStatement(tokens, text))
-        ReportFatal("'" + WrittenText(tokens) + "' is a value, not a statement");
+        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement");
     EmitLine(state, text + ";");
 }
 

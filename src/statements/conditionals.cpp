@@ -86,7 +86,7 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
             ++at;
         } else if (EndsStatement(tokens.At(at))) {
             return at;
-        } else if (tokens.KeywordAt(at) == Keyword::If && FindWord(tokens, Keyword::Then, at) != noToken) {
+        } else if (tokens.KeywordAt(at) == Keyword::If && tokens.Find(Keyword::Then, at) != noToken) {
             at = TranslateOneLineIf(state, tokens, at);
         } else {
             std::size_t end = at;
@@ -101,7 +101,7 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
 // Translates the If at `at` with all its branches and closes it, unless the EndIf at `leftOpenBy` is its own;
 // returns the index behind it.
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, std::size_t leftOpenBy) {
-    std::size_t then = FindWord(tokens, Keyword::Then, at);
+    std::size_t then = tokens.Find(Keyword::Then, at);
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
     const std::size_t depth = state.blocks.size();
@@ -122,7 +122,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
         CloseBranch(state);
         BeginBranch(state);
         if (tokens.KeywordAt(at) == Keyword::ElseIf) {
-            then = FindWord(tokens, Keyword::Then, at);
+            then = tokens.Find(Keyword::Then, at);
             if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
             OpenBranch(state, "else if", tokens.Slice(at + 1, then), "ElseIf");
             at = then + 1;
@@ -142,17 +142,6 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
     CloseBlock(state, BlockKind::If, "EndIf");
     CloseBranch(state);
     return at;
-}
-
-bool OnlySeparators(TokenSpan tokens) {
-    for (const std::string& token : tokens)
-        if (!Is(token, "|")) return false;
-    return true;
-}
-
-// A Then with nothing behind it leaves the If open.
-bool StaysOpen(TokenSpan tokens, std::size_t then) {
-    return then == noToken || OnlySeparators(tokens.From(then + 1));
 }
 
 void OpenIf(State& state, TokenSpan condition) {
@@ -175,7 +164,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at, std::size_t l
     while (at < tokens.size()) {
         if (!Is(tokens[at], "|")) RefuseMore(tokens, at);
         const std::size_t start = ++at;
-        const std::size_t then = FindWord(tokens, Keyword::Then, start);
+        const std::size_t then = tokens.Find(Keyword::Then, start);
         if (tokens.KeywordAt(start) == Keyword::If && then != noToken) {
             if (StaysOpen(tokens, then)) return OpenIf(state, tokens.Slice(start + 1, then));
             at = TranslateOneLineIf(state, tokens, start, leftOpenBy);
@@ -189,7 +178,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at, std::size_t l
 }  // namespace
 
 void TranslateIf(State& state, TokenSpan tokens) {
-    std::size_t then = FindWord(tokens, Keyword::Then);
+    std::size_t then = tokens.Find(Keyword::Then);
     if (StaysOpen(tokens, then))
         return OpenIf(state, tokens.Slice(1, then == noToken ? tokens.size() : then));
     const std::size_t leftOpenBy = LeftOpenBy(state, tokens);
@@ -200,7 +189,7 @@ void TranslateElseIf(State& state, TokenSpan tokens) {
     ContinuedIf(state, "ElseIf");
     CloseBranch(state);
     BeginBranch(state);
-    std::size_t then = FindWord(tokens, Keyword::Then);
+    const std::size_t then = tokens.Find(Keyword::Then);
     const bool alone = then == noToken || then + 1 == tokens.size();
     if (alone) PlaceComment(state);
     OpenBranch(state, "else if", tokens.Slice(1, then == noToken ? tokens.size() : then), "ElseIf");

@@ -57,9 +57,9 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
 
 Parts Cut(TokenSpan tokens, std::size_t at) {
     Parts parts;
-    std::size_t to = FindWord(tokens, Keyword::To, at);
+    std::size_t to = tokens.Find(Keyword::To, at);
     if (to == noToken) ReportFatal("Expected 'To' in For loop");
-    std::size_t step = FindWord(tokens, Keyword::Step, to);
+    std::size_t step = tokens.Find(Keyword::Step, to);
     parts.stepGiven = step != noToken;
     if (!parts.stepGiven) step = tokens.size();
     parts.start = tokens.Slice(at, to);

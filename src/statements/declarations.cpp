@@ -89,7 +89,7 @@ void TranslateDeclaration(State& state, TokenSpan tokens) {
     const DefinitionKind kind = KindOf(tokens.KeywordAt(0));
     CheckPlace(state, kind);
     if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'");
-    for (const TokenSpan& part : SplitList(tokens.From(1))) {
+    for (const TokenSpan& part : tokens.From(1).SplitAt(',')) {
         if (kind == DefinitionKind::Local)
             DeclareLocal(state, part);
         else if (kind == DefinitionKind::Field)

@@ -48,7 +48,7 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char
     header.collection = tokens.From(at + 2);
     if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop");
     for (const Keyword stray : {Keyword::To, Keyword::Step, Keyword::EachIn, Keyword::In})
-        if (FindWord(header.collection, stray) != noToken) ReportFatal("Unknown end of EachIn loop");
+        if (header.collection.Find(stray) != noToken) ReportFatal("Unknown end of EachIn loop");
     return header;
 }
 
@@ -224,7 +224,7 @@ Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
 void TranslateFor(State& state, TokenSpan tokens) {
     if (tokens.KeywordAt(1) == Keyword::Each)
         TranslateEach(state, ReadHeader(tokens, 2, Keyword::In, "Expected 'In' in For Each...In loop"));
-    else if (FindWord(tokens, Keyword::EachIn) != noToken)
+    else if (tokens.Find(Keyword::EachIn) != noToken)
         TranslateEach(state,
                       ReadHeader(tokens, 1, Keyword::EachIn, "Expected 'EachIn' in For...EachIn loop"));
     else

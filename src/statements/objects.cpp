@@ -20,7 +20,7 @@ bool StandsInAList(Keyword word) {
 //     { auto& _kvRemoved = KVL_fleet[KVL_TakeSlot ( )]; delete _kvRemoved; _kvRemoved = nullptr; }
 void TranslateRemove(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
-    const TokenSpan written = WithoutParentheses(tokens.From(1));
+    const TokenSpan written = tokens.From(1).WithoutParentheses();
     Expr object = TranslateExpression(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
         ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +

@@ -1,5 +1,6 @@
 #include "statements/open_ifs.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "statements/words.h"
@@ -19,12 +20,6 @@ bool BeginsStatement(TokenSpan tokens, std::size_t at) {
     return before == Keyword::Then || before == Keyword::Else;
 }
 
-bool OnlySeparators(TokenSpan tokens) {
-    for (std::size_t i = 0; i < tokens.size(); ++i)
-        if (tokens.SignAt(i) != '|') return false;
-    return true;
-}
-
 IfStatement ReadIfs(TokenSpan tokens) {
     IfStatement found;
     int depth = 0;
@@ -32,8 +27,8 @@ IfStatement ReadIfs(TokenSpan tokens) {
         const Keyword word = tokens.KeywordAt(at);
         if (word == Keyword::EndIf && depth > 0 && --depth == 0) found.ownEndIf = at;
         if (word != Keyword::If || !BeginsStatement(tokens, at)) continue;
-        const std::size_t then = FindWord(tokens, Keyword::Then, at);
-        found.opens = depth == 0 && (then == noToken || OnlySeparators(tokens.From(then + 1)));
+        const std::size_t then = tokens.Find(Keyword::Then, at);
+        found.opens = depth == 0 && StaysOpen(tokens, then);
         if (depth++ == 0) found.ownEndIf = noToken;
     }
     return found;
@@ -133,6 +128,12 @@ private:
 };
 
 }  // namespace
+
+bool StaysOpen(TokenSpan statement, std::size_t then) {
+    if (then == noToken) return true;
+    const TokenSpan rest = statement.From(then + 1);
+    return std::all_of(rest.begin(), rest.end(), [](const std::string& token) { return Is(token, "|"); });
+}
 
 std::size_t OwnEndIf(TokenSpan statement) { return ReadIfs(statement).ownEndIf; }
 

@@ -12,6 +12,9 @@
 // Statements by line and place in the line.
 using StatementPlaces = std::set<std::pair<int, std::size_t>>;
 
+// Whether nothing stands behind the Then at the position, which leaves the If open; noToken for an If without one.
+bool StaysOpen(TokenSpan statement, std::size_t then);
+
 // The place of the EndIf that ends the last If of the statement, not counting Ifs within Ifs; noToken when it has none.
 std::size_t OwnEndIf(TokenSpan statement);
 

@@ -21,9 +21,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
 }
 
 void CollectBodyLine(State& state, TokenSpan tokens) {
-    std::string text;
-    for (const std::string& token : tokens) text += (text.empty() ? "" : " ") + token;
-    state.preCalcBody.push_back(text);
+    state.preCalcBody.push_back(tokens.Text());
     state.preCalcBodyLines.push_back(state.currentLine);
 }
 

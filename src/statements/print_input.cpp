@@ -22,7 +22,7 @@ std::string ItemText(TokenSpan tokens, const std::string& keyword, ExprMode mode
     if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
     if (item.type.Is(Base::Byte)) return "static_cast<int>(" + ValueText(item) + ")";
     // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
-    const bool shiftsRight = item.level == Level::Shift && FindWord(tokens, Keyword::Shr) != noToken;
+    const bool shiftsRight = item.level == Level::Shift && tokens.Find(Keyword::Shr) != noToken;
     return GuardedText(item, shiftsRight ? Level::Sum : Level::Shift);
 }
 
@@ -43,12 +43,8 @@ std::string ItemTexts(TokenSpan tokens, const std::string& keyword, ExprMode mod
     TraceTokens(tokens);
     std::string texts;
     std::size_t start = 0, items = 0;
-    int depth = 0;
-    for (std::size_t i = 0; i <= tokens.size(); ++i) {
-        const std::string& token = tokens[i];
-        if (Is(token, "(") || Is(token, "[")) ++depth;
-        if ((Is(token, ")") || Is(token, "]")) && depth > 0) --depth;
-        bool separator = i == tokens.size() || (Is(token, "&") && depth == 0 && !Is(tokens[i + 1], "&"));
+    for (std::size_t i = 0; i <= tokens.size(); i = tokens.Behind(i)) {
+        bool separator = i == tokens.size() || (tokens.SignAt(i) == '&' && tokens.SignAt(i + 1) != '&');
         if (!separator) continue;
         LimitParts(++items);
         texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword, mode);
@@ -121,12 +117,8 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
 
 // Index of the comma behind the prompt, which is at least one token long.
 std::size_t CommaBehindPrompt(TokenSpan tokens) {
-    int depth = Is(tokens[1], "(") || Is(tokens[1], "[") ? 1 : 0;
-    for (std::size_t i = 2; i < tokens.size(); ++i) {
-        if (Is(tokens[i], "(") || Is(tokens[i], "[")) ++depth;
-        if (Is(tokens[i], ")") || Is(tokens[i], "]")) --depth;
-        if (Is(tokens[i], ",") && depth <= 0) return i;
-    }
+    for (std::size_t i = tokens.Behind(1); i < tokens.size(); i = tokens.Behind(i))
+        if (tokens.SignAt(i) == ',') return i;
     return noToken;
 }
 

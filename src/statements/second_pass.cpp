@@ -13,7 +13,7 @@
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {
-    if (settings.traceMode) state.traceText = JoinTokens(tokens) + " ";
+    if (settings.traceMode) state.traceText = tokens.Text() + " ";
     if (!MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);
         return;

@@ -151,7 +151,7 @@ void TranslateCase(State& state, TokenSpan tokens) {
     if (tokens.KeywordAt(1) == Keyword::Else)
         ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
     EndCase(state, select);
-    for (TokenSpan part : SplitAtCommas(tokens.From(1))) {
+    for (TokenSpan part : tokens.From(1).SplitAt(',')) {
         std::string label = LabelText(select, part);
         if (select.byIndex) {
             select.labelTexts += (select.labelTexts.empty() ? "" : ", ") + label;

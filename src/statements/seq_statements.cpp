@@ -212,7 +212,7 @@ void TellWalksBefore(State& state, const Expr& sequence, const Row& row) {
 void TranslateSeqStatement(State& state, TokenSpan tokens) {
     const std::string& keyword = tokens[0];
     const Row& row = RowOf(keyword);
-    std::vector<TokenSpan> parts = SplitAtCommas(WithoutParentheses(tokens.From(1)));
+    std::vector<TokenSpan> parts = tokens.From(1).WithoutParentheses().SplitAt(',');
     if (parts.empty() || parts[0].empty()) ReportFatal("'" + keyword + "' requires a Sequence argument");
     const bool sorts = IsWord(keyword, "seqsort");
     Expr sequence = SequenceArgument(parts[0], row, keyword);

@@ -12,7 +12,7 @@ bool AreEqual(TokenSpan a, TokenSpan b) { return std::equal(a.first, a.last, b.f
 // A variable or a Field; what brackets hold would be worked out less often.
 bool IsPlainName(TokenSpan target) {
     for (std::size_t i = 0; i < target.size(); ++i)
-        if (target.SignAt(i) == '(' || target.SignAt(i) == '[') return false;
+        if (OpensBracket(target.SignAt(i))) return false;
     return !target.empty();
 }
 

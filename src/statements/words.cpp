@@ -2,22 +2,6 @@
 
 #include "driver/report.h"
 
-std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from) {
-    for (std::size_t i = from; i < tokens.size(); ++i)
-        if (tokens.KeywordAt(i) == word) return i;
-    return noToken;
-}
-
-TokenSpan WithoutParentheses(TokenSpan tokens) {
-    if (!Is(tokens[0], "(")) return tokens;
-    int depth = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (Is(tokens[i], "(")) ++depth;
-        if (Is(tokens[i], ")") && --depth == 0) return i + 1 == tokens.size() ? tokens.Slice(1, i) : tokens;
-    }
-    return tokens;
-}
-
 void RefuseMore(TokenSpan tokens, std::size_t from) {
     if (tokens.size() > from)
         ReportFatal("Unexpected '" + tokens[from] + "' after '" + tokens[from > 0 ? from - 1 : 0] + "'");

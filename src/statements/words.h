@@ -6,14 +6,6 @@
 #include "expressions/expression.h"
 #include "lexer/token_span.h"
 
-constexpr std::size_t noToken = static_cast<std::size_t>(-1);
-
-// Index of the first token from `from` on that is the word; noToken when there is none.
-std::size_t FindWord(TokenSpan tokens, Keyword word, std::size_t from = 0);
-
-// The tokens between the outermost parentheses when they enclose everything.
-TokenSpan WithoutParentheses(TokenSpan tokens);
-
 // Ends the run when the statement has a token at index `from`.
 void RefuseMore(TokenSpan tokens, std::size_t from);
 

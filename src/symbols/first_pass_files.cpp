@@ -13,12 +13,6 @@
 
 namespace {
 
-bool IsQuoted(const std::string& token) { return token.size() >= 2 && token.front() == '"'; }
-
-std::string Unquoted(const std::string& token) {
-    return IsQuoted(token) ? token.substr(1, token.size() - 2) : token;
-}
-
 bool IsProcessed(const std::string& name) { return symbols.processedNames.count(name) != 0; }
 
 bool FileExists(const std::string& path) {
@@ -31,7 +25,7 @@ void SkipDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicat
 }  // namespace
 
 void CollectImport(FirstPass&, TokenSpan tokens) {
-    const std::string name = Unquoted(tokens[1]);
+    const std::string name(Unquoted(tokens[1]));
     if (IsProcessed(name)) {
         VerboseNote("  - Skipping duplicate import: " + name);
         return;
@@ -46,7 +40,7 @@ void CollectLinker(FirstPass&, TokenSpan tokens) { AddLinkerFlag(tokens[1]); }
 
 void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     if (!IsQuoted(tokens[1])) return;
-    const std::string quoted = Unquoted(tokens[1]);
+    const std::string quoted(Unquoted(tokens[1]));
     pass.out.includes.push_back(quoted);
     if (IsProcessed(quoted)) return SkipDuplicate(quoted);
     const IncludeName name = SplitIncludeName(quoted);

@@ -104,11 +104,11 @@ Variable ReadDeclaration(const FirstPass& pass, TokenSpan tokens) {
 }
 
 void CollectGlobal(FirstPass& pass, TokenSpan tokens) {
-    for (const TokenSpan& part : SplitList(tokens.From(1))) Collect(pass, part, globalKind);
+    for (const TokenSpan& part : tokens.From(1).SplitAt(',')) Collect(pass, part, globalKind);
 }
 
 void CollectConst(FirstPass& pass, TokenSpan tokens) {
-    for (const TokenSpan& part : SplitList(tokens.From(1))) Collect(pass, part, constKind);
+    for (const TokenSpan& part : tokens.From(1).SplitAt(',')) Collect(pass, part, constKind);
 }
 
 // PreCalc name : type [ size ] [ size ] ...; malformed ones are reported where the block is evaluated.

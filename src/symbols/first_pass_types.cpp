@@ -162,7 +162,7 @@ void CollectEndClass(FirstPass& pass, TokenSpan) {
 
 void CollectField(FirstPass& pass, TokenSpan tokens) {
     if (!pass.inType) ReportFatal("Syntax error: 'Field' can only be declared inside a Type");
-    for (const TokenSpan& part : SplitList(tokens.From(1))) AddField(pass, part);
+    for (const TokenSpan& part : tokens.From(1).SplitAt(',')) AddField(pass, part);
 }
 
 void CollectMethod(FirstPass& pass, TokenSpan tokens) {

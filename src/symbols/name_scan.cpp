@@ -73,8 +73,8 @@ private:
         const Keyword keyword = tokens.KeywordAt(0);
         if (keyword == Keyword::Type || keyword == Keyword::Element) {
             AddClass(tokens[1], keyword == Keyword::Element, path, line);
-        } else if (keyword == Keyword::Include && tokens[1].size() >= 2 && tokens[1][0] == '"') {
-            included.push_back(tokens[1].substr(1, tokens[1].size() - 2));
+        } else if (keyword == Keyword::Include && IsQuoted(tokens[1])) {
+            included.emplace_back(Unquoted(tokens[1]));
         }
     }
 

@@ -29,14 +29,9 @@ std::size_t ReadResult(TokenSpan tokens, std::size_t at, Routine& routine) {
 std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) {
     if (!Is(tokens[at], "=")) return at;
     parameter.hasDefault = true;
-    int depth = 0;
-    for (++at; at < tokens.size(); ++at) {
-        const std::string& token = tokens[at];
-        if (depth == 0 && (Is(token, ",") || Is(token, ")"))) break;
-        if (Is(token, "(") || Is(token, "[")) ++depth;
-        if (Is(token, ")") || Is(token, "]")) --depth;
-        parameter.defaultValue.push_back(tokens.At(at));
-    }
+    const std::size_t begin = ++at;
+    while (at < tokens.size() && tokens.SignAt(at) != ',' && tokens.SignAt(at) != ')') at = tokens.Behind(at);
+    parameter.defaultValue = tokens.Slice(begin, at).Copy();
     return at;
 }
 

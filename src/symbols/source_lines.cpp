@@ -99,9 +99,3 @@ std::string FileId(const std::string& path) {
     if (IsNormal(path)) return path;
     return GenericTextOf(PathOf(path).lexically_normal());
 }
-
-std::string JoinTokens(TokenSpan tokens) {
-    std::string text;
-    for (const std::string& token : tokens) text += (text.empty() ? "" : " ") + token;
-    return text;
-}

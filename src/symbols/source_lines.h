@@ -63,6 +63,3 @@ private:
 
 // Tells whether two paths mean the same file, by their text.
 std::string FileId(const std::string& path);
-
-// Text of tokens joined by single blanks.
-std::string JoinTokens(TokenSpan tokens);

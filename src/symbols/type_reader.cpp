@@ -10,19 +10,6 @@ namespace {
 
 constexpr int mostDimensions = 16;  // with 30 a C++ compiler works for minutes
 
-bool IsOpener(char sign) { return sign == '(' || sign == '['; }
-bool IsCloser(char sign) { return sign == ')' || sign == ']'; }
-
-// Position of the "]" that closes the group opened at `at`.
-std::size_t ClosingBracket(TokenSpan tokens, std::size_t at) {
-    int depth = 0;
-    for (std::size_t i = at; i < tokens.size(); ++i) {
-        if (Is(tokens[i], "[")) ++depth;
-        if (Is(tokens[i], "]") && --depth == 0) return i;
-    }
-    ReportFatal("Array declaration missing closing bracket ]");
-}
-
 ValueType ParseSequenceItem(const std::string& name) {
     const std::string lower = Lower(name);
     for (const char* allowed : {"int", "double", "string", "byte", "short", "long", "bool"}) {
@@ -78,8 +65,9 @@ TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
 void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
     note.end = at;
     while (Is(tokens[note.end], "[")) {
-        const std::size_t close = ClosingBracket(tokens, note.end);
-        note.sizes.push_back(JoinTokens(tokens.Slice(note.end + 1, close)));
+        const std::size_t close = tokens.Matching(note.end);
+        if (close == noToken) ReportFatal("Array declaration missing closing bracket ]");
+        note.sizes.push_back(tokens.Inside(note.end).Text());
         if (++note.type.dims > mostDimensions)
             ReportFatal("Arrays cannot have more than " + std::to_string(mostDimensions) +
                         " dimensions. Use one and work its index out");
@@ -90,19 +78,3 @@ void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
 TypeNote ReadType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, false); }
 
 TypeNote ReadResultType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, true); }
-
-std::vector<TokenSpan> SplitList(TokenSpan tokens) {
-    std::vector<TokenSpan> parts;
-    int depth = 0;
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const char sign = tokens.SignAt(i);
-        if (IsOpener(sign)) ++depth;
-        if (IsCloser(sign)) --depth;
-        if (depth > 0 || sign != ',') continue;
-        parts.push_back(tokens.Slice(begin, i));
-        begin = i + 1;
-    }
-    if (!tokens.empty()) parts.push_back(tokens.Slice(begin, tokens.size()));
-    return parts;
-}

@@ -24,6 +24,3 @@ TypeNote ReadResultType(TokenSpan tokens, std::size_t at);
 
 // Reads the "[size]" groups from `at` on, adding to sizes and dimensions; note.end moves behind them.
 void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note);
-
-// Splits at commas outside brackets of any kind. No tokens give no parts.
-std::vector<TokenSpan> SplitList(TokenSpan tokens);
