@@ -73,7 +73,8 @@ void FailOnErrorStream(const std::string& lines) {
 
 void ReportNoMemory() {
     std::fputs("Error: Not enough memory\nFile: ", stdout);
-    std::fputs(settings.currentFile.c_str(), stdout);
+    const bool begun = !settings.currentFile.empty();
+    std::fputs((begun ? settings.currentFile : settings.mainSource).c_str(), stdout);
     std::fprintf(stdout, "\nLine: %d\n\n", settings.currentLine);
     std::fflush(stdout);
     std::_Exit(1);  // whatever else is to be done needs memory, too

@@ -78,7 +78,7 @@ ValueType InferType(TokenSpan tokens);
 // True when the tokens are a call that may stand as a statement; text gets the C++ call.
 bool TranslateCallStatement(TokenSpan tokens, std::string& text);
 
-// Ends the run when an expression, a text with holes or a line to print has more parts than C++ compilers stand.
+// Ends the run when an expression or a line to print has more parts than C++ compilers stand.
 void LimitParts(std::size_t count);
 
 // Translates a string token (with its quotes): escapes and interpolation.

@@ -4,6 +4,7 @@
 
 #include "analysis/effects.h"
 #include "driver/report.h"
+#include "expressions/text_sum.h"
 #include "expressions/walk.h"
 #include "lexer/holes.h"
 #include "lexer/lexer.h"
@@ -125,28 +126,29 @@ bool HolesNeedOrder(const std::vector<StringPiece>& pieces) {
 //     (std::string("n is ") + std::to_string(KVL_n))
 // C++ warrants the order of what stands between braces only:
 //     (__kvText({"n is ", std::to_string(KVL_Next ( ))}))
-std::string SumOf(const std::vector<std::string>& texts, bool inOrder) {
-    if (inOrder) RequireSupport(Support::TextInOrder);
-    std::string text = inOrder ? "(__kvText({" : "(std::string(";
-    const char* separator = inOrder ? ", " : " + ";
+std::string SumOf(const std::vector<std::string>& texts, bool braces) {
+    if (braces) RequireSupport(Support::TextInOrder);
+    std::string text = braces ? "(__kvText({" : "(std::string(";
+    const char* separator = braces ? ", " : " + ";
     for (std::size_t i = 0; i < texts.size(); ++i) {
         if (i > 0) text += separator;
         text += texts[i];
-        if (i == 0 && !inOrder) text += ')';
+        if (i == 0 && !braces) text += ')';
     }
-    return text + (inOrder ? "}))" : ")");
+    return text + (braces ? "}))" : ")");
 }
 
 std::string Interpolated(const std::string& token, const std::vector<StringPiece>& pieces) {
     std::vector<std::string> texts;
     const std::size_t calls = callCount;
-    LimitParts(pieces.size());
+    TextSum::Limit(pieces.size());
     for (const StringPiece& piece : pieces) {
         if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
         const bool hole = piece.kind == StringPiece::Kind::Hole;
         texts.push_back(hole ? HoleText(piece) : Literal(token, piece.from, piece.to));
     }
-    return SumOf(texts, callCount != calls && HolesNeedOrder(pieces));
+    const bool inOrder = callCount != calls && HolesNeedOrder(pieces);
+    return SumOf(texts, inOrder || texts.size() > TextSum::many);
 }
 
 }  // namespace

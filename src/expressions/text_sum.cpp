@@ -1,7 +1,15 @@
 #include "expressions/text_sum.h"
 
 #include "analysis/effects.h"
+#include "driver/report.h"
 #include "prelude/support.h"
+
+void TextSum::Limit(std::size_t count) {
+    constexpr std::size_t most = 1000;
+    if (count > most)
+        ReportFatal("Expression joins more than " + std::to_string(most) +
+                    " Strings. Spread them over several statements");
+}
 
 void TextSum::Add(Expr operand) {
     Part part;
@@ -11,6 +19,7 @@ void TextSum::Add(Expr operand) {
     part.source = operand.source;
     part.effects = operand.effects;
     parts.push_back(std::move(part));
+    Limit(parts.size());
     if (!watched && operand.effects) {
         watched = true;
         for (std::size_t i = 0; i + 1 < parts.size(); ++i) Watch(i);
@@ -32,17 +41,19 @@ void TextSum::Watch(std::size_t at) {
 
 Expr TextSum::Close() const {
     Expr sum;
-    if (to > 0) RequireSupport(Support::TextInOrder);
+    const bool flat = parts.size() > many;
+    const std::size_t open = flat ? 0 : from, end = flat ? parts.size() : to;
+    if (end > 0) RequireSupport(Support::TextInOrder);
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        const bool inside = i >= from && i < to;
-        if (i > 0) sum.text += inside && i > from ? ", " : " + ";
-        if (inside && i == from) sum.text += "__kvText({";
+        const bool inside = i >= open && i < end;
+        if (i > 0) sum.text += inside && i > open ? ", " : " + ";
+        if (inside && i == open) sum.text += "__kvText({";
         // C++ cannot add two literals.
         const bool bare = i == 0 && parts.size() > 1 && parts[0].literal && parts[1].literal && !inside;
         sum.text += bare ? "std::string(" + parts[i].text + ")" : parts[i].text;
-        if (inside && i + 1 == to) sum.text += "})";
+        if (inside && i + 1 == end) sum.text += "})";
     }
     sum.type = Single(Base::String);
-    sum.level = from == 0 && to == parts.size() ? Level::Primary : Level::Sum;
+    sum.level = open == 0 && end == parts.size() ? Level::Primary : Level::Sum;
     return sum;
 }

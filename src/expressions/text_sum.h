@@ -25,6 +25,10 @@ struct TextSum {
     };
     std::vector<Part> parts;
     std::size_t from = 0, to = 0;  // the parts between braces; none when both are 0
+    // With so many parts all stand between braces: a C++ compiler needs minutes for a thousand "+".
+    static constexpr std::size_t many = 200;
+    // Ends the run when the Strings are more than a C++ compiler joins without using up all memory.
+    static void Limit(std::size_t count);
 
 private:
     bool watched = false;  // one of the parts runs code

@@ -35,6 +35,7 @@ bool Notices(const TextSum::Part& part, const EffectSet& append, TokenSpan targe
 std::string AppendStatement(const Expr& target, const Expr& value, bool item) {
     if (value.sum == nullptr || value.sum->to > 0 || !IsPlainName(target.source)) return {};
     const std::vector<TextSum::Part>& parts = value.sum->parts;
+    if (parts.size() > TextSum::many) return {};
     if (!AreEqual(parts[0].source, target.source)) return {};
     const EffectSet append = AppendingTo(target, item);
     std::string text = ValueText(target);
