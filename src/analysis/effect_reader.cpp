@@ -285,11 +285,12 @@ void EffectReader::ReadStatement(TokenSpan tokens) {
             return ReadLoop(tokens);
         case Keyword::While:
         case Keyword::Until:
-        case Keyword::Select:
         case Keyword::Case:
         case Keyword::Return:
         case Keyword::With:
             return ReadValue(tokens.From(1));
+        case Keyword::Select:
+            return ReadAssignment(tokens.From(1));
         case Keyword::Local:
         case Keyword::Const:
         case Keyword::Field:

@@ -39,6 +39,8 @@ public:
 
     void ReadStatement(TokenSpan tokens);
     void ReadValue(TokenSpan tokens);
+    // What each "=" outside of brackets assigns, and the value behind the last one.
+    void ReadAssignment(TokenSpan tokens);
     // A variable, Field or item for what it is and not for its value: what leads to it and its indices.
     void ReadPlace(TokenSpan tokens);
     // The same when it is changed.
@@ -59,7 +61,6 @@ private:
     std::size_t ReadName(TokenSpan tokens, std::size_t at);
     void TouchOwn(const Word& name, OwnName own, bool changes);
     void TouchShared(const Word& name, bool whole, bool changes);
-    void ReadAssignment(TokenSpan tokens);
     void ReadOneLineIf(TokenSpan tokens);
     void ReadLoop(TokenSpan tokens);
     void ReadTargets(TokenSpan tokens, std::size_t count);

@@ -144,6 +144,7 @@ EffectSet Effects(TokenSpan tokens, void (EffectReader::*read)(TokenSpan)) {
 }  // namespace
 
 EffectSet EffectsOf(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadValue); }
+EffectSet EffectsOfAssigned(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadAssignment); }
 EffectSet EffectsOfPlace(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadPlace); }
 EffectSet EffectsOfTarget(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadTarget); }
 

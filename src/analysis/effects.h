@@ -11,6 +11,8 @@
 // What the tokens of an expression of the open routine read and change, with all that they may call. The first
 // question reads all files of the program once. Before all declarations are known it is nothing.
 EffectSet EffectsOf(TokenSpan tokens);
+// The same for a value that may assign on its way: a[First()] = b = 1.
+EffectSet EffectsOfAssigned(TokenSpan tokens);
 // The same for a variable, Field or item that is only looked up: its value is not read.
 EffectSet EffectsOfPlace(TokenSpan tokens);
 // The same when it is given a value.

@@ -51,10 +51,13 @@ bool IsOrderSeen(const std::vector<const Expr*>& expressions) {
 
 bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others) {
     bool effects = place.effects;
-    for (const Expr& other : others) effects = effects || other.effects;
+    for (const Expr& other : others) effects = effects || other.effects || other.level == Level::Assignment;
     if (!effects) return false;
     std::vector<EffectSet> pieces = {EffectsOfPlace(place.source)};
-    for (const Expr& other : others) pieces.push_back(EffectsOf(other.source));
+    for (const Expr& other : others) {
+        const bool assigns = other.level == Level::Assignment;
+        pieces.push_back(assigns ? EffectsOfAssigned(other.source) : EffectsOf(other.source));
+    }
     return OrderCanBeSeen(pieces);
 }
 

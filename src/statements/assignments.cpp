@@ -100,7 +100,8 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     const Expr left = TranslateExpression(target, ExprMode::Condition);
     CheckTarget(target, left);
     if (settings.verbose) GetExpressionType(assigned);
-    const Expr right = TranslateExpression(assigned, ExprMode::Statement);
+    Expr right = TranslateExpression(assigned, ExprMode::Statement);
+    right.source = assigned;
     if (left.type.IsArray() && right.type.IsArray()) {
         AssignArrayResult(state, left, right);
         return;
