@@ -29,10 +29,7 @@ struct Facts {
 Facts facts;
 const PartOfRun partOfRun(facts);
 
-bool IsName(const Word& word) {
-    const char c = word.text.empty() ? '\0' : word.text[0];
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || (c & '\x80') != 0;
-}
+bool IsName(const Word& word) { return !word.text.empty() && IsLetterByte(word.text[0]); }
 
 void HandOn(const Word& name, int count) {
     const auto known = facts.indices.emplace(&name, count).first;
@@ -52,16 +49,6 @@ bool SomeRoutineTakesBools() {
         for (const auto& method : cls->routines)
             if (TakesBools(method.second)) return true;
     return false;
-}
-
-// The place behind the brackets at `at`.
-std::size_t BehindBrackets(TokenSpan tokens, std::size_t at) {
-    int depth = 0;
-    for (; at < tokens.size(); ++at) {
-        if (tokens.SignAt(at) == '[') ++depth;
-        if (tokens.SignAt(at) == ']' && --depth == 0) return at + 1;
-    }
-    return at;
 }
 
 // Where a name stands that may be an argument: behind a bracket, a comma, the accessor of a member, or the name
@@ -91,7 +78,7 @@ void ReadArguments(TokenSpan tokens) {
         if (!IsName(tokens.At(i)) || !MayBeginArgument(tokens, i)) continue;
         int count = 0;
         std::size_t end = i + 1;
-        for (; tokens.SignAt(end) == '['; ++count) end = BehindBrackets(tokens, end);
+        for (; tokens.SignAt(end) == '['; ++count) end = tokens.Behind(end);
         if (MayEndArgument(tokens.At(end)) && !IsCopiedFrom(tokens, end)) HandOn(tokens.At(i), count);
     }
 }
