@@ -8,12 +8,10 @@
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "driver/word_lists.h"
+#include "library/phases.h"
 #include "linking/deploy.h"
 #include "linking/linker_flags.h"
 #include "statements/program.h"
-#include "statements/translate.h"
-#include "symbols/scopes.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -41,13 +39,6 @@ void CheckRequiredArguments() {
     if (settings.outputPath.empty()) ReportFatal("No output directory specified!");
 }
 
-void CheckMainFunction() {
-    if (HasMainFunction()) return;
-    ReportFatal(
-        "Error: No 'Main' function found. Every Korvel program must have a Main function as the entry "
-        "point.");
-}
-
 // The flags go beside the main source; the user gets the command that builds the executable.
 void WriteLinkerFlags() {
     if (symbols.linkerFlags.empty()) return;
@@ -71,14 +62,10 @@ void RecordExecutable() {
 }
 
 void Translate() {
-    PushRoutineScope();
-    LoadWordLists();
-    Say("Working on files...\n");
-    TranslateProgram(settings.mainSource);
+    RunPhases();
     WriteProgram();
     Say("");
     CheckMainFunction();
-    PopRoutineScope();
 }
 
 void Build() {
@@ -105,7 +92,7 @@ void Check() {
     CopyUserlibDLLs(settings.outputPath);  // which says what is missing
 }
 
-void RunPhases() {
+void RunSteps() {
     MoveToInstallationRoot();
     CheckRequiredArguments();
     if (settings.checkOnly)
@@ -120,7 +107,7 @@ void RunPhases() {
 
 int BuildProgram() {
     try {
-        RunPhases();
+        RunSteps();
         return 0;
     } catch (const Stop& stop) {
         SayQuoted(stop);

@@ -72,10 +72,6 @@ void PrintBanner() {
     Say("Converts Korvel to C++\n");
 }
 
-std::string SourceFolderOf(const std::string& mainSource) {
-    return mainSource.find_first_of("/\\") == std::string::npos ? "." : FolderOf(mainSource);
-}
-
 bool ParseCommandLine(const std::vector<std::string>& arguments) {
     if (arguments.size() < fewestArguments) {
         Say(usageText);

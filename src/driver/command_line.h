@@ -9,6 +9,3 @@ void PrintBanner();
 // Fills `settings` from the arguments (program name left out) and notes each on standard output.
 // With too few of them it prints the usage and returns false; the run then ends with status 0.
 bool ParseCommandLine(const std::vector<std::string>& arguments);
-
-// The folder that Includes are resolved against: "." for a source without folder part.
-std::string SourceFolderOf(const std::string& mainSource);

@@ -11,3 +11,7 @@ std::string FolderOf(const std::string& path) {
     const std::size_t slash = path.find_last_of("/\\");
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
 }
+
+std::string SourceFolderOf(const std::string& mainSource) {
+    return mainSource.find_first_of("/\\") == std::string::npos ? "." : FolderOf(mainSource);
+}

@@ -11,3 +11,6 @@ std::string StripFolder(const std::string& path);
 
 // What stands before the last slash or backslash; without one, the empty string.
 std::string FolderOf(const std::string& path);
+
+// The folder that the Includes of a program are resolved against: "." for a source without folder part.
+std::string SourceFolderOf(const std::string& mainSource);

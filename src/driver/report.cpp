@@ -4,12 +4,10 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "driver/run.h"
 #include "driver/settings.h"
 
 static std::vector<korvel::Diagnostic>* silentFor =
     nullptr;  // takes the warnings of a run that prints nothing
-static const PartOfRun partOfRun(silentFor);
 
 static void Write(std::FILE* stream, const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stream);
@@ -104,4 +102,5 @@ void SayQuoted(const Stop& stop) {
     Write(stop.onErrorStream ? stderr : stdout, stop.quoted);
 }
 
-void KeepSilent(std::vector<korvel::Diagnostic>& warnings) { silentFor = &warnings; }
+Silence::Silence(std::vector<korvel::Diagnostic>& warnings) { silentFor = &warnings; }
+Silence::~Silence() { silentFor = nullptr; }

@@ -37,5 +37,11 @@ void Say(const std::string& line);
 // Prints what kvt says of a mistake, behind all that has been said.
 void SayQuoted(const Stop& stop);
 
-// From now on, and until the next run, nothing is printed: warnings go to the list, all else is dropped.
-void KeepSilent(std::vector<korvel::Diagnostic>& warnings);
+// While one of these lives nothing is printed: warnings go to the list, all else is dropped.
+class Silence {
+public:
+    explicit Silence(std::vector<korvel::Diagnostic>& warnings);
+    ~Silence();
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+};

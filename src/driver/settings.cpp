@@ -3,3 +3,7 @@
 
 Settings settings;
 static const PartOfRun partOfRun(settings);
+
+std::string InstallationPath(const std::string& name) {
+    return settings.installation.empty() ? name : settings.installation + "/" + name;
+}

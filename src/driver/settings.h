@@ -7,6 +7,7 @@ struct Settings {
     std::string mainSource;       // -s, as given
     std::string sourceFolder;     // folder part of mainSource, "." when it has none
     std::string outputPath;       // -o
+    std::string installation;     // folder of config/ and userlibs/; empty for the working directory
     bool traceMode = false;       // -t: source lines ride along as C++ comments
     bool outputComments = false;  // -c: the user's comments reach the output
     bool verbose = false;         // -v
@@ -24,3 +25,6 @@ struct Settings {
 
 // Written by the command line (the flags) and by the translator (file and line).
 extern Settings settings;
+
+// The path of a file of the installation.
+std::string InstallationPath(const std::string& name);

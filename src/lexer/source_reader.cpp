@@ -2,11 +2,40 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <unordered_map>
 
 #include "driver/report.h"
+#include "driver/run.h"
 #include "driver/utf8.h"
 
+namespace {
+
+std::unordered_map<std::string, std::string> overlays;  // by full path
+const PartOfRun partOfRun(overlays);
+
+std::string FullPath(const std::string& path) {
+    std::error_code failed;
+    return TextOf(std::filesystem::absolute(PathOf(path), failed).lexically_normal());
+}
+
+// Null for a path that has none.
+const std::string* FindOverlay(const std::string& path) {
+    if (overlays.empty()) return nullptr;
+    const auto found = overlays.find(FullPath(path));
+    return found == overlays.end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+void PutOverlay(const std::string& path, const std::string& text) { overlays[FullPath(path)] = text; }
+
+bool IsFile(const std::string& path) {
+    std::error_code failed;
+    return FindOverlay(path) != nullptr || std::filesystem::is_regular_file(PathOf(path), failed);
+}
+
 bool IsNoFile(const std::string& path) {
+    if (FindOverlay(path) != nullptr) return false;
     std::error_code failed;
     const auto kind = std::filesystem::status(PathOf(path), failed).type();
     using Kind = std::filesystem::file_type;
@@ -15,6 +44,10 @@ bool IsNoFile(const std::string& path) {
 
 bool ReadFile(const std::string& path, std::string& text) {
     text.clear();
+    if (const std::string* overlay = FindOverlay(path)) {
+        text = *overlay;
+        return true;
+    }
     if (IsNoFile(path)) return false;  // a pipe would keep us waiting
     std::FILE* file = OpenFile(path, "rb");
     if (!file) return false;

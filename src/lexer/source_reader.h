@@ -24,6 +24,12 @@ private:
     std::size_t position = 0;
 };
 
+// Makes a text count instead of the file at the path, however it is spelt, until the end of the run.
+void PutOverlay(const std::string& path, const std::string& text);
+
+// Whether a file is there to be read.
+bool IsFile(const std::string& path);
+
 // Reads a whole file as it is. False when it cannot be opened or read, or is no file.
 bool ReadFile(const std::string& path, std::string& text);
 

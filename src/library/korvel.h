@@ -1,7 +1,11 @@
-// What the compiler says of programs.
+// The compiler as a library: everything that another program needs of it.
+//
+// One program is looked at at a time, and from one thread: a process has one set of tables. Every call begins with
+// fresh ones, so what is asked before has no influence. Nothing is printed, and no file is written.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace korvel {
 
@@ -14,5 +18,47 @@ struct Diagnostic {
     std::string hint;  // what may help; mostly empty
     bool isWarning = false;
 };
+
+// A text that counts instead of the file at the path, which need not exist.
+struct Overlay {
+    std::string path, text;
+};
+
+struct Request {
+    std::string installation;  // the folder with config/ and userlibs/; empty for the working directory
+    std::string source;        // the main file; Includes are found from its folder
+    std::string output = ".";  // the folder that the paths of the generated files begin with
+    std::vector<Overlay> overlays;
+
+    // The flags of kvt.
+    bool debug = false;
+    bool safe = false;
+    bool fast = false;
+    bool traced = false;     // -t
+    bool commented = false;  // -c
+};
+
+struct GeneratedFile {
+    std::string path, text;
+};
+
+struct Result {
+    std::vector<Diagnostic> diagnostics;
+    std::vector<std::string> sources;  // the files of the program, the main one first
+
+    // Of a program with nothing wrong in it that was translated.
+    std::vector<GeneratedFile> files;
+    std::vector<std::string> linkerFlags;
+    std::vector<std::string> libraries;  // names of the shared libraries it loads
+};
+
+// Whether nothing but warnings has been found.
+bool IsSound(const Result& result);
+
+Result Check(const Request& request);
+Result Translate(const Request& request);
+
+// Gives back what the last call still holds.
+void Reset();
 
 }  // namespace korvel

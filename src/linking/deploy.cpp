@@ -11,8 +11,9 @@ namespace {
 // Read whole before the destination is opened: with the userlibs folder as output both are one file.
 void CopyDll(const std::string& name, const std::string& outputPath) {
     std::string content;
-    if (IsNoFile("userlibs/" + name)) return Say("  Warning: userlibs/" + name + " is no file");
-    if (!ReadFile("userlibs/" + name, content)) {
+    const std::string path = InstallationPath("userlibs/" + name);
+    if (IsNoFile(path)) return Say("  Warning: userlibs/" + name + " is no file");
+    if (!ReadFile(path, content)) {
         Say("  Warning: DLL not found in userlibs/: " + name);
         return;
     }

@@ -11,6 +11,7 @@
 #include "driver/settings.h"
 #include "driver/utf8.h"
 #include "expressions/expression.h"
+#include "lexer/source_reader.h"
 #include "statements/first_mistake.h"
 #include "statements/program.h"
 #include "statements/translate.h"
@@ -92,8 +93,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
         return EmitIncludeLine(state, StripExtension(met->header), met->source);
     }
     std::string folder = IncludeOutputFolder(name);
-    std::error_code error;
-    if (!fs::is_regular_file(PathOf(source), error)) ReportFatal("Include file does not exist.");
+    if (!IsFile(source)) ReportFatal("Include file does not exist.");
     EmitIncludeLine(state, StemOf(name), source);
     NoteInclude(name);
     // A lenient run leaves it to the strict one.

@@ -1,10 +1,8 @@
 // Lines that name other files: Include, Import, Linker.
-#include <filesystem>
-
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "driver/utf8.h"
+#include "lexer/source_reader.h"
 #include "linking/linker_flags.h"
 #include "linking/userlib_reader.h"
 #include "statements/translate.h"
@@ -14,11 +12,6 @@
 namespace {
 
 bool IsProcessed(const std::string& name) { return symbols.processedNames.count(name) != 0; }
-
-bool FileExists(const std::string& path) {
-    std::error_code error;
-    return std::filesystem::is_regular_file(PathOf(path), error);
-}
 
 void SkipDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate include: " + name); }
 
@@ -31,7 +24,7 @@ void CollectImport(FirstPass&, TokenSpan tokens) {
         return;
     }
     VerboseNote("  - Importing userlib: " + name);
-    ImportUserlib("userlibs/" + name);
+    ImportUserlib(InstallationPath("userlibs/" + name));
     symbols.processedNames.insert(name);
     symbols.importedNames.insert(name);
 }
@@ -48,7 +41,7 @@ void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     // The same file under another spelling of its path.
     if (symbols.includedFiles.count(FileId(path)) != 0) return SkipDuplicate(quoted);
     const std::string folder = IncludeOutputFolder(name);
-    if (!FileExists(path)) {
+    if (!IsFile(path)) {
         RefuseNoFile(path);
         ReportFatal("Include file does not exist.");
     }

@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-// The word lists of config/, loaded by LoadWordLists (driver/word_lists.h), read-only afterwards.
+// The word lists of config/, loaded by LoadWordLists (library/word_lists.h), read-only afterwards.
 constexpr int keywordAmount = 192;
 struct WordLists {
     std::vector<std::string> keywordList;              // keywordAmount slots, unfilled ones empty

@@ -1,9 +1,10 @@
-#include "driver/word_lists.h"
+#include "library/word_lists.h"
 
 #include <functional>
 #include <string>
 
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "symbols/identifiers.h"
@@ -27,7 +28,7 @@ void ForEachLine(const std::string& text, const std::function<void(std::string)>
 }
 
 void LoadKeywords() {
-    ForEachLine(ReadOrFail("config/keywords.txt"), [](const std::string& line) {
+    ForEachLine(ReadOrFail(InstallationPath("config/keywords.txt")), [](const std::string& line) {
         if (line.empty()) return;
         if (wordLists.keywordList.size() == static_cast<std::size_t>(keywordAmount)) {
             ReportFatal("Too many keywords in config/keywords.txt - raise keywordAmount in declarations.h");
@@ -40,7 +41,7 @@ void LoadKeywords() {
 }
 
 void LoadCppWords() {
-    ForEachLine(ReadOrFail("config/cpp.txt"), [](std::string line) {
+    ForEachLine(ReadOrFail(InstallationPath("config/cpp.txt")), [](std::string line) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.empty()) return;
         wordLists.cppWordList.push_back(line);

@@ -1,0 +1,9 @@
+// The phases that every translation goes through, whoever asks for it.
+#pragma once
+
+// Reads the word lists and the program of `settings` and translates it, up to the finished pieces of all outputs.
+// Nothing has been written then but what the settings allow.
+void RunPhases();
+
+// Stops the run of a program without Main.
+void CheckMainFunction();
