@@ -313,19 +313,9 @@ void EffectReader::ReadStatement(TokenSpan tokens) {
             return set.Change(timers);
         case Keyword::SeqSwap:
             return ReadTargets(tokens, 2);
-        case Keyword::SeqAdd:
-        case Keyword::SeqAddFirst:
-        case Keyword::SeqClear:
-        case Keyword::SeqDelete:
-        case Keyword::SeqDeleteAt:
-        case Keyword::SeqFromArray:
-        case Keyword::SeqInsert:
-        case Keyword::SeqReverse:
-        case Keyword::SeqSet:
-        case Keyword::SeqSort:
-            return ReadTargets(tokens, 1);
         default:
-            return ReadAssignment(tokens);
+            return Has(tokens.KeywordAt(0), trait::changesFirst) ? ReadTargets(tokens, 1)
+                                                                 : ReadAssignment(tokens);
     }
 }
 

@@ -143,10 +143,8 @@ private:
     // A Local of an inner block gives its name back at the end, so only those of the outermost one are noted.
     void NoteBlocks(Keyword word, TokenSpan tokens) {
         const bool openIf = word == Keyword::If && !IsOneLine(tokens);
-        if (OpensLoop(word) || openIf || word == Keyword::Repeat || word == Keyword::Select) ++blocks;
-        if (word == Keyword::EndIf || word == Keyword::Until || word == Keyword::Forever ||
-            word == Keyword::EndSelect)
-            --blocks;
+        if (openIf || Has(word, trait::opensBlock)) ++blocks;
+        if (word == Keyword::EndIf || Has(word, trait::closesBlock)) --blocks;
         if (word == Keyword::Local && blocks == 0) AddLocals(tokens, names);
         if (word == Keyword::EachSeq) AddItem(tokens, names);
     }

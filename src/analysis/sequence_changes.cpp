@@ -37,11 +37,6 @@ void AddGlobal(const Variable& global) {
     if (const Routine* maker = FindFunction(global.initialiser.front())) AddName(global.name, maker->result);
 }
 
-// Another order does no harm to a loop.
-bool AddsOrRemoves(Keyword keyword) {
-    return ChangesSequence(keyword) && keyword != Keyword::SeqReverse && keyword != Keyword::SeqSort;
-}
-
 void AddChange(int node, const std::string& name) {
     for (const ItemKey& key : facts.names[name]) facts.changers[key].push_back(node);
 }
@@ -80,26 +75,6 @@ bool MayChange(ReachGraph& graph, int node, const ValueType& item) {
 
 }  // namespace
 
-bool ChangesSequence(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::SeqAdd:
-        case Keyword::SeqAddFirst:
-        case Keyword::SeqClear:
-        case Keyword::SeqDelete:
-        case Keyword::SeqDeleteAt:
-        case Keyword::SeqFromArray:
-        case Keyword::SeqInsert:
-        case Keyword::SeqRemoveFirst:
-        case Keyword::SeqRemoveLast:
-        case Keyword::SeqReverse:
-        case Keyword::SeqSort:
-        case Keyword::SeqSwap:
-            return true;
-        default:
-            return false;
-    }
-}
-
 void BeginSequenceChanges() {
     for (const auto& global : symbols.globals) AddGlobal(global.second);
     for (const auto& function : symbols.functions) AddParameters(function.second);
@@ -112,7 +87,7 @@ void BeginSequenceChanges() {
 void ReadSequenceChanges(int node, TokenSpan tokens) {
     if (facts.names.empty()) return;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (AddsOrRemoves(tokens.KeywordAt(i))) ReadTarget(node, tokens, i + 1);
+        if (Has(tokens.KeywordAt(i), trait::addsOrRemoves)) ReadTarget(node, tokens, i + 1);
         const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
         for (std::size_t k = i; swaps && k < tokens.size(); ++k)
             if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);

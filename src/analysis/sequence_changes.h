@@ -13,6 +13,3 @@ bool RoutineMayChange(const std::string& name, const ValueType& item);
 bool TimersMayChange(const ValueType& item);
 bool ConstructionMayChange(const ClassInfo& cls, const ValueType& item);
 bool DestructorsMayChange(const ValueType& item);
-
-// Whether the word adds, removes or moves items of a Sequence.
-bool ChangesSequence(Keyword keyword);

@@ -137,7 +137,7 @@ bool IsIdentifier(const std::string& token) {
 
 void FailUnknownName(const Walk& walk, const std::string& name) {
     const std::string lower = Lower(name);
-    if (IsOperatorWord(FindKeyword(name))) ReportFatal("Missing operand before '" + name + "'");
+    if (Has(FindKeyword(name), trait::operation)) ReportFatal("Missing operand before '" + name + "'");
     if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)");
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");

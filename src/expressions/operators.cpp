@@ -83,7 +83,7 @@ const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& 
     const char sign = walk.PeekSign();
     if (sign == '\0') {
         length = 1;
-        return IsOperatorWord(walk.PeekKeyword()) ? FindBinary(walk.PeekKeyword()) : nullptr;
+        return Has(walk.PeekKeyword(), trait::operation) ? FindBinary(walk.PeekKeyword()) : nullptr;
     }
     if (sign == '=') return PeekEquals(walk, comparing, length);
     for (const SymbolRow& row : symbolRows) {
@@ -97,10 +97,9 @@ const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& 
 
 const UnaryOperator* PeekUnary(const Walk& walk) {
     const char sign = walk.PeekSign();
-    if (sign == '\0') return IsOperatorWord(walk.PeekKeyword()) ? FindUnary(walk.PeekKeyword()) : nullptr;
+    if (sign == '\0')
+        return Has(walk.PeekKeyword(), trait::operation) ? FindUnary(walk.PeekKeyword()) : nullptr;
     for (const UnaryRow& row : unaryRows)
         if (row.sign == sign) return &row.op;
     return nullptr;
 }
-
-bool IsOperatorWord(Keyword word) { return word >= Keyword::And && word <= Keyword::Shr; }

@@ -29,6 +29,3 @@ const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& 
 
 // The operator before an operand; null when there is none.
 const UnaryOperator* PeekUnary(const Walk& walk);
-
-// True for the words among the operators (And, Mod, BitNot ...).
-bool IsOperatorWord(Keyword word);

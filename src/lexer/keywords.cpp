@@ -8,123 +8,39 @@
 
 namespace {
 
-// In the order of the enumeration.
-constexpr std::array<std::string_view, keywordCount> texts = {
-    "",
-    "autocall",
-    "case",
-    "const",
-    "continue",
-    "default",
-    "eachseq",
-    "element",
-    "else",
-    "elseif",
-    "end",
-    "endelement",
-    "endextern",
-    "endfunction",
-    "endif",
-    "endinlinecpp",
-    "endmethod",
-    "endprecalc",
-    "endselect",
-    "endtype",
-    "endwith",
-    "exit",
-    "extern",
-    "field",
-    "for",
-    "forever",
-    "function",
-    "global",
-    "if",
-    "import",
-    "include",
-    "inlinecpp",
-    "input",
-    "linker",
-    "local",
-    "method",
-    "next",
-    "nextseq",
-    "precalc",
-    "print",
-    "private",
-    "public",
-    "remove",
-    "repeat",
-    "return",
-    "select",
-    "seqadd",
-    "seqaddfirst",
-    "seqclear",
-    "seqdelete",
-    "seqdeleteat",
-    "seqfromarray",
-    "seqinsert",
-    "seqreverse",
-    "seqset",
-    "seqsort",
-    "seqswap",
-    "stopcall",
-    "type",
-    "until",
-    "useconsole",
-    "wend",
-    "while",
-    "with",
-    "as",
-    "each",
-    "eachin",
-    "in",
-    "its",
-    "of",
-    "sequence",
-    "step",
-    "then",
-    "to",
-    "and",
-    "bitand",
-    "bitnot",
-    "bitor",
-    "bitxor",
-    "mod",
-    "not",
-    "or",
-    "shl",
-    "shr",
-    "after",
-    "before",
-    "create",
-    "false",
-    "first",
-    "getkey",
-    "insert",
-    "last",
-    "new",
-    "null",
-    "seqbefore",
-    "seqfirst",
-    "seqlast",
-    "seqnext",
-    "seqremovefirst",
-    "seqremovelast",
-    "this",
-    "true",
+constexpr std::size_t longest = 14;
+
+struct Text {
+    std::array<char, longest + 1> letters{};
+    std::size_t size = 0;
 };
 
-constexpr std::size_t longest = 14;
+constexpr Text LowerText(std::string_view name) {
+    Text text;
+    for (const char c : name) text.letters[text.size++] = LowerLetter(c);
+    return text;
+}
+
+constexpr std::array<Text, keywordCount> texts = {{
+    {},
+#define ROW(name, traits) LowerText(#name),
+#include "lexer/keywords.inc"
+#undef ROW
+}};
 
 std::unordered_map<std::string_view, Keyword> MakeIndex() {
     std::unordered_map<std::string_view, Keyword> index;
-    for (std::size_t i = 1; i < keywordCount; ++i) index.emplace(texts[i], static_cast<Keyword>(i));
+    for (std::size_t i = 1; i < keywordCount; ++i)
+        index.emplace(TextOf(static_cast<Keyword>(i)), static_cast<Keyword>(i));
     return index;
 }
 
 }  // namespace
 
-std::string_view TextOf(Keyword keyword) { return texts[IndexOf(keyword)]; }
+std::string_view TextOf(Keyword keyword) {
+    const Text& text = texts[IndexOf(keyword)];
+    return {text.letters.data(), text.size};
+}
 
 Keyword FindKeyword(std::string_view text) {
     static const std::unordered_map<std::string_view, Keyword> index = MakeIndex();

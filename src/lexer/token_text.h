@@ -13,7 +13,7 @@ inline std::string_view Unquoted(std::string_view token) {
 }
 
 // The ASCII letter in lower case; any other byte as it is.
-inline char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // Whether the byte may be part of a name; those beyond ASCII belong to letters.
 inline bool IsNameByte(char c) {

@@ -204,7 +204,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
     CheckPlace(state, row, tokens);
     if (!state.selects.empty()) PrepareInSelect(state, keyword);
-    if (settings.debugMode && IsExecutableStatement(keyword)) EmitStatementHook(state, keyword);
+    if (settings.debugMode && !Has(keyword, trait::declares)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
     if (row != nullptr)
         row->handler(state, tokens);

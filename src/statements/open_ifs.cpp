@@ -74,25 +74,12 @@ private:
             case Keyword::If:
                 ReadIf(ReadIfs(statement), place);
                 break;
-            case Keyword::For:
-            case Keyword::EachSeq:
-            case Keyword::While:
-            case Keyword::Repeat:
-            case Keyword::Select:
-                blocks.push_back(word);
-                break;
-            case Keyword::Next:
-            case Keyword::NextSeq:
-            case Keyword::Wend:
-            case Keyword::Until:
-            case Keyword::Forever:
-            case Keyword::EndSelect:
-                Close();
-                break;
             case Keyword::EndIf:
                 ReadEndIf();
                 break;
             default:
+                if (Has(word, trait::opensBlock)) blocks.push_back(word);
+                if (Has(word, trait::closesBlock)) Close();
                 break;
         }
     }

@@ -138,33 +138,3 @@ void CollectDeclarations(const std::string& source, Declarations& out) {
 }
 
 bool IsCollected(Keyword keyword) { return RuleOf(keyword).collect != nullptr; }
-
-bool IsExecutableStatement(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::Type:
-        case Keyword::EndType:
-        case Keyword::Element:
-        case Keyword::EndElement:
-        case Keyword::Field:
-        case Keyword::Method:
-        case Keyword::EndMethod:
-        case Keyword::Function:
-        case Keyword::EndFunction:
-        case Keyword::Global:
-        case Keyword::Const:
-        case Keyword::Local:
-        case Keyword::Include:
-        case Keyword::Import:
-        case Keyword::Linker:
-        case Keyword::UseConsole:
-        case Keyword::Extern:
-        case Keyword::EndExtern:
-        case Keyword::With:
-        case Keyword::EndWith:
-        case Keyword::PreCalc:
-        case Keyword::EndPreCalc:
-            return false;
-        default:
-            return true;
-    }
-}

@@ -41,6 +41,3 @@ void CollectDeclarations(const std::string& source, Declarations& out);
 
 // Whether the first pass looks at statements that begin with the word.
 bool IsCollected(Keyword keyword);
-
-// False for the words that begin declarations and block marks, true for everything else.
-bool IsExecutableStatement(Keyword keyword);

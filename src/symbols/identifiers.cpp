@@ -98,16 +98,7 @@ void CheckKeyword(const std::string& name) {
 }
 
 void CheckValueWord(const std::string& name) {
-    switch (FindKeyword(name)) {
-        case Keyword::True:
-        case Keyword::False:
-        case Keyword::Null:
-        case Keyword::This:
-        case Keyword::Its:
-            return CheckKeyword(name);
-        default:
-            return;
-    }
+    if (Has(FindKeyword(name), trait::value)) CheckKeyword(name);
 }
 
 // At file level "main" is the entry point of the C++ program.
