@@ -4,6 +4,7 @@
 #include "driver/report.h"
 #include "driver/run.h"
 #include "prelude/support.h"
+#include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -15,7 +16,8 @@ struct Place {
     std::string text;
     const Variable* root = nullptr;  // what its first name means; null for "this" and for calls
     Home home = Home::Unknown;
-    std::string field;  // name of the Field
+    std::string field;    // name of the Field
+    std::string cppName;  // of the variable or Field; empty, which every line mentions, when it has no name
     ValueType type;
 };
 
@@ -38,22 +40,26 @@ Home HomeOf(const Expr& sequence) {
     return FindGlobal(variable->name) == variable ? Home::Global : Home::Field;
 }
 
-std::string LastWord(const std::string& text) {
-    const std::size_t blank = text.find_last_of(' ');
-    return blank == std::string::npos ? text : text.substr(blank + 1);
-}
-
 const Variable* RootOf(const Expr& sequence) {
     if (sequence.variable != nullptr) return sequence.variable;
     return sequence.source.empty() ? nullptr : FindVariable(sequence.source[0]);
 }
 
 Place PlaceOf(const Expr& sequence) {
-    Place place{sequence.text, RootOf(sequence), HomeOf(sequence), "", sequence.type};
-    if (place.home != Home::Field) return place;
-    place.field = LastWord(sequence.text);
-    const bool name = !place.field.empty() && place.field.find_first_of(")]") == std::string::npos;
-    if (!name) place.home = Home::Unknown;
+    Place place{sequence.text, RootOf(sequence), HomeOf(sequence), "", "", sequence.type};
+    if (sequence.variable != nullptr) {
+        place.cppName = sequence.variable->cppName;
+        if (place.home == Home::Field) place.field = sequence.variable->name;
+        return place;
+    }
+    const TokenSpan source = sequence.source;
+    const std::string& last = source[source.empty() ? 0 : source.size() - 1];
+    if (last.empty() || !IsLetterByte(last[0])) {
+        place.home = Home::Unknown;
+        return place;
+    }
+    place.field = last;
+    place.cppName = SafeName(last);
     return place;
 }
 
@@ -212,7 +218,7 @@ void NoteDestruction() {
 
 void NoteInlineCppInLoops(const std::string& line) {
     for (OpenWalk& walk : walks)
-        if (line.find(LastWord(walk.place.text)) != std::string::npos) walk.changed = true;
+        if (line.find(walk.place.cppName) != std::string::npos) walk.changed = true;
 }
 
 std::string BeforeInnerLoop(const Expr& sequence) {

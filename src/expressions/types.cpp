@@ -46,16 +46,6 @@ std::string Passed(const Expr& expr) {
     return (expr.type.dims == 1 ? "__kvItems(" : "__kvRows(") + items + ")";
 }
 
-std::string LastWord(const std::string& text) {
-    const std::size_t blank = text.find_last_of(' ');
-    std::string word = blank == std::string::npos ? text : text.substr(blank + 1);
-    return word.compare(0, 4, "KVL_") == 0 ? word.substr(4) : word;
-}
-
-std::string TargetName(const Expr& target) {
-    return target.variable ? target.variable->name : LastWord(target.text);
-}
-
 }  // namespace
 
 void RequireValue(const Expr& expr) {
@@ -97,5 +87,5 @@ void CheckAssignable(const Expr& target, const Expr& value) {
     }
     if (Assignable(target.type, value.type)) return;
     ReportFatal("Type mismatch: Cannot assign " + CppName(value.type) + " to " + CppName(target.type) +
-                " variable '" + TargetName(target) + "'" + ConversionHint(target.type, value.type));
+                " variable '" + target.source.Text("") + "'" + ConversionHint(target.type, value.type));
 }

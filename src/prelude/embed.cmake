@@ -1,5 +1,5 @@
-# Turns the files of texts/ into string constants (see texts.h): texts/class_destructor.h becomes
-# `classDestructor`. Included by the build it adds one generated source per run; run as a script
+# Turns the files of texts/ into string constants (see texts.h): texts/class_leaving.h becomes
+# `classLeaving`. Included by the build it adds one generated source per run; run as a script
 # (cmake -DOUT=... -P embed.cmake) it writes that source. The files reach the program byte for byte.
 set(PRELUDE_TEXTS_DIR ${CMAKE_CURRENT_LIST_DIR}/texts)
 
@@ -12,7 +12,7 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
     return()
 endif()
 
-# "class_destructor" -> "classDestructor"
+# "class_leaving" -> "classLeaving"
 function(constant_name file result)
     get_filename_component(name ${file} NAME_WE)
     string(REPLACE "_" ";" words ${name})

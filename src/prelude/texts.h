@@ -23,10 +23,11 @@ extern const std::string_view fastInstances;
 extern const std::string_view fastSafeIndex;  // for Support::SafeIndex
 
 // The closing part of a class, hole C: its C++ name (see fill.h).
+extern const std::string_view classTracking;  // the comment on the group
 extern const std::string_view classConstructor;
-extern const std::string_view classDestructor;
+extern const std::string_view classLeaving;     // what the destructor does
 extern const std::string_view classNavigation;  // also closes the body and defines the instance list
-extern const std::string_view fastClassDestructor;
+extern const std::string_view fastClassLeaving;
 extern const std::string_view fastClassNavigation;
 
 // One for each row of Support.

@@ -168,6 +168,8 @@ bool IsBareCall(TokenSpan tokens) {
 
 }  // namespace
 
+// place = value  |  call
+//     KVL_n = value;
 void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
     const std::size_t sign = IsBareCall(tokens) ? noToken : AssignmentSign(tokens);
     if (sign == noToken) {

@@ -50,13 +50,15 @@ void EmitPublic(State& state) {
     EmitAccess(state);
 }
 
-// The text of the generated constructor begins with an empty line and the comment on the whole group.
 void EmitTypeClosing(State& state, const ClassInfo& cls) {
     EmitPublic(state);
-    std::string constructor = Fill(texts::classConstructor, {{"C", cls.cppName}});
-    if (HasPlainConstructor(cls)) constructor.erase(constructor.find(" " + cls.cppName + "()"));
-    EmitLines(state, constructor);
-    if (FindMethod(cls, "destructor") == nullptr) EmitLines(state, InstanceDestructor(cls));
+    EmitLines(state, texts::classTracking);
+    if (!HasPlainConstructor(cls)) EmitLines(state, Fill(texts::classConstructor, {{"C", cls.cppName}}));
+    if (FindMethod(cls, "destructor") == nullptr) {
+        EmitLine(state, " ~" + cls.cppName + "() {");
+        EmitLines(state, LeavingLines());
+        EmitLine(state, " }");
+    }
     const std::string_view navigation =
         settings.fastMode ? texts::fastClassNavigation : texts::classNavigation;
     EmitLines(state, Fill(navigation, {{"C", cls.cppName}}));
@@ -116,10 +118,7 @@ void CloseClass(State& state, const std::string& closer) {
 
 }  // namespace
 
-std::string InstanceDestructor(const ClassInfo& cls) {
-    return Fill(settings.fastMode ? texts::fastClassDestructor : texts::classDestructor,
-                {{"C", cls.cppName}});
-}
+std::string_view LeavingLines() { return settings.fastMode ? texts::fastClassLeaving : texts::classLeaving; }
 
 void EmitAccess(State& state) {
     if (state.access == state.emittedAccess) return;
@@ -127,6 +126,7 @@ void EmitAccess(State& state) {
     state.emittedAccess = state.access;
 }
 
+// Type Name | Element Name
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
     if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration");
     if (state.inFunction) ReportFatal("A Type or Element cannot be declared inside a Function");
@@ -156,11 +156,13 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     BeginPiece(*state.out, Piece::Kind::ClassLines, cls);
 }
 
+// EndType
 void TranslateEndType(State& state, TokenSpan tokens) {
     (void)tokens;
     CloseClass(state, "EndType");
 }
 
+// EndElement
 void TranslateEndElement(State& state, TokenSpan tokens) {
     (void)tokens;
     CloseClass(state, "EndElement");

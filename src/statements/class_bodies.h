@@ -9,8 +9,8 @@ void TranslateTypeOpener(State& state, TokenSpan tokens);
 void TranslateEndType(State& state, TokenSpan tokens);
 void TranslateEndElement(State& state, TokenSpan tokens);
 
-// The destructor that takes an object of a Type off its list, with head and closing brace.
-std::string InstanceDestructor(const ClassInfo& cls);
+// What the destructor of a Type does to take its object off the list.
+std::string_view LeavingLines();
 
 // Writes "private:" or "public:" when the access of the next member differs from the last one's.
 // Called before every Field and Method of the body.

@@ -177,6 +177,7 @@ void TranslateRest(State& state, TokenSpan tokens, std::size_t at, std::size_t l
 
 }  // namespace
 
+// If condition [Then [statements [Else statements]]]
 void TranslateIf(State& state, TokenSpan tokens) {
     std::size_t then = tokens.Find(Keyword::Then);
     if (StaysOpen(tokens, then))
@@ -185,6 +186,7 @@ void TranslateIf(State& state, TokenSpan tokens) {
     TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0, leftOpenBy), leftOpenBy);
 }
 
+// ElseIf condition [Then [statement]]
 void TranslateElseIf(State& state, TokenSpan tokens) {
     ContinuedIf(state, "ElseIf");
     CloseBranch(state);
@@ -198,6 +200,7 @@ void TranslateElseIf(State& state, TokenSpan tokens) {
     DispatchInLine(state, tokens, then + 1, tokens.size());
 }
 
+// Else [statement]
 void TranslateElse(State& state, TokenSpan tokens) {
     RefuseElseIfAsTwoWords(tokens, 1);
     ContinuedIf(state, "Else").elseSeen = true;
@@ -208,6 +211,7 @@ void TranslateElse(State& state, TokenSpan tokens) {
     if (tokens.size() > 1) DispatchInLine(state, tokens, 1, tokens.size());
 }
 
+// EndIf
 void TranslateEndIf(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::If, "EndIf");

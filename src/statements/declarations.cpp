@@ -85,6 +85,7 @@ DefinitionKind KindOf(Keyword keyword) {
 
 }  // namespace
 
+// Local | Global | Const | Field  name [: Type [[size]...]] [= value] , ...
 void TranslateDeclaration(State& state, TokenSpan tokens) {
     const DefinitionKind kind = KindOf(tokens.KeywordAt(0));
     CheckPlace(state, kind);

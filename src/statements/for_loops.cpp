@@ -156,9 +156,8 @@ SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::s
     walk.variable = variable;
     walk.type = type;
     walk.piece = &state.out->pieces.back();
-    const std::size_t lineAt = walk.piece->text.size();
-    EmitLine(state, sequence == nullptr ? header : BeforeInnerLoop(*sequence) + header);
-    walk.forAt = walk.piece->text.find(header, lineAt);
+    const std::string before = sequence == nullptr ? "" : BeforeInnerLoop(*sequence);
+    walk.forAt = EmitLine(state, before + header) + before.size();
     walk.forSize = header.size();
     EmitLine(state, "{");
     walk.bodyAt = walk.piece->text.size();
@@ -221,6 +220,9 @@ Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
     return variable;
 }
 
+// For [Local] i [: Type] = start To end [Step step]
+// For x [: Type] EachIn collection
+// For Each x [: Type] In collection
 void TranslateFor(State& state, TokenSpan tokens) {
     if (tokens.KeywordAt(1) == Keyword::Each)
         TranslateEach(state, ReadHeader(tokens, 2, Keyword::In, "Expected 'In' in For Each...In loop"));
@@ -231,6 +233,7 @@ void TranslateFor(State& state, TokenSpan tokens) {
         TranslateCountedFor(state, tokens);
 }
 
+// EachSeq x In list
 void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
         ReportFatal("Expected 'EachSeq item In seq'");

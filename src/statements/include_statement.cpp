@@ -76,6 +76,8 @@ void EmitIncludeLine(State& state, const std::string& stem, const std::string& s
 
 }  // namespace
 
+// Include "folder/file.kvl"
+//     #include "folder/file.cpp"
 void TranslateInclude(State& state, TokenSpan tokens) {
     if (tokens[1].empty() || tokens[1].front() != '"') return;
     if (state.inFunction || state.inMethod || state.inType)

@@ -4,9 +4,10 @@
 
 #include "lexer/lexer.h"
 
-void EmitLine(State& state, std::string_view text) {
+std::size_t EmitLine(State& state, std::string_view text) {
     std::string& piece = state.out->pieces.back().text;
     if (state.lineIndent > 0) piece.append(static_cast<std::size_t>(state.lineIndent), '\t');
+    const std::size_t at = piece.size();
     piece += text;
     if (!state.traceText.empty()) {
         piece += " " + GuardComment("// " + state.traceText);
@@ -18,6 +19,7 @@ void EmitLine(State& state, std::string_view text) {
         state.commentText.clear();
     }
     piece += '\n';
+    return at;
 }
 
 void PlaceComment(State& state) {

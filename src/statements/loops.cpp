@@ -46,6 +46,7 @@ const std::string* LocalOfBlock(TokenSpan condition) {
 
 }  // namespace
 
+// Repeat
 void TranslateRepeat(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     PushBlock();
@@ -57,6 +58,7 @@ void TranslateRepeat(State& state, TokenSpan tokens) {
     EmitLine(state, "__kvSchedPoll();");
 }
 
+// Until condition
 // A C++ condition behind the body cannot see the body's variables, so a test of one moves inside it.
 void TranslateUntil(State& state, TokenSpan tokens) {
     const std::optional<ClosedBlock> closed = CloseRepeat(state, "Until");
@@ -75,6 +77,7 @@ void TranslateUntil(State& state, TokenSpan tokens) {
     PopScopeOf(closed->braces);
 }
 
+// Forever
 void TranslateForever(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     const std::optional<ClosedBlock> closed = CloseRepeat(state, "Forever");
@@ -85,6 +88,7 @@ void TranslateForever(State& state, TokenSpan tokens) {
     EmitLine(state, "while (true);");
 }
 
+// While condition
 void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
     EmitLine(state, "while (" + ConditionText(tokens.From(1), "While") + ")");
@@ -95,6 +99,7 @@ void TranslateWhile(State& state, TokenSpan tokens) {
     EmitLine(state, "__kvSchedPoll();");
 }
 
+// Wend
 void TranslateWend(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     const std::optional<ClosedBlock> closed = CloseLoop(state, "Wend");
@@ -103,6 +108,7 @@ void TranslateWend(State& state, TokenSpan tokens) {
     EmitClosing(state, closed->braces);
 }
 
+// Next [variable] | NextSeq
 void TranslateNext(State& state, TokenSpan tokens) {
     const std::optional<ClosedBlock> closed = CloseLoop(state, tokens[0]);
     if (!closed) return;

@@ -14,6 +14,7 @@ bool StandsInAList(Keyword word) {
 
 }  // namespace
 
+// Remove object
 //     delete KVL_p;
 //     KVL_p = nullptr;
 // A variable that calls lead to is found once:

@@ -124,7 +124,8 @@ std::size_t CommaBehindPrompt(TokenSpan tokens) {
 
 }  // namespace
 
-// std::cout << item << item << std::endl;
+// Print [item & item ...]
+//     std::cout << item << item << std::endl;
 void TranslatePrint(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) {
         EmitLine(state, std::string("std::cout") + LineEnd());
@@ -133,6 +134,9 @@ void TranslatePrint(State& state, TokenSpan tokens) {
     EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0], ExprMode::Print) + LineEnd());
 }
 
+// Input prompt , variable
+//     std::cout << prompt;
+//     std::getline(std::cin, KVL_name);     a String; numbers are asked for until they can be read
 void TranslateInput(State& state, TokenSpan tokens) {
     if (tokens.size() < 3) ReportFatal("Input statement requires a prompt and a variable");
     std::size_t comma = CommaBehindPrompt(tokens);

@@ -163,6 +163,8 @@ void EmitFreeLoops(State& state) {
         if (array.ownsSlots) EmitLines(state, FreeLoops(*array.variable));
 }
 
+// Return [value]
+//     return (value);
 void TranslateReturn(State& state, TokenSpan tokens) {
     if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
     const ValueType result = ResultType(state);

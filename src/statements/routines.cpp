@@ -108,14 +108,6 @@ void CheckFunctionName(const State& state, const std::string& name, const Routin
     if (state.isMainRoutine && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
 }
 
-// The lines of the generated destructor without its head and its brace.
-std::string TrackingLines(const ClassInfo& cls) {
-    const std::string text = InstanceDestructor(cls);
-    const std::size_t begin = text.find('\n') + 1;
-    const std::size_t end = text.rfind('\n', text.size() - 2) + 1;
-    return text.substr(begin, end - begin);
-}
-
 bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }
 
 void CheckWithClosed(const State& state, const std::string& closer) {
@@ -126,7 +118,7 @@ void CheckWithClosed(const State& state, const std::string& closer) {
 void EmitFallingOut(State& state) {
     if (!state.reachable) return;
     EmitFreeLoops(state);
-    if (IsDestructor(state) && KeepsInstances(state)) EmitLines(state, TrackingLines(*state.cls));
+    if (IsDestructor(state) && KeepsInstances(state)) EmitLines(state, LeavingLines());
 }
 
 // A caller gets the default value when no Return was met on the way.
@@ -220,10 +212,11 @@ void BeginMethodPiece(State& state, const Routine& method) {
 void EmitRoutineLeaving(State& state) {
     if (!IsDestructor(state) || !KeepsInstances(state)) return;
     EmitLine(state, "{");
-    EmitLines(state, TrackingLines(*state.cls));
+    EmitLines(state, LeavingLines());
     EmitLine(state, "}");
 }
 
+// Function Name [: Type] [( parameters )] [: Type]
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
     if (state.inExtern) return CheckExternParameters(name);
@@ -242,6 +235,7 @@ void TranslateFunction(State& state, TokenSpan tokens) {
     EmitEnter(state, name);
 }
 
+// EndFunction
 void TranslateEndFunction(State& state, TokenSpan tokens) {
     if (state.inType || !state.inFunction)
         ReportFatal("unexpected 'endfunction' token", UnclosedExtern(state));
@@ -258,6 +252,7 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
     BeginPiece(*state.out, Piece::Kind::Lines);
 }
 
+// Method Name [: Type] [( parameters )] [: Type]
 void TranslateMethod(State& state, TokenSpan tokens) {
     if (!state.inType || state.inMethod) ReportFatal("Unexpected 'method' token");
     if (state.inExtern) return;
@@ -276,6 +271,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     EmitEnter(state, state.typeName + "\\\\" + state.methodName);
 }
 
+// EndMethod
 void TranslateEndMethod(State& state, TokenSpan tokens) {
     if (state.inExtern && state.inType) return;
     if (!state.inType || !state.inMethod) ReportFatal("unexpected 'endmethod' token");

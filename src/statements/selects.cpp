@@ -118,6 +118,7 @@ void CompleteSwitch(OpenSelect& select) {
 
 }  // namespace
 
+// Select value
 void TranslateSelect(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
     Expr subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
@@ -133,11 +134,8 @@ void TranslateSelect(State& state, TokenSpan tokens) {
     const std::string head = select.byIndex ? "switch (__kvSelect(" + ValueText(subject) + ", "
                                             : "switch (" + ValueText(subject) + ")";
     if (select.byIndex) {
-        // EmitLine may add a comment behind the line, so the place is found from its beginning.
         select.piece = &state.out->pieces.back();
-        std::size_t lineAt = select.piece->text.size();
-        EmitLine(state, head + "))");
-        select.switchAt = select.piece->text.find(head, lineAt) + head.size();
+        select.switchAt = EmitLine(state, head + "))") + head.size();
     } else {
         EmitLine(state, head);
     }
@@ -145,6 +143,7 @@ void TranslateSelect(State& state, TokenSpan tokens) {
     state.selects.push_back(std::move(select));
 }
 
+// Case label , ...
 void TranslateCase(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Case");
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");
@@ -161,6 +160,7 @@ void TranslateCase(State& state, TokenSpan tokens) {
     }
 }
 
+// Default
 void TranslateDefault(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Default");
     RefuseMore(tokens, 1);
@@ -173,6 +173,7 @@ void TranslateDefault(State& state, TokenSpan tokens) {
     state.braces.back().elseSeen = true;
 }
 
+// EndSelect
 void TranslateEndSelect(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Select, "EndSelect");

@@ -209,6 +209,8 @@ void TellWalksBefore(State& state, const Expr& sequence, const Row& row) {
 
 }  // namespace
 
+// SeqAdd list , value      and the others, with or without parentheses
+//     KVL_list.Add(value);
 void TranslateSeqStatement(State& state, TokenSpan tokens) {
     const std::string& keyword = tokens[0];
     const Row& row = RowOf(keyword);

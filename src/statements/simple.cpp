@@ -20,6 +20,8 @@ const TwoWordCloser twoWordClosers[] = {
 
 }  // namespace
 
+// End
+//     exit(0);
 // Any other second word is passed over.
 void TranslateEnd(State& state, TokenSpan tokens) {
     for (const TwoWordCloser& closer : twoWordClosers)
@@ -30,6 +32,8 @@ void TranslateEnd(State& state, TokenSpan tokens) {
     state.reachable = false;
 }
 
+// Exit
+//     break;
 void TranslateExit(State& state, TokenSpan tokens) {
     if ((state.loopDepth <= 0 && state.selectDepth <= 0) || !CanBreak(state))
         ReportFatal("'Exit' can only be used inside a loop or Select block");
@@ -38,6 +42,8 @@ void TranslateExit(State& state, TokenSpan tokens) {
     NoteBreak(state);
 }
 
+// Continue
+//     continue;
 void TranslateContinue(State& state, TokenSpan tokens) {
     if (state.loopDepth <= 0 || !CanContinue(state))
         ReportFatal("'Continue' can only be used inside a For loop");
@@ -51,12 +57,14 @@ void TranslateContinue(State& state, TokenSpan tokens) {
     state.reachable = false;
 }
 
+// public | private
 void TranslateAccess(State& state, TokenSpan tokens) {
     if (!state.inType) ReportFatal("unexpected '" + tokens[0] + "' keyword.");
     RefuseMore(tokens, 1);
     state.access = tokens[0];
 }
 
+// Extern
 void TranslateExtern(State& state, TokenSpan tokens) {
     if (state.inExtern) ReportFatal("Extern already declared");
     RefuseMore(tokens, 1);
@@ -64,6 +72,7 @@ void TranslateExtern(State& state, TokenSpan tokens) {
     state.externLine = state.currentLine;
 }
 
+// EndExtern
 void TranslateEndExtern(State& state, TokenSpan tokens) {
     if (!state.inExtern) ReportFatal("Prior Extern not declared");
     RefuseMore(tokens, 1);

@@ -83,8 +83,8 @@ struct State {
 };
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
-// of a statement carries its source and its comment.
-void EmitLine(State& state, std::string_view text);
+// of a statement carries its source and its comment. Returns where the text begins in the open piece.
+std::size_t EmitLine(State& state, std::string_view text);
 
 // A statement translator gets the statement's tokens (the keyword first) and emits lines, changes the
 // state or ends the run.

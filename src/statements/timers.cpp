@@ -54,7 +54,8 @@ bool NamesFunction(const std::string& name) {
 
 }  // namespace
 
-// __kvAutoCall("Tick", [](){ KVL_Tick(); }, (long long)(interval), true);
+// AutoCall Function Every | Once milliseconds
+//     __kvAutoCall("Tick", [](){ KVL_Tick(); }, (long long)(interval), true);
 void TranslateAutoCall(State& state, TokenSpan tokens) {
     if (tokens.size() < 4) ReportFatal("AutoCall syntax: AutoCall <function> Every|Once <milliseconds>");
     const bool every = IsWord(tokens[2], "every");
@@ -71,6 +72,8 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
                         interval.text + "), " + (every ? "true" : "false") + ");");
 }
 
+// StopCall Function | All
+//     __kvStopCall("Tick");
 void TranslateStopCall(State& state, TokenSpan tokens) {
     if (!IsName(tokens[1])) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
     RefuseMore(tokens, 2);

@@ -52,6 +52,8 @@ bool HasHoles(const std::string& token) { return token[0] == '"' && token.find('
 
 }  // namespace
 
+// With object
+// Nothing comes out: `its` becomes the object in the statements that follow.
 void TranslateWith(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("With requires an object: With <variable>");
     Tokens object = tokens.From(1).Copy();
@@ -74,6 +76,7 @@ void TranslateWith(State& state, TokenSpan tokens) {
     state.withLines.push_back(state.currentLine);
 }
 
+// EndWith
 void TranslateEndWith(State& state, TokenSpan tokens) {
     if (state.withLines.empty()) ReportFatal("EndWith without a matching With");
     RefuseMore(tokens, 1);

@@ -92,8 +92,8 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
                               std::string(texts::fastInstances) +
                               "class KVL_TMob : public KVObject, public KVTracked<KVL_TMob>\n{\npublic:\n";
     const std::string closing =
-        Fill(std::string(texts::classConstructor) + std::string(texts::fastClassDestructor) +
-                 std::string(texts::fastClassNavigation),
+        Fill(std::string(texts::classConstructor) + " ~@C@() {\n" + std::string(texts::fastClassLeaving) +
+                 " }\n" + std::string(texts::fastClassNavigation),
              {{"C", "KVL_TMob"}});
     const std::pair<const char*, std::string> sources[] = {
         {"output", std::string(texts::fastOutput)},
@@ -121,7 +121,8 @@ TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
                                 std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
     RenewRun();
     Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));
-    const std::string closing = std::string(texts::classConstructor) + std::string(texts::classDestructor) +
+    const std::string closing = std::string(texts::classConstructor) + " ~@C@() {\n" +
+                                std::string(texts::classLeaving) + " }\n" +
                                 std::string(texts::classNavigation);
     Write("class_closing.h", Fill(closing, {{"C", "KVL_TMob"}}));
     ASSERT_EQ(Compile("-g1 -fsanitize=address,undefined -fno-sanitize-recover=all -o '" +

@@ -1,3 +1,1 @@
- ~@C@() {
   _instances.Forget(this);
- }
