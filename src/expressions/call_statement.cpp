@@ -8,11 +8,6 @@ namespace {
 
 bool MakesObject(Keyword word) { return word == Keyword::Create || word == Keyword::New; }
 
-TokenSpan WithoutComment(TokenSpan tokens) {
-    if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
-    return tokens.Slice(0, tokens.size() - 1);
-}
-
 // An array that nobody takes must be freed all the same.
 std::string Discarded(const Expr& call) {
     const bool freed = call.form != ArrayForm::Owned || call.byValue;
@@ -22,7 +17,7 @@ std::string Discarded(const Expr& call) {
 }  // namespace
 
 bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
-    tokens = WithoutComment(tokens);
+    tokens = tokens.WithoutComment();
     if (tokens.empty() || (!IsIdentifier(tokens[0]) && !Is(tokens[0], "("))) return false;
     Walk walk(tokens, ExprMode::Statement);
     walk.callStatement = true;

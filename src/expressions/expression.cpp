@@ -21,11 +21,6 @@ int depth = 0;
 
 const PartOfRun partOfRun(lenient, lambdaCount, callCount, depth);
 
-TokenSpan WithoutComment(TokenSpan tokens) {
-    if (tokens.empty() || tokens[tokens.size() - 1].compare(0, 2, "//") != 0) return tokens;
-    return tokens.Slice(0, tokens.size() - 1);
-}
-
 [[noreturn]] void FailTooDeep() {
     ReportFatal("Expression too deeply nested. Give a part of it to a variable first");
 }
@@ -64,7 +59,7 @@ Expr Assign(const Expr& target, const Expr& value) {
 }
 
 Expr Translate(TokenSpan tokens, ExprMode mode) {
-    tokens = WithoutComment(tokens);
+    tokens = tokens.WithoutComment();
     if (tokens.empty()) {
         Expr nothing;
         nothing.type = Single(Base::Void);

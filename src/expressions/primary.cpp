@@ -8,8 +8,6 @@
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 bool AllDigits(const std::string& text, std::size_t from) {
     return from < text.size() && text.find_first_not_of("0123456789", from) == std::string::npos;
 }

@@ -48,10 +48,6 @@ const std::array<CharClass, 256> classTable = MakeClassTable();
 
 CharClass ClassOf(char c) { return classTable[static_cast<unsigned char>(c)]; }
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
-
 // What a scan found besides the tokens.
 struct ScanResult {
     bool openString = false;

@@ -81,6 +81,11 @@ struct TokenSpan {
     TokenSpan WithoutParentheses() const {
         return SignAt(0) == '(' && Matching(0) == size() - 1 ? Inside(0) : *this;
     }
+    // The window without the comment that may ride along at its end.
+    TokenSpan WithoutComment() const {
+        const bool comment = !empty() && last[-1]->text.compare(0, 2, "//") == 0;
+        return comment ? Slice(0, size() - 1) : *this;
+    }
     // Position of the first such word from `from` on; noToken without one.
     std::size_t Find(Keyword word, std::size_t from = 0) const;
     // The parts between the signs that stand outside of brackets. No tokens give no parts.

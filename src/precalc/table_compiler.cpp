@@ -14,8 +14,6 @@ namespace {
 
 constexpr int deepestNesting = 500;  // of parentheses, calls, indices and signs
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 // A number token: digits with a point or an exponent, or "$" and hexadecimal digits.
 bool ReadNumber(const std::string& token, double& value) {
     if (token.empty() || (token[0] != '$' && !IsDigit(token[0]))) return false;

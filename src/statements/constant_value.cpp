@@ -157,7 +157,7 @@ Value Factor(Cursor& cursor) {
     if (Is(token, ".")) return Number("." + cursor.tokens[cursor.at++]);
     if (IsWord(token, "true")) return Integer(1);
     if (IsWord(token, "false")) return Integer(0);
-    if (token[0] == '$' || (token[0] >= '0' && token[0] <= '9')) return Number(token);
+    if (token[0] == '$' || IsDigit(token[0])) return Number(token);
     return ConstNamed(token, cursor.depth);
 }
 

@@ -2,6 +2,7 @@
 
 #include "driver/report.h"
 #include "driver/run.h"
+#include "lexer/holes.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
@@ -28,27 +29,18 @@ std::string Spelling(TokenSpan tokens) {
 }
 
 // Replaces `its` inside the holes of a string literal.
-std::string SubstituteInHoles(const std::string& literal, const std::string& object) {
-    std::string result;
-    bool inHole = false;
-    for (std::size_t i = 0; i < literal.size(); ++i) {
-        if (!inHole && literal[i] == '~' && i + 1 < literal.size()) {
-            result += literal[i++];
-        } else if (literal[i] == '{') {
-            inHole = true;
-        } else if (literal[i] == '}') {
-            inHole = false;
-        } else if (inHole && ItsAt(literal, i)) {
-            result += object;
-            i += 2;
-            continue;
+std::string SubstituteInHoles(const Word& literal, const std::string& object) {
+    std::string result = "\"";
+    for (const StringPiece& piece : PiecesOf(literal)) {
+        if (piece.kind == StringPiece::Kind::Trouble) return literal.text;
+        for (std::size_t i = piece.from; i < piece.to; ++i) {
+            const bool its = piece.kind == StringPiece::Kind::Hole && ItsAt(literal.text, i);
+            if (its) i += 2;
+            result += its ? object : std::string(1, literal.text[i]);
         }
-        result += literal[i];
     }
-    return result;
+    return result + "\"";
 }
-
-bool HasHoles(const std::string& token) { return token[0] == '"' && token.find('{') != std::string::npos; }
 
 }  // namespace
 
@@ -86,7 +78,7 @@ void TranslateEndWith(State& state, TokenSpan tokens) {
 
 bool MentionsIts(const State& state, TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i)
-        if (tokens.KeywordAt(i) == Keyword::Its || (!state.withLines.empty() && HasHoles(tokens[i])))
+        if (tokens.KeywordAt(i) == Keyword::Its || (!state.withLines.empty() && HasHoles(tokens.At(i))))
             return true;
     return false;
 }
@@ -97,7 +89,6 @@ Tokens SubstituteIts(State& state, TokenSpan tokens) {
     const bool open = !state.withLines.empty();
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const Word& word = tokens.At(i);
-        const std::string& token = word.text;
         if (word.keyword == Keyword::Its) {
             if (open)
                 result.insert(result.end(), withStack.back().begin(), withStack.back().end());
@@ -105,8 +96,8 @@ Tokens SubstituteIts(State& state, TokenSpan tokens) {
                 ReportFatal("'its' is only valid inside a With ... EndWith block");
             else
                 result.push_back(word);
-        } else if (open && HasHoles(token)) {
-            result.push_back(SubstituteInHoles(token, Spelling(withStack.back())));
+        } else if (open && HasHoles(word)) {
+            result.push_back(SubstituteInHoles(word, Spelling(withStack.back())));
         } else {
             result.push_back(word);
         }

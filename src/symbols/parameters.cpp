@@ -72,8 +72,6 @@ ValueType WordType(const std::string& token) {
     return constant && constant->isConst ? constant->type : Single(Base::Void);
 }
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 // Type of a default value; Void when it is none.
 ValueType DefaultType(TokenSpan value) {
     const bool isSigned = value[0] == "-" || value[0] == "+";
