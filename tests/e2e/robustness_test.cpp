@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <random>
 
 #include "toolchain.h"
 
@@ -28,16 +27,6 @@ void Feed(const std::string& bytes, const std::string& what) {
                   << kvt.err.substr(0, 3000);
 }
 
-std::vector<std::string> ExampleTexts() {
-    std::vector<std::string> texts;
-    const std::string root = GetPlaces().source + "/examples";
-    if (!fs::exists(root)) return texts;
-    for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.path().extension() == ".kvl") texts.push_back(ReadFile(entry.path().string()));
-    }
-    return texts;
-}
-
 TEST(Robustness, EmptyAndTinySources) {
     const std::vector<std::string> sources{"", "\n", ";", "_", "_\n_\n", "|", "\"", "\\", "\xEF\xBB\xBF"};
     for (const std::string& bytes : sources) Feed(bytes, "'" + bytes + "'");
@@ -45,36 +34,6 @@ TEST(Robustness, EmptyAndTinySources) {
 }
 
 TEST(Robustness, OwnBinary) { Feed(ReadFile(GetPlaces().stage + "/bin/kvt"), "kvt itself"); }
-
-TEST(Robustness, RandomBytes) {
-    std::mt19937 random(20240607);
-    for (int round = 0; round < 40; ++round) {
-        std::string bytes(1 + random() % 3000, '\0');
-        const unsigned range = round % 2 == 0 ? 256 : 96;  // any bytes, printable bytes
-        for (char& c : bytes) {
-            c = static_cast<char>(range == 256 ? random() % 256 : 32 + random() % 96);
-            if (random() % 40 == 0) c = '\n';
-        }
-        Feed(bytes, "random bytes, round " + std::to_string(round));
-    }
-}
-
-// Programs cut off anywhere, and programs with a word or a line in the wrong place.
-TEST(Robustness, DamagedExamples) {
-    std::mt19937 random(4711);
-    for (const std::string& text : ExampleTexts()) {
-        if (text.empty()) continue;
-        for (int round = 0; round < 6; ++round)
-            Feed(text.substr(0, random() % text.size()), "cut off example");
-        for (int round = 0; round < 6; ++round) {
-            std::string damaged = text;
-            const std::size_t from = random() % text.size(), length = 1 + random() % 30;
-            const std::string piece = text.substr(random() % text.size(), random() % 30);
-            damaged.replace(from, length, piece);
-            Feed(damaged, "damaged example");
-        }
-    }
-}
 
 // Depth and length that would exhaust a careless recursion or a fixed buffer.
 TEST(Robustness, ExtremeLines) {

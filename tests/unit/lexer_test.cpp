@@ -79,46 +79,6 @@ TEST(Lexer, AcceptsOpenBracketsBeforeAContinuation) {
     EXPECT_EQ(lexer.LexLine("a = ([b)]", false, true, false), 7) << "brackets are counted one kind at a time";
 }
 
-TEST(LexerDeathTest, ReportsUnbalancedLines) {
-    const struct {
-        const char* line;
-        const char* message;
-    } rows[] = {
-        {"a = b)", "Unmatched closing parenthesis ')'"},
-        {"a = b]", "Unmatched closing bracket ']'"},
-        {"a = (b + c", "Unclosed parenthesis '('"},
-        {"a = [b", "Unclosed bracket '['"},
-        {"s = \"abc", "Unclosed string literal"},
-        {"s = (\"abc", "Unclosed string literal"},
-        {"a) = \"abc", "Unmatched closing parenthesis ')'"},
-        {"a = (b ; _", "Unclosed parenthesis '('"},
-    };
-    for (const auto& row : rows) {
-        Lexer lexer;
-        lexer.fileName = "game.kvl";
-        lexer.lineNumber = 6;
-        EXPECT_EQ(FatalText([&] { lexer.LexLine(row.line, false, true, false); }),
-                  std::string("Error in game.kvl (line 7): ") + row.message + "\nLine: " + row.line + "\n");
-    }
-}
-
-TEST(LexerDeathTest, TellsWhatItReadsInVerboseMode) {
-    settings.verbose = true;
-    testing::internal::CaptureStderr();
-    Lexer lexer;
-    lexer.LexLine(std::string(51, 'x'), false, true, true);
-    lexer.LexLine(" y", false, false, false);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "DEBUG LexLine: line=1 skipValidation=true content=\"" + std::string(50, 'x') +
-                  "...\"\nDEBUG LexLine: line=1 skipValidation=false content=\" y\"\n");
-    testing::internal::CaptureStderr();
-    FatalText([&] { lexer.LexLine("((a", false, true, false); });
-    EXPECT_HAS(testing::internal::GetCapturedStderr(),
-               "DEBUG: Triggering unclosed paren error - parenDepth=2 skipValidation=false "
-               "hasLineContinuation=false\n");
-    settings.verbose = false;
-}
-
 TEST(Lexer, CutsContinuationsAndFindsComments) {
     const struct {
         std::string line, cut, comment;
