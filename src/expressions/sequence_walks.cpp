@@ -125,6 +125,12 @@ std::string SequenceWalkName(const std::string& variable) { return "__kvWalk_" +
 
 void ResetSequenceWalks() { walks.clear(); }
 
+std::size_t SequenceWalkCount() { return walks.size(); }
+
+void DropSequenceWalks(std::size_t count) {
+    if (walks.size() > count) walks.erase(walks.begin() + static_cast<std::ptrdiff_t>(count), walks.end());
+}
+
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
     constexpr std::size_t deepest = 200;
     if (walks.size() == deepest)

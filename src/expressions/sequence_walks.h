@@ -11,6 +11,9 @@
 
 // Forgets the open walks, when a mistake has interrupted their loops.
 void ResetSequenceWalks();
+// How many loops are open, and forgetting those that were opened since there were so many.
+std::size_t SequenceWalkCount();
+void DropSequenceWalks(std::size_t count);
 
 // Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name.
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable);

@@ -12,6 +12,7 @@
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/program.h"
+#include "symbols/mistakes.h"
 #include "symbols/symbols.h"
 
 namespace korvel {
@@ -29,7 +30,7 @@ void Begin(const Request& request) {
     settings.debugMode = request.debug;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
-    settings.checkOnly = settings.warnings = true;
+    settings.checkOnly = settings.warnings = settings.allMistakes = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
@@ -39,12 +40,13 @@ bool Run(const Request& request, Result& result) {
     const Silence silence(result.diagnostics);
     try {
         RunPhases();
-        CheckMainFunction();
+        if (KeptMistakes().empty()) CheckMainFunction();
     } catch (const Stop& stop) {
-        result.diagnostics.push_back(stop.mistake);
+        KeepMistake(stop, {});
     } catch (const std::bad_alloc&) {
         result.diagnostics.emplace_back().message = "Not enough memory";
     }
+    for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
     result.sources = symbols.sourceFiles;
     return IsSound(result);
 }

@@ -18,6 +18,7 @@
 #include "statements/returns.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
+#include "symbols/mistakes.h"
 #include "symbols/parameters.h"
 #include "symbols/scopes.h"
 
@@ -134,6 +135,7 @@ void CloseRoutine(State& state) {
     EmitLine(state, "}");
     ForgetInlineBraces(state);
     PopRoutineScope();
+    EndDoubtsOfRoutine();
     state.localArrays.clear();
     state.routine = nullptr;
 }

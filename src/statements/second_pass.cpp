@@ -6,6 +6,7 @@
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
+#include "statements/recovery.h"
 #include "statements/with.h"
 #include "symbols/own_names.h"
 #include "symbols/source_lines.h"
@@ -39,7 +40,10 @@ void TranslateLine(State& state, const SourceLines& lines) {
     for (const TokenSpan& statement : statements) {
         const bool last = &statement == &statements.back();
         if (last && !PlacesComment(statement.KeywordAt(0))) PlaceComment(state);
-        TranslateStatement(state, statement);
+        if (settings.allMistakes)
+            TranslateOrRecover(state, statement, TranslateStatement);
+        else
+            TranslateStatement(state, statement);
         ++state.currentStatement;
     }
     FlushComment(state);
@@ -66,5 +70,5 @@ void RunSecondPass(State& state, const std::string& source) {
     }
     settings.currentLine = lines.Line();
     if (lines.InlineCppOpen()) ReportFatal("No EndInlinePHP, unexpected end of file.");
-    CheckBlocksClosed(state);
+    if (!state.mistaken) CheckBlocksClosed(state);
 }

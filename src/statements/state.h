@@ -19,6 +19,16 @@ struct LocalArray {
     bool inOuterBlock = true;
 };
 
+// What is passed over behind a mistake (statements/recovery.h).
+enum class Passing : unsigned char {
+    Nothing,
+    Routine,  // until its closer
+    Class,    // until its closer
+    PreCalc,  // until its closer
+    Stray,    // outside of routines, until something is declared
+    File,     // all the rest
+};
+
 struct State {
     FileOutput* out = nullptr;
     std::string traceText;    // with -t: source of the statement, until attached to a line
@@ -70,6 +80,9 @@ struct State {
     std::vector<std::string> preCalcBody;
     std::vector<int> preCalcBodyLines;
     std::vector<int> withLines;  // start lines of this file's open With blocks
+
+    Passing passing = Passing::Nothing;
+    bool mistaken = false;  // something is wrong with the file: what seems to be open may be closed
 
     // The open routine.
     const Routine* routine = nullptr;

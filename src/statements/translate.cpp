@@ -16,6 +16,7 @@
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/first_pass.h"
+#include "symbols/mistakes.h"
 #include "symbols/name_scan.h"
 #include "symbols/prepopulate.h"
 #include "symbols/scopes.h"
@@ -186,8 +187,10 @@ void TranslateProgram(const std::string& mainSource) {
     try {
         TranslateFile(mainSource, settings.outputPath, true, false);
     } catch (const Stop& stop) {
-        ReportFirstMistake(stop);
+        if (!settings.allMistakes) ReportFirstMistake(stop);
+        KeepMistake(stop, {});
     }
+    if (!KeptMistakes().empty()) return;
     program.main = FindOutput(mainSource);
     CheckAwaitedResults();
     FinishProgram();

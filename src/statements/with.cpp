@@ -68,6 +68,11 @@ void TranslateWith(State& state, TokenSpan tokens) {
     state.withLines.push_back(state.currentLine);
 }
 
+void OpenUnknownWith(State& state) {
+    withStack.push_back({WordOf("its")});
+    state.withLines.push_back(state.currentLine);
+}
+
 // EndWith
 void TranslateEndWith(State& state, TokenSpan tokens) {
     if (state.withLines.empty()) ReportFatal("EndWith without a matching With");

@@ -7,6 +7,8 @@
 #include "driver/run.h"
 #include "driver/settings.h"
 #include "symbols/first_pass_state.h"
+#include "symbols/identifiers.h"
+#include "symbols/mistakes.h"
 #include "symbols/source_lines.h"
 #include "symbols/value_circles.h"
 
@@ -60,6 +62,33 @@ void CollectStatement(FirstPass& pass, TokenSpan tokens) {
     rule.collect(pass, tokens);
 }
 
+// Behind a wrong head there is a routine all the same.
+void CollectUnknownRoutine(FirstPass& pass, TokenSpan tokens) {
+    const Keyword keyword = tokens.KeywordAt(0);
+    if (!IsName(tokens[1]) || pass.inExtern) return;
+    Routine routine;
+    routine.name = tokens[1];
+    routine.cppName = SafeName(routine.name);
+    routine.file = pass.source;
+    routine.line = pass.line;
+    if (keyword == Keyword::Function && !pass.inType) symbols.functions.emplace(routine.name, routine);
+    if (keyword == Keyword::Method && pass.inType && pass.open.routines.emplace(routine.name, routine).second)
+        pass.open.methods.push_back(routine.name);
+}
+
+// Too much is unknown without another file.
+bool NamesFile(Keyword keyword) { return keyword == Keyword::Include || keyword == Keyword::Import; }
+
+void CollectOrRecover(FirstPass& pass, TokenSpan tokens) {
+    try {
+        CollectStatement(pass, tokens);
+    } catch (const Stop& stop) {
+        if (NamesFile(tokens.KeywordAt(0))) throw;
+        KeepMistake(stop, tokens);
+        CollectUnknownRoutine(pass, tokens);
+    }
+}
+
 void ReadLines(FirstPass& pass) {
     SourceLines lines(Reading::FirstPass);
     if (!lines.Open(pass.source)) {
@@ -71,7 +100,7 @@ void ReadLines(FirstPass& pass) {
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
         if (lines.MetInlineCpp()) symbols.inlineCpp = true;
-        for (const TokenSpan& statement : lines.Statements()) CollectStatement(pass, statement);
+        for (const TokenSpan& statement : lines.Statements()) CollectOrRecover(pass, statement);
     }
     if (lines.MetInlineCpp()) symbols.inlineCpp = true;
     settings.currentFile = pass.source;

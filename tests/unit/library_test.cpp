@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iostream>
 #include <map>
 #include <vector>
+
+#include "case_file.h"
 
 namespace fs = std::filesystem;
 
@@ -85,8 +88,61 @@ TEST(Library, TellsWhereMistakesAreInTextsFromMemory) {
     const korvel::Result result = CheckBroken();
     EXPECT_EQ(
         TextOf(result),
+        "/nowhere/main.kvl:6: With requires a variable that holds an object, not an expression\n"
         "/nowhere/lib/used.kvl:3: Method with return type 'std::string' must have a Return statement\n");
     EXPECT_EQ(result.sources, (std::vector<std::string>{"/nowhere/main.kvl", "/nowhere/lib/used.kvl"}));
+}
+
+korvel::Result CheckCase(const Case& test) {
+    korvel::Request request = RequestFor("/nowhere/" + test.mainFile);
+    for (const auto& [path, text] : test.files) request.overlays.push_back({"/nowhere/" + path, text});
+    const auto has = [&test](const char* flag) {
+        return std::find(test.flags.begin(), test.flags.end(), flag) != test.flags.end();
+    };
+    request.safe = has("-safe");
+    request.debug = has("-d");
+    request.fast = has("-fast");
+    return korvel::Check(request);
+}
+
+// Cases quote a mistake as kvt does.
+bool SaysTheSame(const korvel::Diagnostic& said, const Case& test) {
+    std::string wanted = test.error;
+    if (wanted.rfind("ERROR: ", 0) == 0) wanted.erase(0, 7);
+    const std::size_t hole = wanted.find("{main}");
+    if (hole != std::string::npos) wanted.replace(hole, 6, "/nowhere/" + test.mainFile);
+    return said.message == wanted;
+}
+
+// Programs with one mistake in the cases: what follows from it must not be told.
+TEST(Library, TellsOneMistakeOnce) {
+    int cases = 0, once = 0, missed = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(SOURCE_ROOT "/tests/cases")) {
+        if (entry.path().extension() != ".kvl") continue;
+        for (const Case& test : ReadCases(entry.path().string())) {
+            if (!test.wantsError || !test.command.empty() || test.errorLine < 0) continue;
+            korvel::Result result = CheckCase(test);
+            std::vector<korvel::Diagnostic>& said = result.diagnostics;
+            said.erase(std::remove_if(said.begin(), said.end(), [](const auto& d) { return d.isWarning; }),
+                       said.end());
+            const auto isIt = [&test](const auto& d) {
+                return d.line == test.errorLine && SaysTheSame(d, test);
+            };
+            const bool found = std::any_of(said.begin(), said.end(), isIt);
+            ++cases;
+            if (found && said.size() == 1)
+                ++once;
+            else
+                std::cout << test.place << " wants " << test.errorLine << ": " << test.error << "\n"
+                          << TextOf(result) << "\n";
+            missed += found ? 0 : 1;
+        }
+    }
+    RecordProperty("percent", once * 100 / cases);
+    std::cout << once << " of " << cases << " programs with a mistake give exactly that one; " << missed
+              << " do not give it\n";
+    EXPECT_GE(once * 100, cases * 95);
+    EXPECT_EQ(missed, 0);
 }
 
 }  // namespace

@@ -1,0 +1,197 @@
+#include "statements/recovery.h"
+
+#include <algorithm>
+
+#include "driver/settings.h"
+#include "expressions/sequence_walks.h"
+#include "prelude/output.h"
+#include "statements/dispatch.h"
+#include "statements/second_pass.h"
+#include "statements/with.h"
+#include "symbols/first_pass.h"
+#include "symbols/mistakes.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// How much was open before a statement.
+struct OpenWork {
+    explicit OpenWork(const State& state)
+        : blocks(state.blocks.size()),
+          selects(state.selects.size()),
+          repeats(state.repeatStack.size()),
+          ifs(state.ifStack.size()),
+          loops(state.loopStack.size()),
+          loopDepth(state.loopDepth),
+          selectDepth(state.selectDepth),
+          scopes(localDefList.size()),
+          scopeBlocks(BlockCount()),
+          walks(SequenceWalkCount()),
+          cls(currentClass) {}
+    std::size_t blocks, selects, repeats, ifs, loops;
+    int loopDepth, selectDepth;
+    std::size_t scopes, scopeBlocks, walks;
+    const ClassInfo* cls;
+};
+
+template <class Item>
+void Shorten(std::vector<Item>& list, std::size_t size) {
+    if (list.size() > size) list.erase(list.begin() + static_cast<std::ptrdiff_t>(size), list.end());
+}
+
+// Takes back what the statement has opened.
+void TakeBack(State& state, const OpenWork& before) {
+    Shorten(state.blocks, before.blocks);
+    Shorten(state.braces, before.blocks);
+    Shorten(state.selects, before.selects);
+    Shorten(state.repeatStack, before.repeats);
+    Shorten(state.ifStack, before.ifs);
+    Shorten(state.loopStack, before.loops);
+    Shorten(state.loopKindStack, before.loops);
+    state.loopDepth = std::min(state.loopDepth, before.loopDepth);
+    state.selectDepth = std::min(state.selectDepth, before.selectDepth);
+    state.inOneLineIf = false;
+    state.reachable = true;
+    while (localDefList.size() > before.scopes) PopRoutineScope();
+    for (std::size_t count = BlockCount(); count > before.scopeBlocks; --count) PopBlock();
+    DropSequenceWalks(before.walks);
+    CollectNeedsInto(nullptr);
+    currentClass = before.cls;
+}
+
+bool IsRoutineCloser(Keyword keyword) {
+    return keyword == Keyword::EndFunction || keyword == Keyword::EndMethod;
+}
+
+bool IsClassCloser(Keyword keyword) { return keyword == Keyword::EndType || keyword == Keyword::EndElement; }
+
+// Closes the open routine, whatever is open in it.
+void CloseRoutineAnyway(State& state) {
+    TakeBack(state, [&] {
+        OpenWork nothing(state);
+        nothing.blocks = nothing.selects = nothing.repeats = nothing.ifs = nothing.loops = 0;
+        nothing.loopDepth = nothing.selectDepth = 0;
+        nothing.walks = 0;
+        return nothing;
+    }());
+    while (!state.withLines.empty()) TranslateEndWith(state, Tokens{"EndWith"});
+    state.hasReturn = true;
+    const Tokens closer = {state.inMethod ? "EndMethod" : "EndFunction"};
+    DispatchStatement(state, closer);
+}
+
+// What stands for a wrong statement; empty when nothing has to.
+Tokens Substitute(TokenSpan statement) {
+    switch (statement.KeywordAt(0)) {
+        case Keyword::If:
+            return {"If", "True"};
+        case Keyword::While:
+        case Keyword::For:
+        case Keyword::EachSeq:
+            return {"While", "True"};
+        case Keyword::Until:
+            return {"Until", "True"};
+        case Keyword::Repeat:
+        case Keyword::Forever:
+        case Keyword::Wend:
+        case Keyword::Next:
+        case Keyword::NextSeq:
+        case Keyword::EndIf:
+        case Keyword::EndSelect:
+        case Keyword::EndWith:
+            return {statement.At(0)};
+        case Keyword::Select:
+            return {"Select", "1"};
+        default:
+            return {};
+    }
+}
+
+// An If with something behind its Then ends on its line.
+bool EndsOnItsLine(TokenSpan statement) {
+    const std::size_t then = statement.Find(Keyword::Then);
+    return statement.KeywordAt(0) == Keyword::If && then != noToken && !StaysOpen(statement, then);
+}
+
+// Opens or closes what the statement would have. Nothing is known of the values that it tests.
+void Replace(State& state, TokenSpan statement) {
+    const Tokens substitute = Substitute(statement);
+    if (substitute.empty() || EndsOnItsLine(statement)) return;
+    DispatchStatement(state, substitute);
+    if (statement.KeywordAt(0) == Keyword::Select && !state.selects.empty())
+        state.selects.back().subject = ValueType();
+}
+
+Passing PassingBehind(const State& state, Keyword keyword) {
+    switch (keyword) {
+        case Keyword::Function:
+        case Keyword::Method:
+            return state.inFunction || state.inMethod ? Passing::File : Passing::Routine;
+        case Keyword::Type:
+        case Keyword::Element:
+            return state.inFunction || state.inType ? Passing::File : Passing::Class;
+        case Keyword::PreCalc:
+            return Passing::PreCalc;
+        default:
+            return state.inFunction || state.inMethod ? Passing::Nothing : Passing::Stray;
+    }
+}
+
+void Recover(State& state, const OpenWork& before, TokenSpan statement) {
+    const Keyword keyword = statement.KeywordAt(0);
+    const bool closed = state.blocks.size() < before.blocks;
+    TakeBack(state, before);
+    if (IsRoutineCloser(keyword) && (state.inFunction || state.inMethod)) return CloseRoutineAnyway(state);
+    state.hasReturn = state.hasReturn || keyword == Keyword::Return;
+    if (keyword == Keyword::EndPreCalc) return;
+    state.passing = PassingBehind(state, keyword);
+    if (keyword == Keyword::With) {
+        OpenUnknownWith(state);
+        Doubt(WordOf("its"));
+    }
+    if (!closed && (state.inFunction || state.inMethod)) Replace(state, statement);
+}
+
+// Whether the statement is passed over.
+bool PassesOver(State& state, Keyword keyword) {
+    const Passing passing = state.passing;
+    const bool ends = (passing == Passing::Routine && IsRoutineCloser(keyword)) ||
+                      (passing == Passing::Class && IsClassCloser(keyword)) ||
+                      (passing == Passing::PreCalc && keyword == Keyword::EndPreCalc);
+    const bool goesOn = passing == Passing::Stray && (IsCollected(keyword) || IsClassCloser(keyword));
+    if (passing == Passing::Stray && IsRoutineCloser(keyword)) {
+        state.passing = Passing::Nothing;
+        return true;
+    }
+    if (ends || goesOn) state.passing = Passing::Nothing;
+    return passing != Passing::Nothing && !goesOn;
+}
+
+// What is said of results depends on a head that may be wrong, and whether a routine is still open on all before.
+bool FollowsFromEarlier(const State& state, Keyword keyword) {
+    if (state.mistaken && PassingBehind(state, keyword) == Passing::File) return true;
+    const bool result = keyword == Keyword::Return || IsRoutineCloser(keyword);
+    if (IsRoutineCloser(keyword) && state.mistaken && !state.withLines.empty()) return true;
+    return result && state.routine != nullptr && IsDoubtful(WordOf(state.routine->name));
+}
+
+}  // namespace
+
+void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler translate) {
+    const Keyword keyword = statement.KeywordAt(0);
+    if (!state.inPreCalc && PassesOver(state, keyword)) return;
+    const OpenWork before(state);
+    try {
+        translate(state, statement);
+        return;
+    } catch (const Stop& stop) {
+        if (!FollowsFromEarlier(state, keyword)) KeepMistake(stop, statement);
+        state.mistaken = true;
+    }
+    try {
+        Recover(state, before, statement);
+    } catch (const Stop&) {
+        TakeBack(state, before);
+        state.passing = state.inFunction || state.inMethod ? Passing::Nothing : Passing::File;
+    }
+}

@@ -1,0 +1,94 @@
+#include "symbols/mistakes.h"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_set>
+
+#include "driver/run.h"
+#include "driver/settings.h"
+#include "lexer/mentions.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+std::vector<korvel::Diagnostic> kept;
+std::unordered_set<const Word*> doubtful;           // everywhere
+std::unordered_set<const Word*> doubtfulInRoutine;  // until it ends
+const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine);
+
+bool IsDeclared(const std::string& name) {
+    return FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr || IsClass(name) ||
+           symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
+           symbols.fieldOwners.count(name) != 0 || FindLocal(name) != nullptr;
+}
+
+bool Declares(Keyword keyword) {
+    switch (keyword) {
+        case Keyword::Local:
+        case Keyword::Global:
+        case Keyword::Const:
+        case Keyword::Field:
+        case Keyword::For:
+        case Keyword::EachSeq:
+        case Keyword::PreCalc:
+        case Keyword::Function:
+        case Keyword::Method:
+        case Keyword::Type:
+        case Keyword::Element:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsNameOfProgram(const Word& word) {
+    const bool isName = word.sign == '\0' && word.text[0] != '"' && IsName(word.text);
+    return isName && (word.keyword == Keyword::None || !IsDeclared(word.text));
+}
+
+// Names that nobody declares, and those that a wrong declaration would have declared.
+void DoubtNamesOf(TokenSpan statement) {
+    const bool declares = Declares(statement.KeywordAt(0));
+    const Tokens mentioned = MentionedTokens(statement.From(declares ? 1 : 0));
+    for (const Token token : mentioned)
+        if (IsNameOfProgram(*token) && (!IsDeclared(token->text) || (declares && FindLocal(token->text))))
+            Doubt(*token);
+    if (declares && IsNameOfProgram(statement.At(1))) Doubt(statement.At(1));
+}
+
+bool MentionsDoubtful(TokenSpan statement) {
+    const Tokens mentioned = MentionedTokens(statement);
+    return std::any_of(mentioned.begin(), mentioned.end(), [](Token token) { return IsDoubtful(*token); });
+}
+
+auto PlaceOf(const korvel::Diagnostic& mistake) {
+    const auto file = std::find(symbols.sourceFiles.begin(), symbols.sourceFiles.end(), mistake.file);
+    return std::make_tuple(file - symbols.sourceFiles.begin(), mistake.line, mistake.message);
+}
+
+}  // namespace
+
+void KeepMistake(const Stop& stop, TokenSpan statement) {
+    if (!settings.allMistakes) throw Stop(stop);
+    if (!MentionsDoubtful(statement)) kept.push_back(stop.mistake);
+    DoubtNamesOf(statement);
+}
+
+void Doubt(const Word& name) { (localDefList.size() > 1 ? doubtfulInRoutine : doubtful).insert(&name); }
+
+bool IsDoubtful(const Word& name) {
+    return doubtful.count(&name) != 0 || doubtfulInRoutine.count(&name) != 0;
+}
+
+void EndDoubtsOfRoutine() { doubtfulInRoutine.clear(); }
+
+std::vector<korvel::Diagnostic> KeptMistakes() {
+    std::vector<korvel::Diagnostic> mistakes = kept;
+    std::stable_sort(mistakes.begin(), mistakes.end(),
+                     [](const auto& a, const auto& b) { return PlaceOf(a) < PlaceOf(b); });
+    const auto same = [](const auto& a, const auto& b) { return PlaceOf(a) == PlaceOf(b); };
+    mistakes.erase(std::unique(mistakes.begin(), mistakes.end(), same), mistakes.end());
+    return mistakes;
+}
