@@ -1,11 +1,14 @@
 #include "analysis/reach.h"
 
+#include <utility>
+
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
 #include "driver/run.h"
 #include "expressions/expression.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
+#include "symbols/name_scan.h"
 #include "symbols/source_lines.h"
 
 namespace {
@@ -34,28 +37,46 @@ class FileReach {
 public:
     explicit FileReach(const std::string& path) : file(path), fileId(FileId(path)) {}
 
-    void Read() {
-        SourceLines lines(Reading::Uses);
-        if (!lines.Open(file)) return;
-        lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
-        while (lines.Next()) {
-            if (lines.MetInlineCpp() && node != outside) {
-                graph.At(node).createsAnything = true;
-                graph.At(node).holdsInlineCpp = true;
-            }
-            for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement, lines.Line());
-        }
-    }
+    void Read() { ReadLines(); }
 
 private:
     static constexpr int outside = -1;
 
     std::string file, fileId;
+    int partsRead = 0;
     int node = outside;          // the routine or loop that the statement belongs to
     std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
     const ClassInfo* cls = nullptr;
     OwnNames names;  // of the open routine
     int blocks = 0;  // that are open in it
+
+    void ReadLines() {
+        SourceLines lines(Reading::Uses);
+        if (!lines.Open(file)) return;
+        lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
+        while (lines.Next()) {
+            if (lines.MetInlineCpp()) NoteInlineCpp();
+            for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement, lines.Line());
+        }
+        if (lines.MetInlineCpp()) NoteInlineCpp();
+    }
+
+    void NoteInlineCpp() {
+        if (node == outside) return;
+        graph.At(node).createsAnything = true;
+        graph.At(node).holdsInlineCpp = true;
+    }
+
+    // The statements of a file included in the open routine are the routine's.
+    void ReadPart(TokenSpan tokens) {
+        if (!IsQuoted(tokens[1])) return;
+        const std::string path = PathOfInclude(std::string(Unquoted(tokens[1])));
+        if (!IsPart(path) || ++partsRead > mostParts) return;
+        const std::string outer = std::exchange(file, path), outerId = std::exchange(fileId, FileId(path));
+        ReadLines();
+        file = outer;
+        fileId = outerId;
+    }
 
     void ReadStatement(TokenSpan tokens, int line) {
         const Keyword word = tokens.KeywordAt(0);
@@ -78,6 +99,9 @@ private:
             case Keyword::Field:
                 if (cls) return ReadField(tokens);
                 break;
+            case Keyword::Include:
+                if (node != outside) ReadPart(tokens);
+                return;
             default:
                 break;
         }
@@ -199,7 +223,8 @@ void Build() {
     built = true;
     AddNames();
     BeginSequenceChanges();
-    for (const std::string& file : symbols.sourceFiles) FileReach(file).Read();
+    for (const std::string& file : symbols.sourceFiles)
+        if (!IsPart(file)) FileReach(file).Read();
     std::vector<int> creators;
     for (std::size_t i = 0; i < graph.nodes.size(); ++i)
         if (graph.nodes[i].createsAnything) creators.push_back(static_cast<int>(i));

@@ -138,6 +138,8 @@ Piece TakeMethodBody(Piece& piece) {
     Piece body;
     body.kind = Kind::Function;
     body.text = piece.definitionHead + "\n" + piece.text.substr(piece.braceAt);
+    body.partPaths = std::move(piece.partPaths);
+    for (PartPath& part : body.partPaths) part.at += piece.definitionHead.size() + 1 - piece.braceAt;
     piece.text = piece.declaration;
     return body;
 }
@@ -182,6 +184,7 @@ void OrderRoutines(Program& program) {
         if (!routine || (&file == program.main && piece.kind == Kind::Main)) return;
         late.push_back(std::exchange(piece, Piece()));
     });
+    for (Piece& piece : late) RewritePartPaths(*program.main, piece.text, piece.partPaths);
     auto& pieces = program.main->pieces;
     pieces.insert(pieces.end(), late.begin(), late.end());
 }

@@ -1,7 +1,10 @@
 #include "prelude/output.h"
-#include "driver/run.h"
 
 #include <algorithm>
+
+#include "driver/run.h"
+#include "driver/settings.h"
+#include "driver/utf8.h"
 
 namespace {
 
@@ -16,6 +19,23 @@ const PartOfRun partOfRun(needsSink, openOutput, globalCount);
 std::string HeaderPath(const FileOutput& out) { return out.folder + "/" + out.base + ".h"; }
 
 std::string CppPath(const FileOutput& out) { return out.folder + "/" + out.base + ".cpp"; }
+
+// Names of Includes start at the top folder; a .cpp in a sub-folder has to climb up to it first.
+std::string PathSeenFrom(const FileOutput& out, const std::string& path) {
+    if (out.folder == settings.outputPath) return path;
+    return GenericTextOf(PathOf(settings.outputPath + "/" + path).lexically_relative(PathOf(out.folder)));
+}
+
+void RewritePartPaths(const FileOutput& out, std::string& text, std::vector<PartPath>& paths) {
+    std::size_t grown = 0;
+    for (PartPath& part : paths) {
+        const std::string path = PathSeenFrom(out, part.path);
+        part.at += grown;
+        text.replace(part.at, part.size, path);
+        grown += path.size() - part.size;
+        part.size = path.size();
+    }
+}
 
 void PutLine(FileOutput& out, std::string_view line) {
     std::string& text = out.pieces.back().text;

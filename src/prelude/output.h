@@ -10,6 +10,12 @@
 
 #include "symbols/symbols.h"
 
+// The path of a part (a file included inside a routine) in the text that includes it.
+struct PartPath {
+    std::size_t at = 0, size = 0;
+    std::string path;  // relative to the top output folder
+};
+
 struct Piece {
     enum class Kind : unsigned char {
         Opening,     // the opening lines of the .cpp
@@ -31,6 +37,7 @@ struct Piece {
     std::string declaration;              // Method: its lines in the class when the body moves out
     std::string definitionHead;           // Method: the signature line outside the class
     std::size_t braceAt = 0, bodyAt = 0;  // routines: where the line of the opening brace begins and ends
+    std::vector<PartPath> partPaths;      // routines: in order
 };
 
 // A Global, Const or PreCalc table as the header gets it.
@@ -57,6 +64,7 @@ struct FileOutput {
     bool isMain = false;
     bool headerOnly = false;    // from a .kvh folder: its .cpp is dropped
     bool metAgain = false;      // included more than once: its text must count once
+    bool isSettled = false;     // a part whose text is there
     std::string headerOpening;  // from the guard to "using namespace std;" and its empty line
     std::string headerPrelude;  // main file only
     std::string headerClasses;  // forward declarations, instance lists, iteration helpers
@@ -71,6 +79,11 @@ struct FileOutput {
 
 std::string HeaderPath(const FileOutput& out);
 std::string CppPath(const FileOutput& out);
+
+// A path from the top output folder as an #include in the file names it.
+std::string PathSeenFrom(const FileOutput& out, const std::string& path);
+// Makes the paths of parts in the text those that `out` sees.
+void RewritePartPaths(const FileOutput& out, std::string& text, std::vector<PartPath>& paths);
 
 // Appends a finished line to the open piece.
 void PutLine(FileOutput& out, std::string_view line);

@@ -49,7 +49,7 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // The place of the innermost block of the kind in the open routine.
 std::size_t FindBlock(const State& state, BlockKind kind) {
-    for (std::size_t at = state.blocks.size(); at-- > 0;)
+    for (std::size_t at = state.blocks.size(); at-- > state.firstBlock;)
         if (state.blocks[at].kind == kind && state.blocks[at].routineLine == RoutineLine(state)) return at;
     return none;
 }
@@ -142,7 +142,7 @@ std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::s
     std::size_t at = FindBlock(state, kind);
     if (at == none) at = FindBlock(state, BlockKind::Inline);
     const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
-    if (state.blocks.empty()) ReportFatal(stray);
+    if (state.blocks.size() == state.firstBlock) ReportFatal(stray);
     if (at == none) {
         Refuse(state, stray);
         return std::nullopt;

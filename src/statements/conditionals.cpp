@@ -44,7 +44,7 @@ void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
 
 // The open If that an Else or ElseIf continues.
 OpenBraces& ContinuedIf(State& state, const std::string& keyword) {
-    for (std::size_t i = state.braces.size(); i-- > 0;) {
+    for (std::size_t i = state.braces.size(); i-- > state.firstBlock;) {
         OpenBraces& block = state.braces[i];
         if (block.kind != BlockKind::If) continue;
         if (i + 1 != state.braces.size())
@@ -155,7 +155,7 @@ void OpenIf(State& state, TokenSpan condition) {
 std::size_t LeftOpenBy(State& state, TokenSpan tokens) {
     const std::size_t own = state.inOneLineIf ? noToken : OwnEndIf(tokens);
     if (own == noToken) return noToken;
-    if (!state.ifsLeftOpen) state.ifsLeftOpen = FindIfsLeftOpen(state.out->source);
+    if (!state.ifsLeftOpen) state.ifsLeftOpen = FindIfsLeftOpen(settings.currentFile);
     return state.ifsLeftOpen->count({state.currentLine, state.currentStatement}) != 0 ? own : noToken;
 }
 

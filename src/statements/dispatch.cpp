@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "statements/assignments.h"
@@ -138,6 +139,32 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
         ReportFatal("'" + word + "' can only be used inside a Function or Method", UnclosedExtern(state));
 }
 
+// What stands at the top level or in a class body, and so nowhere in a file that a routine includes.
+void RefuseInPart(const State& state, TokenSpan tokens) {
+    switch (tokens.KeywordAt(0)) {
+        case Keyword::Function:
+        case Keyword::Method:
+        case Keyword::Type:
+        case Keyword::Element:
+        case Keyword::EndType:
+        case Keyword::EndElement:
+        case Keyword::Field:
+        case Keyword::Global:
+        case Keyword::Const:
+        case Keyword::PreCalc:
+        case Keyword::Extern:
+        case Keyword::EndExtern:
+        case Keyword::Public:
+        case Keyword::Private:
+            break;
+        default:
+            return;
+    }
+    if (AssignsOwnField(tokens) || IsNoAccessWord(tokens)) return;
+    ReportFatal("'" + tokens[0] + "' cannot stand here: " + StripFolder(state.openParts.back()->source) +
+                " is included inside a Function or Method, so it holds statements and Locals only");
+}
+
 }  // namespace
 
 const DispatchRow* FindDispatchRow(Keyword keyword) {
@@ -196,6 +223,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
             PassOverType(state, keyword);
         return;
     }
+    if (!state.openParts.empty()) RefuseInPart(state, tokens);
     if (state.inPreCalc || keyword == Keyword::PreCalc) {
         TranslatePreCalc(state, tokens);
         return;

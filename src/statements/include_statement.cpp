@@ -16,6 +16,7 @@
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
+#include "symbols/name_scan.h"
 
 namespace fs = std::filesystem;
 
@@ -42,7 +43,7 @@ std::string IncludeOutputFolder(const IncludeName& name) {
     return folder;
 }
 
-std::string IncludeSourcePath(const IncludeName& name) { return settings.sourceFolder + "/" + name.name; }
+std::string IncludeSourcePath(const IncludeName& name) { return PathOfInclude(name.name); }
 
 // The path of the outputs without extension, relative to the top output folder.
 static std::string StemOf(const IncludeName& name) {
@@ -62,16 +63,20 @@ bool IsHeaderOnly(const std::string& sourcePath) {
 
 namespace {
 
-// Include names start at the top folder; a .cpp in a sub-folder has to climb up to it first.
-std::string AsSeenFrom(const FileOutput& out, const std::string& path) {
-    if (out.folder == settings.outputPath) return path;
-    return GenericTextOf(PathOf(settings.outputPath + "/" + path).lexically_relative(PathOf(out.folder)));
-}
-
 void EmitIncludeLine(State& state, const std::string& stem, const std::string& source) {
     BeginPiece(*state.out, Piece::Kind::Include).file = source;
-    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + AsSeenFrom(*state.out, stem + ".cpp") + "\"");
+    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + PathSeenFrom(*state.out, stem + ".cpp") + "\"");
     BeginPiece(*state.out, Piece::Kind::Lines);
+}
+
+// In a routine:
+//     #include "part.cpp"
+void IncludePart(State& state, const IncludeName& name, const std::string& source) {
+    const std::string folder = IncludeOutputFolder(name);
+    NoteInclude(name);
+    TranslatePart(state, source, folder);
+    // It may hold nothing, and C++11 wants a statement behind a label.
+    if (InnermostIs(state, BlockKind::Select)) EmitLine(state, ";");
 }
 
 }  // namespace
@@ -80,15 +85,17 @@ void EmitIncludeLine(State& state, const std::string& stem, const std::string& s
 //     #include "folder/file.cpp"
 void TranslateInclude(State& state, TokenSpan tokens) {
     if (tokens[1].empty() || tokens[1].front() != '"') return;
-    if (state.inFunction || state.inMethod || state.inType)
-        ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
     RefuseMore(tokens, 2);
     std::string quoted = tokens[1];
     quoted.erase(std::remove(quoted.begin(), quoted.end(), '"'), quoted.end());
     if (symbols.importedNames.count(quoted) != 0) return;
     IncludeName name = SplitIncludeName(quoted);
     std::string source = IncludeSourcePath(name);
+    const bool inRoutine = state.inFunction || state.inMethod;
+    if (inRoutine ? !IsPart(source) || IsHeaderOnly(source) : state.inType)
+        ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
     const bool searching = SearchesIn(source);
+    if (inRoutine) return IncludePart(state, name, source);
     // Met before, maybe under another spelling of its path: the outputs keep their first one.
     if (FileOutput* met = FindOutput(source)) {
         met->metAgain = true;

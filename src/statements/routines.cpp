@@ -15,6 +15,7 @@
 #include "statements/debug_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
+#include "statements/parts.h"
 #include "statements/returns.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
@@ -134,6 +135,7 @@ void CloseRoutine(State& state) {
     EmitDefaultResult(state);
     EmitLine(state, "}");
     ForgetInlineBraces(state);
+    SettleParts(state);
     PopRoutineScope();
     EndDoubtsOfRoutine();
     state.localArrays.clear();
@@ -239,7 +241,7 @@ void TranslateFunction(State& state, TokenSpan tokens) {
 
 // EndFunction
 void TranslateEndFunction(State& state, TokenSpan tokens) {
-    if (state.inType || !state.inFunction)
+    if (state.inType || !state.inFunction || !state.openParts.empty())
         ReportFatal("unexpected 'endfunction' token", UnclosedExtern(state));
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndFunction");
@@ -276,7 +278,8 @@ void TranslateMethod(State& state, TokenSpan tokens) {
 // EndMethod
 void TranslateEndMethod(State& state, TokenSpan tokens) {
     if (state.inExtern && state.inType) return;
-    if (!state.inType || !state.inMethod) ReportFatal("unexpected 'endmethod' token");
+    if (!state.inType || !state.inMethod || !state.openParts.empty())
+        ReportFatal("unexpected 'endmethod' token");
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndMethod");
     if (state.returnType != "void" && !state.hasReturn)

@@ -49,10 +49,13 @@ void TranslateLine(State& state, const SourceLines& lines) {
     FlushComment(state);
 }
 
+void NoteOpened(State& state, int opened) {
+    if (opened != 0 && (state.inFunction || state.inMethod)) NoteInlineBraces(state, opened);
+}
+
 }  // namespace
 
-void RunSecondPass(State& state, const std::string& source) {
-    ResetFreshNames();
+void ReadStatements(State& state, const std::string& source) {
     SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
     int opened = 0;  // braces of inline C++ since the line before
@@ -64,11 +67,17 @@ void RunSecondPass(State& state, const std::string& source) {
         PutLine(*state.out, settings.traceMode && !line.goesOn ? line.text + " //INLINE" : line.text);
     };
     while (lines.Next()) {
-        if (opened != 0 && (state.inFunction || state.inMethod)) NoteInlineBraces(state, opened);
+        NoteOpened(state, opened);
         opened = 0;
         TranslateLine(state, lines);
     }
+    NoteOpened(state, opened);
     settings.currentLine = lines.Line();
     if (lines.InlineCppOpen()) ReportFatal("No EndInlinePHP, unexpected end of file.");
+}
+
+void RunSecondPass(State& state, const std::string& source) {
+    ResetFreshNames();
+    ReadStatements(state, source);
     if (!state.mistaken) CheckBlocksClosed(state);
 }

@@ -8,6 +8,9 @@
 // the end of the file end the run.
 void RunSecondPass(State& state, const std::string& source);
 
+// The same without the checks at the beginning and the end: the statements stand in what is open.
+void ReadStatements(State& state, const std::string& source);
+
 // Translates one statement: keyword statements by the dispatch table, everything else as an
 // assignment or a call.
 void DispatchStatement(State& state, TokenSpan tokens);

@@ -21,7 +21,8 @@
 namespace {
 
 OpenSelect& InnermostSelect(State& state, const std::string& keyword) {
-    if (state.selects.empty()) ReportFatal("'" + keyword + "' without an open Select block");
+    if (state.selects.empty() || state.braces.size() <= state.firstBlock)
+        ReportFatal("'" + keyword + "' without an open Select block");
     if (!InnermostIs(state, BlockKind::Select))
         ReportFatal("'" + keyword + "' belongs to the Select of line " +
                     std::to_string(state.selects.back().line) + ", but the block that starts at line " +
@@ -201,7 +202,8 @@ void PrepareInSelect(State& state, Keyword keyword) {
     if (!select.labelSeen && !select.warned && !lenient)
         Warn("What stands between 'Select' and its first 'Case' never runs");
     select.warned = !select.labelSeen;
-    if (keyword != Keyword::Local || select.declares) return;
+    const bool mayDeclare = keyword == Keyword::Local || keyword == Keyword::Include;
+    if (!mayDeclare || select.declares) return;
     select.declares = true;
     select.localsPiece = &state.out->pieces.back();
     select.localsAt = select.localsPiece->text.size();

@@ -5,6 +5,7 @@
 #include "symbols/identifiers.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
+#include "symbols/source_lines.h"
 
 namespace {
 
@@ -18,5 +19,8 @@ bool MeansSomething(const std::string& name) {
 std::string NameBeside(const std::string& name, TokenSpan declaration) {
     const std::string plain = SafeName(name);
     if (!Mentions(declaration, name) || !MeansSomething(name)) return plain;
-    return FreshName(plain + "__" + std::to_string(settings.currentLine));
+    // Lines of a routine's parts may have the numbers of its own.
+    const auto part = symbols.parts.find(FileId(settings.currentFile));
+    const std::string file = part == symbols.parts.end() ? "" : std::to_string(part->second) + "_";
+    return FreshName(plain + "__" + file + std::to_string(settings.currentLine));
 }

@@ -29,6 +29,15 @@ enum class Passing : unsigned char {
     File,     // all the rest
 };
 
+// A file included in the open routine. Its text stands between two marks in the routine's piece, which may still
+// change, until the routine ends.
+struct RoutinePart {
+    FileOutput* out = nullptr;
+    std::string line;        // "#include ..." as it is to stand there
+    std::size_t pathAt = 0;  // of the path in it
+    std::size_t pathSize = 0;
+};
+
 struct State {
     FileOutput* out = nullptr;
     std::string traceText;    // with -t: source of the statement, until attached to a line
@@ -91,8 +100,11 @@ struct State {
     bool hasReturn = false;
     bool reachable = true;  // a run of the program may get to the next statement; errs on the side of yes
     std::vector<LocalArray> localArrays;
-    bool watchesOwnObject = false;  // debug builds: the Method may remove its own object
-    std::size_t frameRoom = 0;      // -fast: bytes that arrays may still take in the routine's frame
+    bool watchesOwnObject = false;       // debug builds: the Method may remove its own object
+    std::size_t frameRoom = 0;           // -fast: bytes that arrays may still take in the routine's frame
+    std::vector<RoutinePart> parts;      // in the order of their beginnings
+    std::vector<FileOutput*> openParts;  // those under way, the innermost last
+    std::size_t firstBlock = 0;          // of the innermost one in `blocks`; what is open before stays open
 };
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line

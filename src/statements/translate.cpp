@@ -13,6 +13,7 @@
 #include "statements/debug_hooks.h"
 #include "statements/first_mistake.h"
 #include "statements/output_places.h"
+#include "statements/parts.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/first_pass.h"
@@ -103,10 +104,14 @@ void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
 }
 
-void TranslateStatements(FileOutput& out, const Declarations& declarations) {
+void OpenFileCpp(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(CppPath(out)))
         ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
     OpenCpp(out, ContentsOf(declarations, out.source).instanceLists);
+}
+
+void TranslateStatements(FileOutput& out, const Declarations& declarations) {
+    OpenFileCpp(out, declarations);
     State state;
     state.out = &out;
     state.unclosedExtern = declarations.unclosedExtern;
@@ -164,12 +169,42 @@ void TranslateFile(const std::string& path, const std::string& outputFolder, boo
     lenient = lenientRun;
     if (isMain) NoteAllNamesRead();
     if (!lenientRun) BeginStatements(path);
-    if (!lenientRun || SearchesFirstMistake()) {
+    if (lenientRun && IsPart(path)) {  // its statements belong to the routines that it is included in
+        PutOffRest(out, declarations);
+    } else if (!lenientRun || SearchesFirstMistake()) {
         TranslateRest(out, declarations);
     } else {
         AwaitStatements(path, outputFolder);
         const bool shown = settings.verbose && GoesThrough([&] { TranslateRest(out, declarations); });
         if (!shown) PutOffRest(out, declarations);
+    }
+    if (!lenientRun) EndStatements(path);
+}
+
+void TranslatePart(State& state, const std::string& path, const std::string& outputFolder) {
+    const bool lenientRun = lenient;
+    FileOutput* met = lenientRun ? nullptr : FindOutput(path);
+    FileOutput& out = met != nullptr ? *met : NewOutput(path, lenientRun);
+    const SavedPlace place(*state.out);
+    if (met == nullptr) {
+        NameOutputs(out, path, outputFolder, false);
+        ClaimOutputs(out);
+    }
+    OpenPart part(state, out);
+    Declarations declarations;
+    CollectDeclarations(path, declarations);
+    lenient = lenientRun;
+    if (!lenientRun) BeginStatements(path);
+    if (met == nullptr) {
+        WriteHeaderTop(out, declarations);
+        Prepopulate(declarations);
+        OpenFileCpp(out, declarations);
+    }
+    part.Read(path);
+    if (met == nullptr) {
+        NoteMentions(out, declarations);
+        CloseHeader(out);
+        SayPostProcessing(out);
     }
     if (!lenientRun) EndStatements(path);
 }

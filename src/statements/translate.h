@@ -3,6 +3,8 @@
 
 #include <string>
 
+struct State;
+
 // Translates the main source and everything it includes, then puts the pieces of the whole program
 // into an order that compiles. Whatever is wrong ends the run.
 void TranslateProgram(const std::string& mainSource);
@@ -11,6 +13,9 @@ void TranslateProgram(const std::string& mainSource);
 // included file met in a first pass. Its statements wait for the strict run of the second pass, which
 // tells everything that they would; only in verbose mode they are gone through, for the notes.
 void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun);
+
+// Translates a file that is included in the open routine, as if its statements stood there.
+void TranslatePart(State& state, const std::string& path, const std::string& outputFolder);
 
 // Splits the quoted name of an Include into its folder part ("" without one) and file part.
 struct IncludeName {

@@ -166,4 +166,7 @@ void CollectDeclarations(const std::string& source, Declarations& out) {
     SaySummary(out);
 }
 
-bool IsCollected(Keyword keyword) { return RuleOf(keyword).collect != nullptr; }
+bool IsCollected(Keyword keyword) {
+    return RuleOf(keyword).collect != nullptr || keyword == Keyword::EndFunction ||
+           keyword == Keyword::EndMethod;
+}

@@ -36,8 +36,8 @@ std::string BaseName(const std::string& source) {
 
 class NameScan {
 public:
-    // `name` is how the chain of Includes calls the file.
-    void ScanFile(const std::string& path, const std::string& name) {
+    // `name` is how the chain of Includes calls the file; `isPart` when one inside a routine does.
+    void ScanFile(const std::string& path, const std::string& name, bool isPart) {
         const std::string id = FileId(path);
         if (!known.insert(id).second) return;
         SourceLines lines(Reading::Names);
@@ -46,13 +46,15 @@ public:
         ++baseNames[BaseName(path)];
         sourcesByName.emplace(Lower(StripFolder(path)), path);
         chain.push_back({id, name});
+        Place place;
+        place.inRoutine = isPart;
         while (lines.Next()) {
             for (const TokenSpan& statement : lines.Statements())
-                ScanStatement(statement, path, lines.Line());
+                ScanStatement(statement, path, lines.Line(), place);
             if (included.empty()) continue;
-            const std::vector<std::string> names = std::move(included);
+            const std::vector<Included> files = std::move(included);
             included.clear();
-            for (const std::string& include : names) FollowInclude(include, path, lines.Line());
+            for (const Included& file : files) FollowInclude(file, path, lines.Line());
         }
         chain.pop_back();
     }
@@ -64,17 +66,31 @@ private:
     struct Link {
         std::string id, name;
     };
+    // Where a file has got to.
+    struct Place {
+        bool inExtern = false, inRoutine = false;
+    };
+    struct Included {
+        std::string name;
+        bool inRoutine;
+    };
     std::vector<Link> chain;  // the files under way, the main one first
     std::unordered_set<std::string> known;
-    std::vector<std::string> included;  // by the current line
+    std::unordered_set<std::string> atTopLevel;  // files included there
+    std::vector<Included> included;              // by the current line
+    int partCount = 0;
 
-    void ScanStatement(TokenSpan tokens, const std::string& path, int line) {
-        if (tokens.size() < 2) return;
+    void ScanStatement(TokenSpan tokens, const std::string& path, int line, Place& place) {
         const Keyword keyword = tokens.KeywordAt(0);
+        if (keyword == Keyword::Extern || keyword == Keyword::EndExtern)
+            place.inExtern = keyword == Keyword::Extern;
+        if (keyword == Keyword::Function || keyword == Keyword::Method) place.inRoutine = !place.inExtern;
+        if (keyword == Keyword::EndFunction || keyword == Keyword::EndMethod) place.inRoutine = false;
+        if (tokens.size() < 2) return;
         if (keyword == Keyword::Type || keyword == Keyword::Element) {
             AddClass(tokens[1], keyword == Keyword::Element, path, line);
         } else if (keyword == Keyword::Include && IsQuoted(tokens[1])) {
-            included.emplace_back(Unquoted(tokens[1]));
+            included.push_back({std::string(Unquoted(tokens[1])), place.inRoutine});
         }
     }
 
@@ -89,11 +105,20 @@ private:
         symbols.classIndex.emplace(name, &cls);
     }
 
-    void FollowInclude(const std::string& name, const std::string& from, int line) {
-        std::string written = name;
-        std::replace(written.begin(), written.end(), '\\', '/');
-        const std::string path = settings.sourceFolder + "/" + written;
+    void NotePlace(const std::string& id, bool inRoutine) {
+        if (!inRoutine) {
+            atTopLevel.insert(id);
+            symbols.parts.erase(id);
+        } else if (atTopLevel.count(id) == 0 && symbols.parts.count(id) == 0) {
+            symbols.parts.emplace(id, ++partCount);
+        }
+    }
+
+    void FollowInclude(const Included& file, const std::string& from, int line) {
+        const std::string& name = file.name;
+        const std::string path = PathOfInclude(name);
         const std::string id = FileId(path);
+        NotePlace(id, file.inRoutine);
         const auto same = [&id](const Link& link) { return link.id == id; };
         if (known.count(id) != 0 && std::any_of(chain.begin(), chain.end(), same))
             FailCircle(id, name, from, line);
@@ -101,7 +126,7 @@ private:
             Fail("Includes are nested more than " + std::to_string(deepest) +
                      " deep. Let the main source include some of them",
                  from, line);
-        ScanFile(path, name);
+        ScanFile(path, name, file.inRoutine);
     }
 
     [[noreturn]] void FailCircle(const std::string& id, const std::string& name, const std::string& from,
@@ -122,7 +147,18 @@ private:
 
 }  // namespace
 
-void CollectNames(const std::string& mainSource) { NameScan().ScanFile(mainSource, StripFolder(mainSource)); }
+void CollectNames(const std::string& mainSource) {
+    NameScan().ScanFile(mainSource, StripFolder(mainSource), false);
+}
+
+std::string PathOfInclude(std::string name) {
+    std::replace(name.begin(), name.end(), '\\', '/');
+    return settings.sourceFolder + "/" + name;
+}
+
+bool IsPart(const std::string& source) {
+    return !symbols.parts.empty() && symbols.parts.count(FileId(source)) != 0;
+}
 
 bool IsSource(const std::string& path) {
     const auto [begin, end] = sourcesByName.equal_range(Lower(StripFolder(path)));

@@ -135,6 +135,9 @@ struct Symbols {
 
     // Paths of the program's source files, the main one first. Written by the name scan.
     std::vector<std::string> sourceFiles;
+    // Files that are included inside Functions and Methods only, where their text is to stand, by their ids
+    // (see FileId) with a number each. Written by the name scan.
+    std::unordered_map<std::string, int> parts;
     // Files whose declarations have been collected once. Written and read by the first pass.
     std::unordered_set<std::string> collectedFiles;
 
