@@ -65,7 +65,8 @@ namespace {
 
 void EmitIncludeLine(State& state, const std::string& stem, const std::string& source) {
     BeginPiece(*state.out, Piece::Kind::Include).file = source;
-    if (!IsHeaderOnly(source)) EmitLine(state, "#include \"" + PathSeenFrom(*state.out, stem + ".cpp") + "\"");
+    if (!IsHeaderOnly(source))
+        EmitLine(state, "#include \"" + PathSeenFrom(*state.out, stem + ".cpp") + "\"");
     BeginPiece(*state.out, Piece::Kind::Lines);
 }
 

@@ -39,5 +39,5 @@ struct Declarations {
 // read again finds its own declarations. Whatever is wrong ends the run.
 void CollectDeclarations(const std::string& source, Declarations& out);
 
-// Whether the first pass looks at statements that begin with the word.
+// Whether the first pass or the name scan looks at statements that begin with the word.
 bool IsCollected(Keyword keyword);
