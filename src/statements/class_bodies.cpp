@@ -102,7 +102,7 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
 
 // The closers do not compare themselves with the opener: either ends whichever block is open.
 void CloseClass(State& state, const std::string& closer) {
-    if (!state.inType) ReportFatal("Unexpected '" + closer + "' token.");
+    if (!state.inType || !state.openParts.empty()) ReportFatal("Unexpected '" + closer + "' token.");
     if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
     if (state.inExtern) {
         EmitBlankForTrace(state);

@@ -146,8 +146,6 @@ void RefuseInPart(const State& state, TokenSpan tokens) {
         case Keyword::Method:
         case Keyword::Type:
         case Keyword::Element:
-        case Keyword::EndType:
-        case Keyword::EndElement:
         case Keyword::Field:
         case Keyword::Global:
         case Keyword::Const:
