@@ -118,10 +118,11 @@ void TranslateStatements(FileOutput& out, const Declarations& declarations) {
     RunSecondPass(state, out.source);
 }
 
-// What the statements of a file leave behind in a lenient run.
+// What the statements of a file leave behind in a lenient run. Parts come with the routines that include them.
 void NoteIncludes(const Declarations& declarations) {
     for (const std::string& name : declarations.includes)
-        if (symbols.importedNames.count(name) == 0) NoteInclude(SplitIncludeName(name));
+        if (symbols.importedNames.count(name) == 0 && !IsPart(PathOfInclude(name)))
+            NoteInclude(SplitIncludeName(name));
 }
 
 void CloseHeader(const FileOutput& out) {
