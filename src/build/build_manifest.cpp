@@ -10,6 +10,7 @@
 #include "build/output_files.h"
 #include "driver/files.h"
 #include "driver/paths.h"
+#include "driver/places.h"
 #include "driver/platform.h"
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -50,15 +51,6 @@ std::string WithoutTrailingSlash(std::string path) {
 // Full, with forward slashes, in lower case: how a manifest line and a folder are compared.
 std::string Normalised(const std::string& path) {
     return WithoutTrailingSlash(Lower(WithForwardSlashes(AbsolutePath(path))));
-}
-
-// The place in the file system that a path reaches when every link on the way is followed. Links come
-// before "..": out/link/../x is a neighbour of what the link names.
-std::string Resolved(const std::string& path) {
-    std::error_code failed;
-    const fs::path full = fs::absolute(PathOf(path), failed);
-    const fs::path real = fs::weakly_canonical(full, failed);
-    return failed ? "?" : WithoutTrailingSlash(WithForwardSlashes(TextOf(real)));
 }
 
 // The root of the file system holds only its own files here, not everything.
@@ -158,7 +150,7 @@ private:
     // By its text, and also where the links in it lead.
     bool IsInside(const std::string& line) {
         const std::string path = Normalised(line);
-        const std::string real = PlaceOf(line);
+        const std::string real = PlaceHere(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
         for (const std::string& folder : realFolders) really = really || LiesIn(real, folder);
@@ -171,15 +163,15 @@ private:
         if (extension != ".cpp" && extension != ".h" && extension != ".js") return false;
         const std::string stem = line.substr(0, line.size() - extension.size());
         if (!FileExists(stem + sourceExtension)) return false;
-        const std::string place = PlaceOf(stem);
+        const std::string place = PlaceHere(stem);
         const std::unordered_set<std::string> names = IncludedNames();
         return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-            return PlaceOf(output + "/" + StripExtension(WithForwardSlashes(name))) == place;
+            return PlaceHere(output + "/" + StripExtension(WithForwardSlashes(name))) == place;
         });
     }
 
-    // Where a file lies, however its path is spelt. A link at the end of the path is not followed.
-    std::string PlaceOf(const std::string& path) {
+    // PlaceOf, with what is known of the folder.
+    std::string PlaceHere(const std::string& path) {
         const std::string parent = TextOf(PathOf(path).parent_path());
         return ResolvedFolder(parent.empty() ? "." : parent) + "/" + StripFolder(path);
     }
@@ -194,10 +186,10 @@ private:
     bool IsProduct(const std::string& line) {
         const std::string extension = ExtensionOf(line);
         if (extension == ".cpp" || extension == ".h" || extension == ".js") return true;
-        const std::string place = PlaceOf(line);
+        const std::string place = PlaceHere(line);
         const std::string stem = StripExtension(settings.mainSource);
-        return place == PlaceOf(stem) || place == PlaceOf(stem + ".exe") ||
-               place == PlaceOf(stem + ".linkflags");
+        return place == PlaceHere(stem) || place == PlaceHere(stem + ".exe") ||
+               place == PlaceHere(stem + ".linkflags");
     }
 
     void Delete(const std::string& line) {

@@ -31,10 +31,11 @@ std::string ManifestPath(const std::string& mainSource, const std::string& outpu
     return outputPath + "/." + Stem(mainSource) + ".kvl.deps";
 }
 
-std::string ExpectedCpp() {
-    return settings.outputPath + "/" + Stem(settings.mainSource) + (settings.debugMode ? ".debug" : "") +
-           ".cpp";
+std::string MainCpp(bool debug) {
+    return settings.outputPath + "/" + Stem(settings.mainSource) + (debug ? ".debug" : "") + ".cpp";
 }
+
+std::string ExpectedCpp() { return MainCpp(settings.debugMode); }
 
 // Takes the manifest apart line by line; every routine returns false at the first flaw.
 class ManifestReader {
@@ -282,6 +283,12 @@ bool CanSkipTranslation() {
     return true;
 }
 
+// What a killed run left of the other mode is older than this record.
+static void DistrustOtherMode() {
+    const std::string other = MainCpp(!settings.debugMode);
+    if (FileExists(other)) dependencies.cppTimes[other] = 0;
+}
+
 void UpdateDependencyManifest() {
     dependencies.main = settings.mainSource;
     std::string newest;
@@ -293,6 +300,7 @@ void UpdateDependencyManifest() {
     note(settings.mainSource);
     for (const std::string& include : dependencies.includes) note(include);
     dependencies.cppTimes[ExpectedCpp()] = FileTime(ExpectedCpp());
+    DistrustOtherMode();
     SaveDependencyManifest(dependencies);
     if (!newest.empty()) DateRecordLike(newest);
 }

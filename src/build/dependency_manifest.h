@@ -45,5 +45,6 @@ bool HeaderBuiltForOtherTarget(const std::string& cppPath);
 // The quick-build decision with its messages: true when nothing that was read has changed.
 bool CanSkipTranslation();
 
-// Brings the times up to date and saves the record; the last step of every quick build.
+// Brings the times up to date and saves the record; the last step of every quick build, when no output
+// changes any more. It does not vouch for a .cpp of the other mode that is still there.
 void UpdateDependencyManifest();

@@ -80,11 +80,13 @@ void Build() {
 
 void BuildUnlessUnchanged() {
     if (!settings.quickBuild || !CanSkipTranslation()) Build();
+    WriteBuildManifest(settings.outputPath);
+    SettleOutputs();
+    // Nothing may change any more once the record vouches for the outputs.
     if (settings.quickBuild)
         UpdateDependencyManifest();
     else
         TrustDependencyManifest();
-    WriteBuildManifest(settings.outputPath);
 }
 
 void Check() {
@@ -99,7 +101,6 @@ void RunSteps() {
         Check();
     else
         BuildUnlessUnchanged();
-    SettleOutputs();
     Say("Done! \\o/\n");
 }
 

@@ -1,8 +1,11 @@
 #include "linking/deploy.h"
 
+#include <filesystem>
+
 #include "driver/files.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 #include "symbols/symbols.h"
 
@@ -19,6 +22,8 @@ void CopyDll(const std::string& name, const std::string& outputPath) {
     }
     if (settings.checkOnly) return;
     const std::string target = outputPath + "/" + name;
+    std::error_code failed;  // which the next step meets, too
+    std::filesystem::create_directories(PathOf(target).parent_path(), failed);
     if (!WriteContents(target, content)) ReportFatal("Cannot write DLL to output directory: " + target);
     VerboseNote("  Copied: " + name + " -> " + outputPath + "/");
 }

@@ -3,13 +3,12 @@
 #include <algorithm>
 
 #include "driver/report.h"
-#include "driver/settings.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"
 #include "linking/interface_type.h"
+#include "linking/library_places.h"
 #include "symbols/identifiers.h"
-#include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -148,8 +147,8 @@ void CheckDllName(const std::string& name, const Place& place) {
     const std::string here =
         place.file + ", line " + std::to_string(place.line) + ": the library '" + name + "' ";
     if (depth < 0) ReportFatal(here + "leads out of the folder of userlibs");
-    if (IsSource(settings.outputPath + "/" + name))
-        ReportFatal(here + "would be copied over a source of this program");
+    const std::string obstacle = LibraryObstacle(name);
+    if (!obstacle.empty()) ReportFatal(here + obstacle);
 }
 
 // True for a .lib line, well-formed or not.

@@ -5,6 +5,7 @@
 
 #include "build/output_files.h"
 #include "driver/paths.h"
+#include "driver/places.h"
 #include "driver/report.h"
 #include "driver/run.h"
 #include "driver/settings.h"
@@ -23,12 +24,7 @@ const PartOfRun partOfRun(outsideFolders);
 // An Include that climbs ("../lib/util.kvl"), or a link in its path, leads out of the output folder.
 bool LiesOutside(const std::string& folder) {
     const auto [entry, isNew] = outsideFolders.emplace(folder, false);
-    if (isNew && folder != settings.outputPath) {
-        std::error_code failed;
-        const fs::path way = fs::canonical(PathOf(folder), failed)
-                                 .lexically_relative(fs::canonical(PathOf(settings.outputPath), failed));
-        entry->second = way.empty() || *way.begin() == "..";
-    }
+    if (isNew && folder != settings.outputPath) entry->second = LeadsOutOf(settings.outputPath, folder);
     return entry->second;
 }
 
