@@ -89,13 +89,13 @@ void AddCalls(TokenSpan tokens, EffectSet& set) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (!MayRun(tokens, i)) continue;
         ReachGraph& graph = CompleteGraph();
-        const auto meaning = graph.words.find(&tokens.At(i));
-        if (meaning == graph.words.end()) continue;
+        const Meaning* meaning = graph.words.Find(tokens.At(i));
+        if (meaning == nullptr) continue;
         calls = true;
-        const auto construction = graph.construction.find(meaning->second.cls);
+        const auto construction = graph.construction.find(meaning->cls);
         const bool made = IsMade(tokens, i) && construction != graph.construction.end();
         if (made) set.Add(ClosureOf(construction->second));
-        if (!made && meaning->second.routine >= 0) set.Add(ClosureOf(meaning->second.routine));
+        if (!made && meaning->routine >= 0) set.Add(ClosureOf(meaning->routine));
     }
     if (calls) set.Add(ClosureOf(CompleteGraph().timers));
 }

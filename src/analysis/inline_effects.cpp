@@ -47,13 +47,13 @@ void DoForeign(EffectSet& set) {
 
 // A name of the program: a Global, Field or routine. Classes bring their constructors and all the rest along.
 void ReadProgramName(ReachGraph& graph, int node, const Word& name, EffectSet& set) {
-    const auto meaning = graph.words.find(&name);
-    if (meaning != graph.words.end() && meaning->second.cls != nullptr) set.anything = true;
-    if (meaning != graph.words.end() && meaning->second.routine >= 0) {
+    const Meaning* meaning = graph.words.Find(name);
+    if (meaning != nullptr && meaning->cls != nullptr) set.anything = true;
+    if (meaning != nullptr && meaning->routine >= 0) {
         if (node < 0)
             set.anything = true;
         else
-            graph.Call(node, meaning->second.routine);
+            graph.Call(node, meaning->routine);
     }
     EffectReader(set, nullptr).TouchSharedName(name);
 }

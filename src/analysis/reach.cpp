@@ -28,8 +28,8 @@ void AddNames() {
         for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
     }
     for (const auto& routine : symbols.userlibRoutines) graph.NodeOf(graph.routines, routine.first);
-    for (const auto& routine : graph.routines) graph.words[&WordOf(routine.first)].routine = routine.second;
-    for (const auto& cls : symbols.classIndex) graph.words[&WordOf(cls.first)].cls = cls.second;
+    for (const auto& routine : graph.routines) graph.words.Of(WordOf(routine.first)).routine = routine.second;
+    for (const auto& cls : symbols.classIndex) graph.words.Of(WordOf(cls.first)).cls = cls.second;
 }
 
 // Reads one file and adds what its routines and loops mention.
@@ -203,13 +203,13 @@ public:
                 graph.Call(node, graph.destructors);
             }
             startsTimer = startsTimer || keyword == Keyword::AutoCall;
-            const auto meaning = graph.words.find(&token);
-            if (meaning == graph.words.end()) continue;
-            if (meaning->second.routine >= 0) {
-                graph.Call(node, meaning->second.routine);
-                if (startsTimer) graph.Call(graph.timers, meaning->second.routine);
+            const Meaning* meaning = graph.words.Find(token);
+            if (meaning == nullptr) continue;
+            if (meaning->routine >= 0) {
+                graph.Call(node, meaning->routine);
+                if (startsTimer) graph.Call(graph.timers, meaning->routine);
             }
-            const ClassInfo* mentioned = meaning->second.cls;
+            const ClassInfo* mentioned = meaning->cls;
             const Keyword before = i > 0 ? tokens.KeywordAt(i - 1) : Keyword::None;
             const bool created = before == Keyword::Create || before == Keyword::New;
             if (!mentioned || (!created && !mentioned->isElement)) continue;

@@ -25,10 +25,28 @@ struct Meaning {
     const ClassInfo* cls = nullptr;
 };
 
+// The names of routines, Types and Elements, by the ids of their words.
+class Meanings {
+public:
+    Meaning& Of(const Word& word) {
+        if (word.id >= byId.size()) byId.resize(word.id + 1);
+        return byId[word.id];
+    }
+    // Null for any other word.
+    const Meaning* Find(const Word& word) const {
+        if (word.id >= byId.size()) return nullptr;
+        const Meaning& meaning = byId[word.id];
+        return meaning.routine < 0 && meaning.cls == nullptr ? nullptr : &meaning;
+    }
+
+private:
+    std::vector<Meaning> byId;
+};
+
 struct ReachGraph {
     std::vector<ReachNode> nodes;
-    std::unordered_map<const Word*, Meaning> words;  // names of routines, Types and Elements
-    std::unordered_map<std::string, int> routines;   // by name, Functions and Methods of all Types in one
+    Meanings words;
+    std::unordered_map<std::string, int> routines;  // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
     std::unordered_map<std::string, int> loops;  // by place
     int timers = 0;
