@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <unordered_set>
+#include <utility>
 
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
@@ -15,8 +16,21 @@ namespace {
 // Who may run more routines than this is taken to do anything.
 constexpr std::size_t mostRoutines = 300;
 
+// A routine whose effects nobody has asked for yet. The tokens are those of the cut files, which last.
+struct RoutineText {
+    struct Statement {
+        int node;
+        TokenSpan tokens;
+        bool outermost;
+    };
+    const Routine* routine = nullptr;
+    std::vector<Statement> statements;
+};
+
 struct Facts {
-    std::vector<EffectSet> own;                      // of the nodes themselves
+    std::vector<RoutineText> texts;
+    std::vector<std::vector<std::size_t>> textsOf;   // the routines with statements of a node
+    std::vector<EffectSet> own;                      // of the nodes themselves, as far as they were read
     std::vector<std::optional<EffectSet>> closures;  // with all that the nodes may run, as far as asked for
 };
 
@@ -44,6 +58,23 @@ void Complete(ReachGraph& graph) {
         if (graph.nodes[i].holdsInlineCpp) facts.own[i].Add(EffectsOfOutsideCode());
 }
 
+// A Local of an inner block gives its name back at the end, so only those of the outermost one are noted.
+void ReadText(RoutineText& text) {
+    OwnNames names;
+    if (text.routine != nullptr) AddParameters(*text.routine, names);
+    for (const auto& [node, tokens, outermost] : std::exchange(text.statements, {})) {
+        ReadEffects(node, tokens, names);
+        const Keyword word = tokens.KeywordAt(0);
+        if (word == Keyword::Local && outermost) AddLocals(tokens, names);
+        if (word == Keyword::EachSeq) AddItem(tokens, names);
+    }
+}
+
+void ReadTextsOf(std::size_t node) {
+    if (node >= facts.textsOf.size()) return;
+    for (const std::size_t text : std::exchange(facts.textsOf[node], {})) ReadText(facts.texts[text]);
+}
+
 EffectSet Closure(const ReachGraph& graph, int start) {
     std::vector<int> open = {start};
     std::unordered_set<int> met = {start};
@@ -51,6 +82,7 @@ EffectSet Closure(const ReachGraph& graph, int start) {
     while (!open.empty()) {
         const auto node = static_cast<std::size_t>(open.back());
         open.pop_back();
+        ReadTextsOf(node);
         set.Add(facts.own[node]);
         for (const int callee : graph.nodes[node].callees)
             if (met.insert(callee).second) open.push_back(callee);
@@ -106,6 +138,19 @@ EffectSet& OwnEffectsOf(int node) {
     const auto i = static_cast<std::size_t>(node);
     if (i >= facts.own.size()) facts.own.resize(i + 1);
     return facts.own[i];
+}
+
+void BeginEffects(const Routine* routine) {
+    facts.texts.emplace_back();
+    facts.texts.back().routine = routine;
+}
+
+void NoteEffects(int node, TokenSpan tokens, bool outermost) {
+    const auto i = static_cast<std::size_t>(node);
+    if (i >= facts.textsOf.size()) facts.textsOf.resize(i + 1);
+    const std::size_t text = facts.texts.size() - 1;
+    if (facts.textsOf[i].empty() || facts.textsOf[i].back() != text) facts.textsOf[i].push_back(text);
+    facts.texts[text].statements.push_back({node, tokens, outermost});
 }
 
 void ReadEffects(int node, TokenSpan tokens, const OwnNames& names) {

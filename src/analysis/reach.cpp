@@ -47,8 +47,7 @@ private:
     int node = outside;          // the routine or loop that the statement belongs to
     std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
     const ClassInfo* cls = nullptr;
-    OwnNames names;  // of the open routine
-    int blocks = 0;  // that are open in it
+    int blocks = 0;  // that are open in the routine
 
     void ReadLines() {
         SourceLines lines(Reading::Uses);
@@ -117,11 +116,9 @@ private:
     void OpenRoutine(Keyword word, const std::string& name) {
         node = graph.NodeOf(graph.routines, name);
         enclosing.clear();
-        names.clear();
         blocks = 0;
         const bool method = word == Keyword::Method && cls != nullptr;
-        if (const Routine* routine = method ? FindMethod(*cls, name) : FindFunction(name))
-            AddParameters(*routine, names);
+        BeginEffects(method ? FindMethod(*cls, name) : FindFunction(name));
         if (!method) return;
         if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
         if (name == "destructor") graph.Call(graph.destructors, node);
@@ -154,8 +151,8 @@ private:
         }
         Mention(node, tokens);
         WithHoles(tokens, [this](TokenSpan part) { ReadSequenceChanges(node, part); });
-        ReadEffects(node, tokens, names);
         NoteBlocks(word, tokens);
+        NoteEffects(node, tokens, blocks == 0);
     }
 
     static bool IsOneLine(TokenSpan tokens) {
@@ -164,13 +161,10 @@ private:
         return false;
     }
 
-    // A Local of an inner block gives its name back at the end, so only those of the outermost one are noted.
     void NoteBlocks(Keyword word, TokenSpan tokens) {
         const bool openIf = word == Keyword::If && !IsOneLine(tokens);
         if (openIf || Has(word, trait::opensBlock)) ++blocks;
         if (word == Keyword::EndIf || Has(word, trait::closesBlock)) --blocks;
-        if (word == Keyword::Local && blocks == 0) AddLocals(tokens, names);
-        if (word == Keyword::EachSeq) AddItem(tokens, names);
     }
 
     static bool WalksInstances(TokenSpan tokens) {

@@ -84,7 +84,11 @@ std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> op
 // a node, and the end of the run.
 void BeginSequenceChanges();
 void ReadSequenceChanges(int node, TokenSpan tokens);
-// The same for effects.cpp; `names` are those of the routine so far.
+// The same for effects.cpp: a routine begins (null when it is not known), and each of its statements, which are
+// read when somebody asks for their effects. `outermost`: no block of the routine is open behind the statement.
+void BeginEffects(const Routine* routine);
+void NoteEffects(int node, TokenSpan tokens, bool outermost);
+// Reads a statement for its effects at once; `names` are those of the routine so far.
 void ReadEffects(int node, TokenSpan tokens, const OwnNames& names);
 // The effects of the node's own statements, to be added to.
 EffectSet& OwnEffectsOf(int node);
