@@ -226,6 +226,17 @@ std::vector<std::string> LibrariesLoaded(const Job& job) {
     return names;
 }
 
+// The libraries lie in the program's folder.
+bool CanLieBesideProgram(const Job& job) {
+    const std::string program = TextOf(PathOf(job.build.program).filename());
+    for (const std::string& library : SharedLibraries(job)) {
+        if (library != program) continue;
+        ShowProblem("the shared library " + library + " would overwrite the program; rename one of them");
+        return false;
+    }
+    return true;
+}
+
 bool CopyLibraries(const Job& job) {
     const fs::path folder = PathOf(job.build.program).parent_path();
     for (const std::string& library : SharedLibraries(job)) {
@@ -252,6 +263,7 @@ std::string CompilationOf(const Job& job) {
 }
 
 bool Compile(Job& job) {
+    if (!CanLieBesideProgram(job)) return false;
     CompileJob compile = CompileJobOf(job);
     compile.loadsLibraries = !LibrariesLoaded(job).empty();
     if (CanLinkApart(job.linkerFlags)) {

@@ -1,12 +1,15 @@
 #include "kv/inputs.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
+#include <fstream>
 
 #include "driver/utf8.h"
 #include "kv/precompiled.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
+#include "kv/translate.h"
 
 namespace fs = std::filesystem;
 
@@ -22,6 +25,34 @@ bool IsBelow(const std::string& path, const std::string& folder) {
            (path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
+// The file that a line such as Import "name.decls" names, at whatever place in the line it says so: a name too many does
+// no harm. Empty if there is none.
+std::string ImportedName(const std::string& line) {
+    const std::string keyword = "import";
+    const auto same = [](char left, char right) {
+        return std::tolower(static_cast<unsigned char>(left)) == right;
+    };
+    const auto found = std::search(line.begin(), line.end(), keyword.begin(), keyword.end(), same);
+    if (found == line.end()) return "";
+    std::size_t start =
+        line.find_first_not_of(" \t", static_cast<std::size_t>(found - line.begin()) + keyword.size());
+    if (start == std::string::npos) return "";
+    const bool isQuoted = line[start] == '"';
+    if (isQuoted) ++start;
+    return line.substr(start, line.find_first_of(isQuoted ? "\"" : " \t\r", start) - start);
+}
+
+void AddImports(const Job& job, const std::string& source, std::vector<std::string>& files) {
+    std::ifstream stream(PathOf(source), std::ios::binary);
+    for (std::string line; std::getline(stream, line);) {
+        const std::string name = ImportedName(line);
+        if (name.empty()) continue;
+        const fs::path file = PathOf(job.installation) / "userlibs" / PathOf(name);
+        std::error_code failed;
+        if (fs::is_regular_file(file, failed)) files.push_back(TextOf(file));
+    }
+}
+
 bool Contains(const std::vector<std::string>& paths, const std::string& path) {
     return std::find(paths.begin(), paths.end(), path) != paths.end();
 }
@@ -35,18 +66,30 @@ std::vector<std::string> ToolFiles(const Job& job) {
     for (const std::string& program : CompilerFiles(job.compiler)) files.push_back(program);
     for (const char* folder : {"userlibs", "include"}) {
         std::error_code failed;
-        for (const auto& entry : fs::directory_iterator(installation / folder, failed)) {
-            if (entry.is_regular_file(failed)) files.push_back(TextOf(entry.path()));
+        fs::recursive_directory_iterator entry(installation / folder, failed);
+        for (; !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
+            if (entry->is_regular_file(failed)) files.push_back(TextOf(entry->path()));
         }
     }
     return files;
 }
 
+std::vector<std::string> FilesReadByKvt(const Job& job) {
+    const std::vector<std::string> sources = SourcesOf(DependencyRecord(job));
+    std::vector<std::string> files = sources;
+    for (const std::string& source : sources) AddImports(job, source, files);
+    return files;
+}
+
 bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     const std::string preludes = PreludesFolder();
+    const std::vector<std::string> settled = CompilerFolders(job.compiler);
     for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
         const std::string path = FullPath(job, file);
         if (!preludes.empty() && IsBelow(path, preludes)) continue;
+        if (std::any_of(settled.begin(), settled.end(),
+                        [&](const std::string& folder) { return IsBelow(path, folder); }))
+            continue;
         const bool isGenerated = IsBelow(path, job.build.cppFolder) || IsBelow(path, job.build.folder);
         (isGenerated ? files.generated : files.headers).push_back(path);
     }
@@ -65,6 +108,18 @@ std::vector<std::string> FilesReadByLinker(const Job& job) {
     }
     for (const std::string& flag : job.linkerFlags) {
         if (flag.compare(0, 2, "-L") == 0) files.push_back(FullPath(job, flag.substr(2)));
+    }
+    return files;
+}
+
+std::vector<std::string> MadeFrom(const Job& job) {
+    std::vector<std::string> files = FilesReadByKvt(job);
+    FilesRead read;
+    FilesReadByCompiler(job, read);
+    for (const std::vector<std::string>& more : {read.headers, FilesReadByLinker(job), ToolFiles(job)})
+        files.insert(files.end(), more.begin(), more.end());
+    for (const std::string& flag : job.linkerFlags) {
+        if (!flag.empty() && flag[0] != '-') files.push_back(FullPath(job, flag));
     }
     return files;
 }

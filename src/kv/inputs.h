@@ -9,7 +9,12 @@
 // The tools and what they read from the installation.
 std::vector<std::string> ToolFiles(const Job& job);
 
-// What the C++ compiler read beside the precompiled header: files that kvt generates, and headers of the user's.
+// What kvt read: the main source, all that it includes, and the declarations of libraries that these import. Empty when
+// kvt left no record.
+std::vector<std::string> FilesReadByKvt(const Job& job);
+
+// What the C++ compiler read beside the precompiled header and what comes with it and the system: files that kvt
+// generates, and headers of the user's, wherever they lie.
 struct FilesRead {
     std::vector<std::string> generated;
     std::vector<std::string> headers;
@@ -20,3 +25,7 @@ bool FilesReadByCompiler(const Job& job, FilesRead& files);
 // What the linker read, and the folders where it looked for the user's libraries; empty if it kept no record, or one
 // that does not name the compiled program.
 std::vector<std::string> FilesReadByLinker(const Job& job);
+
+// All files of the user's and of the installation that the program is made from, by full path: what a program that is
+// left somewhere must not overwrite.
+std::vector<std::string> MadeFrom(const Job& job);

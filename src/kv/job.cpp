@@ -14,11 +14,11 @@ namespace {
 
 const int attempts = 5;
 
-// The source as a full path; "game" also finds game.kvl.
+// The source as a full path; "game" means game.kvl, beside which a program of that name may lie.
 bool FindSource(const Options& options, Job& job) {
     std::error_code failed;
     fs::path source = PathOf(job.typedFolder) / PathOf(options.source);
-    if (!fs::exists(source, failed) && fs::exists(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
+    if (fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
         const bool hasExtension = PathOf(options.source).extension() == ".kvl";
         ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));

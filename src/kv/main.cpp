@@ -5,6 +5,7 @@
 #include "driver/utf8.h"
 #include "kv/command_line.h"
 #include "kv/diagnostics.h"
+#include "kv/install.h"
 #include "kv/job.h"
 #include "kv/make.h"
 #include "kv/platform.h"

@@ -11,7 +11,6 @@
 #include "kv/platform.h"
 #include "kv/stamp.h"
 #include "kv/translate.h"
-#include "kv/write_file.h"
 
 namespace fs = std::filesystem;
 
@@ -22,7 +21,7 @@ namespace {
 void Remember(const Job& job, const std::string& commands) {
     StampFiles files;
     FilesRead read;
-    files.sources = SourcesOf(DependencyRecord(job));
+    files.sources = FilesReadByKvt(job);
     const std::vector<std::string> libraries = FilesReadByLinker(job);
     if (job.hadWarnings || files.sources.empty() || (!job.linkerFlags.empty() && libraries.empty())) return;
     if (!FilesReadByCompiler(job, read)) return;
@@ -52,31 +51,3 @@ bool MakeInFolder(Job& job) {
 }  // namespace
 
 bool Make(Job& job) { return WorkInFolder(job, MakeInFolder); }
-
-bool Install(const Job& job) {
-    fs::path target = job.options.outputFile.empty()
-                          ? PathOf(job.sourceFolder) / PathOf(ProgramName(job.source))
-                          : PathOf(job.typedFolder) / PathOf(job.options.outputFile);
-    if (target.extension() != executableSuffix && *executableSuffix != '\0') target += executableSuffix;
-    target = target.lexically_normal();
-    std::error_code failed;
-    if (fs::is_directory(target, failed)) {
-        ShowProblem(TextOf(target) + " is a folder; name the program with -o");
-        return false;
-    }
-    if (fs::equivalent(target, PathOf(job.source), failed)) {
-        ShowProblem("the program would overwrite its source; name it with -o");
-        return false;
-    }
-    if (!fs::is_directory(target.parent_path(), failed)) {
-        ShowProblem("the folder " + TextOf(target.parent_path()) + " does not exist");
-        return false;
-    }
-    if (!CopyOver(PathOf(job.build.program), target)) return false;
-    for (const std::string& library : SharedLibraries(job)) {
-        if (!CopyOver(PathOf(job.build.cppFolder) / PathOf(library), target.parent_path() / PathOf(library)))
-            return false;
-    }
-    std::printf("built %s\n", ShortPath(TextOf(target), job.typedFolder).c_str());
-    return true;
-}

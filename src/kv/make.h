@@ -5,7 +5,3 @@
 
 // Afterwards the job's program is up to date. Returns false after telling the user what went wrong.
 bool Make(Job& job);
-
-// Puts the program, with the shared libraries it loads, where kv build shall leave it. Returns false after telling
-// the user what went wrong.
-bool Install(const Job& job);

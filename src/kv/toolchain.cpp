@@ -17,6 +17,15 @@ const char* const usualCompilers[] = {"g++", "clang++", "c++"};
 // What links a small program soonest comes first.
 const char* const quickLinkers[] = {"mold", "gold", "lld"};
 
+// Where headers lie that come with the system, and, below the folder above the compiler's own, with the compiler.
+const char* const systemFolders[] = {"/usr/include", "/Library/Developer", "/Applications/Xcode.app"};
+const char* const foldersOfCompiler[] = {"include/c++", "lib/gcc",
+                                         "lib64/gcc",   "lib/clang",
+#ifdef _WIN32
+                                         "include",     "x86_64-w64-mingw32/include",
+#endif
+                                         "lib64/clang"};
+
 const char* const linkingFlags[] = {"-l", "-L", "-Wl,"};
 const char* const compilingFlags[] = {"-I", "-D", "-U", "-pthread"};
 
@@ -70,7 +79,7 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
     command.insert(command.end(),
                    {"-I" + ForTool(job, job.includeFolder), "-iquote", ForTool(job, job.sourceFolder)});
-    command.insert(command.end(), {"-MMD", "-MF", ForTool(job, job.newDependencies)});
+    command.insert(command.end(), {"-MD", "-MF", ForTool(job, job.newDependencies)});
     return command;
 }
 
@@ -115,6 +124,19 @@ std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler)
         if (!program.empty()) files.push_back(program);
     }
     return files;
+}
+
+std::vector<std::string> CompilerFolders(const std::vector<std::string>& compiler) {
+    std::vector<std::string> folders(std::begin(systemFolders), std::end(systemFolders));
+    for (const std::string& file : CompilerFiles(compiler)) {
+        std::error_code failed;
+        for (const std::filesystem::path& program :
+             {PathOf(file), std::filesystem::canonical(PathOf(file), failed)}) {
+            const std::filesystem::path top = program.parent_path().parent_path();
+            for (const char* const below : foldersOfCompiler) folders.push_back(TextOf(top / below));
+        }
+    }
+    return folders;
 }
 
 bool CanLinkApart(const std::vector<std::string>& linkerFlags) {

@@ -27,6 +27,9 @@ std::vector<std::string> FindCompiler(std::string& problem);
 // The files that a changed compiler changes: all the programs among the words of its command.
 std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler);
 
+// The folders of the headers that change only with the compiler or the system.
+std::vector<std::string> CompilerFolders(const std::vector<std::string>& compiler);
+
 // Whether compiling and linking can be done one after the other: flags of the user's may name further files to compile,
 // or mean anything else that has to stand in one command.
 bool CanLinkApart(const std::vector<std::string>& linkerFlags);

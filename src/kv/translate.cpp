@@ -22,9 +22,10 @@ bool EndsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// kvt lists the program that a user might build beside the source among the files of a build, and would delete
-// that program before its next translation. Programs are none of kvt's business here: they are taken off the list.
-void ForgetPrograms(const Job& job) {
+// kvt lists the program that a user might build beside the source, and the file of flags there, among the files of a
+// build, and would delete them before its next translation. What lies beside the source is none of kvt's business here:
+// it is taken off the list.
+void ForgetFilesOfUser(const Job& job) {
     const fs::path manifest =
         PathOf(job.build.cppFolder) / PathOf("." + StripFolder(job.source) + ".manifest");
     std::istringstream lines(ReadWhole(TextOf(manifest)));
@@ -32,7 +33,7 @@ void ForgetPrograms(const Job& job) {
     std::string kept;
     bool changed = false;
     for (std::string line; std::getline(lines, line);) {
-        const bool generated = EndsWith(line, ".cpp") || EndsWith(line, ".h") || EndsWith(line, ".linkflags");
+        const bool generated = EndsWith(line, ".cpp") || EndsWith(line, ".h");
         if (generated && line != program) {
             kept += line + "\n";
         } else {
@@ -92,7 +93,7 @@ bool Translate(Job& job) {
     std::error_code failed;
     // Without its record kvt always translates; what need not be translated kv knows better itself.
     fs::remove(PathOf(DependencyRecord(job)), failed);
-    ForgetPrograms(job);
+    ForgetFilesOfUser(job);
     const bool hadLinkerFile = fs::exists(PathOf(StripExtension(job.source) + ".linkflags"), failed);
 
     ProcessRequest request;
@@ -122,7 +123,7 @@ bool Translate(Job& job) {
         if (!GiveUpPlace(job.build)) ShowErrors(job, report, status);
         return false;
     }
-    ForgetPrograms(job);
+    ForgetFilesOfUser(job);
     if (job.options.command != Command::check && !fs::exists(PathOf(job.mainCpp), failed)) {
         ShowProblem(
             ShortPath(job.source, job.typedFolder) +
