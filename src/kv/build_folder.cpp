@@ -1,9 +1,12 @@
 #include "kv/build_folder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
+#include <vector>
 
 #include "driver/paths.h"
 #include "driver/utf8.h"
@@ -17,6 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 const char hiddenFolder[] = ".kvbuild";
+const char lockName[] = "lock";
 
 // The folder that a place has for a program; empty if there is none.
 using Place = std::string (*)(const fs::path& source, const std::string& variant);
@@ -44,6 +48,19 @@ std::string InTemporaryFolder(const fs::path& source, const std::string& variant
 
 const Place places[] = {BesideSource, InCache, InTemporaryFolder};
 const int placeCount = sizeof places / sizeof places[0];
+
+// The folders for the C++, one below the other: as many as a source's Includes can climb (Include "../x.kvl"), so that
+// their C++ does not come to lie where another way of building, or another program, has its own.
+std::vector<std::string> FoldersForCpp(const fs::path& source) {
+    std::error_code failed;
+    const fs::path folder = source.parent_path();
+    const fs::path resolved = fs::canonical(folder, failed);
+    const auto depth = std::max(std::distance(folder.begin(), folder.end()),
+                                std::distance(resolved.begin(), resolved.end()));
+    std::vector<std::string> names = {"cpp"};
+    names.insert(names.end(), static_cast<std::size_t>(depth), "_");
+    return names;
+}
 
 // Has the C++ generated in a folder that the user has named.
 bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string& problem) {
@@ -74,7 +91,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     for (; build.place < placeCount; ++build.place) {
         folder = PathOf(places[build.place](PathOf(source), variant));
         if (folder.empty()) continue;
-        build.cppFolder = PrivateFolder(TextOf(folder), {"cpp"});
+        build.cppFolder = PrivateFolder(TextOf(folder), FoldersForCpp(PathOf(source)));
         if (!build.cppFolder.empty() && !PrivateFolder(TextOf(folder), {"bin"}).empty()) break;
     }
     if (build.place == placeCount) {
@@ -89,7 +106,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     build.stamp = TextOf(folder / "stamp");
     build.objectStamp = TextOf(folder / "compiled");
     build.linkStamp = TextOf(folder / "linked");
-    build.lock = TextOf(folder / "lock");
+    build.lock = TextOf(folder / lockName);
     build.started = TextOf(folder / "started");
     build.kvtOutput = TextOf(folder / "kvt-output.txt");
     build.kvtErrors = TextOf(folder / "kvt-errors.txt");
@@ -118,10 +135,19 @@ bool GiveUpPlace(BuildFolder& build) {
     const std::uintmax_t plenty = 32 << 20;
     std::error_code failed;
     const fs::space_info space = fs::space(PathOf(build.folder), failed);
-    if (failed || space.available > plenty || build.place + 1 == placeCount) return false;
+    const bool hasRoom = failed || (space.available > plenty && !IsShortOfFiles(build.folder));
+    if (hasRoom || build.place + 1 == placeCount) return false;
     ++build.place;
     fs::remove(PathOf(build.started), failed);
     return true;
+}
+
+void GiveUpLock(BuildFolder& build) {
+    std::error_code failed;
+    const fs::file_status status = fs::symlink_status(PathOf(build.lock), failed);
+    const bool isInTheWay = fs::exists(status) && !fs::is_regular_file(status);
+    if (isInTheWay && fs::remove(PathOf(build.lock), failed)) return;
+    if (fs::exists(PathOf(build.folder), failed)) ++build.place;
 }
 
 bool IsDisturbed(const BuildFolder& build) { return ReadWhole(build.started) != build.token; }

@@ -1,7 +1,7 @@
 // Where kv keeps what it makes: the generated C++, the program, and what it needs to know for the next time.
 //
 //   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
-//       cpp/                         what kvt generates (unless --keep-cpp names another folder)
+//       cpp/_/_/_/                   what kvt generates (unless --keep-cpp names another folder)
 //       bin/game                     the program, with the shared libraries that it loads
 //       program.o                    the compiled C++
 //       stamp, compiled, linked      all that the program, program.o and bin/game were made from (kv/stamp.h)
@@ -46,6 +46,9 @@ bool BeginBuild(BuildFolder& build);
 // For a build that has failed: when that may be for lack of room, the next place is to be tried, and the build counts
 // as disturbed. Returns whether it is so.
 bool GiveUpPlace(BuildFolder& build);
+
+// The place has no file to lock: the next one is to be tried, or the same one without what stood in the way there.
+void GiveUpLock(BuildFolder& build);
 
 // Whether the build that was begun cannot go on: there is no room, or somebody has removed the folder since.
 bool IsDisturbed(const BuildFolder& build);

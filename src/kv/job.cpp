@@ -96,7 +96,17 @@ bool PrepareFolder(Job& job) {
 bool WorkInFolder(Job& job, bool (*work)(Job&)) {
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
+        if (!lock.HasFile()) {
+            GiveUpLock(job.build);
+            if (!PrepareFolder(job)) return false;
+            continue;
+        }
         const FileLock cppLock(job.build.cppLock, Progress("Waiting for another kv").Ticks());
+        if (!job.build.cppLock.empty() && !cppLock.HasFile()) {
+            ShowProblem("cannot lock " + job.build.cppLock +
+                        "; remove what lies there, or name another folder");
+            return false;
+        }
         if (work(job)) return true;
         if (!IsDisturbed(job.build)) return false;
         if (!PrepareFolder(job)) return false;

@@ -1,5 +1,8 @@
 // kv: translates, compiles and runs Korvel programs in one step.
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
 #include <string>
 
 #include "driver/utf8.h"
@@ -16,6 +19,7 @@ namespace {
 const char versionText[] = "kv 1.2e";
 const int failure = 1;
 const int wrongUsage = 2;
+const int attempts = 3;  // to run a program
 
 int RunProgram(Job& job) {
     ProcessRequest request;
@@ -24,7 +28,9 @@ int RunProgram(Job& job) {
                              job.options.arguments.end());
     std::string problem;
     int status = RunProcess(request, problem);
-    if (!problem.empty() && !IsExecutable(job.build.program)) {  // somebody has removed it meanwhile
+    for (int again = 0; again < attempts && !problem.empty() && !IsExecutable(job.build.program); ++again) {
+        // Somebody has removed it meanwhile, or it lies where nothing can be executed.
+        if (FileState state; StateOf(job.build.program, state)) ++job.build.place;
         if (!PrepareFolder(job) || !Make(job)) return failure;
         request.arguments[0] = job.build.program;
         status = RunProcess(request, problem);
@@ -50,9 +56,14 @@ int Perform(const Options& options) {
     return RunProgram(job);
 }
 
-}  // namespace
+// An exception would take memory as well.
+[[noreturn]] void EndWithoutMemory() {
+    EraseErrorLine();
+    std::fputs("kv: error: out of memory\n", stderr);
+    std::_Exit(failure);
+}
 
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     const Utf8Console console;
     Options options;
     std::string problem;
@@ -70,5 +81,18 @@ int main(int argc, char** argv) {
             return 0;
         default:
             return Perform(options);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::set_new_handler(EndWithoutMemory);
+    WriteBeyondLimits();
+    try {
+        return Main(argc, argv);
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "kv: error: %s\n", problem.what());
+        return failure;
     }
 }

@@ -19,6 +19,10 @@ struct ProcessRequest {
 // started is told by `problem`, which is empty then.
 int RunProcess(const ProcessRequest& request, std::string& problem);
 
+// From now on a file that would grow beyond the limit of its size cannot be written, and kv lives on. Programs that it
+// starts have the signal again as kv had it.
+void WriteBeyondLimits();
+
 // The full path of the running executable, links resolved; empty if it cannot be had.
 std::string OwnExecutable();
 
@@ -48,8 +52,9 @@ bool IsExecutable(const std::string& path);
 // The folder in which a user's programs keep what can be made again; empty if there is none.
 std::string UserCacheFolder();
 
-// Makes a folder (its parent is there) that belongs to the user and is closed to everybody else. False when it cannot
-// be had, is a link, or is there already and others can write to it.
+// Makes a folder (its parent is there) that belongs to the user and is closed to everybody else. One that others could
+// read is closed to them and emptied. False when it cannot be had, is a link, or is there already and others can write
+// to it.
 bool MakePrivateFolder(const std::string& folder);
 
 // Whether a file or folder is the user's own.
@@ -57,6 +62,9 @@ bool BelongsToUser(const std::string& path);
 
 // Whether files can be made in the folder.
 bool CanWriteIn(const std::string& folder);
+
+// Whether the file system of the folder has hardly room for further files, however small.
+bool IsShortOfFiles(const std::string& folder);
 
 // Copies a file, with the right to execute it, to a name that must be a new one. Returns false and sets `problem` when
 // that fails.
@@ -74,6 +82,9 @@ public:
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
+
+    // Whether there is a file to lock.
+    bool HasFile() const { return handle_ != -1; }
 
     // False where the file cannot be had or the file system has no locks.
     bool IsHeld() const { return isHeld_; }

@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -90,6 +91,15 @@ bool IsFileAt(int file, const std::string& path) {
            opened.st_ino == found.st_ino;
 }
 
+bool Empty(const std::string& folder) {
+    std::error_code failed;
+    std::filesystem::directory_iterator entry(folder, failed);
+    for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
+        if (std::filesystem::remove_all(entry->path(), failed); failed) return false;
+    }
+    return !failed;
+}
+
 }  // namespace
 
 std::string PathForTool(const std::string& path, const std::string&) { return path; }
@@ -165,11 +175,13 @@ bool MakePrivateFolder(const std::string& folder) {
     const Handle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat information;
     if (fstat(handle.number, &information) != 0 || information.st_uid != geteuid()) return false;
-    // What others could write may be theirs by now; what they could only read is closed to them.
+    // What others could write may be theirs by now; what they could only read is closed
+    // to them, and made anew.
     if ((information.st_mode & (S_IWGRP | S_IWOTH)) != 0) return false;
     if ((information.st_mode & (S_IRWXG | S_IRWXO)) == 0) return true;
+    // The files in it may have been open to all, and be theirs.
     return fchmod(handle.number, S_IRWXU) == 0 && fstat(handle.number, &information) == 0 &&
-           (information.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+           (information.st_mode & (S_IRWXG | S_IRWXO)) == 0 && Empty(folder);
 }
 
 bool BelongsToUser(const std::string& path) {
@@ -178,6 +190,14 @@ bool BelongsToUser(const std::string& path) {
 }
 
 bool CanWriteIn(const std::string& folder) { return access(folder.c_str(), W_OK | X_OK) == 0; }
+
+bool IsShortOfFiles(const std::string& folder) {
+    const unsigned long enough = 64;
+    struct statvfs information;
+    // Some file systems count none.
+    return statvfs(folder.c_str(), &information) == 0 && information.f_files > 0 &&
+           information.f_favail < enough;
+}
 
 bool CopyToNewFile(const std::string& from, const std::string& to, std::string& problem) {
     const Handle source(open(from.c_str(), O_RDONLY | O_CLOEXEC));

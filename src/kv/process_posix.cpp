@@ -20,6 +20,10 @@ namespace {
 // that it starts.
 volatile sig_atomic_t childProcess = 0;
 
+// What a signal did for kv's caller that tells of a file beyond the limit of its size.
+struct sigaction limitBefore;
+bool isLimitIgnored = false;
+
 void PassOn(int number) {
     if (childProcess > 0) kill(static_cast<pid_t>(childProcess), number);
 }
@@ -137,6 +141,13 @@ int WaitFor(pid_t child, const std::function<void()>& whileWaiting) {
 
 }  // namespace
 
+void WriteBeyondLimits() {
+    struct sigaction ignored;
+    std::memset(&ignored, 0, sizeof ignored);
+    ignored.sa_handler = SIG_IGN;
+    isLimitIgnored = sigaction(SIGXFSZ, &ignored, &limitBefore) == 0;
+}
+
 int RunProcess(const ProcessRequest& request, std::string& problem) {
     problem.clear();
     std::vector<char*> arguments;
@@ -158,6 +169,7 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
     if (child == 0) {
         if (isTool) setpgid(0, 0);
         signals.Restore();
+        if (isLimitIgnored) sigaction(SIGXFSZ, &limitBefore, nullptr);
         Become(request, arguments, report[1]);
     }
     int reason = child < 0 ? errno : 0;
