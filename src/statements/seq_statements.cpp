@@ -1,5 +1,8 @@
 #include "statements/seq_statements.h"
 
+#include <algorithm>
+
+#include "analysis/effects.h"
 #include "driver/report.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
@@ -113,11 +116,20 @@ Expr OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row, const
     return other;
 }
 
+// Whether it could be told that the array is worked out between two uses of the Sequence.
+bool NamesBoth(const Expr& sequence, const Expr& array) {
+    if (!MayRepeat(sequence)) return true;
+    return array.effects &&
+           OrderCanBeSeen({EffectsOfTarget(sequence.source), EffectsOfAssigned(array.source)});
+}
+
 // FromArray takes a vector of the very item type; everything else is copied item by item:
-//     seq.Clear(); for(auto& __kvItem : array) seq.Add(__kvItem);
+//     seq.Clear(); for(auto&& __kvItem : array) seq.Add(__kvItem);
+// Where calls could tell, both are found once, before the Sequence changes:
+//     { auto&& __kvTarget = seq; auto&& __kvItems = array; __kvTarget.Clear(); for(...) ...; }
 void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const Row& row) {
     Expr array = Translated(tokens, row);
-    const std::string target = ValueText(sequence);
+    std::string target = ValueText(sequence);
     ValueType item = sequence.type.Item();
     if (array.type.IsKnown() && array.type.dims != 1)
         ReportFatal("SeqFromArray needs an array of one dimension, got " + KorvelName(array.type));
@@ -137,8 +149,16 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
         return;
     }
     std::string value = item.Is(Base::Element) ? "*__kvItem" : "__kvItem";
-    EmitLine(state, WhileAway(sequence, true, target + ".Clear()") + "; for(auto&& __kvItem : " + source +
-                        ") " + WhileAway(sequence, true, target + ".Add(" + value + ")") + ";");
+    const bool named = NamesBoth(sequence, array);
+    std::string names;
+    if (named) {
+        names = "{ auto&& __kvTarget = " + target + "; auto&& __kvItems = " + source + "; ";
+        target = "__kvTarget";
+        source = "__kvItems";
+    }
+    EmitLine(state, names + WhileAway(sequence, true, target + ".Clear()") +
+                        "; for(auto&& __kvItem : " + source + ") " +
+                        WhileAway(sequence, true, target + ".Add(" + value + ")") + (named ? "; }" : ";"));
 }
 
 // The Method that sorts items of the class; null when it has none that fits.
@@ -163,6 +183,12 @@ Expr ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Ro
     }
 }
 
+// Whether an argument may change where the Sequence is found.
+bool MovesSequence(const Expr& sequence, const std::vector<Expr>& arguments) {
+    return std::any_of(arguments.begin(), arguments.end(),
+                       [&sequence](const Expr& argument) { return IsLookUpSeen(sequence, {argument}); });
+}
+
 // KVL_s.Member(arguments)
 std::string MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
                        const std::string& keyword, const std::string& member) {
@@ -171,7 +197,8 @@ std::string MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts
         arguments.push_back(ArgumentFor(row.arguments[i], sequence, parts[i + 1], row, keyword));
     InOrder inOrder;
     const bool named = OrderMatters(arguments);
-    const std::string object = ValueText(sequence);
+    std::string object = ValueText(sequence);
+    if (named && MovesSequence(sequence, arguments)) object = inOrder.NameObject(object);
     std::string texts;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const bool isValue = row.arguments[i] == Argument::Value;
