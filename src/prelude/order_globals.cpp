@@ -105,12 +105,13 @@ private:
 
     void Put(GlobalEntry& entry) {
         GlobalDefinition& global = *entry.global;
-        const bool takenAgain = entry.changedBefore && !global.again.empty();
-        ValueEffects effects = entry.effects;
-        if (!entry.IsConstant() || takenAgain) effects.changes.insert(ThingOf(*entry.Name()));
+        const bool takesValue = entry.part == EntryPart::Value;
+        ValueEffects effects = entry.part == EntryPart::Empty ? ValueEffects() : entry.effects;
+        if (entry.part == EntryPart::Empty) global.plain = global.definition = global.empty;
+        if (!entry.IsConstant() || takesValue) effects.changes.insert(ThingOf(*entry.Name()));
         Place place = PlaceBehind(met.Before(effects), entry.position);
-        if (takenAgain) {
-            place = std::max(place, Place::LateHeader);
+        if (takesValue) {
+            place = std::max({place, Place::LateHeader, PlaceToCompile(entry)});
             Append(place, "static const bool __kvTaken_" + entry.variable->cppName + " = (" + global.again +
                               ", true);");
         } else if (global.declaration.empty()) {

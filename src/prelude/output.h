@@ -50,7 +50,8 @@ struct GlobalDefinition {
     std::vector<std::string> sizeNames;   // tokens of array sizes that only the running program knows
     bool needsPrelude = false;            // uses KVSeq or other support code
     bool constant = false;                // a Global or Const that has its value before any code runs
-    std::string again;                    // the assignment of that value, when one is written
+    std::string again;                    // the assignment of its value, where that can stand alone
+    std::string empty;                    // its definition without a value, when it needs one before that
     std::size_t number = 0;               // its place among those of all files, Includes where they stand
     bool isPreCalc = false;               // written without the comment line before it
 };

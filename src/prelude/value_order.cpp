@@ -110,12 +110,16 @@ public:
         });
         for (std::size_t i = 0; i < entries.size(); ++i) indexes[ThingOf(*entries[i].Name())] = i;
         met.resize(entries.size());
+        empty.resize(entries.size());
     }
 
     std::vector<GlobalEntry> Run() {
-        for (std::size_t i = 0; i < entries.size(); ++i) Enter(i);
+        for (here = 0; here < entries.size(); ++here) Enter(here);
         std::vector<GlobalEntry> sorted;
-        for (const std::size_t i : order) sorted.push_back(std::move(entries[i]));
+        for (const Turn& turn : order) {
+            sorted.push_back(entries[turn.index]);
+            sorted.back().part = turn.part;
+        }
         return sorted;
     }
 
@@ -128,14 +132,24 @@ private:
         std::size_t next = 0;
     };
 
+    struct Turn {
+        std::size_t index;
+        EntryPart part;
+    };
+
     std::vector<GlobalEntry> entries;  // in source order
     std::unordered_map<Thing, std::size_t> indexes;
-    std::vector<bool> met;
+    std::vector<bool> met, empty;  // those under way or done; those that are there without their value
     std::vector<Step> steps;
-    std::vector<std::size_t> order;
+    std::vector<Turn> order;
+    std::size_t here = 0;  // how far the source has been walked
 
     void Enter(std::size_t index) {
-        if (met[index]) return;
+        if (met[index]) {
+            if (IsTakenAgain(index) && IsAlwaysTheSame(entries[index]))
+                order.push_back({index, EntryPart::Value});
+            return;
+        }
         const std::size_t bottom = steps.size();
         Push(index);
         while (steps.size() > bottom) GoOn();
@@ -167,17 +181,32 @@ private:
     void GoOn() {
         Step& step = steps.back();
         if (step.next == step.before.size()) {
-            order.push_back(step.index);
+            const bool there = empty[step.index] || entries[step.index].IsConstant();
+            const bool again = there && IsTakenAgain(step.index);
+            order.push_back({step.index, again ? EntryPart::Value : EntryPart::Whole});
             steps.pop_back();
             return;
         }
         const bool named = step.next < step.namedEnd;
         const std::size_t before = step.before[step.next++];
+        if (!named && before > here) NoteTouched(before, step.index);
         if (met[before]) return;
-        if (!named) NoteTouched(before, step.index);
         // A constant is there anyway, and takes its value again where the source has it.
         if (entries[before].IsConstant()) return;
-        if (named || IsThereFromTheStart(entries[before])) Push(before);
+        if (named || IsThereFromTheStart(entries[before]))
+            Push(before);
+        else if (!named && !empty[before] && !entries[before].global->empty.empty())
+            PutEmpty(before);
+    }
+
+    void PutEmpty(std::size_t index) {
+        empty[index] = true;
+        order.push_back({index, EntryPart::Empty});
+    }
+
+    bool IsTakenAgain(std::size_t index) const {
+        const GlobalEntry& entry = entries[index];
+        return (entry.changedBefore || empty[index]) && !entry.global->again.empty();
     }
 
     // What comes later in the source, but may be changed by the initial value of `user`.
@@ -186,11 +215,15 @@ private:
             entries[later].changedBefore = true;
     }
 
+    static bool IsAlwaysTheSame(const GlobalEntry& entry) {
+        const ValueEffects& effects = entry.effects;
+        return !effects.anything && effects.reads.empty() && effects.changes.empty();
+    }
+
     static bool IsThereFromTheStart(const GlobalEntry& entry) {
         if (entry.variable->isConst) return true;
-        const ValueEffects& effects = entry.effects;
-        if (effects.anything || !effects.reads.empty() || !effects.changes.empty()) return false;
-        return entry.variable->initialiser.empty() || !entry.changedBefore;
+        if (!IsAlwaysTheSame(entry)) return false;
+        return entry.variable->initialiser.empty() || !entry.changedBefore || !entry.global->again.empty();
     }
 };
 

@@ -13,6 +13,13 @@ struct ValueEffects {
     bool anything = false;
 };
 
+// What of a Global takes place where an entry stands.
+enum class EntryPart : unsigned char {
+    Whole,  // the definition with its value
+    Empty,  // the definition without one: what comes before its value may use it
+    Value,  // the assignment of the value to what is there already
+};
+
 struct GlobalEntry {
     GlobalDefinition* global = nullptr;
     FileOutput* file = nullptr;
@@ -21,6 +28,7 @@ struct GlobalEntry {
     std::vector<const Word*> mentioned;  // the names in its initial value and its sizes, but for members
     ValueEffects effects;                // of its initial value
     bool changedBefore = false;          // what comes before it may give it another value
+    EntryPart part = EntryPart::Whole;
 
     const Word* Name() const { return &WordOf(global->name); }
     bool IsConstant() const { return global->constant || global->isPreCalc; }
@@ -28,5 +36,6 @@ struct GlobalEntry {
 
 // All Globals and Consts of the program in source order, Includes where they stand. Two kinds come earlier: what
 // an initial value names, and what it may use on the way through routines when that has no value that could be
-// told from the default, or is a Const.
+// told from the default, or is a Const. What is changed before its place takes its value there (once more), in
+// an entry of its own; a String or a Sequence whose value runs code is there without one before.
 std::vector<GlobalEntry> GlobalsInOrder(Program& program);

@@ -73,6 +73,7 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     global.needsPrelude = definition.usesPrelude;
     global.constant = definition.constant;
     global.again = definition.again;
+    global.empty = definition.empty;
     NoteMentioned(*state.out, definition.mentioned);
     PutGlobal(*state.out, std::move(global));
 }

@@ -192,8 +192,10 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     definition.moved = definition.text;
     const bool global = declared.kind == DefinitionKind::Global;
     definition.constant = (global || declared.kind == DefinitionKind::Const) && IsConstant(declared, value);
-    if (global && definition.constant && declared.hasValue)
+    const bool built = type.Is(Base::String) || type.sequence;
+    if (global && (definition.constant || built) && declared.hasValue)
         definition.again = definition.cppName + " = " + TextAs(value, type);
+    if (global && built && declared.hasValue) definition.empty = variable + ";";
     if (type.Is(Base::Object))
         VerboseNote("Registering object variable: " + declared.name + " of type " + type.cls->name);
     if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))

@@ -23,7 +23,8 @@ struct Definition {
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
     bool usesPrelude = false;              // the text names what only the main header declares
     bool constant = false;                 // the variable has its value before any code runs
-    std::string again;                     // the assignment of that value
+    std::string again;                     // the assignment of its value, where that can stand alone
+    std::string empty;                     // the definition without a value, when it needs one before that
 };
 
 // Ends the run when no Global, Const or PreCalc table may have the name.
