@@ -9,9 +9,12 @@
 namespace fs = std::filesystem;
 
 bool ReplaceFile(const std::string& path, const std::string& text) {
+    return ReplaceFile(path, text, path + ".new");
+}
+
+bool ReplaceFile(const std::string& path, const std::string& text, const std::string& passing) {
     std::string before;
     if (FileSize(path) == text.size() && ReadFile(path, before) && before == text) return true;
-    const std::string passing = path + ".new";
     std::error_code failed;
     if (fs::exists(PathOf(path), failed) && !fs::is_regular_file(PathOf(path), failed)) return false;
     if (!WriteContents(passing, text)) return false;

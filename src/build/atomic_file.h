@@ -7,6 +7,7 @@
 // Writes a file under a passing name beside it and moves it into place. False when that fails; the file
 // that was there then stays as it was.
 bool ReplaceFile(const std::string& path, const std::string& text);
+bool ReplaceFile(const std::string& path, const std::string& text, const std::string& passing);
 
 bool FileExists(const std::string& path);
 

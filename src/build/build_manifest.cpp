@@ -66,6 +66,10 @@ std::string ExtensionOf(const std::string& path) {
     return dot == std::string::npos ? std::string() : name.substr(dot);
 }
 
+bool IsGenerated(const std::string& extension) {
+    return extension == ".cpp" || extension == ".h" || extension == ".js";
+}
+
 bool SameFile(const std::string& a, const std::string& b) {
     std::error_code failed;
     return fs::equivalent(PathOf(a), PathOf(b), failed) && !failed;
@@ -160,7 +164,7 @@ private:
     // A file generated for an Include that leads out of the folders: it lies beside the .kvl.
     bool IsBesideItsSource(const std::string& line) {
         const std::string extension = ExtensionOf(line);
-        if (extension != ".cpp" && extension != ".h" && extension != ".js") return false;
+        if (!IsGenerated(extension)) return false;
         const std::string stem = line.substr(0, line.size() - extension.size());
         if (!FileExists(stem + sourceExtension)) return false;
         const std::string place = PlaceHere(stem);
@@ -184,8 +188,7 @@ private:
 
     // Whether a build of the main source may have left the file behind.
     bool IsProduct(const std::string& line) {
-        const std::string extension = ExtensionOf(line);
-        if (extension == ".cpp" || extension == ".h" || extension == ".js") return true;
+        if (IsGenerated(ExtensionOf(line))) return true;
         const std::string place = PlaceHere(line);
         const std::string stem = StripExtension(settings.mainSource);
         return place == PlaceHere(stem) || place == PlaceHere(stem + ".exe") ||
@@ -195,6 +198,7 @@ private:
     void Delete(const std::string& line) {
         std::error_code failed;
         if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(PathOf(line), failed))) return;
+        if (IsGenerated(ExtensionOf(line)) && !IsOurs(line)) return;
         if (IsPutOff(line)) return;  // counted already
         const bool mayComeAgain = EndsWith(line, ".cpp") || EndsWith(line, ".h");
         if (mayComeAgain && PutOffDeletion(line)) {

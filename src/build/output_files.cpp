@@ -4,8 +4,10 @@
 #include <fstream>
 #include <unordered_map>
 
+#include "build/marks.h"
 #include "driver/files.h"
 #include "driver/paths.h"
+#include "driver/places.h"
 #include "driver/run.h"
 #include "driver/settings.h"
 #include "driver/utf8.h"
@@ -28,12 +30,14 @@ struct FileKeyHash {
 struct Reservation {
     bool creatable = true;
     bool passing = false;  // what stands there goes when the run ends, unless it is written
+    bool outside = false;
 };
 
 std::unordered_map<FileKey, std::string, FileKeyHash> putOff;  // files of the previous build and their paths
 std::unordered_map<std::string, Reservation> reservations;     // by path
 std::unordered_map<std::string, bool> folders;                 // answers of MayChangeFolder
-const PartOfRun partOfRun(putOff, reservations, folders);
+std::unordered_map<std::string, bool> outsideFolders;          // answers of LiesOutside
+const PartOfRun partOfRun(putOff, reservations, folders, outsideFolders);
 
 bool MayChangeFolderOf(const std::string& path) {
     const std::string folder = FolderOf(path);
@@ -58,16 +62,22 @@ bool CanOpen(const std::string& path) {
     return static_cast<bool>(std::ofstream(PathOf(path), std::ios::app));
 }
 
-void Remove(const std::string& path) {
+void Remove(const std::string& path, bool outside) {
     std::error_code failed;
-    fs::remove(PathOf(path), failed);
+    if (outside)
+        RemoveMarked(path);
+    else
+        fs::remove(PathOf(path), failed);
 }
+
+void Remove(const std::string& path) { Remove(path, LiesOutside(path)); }
 
 // New files, those that take the place of a link and those of the previous build are not opened before they are
 // written.
 Reservation Reserve(const std::string& path) {
     using Kind = FileFacts::Kind;
     Reservation reservation;
+    reservation.outside = LiesOutside(path);
     const FileFacts facts = Examine(path);
     const bool isNew = (facts.kind == Kind::Missing || facts.kind == Kind::Link) && MayChangeFolderOf(path);
     const bool isOld = facts.kind == Kind::Regular && putOff.erase({facts.device, facts.number}) != 0;
@@ -77,7 +87,22 @@ Reservation Reserve(const std::string& path) {
     return reservation;
 }
 
+bool IsReservedOutside(const std::string& path) {
+    const auto reservation = reservations.find(path);
+    return reservation != reservations.end() && reservation->second.outside;
+}
+
 }  // namespace
+
+bool LiesOutside(const std::string& path) {
+    const std::string folder = FolderOf(path);
+    const auto [entry, isNew] = outsideFolders.emplace(folder, false);
+    if (isNew && folder != settings.outputPath)
+        entry->second = LeadsOutOf(settings.outputPath, folder.empty() ? "." : folder);
+    return entry->second;
+}
+
+bool IsOurs(const std::string& path) { return !LiesOutside(path) || IsMarked(path); }
 
 bool PutOffDeletion(const std::string& path) {
     if (!IsLikeNew(path) || !MayChangeFolderOf(path)) return false;
@@ -112,11 +137,13 @@ bool ReserveOutput(const std::string& path) {
 bool WriteOutput(const std::string& path, const std::string& text) {
     const auto reservation = reservations.find(path);
     if (reservation != reservations.end()) reservation->second.passing = false;
-    return settings.checkOnly || WriteContents(path, text);
+    if (settings.checkOnly) return true;
+    return IsReservedOutside(path) ? WriteMarked(path, text) : WriteContents(path, text);
 }
 
 void DropOutput(const std::string& path) {
-    if (!settings.checkOnly) Remove(path);
+    const bool outside = IsReservedOutside(path);
+    if (!settings.checkOnly && (!outside || IsMarked(path))) Remove(path, outside);
 }
 
 void SettleOutputs() {

@@ -8,6 +8,11 @@
 
 #include <string>
 
+// An Include that climbs ("../lib/util.kvl"), or a link in its path, leads out of the output folder.
+bool LiesOutside(const std::string& path);
+// Whether a file that is there may be overwritten and deleted: outside the output folder, one that a run of ours wrote.
+bool IsOurs(const std::string& path);
+
 // Leaves a file of the previous build where it is until the run ends. False when it is not certain that it
 // can be deleted then and that overwriting it is as good: it has to be deleted at once.
 bool PutOffDeletion(const std::string& path);
@@ -23,7 +28,7 @@ void DeletePutOff(const std::string& path);
 bool ReserveOutput(const std::string& path);
 // Writes an output. Different ones can be written at the same time. False when that fails.
 bool WriteOutput(const std::string& path, const std::string& text);
-// Sees to it that a reserved output is not there.
+// Sees to it that a reserved output is not there. A file of the user's may be.
 void DropOutput(const std::string& path);
 
 // Deletes what was put off and nobody took over. The end of every run, also of one that a mistake ends.

@@ -101,23 +101,10 @@ std::string GlobalSection(const FileOutput& out) {
 
 }  // namespace
 
-static std::string HeaderOpening(const std::string& guard) {
-    std::string opening = "#ifndef " + guard + "\n#define " + guard + "\n\n";
-    opening += texts::includes;
-    return opening + "using namespace std;\n";
-}
-
-bool IsHeaderText(const std::string& text) {
-    const std::size_t guard = std::string_view("#ifndef ").size();
-    const std::size_t end = text.find('\n');
-    if (end == std::string::npos) return text.empty();
-    if (end <= guard) return false;
-    const std::string opening = HeaderOpening(text.substr(guard, end - guard));
-    return opening.compare(0, text.size(), text, 0, opening.size()) == 0;
-}
-
 void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard) {
-    out.headerOpening = HeaderOpening(guard);
+    out.headerOpening = "#ifndef " + guard + "\n#define " + guard + "\n\n";
+    out.headerOpening += texts::includes;
+    out.headerOpening += "using namespace std;\n";
     if (out.isMain) {
         if (settings.safeMode) out.headerPrelude += FillSafeNames(texts::safeDivision);
         if (!settings.fastMode) out.headerPrelude += texts::sequence;

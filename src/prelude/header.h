@@ -22,9 +22,6 @@ std::string HeaderGuard(const std::string& base);
 // The type of the list of objects that variables of a Type were declared with.
 std::string CreatedListType(const ClassInfo& cls);
 
-// True for what begins as the headers do that we write, and for an empty text.
-bool IsHeaderText(const std::string& text);
-
 // Writes all header sections up to the function declarations into `out`.
 void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard);
 

@@ -4,6 +4,7 @@
 
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
+#include "build/marks.h"
 #include "build/output_files.h"
 #include "driver/run.h"
 #include "driver/settings.h"
@@ -150,9 +151,8 @@ TEST_F(Cleaning, SourceFolderMayBeTheWorkingDirectory) {
 
 // Include "../shared/util.kvl" with the output folder beside the program's: the .cpp lands beside its source.
 TEST_F(Cleaning, ReachesGeneratedFilesBesideTheirSources) {
-    for (const char* file : {"shared/util.cpp", "shared/util.h", "shared/hand.cpp", "shared/other.kvl"}) {
-        ScratchFolder::Write(file);
-    }
+    for (const char* file : {"shared/hand.cpp", "shared/other.kvl"}) ScratchFolder::Write(file);
+    for (const char* file : {"shared/util.cpp", "shared/util.h"}) EXPECT_TRUE(WriteMarked(file, "// ours\n"));
     ScratchFolder::Write("game/main.kvl", "Include \"lib.kvl\"\nInclude \"main.kvl\"\n");
     ScratchFolder::Write("game/lib.kvl", "include \"../shared/util.kvl\" ; both need it\n");
     ScratchFolder::Write("shared/util.kvl");
@@ -161,6 +161,8 @@ TEST_F(Cleaning, ReachesGeneratedFilesBesideTheirSources) {
     EXPECT_EQ(Clean("out/../shared/util.cpp\nout/../shared/util.h\n" + hand + "\n"),
               Outside(hand) + "Cleaned 2 file(s) from previous build\n");
     EXPECT_TRUE(ScratchFolder::Has("shared/hand.cpp"));
+    ScratchFolder::Write("shared/util.h", "// the user's by now\n");
+    ExpectKept("out/../shared/util.h", "shared/util.h");
     ExpectKept("out/../shared/other.cpp", "shared/other.cpp", Outside("out/../shared/other.cpp"));
     EXPECT_TRUE(ScratchFolder::Has("shared/util.kvl"));
 }
