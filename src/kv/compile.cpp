@@ -1,5 +1,6 @@
 #include "kv/compile.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -240,9 +241,15 @@ bool CanLieBesideProgram(const Job& job) {
 bool CopyLibraries(const Job& job) {
     const fs::path folder = PathOf(job.build.program).parent_path();
     for (const std::string& library : SharedLibraries(job)) {
+        std::error_code failed;  // which the next step meets, too
+        fs::create_directories((folder / PathOf(library)).parent_path(), failed);
         if (!CopyOver(PathOf(job.build.cppFolder) / PathOf(library), folder / PathOf(library))) return false;
     }
     return true;
+}
+
+bool IsBelowProgram(const fs::path& name) {
+    return !name.empty() && name.is_relative() && std::find(name.begin(), name.end(), "..") == name.end();
 }
 
 }  // namespace
@@ -251,8 +258,8 @@ std::vector<std::string> SharedLibraries(const Job& job) {
     std::vector<std::string> libraries;
     for (const std::string& name : LibrariesLoaded(job)) {
         std::error_code failed;
-        const bool plainName = !name.empty() && name.find_first_of("/\\") == std::string::npos;
-        if (plainName && fs::is_regular_file(PathOf(job.build.cppFolder) / PathOf(name), failed))
+        if (IsBelowProgram(PathOf(name)) &&
+            fs::is_regular_file(PathOf(job.build.cppFolder) / PathOf(name), failed))
             libraries.push_back(name);
     }
     return libraries;

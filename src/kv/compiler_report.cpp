@@ -139,9 +139,10 @@ std::string TextAfter(const std::string& line, const std::string& mark, const ch
 }
 
 // Trouble that has nothing to do with the program.
-const char* const troubles[] = {"No space left on device",  "Cannot create temporary file",
-                                "Killed signal terminated", "virtual memory exhausted",
-                                "cannot execute",           "unable to execute command"};
+const char* const troubles[] = {"No space left on device",    "Cannot create temporary file",
+                                " signal terminated program", "virtual memory exhausted",
+                                "out of memory allocating",   "cannot execute",
+                                "unable to execute command"};
 const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file not found"};
 
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {

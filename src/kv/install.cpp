@@ -90,10 +90,20 @@ bool CanLeaveLibrary(const Job& job, const Delivery& library, const fs::path& pr
                   ", which is not kv's; move that away, or build the program in another folder, with -o");
 }
 
+// A library in a folder of its own: one that is a link leads elsewhere.
+bool LeadsElsewhere(const fs::path& library, const fs::path& program) {
+    std::error_code failed;
+    const fs::path top = program.parent_path();
+    const fs::path below = library.lexically_relative(top).parent_path();
+    return fs::weakly_canonical(library.parent_path(), failed) !=
+           (below.empty() ? fs::canonical(top, failed) : fs::canonical(top, failed) / below);
+}
+
 bool Deliver(const Delivery& library) {
-    if (!HasContentOf(library.to, library.from) && !CopyOver(library.from, library.to)) return false;
-    RecordInstalled(TextOf(library.to), TextOf(library.from));
-    return true;
+    std::error_code failed;  // which the next step meets, too
+    fs::create_directories(library.to.parent_path(), failed);
+    RecordInstalled(TextOf(library.to), TextOf(library.from));  // first, in case kv is killed
+    return HasContentOf(library.to, library.from) || CopyOver(library.from, library.to);
 }
 
 }  // namespace
@@ -105,7 +115,11 @@ bool Install(const Job& job) {
     std::vector<Delivery> libraries;
     for (const std::string& name : SharedLibraries(job)) {
         const Delivery library = {PathOf(job.build.cppFolder) / PathOf(name),
-                                  target.parent_path() / PathOf(name)};
+                                  (target.parent_path() / PathOf(name)).lexically_normal()};
+        if (LeadsElsewhere(library.to, target)) {
+            return Refuse("the shared library " + name +
+                          " would leave the program's folder by a link; name the program with -o");
+        }
         if (!CanLeaveLibrary(job, library, target, sources)) return false;
         libraries.push_back(library);
     }

@@ -18,9 +18,10 @@ const int attempts = 5;
 bool FindSource(const Options& options, Job& job) {
     std::error_code failed;
     fs::path source = PathOf(job.typedFolder) / PathOf(options.source);
-    if (fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
+    const bool hasExtension = source.extension() == ".kvl";
+    const bool isWhole = hasExtension && fs::exists(source, failed);
+    if (!isWhole && fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
-        const bool hasExtension = PathOf(options.source).extension() == ".kvl";
         ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));
         return false;
     }
