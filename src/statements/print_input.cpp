@@ -1,7 +1,9 @@
 #include "statements/print_input.h"
 
+#include "analysis/effects.h"
 #include "driver/report.h"
 #include "driver/settings.h"
+#include "expressions/in_order.h"
 #include "prelude/support.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
@@ -57,6 +59,7 @@ struct InputTarget {
     std::string name;  // as written, for messages
     std::string text;
     ValueType type;
+    bool foundOnce = false;  // it could be told that the loop finds it again when it asks again
 };
 
 InputTarget TargetOf(TokenSpan tokens) {
@@ -77,7 +80,14 @@ InputTarget TargetOf(TokenSpan tokens) {
         ReportFatal("Input cannot read into '" + target.name + "', which is " + KorvelName(expr.type));
     target.text = expr.text;
     target.type = expr.type;
+    // A Byte is only found when the number is there.
+    target.foundOnce = !expr.type.Is(Base::Byte) && !MayRepeat(expr);
     return target;
+}
+
+// Whether working out the prompt once more may lead to another target.
+bool Moves(TokenSpan prompt, TokenSpan target) {
+    return MayChange(EffectsOf(prompt), EffectsOfPlace(target));
 }
 
 const char* RetryMessage(const ValueType& type) {
@@ -86,14 +96,23 @@ const char* RetryMessage(const ValueType& type) {
     return "Invalid input. Please try again.";
 }
 
-// Asks until the input parses. A Byte is read as a number first.
-void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& target) {
+// Asks until the input parses. A Byte is read as a number first. A target that is found once is so behind the
+// first prompt:
+//     { std::cout << prompt; auto&& __kvTarget = KVL_a[KVL_Next ( )];
+//     while(true) { if(std::cin >> __kvTarget) ... else { ... std::cout << prompt; } } }
+void EmitRetryLoop(State& state, const std::string& prompt, InputTarget target) {
     const std::string ignoreLine =
         "        std::cin.ignore(std::numeric_limits<std::streamsize>::max(), '\\n');";
     const bool byte = target.type.Is(Base::Byte);
+    const bool once = target.foundOnce;
+    const std::string show = "std::cout << " + prompt + ";";
+    if (once) {
+        EmitLine(state, "{ " + show + " auto&& __kvTarget = " + target.text + ";");
+        target.text = "__kvTarget";
+    }
     EmitLine(state, "while(true) {");
     if (byte) EmitLine(state, "    int __kvNumber = 0;");
-    EmitLine(state, "    std::cout << " + prompt + ";");
+    if (!once) EmitLine(state, "    " + show);
     if (byte)
         EmitLine(state, "    if(std::cin >> __kvNumber && __kvNumber >= 0 && __kvNumber <= 255) {");
     else
@@ -111,8 +130,9 @@ void EmitRetryLoop(State& state, const std::string& prompt, const InputTarget& t
                  "        if(std::cin.eof()) { std::cerr << \"Input has ended\" << std::endl; exit(1); }");
     EmitLine(state, "        std::cin.clear();");
     EmitLine(state, ignoreLine);
+    if (once) EmitLine(state, "        " + show);
     EmitLine(state, "    }");
-    EmitLine(state, "}");
+    EmitLine(state, once ? "} }" : "}");
 }
 
 // Index of the comma behind the prompt, which is at least one token long.
@@ -143,7 +163,9 @@ void TranslateInput(State& state, TokenSpan tokens) {
     if (comma == noToken) ReportFatal("Input statement requires a comma between prompt and variable");
     if (comma + 1 == tokens.size()) ReportFatal("Input statement requires a variable after the comma");
     InputTarget target = TargetOf(tokens.From(comma + 1));
+    const std::size_t calls = callCount;
     std::string prompt = ItemTexts(tokens.Slice(1, comma), tokens[0], ExprMode::Input);
+    if (callCount != calls && Moves(tokens.Slice(1, comma), tokens.From(comma + 1))) target.foundOnce = true;
     if (target.type.Is(Base::String)) {
         EmitLine(state, "std::cout << " + prompt + ";");
         EmitLine(state, "std::getline(std::cin, " + target.text + ");");
