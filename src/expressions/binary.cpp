@@ -1,8 +1,8 @@
 // Types and texts of operators.
-#include "analysis/effects.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "expressions/in_order.h"
+#include "expressions/operand_order.h"
 #include "expressions/operators.h"
 #include "expressions/text_sum.h"
 #include "prelude/output.h"
@@ -20,22 +20,12 @@ bool IsTruth(const Expr& expr) {
            expr.type.Is(Base::Pointer);
 }
 
-const BinaryOperator plus = {"+", "+", Level::Sum, OperatorKind::Add, true};
+const BinaryOperator plus = {"+", "+", Level::Sum, OperatorKind::Add};
 
 // What C++ makes of two numbers: at least an Int.
 Base CommonNumber(const Expr& a, const Expr& b) {
     if (a.type.base == Base::Double || b.type.base == Base::Double) return Base::Double;
     return a.type.base == Base::Long || b.type.base == Base::Long ? Base::Long : Base::Int;
-}
-
-// A variable with no more than signs and numbers beside it.
-bool IsBareVariable(TokenSpan tokens) {
-    std::size_t names = 0;
-    for (const std::string& token : tokens) {
-        if (Is(token, "[")) return false;
-        names += IsIdentifier(token) ? 1 : 0;
-    }
-    return names == 1;
 }
 
 bool Checked() { return settings.safeMode && !settings.debugMode; }
@@ -88,17 +78,6 @@ std::string CheckedOperand(const Expr& expr, Base common) {
     return exact ? expr.text : "static_cast<" + CppName(Single(common)) + ">(" + expr.text + ")";
 }
 
-// g++ may turn the operands of some operators round when the left one is no more than a variable, and would then
-// read it behind the right one:
-//     __kvNow(KVL_g) + KVL_Next (  )
-void ReadInTime(Expr& left, const BinaryOperator& op, const Expr& right) {
-    if (!op.mayTurn || !right.effects || left.effects || !IsBareVariable(left.source)) return;
-    const bool reference = left.variable != nullptr && left.variable->isItem;  // these it reads in time
-    if (reference || !MayChange(right.source, left.source)) return;
-    RequireSupport(Support::ReadNow);
-    left.text = "__kvNow(" + left.text + ")";
-}
-
 Expr FloatingRemainder(const Expr& left, const Expr& right) {
     const ValueType real = Single(Base::Double);
     if (!OrderMatters(left, right)) return Call("std::fmod", left.text, right.text, real);
@@ -110,13 +89,22 @@ Expr FloatingRemainder(const Expr& left, const Expr& right) {
     return result;
 }
 
-Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
+// Operands that are worked out one after the other, in an operator of C++.
+Expr Calculate(Expr left, const BinaryOperator& op, Expr right, const ValueType& type) {
+    KeepOrder(left, op, right);
+    Expr result = Join(left, op, right, type);
+    NoteOperands(result, left, op, right);
+    return result;
+}
+
+Expr Divide(Expr left, const BinaryOperator& op, Expr right) {
     const Base common = CommonNumber(left, right);
-    if (!left.type.IsKnown() || !right.type.IsKnown()) return Join(std::move(left), op, right, {});
+    if (!left.type.IsKnown() || !right.type.IsKnown())
+        return Calculate(std::move(left), op, std::move(right), {});
     const bool remainder = op.kind == OperatorKind::Remainder;
     if (!Checked()) {
         if (remainder && common == Base::Double) return FloatingRemainder(left, right);
-        return Join(std::move(left), op, right, Single(common));
+        return Calculate(std::move(left), op, std::move(right), Single(common));
     }
     NotePreludeUse();
     // C++ takes the arguments of a call in any order, but not what stands between braces.
@@ -133,17 +121,16 @@ Expr Divide(Expr left, const BinaryOperator& op, const Expr& right) {
                 CheckedOperand(right, common), Single(common));
 }
 
-Expr Arithmetic(Expr left, const BinaryOperator& op, const Expr& right) {
+Expr Arithmetic(Expr left, const BinaryOperator& op, Expr right) {
     const bool known = left.type.IsKnown() && right.type.IsKnown();
     const bool numbers =
         (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
     if (!numbers) FailOperands(left, op, right);
     if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder)
-        return Divide(std::move(left), op, right);
+        return Divide(std::move(left), op, std::move(right));
     const Base common = CommonNumber(left, right);
     if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
-    ReadInTime(left, op, right);
-    return Join(std::move(left), op, right, known ? Single(common) : ValueType());
+    return Calculate(std::move(left), op, std::move(right), known ? Single(common) : ValueType());
 }
 
 // [&]() -> bool { KVL_E __kv0 = left; KVL_E __kv1 = right; return __kv0 == __kv1; }()
@@ -178,7 +165,7 @@ bool Comparable(const Expr& left, const BinaryOperator& op, const Expr& right) {
     return left.type == right.type || !left.type.Is(Base::Object) || !right.type.Is(Base::Object);
 }
 
-Expr Compare(Expr left, const BinaryOperator& op, const Expr& right) {
+Expr Compare(Expr left, const BinaryOperator& op, Expr right) {
     if (op.kind == OperatorKind::Equality && left.type.Is(Base::Element) && left.type == right.type) {
         return CompareElements(left, op, right);
     }
@@ -191,13 +178,18 @@ Expr Compare(Expr left, const BinaryOperator& op, const Expr& right) {
         zero.text = "0";
         return Join(std::move(order), op, zero, Single(Base::Bool));
     }
-    ReadInTime(left, op, right);
-    return Join(std::move(left), op, right, Single(Base::Bool));
+    KeepOrder(left, op, right);
+    const bool leaps = MayLeap(left, op, right);
+    Expr result = Join(std::move(left), op, right, Single(Base::Bool));
+    result.leaps = leaps;
+    return result;
 }
 
 Expr Logic(Expr left, const BinaryOperator& op, const Expr& right) {
     if (!IsTruth(left) || !IsTruth(right)) FailOperands(left, op, right);
-    return Join(std::move(left), op, right, Single(Base::Bool));
+    Expr result = Join(std::move(left), op, right, Single(Base::Bool));
+    result.leaps = true;
+    return result;
 }
 
 }  // namespace
@@ -211,16 +203,16 @@ Expr Combine(Expr left, const BinaryOperator& op, Expr right) {
             break;
         case OperatorKind::Order:
         case OperatorKind::Equality:
-            return Compare(std::move(left), op, right);
+            return Compare(std::move(left), op, std::move(right));
         case OperatorKind::Logic:
             return Logic(std::move(left), op, right);
         default:
             break;
     }
-    return Arithmetic(std::move(left), op, right);
+    return Arithmetic(std::move(left), op, std::move(right));
 }
 
-Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
+Expr ApplyUnary(const UnaryOperator& op, Expr operand) {
     RequireValue(operand);
     const bool known = operand.type.IsKnown();
     const bool fits = op.kind == UnaryKind::Not    ? IsTruth(operand)
@@ -230,9 +222,11 @@ Expr ApplyUnary(const UnaryOperator& op, const Expr& operand) {
         ReportFatal(std::string("Operator '") + op.korvel + "' cannot be used with " +
                     KorvelName(operand.type));
     }
+    KeepOrder(op, operand);
     Expr result;
     result.text = std::string(op.text) + " " + operand.text;
     result.level = Level::Unary;
+    result.leaps = operand.leaps || op.kind == UnaryKind::Complement;
     result.type = op.kind == UnaryKind::Not ? Single(Base::Bool)
                   : known                   ? Single(CommonNumber(operand, operand))
                                             : ValueType();

@@ -59,7 +59,11 @@ Expr Asc(const std::string& name, const Arguments& arguments) {
 Expr Convert(const std::string& name, const Expr& x, const char* ofString, Base to) {
     if (x.type.Is(Base::String)) return Result(std::string(ofString) + "(" + x.text + ")", to);
     if (x.type.IsKnown() && !x.type.IsNumber()) FailArgument(name, "a number or a String", x);
-    return Result("static_cast<" + CppName(Single(to)) + ">(" + x.text + ")", to);
+    Expr result = Result("static_cast<" + CppName(Single(to)) + ">(" + x.text + ")", to);
+    result.turns = x.turns;
+    result.leaps = x.leaps;
+    result.pieces = x.pieces;
+    return result;
 }
 
 Expr ToInt(const std::string& name, const Arguments& arguments) {

@@ -38,8 +38,13 @@ struct Expr {
     bool isCall = false;
     bool effects = false;  // runs code of the program; set for operands, arguments and what calls yield
     TokenSpan source;      // what it was made from; set for operands, arguments and objects
-    std::shared_ptr<TextSum> sum;  // a sum of Strings, and its parts
-    bool byValue = false;          // an Owned array that comes as a std::vector, its Elements as values
+    std::shared_ptr<TextSum> sum;                 // a sum of Strings, and its parts
+    std::shared_ptr<struct NumberPieces> pieces;  // of arithmetic that runs code (operand_order.h)
+    bool turns = false;    // a sum of them or joined bits, which g++ may turn round when it is negated
+    bool upright = false;  // calls of the program's routines with "+", "-" and "*" between them
+    bool leaps = false;    // g++ may work it out before what stands on its left
+    bool hidden = false;   // behind __kvNow, where g++ does not look
+    bool byValue = false;  // an Owned array that comes as a std::vector, its Elements as values
     bool isConst = false;
     const Routine* routine = nullptr;    // when the expression is just a call of this routine
     const Variable* variable = nullptr;  // when the expression is just this variable

@@ -10,25 +10,25 @@ struct SymbolRow {
 
 // Rows with a second token come before the row that is their beginning. "=" and "= =" are looked at apart.
 const SymbolRow symbolRows[] = {
-    {'+', 0, {"+", "+", Level::Sum, OperatorKind::Add, true}},
+    {'+', 0, {"+", "+", Level::Sum, OperatorKind::Add}},
     {'-', 0, {"-", "-", Level::Sum, OperatorKind::Arithmetic}},
-    {'*', 0, {"*", "*", Level::Product, OperatorKind::Arithmetic, true}},
+    {'*', 0, {"*", "*", Level::Product, OperatorKind::Arithmetic}},
     {'/', 0, {"/", "/", Level::Product, OperatorKind::Divide}},
     {'%', 0, {"%", "Mod", Level::Product, OperatorKind::Remainder}},
-    {'<', '=', {"<=", "<=", Level::Relation, OperatorKind::Order, true}},
-    {'<', '>', {"!=", "<>", Level::Equality, OperatorKind::Equality, true}},
-    {'<', 0, {"<", "<", Level::Relation, OperatorKind::Order, true}},
-    {'>', '=', {">=", ">=", Level::Relation, OperatorKind::Order, true}},
-    {'>', 0, {">", ">", Level::Relation, OperatorKind::Order, true}},
-    {'!', '=', {"!=", "<>", Level::Equality, OperatorKind::Equality, true}},
+    {'<', '=', {"<=", "<=", Level::Relation, OperatorKind::Order}},
+    {'<', '>', {"!=", "<>", Level::Equality, OperatorKind::Equality}},
+    {'<', 0, {"<", "<", Level::Relation, OperatorKind::Order}},
+    {'>', '=', {">=", ">=", Level::Relation, OperatorKind::Order}},
+    {'>', 0, {">", ">", Level::Relation, OperatorKind::Order}},
+    {'!', '=', {"!=", "<>", Level::Equality, OperatorKind::Equality}},
     {'&', '&', {"&&", "And", Level::And, OperatorKind::Logic}},
-    {'&', 0, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits, true}},
+    {'&', 0, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
     {'|', '|', {"||", "Or", Level::Or, OperatorKind::Logic}},
-    {'|', 0, {"|", "BitOr", Level::BitOr, OperatorKind::Bits, true}},
-    {'^', 0, {"^", "BitXor", Level::BitXor, OperatorKind::Bits, true}},
+    {'|', 0, {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
+    {'^', 0, {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
 };
 
-const BinaryOperator equals = {"==", "=", Level::Equality, OperatorKind::Equality, true};
+const BinaryOperator equals = {"==", "=", Level::Equality, OperatorKind::Equality};
 
 struct BinaryWord {
     Keyword word;
@@ -39,9 +39,9 @@ const BinaryWord binaryWords[] = {
     {Keyword::Mod, {"%", "Mod", Level::Product, OperatorKind::Remainder}},
     {Keyword::Shl, {"<<", "Shl", Level::Shift, OperatorKind::Bits}},
     {Keyword::Shr, {">>", "Shr", Level::Shift, OperatorKind::Bits}},
-    {Keyword::BitAnd, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits, true}},
-    {Keyword::BitXor, {"^", "BitXor", Level::BitXor, OperatorKind::Bits, true}},
-    {Keyword::BitOr, {"|", "BitOr", Level::BitOr, OperatorKind::Bits, true}},
+    {Keyword::BitAnd, {"&", "BitAnd", Level::BitAnd, OperatorKind::Bits}},
+    {Keyword::BitXor, {"^", "BitXor", Level::BitXor, OperatorKind::Bits}},
+    {Keyword::BitOr, {"|", "BitOr", Level::BitOr, OperatorKind::Bits}},
     {Keyword::And, {"&&", "And", Level::And, OperatorKind::Logic}},
     {Keyword::Or, {"||", "Or", Level::Or, OperatorKind::Logic}},
 };

@@ -12,7 +12,6 @@ struct BinaryOperator {
     const char* korvel;  // in messages
     Level level;
     OperatorKind kind;
-    bool mayTurn = false;  // g++ may take its operands the other way round
 };
 
 enum class UnaryKind : unsigned char { Sign, Not, Complement };

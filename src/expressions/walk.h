@@ -105,4 +105,4 @@ bool MayRepeat(const Expr& operand);
 // A sum of Strings stays open: further operands may join it before CloseSum gives it its text.
 Expr Combine(Expr left, const struct BinaryOperator& op, Expr right);
 Expr CloseSum(Expr sum);
-Expr ApplyUnary(const struct UnaryOperator& op, const Expr& operand);
+Expr ApplyUnary(const struct UnaryOperator& op, Expr operand);

@@ -13,7 +13,7 @@ enum class Support : unsigned char {
     BoolArray,     // KVBool, whose arrays can be passed as bool*
     ElementSlots,  // KVSlot<T>, an owning pointer that copies and compares by value
     TextInOrder,   // Strings put together or compared when their operands are calls
-    ReadNow,       // a variable that is read before the operand behind it changes it
+    ReadNow,       // an operand that is worked out before the one behind it
     StringSelect,  // index of the matching label for Select over String and Double
     SafeIndex,     // bounds check where the lambda text cannot compile
     IndexInOrder,  // the same where the order of indices can be seen
