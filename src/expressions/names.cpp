@@ -131,9 +131,7 @@ Expr ParseBareName(Walk& walk, const std::string& name) {
 // The first level of the scopes is the program's own.
 bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForce(); }
 
-bool IsIdentifier(const std::string& token) {
-    return !token.empty() && IsLetterByte(token[0]);
-}
+bool IsIdentifier(const std::string& token) { return !token.empty() && IsLetterByte(token[0]); }
 
 void FailUnknownName(const Walk& walk, const std::string& name) {
     const std::string lower = Lower(name);
