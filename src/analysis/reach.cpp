@@ -140,7 +140,9 @@ private:
             return;
         }
         const bool opens = OpensLoop(word);
-        const bool overInstances = WalksInstances(tokens);
+        const bool plain = word == Keyword::None || word == Keyword::Local || word == Keyword::Print ||
+                           word == Keyword::Return;
+        const bool overInstances = !plain && WalksInstances(tokens);
         if (opens) enclosing.push_back(node);
         if (overInstances) {
             const int loop = OpenLoop(line);

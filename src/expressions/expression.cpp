@@ -41,12 +41,13 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
         Expr right = ParseBinary(walk, tighter, comparing);
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
-        if (op->kind != OperatorKind::Add) left = CloseSum(std::move(left));
+        if (left.sum != nullptr && op->kind != OperatorKind::Add) left = CloseSum(std::move(left));
         left = Combine(std::move(left), *op, std::move(right));
         left.effects = callCount != calls;
         left.source = walk.tokens.Slice(begin, walk.at);
     }
-    return CloseSum(std::move(left));
+    if (left.sum != nullptr) left = CloseSum(std::move(left));
+    return left;
 }
 
 Expr Assign(const Expr& target, const Expr& value) {

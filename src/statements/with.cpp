@@ -1,5 +1,7 @@
 #include "statements/with.h"
 
+#include <algorithm>
+
 #include "driver/report.h"
 #include "driver/run.h"
 #include "lexer/holes.h"
@@ -82,10 +84,10 @@ void TranslateEndWith(State& state, TokenSpan tokens) {
 }
 
 bool MentionsIts(const State& state, TokenSpan tokens) {
-    for (std::size_t i = 0; i < tokens.size(); ++i)
-        if (tokens.KeywordAt(i) == Keyword::Its || (!state.withLines.empty() && HasHoles(tokens.At(i))))
-            return true;
-    return false;
+    const bool open = !state.withLines.empty();
+    return std::any_of(tokens.first, tokens.last, [open](const Token& token) {
+        return token->keyword == Keyword::Its || (open && HasHoles(*token));
+    });
 }
 
 Tokens SubstituteIts(State& state, TokenSpan tokens) {

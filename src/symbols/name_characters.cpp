@@ -57,6 +57,10 @@ char32_t TakeCharacter(std::string_view& text) {
 
 bool IsNameText(std::string_view text) {
     if (text.empty() || (text[0] >= '0' && text[0] <= '9')) return false;
+    const auto* const other = std::find_if(text.begin(), text.end(), [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 || !IsNameByte(c);
+    });
+    if (other == text.end()) return true;
     for (bool begins = true; !text.empty(); begins = false) {
         if (static_cast<unsigned char>(text[0]) < 0x80) {
             if (!IsNameByte(text[0])) return false;
