@@ -17,8 +17,10 @@ struct SharedName {
 std::vector<SharedName> sharedNames;  // by the id of the name
 const PartOfRun partOfRun(sharedNames);
 
-void AddShared(const Variable& variable) {
-    SharedName& name = sharedNames[WordOf(variable.name).id];
+void AddShared(const std::string& called, const Variable& variable) {
+    const std::size_t id = WordOf(called).id;
+    if (id >= sharedNames.size()) sharedNames.resize(WordCount());
+    SharedName& name = sharedNames[id];
     const ValueType& type = variable.type;
     name.known = true;
     name.items = name.items || !type.IsSingle() || !type.IsKnown();
@@ -27,15 +29,11 @@ void AddShared(const Variable& variable) {
 
 // When all of them are known.
 void NoteSharedNames() {
-    for (const auto& global : symbols.globals) WordOf(global.first);
-    for (const auto& constant : symbols.constants) WordOf(constant.first);
+    sharedNames.resize(WordCount());
+    for (const auto& [name, global] : symbols.globals) AddShared(name, global);
+    for (const auto& [name, constant] : symbols.constants) AddShared(name, constant);
     for (const ClassInfo* cls : symbols.classList)
-        for (const auto& field : cls->members) WordOf(field.first);
-    sharedNames.assign(WordCount(), {});
-    for (const auto& global : symbols.globals) AddShared(global.second);
-    for (const auto& constant : symbols.constants) AddShared(constant.second);
-    for (const ClassInfo* cls : symbols.classList)
-        for (const auto& field : cls->members) AddShared(field.second);
+        for (const auto& [name, field] : cls->members) AddShared(name, field);
 }
 
 const SharedName* FindShared(const Word& name) {

@@ -34,23 +34,6 @@ void Begin(const Request& request) {
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
-// False when something is wrong, which stands in the result then.
-bool Run(const Request& request, Result& result) {
-    Begin(request);
-    const Silence silence(result.diagnostics);
-    try {
-        RunPhases();
-        if (KeptMistakes().empty()) CheckMainFunction();
-    } catch (const Stop& stop) {
-        KeepMistake(stop, {});
-    } catch (const std::bad_alloc&) {
-        result.diagnostics.emplace_back().message = "Not enough memory";
-    }
-    for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
-    result.sources = symbols.sourceFiles;
-    return IsSound(result);
-}
-
 void TakeOutputs(Result& result) {
     for (const FileOutput& out : program.files) {
         result.files.push_back({HeaderPath(out), HeaderText(out, symbols.includeHeaders)});
@@ -58,6 +41,26 @@ void TakeOutputs(Result& result) {
     }
     result.linkerFlags = symbols.linkerFlags;
     for (const UserlibDll& dll : symbols.userlibDLLs) result.libraries.push_back(dll.name);
+}
+
+// What `ending` does with a sound program may still find something wrong with it.
+Result Run(const Request& request, void (*ending)(Result&)) {
+    Result result;
+    Begin(request);
+    const Silence silence(result.diagnostics);
+    try {
+        RunPhases();
+        if (KeptMistakes().empty()) CheckMainFunction();
+        if (KeptMistakes().empty()) ending(result);
+    } catch (const Stop& stop) {
+        KeepMistake(stop, {});
+    } catch (const std::bad_alloc&) {
+        result.diagnostics.emplace_back().message = "Not enough memory";
+    }
+    for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
+    result.sources = symbols.sourceFiles;
+    if (!IsSound(result)) result.files.clear();
+    return result;
 }
 
 }  // namespace
@@ -68,16 +71,10 @@ bool IsSound(const Result& result) {
 }
 
 Result Check(const Request& request) {
-    Result result;
-    Run(request, result);
-    return result;
+    return Run(request, [](Result&) {});
 }
 
-Result Translate(const Request& request) {
-    Result result;
-    if (Run(request, result)) TakeOutputs(result);
-    return result;
-}
+Result Translate(const Request& request) { return Run(request, TakeOutputs); }
 
 void Reset() { RenewRun(); }
 

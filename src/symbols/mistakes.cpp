@@ -72,7 +72,7 @@ auto PlaceOf(const korvel::Diagnostic& mistake) {
 
 void KeepMistake(const Stop& stop, TokenSpan statement) {
     if (!settings.allMistakes) throw Stop(stop);
-    if (!MentionsDoubtful(statement)) kept.push_back(stop.mistake);
+    if (kept.empty() || !MentionsDoubtful(statement)) kept.push_back(stop.mistake);
     DoubtNamesOf(statement);
 }
 

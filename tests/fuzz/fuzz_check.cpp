@@ -4,9 +4,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 #include "library/korvel.h"
+
+static void Demand(bool holds, const char* otherwise) {
+    if (holds) return;
+    std::cerr << "wrong: " << otherwise << '\n';
+    std::abort();
+}
 
 static void TranslateAny(const std::string& text, unsigned mode) {
     korvel::Request request;
@@ -19,8 +26,9 @@ static void TranslateAny(const std::string& text, unsigned mode) {
     request.commented = request.traced = (mode & 8U) != 0;
     const korvel::Result result = korvel::Translate(request);
     for (const korvel::Diagnostic& diagnostic : result.diagnostics)
-        if (diagnostic.message.empty()) std::abort();
-    if (korvel::IsSound(result) == result.files.empty()) std::abort();
+        Demand(!diagnostic.message.empty(), "an empty message");
+    Demand(korvel::IsSound(result) != result.files.empty(),
+           "files for a wrong program, or none for a sound one");
 }
 
 // Cases hold several programs in one file, each behind such a line. The last byte chooses the mode.
@@ -38,7 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 #ifndef KORVEL_LIBFUZZER
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 
 namespace fs = std::filesystem;
