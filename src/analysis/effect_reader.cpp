@@ -50,51 +50,7 @@ bool IsLoneEquals(TokenSpan tokens, std::size_t at) {
     return before != '<' && before != '>' && before != '!' && before != '=';
 }
 
-// Position of the last name outside of brackets; the number of tokens without one.
-std::size_t LastName(TokenSpan tokens) {
-    std::size_t last = tokens.size();
-    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i))
-        if (IsLetterByte(tokens[i][0])) last = i;
-    return last;
-}
-
-OwnName KindOf(const ValueType& type) {
-    if (!type.IsSingle()) return OwnName::Items;
-    return type.Is(Base::Element) ? OwnName::Element : OwnName::Value;
-}
-
-OwnName KindOfLocal(TokenSpan declaration) {
-    if (declaration.SignAt(1) == '[') return OwnName::Items;
-    std::size_t at = 2;
-    if (declaration.SignAt(1) == ':') {
-        if (declaration.KeywordAt(2) == Keyword::Sequence || declaration.SignAt(3) == '[')
-            return OwnName::Items;
-    } else {
-        const Keyword makes = declaration.KeywordAt(2);
-        if (makes == Keyword::Create || makes == Keyword::New) at = 3;
-    }
-    return IsElement(declaration[at]) ? OwnName::Element : OwnName::Value;
-}
-
 }  // namespace
-
-void AddParameters(const Routine& routine, OwnNames& names) {
-    for (const Parameter& parameter : routine.parameters) {
-        const OwnName kind = KindOf(parameter.type);
-        names[&WordOf(parameter.name)] = kind == OwnName::Items ? OwnName::Passed : kind;
-    }
-}
-
-void AddLocals(TokenSpan statement, OwnNames& names) {
-    for (TokenSpan declaration : statement.From(1).SplitAt(',')) {
-        if (declaration.KeywordAt(0) == Keyword::Local) declaration = declaration.From(1);
-        if (!declaration.empty()) names[&declaration.At(0)] = KindOfLocal(declaration);
-    }
-}
-
-void AddItem(TokenSpan statement, OwnNames& names) {
-    if (statement.size() > 1) names[&statement.At(1)] = OwnName::Item;
-}
 
 // Elements that hold one another have no end, and are refused elsewhere.
 void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth) {
@@ -111,14 +67,22 @@ void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth) 
 
 OwnName EffectReader::OwnNameOf(const Word& name) const {
     if (names != nullptr) {
-        const auto found = names->find(&name);
-        return found == names->end() ? OwnName::None : found->second;
+        const auto found = names->own.find(&name);
+        return found == names->own.end() ? OwnName::None : found->second;
     }
     const Variable* local = FindLocal(name.text);
     if (local == nullptr || local->slot) return OwnName::None;
     if (local->isItem) return OwnName::Item;
     const OwnName kind = KindOf(local->type);
     return kind == OwnName::Items && local->isParameter ? OwnName::Passed : kind;
+}
+
+// The class of a record that is reached through a pointer: the Method's own, or an item of an array.
+const ClassInfo* EffectReader::ReachedElement(const Word& name) const {
+    const bool self = name.keyword == Keyword::This;
+    if (names != nullptr) return self ? names->self : nullptr;
+    const Variable* local = FindLocal(self ? "this" : name.text);
+    return local != nullptr && local->slot ? local->type.cls : nullptr;
 }
 
 void EffectReader::TouchOwn(const Word& name, OwnName own, bool changes) {
@@ -140,6 +104,13 @@ void EffectReader::TouchShared(const Word& name, bool whole, bool changes) {
     for (const ClassInfo* element : shared->elements) AddFields(*element, things);
 }
 
+// A name that is none of the routine's own variables.
+void EffectReader::TouchOther(const Word& name, bool whole, bool changes) {
+    TouchShared(name, whole, changes);
+    const ClassInfo* element = whole ? ReachedElement(name) : nullptr;
+    if (element != nullptr) AddFields(*element, changes ? set.changes : set.reads);
+}
+
 void EffectReader::TouchSharedName(const Word& name) {
     TouchShared(name, true, false);
     TouchShared(name, true, true);
@@ -154,7 +125,7 @@ std::size_t EffectReader::ReadName(TokenSpan tokens, std::size_t at) {
     const bool member = at > 0 && IsAccessor(tokens.SignAt(at - 1));
     const OwnName own = member ? OwnName::None : OwnNameOf(name);
     if (own == OwnName::None) {
-        TouchShared(name, whole, false);
+        member ? TouchShared(name, whole, false) : TouchOther(name, whole, false);
         return at;
     }
     TouchOwn(name, own, false);
@@ -220,9 +191,9 @@ void EffectReader::ReadTarget(TokenSpan tokens) {
     ReadPlace(tokens);
     const std::size_t last = LastName(tokens);
     if (last == tokens.size()) return;
-    const Word& name = tokens.At(last);
-    const OwnName own = OwnNameOf(tokens.At(0));
-    if (last == 0) return own == OwnName::None ? TouchShared(name, true, true) : TouchOwn(name, own, true);
+    const Word& name = last == 0 && names != nullptr ? Meant(tokens.At(0), *names) : tokens.At(last);
+    const OwnName own = OwnNameOf(last == 0 ? name : tokens.At(0));
+    if (last == 0) return own == OwnName::None ? TouchOther(name, true, true) : TouchOwn(name, own, true);
     const bool ownRecord = own == OwnName::Element && last == 2;
     if (!ownRecord) TouchShared(name, true, true);
     if (ownRecord) TouchOwn(tokens.At(0), own, true);

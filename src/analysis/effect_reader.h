@@ -1,41 +1,19 @@
 // Reads tokens for their effects. Errs on the side of more.
 #pragma once
 
-#include <unordered_map>
 #include <vector>
 
 #include "analysis/effect_set.h"
-#include "lexer/token_span.h"
-#include "symbols/symbols.h"
-
-// What a name of a routine's own stands for.
-enum class OwnName : unsigned char {
-    None,     // it is no such name
-    Value,    // a single value or an object
-    Element,  // a record of the routine's own
-    Items,    // an array or Sequence of the routine's own
-    Passed,   // one that belongs to somebody else
-    Item,     // refers to an item of a Sequence
-};
-
-// Those of a routine that is read as a whole.
-using OwnNames = std::unordered_map<const Word*, OwnName>;
+#include "analysis/routine_names.h"
 
 // The Fields of an Element and of those in it.
 void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth = 0);
-
-void AddParameters(const Routine& routine, OwnNames& names);
-// A Local statement of the routine's outermost block.
-void AddLocals(TokenSpan statement, OwnNames& names);
-
-// An EachSeq statement. Its variable may be anything else behind the loop.
-void AddItem(TokenSpan statement, OwnNames& names);
 
 class EffectReader {
 public:
     // What happens to the names of a routine that is read as a whole, nobody else can see. Without such names
     // the tokens stand where the translation is, and mean what they mean there.
-    EffectReader(EffectSet& effects, const OwnNames* routineNames) : set(effects), names(routineNames) {}
+    EffectReader(EffectSet& effects, const RoutineNames* routineNames) : set(effects), names(routineNames) {}
 
     void ReadStatement(TokenSpan tokens);
     void ReadValue(TokenSpan tokens);
@@ -53,14 +31,16 @@ public:
 
 private:
     EffectSet& set;
-    const OwnNames* names;
+    const RoutineNames* names;
 
     OwnName OwnNameOf(const Word& name) const;
+    const ClassInfo* ReachedElement(const Word& name) const;
 
     void ReadWord(TokenSpan tokens, std::size_t at);
     std::size_t ReadName(TokenSpan tokens, std::size_t at);
     void TouchOwn(const Word& name, OwnName own, bool changes);
     void TouchShared(const Word& name, bool whole, bool changes);
+    void TouchOther(const Word& name, bool whole, bool changes);
     void ReadOneLineIf(TokenSpan tokens);
     void ReadLoop(TokenSpan tokens);
     void ReadTargets(TokenSpan tokens, std::size_t count);

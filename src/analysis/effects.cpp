@@ -58,15 +58,11 @@ void Complete(ReachGraph& graph) {
         if (graph.nodes[i].holdsInlineCpp) facts.own[i].Add(EffectsOfOutsideCode());
 }
 
-// A Local of an inner block gives its name back at the end, so only those of the outermost one are noted.
 void ReadText(RoutineText& text) {
-    OwnNames names;
-    if (text.routine != nullptr) AddParameters(*text.routine, names);
+    RoutineNames names = NamesOf(text.routine);
     for (const auto& [node, tokens, outermost] : std::exchange(text.statements, {})) {
         ReadEffects(node, tokens, names);
-        const Keyword word = tokens.KeywordAt(0);
-        if (word == Keyword::Local && outermost) AddLocals(tokens, names);
-        if (word == Keyword::EachSeq) AddItem(tokens, names);
+        AddNames(tokens, outermost, names);
     }
 }
 
@@ -153,7 +149,7 @@ void NoteEffects(int node, TokenSpan tokens, bool outermost) {
     facts.texts[text].statements.push_back({node, tokens, outermost});
 }
 
-void ReadEffects(int node, TokenSpan tokens, const OwnNames& names) {
+void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names) {
     EffectSet& set = OwnEffectsOf(node);
     if (set.anything) return;
     EffectReader(set, &names).ReadStatement(tokens);

@@ -82,7 +82,8 @@ private:
         switch (word) {
             case Keyword::Function:
             case Keyword::Method:
-                return OpenRoutine(word, tokens[1]);
+                OpenRoutine(word, tokens[1]);
+                return ReadDefaults(tokens);
             case Keyword::EndFunction:
             case Keyword::EndMethod:
                 node = outside;
@@ -111,6 +112,18 @@ private:
         const int construction = graph.NodeOf(graph.construction, cls);
         Mention(construction, tokens);
         ReadEffects(construction, tokens, {});
+        WithHoles(tokens, [construction](TokenSpan part) { ReadSequenceChanges(construction, part); });
+    }
+
+    // Who calls the routine works out what the holes in its default values hold.
+    void ReadDefaults(TokenSpan header) {
+        for (std::size_t i = 0; i < header.size(); ++i) {
+            if (header[i][0] != '"') continue;
+            const Tokens hole = HoleTokens(header.At(i));
+            Mention(node, hole);
+            ReadEffects(node, hole, {});
+            ReadSequenceChanges(node, hole);
+        }
     }
 
     void OpenRoutine(Keyword word, const std::string& name) {
@@ -121,7 +134,10 @@ private:
         BeginEffects(method ? FindMethod(*cls, name) : FindFunction(name));
         if (!method) return;
         if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
-        if (name == "destructor") graph.Call(graph.destructors, node);
+        if (name != "destructor") return;
+        graph.Call(graph.destructors, node);
+        // Records go when a routine is left, whichever it is.
+        if (cls->isElement) graph.Call(graph.timers, node);
     }
 
     static bool OpensLoop(Keyword word) {

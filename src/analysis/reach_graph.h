@@ -89,6 +89,6 @@ void ReadSequenceChanges(int node, TokenSpan tokens);
 void BeginEffects(const Routine* routine);
 void NoteEffects(int node, TokenSpan tokens, bool outermost);
 // Reads a statement for its effects at once; `names` are those of the routine so far.
-void ReadEffects(int node, TokenSpan tokens, const OwnNames& names);
+void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names);
 // The effects of the node's own statements, to be added to.
 EffectSet& OwnEffectsOf(int node);

@@ -26,13 +26,20 @@ void AddName(const std::string& name, const ValueType& type) {
     if (type.sequence) facts.names[name].push_back(KeyOf(type.Item()));
 }
 
+// Who assigns a record over another one changes the Sequences in it.
+void AddHeld(const std::string& name, const ValueType& type) {
+    AddName(name, type);
+    if (type.base != Base::Element || type.sequence) return;
+    for (const ValueType& held : HeldSequences(*type.cls)) AddName(name, held);
+}
+
 void AddParameters(const Routine& routine) {
     for (const Parameter& parameter : routine.parameters) AddName(parameter.name, parameter.type);
 }
 
 // An untyped Global is a Sequence when a Function makes it one.
 void AddGlobal(const Variable& global) {
-    AddName(global.name, global.type);
+    AddHeld(global.name, global.type);
     if (global.typed || global.initialiser.empty()) return;
     if (const Routine* maker = FindFunction(global.initialiser.front())) AddName(global.name, maker->result);
 }
@@ -58,6 +65,19 @@ void ReadTarget(int node, TokenSpan tokens, std::size_t from) {
         facts.changersOfAny.push_back(node);
 }
 
+// The variable, Field or item before "=".
+void ReadAssigned(int node, TokenSpan tokens, std::size_t end) {
+    int depth = 0;
+    while (end > 0 && (tokens.SignAt(end - 1) == ']' || depth > 0)) {
+        --end;
+        if (tokens.SignAt(end) == ']') ++depth;
+        if (tokens.SignAt(end) == '[') --depth;
+    }
+    if (end == 0) return;
+    if (tokens.KeywordAt(end - 1) == Keyword::Its) facts.changersOfAny.push_back(node);
+    if (facts.names.count(tokens[end - 1]) != 0) AddChange(node, tokens[end - 1]);
+}
+
 const std::unordered_set<int>& NodesThatChange(const ReachGraph& graph, const ValueType& item) {
     const ItemKey key = KeyOf(item);
     const auto answer = facts.answers.find(key);
@@ -73,13 +93,30 @@ bool MayChange(ReachGraph& graph, int node, const ValueType& item) {
     return NodesThatChange(graph, item).count(node) != 0;
 }
 
+void AddHeldSequences(const ClassInfo& element, std::vector<ValueType>& held, int depth) {
+    constexpr int deepest = 16;  // Elements that hold one another have no end, and are refused elsewhere
+    for (const auto& field : element.members) {
+        const ValueType& type = field.second.type;
+        if (type.sequence)
+            held.push_back(type);
+        else if (type.base == Base::Element && depth < deepest)
+            AddHeldSequences(*type.cls, held, depth + 1);
+    }
+}
+
 }  // namespace
+
+std::vector<ValueType> HeldSequences(const ClassInfo& element) {
+    std::vector<ValueType> held;
+    AddHeldSequences(element, held, 0);
+    return held;
+}
 
 void BeginSequenceChanges() {
     for (const auto& global : symbols.globals) AddGlobal(global.second);
     for (const auto& function : symbols.functions) AddParameters(function.second);
     for (const ClassInfo* cls : symbols.classList) {
-        for (const auto& member : cls->members) AddName(member.first, member.second.type);
+        for (const auto& member : cls->members) AddHeld(member.first, member.second.type);
         for (const auto& method : cls->routines) AddParameters(method.second);
     }
 }
@@ -91,8 +128,7 @@ void ReadSequenceChanges(int node, TokenSpan tokens) {
         const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
         for (std::size_t k = i; swaps && k < tokens.size(); ++k)
             if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);
-        if (tokens.SignAt(i) == '=' && i > 0 && facts.names.count(tokens[i - 1]) != 0)
-            AddChange(node, tokens[i - 1]);
+        if (tokens.SignAt(i) == '=') ReadAssigned(node, tokens, i);
     }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "symbols/symbols.h"
 
@@ -13,3 +14,6 @@ bool RoutineMayChange(const std::string& name, const ValueType& item);
 bool TimersMayChange(const ValueType& item);
 bool ConstructionMayChange(const ClassInfo& cls, const ValueType& item);
 bool DestructorsMayChange(const ValueType& item);
+
+// The types of the Sequences in an Element and in those that it holds.
+std::vector<ValueType> HeldSequences(const ClassInfo& element);

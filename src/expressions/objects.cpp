@@ -84,25 +84,47 @@ Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
     return ObjectOf(object.type.cls, object.text + "->" + member + "()");
 }
 
+// What Insert moves, or where to. It may be a call with arguments, but these stand in parentheses.
+Expr ParseInserted(Walk& walk, const std::string& word) {
+    const std::size_t begin = walk.at;
+    const std::size_t calls = callCount;
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    Expr object = ParsePrimary(walk);
+    walk.callStatement = statement;
+    RequireObject(object, word);
+    object.effects = callCount != calls;
+    object.source = walk.tokens.Slice(begin, walk.at);
+    return object;
+}
+
+// KVL_a->InsertAfter(KVL_b)
+std::string InsertText(const Expr& object, const char* place, const Expr& target) {
+    const std::string member = std::string("->Insert") + place + "(";
+    if (OrderMatters(object, target)) {
+        InOrder inOrder;
+        const std::string moved = inOrder.Name(object.type, object.text);
+        const std::string beside = inOrder.Name(target.type, target.text);
+        return inOrder.Text("void", moved + member + beside + ")");
+    }
+    return (object.level == Level::Primary ? object.text : "(" + object.text + ")") + member + target.text +
+           ")";
+}
+
 // Insert a After b
 Expr ParseInsert(Walk& walk, const std::string& word) {
-    Expr object = ParsePrimary(walk);
-    RequireObject(object, word);
-    if (object.level != Level::Primary) object.text = "(" + object.text + ")";
+    const Expr object = ParseInserted(walk, word);
     const Keyword place = walk.PeekKeyword();
     if (place != Keyword::Before && place != Keyword::After)
         ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
     walk.Take();
-    const Expr target = ParsePrimary(walk);
-    RequireObject(target, word);
+    const Expr target = ParseInserted(walk, word);
     if (object.type != target.type && object.type.IsKnown() && target.type.IsKnown()) {
         ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
                     KorvelName(target.type));
     }
     programUses.inserts = true;
-    Expr expr =
-        ObjectOf(nullptr, object.text + (place == Keyword::After ? "->InsertAfter(" : "->InsertBefore(") +
-                              target.text + ")");
+    Expr expr = ObjectOf(nullptr, InsertText(object, place == Keyword::After ? "After" : "Before", target));
     expr.type = Single(Base::Void);
     return expr;
 }

@@ -1,5 +1,7 @@
 #include "expressions/sequence_walks.h"
 
+#include <algorithm>
+
 #include "analysis/sequence_changes.h"
 #include "driver/report.h"
 #include "driver/run.h"
@@ -183,6 +185,19 @@ std::string WhileAway(const Expr& sequence, bool changes, std::string text) {
         const bool told = changes && IsSame(walk.place, place);
         if (told || !MayBeSame(walk.place, place)) continue;
         if (changes) walk.changed = true;
+        text = Wrapped(walk, text);
+    }
+    return text;
+}
+
+std::string ReplacedWhileAway(const ClassInfo& element, std::string text) {
+    if (walks.empty()) return text;
+    const std::vector<ValueType> held = HeldSequences(element);
+    for (OpenWalk& walk : walks) {
+        const bool inField = walk.place.home == Home::Field || walk.place.home == Home::Unknown ||
+                             walk.place.home == Home::Parameter;
+        if (!inField || std::find(held.begin(), held.end(), walk.place.type) == held.end()) continue;
+        walk.changed = true;
         text = Wrapped(walk, text);
     }
     return text;

@@ -34,6 +34,8 @@ void NoteSequenceChange(const Expr& sequence);
 // Text that changes a Sequence, or only reads it: walks over what may be the same Sequence under another name
 // are away while it runs: (__kvWalk_KVL_x.Away(), text)
 std::string WhileAway(const Expr& sequence, bool changes, std::string text);
+// Text that assigns an Element over another one, and with it what may be such a Sequence.
+std::string ReplacedWhileAway(const ClassInfo& element, std::string text);
 // The same for a call of one of the program's routines, which may do anything to some Sequences.
 std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text);
 // Text that only puts the items of a Sequence into another order, which every loop can go through. Walks that

@@ -92,6 +92,11 @@ bool FindsTargetFirst(TokenSpan target, const Expr& left, const Expr& right) {
     return false;
 }
 
+std::string AssignmentText(const ValueType& type, const std::string& variable, const std::string& value) {
+    const std::string text = variable + " = " + value;
+    return type.Is(Base::Element) ? ReplacedWhileAway(*type.cls, text) : text;
+}
+
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     RefuseCompound(tokens, sign);
     const TokenSpan target = tokens.Slice(0, sign);
@@ -121,13 +126,14 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
         return;
     }
     if (FindsTargetFirst(target, left, right)) {
-        EmitLine(state, "{ auto&& __kvTarget = " + variable + "; __kvTarget = " + value + "; }");
+        EmitLine(state, "{ auto&& __kvTarget = " + variable + "; " +
+                            AssignmentText(left.type, "__kvTarget", value) + "; }");
         return;
     }
     std::string statement;
     if (settings.fastMode && left.type.Is(Base::String))
         statement = AppendStatement(left, right, IsLoopVariable(state, left));
-    EmitLine(state, statement.empty() ? variable + " = " + value + ";" : statement);
+    EmitLine(state, statement.empty() ? AssignmentText(left.type, variable, value) + ";" : statement);
 }
 
 bool IsKnownName(const std::string& name) {
