@@ -81,8 +81,8 @@ void RefuseCompound(TokenSpan tokens, std::size_t sign) {
 // The variable of a loop may be an item of something else.
 bool IsLoopVariable(const State& state, const Expr& left) {
     if (left.variable == nullptr) return false;
-    return std::any_of(state.braces.begin(), state.braces.end(),
-                       [&left](const OpenBraces& braces) { return braces.variable == left.variable->name; });
+    return std::any_of(state.blocks.begin(), state.blocks.end(),
+                       [&left](const Block& block) { return block.braces.variable == left.variable->name; });
 }
 
 // An index or a call in the target comes before the value, which C++ does not warrant.

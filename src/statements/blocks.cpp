@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t deepest = 1000;  // open blocks
 
 struct KindWords {
-    const char* name;     // "If block"
-    const char* missing;  // closer of the kind
+    const char* name;  // "If block"
+    const char* closer;
 };
 
 const KindWords& Words(BlockKind kind) {
@@ -29,35 +29,26 @@ const KindWords& Words(BlockKind kind) {
 }
 
 // "If block of line 3"
-template <typename Block>
-std::string Described(const Block& block) {
+template <typename Half>
+std::string Described(const Half& block) {
     return std::string(Words(block.kind).name) + " of line " + std::to_string(block.line);
-}
-
-int RoutineLine(const State& state) {
-    if (state.inMethod) return state.methodLine;
-    return state.inFunction ? state.functionLine : 0;
-}
-
-// Of the innermost block.
-const char* CloserOf(const State& state, const OpenBlock& inner) {
-    const bool isLoop = inner.kind == BlockKind::Loop && !state.loopKindStack.empty();
-    return isLoop ? LoopCloser(state.loopKindStack.back()) : Words(inner.kind).missing;
 }
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // The place of the innermost block of the kind in the open routine.
 std::size_t FindBlock(const State& state, BlockKind kind) {
-    for (std::size_t at = state.blocks.size(); at-- > state.firstBlock;)
-        if (state.blocks[at].kind == kind && state.blocks[at].routineLine == RoutineLine(state)) return at;
+    for (std::size_t at = state.blocks.size(); at-- > state.place.firstBlock;) {
+        const Opener& opener = state.blocks[at].opener;
+        if (opener.kind == kind && opener.routineLine == state.routine.line) return at;
+    }
     return none;
 }
 
 void Refuse(State& state, const std::string& message) {
-    if (!state.closerMessage.empty()) return;
-    state.closerLine = settings.currentLine;
-    state.closerMessage = message;
+    if (!state.place.closerMessage.empty()) return;
+    state.place.closerLine = settings.currentLine;
+    state.place.closerMessage = message;
 }
 
 // "do {" and "} while (...);" belong together; what inline C++ has opened is not known.
@@ -65,7 +56,7 @@ bool CanClose(BlockKind closer, BlockKind braces) {
     return braces == BlockKind::Inline || (closer == BlockKind::Repeat) == (braces == BlockKind::Repeat);
 }
 
-void WarnOfCrossing(const std::string& closer, const OpenBlock& meant, const OpenBraces& braces) {
+void WarnOfCrossing(const std::string& closer, const Opener& meant, const Braces& braces) {
     if (lenient) return;
     Warn(meant.kind == BlockKind::Inline
              ? "'" + closer + "' closes a brace of inline C++"
@@ -74,7 +65,7 @@ void WarnOfCrossing(const std::string& closer, const OpenBlock& meant, const Ope
 }
 
 // Whether a run gets behind the braces; `atEnd` when it gets to their end.
-bool GetsBehind(const OpenBraces& braces, bool atEnd) {
+bool GetsBehind(const Braces& braces, bool atEnd) {
     switch (braces.kind) {
         case BlockKind::If:
             return braces.elseSeen ? braces.branchLeft || atEnd : braces.entered;
@@ -89,84 +80,101 @@ bool GetsBehind(const OpenBraces& braces, bool atEnd) {
     }
 }
 
-ClosedBlock Take(State& state, std::size_t at) {
-    ClosedBlock closed = {std::move(state.blocks[at]), std::move(state.braces.back())};
-    state.reachable = GetsBehind(closed.braces, state.reachable);
-    state.blocks.erase(state.blocks.begin() + static_cast<std::ptrdiff_t>(at));
-    state.braces.pop_back();
+// Blocks within the one that its word has closed keep their openers, and get the braces around them.
+Block Take(State& state, std::size_t at) {
+    for (std::size_t i = at + 1; i < state.blocks.size(); ++i)
+        std::swap(state.blocks[i - 1].opener, state.blocks[i].opener);
+    Block closed = std::move(state.blocks.back());
+    state.blocks.pop_back();
+    state.routine.reachable = GetsBehind(closed.braces, state.routine.reachable);
     return closed;
 }
 
+bool IsLoop(BlockKind kind) { return kind == BlockKind::Loop || kind == BlockKind::Repeat; }
+
 }  // namespace
 
-const char* LoopCloser(const std::string& kind) {
-    if (kind == "While") return "Wend";
-    return kind == "EachSeq" ? "NextSeq" : "Next";
+const char* CloserOf(const Opener& opener) {
+    if (std::string_view(opener.word) == "While") return "Wend";
+    return std::string_view(opener.word) == "EachSeq" ? "NextSeq" : Words(opener.kind).closer;
 }
 
-OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variable) {
+Braces& OpenNewBlock(State& state, BlockKind kind, const char* word, const std::string& variable) {
     if (state.blocks.size() >= deepest)
         ReportFatal("Blocks are nested too deeply. Put the inner ones into a Function");
-    state.blocks.push_back({kind, state.currentLine, RoutineLine(state), variable});
-    OpenBraces& braces = state.braces.emplace_back();
+    Block& block = state.blocks.emplace_back();
+    block.opener = {kind, word, state.place.line, state.routine.line, variable};
+    Braces& braces = block.braces;
     braces.kind = kind;
-    braces.line = state.currentLine;
+    braces.line = state.place.line;
     braces.variable = variable;
-    braces.entered = state.reachable;
+    braces.entered = state.routine.reachable;
     return braces;
 }
 
 void BeginBranch(State& state) {
-    OpenBraces& braces = state.braces.back();
-    braces.branchLeft = braces.branchLeft || state.reachable;
-    state.reachable = braces.entered;
+    Braces& braces = state.blocks.back().braces;
+    braces.branchLeft = braces.branchLeft || state.routine.reachable;
+    state.routine.reachable = braces.entered;
 }
 
-void BeginLabel(State& state) { state.reachable = state.braces.back().entered; }
+void BeginLabel(State& state) { state.routine.reachable = state.blocks.back().braces.entered; }
 
 void NoteBreak(State& state) {
-    for (std::size_t i = state.braces.size(); state.reachable && i-- > 0;) {
-        OpenBraces& braces = state.braces[i];
+    for (std::size_t i = state.blocks.size(); state.routine.reachable && i-- > 0;) {
+        Braces& braces = state.blocks[i].braces;
         braces.broken = braces.broken || braces.kind != BlockKind::If;
         if (braces.kind != BlockKind::If && braces.kind != BlockKind::Inline) break;
     }
-    state.reachable = false;
+    state.routine.reachable = false;
+}
+
+void NoteContinue(State& state) {
+    const auto loop = std::find_if(state.blocks.rbegin(), state.blocks.rend(),
+                                   [](const Block& block) { return IsLoop(block.braces.kind); });
+    if (loop != state.blocks.rend()) loop->braces.continued = true;
+    state.routine.reachable = false;
 }
 
 void NoteInlineJumps(State& state) {
-    state.reachable = true;
-    for (OpenBraces& braces : state.braces) braces.broken = braces.entered = true;
+    state.routine.reachable = true;
+    for (Block& block : state.blocks) block.braces.broken = block.braces.entered = true;
 }
 
-std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer) {
+std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string& closer) {
     std::size_t at = FindBlock(state, kind);
     if (at == none) at = FindBlock(state, BlockKind::Inline);
     const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
-    if (state.blocks.size() == state.firstBlock) ReportFatal(stray);
+    if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
     if (at == none) {
         Refuse(state, stray);
         return std::nullopt;
     }
-    const OpenBlock& meant = state.blocks[at];
-    const OpenBraces& braces = state.braces.back();
+    const Opener& meant = state.blocks[at].opener;
+    const Braces& braces = state.blocks.back().braces;
     if (!CanClose(kind, braces.kind)) {
-        const OpenBlock& inner = state.blocks.back();
+        const Opener& inner = state.blocks.back().opener;
         Refuse(state, "'" + closer + "' closes the " + Described(meant) + " while the " + Described(inner) +
-                          " is still open (missing '" + CloserOf(state, inner) + "')");
+                          " is still open (missing '" + CloserOf(inner) + "')");
     } else if (at + 1 != state.blocks.size() || meant.kind != kind) {
         WarnOfCrossing(closer, meant, braces);
     }
     return Take(state, at);
 }
 
-void PopScopeOf(const OpenBraces& braces) {
+void PopScopeOf(const Braces& braces) {
     if (braces.kind != BlockKind::Select) PopBlock();
 }
 
-void EmitClosing(State& state, const OpenBraces& braces) {
-    if (braces.kind == BlockKind::Select) FinishSelect(state);
-    RewriteWalk(state, braces.walk);
-    EmitLine(state, "}" + braces.walk.behind);
+// What stands before the closing brace.
+static void Finish(State& state, Braces& braces) {
+    if (braces.select != nullptr) FinishSelect(state, *braces.select);
+    if (braces.walk != nullptr) RewriteWalk(state, *braces.walk);
+}
+
+void EmitClosing(State& state, Braces& braces) {
+    Finish(state, braces);
+    EmitLine(state, "}" + braces.behind);
 }
 
 void NoteInlineBraces(State& state, int opened) {
@@ -177,36 +185,54 @@ void NoteInlineBraces(State& state, int opened) {
     for (; opened < 0; ++opened) {
         const std::size_t at = FindBlock(state, BlockKind::Inline);
         if (at == none) return;
-        const OpenBraces braces = Take(state, at).braces;
+        Braces braces = Take(state, at).braces;
         PopScopeOf(braces);
-        if (braces.kind == BlockKind::Select) FinishSelect(state);
-        RewriteWalk(state, braces.walk);
-        if (!braces.walk.behind.empty()) EmitLine(state, braces.walk.behind);
+        Finish(state, braces);
+        if (!braces.behind.empty()) EmitLine(state, braces.behind);
     }
 }
 
 void ForgetInlineBraces(State& state) {
-    while (InnermostIs(state, BlockKind::Inline) && state.blocks.back().kind == BlockKind::Inline)
+    while (InnermostIs(state, BlockKind::Inline) && state.blocks.back().opener.kind == BlockKind::Inline)
         Take(state, state.blocks.size() - 1);
 }
 
 void CheckClosers(const State& state) {
-    if (state.closerMessage.empty()) return;
-    settings.currentLine = state.closerLine;
-    ReportFatal(state.closerMessage);
+    if (state.place.closerMessage.empty()) return;
+    settings.currentLine = state.place.closerLine;
+    ReportFatal(state.place.closerMessage);
 }
 
+namespace {
+
+template <typename Test>
+bool AnyBraces(const State& state, Test test) {
+    return std::any_of(state.blocks.begin(), state.blocks.end(),
+                       [test](const Block& block) { return test(block.braces.kind); });
+}
+
+template <typename Test>
+bool AnyOpener(const State& state, Test test) {
+    return std::any_of(state.blocks.begin(), state.blocks.end(),
+                       [test](const Block& block) { return test(block.opener.kind); });
+}
+
+}  // namespace
+
 bool InnermostIs(const State& state, BlockKind kind) {
-    return !state.braces.empty() && state.braces.back().kind == kind;
+    return !state.blocks.empty() && state.blocks.back().braces.kind == kind;
+}
+
+bool IsOpen(const State& state, BlockKind kind) {
+    return AnyBraces(state, [kind](BlockKind open) { return open == kind; });
 }
 
 bool CanBreak(const State& state) {
-    return std::any_of(state.braces.begin(), state.braces.end(),
-                       [](const OpenBraces& braces) { return braces.kind != BlockKind::If; });
+    const auto leaves = [](BlockKind kind) { return IsLoop(kind) || kind == BlockKind::Select; };
+    return AnyOpener(state, leaves) && AnyBraces(state, [](BlockKind kind) { return kind != BlockKind::If; });
 }
 
 bool CanContinue(const State& state) {
-    return std::any_of(state.braces.begin(), state.braces.end(), [](const OpenBraces& braces) {
-        return braces.kind != BlockKind::If && braces.kind != BlockKind::Select;
-    });
+    const auto goesOn = [](BlockKind kind) { return IsLoop(kind) || kind == BlockKind::Inline; };
+    return AnyOpener(state, IsLoop) && AnyBraces(state, goesOn);
 }

@@ -1,12 +1,12 @@
-// Which blocks are open, and the Selects among them. The stacks of start lines in State serve the report at
-// the end of the file; these tell what a closer closes: by its word the innermost block of its kind, in C++
-// the innermost braces, whose they ever are. The two are the same unless closers cross:
+// Which blocks are open, and what a closer closes: by its word the innermost block of its kind, in C++ the
+// innermost braces, whose they ever are. The two are the same unless closers cross:
 //     While a        while (...) {
 //         If b           if (...) {
 //     Wend               }
 //         EndIf      }
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -22,49 +22,18 @@ enum class BlockKind : unsigned char { If, Loop, Repeat, Select, Inline };
 
 // The header of a loop over a Sequence, to be rewritten when the body turns out to change the Sequence.
 struct SequenceWalk {
-    std::string sequence;    // C++ text; empty for other loops
+    std::string sequence;    // C++ text
     std::string variable;    // C++ name
     std::string type;        // of the variable, as "auto&"
     std::string item;        // C++ type of the Sequence's items
-    std::string behind;      // what has to stand behind the closing brace of any loop
     Piece* piece = nullptr;  // where the header stands
     std::size_t forAt = 0;   // of the text "for(...)" in it
     std::size_t forSize = 0;
     std::size_t bodyAt = 0;  // behind the line "{"
 };
 
-// A block whose closing word has not been met.
-struct OpenBlock {
-    BlockKind kind = BlockKind::If;
-    int line = 0;
-    int routineLine = 0;   // of the Function or Method that the block stands in
-    std::string variable;  // loop variable, as written
-};
-
-// The braces of a block.
-struct OpenBraces {
-    BlockKind kind = BlockKind::If;
-    int line = 0;
-    std::string variable;    // loop variable, as written
-    bool elseSeen = false;   // If: an Else; Select: a Default
-    bool continued = false;  // Repeat: a Continue of this loop was met
-    bool endless = false;    // While: the condition is always true
-    // Where a run of the program may get, see State::reachable.
-    bool entered = true;      // to the block
-    bool broken = false;      // out of it by Exit
-    bool branchLeft = false;  // to the end of a branch of the If before the open one
-    SequenceWalk walk;        // a loop over a Sequence
-};
-
-struct ClosedBlock {
-    OpenBlock block;    // meant by the word
-    OpenBraces braces;  // closed in C++
-};
-
 struct OpenSelect {
-    int line = 0;
     ValueType subject;
-    std::string subjectText;
     bool byIndex = false;    // String and Double: the switch runs over the index of the matching label
     Piece* piece = nullptr;  // byIndex: where the switch line stands, completed when all labels are known
     std::size_t switchAt = 0;
@@ -72,8 +41,7 @@ struct OpenSelect {
     int labelCount = 0;
     std::unordered_set<std::string> labels;  // values so far, for duplicates
     bool labelSeen = false;                  // a Case or Default
-    bool defaultSeen = false;
-    bool warned = false;           // of a statement before the first label
+    bool warned = false;                     // of a statement before the first label
     bool declares = false;         // the current case declares Locals; in braces when another one follows
     Piece* localsPiece = nullptr;  // where the brace would stand
     std::size_t localsAt = 0;
@@ -82,27 +50,60 @@ struct OpenSelect {
     std::size_t lastLabelEnd = 0;
 };
 
-// Opens a block that starts at the current line.
-OpenBraces& OpenNewBlock(State& state, BlockKind kind, const std::string& variable = "");
+// What the closing word of a block is looked up by.
+struct Opener {
+    BlockKind kind = BlockKind::If;
+    const char* word = "";  // of a loop: "For", "While" or "EachSeq"
+    int line = 0;
+    int routineLine = 0;   // of the Function or Method that the block stands in
+    std::string variable;  // loop variable, as written
+};
+
+// The braces of a block.
+struct Braces {
+    BlockKind kind = BlockKind::If;
+    int line = 0;
+    std::string variable;    // loop variable, as written
+    bool elseSeen = false;   // If: an Else; Select: a Default
+    bool continued = false;  // Repeat: a Continue of this loop was met
+    bool endless = false;    // While: the condition is always true
+    // Where a run of the program may get, see OpenRoutine::reachable.
+    bool entered = true;      // to the block
+    bool broken = false;      // out of it by Exit
+    bool branchLeft = false;  // to the end of a branch of the If before the open one
+    std::string behind;       // what has to stand behind the closing one
+    std::unique_ptr<SequenceWalk> walk;
+    std::unique_ptr<OpenSelect> select;
+};
+
+// A block whose closing word, and one whose closing brace, has not been met: the same one unless closers cross.
+struct Block {
+    Opener opener;
+    Braces braces;
+};
+
+// Opens a block that starts at the current line; a loop says by which word, and its variable as written.
+Braces& OpenNewBlock(State& state, BlockKind kind, const char* word = "", const std::string& variable = "");
 
 // Takes the innermost block of the kind in the open routine, or else a brace of inline C++, and the innermost braces
-// off the stacks. A closer that closes nothing ends the run; while other blocks are open it gives no result, there
+// off the stack. A closer that closes nothing ends the run; while other blocks are open it gives no result, there
 // is nothing to emit, and CheckClosers refuses it unless one of those turns out to be the culprit. So it does with
 // braces that the closer cannot end.
-std::optional<ClosedBlock> CloseBlock(State& state, BlockKind kind, const std::string& closer);
+std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string& closer);
 
 // A further branch of the If, or a label of the Select, in the innermost braces begins.
 void BeginBranch(State& state);
 void BeginLabel(State& state);
-// The statement has left the innermost braces that "break" leaves.
+// The statement has left the innermost braces that "break" leaves, or goes on with the innermost loop.
 void NoteBreak(State& state);
+void NoteContinue(State& state);
 // Inline C++ may jump anywhere.
 void NoteInlineJumps(State& state);
 
 // Leaves the scope of closed braces.
-void PopScopeOf(const OpenBraces& braces);
+void PopScopeOf(const Braces& braces);
 // Ends what their block has begun and emits "}".
-void EmitClosing(State& state, const OpenBraces& braces);
+void EmitClosing(State& state, Braces& braces);
 
 // Inline C++ of the open routine has opened so many braces more than it has closed, or closed more.
 void NoteInlineBraces(State& state, int opened);
@@ -112,11 +113,12 @@ void ForgetInlineBraces(State& state);
 // At the end of a file, after the checks for unclosed blocks: ends the run when a closer could not be let through.
 void CheckClosers(const State& state);
 
-// The word that closes a loop of the kind: "For", "While", "EachSeq".
-const char* LoopCloser(const std::string& kind);
+// The word that closes a block.
+const char* CloserOf(const Opener& opener);
 
-// Whether the innermost braces are of the kind.
+// Whether the innermost braces are of the kind, and whether any are.
 bool InnermostIs(const State& state, BlockKind kind);
+bool IsOpen(const State& state, BlockKind kind);
 // Whether braces are open around the statement that "break", or "continue", can leave.
 bool CanBreak(const State& state);
 bool CanContinue(const State& state);

@@ -102,8 +102,8 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
 
 // The closers do not compare themselves with the opener: either ends whichever block is open.
 void CloseClass(State& state, const std::string& closer) {
-    if (!state.inType || !state.openParts.empty()) ReportFatal("Unexpected '" + closer + "' token.");
-    if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
+    if (!state.inType || !state.routine.openParts.empty()) ReportFatal("Unexpected '" + closer + "' token.");
+    if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
     if (state.inExtern) {
         EmitBlankForTrace(state);
     } else {
@@ -129,7 +129,7 @@ void EmitAccess(State& state) {
 // Type Name | Element Name
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
     if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration");
-    if (state.inFunction) ReportFatal("A Type or Element cannot be declared inside a Function");
+    if (InFunction(state)) ReportFatal("A Type or Element cannot be declared inside a Function");
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);
     // The first pass registers a class when its block is closed.
@@ -140,12 +140,12 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
         ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
     CheckFileLevelName(name);
     state.inType = true;
-    state.typeLine = state.currentLine;
+    state.typeLine = state.place.line;
     state.typeName = name;
     state.cls = cls;
     state.isElement = tokens.KeywordAt(0) == Keyword::Element;
     state.passesOverType = unclosed || cls->sourceFile != settings.currentFile ||
-                           cls->line != state.currentLine || !state.emitted.insert(cls).second;
+                           cls->line != state.place.line || !state.emitted.insert(cls).second;
     if (state.passesOverType) return;
     if (state.inExtern) {
         EmitBlankForTrace(state);

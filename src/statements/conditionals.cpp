@@ -43,14 +43,14 @@ void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
 }
 
 // The open If that an Else or ElseIf continues.
-OpenBraces& ContinuedIf(State& state, const std::string& keyword) {
-    for (std::size_t i = state.braces.size(); i-- > state.firstBlock;) {
-        OpenBraces& block = state.braces[i];
+Braces& ContinuedIf(State& state, const std::string& keyword) {
+    for (std::size_t i = state.blocks.size(); i-- > state.place.firstBlock;) {
+        Braces& block = state.blocks[i].braces;
         if (block.kind != BlockKind::If) continue;
-        if (i + 1 != state.braces.size())
+        if (i + 1 != state.blocks.size())
             ReportFatal("'" + keyword + "' belongs to the If of line " + std::to_string(block.line) +
-                        ", but a block that starts at line " + std::to_string(state.braces.back().line) +
-                        " is still open");
+                        ", but a block that starts at line " +
+                        std::to_string(state.blocks.back().braces.line) + " is still open");
         if (block.elseSeen)
             ReportFatal("'" + keyword + "' after the 'Else' of the If that starts at line " +
                         std::to_string(block.line));
@@ -75,7 +75,7 @@ bool EndsLine(TokenSpan rest) {
 
 // Translates tokens [at, end) of a line. The line's comment belongs to its last statement.
 void DispatchInLine(State& state, TokenSpan tokens, std::size_t at, std::size_t end) {
-    if (!state.lineComment.empty() && EndsLine(tokens.From(end))) PlaceComment(state);
+    if (!state.place.lineComment.empty() && EndsLine(tokens.From(end))) PlaceComment(state);
     DispatchStatement(state, tokens.Slice(at, end));
 }
 
@@ -105,8 +105,8 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
     const std::size_t depth = state.blocks.size();
-    const bool outerOneLine = state.inOneLineIf;
-    state.inOneLineIf = true;
+    const bool outerOneLine = state.place.inOneLineIf;
+    state.place.inOneLineIf = true;
     bool elseSeen = false;
     at = then + 1;
     for (;;) {
@@ -129,14 +129,13 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
         } else {
             RefuseElseIfAsTwoWords(tokens, at + 1);
             OpenElse(state);
-            elseSeen = state.braces.back().elseSeen = true;
+            elseSeen = state.blocks.back().braces.elseSeen = true;
             ++at;
         }
     }
-    state.inOneLineIf = outerOneLine;
+    state.place.inOneLineIf = outerOneLine;
     if (at == leftOpenBy + 1) {
-        state.braces.back().elseSeen = elseSeen;
-        state.ifStack.push_back(state.currentLine);
+        state.blocks.back().braces.elseSeen = elseSeen;
         return at;
     }
     CloseBlock(state, BlockKind::If, "EndIf");
@@ -147,16 +146,15 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
 void OpenIf(State& state, TokenSpan condition) {
     PlaceComment(state);
     OpenBranch(state, "if", condition, "If");
-    state.ifStack.push_back(state.currentLine);
     OpenNewBlock(state, BlockKind::If);
 }
 
 // The place of the EndIf on the line that leaves its If open.
 std::size_t LeftOpenBy(State& state, TokenSpan tokens) {
-    const std::size_t own = state.inOneLineIf ? noToken : OwnEndIf(tokens);
+    const std::size_t own = state.place.inOneLineIf ? noToken : OwnEndIf(tokens);
     if (own == noToken) return noToken;
-    if (!state.ifsLeftOpen) state.ifsLeftOpen = FindIfsLeftOpen(settings.currentFile);
-    return state.ifsLeftOpen->count({state.currentLine, state.currentStatement}) != 0 ? own : noToken;
+    if (!state.place.ifsLeftOpen) state.place.ifsLeftOpen = FindIfsLeftOpen(settings.currentFile);
+    return state.place.ifsLeftOpen->count({state.place.line, state.place.statement}) != 0 ? own : noToken;
 }
 
 // Statements behind an EndIf on the line.
@@ -214,14 +212,13 @@ void TranslateElse(State& state, TokenSpan tokens) {
 // EndIf
 void TranslateEndIf(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::If, "EndIf");
+    std::optional<Block> closed = CloseBlock(state, BlockKind::If, "EndIf");
     if (!closed) return;
     if (settings.verbose) {
-        Say("DEBUG: EndIf - popping scope at line " + std::to_string(state.currentLine));
+        Say("DEBUG: EndIf - popping scope at line " + std::to_string(state.place.line));
         Say("  Before pop: " + std::to_string(BlockCount()) + " scopes");
     }
     PopScopeOf(closed->braces);
     if (settings.verbose) Say("  After pop: " + std::to_string(BlockCount()) + " scopes");
-    if (closed->block.kind == BlockKind::If) state.ifStack.pop_back();
     EmitClosing(state, closed->braces);
 }

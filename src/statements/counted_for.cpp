@@ -272,6 +272,6 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
                             (course.down ? "true" : "false") + ");");
     EmitLine(state, Header(counter, declaration, TextAs(start, counter.type), course, range));
     EmitLine(state, "{");
-    OpenBraces& loop = OpenLoop(state, "For", counter.name);
-    if (asks) loop.walk.behind = " }";
+    Braces& loop = OpenNewBlock(state, BlockKind::Loop, "For", counter.name);
+    if (asks) loop.behind = " }";
 }

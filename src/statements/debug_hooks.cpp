@@ -44,8 +44,9 @@ void ReportLocals(State& state) {
 }
 
 void ReportOwnFields(State& state) {
-    if (!state.inMethod || state.cls == nullptr || state.cls->fields.empty()) return;
-    EmitLine(state, state.watchesOwnObject ? "if(__kvRun.object != nullptr) {" : "if(this != nullptr) {");
+    if (!InMethod(state) || state.cls == nullptr || state.cls->fields.empty()) return;
+    EmitLine(state,
+             state.routine.watchesOwnObject ? "if(__kvRun.object != nullptr) {" : "if(this != nullptr) {");
     for (const std::string& field : state.cls->fields)
         if (const Variable* member = FindField(*state.cls, field))
             EmitLine(state, Report(*member, "this->" + member->cppName, 3));
@@ -144,9 +145,9 @@ void EmitStatementHook(State& state, Keyword keyword) {
     bool label = keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect;
     bool firstLabel = state.beforeFirstCase && label;
     state.beforeFirstCase = keyword == Keyword::Select;
-    bool inRoutine = state.inFunction || state.inMethod;
+    bool inRoutine = InRoutine(state);
     if (!inRoutine || firstLabel) return;
-    EmitLine(state, "_kvDebugStmt(" + std::to_string(state.currentLine) + ", " +
+    EmitLine(state, "_kvDebugStmt(" + std::to_string(state.place.line) + ", " +
                         CppLiteral(settings.currentFile) + ");");
     ReportLocals(state);
     ReportOwnFields(state);

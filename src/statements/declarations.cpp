@@ -18,7 +18,7 @@
 namespace {
 
 void CheckPlace(const State& state, DefinitionKind kind) {
-    const bool inRoutine = state.inFunction || state.inMethod;
+    const bool inRoutine = InRoutine(state);
     if (kind == DefinitionKind::Local && !inRoutine)
         ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method",
                     UnclosedExtern(state));
@@ -28,9 +28,9 @@ void CheckPlace(const State& state, DefinitionKind kind) {
             "Types)");
     if (kind == DefinitionKind::Const && state.inType)
         ReportFatal("Syntax error: 'Const' cannot be declared inside a Type");
-    if (kind == DefinitionKind::Const && state.inFunction)
+    if (kind == DefinitionKind::Const && InFunction(state))
         ReportFatal("Syntax error: 'Const' cannot be declared inside a Function");
-    if (kind == DefinitionKind::Field && (!state.inType || state.inMethod))
+    if (kind == DefinitionKind::Field && (!state.inType || InMethod(state)))
         ReportFatal("Syntax error: 'Field' can only be declared inside a Type");
 }
 

@@ -207,7 +207,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
 ArrayPlace PlaceOf(const State& state, DefinitionKind kind) {
     if (kind == DefinitionKind::Field) return ArrayPlace::Field;
     if (kind != DefinitionKind::Local) return ArrayPlace::Global;
-    return BlockCount() > 1 || !state.selects.empty() ? ArrayPlace::Inner : ArrayPlace::Local;
+    return BlockCount() > 1 || IsOpen(state, BlockKind::Select) ? ArrayPlace::Inner : ArrayPlace::Local;
 }
 
 bool AnySizeWritten(const std::vector<std::string>& sizes) {
@@ -216,15 +216,15 @@ bool AnySizeWritten(const std::vector<std::string>& sizes) {
 
 ArrayText TextOfArray(State& state, const Declared& declared, const Variable& array, ArrayPlace place,
                       const Expr& value) {
-    if (!declared.hasValue) return DeclareArray(array, place, state.frameRoom);
+    if (!declared.hasValue) return DeclareArray(array, place, state.routine.frameRoom);
     const ValueType& type = declared.note.type;
     if (lenient && !value.type.IsKnown()) return {};
     if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
     if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
-    CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine);
+    CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine.declared);
     if (type != value.type) FailMismatch(value.type, type, declared.name);
     return TakeOverArray(array, place, value,
-                         {HasSizes(value, array.sizes, state.routine), CalledName(declared.value)});
+                         {HasSizes(value, array.sizes, state.routine.declared), CalledName(declared.value)});
 }
 
 // Sizes as later accesses see them: those that are written, or else the constants'.
@@ -321,7 +321,8 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     if (array)
         DefineArray(state, declared, value, definition);
     else if (value.type.IsArray())
-        CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value, state.routine);
+        CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value,
+                         state.routine.declared);
     else
         DefineSingle(declared, value, definition);
     definition.mentioned = declared.note.type.cls;
@@ -329,6 +330,6 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     Variable& variable = Register(declared, state);
     Complete(declared, definition, variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
-        state.localArrays.push_back({&variable, variable.type.base == Base::Element, true});
+        state.routine.localArrays.push_back({&variable, variable.type.base == Base::Element, true});
     return definition;
 }

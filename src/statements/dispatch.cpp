@@ -130,7 +130,7 @@ bool IsNoAccessWord(TokenSpan tokens) {
 
 // Code at the top level or in a class body outside its Methods would never run.
 void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
-    if (state.inFunction || state.inMethod) return;
+    if (InRoutine(state)) return;
     const std::string& word = tokens[0];
     if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
         ReportFatal("'" + word + "' is written in lower case here: " + Lower(word));
@@ -159,7 +159,8 @@ void RefuseInPart(const State& state, TokenSpan tokens) {
             return;
     }
     if (AssignsOwnField(tokens) || IsNoAccessWord(tokens)) return;
-    ReportFatal("'" + tokens[0] + "' cannot stand here: " + StripFolder(state.openParts.back()->source) +
+    ReportFatal("'" + tokens[0] +
+                "' cannot stand here: " + StripFolder(state.routine.openParts.back()->source) +
                 " is included inside a Function or Method, so it holds statements and Locals only");
 }
 
@@ -178,13 +179,13 @@ const DispatchRow* FindDispatchRow(Keyword keyword) {
 static void PassOverUnclosedType(State& state, TokenSpan tokens) {
     switch (tokens.KeywordAt(0)) {
         case Keyword::Method:
-            if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
-            state.inMethod = true;
-            state.methodName = tokens[1];
-            state.methodLine = state.currentLine;
+            if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
+            state.routine.kind = RoutineKind::Method;
+            state.routine.name = tokens[1];
+            state.routine.line = state.place.line;
             break;
         case Keyword::EndMethod:
-            state.inMethod = false;
+            state.routine = {};
             break;
         case Keyword::Type:
         case Keyword::Element:
@@ -221,7 +222,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
             PassOverType(state, keyword);
         return;
     }
-    if (!state.openParts.empty()) RefuseInPart(state, tokens);
+    if (!state.routine.openParts.empty()) RefuseInPart(state, tokens);
     if (state.inPreCalc || keyword == Keyword::PreCalc) {
         TranslatePreCalc(state, tokens);
         return;
@@ -229,7 +230,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     const DispatchRow* row = FindDispatchRow(keyword);
     if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
     CheckPlace(state, row, tokens);
-    if (!state.selects.empty()) PrepareInSelect(state, keyword);
+    PrepareInSelect(state, keyword);
     if (settings.debugMode && !Has(keyword, trait::declares)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);
     if (row != nullptr)

@@ -5,7 +5,8 @@
 #include "statements/state.h"
 
 void EmitLines(State& state, std::string_view lines) {
-    const bool asTheyStand = state.lineIndent == 0 && state.traceText.empty() && state.commentText.empty();
+    const bool asTheyStand =
+        state.place.indent == 0 && state.place.traceText.empty() && state.place.commentText.empty();
     if (asTheyStand && !lines.empty() && lines.back() == '\n') {
         state.out->pieces.back().text += lines;
         return;

@@ -17,7 +17,7 @@ std::string Starting(const std::string& what, int line, const std::string& missi
 }
 
 std::string OpenFunction(const State& state) {
-    return Starting("Function '" + state.functionName + "'", state.functionLine, "'EndFunction'");
+    return Starting("Function '" + state.routine.name + "'", state.routine.line, "'EndFunction'");
 }
 
 std::string OpenMethod(const std::string& name, int line) {
@@ -32,19 +32,37 @@ std::string OpenExtern(const State& state) {
     return Starting("Extern block", state.externLine, "'EndExtern'");
 }
 
+// The blocks of the kind that the file has left open, in their order.
+std::vector<const Opener*> Unclosed(const State& state, BlockKind kind) {
+    std::vector<const Opener*> found;
+    for (std::size_t i = state.place.firstBlock; i < state.blocks.size(); ++i)
+        if (state.blocks[i].opener.kind == kind) found.push_back(&state.blocks[i].opener);
+    return found;
+}
+
 void CheckLoops(const State& state) {
     std::vector<std::string> findings;
-    for (int line : state.repeatStack)
-        findings.push_back(Starting("Repeat loop", line, "'Until' or 'Forever'"));
+    for (const Opener* loop : Unclosed(state, BlockKind::Repeat))
+        findings.push_back(Starting("Repeat loop", loop->line, "'Until' or 'Forever'"));
     if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
-    for (int line : state.ifStack) findings.push_back(Starting("If block", line, "'EndIf'"));
+    for (const Opener* block : Unclosed(state, BlockKind::If))
+        findings.push_back(Starting("If block", block->line, "'EndIf'"));
     if (!findings.empty()) FailUnclosed("If block(s)", findings);
-    for (std::size_t i = 0; i < state.loopStack.size(); ++i) {
-        const std::string& kind = state.loopKindStack[i];
-        findings.push_back(
-            Starting(kind + " loop", state.loopStack[i], std::string("'") + LoopCloser(kind) + "'"));
-    }
+    for (const Opener* loop : Unclosed(state, BlockKind::Loop))
+        findings.push_back(Starting(loop->word + std::string(" loop"), loop->line,
+                                    "'" + std::string(CloserOf(*loop)) + "'"));
     if (!findings.empty()) FailUnclosed("loop block(s)", findings);
+}
+
+void CheckSelects(const State& state) {
+    const std::vector<const Opener*> selects = Unclosed(state, BlockKind::Select);
+    if (selects.empty()) return;
+    FailUnclosed("Select block", {Starting("Select block", selects.back()->line, "'EndSelect'")});
+}
+
+void CheckWiths(const State& state) {
+    if (state.withs.size() <= state.place.firstWith) return;
+    FailUnclosed("With block", {Starting("With block", state.withs.back().line, "'EndWith'")});
 }
 
 }  // namespace
@@ -63,10 +81,9 @@ std::string UnclosedExtern(const State& state) {
 }
 
 void CheckBlocksClosed(const State& state) {
-    if (state.inFunction) FailUnclosed("Function block", {OpenFunction(state)});
-    if (state.inMethod) FailUnclosedMethod(state.methodName, state.methodLine);
-    if (!state.inType && state.selectDepth >= 1)
-        FailUnclosed("Select block", {Starting("Select block", state.selectLine, "'EndSelect'")});
+    if (InFunction(state)) FailUnclosed("Function block", {OpenFunction(state)});
+    if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
+    if (!state.inType) CheckSelects(state);
     if (state.inType) {
         if (state.passesOverType) settings.currentLine = state.typeLine;
         FailUnclosedType(state.typeName, state.typeLine);
@@ -75,7 +92,13 @@ void CheckBlocksClosed(const State& state) {
     if (state.inPreCalc)
         FailUnclosed("PreCalc block", {Starting("PreCalc block", state.preCalcLine, "'EndPreCalc'")});
     if (state.inExtern) FailUnclosed("Extern block", {OpenExtern(state)});
-    if (!state.withLines.empty())
-        FailUnclosed("With block", {Starting("With block", state.withLines.back(), "'EndWith'")});
+    CheckWiths(state);
+    CheckClosers(state);
+}
+
+void CheckPartClosed(const State& state) {
+    CheckSelects(state);
+    CheckLoops(state);
+    CheckWiths(state);
     CheckClosers(state);
 }

@@ -5,6 +5,8 @@
 
 // Says which block is open and where it starts, and ends the run; returns when all are closed.
 void CheckBlocksClosed(const State& state);
+// The same for a file that stands in the open routine.
+void CheckPartClosed(const State& state);
 
 // The reports of a Type or Element, and of a Method, without their closers.
 [[noreturn]] void FailUnclosedType(const std::string& name, int line);

@@ -6,6 +6,8 @@
 #include "statements/for_loops.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "analysis/reach.h"
 #include "driver/report.h"
@@ -86,7 +88,7 @@ void CheckWalkable(const Expr& expr) {
 bool RowsCopy(const State& state, const Expr& table) {
     if (table.form == ArrayForm::Fixed || table.type.base != Base::Element)
         return table.form != ArrayForm::Fixed;
-    return std::any_of(state.localArrays.begin(), state.localArrays.end(),
+    return std::any_of(state.routine.localArrays.begin(), state.routine.localArrays.end(),
                        [&](const LocalArray& array) { return array.variable == table.variable; });
 }
 
@@ -148,25 +150,31 @@ void EmitSharedWalk(State& state, const std::string& variable, const std::string
     EmitLine(state, "{");
 }
 
-// Emits the lines "for(...)" and "{" and, for a Sequence, remembers where they stand.
-SequenceWalk EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
-                             const std::string& range, const Expr* sequence) {
-    const std::string header = "for(" + type + " " + variable + " : " + range + ")";
-    SequenceWalk walk;
-    walk.variable = variable;
-    walk.type = type;
-    walk.piece = &state.out->pieces.back();
-    const std::string before = sequence == nullptr ? "" : BeforeInnerLoop(*sequence);
-    walk.forAt = EmitLine(state, before + header) + before.size();
-    walk.forSize = header.size();
+// Emits the lines "for(...)" and "{".
+void EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
+                     const std::string& range) {
+    EmitLine(state, "for(" + type + " " + variable + " : " + range + ")");
     EmitLine(state, "{");
-    walk.bodyAt = walk.piece->text.size();
-    if (sequence == nullptr) return walk;
-    walk.sequence = range;
-    walk.item = CppName(sequence->type.Item());
-    walk.behind = BehindInnerLoop(*sequence);
-    OpenSequenceWalk(*sequence, variable);
-    return walk;
+}
+
+// The same for a Sequence, whose loop remembers where they stand.
+void EmitSequenceHeader(State& state, Braces& loop, const std::string& type, const std::string& variable,
+                        const std::string& range, const Expr& sequence) {
+    const std::string header = "for(" + type + " " + variable + " : " + range + ")";
+    auto walk = std::make_unique<SequenceWalk>();
+    walk->variable = variable;
+    walk->type = type;
+    walk->piece = &state.out->pieces.back();
+    const std::string before = BeforeInnerLoop(sequence);
+    walk->forAt = EmitLine(state, before + header) + before.size();
+    walk->forSize = header.size();
+    EmitLine(state, "{");
+    walk->bodyAt = walk->piece->text.size();
+    walk->sequence = range;
+    walk->item = CppName(sequence.type.Item());
+    loop.walk = std::move(walk);
+    loop.behind = BehindInnerLoop(sequence);
+    OpenSequenceWalk(sequence, variable);
 }
 
 void TranslateEach(State& state, const EachHeader& header) {
@@ -177,19 +185,19 @@ void TranslateEach(State& state, const EachHeader& header) {
     variable.form = collection.itemForm;
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
-    SequenceWalk walk;
+    Braces& loop = OpenNewBlock(state, BlockKind::Loop, "For", header.name);
     const bool shared = collection.walked != nullptr && settings.fastMode;
     if (shared) {
         EmitSharedWalk(state, variable.cppName, type, collection);
     } else if (collection.walked != nullptr &&
-               LoopMayCreate(settings.currentFile, state.currentLine, *collection.walked)) {
+               LoopMayCreate(settings.currentFile, state.place.line, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text);
+    } else if (collection.sequence) {
+        EmitSequenceHeader(state, loop, type, variable.cppName, collection.text, collection.expr);
     } else {
-        walk = EmitRangeHeader(state, type, variable.cppName, collection.text,
-                               collection.sequence ? &collection.expr : nullptr);
+        EmitRangeHeader(state, type, variable.cppName, collection.text);
     }
     if (collection.pointers && !shared) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenLoop(state, "For", header.name).walk = walk;
 }
 
 [[noreturn]] void FailNoSequence() { ReportFatal("Expected a Sequence after 'In' in EachSeq loop"); }
@@ -197,21 +205,14 @@ void TranslateEach(State& state, const EachHeader& header) {
 }  // namespace
 
 void RewriteWalk(State& state, const SequenceWalk& walk) {
-    if (walk.sequence.empty() || !CloseSequenceWalk(walk.piece->text, walk.bodyAt)) return;
+    if (!CloseSequenceWalk(walk.piece->text, walk.bodyAt)) return;
     const std::string name = SequenceWalkName(walk.variable);
-    const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
+    const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
     walk.piece->text.insert(walk.bodyAt,
                             indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n");
     walk.piece->text.replace(walk.forAt, walk.forSize,
                              "for(KVSeqWalk<" + walk.item + "> " + name + "(" + walk.sequence + "); " + name +
                                  ".HasItem(); " + name + ".Next())");
-}
-
-OpenBraces& OpenLoop(State& state, const std::string& kind, const std::string& variable) {
-    ++state.loopDepth;
-    state.loopStack.push_back(state.currentLine);
-    state.loopKindStack.push_back(kind);
-    return OpenNewBlock(state, BlockKind::Loop, variable);
 }
 
 Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
@@ -250,7 +251,10 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";
     const std::string text = ValueText(sequence);
     const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
-    SequenceWalk walk = EmitRangeHeader(state, type, variable.cppName, text, lasting ? &sequence : nullptr);
+    Braces& loop = OpenNewBlock(state, BlockKind::Loop, "EachSeq", tokens[1]);
+    if (lasting)
+        EmitSequenceHeader(state, loop, type, variable.cppName, text, sequence);
+    else
+        EmitRangeHeader(state, type, variable.cppName, text);
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");
-    OpenLoop(state, "EachSeq", tokens[1]).walk = walk;
 }

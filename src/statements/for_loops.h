@@ -16,8 +16,5 @@ void TranslateCountedFor(State& state, TokenSpan tokens);
 //      auto& x = __kvWalk_x.item;
 void RewriteWalk(State& state, const SequenceWalk& walk);
 
-// Notes the opened loop: depth, start line, kind word for the report at the end of the file.
-OpenBraces& OpenLoop(State& state, const std::string& kind, const std::string& variable = "");
-
 // Declares a loop variable in the block just pushed and fills in its record.
 Variable& DeclareLoopVariable(const std::string& name, const ValueType& type);

@@ -92,7 +92,7 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     if (symbols.importedNames.count(quoted) != 0) return;
     IncludeName name = SplitIncludeName(quoted);
     std::string source = IncludeSourcePath(name);
-    const bool inRoutine = state.inFunction || state.inMethod;
+    const bool inRoutine = InRoutine(state);
     if (inRoutine ? !IsPart(source) || IsHeaderOnly(source) : state.inType)
         ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
     const bool searching = SearchesIn(source);

@@ -6,32 +6,33 @@
 
 std::size_t EmitLine(State& state, std::string_view text) {
     std::string& piece = state.out->pieces.back().text;
-    if (state.lineIndent > 0) piece.append(static_cast<std::size_t>(state.lineIndent), '\t');
+    if (state.place.indent > 0) piece.append(static_cast<std::size_t>(state.place.indent), '\t');
     const std::size_t at = piece.size();
     piece += text;
-    if (!state.traceText.empty()) {
-        piece += " " + GuardComment("// " + state.traceText);
-        state.traceText.clear();
+    if (!state.place.traceText.empty()) {
+        piece += " " + GuardComment("// " + state.place.traceText);
+        state.place.traceText.clear();
     }
-    if (!state.commentText.empty()) {
+    if (!state.place.commentText.empty()) {
         if (piece.back() != ' ') piece += ' ';  // a trace ends in one
-        piece += state.commentText;
-        state.commentText.clear();
+        piece += state.place.commentText;
+        state.place.commentText.clear();
     }
     piece += '\n';
     return at;
 }
 
 void PlaceComment(State& state) {
-    if (!state.lineComment.empty()) state.commentText = std::exchange(state.lineComment, {});
+    if (!state.place.lineComment.empty())
+        state.place.commentText = std::exchange(state.place.lineComment, {});
 }
 
 void FlushComment(State& state) {
     PlaceComment(state);
-    if (!state.commentText.empty()) {
+    if (!state.place.commentText.empty()) {
         PutLine(*state.out,
-                std::string(static_cast<std::size_t>(state.lineIndent), '\t') + state.commentText);
-        state.commentText.clear();
+                std::string(static_cast<std::size_t>(state.place.indent), '\t') + state.place.commentText);
+        state.place.commentText.clear();
     }
-    state.traceText.clear();
+    state.place.traceText.clear();
 }

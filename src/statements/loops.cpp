@@ -16,23 +16,6 @@
 
 namespace {
 
-std::optional<ClosedBlock> CloseRepeat(State& state, const std::string& closer) {
-    std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Repeat, closer);
-    if (!closed || closed->block.kind != BlockKind::Repeat) return closed;
-    --state.loopDepth;
-    state.repeatStack.pop_back();
-    return closed;
-}
-
-std::optional<ClosedBlock> CloseLoop(State& state, const std::string& closer) {
-    std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Loop, closer);
-    if (!closed || closed->block.kind != BlockKind::Loop) return closed;
-    --state.loopDepth;
-    state.loopStack.pop_back();
-    state.loopKindStack.pop_back();
-    return closed;
-}
-
 // The first name of a condition that is a Local of the block about to be closed; null when there is none.
 const std::string* LocalOfBlock(TokenSpan condition) {
     if (localDefList.empty() || localDefList.back().leaves.empty()) return nullptr;
@@ -50,8 +33,6 @@ const std::string* LocalOfBlock(TokenSpan condition) {
 void TranslateRepeat(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     PushBlock();
-    ++state.loopDepth;
-    state.repeatStack.push_back(state.currentLine);
     OpenNewBlock(state, BlockKind::Repeat);
     EmitLine(state, "do");
     EmitLine(state, "{");
@@ -61,7 +42,7 @@ void TranslateRepeat(State& state, TokenSpan tokens) {
 // Until condition
 // A C++ condition behind the body cannot see the body's variables, so a test of one moves inside it.
 void TranslateUntil(State& state, TokenSpan tokens) {
-    const std::optional<ClosedBlock> closed = CloseRepeat(state, "Until");
+    const std::optional<Block> closed = CloseBlock(state, BlockKind::Repeat, "Until");
     if (!closed) return;
     const std::string condition = ConditionText(tokens.From(1), "Until");
     if (const std::string* local = LocalOfBlock(tokens.From(1))) {
@@ -80,9 +61,9 @@ void TranslateUntil(State& state, TokenSpan tokens) {
 // Forever
 void TranslateForever(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    const std::optional<ClosedBlock> closed = CloseRepeat(state, "Forever");
+    const std::optional<Block> closed = CloseBlock(state, BlockKind::Repeat, "Forever");
     if (!closed) return;
-    state.reachable = closed->braces.broken;
+    state.routine.reachable = closed->braces.broken;
     PopScopeOf(closed->braces);
     EmitLine(state, "}");
     EmitLine(state, "while (true);");
@@ -93,7 +74,7 @@ void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
     EmitLine(state, "while (" + ConditionText(tokens.From(1), "While") + ")");
     const std::optional<ConstantValue> always = EvaluateConstant(tokens.From(1));
-    OpenLoop(state, "While").endless =
+    OpenNewBlock(state, BlockKind::Loop, "While").endless =
         always && always->kind == ConstantValue::Kind::Integer && always->integer != 0;
     EmitLine(state, "{");
     EmitLine(state, "__kvSchedPoll();");
@@ -102,7 +83,7 @@ void TranslateWhile(State& state, TokenSpan tokens) {
 // Wend
 void TranslateWend(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    const std::optional<ClosedBlock> closed = CloseLoop(state, "Wend");
+    std::optional<Block> closed = CloseBlock(state, BlockKind::Loop, "Wend");
     if (!closed) return;
     PopScopeOf(closed->braces);
     EmitClosing(state, closed->braces);
@@ -110,10 +91,10 @@ void TranslateWend(State& state, TokenSpan tokens) {
 
 // Next [variable] | NextSeq
 void TranslateNext(State& state, TokenSpan tokens) {
-    const std::optional<ClosedBlock> closed = CloseLoop(state, tokens[0]);
+    std::optional<Block> closed = CloseBlock(state, BlockKind::Loop, tokens[0]);
     if (!closed) return;
     if (tokens.size() > 1) {
-        if (tokens[1] != closed->block.variable) RefuseMore(tokens, 1);
+        if (tokens[1] != closed->opener.variable) RefuseMore(tokens, 1);
         RefuseMore(tokens, 2);
     }
     PopScopeOf(closed->braces);

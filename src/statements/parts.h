@@ -7,16 +7,6 @@
 
 #include "statements/state.h"
 
-// What of the state belongs to the file that the statements stand in.
-struct PlaceInFile {
-    std::string traceText, lineComment, commentText, closerMessage;
-    int lineIndent = 0, currentLine = 0, closerLine = 0;
-    std::size_t currentStatement = 0, firstBlock = 0;
-    bool inOneLineIf = false;
-    std::optional<StatementPlaces> ifsLeftOpen;
-    Passing passing = Passing::Nothing;
-};
-
 // The part whose Include has been met in the open routine; it ends with the object.
 class OpenPart {
 public:

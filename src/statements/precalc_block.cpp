@@ -11,10 +11,10 @@
 namespace {
 
 void OpenPreCalc(State& state, TokenSpan tokens) {
-    CheckPreCalcHeader(tokens, !state.inFunction && !state.inMethod && !state.inType);
+    CheckPreCalcHeader(tokens, !InRoutine(state) && !state.inType);
     CheckGlobalName(tokens[1]);
     state.inPreCalc = true;
-    state.preCalcLine = state.currentLine;
+    state.preCalcLine = state.place.line;
     state.preCalcHeader = tokens.Copy();
     state.preCalcBody.clear();
     state.preCalcBodyLines.clear();
@@ -22,7 +22,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
 
 void CollectBodyLine(State& state, TokenSpan tokens) {
     state.preCalcBody.push_back(tokens.Text());
-    state.preCalcBodyLines.push_back(state.currentLine);
+    state.preCalcBodyLines.push_back(state.place.line);
 }
 
 // Safe builds check indices against constants like those of declared arrays.

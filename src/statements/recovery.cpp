@@ -1,7 +1,5 @@
 #include "statements/recovery.h"
 
-#include <algorithm>
-
 #include "driver/settings.h"
 #include "expressions/sequence_walks.h"
 #include "prelude/output.h"
@@ -18,40 +16,19 @@ namespace {
 struct OpenWork {
     explicit OpenWork(const State& state)
         : blocks(state.blocks.size()),
-          selects(state.selects.size()),
-          repeats(state.repeatStack.size()),
-          ifs(state.ifStack.size()),
-          loops(state.loopStack.size()),
-          loopDepth(state.loopDepth),
-          selectDepth(state.selectDepth),
           scopes(localDefList.size()),
           scopeBlocks(BlockCount()),
           walks(SequenceWalkCount()),
           cls(currentClass) {}
-    std::size_t blocks, selects, repeats, ifs, loops;
-    int loopDepth, selectDepth;
-    std::size_t scopes, scopeBlocks, walks;
+    std::size_t blocks, scopes, scopeBlocks, walks;
     const ClassInfo* cls;
 };
 
-template <class Item>
-void Shorten(std::vector<Item>& list, std::size_t size) {
-    if (list.size() > size) list.erase(list.begin() + static_cast<std::ptrdiff_t>(size), list.end());
-}
-
 // Takes back what the statement has opened.
 void TakeBack(State& state, const OpenWork& before) {
-    Shorten(state.blocks, before.blocks);
-    Shorten(state.braces, before.blocks);
-    Shorten(state.selects, before.selects);
-    Shorten(state.repeatStack, before.repeats);
-    Shorten(state.ifStack, before.ifs);
-    Shorten(state.loopStack, before.loops);
-    Shorten(state.loopKindStack, before.loops);
-    state.loopDepth = std::min(state.loopDepth, before.loopDepth);
-    state.selectDepth = std::min(state.selectDepth, before.selectDepth);
-    state.inOneLineIf = false;
-    state.reachable = true;
+    while (state.blocks.size() > before.blocks) state.blocks.pop_back();
+    state.place.inOneLineIf = false;
+    state.routine.reachable = true;
     while (localDefList.size() > before.scopes) PopRoutineScope();
     for (std::size_t count = BlockCount(); count > before.scopeBlocks; --count) PopBlock();
     DropSequenceWalks(before.walks);
@@ -67,16 +44,12 @@ bool IsClassCloser(Keyword keyword) { return keyword == Keyword::EndType || keyw
 
 // Closes the open routine, whatever is open in it.
 void CloseRoutineAnyway(State& state) {
-    TakeBack(state, [&] {
-        OpenWork nothing(state);
-        nothing.blocks = nothing.selects = nothing.repeats = nothing.ifs = nothing.loops = 0;
-        nothing.loopDepth = nothing.selectDepth = 0;
-        nothing.walks = 0;
-        return nothing;
-    }());
-    while (!state.withLines.empty()) TranslateEndWith(state, Tokens{"EndWith"});
-    state.hasReturn = true;
-    const Tokens closer = {state.inMethod ? "EndMethod" : "EndFunction"};
+    OpenWork nothing(state);
+    nothing.blocks = nothing.walks = 0;
+    TakeBack(state, nothing);
+    state.withs.clear();
+    state.routine.hasReturn = true;
+    const Tokens closer = {InMethod(state) ? "EndMethod" : "EndFunction"};
     DispatchStatement(state, closer);
 }
 
@@ -118,22 +91,21 @@ void Replace(State& state, TokenSpan statement) {
     const Tokens substitute = Substitute(statement);
     if (substitute.empty() || EndsOnItsLine(statement)) return;
     DispatchStatement(state, substitute);
-    if (statement.KeywordAt(0) == Keyword::Select && !state.selects.empty())
-        state.selects.back().subject = ValueType();
+    if (statement.KeywordAt(0) == Keyword::Select) state.blocks.back().braces.select->subject = ValueType();
 }
 
 Passing PassingBehind(const State& state, Keyword keyword) {
     switch (keyword) {
         case Keyword::Function:
         case Keyword::Method:
-            return state.inFunction || state.inMethod ? Passing::File : Passing::Routine;
+            return InRoutine(state) ? Passing::File : Passing::Routine;
         case Keyword::Type:
         case Keyword::Element:
-            return state.inFunction || state.inType ? Passing::File : Passing::Class;
+            return InFunction(state) || state.inType ? Passing::File : Passing::Class;
         case Keyword::PreCalc:
             return Passing::PreCalc;
         default:
-            return state.inFunction || state.inMethod ? Passing::Nothing : Passing::Stray;
+            return InRoutine(state) ? Passing::Nothing : Passing::Stray;
     }
 }
 
@@ -141,29 +113,29 @@ void Recover(State& state, const OpenWork& before, TokenSpan statement) {
     const Keyword keyword = statement.KeywordAt(0);
     const bool closed = state.blocks.size() < before.blocks;
     TakeBack(state, before);
-    if (IsRoutineCloser(keyword) && (state.inFunction || state.inMethod)) return CloseRoutineAnyway(state);
-    state.hasReturn = state.hasReturn || keyword == Keyword::Return;
+    if (IsRoutineCloser(keyword) && (InRoutine(state))) return CloseRoutineAnyway(state);
+    state.routine.hasReturn = state.routine.hasReturn || keyword == Keyword::Return;
     if (keyword == Keyword::EndPreCalc) return;
-    state.passing = PassingBehind(state, keyword);
+    state.place.passing = PassingBehind(state, keyword);
     if (keyword == Keyword::With) {
         OpenUnknownWith(state);
         Doubt(WordOf("its"));
     }
-    if (!closed && (state.inFunction || state.inMethod)) Replace(state, statement);
+    if (!closed && (InRoutine(state))) Replace(state, statement);
 }
 
 // Whether the statement is passed over.
 bool PassesOver(State& state, Keyword keyword) {
-    const Passing passing = state.passing;
+    const Passing passing = state.place.passing;
     const bool ends = (passing == Passing::Routine && IsRoutineCloser(keyword)) ||
                       (passing == Passing::Class && IsClassCloser(keyword)) ||
                       (passing == Passing::PreCalc && keyword == Keyword::EndPreCalc);
     const bool goesOn = passing == Passing::Stray && (IsCollected(keyword) || IsClassCloser(keyword));
     if (passing == Passing::Stray && IsRoutineCloser(keyword)) {
-        state.passing = Passing::Nothing;
+        state.place.passing = Passing::Nothing;
         return true;
     }
-    if (ends || goesOn) state.passing = Passing::Nothing;
+    if (ends || goesOn) state.place.passing = Passing::Nothing;
     return passing != Passing::Nothing && !goesOn;
 }
 
@@ -171,8 +143,8 @@ bool PassesOver(State& state, Keyword keyword) {
 bool FollowsFromEarlier(const State& state, Keyword keyword) {
     if (state.mistaken && PassingBehind(state, keyword) == Passing::File) return true;
     const bool result = keyword == Keyword::Return || IsRoutineCloser(keyword);
-    if (IsRoutineCloser(keyword) && state.mistaken && !state.withLines.empty()) return true;
-    return result && state.routine != nullptr && IsDoubtful(WordOf(state.routine->name));
+    if (IsRoutineCloser(keyword) && state.mistaken && !state.withs.empty()) return true;
+    return result && state.routine.declared != nullptr && IsDoubtful(WordOf(state.routine.declared->name));
 }
 
 }  // namespace
@@ -192,6 +164,6 @@ void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler tran
         Recover(state, before, statement);
     } catch (const Stop&) {
         TakeBack(state, before);
-        state.passing = state.inFunction || state.inMethod ? Passing::Nothing : Passing::File;
+        state.place.passing = InRoutine(state) ? Passing::Nothing : Passing::File;
     }
 }

@@ -31,16 +31,14 @@ namespace {
 constexpr char valueName[] = "_kvReturn";
 
 bool OwnsObjects(const State& state) {
-    return std::any_of(state.localArrays.begin(), state.localArrays.end(),
+    return std::any_of(state.routine.localArrays.begin(), state.routine.localArrays.end(),
                        [](const LocalArray& array) { return array.ownsSlots; });
 }
 
 std::string RoutineSubject(const State& state) {
-    const std::string kind = state.inMethod ? "Method" : "Function";
-    const std::string name = state.inMethod && state.cls ? state.cls->name + "::" + state.methodName
-                             : state.inMethod            ? state.methodName
-                                                         : state.functionName;
-    return kind + " '" + name + "'";
+    const std::string kind = InMethod(state) ? "Method" : "Function";
+    const std::string owner = InMethod(state) && state.cls ? state.cls->name + "::" : "";
+    return kind + " '" + owner + state.routine.name + "'";
 }
 
 void CheckValue(const State& state, const ValueType& result, const Expr& value) {
@@ -54,7 +52,7 @@ void CheckValue(const State& state, const ValueType& result, const Expr& value) 
 }
 
 void CheckNoValue(const State& state, const ValueType& result) {
-    if (state.isMainRoutine || result.Is(Base::Void) || !result.IsKnown()) return;
+    if (state.routine.isMain || result.Is(Base::Void) || !result.IsKnown()) return;
     ReportFatal(RoutineSubject(state) + " returns " + KorvelName(result) + ", so its Return needs a value");
 }
 
@@ -76,9 +74,10 @@ std::vector<std::string> SizesOf(const Expr& value) {
 
 // Declarations that take the array are checked against its sizes.
 void RecordSizes(const State& state, const Expr& value) {
-    auto& table = state.inMethod ? state.cls->routines : symbols.functions;
-    const auto found = state.routine != nullptr ? table.find(state.routine->name) : table.end();
-    if (found != table.end()) RecordResultSizes(found->second, value, !state.hasReturn);
+    auto& table = InMethod(state) ? state.cls->routines : symbols.functions;
+    const auto found =
+        state.routine.declared != nullptr ? table.find(state.routine.declared->name) : table.end();
+    if (found != table.end()) RecordResultSizes(found->second, value, !state.routine.hasReturn);
 }
 
 std::string CopyOfArray(State& state, const Expr& value) {
@@ -128,14 +127,14 @@ void EmitLeaving(State& state) {
     EmitFreeLoops(state);
     EmitRoutineLeaving(state);
     if (!settings.debugMode) return;
-    if (state.isMainRoutine) EmitLine(state, "\t_kvDebugShutdown();");
+    if (state.routine.isMain) EmitLine(state, "\t_kvDebugShutdown();");
     EmitLine(state, "\t_kvDebugLeave();");
 }
 
 void ReturnNothing(State& state, const ValueType& result) {
     CheckNoValue(state, result);
     EmitLeaving(state);
-    EmitLine(state, state.isMainRoutine ? "return 0;" : "return;");
+    EmitLine(state, state.routine.isMain ? "return 0;" : "return;");
 }
 
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
@@ -143,35 +142,35 @@ void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     CheckValue(state, result, value);
     const bool before = IsWorkedOutBefore(state, value, tokens);
     const bool introducesNames = before || IsCopied(value);
-    const bool braces = introducesNames && (state.hasReturn || state.selectDepth > 0);
+    const bool braces = introducesNames && (state.routine.hasReturn || IsOpen(state, BlockKind::Select));
     if (braces) EmitLine(state, "{");
     const std::string text = ReturnedText(state, result, value, before);
     EmitLeaving(state);
-    EmitLine(state, state.inOneLineIf ? "return " + text + ";" : "return (" + text + ");");
+    EmitLine(state, state.place.inOneLineIf ? "return " + text + ";" : "return (" + text + ");");
     if (braces) EmitLine(state, "}");
 }
 
 ValueType ResultType(const State& state) {
-    if (state.isMainRoutine) return Single(Base::Int);
-    return state.routine ? state.routine->result : Single(Base::Unknown);
+    if (state.routine.isMain) return Single(Base::Int);
+    return state.routine.declared ? state.routine.declared->result : Single(Base::Unknown);
 }
 
 }  // namespace
 
 void EmitFreeLoops(State& state) {
-    for (const LocalArray& array : state.localArrays)
+    for (const LocalArray& array : state.routine.localArrays)
         if (array.ownsSlots) EmitLines(state, FreeLoops(*array.variable));
 }
 
 // Return [value]
 //     return (value);
 void TranslateReturn(State& state, TokenSpan tokens) {
-    if (!state.inFunction && !state.inMethod) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
+    if (!InRoutine(state)) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
     const ValueType result = ResultType(state);
     if (tokens.size() > 1)
         ReturnValue(state, result, tokens.From(1));
     else
         ReturnNothing(state, result);
-    state.hasReturn = true;
-    state.reachable = false;
+    state.routine.hasReturn = true;
+    state.routine.reachable = false;
 }

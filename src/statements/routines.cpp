@@ -7,6 +7,7 @@
 #include "statements/routines.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "driver/report.h"
 #include "driver/settings.h"
@@ -25,8 +26,12 @@
 
 namespace {
 
-bool IsConstructor(const State& state) { return state.inMethod && state.routine->name == "constructor"; }
-bool IsDestructor(const State& state) { return state.inMethod && state.routine->name == "destructor"; }
+bool IsConstructor(const State& state) {
+    return InMethod(state) && state.routine.declared->name == "constructor";
+}
+bool IsDestructor(const State& state) {
+    return InMethod(state) && state.routine.declared->name == "destructor";
+}
 
 std::string RoutineName(TokenSpan tokens) {
     if (!IsName(tokens[1])) ReportFatal("Expected a name after '" + tokens[0] + "'");
@@ -68,20 +73,23 @@ void CheckExternParameters(const std::string& name) {
 
 // Routines that call themselves must get as deep as without -fast, whose arrays are not in the frame. Inline
 // C++ may count on vectors, and so do the hooks of debug builds.
-std::size_t RoomForArrays(const State& state) {
+std::size_t RoomForArrays(bool isMain) {
     constexpr std::size_t mainRoom = 4096, routineRoom = 256;
     if (!settings.fastMode || settings.debugMode || symbols.inlineCpp) return 0;
-    return state.isMainRoutine ? mainRoom : routineRoom;
+    return isMain ? mainRoom : routineRoom;
 }
 
-void OpenRoutine(State& state, const Routine* routine) {
+void Open(State& state, RoutineKind kind, const std::string& name, const Routine& declared, bool isMain) {
+    OpenRoutine routine;
+    routine.kind = kind;
+    routine.name = name;
+    routine.line = state.place.line;
+    routine.declared = &declared;
+    routine.isMain = isMain;
+    routine.returnType = isMain ? "int" : ResultCppName(declared.result);
+    routine.frameRoom = RoomForArrays(isMain);
+    state.routine = std::move(routine);
     PushRoutineScope();
-    state.routine = routine;
-    state.returnType = state.isMainRoutine ? "int" : ResultCppName(routine->result);
-    state.hasReturn = false;
-    state.reachable = true;
-    state.localArrays.clear();
-    state.frameRoom = RoomForArrays(state);
 }
 
 // `after` stands between the opening brace and the poll.
@@ -93,40 +101,40 @@ void EmitOpening(State& state, const std::string& signature, const std::string& 
     piece.bodyAt = piece.text.size();
     EmitLines(state, after);
     EmitLine(state, "__kvSchedPoll();");
-    if (state.isMainRoutine) EmitLine(state, "\tstd::cout.precision(15);");
+    if (state.routine.isMain) EmitLine(state, "\tstd::cout.precision(15);");
 }
 
 void EmitEnter(State& state, const std::string& name) {
     if (!settings.debugMode) return;
-    if (state.isMainRoutine) {
+    if (state.routine.isMain) {
         EmitLine(state, "\t_kvDebugInit();");
         EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
     }
     EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
 }
 
-void CheckFunctionName(const State& state, const std::string& name, const Routine* routine) {
+void CheckFunctionName(const std::string& name, const Routine* routine, bool isMain) {
     if (routine == nullptr || IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
-    if (state.isMainRoutine && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
+    if (isMain && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
 }
 
 bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }
 
 void CheckWithClosed(const State& state, const std::string& closer) {
-    if (!state.withLines.empty()) ReportFatal("With block not closed - add EndWith before " + closer);
+    if (!state.withs.empty()) ReportFatal("With block not closed - add EndWith before " + closer);
 }
 
 // The end of the routine, for a run that gets there without a Return.
 void EmitFallingOut(State& state) {
-    if (!state.reachable) return;
+    if (!state.routine.reachable) return;
     EmitFreeLoops(state);
     if (IsDestructor(state) && KeepsInstances(state)) EmitLines(state, LeavingLines());
 }
 
 // A caller gets the default value when no Return was met on the way.
 void EmitDefaultResult(State& state) {
-    if (state.reachable && !state.isMainRoutine && state.returnType != "void")
-        EmitLine(state, "return " + DefaultValue(state.returnType) + ";");
+    if (state.routine.reachable && !state.routine.isMain && state.routine.returnType != "void")
+        EmitLine(state, "return " + DefaultValue(state.routine.returnType) + ";");
 }
 
 void CloseRoutine(State& state) {
@@ -138,19 +146,18 @@ void CloseRoutine(State& state) {
     SettleParts(state);
     PopRoutineScope();
     EndDoubtsOfRoutine();
-    state.localArrays.clear();
-    state.routine = nullptr;
+    state.routine = {};
 }
 
 void CloseMain(State& state) {
-    if (state.hasReturn) {
-        if (settings.debugMode && state.reachable) EmitLine(state, "\t_kvDebugShutdown();");
+    if (state.routine.hasReturn) {
+        if (settings.debugMode && state.routine.reachable) EmitLine(state, "\t_kvDebugShutdown();");
         return;
     }
     if (settings.debugMode) EmitLine(state, "\t_kvDebugShutdown();");
     EmitFreeLoops(state);
     EmitLine(state, "return 0;");
-    state.localArrays.clear();
+    state.routine.localArrays.clear();
 }
 
 void CheckMethodKind(const State& state, const Routine& method) {
@@ -192,16 +199,16 @@ std::string ReportedName(const Routine& method, const std::string& className) {
 // Lines between the opening brace of a Method and the poll.
 std::string LinesBeforePoll(State& state, const Routine& method) {
     const bool registers = IsConstructor(state) && KeepsInstances(state);
-    state.watchesOwnObject = MayLoseObject(*state.cls, method);
+    state.routine.watchesOwnObject = MayLoseObject(*state.cls, method);
     std::string lines = registers ? "_instances.push_back(this);\n" : "";
-    if (state.watchesOwnObject) lines += "KVMethodRun __kvRun(&_kvPresence);\n";
+    if (state.routine.watchesOwnObject) lines += "KVMethodRun __kvRun(&_kvPresence);\n";
     return lines;
 }
 
 void BeginMethodPiece(State& state, const Routine& method) {
     const bool special = method.name == "constructor" || method.name == "destructor";
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
-    const std::string indent(static_cast<std::size_t>(state.lineIndent), '\t');
+    const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
     DeclareParameters(method);
     piece.declaration = indent + result + NameAndParameters(method, method.cppName, true) + ";\n";
@@ -224,69 +231,58 @@ void EmitRoutineLeaving(State& state) {
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
     if (state.inExtern) return CheckExternParameters(name);
-    if (state.inType || state.inFunction) ReportFatal("Unexpected 'function' token");
-    state.isMainRoutine = Lower(name) == "main";
+    if (state.inType || InFunction(state)) ReportFatal("Unexpected 'function' token");
+    const bool isMain = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
-    CheckFunctionName(state, name, routine);
-    state.inFunction = true;
-    state.functionName = name;
-    state.functionLine = state.currentLine;
-    BeginPiece(*state.out, state.isMainRoutine ? Piece::Kind::Main : Piece::Kind::Function);
-    OpenRoutine(state, routine);
+    CheckFunctionName(name, routine, isMain);
+    BeginPiece(*state.out, isMain ? Piece::Kind::Main : Piece::Kind::Function);
+    Open(state, RoutineKind::Function, name, *routine, isMain);
     DeclareParameters(*routine);
-    const std::string cppName = state.isMainRoutine ? "main" : routine->cppName;
-    EmitOpening(state, state.returnType + " " + NameAndParameters(*routine, cppName, true), "");
+    const std::string cppName = isMain ? "main" : routine->cppName;
+    EmitOpening(state, state.routine.returnType + " " + NameAndParameters(*routine, cppName, true), "");
     EmitEnter(state, name);
 }
 
 // EndFunction
 void TranslateEndFunction(State& state, TokenSpan tokens) {
-    if (state.inType || !state.inFunction || !state.openParts.empty())
+    if (state.inType || !InFunction(state) || !state.routine.openParts.empty())
         ReportFatal("unexpected 'endfunction' token", UnclosedExtern(state));
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndFunction");
-    if (state.returnType != "void" && !state.isMainRoutine && !state.hasReturn)
-        ReportFatal("Function '" + state.functionName + "' with return type '" + state.returnType +
+    if (state.routine.returnType != "void" && !state.routine.isMain && !state.routine.hasReturn)
+        ReportFatal("Function '" + state.routine.name + "' with return type '" + state.routine.returnType +
                     "' must have a Return statement");
-    if (state.isMainRoutine) CloseMain(state);
+    if (state.routine.isMain) CloseMain(state);
     CloseRoutine(state);
-    state.inFunction = false;
-    state.isMainRoutine = false;
-    state.functionName.clear();
     BeginPiece(*state.out, Piece::Kind::Lines);
 }
 
 // Method Name [: Type] [( parameters )] [: Type]
 void TranslateMethod(State& state, TokenSpan tokens) {
-    if (!state.inType || state.inMethod) ReportFatal("Unexpected 'method' token");
+    if (!state.inType || InMethod(state)) ReportFatal("Unexpected 'method' token");
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);
     if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.");
     CheckMethodKind(state, *method);
     EmitAccessOf(state, *method);
-    state.isMainRoutine = false;
-    state.inMethod = true;
-    state.methodName = ReportedName(*method, state.typeName);
-    state.methodLine = state.currentLine;
-    OpenRoutine(state, method);
+    Open(state, RoutineKind::Method, ReportedName(*method, state.typeName), *method, false);
     DeclareThis(state);
     BeginMethodPiece(state, *method);
-    EmitEnter(state, state.typeName + "\\\\" + state.methodName);
+    EmitEnter(state, state.typeName + "\\\\" + state.routine.name);
 }
 
 // EndMethod
 void TranslateEndMethod(State& state, TokenSpan tokens) {
     if (state.inExtern && state.inType) return;
-    if (!state.inType || !state.inMethod || !state.openParts.empty())
+    if (!state.inType || !InMethod(state) || !state.routine.openParts.empty())
         ReportFatal("unexpected 'endmethod' token");
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndMethod");
-    if (state.returnType != "void" && !state.hasReturn)
-        ReportFatal("Method with return type '" + state.returnType + "' must have a Return statement");
+    if (state.routine.returnType != "void" && !state.routine.hasReturn)
+        ReportFatal("Method with return type '" + state.routine.returnType +
+                    "' must have a Return statement");
     CloseRoutine(state);
-    state.inMethod = false;
-    state.methodName.clear();
     currentClass = nullptr;
     BeginPiece(*state.out, Piece::Kind::ClassLines, state.cls);
 }

@@ -14,7 +14,7 @@
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {
-    if (settings.traceMode) state.traceText = tokens.Text() + " ";
+    if (settings.traceMode) state.place.traceText = tokens.Text() + " ";
     if (!MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);
         return;
@@ -31,11 +31,11 @@ bool PlacesComment(Keyword keyword) {
 }
 
 void TranslateLine(State& state, const SourceLines& lines) {
-    state.currentLine = lines.Line();
-    state.lineIndent = static_cast<int>(lines.Indent());
+    state.place.line = lines.Line();
+    state.place.indent = static_cast<int>(lines.Indent());
     settings.currentLine = lines.Line();
-    state.lineComment = lines.Comment();
-    state.currentStatement = 0;
+    state.place.lineComment = lines.Comment();
+    state.place.statement = 0;
     const std::vector<TokenSpan>& statements = lines.Statements();
     for (const TokenSpan& statement : statements) {
         const bool last = &statement == &statements.back();
@@ -44,13 +44,13 @@ void TranslateLine(State& state, const SourceLines& lines) {
             TranslateOrRecover(state, statement, TranslateStatement);
         else
             TranslateStatement(state, statement);
-        ++state.currentStatement;
+        ++state.place.statement;
     }
     FlushComment(state);
 }
 
 void NoteOpened(State& state, int opened) {
-    if (opened != 0 && (state.inFunction || state.inMethod)) NoteInlineBraces(state, opened);
+    if (opened != 0 && (InRoutine(state))) NoteInlineBraces(state, opened);
 }
 
 }  // namespace

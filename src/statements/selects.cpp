@@ -9,7 +9,10 @@
 // label that is equal to the subject.
 #include "statements/selects.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <memory>
+#include <utility>
 
 #include "driver/report.h"
 #include "prelude/support.h"
@@ -21,13 +24,15 @@
 namespace {
 
 OpenSelect& InnermostSelect(State& state, const std::string& keyword) {
-    if (state.selects.empty() || state.braces.size() <= state.firstBlock)
+    const auto found = std::find_if(state.blocks.rbegin(), state.blocks.rend(),
+                                    [](const Block& block) { return block.braces.select != nullptr; });
+    if (found == state.blocks.rend() || state.blocks.size() <= state.place.firstBlock)
         ReportFatal("'" + keyword + "' without an open Select block");
-    if (!InnermostIs(state, BlockKind::Select))
-        ReportFatal("'" + keyword + "' belongs to the Select of line " +
-                    std::to_string(state.selects.back().line) + ", but the block that starts at line " +
-                    std::to_string(state.braces.back().line) + " is still open");
-    return state.selects.back();
+    if (found != state.blocks.rbegin())
+        ReportFatal("'" + keyword + "' belongs to the Select of line " + std::to_string(found->braces.line) +
+                    ", but the block that starts at line " + std::to_string(state.blocks.back().braces.line) +
+                    " is still open");
+    return *found->braces.select;
 }
 
 // A further label must not jump past the Locals of the case before it.
@@ -123,15 +128,13 @@ void CompleteSwitch(OpenSelect& select) {
 void TranslateSelect(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
     Expr subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
-    OpenSelect select;
+    auto opened = std::make_unique<OpenSelect>();
+    OpenSelect& select = *opened;
     select.subject = subject.type;
     select.byIndex = subject.type.Is(Base::String) || subject.type.Is(Base::Double);
     if (subject.type.IsKnown() && !subject.type.IsNumber() && !select.byIndex)
         ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type));
-    select.line = state.currentLine;
-    ++state.selectDepth;
-    state.selectLine = state.currentLine;
-    OpenNewBlock(state, BlockKind::Select);
+    OpenNewBlock(state, BlockKind::Select).select = std::move(opened);
     const std::string head = select.byIndex ? "switch (__kvSelect(" + ValueText(subject) + ", "
                                             : "switch (" + ValueText(subject) + ")";
     if (select.byIndex) {
@@ -141,7 +144,6 @@ void TranslateSelect(State& state, TokenSpan tokens) {
         EmitLine(state, head);
     }
     EmitLine(state, "{");
-    state.selects.push_back(std::move(select));
 }
 
 // Case label , ...
@@ -165,40 +167,34 @@ void TranslateCase(State& state, TokenSpan tokens) {
 void TranslateDefault(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Default");
     RefuseMore(tokens, 1);
-    if (select.defaultSeen)
-        ReportFatal("The Select that starts at line " + std::to_string(select.line) +
+    Braces& braces = state.blocks.back().braces;
+    if (braces.elseSeen)
+        ReportFatal("The Select that starts at line " + std::to_string(braces.line) +
                     " has a Default already");
-    select.defaultSeen = true;
     EndCase(state, select);
     EmitLabel(state, select, "default :");
-    state.braces.back().elseSeen = true;
+    braces.elseSeen = true;
 }
 
 // EndSelect
 void TranslateEndSelect(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
-    const std::optional<ClosedBlock> closed = CloseBlock(state, BlockKind::Select, "EndSelect");
+    std::optional<Block> closed = CloseBlock(state, BlockKind::Select, "EndSelect");
     if (!closed) return;
-    if (closed->block.kind == BlockKind::Select) --state.selectDepth;
-    state.selectLine = 0;
-    for (const OpenBlock& block : state.blocks)
-        if (block.kind == BlockKind::Select) state.selectLine = block.line;
     PopScopeOf(closed->braces);
     EmitClosing(state, closed->braces);
 }
 
-void FinishSelect(State& state) {
-    OpenSelect& select = state.selects.back();
+void FinishSelect(State& state, OpenSelect& select) {
     if (select.declares) PopBlock();
     if (NothingBehindLabel(state, select)) EmitLine(state, ";");
     CompleteSwitch(select);
-    state.selects.pop_back();
 }
 
 void PrepareInSelect(State& state, Keyword keyword) {
     if (!InnermostIs(state, BlockKind::Select)) return;
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
-    OpenSelect& select = state.selects.back();
+    OpenSelect& select = *state.blocks.back().braces.select;
     if (!select.labelSeen && !select.warned && !lenient)
         Warn("What stands between 'Select' and its first 'Case' never runs");
     select.warned = !select.labelSeen;
@@ -207,6 +203,6 @@ void PrepareInSelect(State& state, Keyword keyword) {
     select.declares = true;
     select.localsPiece = &state.out->pieces.back();
     select.localsAt = select.localsPiece->text.size();
-    select.localsIndent.assign(static_cast<std::size_t>(state.lineIndent), '\t');
+    select.localsIndent.assign(static_cast<std::size_t>(state.place.indent), '\t');
     PushBlock();
 }

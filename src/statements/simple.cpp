@@ -26,17 +26,15 @@ const TwoWordCloser twoWordClosers[] = {
 void TranslateEnd(State& state, TokenSpan tokens) {
     for (const TwoWordCloser& closer : twoWordClosers)
         if (IsWord(tokens[1], closer.word)) ReportFatal(closer.message);
-    if (!state.inFunction && !state.inMethod)
-        ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
+    if (!InRoutine(state)) ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
     EmitLine(state, "exit(0);");
-    state.reachable = false;
+    state.routine.reachable = false;
 }
 
 // Exit
 //     break;
 void TranslateExit(State& state, TokenSpan tokens) {
-    if ((state.loopDepth <= 0 && state.selectDepth <= 0) || !CanBreak(state))
-        ReportFatal("'Exit' can only be used inside a loop or Select block");
+    if (!CanBreak(state)) ReportFatal("'Exit' can only be used inside a loop or Select block");
     RefuseMore(tokens, 1);
     EmitLine(state, "break;");
     NoteBreak(state);
@@ -45,16 +43,11 @@ void TranslateExit(State& state, TokenSpan tokens) {
 // Continue
 //     continue;
 void TranslateContinue(State& state, TokenSpan tokens) {
-    if (state.loopDepth <= 0 || !CanContinue(state))
-        ReportFatal("'Continue' can only be used inside a For loop");
+    if (!CanContinue(state)) ReportFatal("'Continue' can only be used inside a For loop");
     RefuseMore(tokens, 1);
-    for (std::size_t i = state.braces.size(); i-- > 0;) {
-        if (state.braces[i].kind != BlockKind::Loop && state.braces[i].kind != BlockKind::Repeat) continue;
-        state.braces[i].continued = true;
-        break;
-    }
+    NoteContinue(state);
     EmitLine(state, "continue;");
-    state.reachable = false;
+    state.routine.reachable = false;
 }
 
 // public | private
@@ -69,7 +62,7 @@ void TranslateExtern(State& state, TokenSpan tokens) {
     if (state.inExtern) ReportFatal("Extern already declared");
     RefuseMore(tokens, 1);
     state.inExtern = true;
-    state.externLine = state.currentLine;
+    state.externLine = state.place.line;
 }
 
 // EndExtern

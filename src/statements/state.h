@@ -38,21 +38,54 @@ struct RoutinePart {
     std::size_t pathSize = 0;
 };
 
-struct State {
-    FileOutput* out = nullptr;
+// What of the state belongs to the place in the file that the statements stand in.
+struct PlaceInFile {
     std::string traceText;    // with -t: source of the statement, until attached to a line
     std::string lineComment;  // with -c: "//..." of the source line, until its last statement begins
     std::string commentText;  // from there on, until attached to an emitted line
-    int lineIndent = 0;
-    int currentLine = 0;
-    std::size_t currentStatement = 0;  // its place in the line
+    int indent = 0;
+    int line = 0;
+    std::size_t statement = 0;                   // its place in the line
+    bool inOneLineIf = false;                    // the statement stands behind a Then on the same line
+    std::optional<StatementPlaces> ifsLeftOpen;  // of the file, once they have been asked for
+    std::string closerMessage;                   // the first closer that cannot be let through, and its line
+    int closerLine = 0;
+    std::size_t firstBlock = 0, firstWith = 0;  // of the file; what is open before stays open
+    Passing passing = Passing::Nothing;
+};
 
-    bool inFunction = false;
-    std::string functionName;
-    int functionLine = 0;
-    bool inMethod = false;
-    std::string methodName;
-    int methodLine = 0;
+enum class RoutineKind : unsigned char { None, Function, Method };
+
+// The routine that is open.
+struct OpenRoutine {
+    RoutineKind kind = RoutineKind::None;
+    std::string name;  // as reports have it
+    int line = 0;
+    const Routine* declared = nullptr;
+    std::string returnType;  // C++ spelling
+    bool isMain = false;
+    bool hasReturn = false;
+    bool reachable = true;  // a run of the program may get to the next statement; errs on the side of yes
+    std::vector<LocalArray> localArrays;
+    bool watchesOwnObject = false;       // debug builds: the Method may remove its own object
+    std::size_t frameRoom = 0;           // -fast: bytes that arrays may still take in the routine's frame
+    std::vector<RoutinePart> parts;      // in the order of their beginnings
+    std::vector<FileOutput*> openParts;  // those under way, the innermost last
+};
+
+// A With without its EndWith.
+struct OpenWith {
+    Tokens object;  // as written
+    int line = 0;
+};
+
+struct State {
+    FileOutput* out = nullptr;
+    PlaceInFile place;
+    OpenRoutine routine;
+    std::vector<Block> blocks;    // every open If, loop and Select, innermost last
+    std::vector<OpenWith> withs;  // the innermost last
+
     bool inType = false;
     std::string typeName;
     int typeLine = 0;
@@ -66,46 +99,19 @@ struct State {
     int externLine = 0;
     int unclosedExtern = 0;  // line of the file's Extern without closer, or 0
 
-    int loopDepth = 0;
-    int selectDepth = 0;
-    int selectLine = 0;
-    bool beforeFirstCase = false;  // debug builds: the hook of the first label would never run
-    std::vector<int> repeatStack;
-    std::vector<int> ifStack;
-    std::vector<int> loopStack;
-    std::vector<std::string> loopKindStack;
-
-    std::vector<OpenBlock> blocks;               // every open If, loop and Select, innermost last
-    std::vector<OpenBraces> braces;              // as many, as they nest in C++
-    std::vector<OpenSelect> selects;             // those of the Selects among them
-    bool inOneLineIf = false;                    // the statement stands behind a Then on the same line
-    std::optional<StatementPlaces> ifsLeftOpen;  // of the file, once they have been asked for
-    std::string closerMessage;                   // the first closer that cannot be let through, and its line
-    int closerLine = 0;
-
     bool inPreCalc = false;
     int preCalcLine = 0;
     Tokens preCalcHeader;
     std::vector<std::string> preCalcBody;
     std::vector<int> preCalcBodyLines;
-    std::vector<int> withLines;  // start lines of this file's open With blocks
 
-    Passing passing = Passing::Nothing;
-    bool mistaken = false;  // something is wrong with the file: what seems to be open may be closed
-
-    // The open routine.
-    const Routine* routine = nullptr;
-    std::string returnType;  // C++ spelling
-    bool isMainRoutine = false;
-    bool hasReturn = false;
-    bool reachable = true;  // a run of the program may get to the next statement; errs on the side of yes
-    std::vector<LocalArray> localArrays;
-    bool watchesOwnObject = false;       // debug builds: the Method may remove its own object
-    std::size_t frameRoom = 0;           // -fast: bytes that arrays may still take in the routine's frame
-    std::vector<RoutinePart> parts;      // in the order of their beginnings
-    std::vector<FileOutput*> openParts;  // those under way, the innermost last
-    std::size_t firstBlock = 0;          // of the innermost one in `blocks`; what is open before stays open
+    bool beforeFirstCase = false;  // debug builds: the hook of the first label would never run
+    bool mistaken = false;         // something is wrong with the file: what seems to be open may be closed
 };
+
+inline bool InRoutine(const State& state) { return state.routine.kind != RoutineKind::None; }
+inline bool InFunction(const State& state) { return state.routine.kind == RoutineKind::Function; }
+inline bool InMethod(const State& state) { return state.routine.kind == RoutineKind::Method; }
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
 // of a statement carries its source and its comment. Returns where the text begins in the open piece.

@@ -3,16 +3,11 @@
 #include <algorithm>
 
 #include "driver/report.h"
-#include "driver/run.h"
 #include "lexer/holes.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
 namespace {
-
-// Objects of the open With blocks of all files, as written; the innermost is the last.
-std::vector<Tokens> withStack;
-const PartOfRun partOfRun(withStack);
 
 // Whether `its` stands at `at` as a word of its own.
 bool ItsAt(const std::string& text, std::size_t at) {
@@ -66,25 +61,20 @@ void TranslateWith(State& state, TokenSpan tokens) {
     if (!fits)
         ReportFatal("With requires an object (a Type or Element), but '" + Spelling(object) + "' is " +
                     (unknownName ? "" : CppName(type)));
-    withStack.push_back(std::move(object));
-    state.withLines.push_back(state.currentLine);
+    state.withs.push_back({std::move(object), state.place.line});
 }
 
-void OpenUnknownWith(State& state) {
-    withStack.push_back({WordOf("its")});
-    state.withLines.push_back(state.currentLine);
-}
+void OpenUnknownWith(State& state) { state.withs.push_back({{WordOf("its")}, state.place.line}); }
 
 // EndWith
 void TranslateEndWith(State& state, TokenSpan tokens) {
-    if (state.withLines.empty()) ReportFatal("EndWith without a matching With");
+    if (state.withs.empty()) ReportFatal("EndWith without a matching With");
     RefuseMore(tokens, 1);
-    withStack.pop_back();
-    state.withLines.pop_back();
+    state.withs.pop_back();
 }
 
 bool MentionsIts(const State& state, TokenSpan tokens) {
-    const bool open = !state.withLines.empty();
+    const bool open = !state.withs.empty();
     return std::any_of(tokens.first, tokens.last, [open](const Token& token) {
         return token->keyword == Keyword::Its || (open && HasHoles(*token));
     });
@@ -93,18 +83,19 @@ bool MentionsIts(const State& state, TokenSpan tokens) {
 Tokens SubstituteIts(State& state, TokenSpan tokens) {
     Tokens result;
     result.reserve(tokens.size() + 4);
-    const bool open = !state.withLines.empty();
+    const bool open = !state.withs.empty();
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const Word& word = tokens.At(i);
         if (word.keyword == Keyword::Its) {
             if (open)
-                result.insert(result.end(), withStack.back().begin(), withStack.back().end());
+                result.insert(result.end(), state.withs.back().object.begin(),
+                              state.withs.back().object.end());
             else if (Is(tokens[i + 1], "\\"))
                 ReportFatal("'its' is only valid inside a With ... EndWith block");
             else
                 result.push_back(word);
         } else if (open && HasHoles(word)) {
-            result.push_back(SubstituteInHoles(word, Spelling(withStack.back())));
+            result.push_back(SubstituteInHoles(word, Spelling(state.withs.back().object)));
         } else {
             result.push_back(word);
         }

@@ -18,14 +18,14 @@ TEST(Blocks, NestOnlySoDeep) {
 // By their words the innermost of their kind, in C++ the innermost braces.
 TEST(Blocks, Cross) {
     State state;
-    state.currentLine = 3;
-    OpenNewBlock(state, BlockKind::Loop, "i");
-    state.currentLine = 4;
+    state.place.line = 3;
+    OpenNewBlock(state, BlockKind::Loop, "For", "i");
+    state.place.line = 4;
     OpenNewBlock(state, BlockKind::If);
-    OpenNewBlock(state, BlockKind::Loop, "j");
-    EXPECT_EQ(CloseBlock(state, BlockKind::Loop, "Next")->block.variable, "j");
-    const std::optional<ClosedBlock> crossing = CloseBlock(state, BlockKind::Loop, "Next");
-    EXPECT_EQ(crossing->block.variable, "i");
+    OpenNewBlock(state, BlockKind::Loop, "For", "j");
+    EXPECT_EQ(CloseBlock(state, BlockKind::Loop, "Next")->opener.variable, "j");
+    const std::optional<Block> crossing = CloseBlock(state, BlockKind::Loop, "Next");
+    EXPECT_EQ(crossing->opener.variable, "i");
     EXPECT_EQ(crossing->braces.kind, BlockKind::If);
     EXPECT_TRUE(InnermostIs(state, BlockKind::Loop));
     CheckClosers(state);
