@@ -4,8 +4,6 @@
 
 #include "driver/settings.h"
 #include "fatal.h"
-#include "lexer/source_reader.h"
-#include "scratch_folder.h"
 #include "symbols/name_characters.h"
 
 namespace {
@@ -47,15 +45,6 @@ TEST(Lexer, CutsLines) {
     for (const SplitRow& row : rows) EXPECT_EQ(Split(row.line), row.tokens) << row.line;
 }
 
-TEST(Lexer, MakesEveryDelimiterATokenOfItsOwn) {
-    Lexer lexer;
-    ASSERT_EQ(lexer.delimiters.size(), 29U);
-    for (const std::string& delimiter : lexer.delimiters) {
-        if (delimiter == "\"") continue;  // begins a string instead
-        EXPECT_EQ(Split("a" + delimiter + "b"), (Tokens{"a", delimiter, "b"})) << delimiter;
-    }
-}
-
 TEST(Lexer, KeepsIndentCommentsAndCounts) {
     Lexer lexer;
     EXPECT_EQ(lexer.LexLine("\t\t   x = 1 ; note", true, true, false), 4);
@@ -70,13 +59,6 @@ TEST(Lexer, KeepsIndentCommentsAndCounts) {
     EXPECT_EQ(lexer.lineNumber, 1) << "a line that was counted already";
     EXPECT_EQ(lexer.lineText, "\t\t   x = 1 ; note");
     EXPECT_EQ(lexer.GetIndent(), 0U);
-}
-
-TEST(Lexer, AcceptsOpenBracketsBeforeAContinuation) {
-    Lexer lexer;
-    EXPECT_EQ(lexer.LexLine("a = (b + c _", false, true, false), 7);
-    EXPECT_EQ(lexer.LexLine("a = (b + c _ ; more", true, true, false), 8);
-    EXPECT_EQ(lexer.LexLine("a = ([b)]", false, true, false), 7) << "brackets are counted one kind at a time";
 }
 
 TEST(Lexer, CutsContinuationsAndFindsComments) {
@@ -97,36 +79,6 @@ TEST(Lexer, CutsContinuationsAndFindsComments) {
         EXPECT_EQ(CutAtContinuation(row.line), row.cut) << row.line;
         EXPECT_EQ(CommentOf(row.line), row.comment) << row.line;
     }
-}
-
-TEST(SourceReader, SettlesLineEnds) {
-    const ScratchFolder scratch;
-    const struct {
-        std::string text;
-        std::vector<std::string> lines;
-    } rows[] = {
-        {"", {}},
-        {"a\nb\n", {"a", "b"}},
-        {"a\r\n\r\nb", {"a", "", "b"}},
-        {"\xEF\xBB\xBF"
-         "a\n\xEF\xBB\xBF",
-         {"a", "\xEF\xBB\xBF"}},
-        {std::string("a\0\n\0", 4), {std::string("a\0", 2), std::string(1, '\0')}},
-        {"\n\r", {"", ""}},
-    };
-    for (const auto& row : rows) {
-        ScratchFolder::Write("source", row.text);
-        SourceReader reader;
-        ASSERT_TRUE(reader.Open("source"));
-        for (int pass = 1; pass <= 2; ++pass, reader.Rewind()) {
-            std::vector<std::string> lines;
-            while (!reader.AtEnd()) lines.push_back(reader.NextLine());
-            EXPECT_EQ(lines, row.lines) << row.text << ", pass " << pass;
-        }
-    }
-    SourceReader reader;
-    EXPECT_FALSE(reader.Open("missing"));
-    EXPECT_FALSE(reader.Open(".")) << "a folder is no source";
 }
 
 TEST(Names, HoldLettersOfAnyLanguageInValidUtf8) {

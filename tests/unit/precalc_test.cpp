@@ -4,9 +4,7 @@
 
 #include <sstream>
 
-#include "expressions/math_functions.h"
 #include "lexer/lexer.h"
-#include "precalc/table_functions.h"
 
 namespace {
 
@@ -106,35 +104,6 @@ TEST(PreCalc, TakesSecondsForTheLongestBlock) {
     // One For, 49 999 999 rounds of two statements and one more assignment: just within the limit.
     EXPECT_EQ(Table("t:Double[1]", "For i = 1 To 49999999\n t[0] = t[0] + i * 2\nNext\nt[0] = t[0] - 1"),
               "{ 2499999949999999 };");
-}
-
-TEST(MathFunctions, BecomeTheSameCallsAtRunTime) {
-    const std::vector<std::string> arguments = {"KVL_x + 1", "2"};
-    const std::pair<const char*, const char*> cases[] = {
-        {"pi", "(3.141592653589793)"},
-        {"sin", "std::sin((KVL_x + 1)*0.017453292519943295)"},
-        {"asin", "(std::asin((double)(KVL_x + 1))*57.29577951308232)"},
-        {"atan2", "(std::atan2((double)(KVL_x + 1),(double)(2))*57.29577951308232)"},
-        {"abs", "std::fabs((double)(KVL_x + 1))"},
-        {"frac", "((double)(KVL_x + 1)-std::trunc((double)(KVL_x + 1)))"},
-        {"sgn", "((KVL_x + 1)>0?1:((KVL_x + 1)<0?-1:0))"},
-        {"min", "std::fmin((double)(KVL_x + 1),(double)(2))"},
-        {"radtodeg", "((KVL_x + 1)*57.29577951308232)"},
-        {"rnd", ""},
-    };
-    for (const auto& [name, text] : cases) EXPECT_EQ(MathText(name, arguments), text);
-}
-
-TEST(MathFunctions, AreAllKnownToPreCalc) {
-    for (const char* name : {"pi",   "sin", "cos", "tan",   "asin",  "acos",     "atan",    "atan2", "sqrt",
-                             "cbrt", "pow", "abs", "floor", "ceil",  "round",    "trunc",   "frac",  "sgn",
-                             "min",  "max", "exp", "log",   "log10", "degtorad", "radtodeg"}) {
-        const TableFunction* function = FindTableFunction(name);
-        ASSERT_NE(function, nullptr) << name;
-        EXPECT_EQ(MathArgumentCount(name), function->one ? 1 : function->two ? 2 : 0) << name;
-    }
-    EXPECT_EQ(MathArgumentCount("Sin"), -1);
-    EXPECT_EQ(MathArgumentCount("rnd"), -1);
 }
 
 }  // namespace

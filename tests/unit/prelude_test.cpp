@@ -22,19 +22,6 @@ TEST(Fill, ReplacesEveryHole) {
     EXPECT_DEATH(Fill("a @A", {{"B", "x"}}), "hole 'A'");
 }
 
-TEST(SupportCode, IsWrittenOnlyForProgramsThatNeedIt) {
-    RenewRun();
-    EXPECT_EQ(SupportText(), "");
-    RequireSupport(Support::SafeIndex);
-    RequireSupport(Support::ElementSlots);  // builds on the array code
-    EXPECT_TRUE(SupportUsed(Support::ArrayPassing));
-    EXPECT_FALSE(SupportUsed(Support::BoolArray));
-    EXPECT_EQ(SupportText(), std::string(texts::arrayPassing) + std::string(texts::elementSlots) +
-                                 std::string(texts::safeIndex));
-    RenewRun();
-    EXPECT_EQ(SupportText(), "");
-}
-
 // A scratch folder that holds the texts as headers.
 class GeneratedCode : public ::testing::Test {
 protected:

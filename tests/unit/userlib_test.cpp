@@ -171,20 +171,6 @@ TEST_F(Userlib, GeneratesTheBlock) {
     EXPECT_EQ(code.substr(code.size() - end.size()), end);
 }
 
-TEST_F(Userlib, GeneratesWrappersOfOtherKinds) {
-    Import(".lib \"a.dll\"\nTick()\nFind:TPlayer()\nOpen:void*(result%, class%, class$, :Long)\n");
-    const std::string code = GenerateUserlibCode();
-    for (const char* fragment : {
-             "        return;\n    }\n    Tick_ptr();\n}\n",
-             "        return nullptr;\n    }\n    void* result = Find_ptr();\n    return "
-             "(KVL_TPlayer*)result;\n}\n",
-             "void* Open(int result_, int class_, std::string class__, long p)\n{\n",
-             "    return Open_ptr(result_, class_, class__.c_str(), p);\n",
-         }) {
-        EXPECT_HAS(code, fragment);
-    }
-}
-
 TEST_F(Userlib, EscapesLiterals) {
     EXPECT_EQ(CppLiteral("a\\b\"c\t\x7F?"), "\"a\\\\b\\\"c\\011\\177?\"");
     EXPECT_EQ(CppLiteral("what?"
