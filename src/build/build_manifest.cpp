@@ -106,7 +106,7 @@ std::unordered_set<std::string> IncludedNames() {
 
 class Cleaner {
 public:
-    explicit Cleaner(const std::string& outputPath) : output(outputPath) {
+    Cleaner(const std::string& outputPath, Cleaned cleaned) : output(outputPath), what(cleaned) {
         const std::string source = WithForwardSlashes(settings.mainSource);
         const std::size_t slash = source.rfind('/');
         const std::string sourceFolder = slash == std::string::npos ? "." : source.substr(0, slash + 1);
@@ -131,6 +131,7 @@ public:
 
 private:
     std::string output;
+    Cleaned what;
     std::vector<std::string> folders;                       // as compared by text
     std::vector<std::string> realFolders;                   // links followed
     std::unordered_map<std::string, std::string> resolved;  // the folders of the lines
@@ -189,6 +190,7 @@ private:
     // Whether a build of the main source may have left the file behind.
     bool IsProduct(const std::string& line) {
         if (IsGenerated(ExtensionOf(line))) return true;
+        if (what == Cleaned::Outputs) return false;
         const std::string place = PlaceHere(line);
         const std::string stem = StripExtension(settings.mainSource);
         return place == PlaceHere(stem) || place == PlaceHere(stem + ".exe") ||
@@ -220,15 +222,15 @@ void WriteBuildManifest(const std::string& outputPath) {
     if (ReplaceFile(path, text)) return;
     std::error_code failed;
     if (stood) fs::remove(PathOf(path), failed);
-    Say("Warning: Could not create build manifest");
+    WarnOfProgram("Could not create build manifest");
 }
 
-void CleanPreviousBuild(const std::string& outputPath) {
+void CleanPreviousBuild(const std::string& outputPath, Cleaned what) {
     const std::string path = ManifestPath(outputPath);
     SourceReader manifest;
     if (!manifest.Open(path)) return;
     Say("Cleaning previous build artifacts...");
-    Cleaner cleaner(outputPath);
+    Cleaner cleaner(outputPath, what);
     while (!manifest.AtEnd()) {
         const std::string line = manifest.NextLine();
         if (!line.empty()) cleaner.Clean(line);

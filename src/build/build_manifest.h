@@ -8,4 +8,7 @@ void WriteBuildManifest(const std::string& outputPath);
 
 // Deletes what the previous manifest of the main source lists, then the manifest itself. A line may say
 // anything: folders, links, sources and files outside this build's folders are never deleted.
-void CleanPreviousBuild(const std::string& outputPath);
+// The program that a user may have built beside the source, and its file of linker flags, go as well unless only
+// outputs are to be cleaned.
+enum class Cleaned : unsigned char { Outputs, All };
+void CleanPreviousBuild(const std::string& outputPath, Cleaned what = Cleaned::All);

@@ -48,18 +48,38 @@ static korvel::Diagnostic HereIs(const std::string& message) {
     return diagnostic;
 }
 
-void ReportFatal(const std::string& message, const std::string& linesBefore) {
-    const korvel::Diagnostic mistake = HereIs(Shortened(message));
-    throw Stop{mistake,
-               linesBefore + "Error: " + mistake.message + "\nFile: " + mistake.file +
-                   "\nLine: " + std::to_string(mistake.line) + "\n\n",
-               false};
+static std::vector<korvel::Diagnostic> MistakesOf(const std::vector<UnclosedBlock>& blocks) {
+    std::vector<korvel::Diagnostic> mistakes;
+    for (const UnclosedBlock& block : blocks) {
+        mistakes.push_back(HereIs(block.report));
+        mistakes.back().line = block.line;
+    }
+    return mistakes;
+}
+
+static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const std::string& message) {
+    std::string text;
+    for (const UnclosedBlock& block : blocks) text += block.report + "\n";
+    return text + "Error: " + message + "\nFile: " + settings.currentFile +
+           "\nLine: " + std::to_string(settings.currentLine) + "\n\n";
+}
+
+void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks) {
+    const std::string shortened = Shortened(message);
+    std::vector<korvel::Diagnostic> mistakes = MistakesOf(blocks);
+    mistakes.push_back(HereIs(shortened));
+    throw Stop{mistakes, QuotedHere(blocks, shortened), false};
+}
+
+void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
+                      const std::string& message) {
+    throw Stop{MistakesOf(blocks), heading + QuotedHere(blocks, message), false};
 }
 
 void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
     std::string text = Shortened(lines);
     if (text.empty() || text.back() != '\n') text += '\n';
-    throw Stop{mistake, text, true};
+    throw Stop{{mistake}, text, true};
 }
 
 void FailOnErrorStream(const std::string& lines) {
@@ -85,6 +105,14 @@ void Warn(const std::string& message) {
                    "): " + message);
     silentFor->push_back(HereIs(message));
     silentFor->back().isWarning = true;
+}
+
+void WarnOfProgram(const std::string& message, const std::string& indentation) {
+    if (silentFor == nullptr) return Say(indentation + "Warning: " + message);
+    korvel::Diagnostic& warning = silentFor->emplace_back();
+    warning.file = settings.mainSource;
+    warning.message = message;
+    warning.isWarning = true;
 }
 
 void VerboseNote(const std::string& line) {

@@ -8,14 +8,23 @@
 
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {
-    korvel::Diagnostic mistake;
-    std::string quoted;  // the mistake as kvt says it
+    std::vector<korvel::Diagnostic> mistakes;
+    std::string quoted;  // all of it as kvt says it
     bool onErrorStream = false;
 };
 
-// Stops the run at the current line of the current file. Quoted are `linesBefore`, "Error: " + message, file and
+// A block that is open, which a report tells before its message, and the line of the current file where it starts.
+struct UnclosedBlock {
+    int line = 0;
+    std::string report;
+};
+
+// Stops the run at the current line of the current file. Quoted are the open blocks, "Error: " + message, file and
 // line. Very long words are cut.
-[[noreturn]] void ReportFatal(const std::string& message, const std::string& linesBefore = {});
+[[noreturn]] void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks = {});
+// The same where the blocks are the mistakes and the message only sums them up, with a heading above them.
+[[noreturn]] void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
+                                   const std::string& message);
 
 // Stops the run with a mistake for which these lines are quoted on the error stream.
 [[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);
@@ -27,6 +36,9 @@ struct Stop {
 
 // With -warn, says what is odd about the current line of the current file; the run goes on.
 void Warn(const std::string& message);
+
+// Says "Warning: " + message, behind the indentation, about what concerns the program as a whole.
+void WarnOfProgram(const std::string& message, const std::string& indentation = {});
 
 // Prints line + end of line on standard output in verbose mode only.
 void VerboseNote(const std::string& line);

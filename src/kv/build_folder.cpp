@@ -82,7 +82,7 @@ bool UseFolderOfUser(const std::string& folder, BuildFolder& build, std::string&
 }  // namespace
 
 std::string ProgramName(const std::string& source) {
-    return StripExtension(StripFolder(source));  // as kvt names what it makes
+    return StripExtension(StripFolder(source));  // as the compiler names what it makes
 }
 
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
@@ -108,8 +108,9 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     build.linkStamp = TextOf(folder / "linked");
     build.lock = TextOf(folder / lockName);
     build.started = TextOf(folder / "started");
-    build.kvtOutput = TextOf(folder / "kvt-output.txt");
-    build.kvtErrors = TextOf(folder / "kvt-errors.txt");
+    build.translation = TextOf(folder / "translation");
+    build.translatorOutput = TextOf(folder / "translator-output.txt");
+    build.translatorErrors = TextOf(folder / "translator-errors.txt");
     build.compilerOutput = TextOf(folder / "compiler-output.txt");
     build.compilerErrors = TextOf(folder / "compiler-errors.txt");
     build.dependencies = TextOf(folder / "dependencies.d");

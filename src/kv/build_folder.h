@@ -1,11 +1,12 @@
 // Where kv keeps what it makes: the generated C++, the program, and what it needs to know for the next time.
 //
 //   .kvbuild/game.kvl/run-O0/        one folder per program and way of building it
-//       cpp/_/_/_/                   what kvt generates (unless --keep-cpp names another folder)
+//       cpp/_/_/_/                   what the compiler generates (unless --keep-cpp names another folder)
 //       bin/game                     the program, with the shared libraries that it loads
 //       program.o                    the compiled C++
 //       stamp, compiled, linked      all that the program, program.o and bin/game were made from (kv/stamp.h)
-//       kvt-output.txt ...           what the tools said
+//       translation                  what the compiler has found out (kv/translation.h)
+//       translator-output.txt ...    what the tools said
 //
 // .kvbuild lies beside the source; where nothing can be written there, or it is not the user's own, all this goes to the
 // user's cache folder, and without one to a private folder for temporary files. It can be removed at any time.
@@ -24,8 +25,9 @@ struct BuildFolder {
     std::string lock;
     std::string cppLock;  // for a folder that several builds may share; empty: it is this build's own
     std::string started;  // written when a build starts
-    std::string kvtOutput;
-    std::string kvtErrors;
+    std::string translation;
+    std::string translatorOutput;
+    std::string translatorErrors;
     std::string compilerOutput;
     std::string compilerErrors;
     std::string dependencies;      // the files that the C++ compiler read

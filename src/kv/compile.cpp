@@ -15,7 +15,6 @@
 #include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
-#include "kv/translate.h"
 #include "kv/write_file.h"
 
 namespace fs = std::filesystem;
@@ -24,11 +23,10 @@ namespace {
 
 // What the user can mend of what the compiler said.
 std::vector<Diagnostic> Mistakes(const Job& job, const std::string& output) {
-    return ExplainCompilerOutput(output, SourcesOf(DependencyRecord(job)), job.build.cppFolder,
-                                 job.sourceFolder);
+    return ExplainCompilerOutput(output, job.translation.sources, job.build.cppFolder, job.sourceFolder);
 }
 
-// A mistake in the Korvel source never gets here: kvt refuses it. What remains is C++ written by the user, a
+// A mistake in the Korvel source never gets here: the compiler refuses it. What remains is C++ written by the user, a
 // library that is missing, or a fault of the translation.
 void ShowFailure(const Job& job, const std::string& output) {
     const std::vector<Diagnostic> mistakes = Mistakes(job, output);
@@ -215,29 +213,6 @@ bool MakeProgram(Job& job, CompileJob& compile) {
     return true;
 }
 
-// The libraries that the program loads while it runs, also those that are no files of ours.
-std::vector<std::string> LibrariesLoaded(const Job& job) {
-    const std::string mark = "// DLL: ";
-    std::vector<std::string> names;
-    std::ifstream stream(PathOf(job.mainCpp), std::ios::binary);
-    for (std::string line; std::getline(stream, line);) {
-        if (line == "// ===== End Userlib Code =====") break;
-        if (line.compare(0, mark.size(), mark) == 0) names.push_back(line.substr(mark.size()));
-    }
-    return names;
-}
-
-// The libraries lie in the program's folder.
-bool CanLieBesideProgram(const Job& job) {
-    const std::string program = TextOf(PathOf(job.build.program).filename());
-    for (const std::string& library : SharedLibraries(job)) {
-        if (library != program) continue;
-        ShowProblem("the shared library " + library + " would overwrite the program; rename one of them");
-        return false;
-    }
-    return true;
-}
-
 bool CopyLibraries(const Job& job) {
     const fs::path folder = PathOf(job.build.program).parent_path();
     for (const std::string& library : SharedLibraries(job)) {
@@ -256,7 +231,7 @@ bool IsBelowProgram(const fs::path& name) {
 
 std::vector<std::string> SharedLibraries(const Job& job) {
     std::vector<std::string> libraries;
-    for (const std::string& name : LibrariesLoaded(job)) {
+    for (const std::string& name : job.translation.libraries) {
         std::error_code failed;
         if (IsBelowProgram(PathOf(name)) &&
             fs::is_regular_file(PathOf(job.build.cppFolder) / PathOf(name), failed))
@@ -270,9 +245,8 @@ std::string CompilationOf(const Job& job) {
 }
 
 bool Compile(Job& job) {
-    if (!CanLieBesideProgram(job)) return false;
     CompileJob compile = CompileJobOf(job);
-    compile.loadsLibraries = !LibrariesLoaded(job).empty();
+    compile.loadsLibraries = !job.translation.libraries.empty();
     if (CanLinkApart(job.linkerFlags)) {
         if (!MakeObject(job, compile) || !MakeProgram(job, compile)) return false;
     } else {

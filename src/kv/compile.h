@@ -14,6 +14,6 @@ std::string CompilationOf(const Job& job);
 // the build was disturbed.
 bool Compile(Job& job);
 
-// The shared libraries that the program loads, by file name or a path below the program's folder, as far as kvt found
-// them.
+// The shared libraries that the program loads, by file name or a path below the program's folder, as far as they
+// were found.
 std::vector<std::string> SharedLibraries(const Job& job);

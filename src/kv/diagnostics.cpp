@@ -50,9 +50,12 @@ std::string Place(const Diagnostic& diagnostic) {
 // Lines of the message after the first are set in by four blanks.
 std::string Indented(const std::string& message) {
     std::string text;
+    bool begins = false;
     for (const char c : message) {
+        if (begins && c == ' ') continue;
         text += c;
-        if (c == '\n') text += "    ";
+        begins = c == '\n';
+        if (begins) text += "    ";
     }
     return text;
 }
@@ -83,11 +86,16 @@ void Show(const Diagnostic& diagnostic) {
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-void ShowProblem(const std::string& message) {
+static void ShowOwn(Severity severity, const std::string& message) {
     Diagnostic diagnostic;
+    diagnostic.severity = severity;
     diagnostic.message = message;
     Show(diagnostic);
 }
+
+void ShowProblem(const std::string& message) { ShowOwn(Severity::error, message); }
+
+void ShowNote(const std::string& message) { ShowOwn(Severity::note, message); }
 
 std::string ShortPath(const std::string& path, const std::string& folder) {
     const std::filesystem::path whole = PathOf(path).lexically_normal();

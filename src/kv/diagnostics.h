@@ -22,5 +22,8 @@ void Show(const Diagnostic& diagnostic);
 // "kv: error: message", for what concerns no source.
 void ShowProblem(const std::string& message);
 
+// "kv: note: message".
+void ShowNote(const std::string& message);
+
 // The path as a user in `folder` would write it: relative where it lies below that folder.
 std::string ShortPath(const std::string& path, const std::string& folder);

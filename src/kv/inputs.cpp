@@ -1,15 +1,12 @@
 #include "kv/inputs.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
-#include <fstream>
 
 #include "driver/utf8.h"
 #include "kv/precompiled.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
-#include "kv/translate.h"
 
 namespace fs = std::filesystem;
 
@@ -25,34 +22,6 @@ bool IsBelow(const std::string& path, const std::string& folder) {
            (path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
-// The file that a line such as Import "name.decls" names, at whatever place in the line it says so: a name too many does
-// no harm. Empty if there is none.
-std::string ImportedName(const std::string& line) {
-    const std::string keyword = "import";
-    const auto same = [](char left, char right) {
-        return std::tolower(static_cast<unsigned char>(left)) == right;
-    };
-    const auto found = std::search(line.begin(), line.end(), keyword.begin(), keyword.end(), same);
-    if (found == line.end()) return "";
-    std::size_t start =
-        line.find_first_not_of(" \t", static_cast<std::size_t>(found - line.begin()) + keyword.size());
-    if (start == std::string::npos) return "";
-    const bool isQuoted = line[start] == '"';
-    if (isQuoted) ++start;
-    return line.substr(start, line.find_first_of(isQuoted ? "\"" : " \t\r", start) - start);
-}
-
-void AddImports(const Job& job, const std::string& source, std::vector<std::string>& files) {
-    std::ifstream stream(PathOf(source), std::ios::binary);
-    for (std::string line; std::getline(stream, line);) {
-        const std::string name = ImportedName(line);
-        if (name.empty()) continue;
-        const fs::path file = PathOf(job.installation) / "userlibs" / PathOf(name);
-        std::error_code failed;
-        if (fs::is_regular_file(file, failed)) files.push_back(TextOf(file));
-    }
-}
-
 bool Contains(const std::vector<std::string>& paths, const std::string& path) {
     return std::find(paths.begin(), paths.end(), path) != paths.end();
 }
@@ -61,7 +30,7 @@ bool Contains(const std::vector<std::string>& paths, const std::string& path) {
 
 std::vector<std::string> ToolFiles(const Job& job) {
     const fs::path installation = PathOf(job.installation);
-    std::vector<std::string> files = {job.kv, job.kvt, TextOf(installation / "config" / "keywords.txt"),
+    std::vector<std::string> files = {job.kv, TextOf(installation / "config" / "keywords.txt"),
                                       TextOf(installation / "config" / "cpp.txt")};
     for (const std::string& program : CompilerFiles(job.compiler)) files.push_back(program);
     for (const char* folder : {"userlibs", "include"}) {
@@ -74,10 +43,9 @@ std::vector<std::string> ToolFiles(const Job& job) {
     return files;
 }
 
-std::vector<std::string> FilesReadByKvt(const Job& job) {
-    const std::vector<std::string> sources = SourcesOf(DependencyRecord(job));
-    std::vector<std::string> files = sources;
-    for (const std::string& source : sources) AddImports(job, source, files);
+std::vector<std::string> FilesTranslated(const Job& job) {
+    std::vector<std::string> files = job.translation.sources;
+    for (const std::string& file : job.translation.declarations) files.push_back(file);
     return files;
 }
 
@@ -113,7 +81,7 @@ std::vector<std::string> FilesReadByLinker(const Job& job) {
 }
 
 std::vector<std::string> MadeFrom(const Job& job) {
-    std::vector<std::string> files = FilesReadByKvt(job);
+    std::vector<std::string> files = FilesTranslated(job);
     FilesRead read;
     FilesReadByCompiler(job, read);
     for (const std::vector<std::string>& more : {read.headers, FilesReadByLinker(job), ToolFiles(job)})

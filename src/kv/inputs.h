@@ -9,12 +9,12 @@
 // The tools and what they read from the installation.
 std::vector<std::string> ToolFiles(const Job& job);
 
-// What kvt read: the main source, all that it includes, and the declarations of libraries that these import. Empty when
-// kvt left no record.
-std::vector<std::string> FilesReadByKvt(const Job& job);
+// What the translation read: the main source, all that it includes, and the declarations of libraries that these
+// import.
+std::vector<std::string> FilesTranslated(const Job& job);
 
-// What the C++ compiler read beside the precompiled header and what comes with it and the system: files that kvt
-// generates, and headers of the user's, wherever they lie.
+// What the C++ compiler read beside the precompiled header and what comes with it and the system: files that are
+// generated, and headers of the user's, wherever they lie.
 struct FilesRead {
     std::vector<std::string> generated;
     std::vector<std::string> headers;

@@ -29,7 +29,7 @@ bool FindSource(const Options& options, Job& job) {
         ShowProblem(options.source + " is no file; name the main file of a program");
         return false;
     }
-    // What kvt reports of it could not be read line by line.
+    // Records of what was read have a line for each file.
     if (TextOf(source).find_first_of("\r\n") != std::string::npos) {
         ShowProblem("a source cannot have a line break in its name, nor in that of its folder; rename it");
         return false;
@@ -43,9 +43,10 @@ bool FindInstallation(Job& job) {
     job.kv = OwnExecutable();
     const fs::path binFolder = PathOf(job.kv).parent_path();
     job.installation = TextOf(binFolder.parent_path());
-    job.kvt = TextOf(binFolder / (std::string("kvt") + executableSuffix));
-    if (!job.kv.empty() && IsExecutable(job.kvt)) return true;
-    ShowProblem("kvt is missing: it belongs beside kv, at " + job.kvt);
+    std::error_code failed;
+    const fs::path config = PathOf(job.installation) / "config";
+    if (!job.kv.empty() && fs::is_directory(config, failed)) return true;
+    ShowProblem("the installation is not whole: there is no " + TextOf(config));
     return false;
 }
 

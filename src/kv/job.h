@@ -6,21 +6,22 @@
 
 #include "kv/build_folder.h"
 #include "kv/command_line.h"
+#include "library/korvel.h"
 
 struct Job {
     Options options;
     std::string typedFolder;  // where kv was called
     std::string source;       // full path of the main source
     std::string sourceFolder;
-    std::string installation;  // the folder that holds bin/, config/, userlibs/ and include/
-    std::string kv;            // full paths of the two commands
-    std::string kvt;
+    std::string installation;           // the folder that holds bin/, config/, userlibs/ and include/
+    std::string kv;                     // full path of the command itself
     std::vector<std::string> compiler;  // first words of its command; empty for kv check
     BuildFolder build;
     std::string mainCpp;  // the generated main file
     std::string prelude;  // the precompiled header that served the compilation; empty: none
 
-    // Set by the translation:
+    // Set by the translation, or by the last one when nothing has changed since:
+    korvel::Result translation;
     std::vector<std::string> linkerFlags;
     bool hadWarnings = false;
 };

@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "driver/utf8.h"
 #include "kv/command_line.h"
@@ -13,6 +14,7 @@
 #include "kv/make.h"
 #include "kv/platform.h"
 #include "kv/translate.h"
+#include "kv/translator.h"
 
 namespace {
 
@@ -65,9 +67,11 @@ int Perform(const Options& options) {
 
 int Main(int argc, char** argv) {
     const Utf8Console console;
+    const std::vector<std::string> words = CommandLineWords(argc, argv);
+    if (IsTranslatorCommand(words)) return TranslateAsCommanded(words);
     Options options;
     std::string problem;
-    if (!ParseCommandLine(CommandLineWords(argc, argv), options, problem)) {
+    if (!ParseCommandLine(words, options, problem)) {
         ShowProblem(problem);
         std::fputs("kv --help tells how kv is used.\n", stderr);
         return wrongUsage;

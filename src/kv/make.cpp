@@ -11,6 +11,7 @@
 #include "kv/platform.h"
 #include "kv/stamp.h"
 #include "kv/translate.h"
+#include "kv/translator.h"
 
 namespace fs = std::filesystem;
 
@@ -21,14 +22,14 @@ namespace {
 void Remember(const Job& job, const std::string& commands) {
     StampFiles files;
     FilesRead read;
-    files.sources = FilesReadByKvt(job);
+    files.sources = FilesTranslated(job);
     const std::vector<std::string> libraries = FilesReadByLinker(job);
-    if (job.hadWarnings || files.sources.empty() || (!job.linkerFlags.empty() && libraries.empty())) return;
+    if (job.hadWarnings || (!job.linkerFlags.empty() && libraries.empty())) return;
     if (!FilesReadByCompiler(job, read)) return;
     for (const std::vector<std::string>& more : {read.headers, libraries, ToolFiles(job)}) {
         files.sources.insert(files.sources.end(), more.begin(), more.end());
     }
-    files.products = {job.build.program, job.mainCpp};
+    files.products = {job.build.program, job.mainCpp, job.build.translation};
     for (const std::string& library : SharedLibraries(job)) {
         files.products.push_back(TextOf(PathOf(job.build.program).parent_path() / PathOf(library)));
     }
@@ -36,8 +37,8 @@ void Remember(const Job& job, const std::string& commands) {
 }
 
 bool MakeInFolder(Job& job) {
-    const std::string commands = ReadableCommandLine(TranslateCommand(job)) + " && " + CompilationOf(job);
-    if (StampHolds(job.build.stamp, commands)) {
+    const std::string commands = ReadableCommandLine(TranslatorCommand(job)) + " && " + CompilationOf(job);
+    if (StampHolds(job.build.stamp, commands) && LoadTranslation(job)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");
         return true;
     }

@@ -77,20 +77,6 @@ void WriteStamp(const std::string& stampFile, const std::string& started, const 
     WriteOver(PathOf(stampFile), std::string(stampVersion) + "\n" + commands + "\n" + marks + "end\n");
 }
 
-std::vector<std::string> SourcesOf(const std::string& dependencyRecord) {
-    std::vector<std::string> sources;
-    std::ifstream stream(PathOf(dependencyRecord), std::ios::binary);
-    std::string line;
-    if (!std::getline(stream, line) || line.compare(0, 5, "MAIN:") != 0) return sources;
-    sources.push_back(line.substr(5));
-    if (!std::getline(stream, line) || line.compare(0, 9, "INCLUDES:") != 0) return {};
-    for (long count = std::strtol(line.c_str() + 9, nullptr, 10); count > 0; --count) {
-        if (!std::getline(stream, line)) return {};
-        sources.push_back(line);
-    }
-    return sources;
-}
-
 std::vector<std::string> FilesInMakeRule(const std::string& rule) {
     std::vector<std::string> files;
     std::string file;

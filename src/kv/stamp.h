@@ -23,8 +23,7 @@ bool StampHolds(const std::string& stampFile, const std::string& commands);
 void WriteStamp(const std::string& stampFile, const std::string& started, const std::string& commands,
                 const StampFiles& files);
 
-// The files named by the dependency record of kvt (main source first), by the one of the C++ compiler, and by the one
-// of the linker, which leaves blanks in paths as they are. A record that is cut off names none.
-std::vector<std::string> SourcesOf(const std::string& dependencyRecord);
+// The files named by the dependency record of the C++ compiler, and by the one of the linker, which leaves blanks in
+// paths as they are. A record that is cut off names none.
 std::vector<std::string> FilesInMakeRule(const std::string& rule);
 std::vector<std::string> FilesOfLinker(const std::string& record);

@@ -2,134 +2,96 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <sstream>
 
-#include "driver/paths.h"
 #include "driver/utf8.h"
-#include "kv/clash_place.h"
 #include "kv/command_quoting.h"
 #include "kv/diagnostics.h"
-#include "kv/kvt_report.h"
 #include "kv/platform.h"
 #include "kv/progress.h"
-#include "kv/write_file.h"
+#include "kv/translation.h"
+#include "kv/translator.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-bool EndsWith(const std::string& text, const std::string& end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
+const std::size_t mistakesShown = 20;
 
-// kvt lists the program that a user might build beside the source, and the file of flags there, among the files of a
-// build, and would delete them before its next translation. What lies beside the source is none of kvt's business here:
-// it is taken off the list.
-void ForgetFilesOfUser(const Job& job) {
-    const fs::path manifest =
-        PathOf(job.build.cppFolder) / PathOf("." + StripFolder(job.source) + ".manifest");
-    std::istringstream lines(ReadWhole(TextOf(manifest)));
-    const std::string program = StripExtension(job.source);
-    std::string kept;
-    bool changed = false;
-    for (std::string line; std::getline(lines, line);) {
-        const bool generated = EndsWith(line, ".cpp") || EndsWith(line, ".h");
-        if (generated && line != program) {
-            kept += line + "\n";
-        } else {
-            changed = true;
-        }
-    }
-    if (changed) WriteOver(manifest, kept);
-}
-
-// kvt leaves the flags beside the source, too, where others may change them.
-std::string JoinedFlags(const KvtReport& report) {
-    std::string text;
-    for (const std::string& flag : report.linkerFlags) text += flag + " ";
-    return text;
-}
-
-void ShowErrors(const Job& job, KvtReport& report, int status) {
-    if (report.errors.empty()) {
-        ShowProblem("kvt ended without a result (status " + std::to_string(status) +
-                    "). This is a fault of kvt, not of " + ShortPath(job.source, job.typedFolder) +
-                    ".\nWhat it said: " + job.build.kvtOutput + "\n" + job.build.kvtErrors);
-    }
-    for (Diagnostic& diagnostic : report.errors) {
-        if (diagnostic.file.empty()) FindClash(job.source, diagnostic);
-        diagnostic.file =
-            ShortPath(TextOf(PathOf(job.installation) / PathOf(diagnostic.file)), job.typedFolder);
-        Show(diagnostic);
-    }
-}
-
-void ShowWarnings(Job& job, const KvtReport& report) {
-    job.hadWarnings = !report.warnings.empty();
-    for (Diagnostic warning : report.warnings) {
-        if (warning.file.empty()) warning.file = job.source;
-        warning.file = ShortPath(TextOf(PathOf(job.installation) / PathOf(warning.file)), job.typedFolder);
-        Show(warning);
-    }
-}
-
-}  // namespace
-
-std::string DependencyRecord(const Job& job) {
-    return TextOf(PathOf(job.build.cppFolder) / PathOf("." + ProgramName(job.source) + ".kvl.deps"));
-}
-
-std::vector<std::string> TranslateCommand(const Job& job) {
-    const char* const manner = job.options.command == Command::check ? "-check" : "-quick";
-    std::vector<std::string> command = {job.kvt, "-s",   job.source, "-o", job.build.cppFolder,
-                                        manner,  "-warn"};
-    if (job.options.debug) command.push_back("-d");
-    if (job.options.safe) command.push_back("-safe");
-    if (IsFast(job.options)) command.push_back("-fast");
-    return command;
-}
-
-bool Translate(Job& job) {
-    std::error_code failed;
-    // Without its record kvt always translates; what need not be translated kv knows better itself.
-    fs::remove(PathOf(DependencyRecord(job)), failed);
-    ForgetFilesOfUser(job);
-    const bool hadLinkerFile = fs::exists(PathOf(StripExtension(job.source) + ".linkflags"), failed);
-
+// Calls the translator. Returns its exit status, or -1 after telling the user that it cannot be called.
+int RunTranslator(const Job& job) {
     ProcessRequest request;
-    request.arguments = TranslateCommand(job);
-    request.outputFile = job.build.kvtOutput;
-    request.errorFile = job.build.kvtErrors;
+    request.arguments = TranslatorCommand(job);
+    request.outputFile = job.build.translatorOutput;
+    request.errorFile = job.build.translatorErrors;
     if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
     Progress progress("Translating " + TextOf(PathOf(job.source).filename()));
     request.whileWaiting = progress.Ticks();
     const int status = RunProcess(request, problem);
     progress.End();
-    if (IsDisturbed(job.build)) return false;
-    if (!problem.empty()) {
-        ShowProblem("cannot run " + job.kvt + ": " + problem);
+    if (problem.empty()) return status;
+    ShowProblem("cannot run " + job.kv + ": " + problem);
+    return -1;
+}
+
+void ShowCrash(const Job& job, int status) {
+    ShowProblem("the translation ended without a result (status " + std::to_string(status) +
+                "). This is a fault of the Korvel compiler, not of " +
+                ShortPath(job.source, job.typedFolder) + ".\nWhat it said: " + job.build.translatorErrors);
+}
+
+void ShowDiagnostics(const Job& job) {
+    std::size_t shown = 0, more = 0;
+    for (const korvel::Diagnostic& said : job.translation.diagnostics) {
+        if (said.isWarning != job.hadWarnings) continue;
+        if (shown == mistakesShown) {
+            ++more;
+            continue;
+        }
+        ++shown;
+        Diagnostic diagnostic;
+        diagnostic.severity = said.isWarning ? Severity::warning : Severity::error;
+        if (!said.file.empty()) diagnostic.file = ShortPath(said.file, job.typedFolder);
+        diagnostic.line = said.line;
+        diagnostic.message = said.hint.empty() ? said.message : said.message + "\n" + said.hint;
+        Show(diagnostic);
+    }
+    if (more > 0) ShowNote("and " + std::to_string(more) + " more");
+}
+
+}  // namespace
+
+bool LoadTranslation(Job& job) {
+    job.translation = {};
+    if (!UnpackTranslation(ReadWhole(job.build.translation), job.translation)) return false;
+    std::string flags;
+    for (const std::string& flag : job.translation.linkerFlags) flags += flag + " ";
+    job.linkerFlags = SplitFlags(flags);
+    const bool isSound = korvel::IsSound(job.translation);
+    job.hadWarnings = isSound && !job.translation.diagnostics.empty();
+    return true;
+}
+
+bool Translate(Job& job) {
+    std::error_code ignored;
+    fs::remove(PathOf(job.build.translation), ignored);
+    const int status = RunTranslator(job);
+    if (IsDisturbed(job.build) || status == -1) return false;
+    const bool hasResult = status == 0 && LoadTranslation(job);
+    if (!hasResult || !korvel::IsSound(job.translation)) {
+        if (GiveUpPlace(job.build)) return false;
+        if (hasResult)
+            ShowDiagnostics(job);
+        else
+            ShowCrash(job, status);
         return false;
     }
-    const std::string output = ReadWhole(request.outputFile);
-    const std::string errors = ReadWhole(request.errorFile);
-    if (job.options.verbose) std::fprintf(stderr, "%s%s", output.c_str(), errors.c_str());
-    KvtReport report = ParseKvtReport(output, errors);
-    job.linkerFlags = SplitFlags(JoinedFlags(report));
-    // Nothing is left beside the source.
-    if (!hadLinkerFile && !report.linkerFile.empty())
-        fs::remove(PathOf(job.installation) / PathOf(report.linkerFile), failed);
-    if (status != 0) {
-        if (!GiveUpPlace(job.build)) ShowErrors(job, report, status);
-        return false;
-    }
-    ForgetFilesOfUser(job);
-    if (job.options.command != Command::check && !fs::exists(PathOf(job.mainCpp), failed)) {
+    if (job.options.command != Command::check && job.translation.mainFile.empty()) {
         ShowProblem(
             ShortPath(job.source, job.typedFolder) +
             " makes no program: files in a folder whose name ends in .kvh only lend their declarations");
         return false;
     }
-    ShowWarnings(job, report);
+    ShowDiagnostics(job);
     return true;
 }

@@ -1,16 +1,11 @@
-// From Korvel to C++: calls kvt and shows what it has to say.
+// From Korvel to C++: calls the compiler and shows what it has to say.
 #pragma once
-
-#include <string>
-#include <vector>
 
 #include "kv/job.h"
 
-// The command that translates the job's source.
-std::vector<std::string> TranslateCommand(const Job& job);
-
-// The dependency record that kvt leaves for this program.
-std::string DependencyRecord(const Job& job);
-
-// Translates. Sets the job's linker flags and warnings. Returns false after showing the mistakes in the source.
+// Translates, and sets the job's translation. Returns false after showing the mistakes in the source, unless the build
+// was disturbed.
 bool Translate(Job& job);
+
+// Sets the job's translation to what the last one has left. False when there is none.
+bool LoadTranslation(Job& job);

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <new>
 
+#include "build/build_manifest.h"
+#include "build/dependency_manifest.h"
+#include "build/output_files.h"
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/run.h"
 #include "driver/settings.h"
 #include "lexer/source_reader.h"
 #include "library/phases.h"
+#include "linking/deploy.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/program.h"
@@ -30,35 +34,72 @@ void Begin(const Request& request) {
     settings.debugMode = request.debug;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
-    settings.checkOnly = settings.warnings = settings.allMistakes = true;
+    settings.warnings = settings.allMistakes = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
+// What is done with a program before and behind its translation, the latter only when nothing is wrong with it. Even
+// that may find something wrong.
+struct Task {
+    bool writes;
+    void (*before)();
+    void (*after)(Result& result);
+};
+
+void Nothing() {}
+
+void DescribeProgram(Result& result) {
+    if (!program.main->headerOnly) result.mainFile = CppPath(*program.main);
+    result.linkerFlags = symbols.linkerFlags;
+    for (const UserlibDll& dll : symbols.userlibDLLs) result.libraries.push_back(dll.name);
+    CopyUserlibDLLs(settings.outputPath);  // where nothing is written, it only says what is missing
+}
+
 void TakeOutputs(Result& result) {
+    DescribeProgram(result);
     for (const FileOutput& out : program.files) {
         result.files.push_back({HeaderPath(out), HeaderText(out, symbols.includeHeaders)});
         if (!out.headerOnly) result.files.push_back({CppPath(out), CppText(out)});
     }
-    result.linkerFlags = symbols.linkerFlags;
-    for (const UserlibDll& dll : symbols.userlibDLLs) result.libraries.push_back(dll.name);
 }
 
-// What `ending` does with a sound program may still find something wrong with it.
-Result Run(const Request& request, void (*ending)(Result&)) {
+void PrepareFolder() {
+    DistrustDependencyManifest();
+    CleanPreviousBuild(settings.outputPath, Cleaned::Outputs);
+}
+
+void WriteOutputs(Result& result) {
+    WriteProgram();
+    DescribeProgram(result);
+    WriteBuildManifest(settings.outputPath);
+    SettleOutputs();
+    TrustDependencyManifest();
+}
+
+const Task checking = {false, Nothing, DescribeProgram};
+const Task translating = {false, Nothing, TakeOutputs};
+const Task building = {true, PrepareFolder, WriteOutputs};
+
+Result Run(const Request& request, const Task& task) {
     Result result;
     Begin(request);
+    settings.checkOnly = !task.writes;
     const Silence silence(result.diagnostics);
     try {
+        task.before();
         RunPhases();
         if (KeptMistakes().empty()) CheckMainFunction();
-        if (KeptMistakes().empty()) ending(result);
+        if (KeptMistakes().empty()) task.after(result);
     } catch (const Stop& stop) {
         KeepMistake(stop, {});
     } catch (const std::bad_alloc&) {
         result.diagnostics.emplace_back().message = "Not enough memory";
     }
     for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
+    SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
+    for (const std::string& name : symbols.importedNames)
+        result.declarations.push_back(InstallationPath("userlibs/" + name));
     if (!IsSound(result)) result.files.clear();
     return result;
 }
@@ -70,11 +111,9 @@ bool IsSound(const Result& result) {
                        [](const Diagnostic& diagnostic) { return diagnostic.isWarning; });
 }
 
-Result Check(const Request& request) {
-    return Run(request, [](Result&) {});
-}
-
-Result Translate(const Request& request) { return Run(request, TakeOutputs); }
+Result Check(const Request& request) { return Run(request, checking); }
+Result Translate(const Request& request) { return Run(request, translating); }
+Result Build(const Request& request) { return Run(request, building); }
 
 void Reset() { RenewRun(); }
 

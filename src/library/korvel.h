@@ -1,7 +1,7 @@
 // The compiler as a library: everything that another program needs of it.
 //
 // One program is looked at at a time, and from one thread: a process has one set of tables. Every call begins with
-// fresh ones, so what is asked before has no influence. Nothing is printed, and no file is written.
+// fresh ones, so what is asked before has no influence. Nothing is printed, and only Build writes files.
 #pragma once
 
 #include <string>
@@ -44,19 +44,24 @@ struct GeneratedFile {
 
 struct Result {
     std::vector<Diagnostic> diagnostics;
-    std::vector<std::string> sources;  // the files of the program, the main one first
+    std::vector<std::string> sources;       // the files of the program, the main one first
+    std::vector<std::string> declarations;  // the declaration files of libraries that it imports
 
-    // Of a program with nothing wrong in it that was translated.
-    std::vector<GeneratedFile> files;
-    std::vector<std::string> linkerFlags;
-    std::vector<std::string> libraries;  // names of the shared libraries it loads
+    // Of a program with nothing wrong in it.
+    std::string mainFile;                  // path of its main .cpp; empty when headers are all that comes out
+    std::vector<std::string> linkerFlags;  // as written
+    std::vector<std::string> libraries;    // names of the shared libraries it loads
+    std::vector<GeneratedFile> files;      // only Translate tells them
 };
 
 // Whether nothing but warnings has been found.
 bool IsSound(const Result& result);
 
+// Looks for mistakes; translates, too; leaves what comes out in the output folder as well, in place of what an earlier
+// build of the program has left there, with the shared libraries that it loads.
 Result Check(const Request& request);
 Result Translate(const Request& request);
+Result Build(const Request& request);
 
 // Gives back what the last call still holds.
 void Reset();

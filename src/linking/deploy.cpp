@@ -15,11 +15,8 @@ namespace {
 void CopyDll(const std::string& name, const std::string& outputPath) {
     std::string content;
     const std::string path = InstallationPath("userlibs/" + name);
-    if (IsNoFile(path)) return Say("  Warning: userlibs/" + name + " is no file");
-    if (!ReadFile(path, content)) {
-        Say("  Warning: DLL not found in userlibs/: " + name);
-        return;
-    }
+    if (IsNoFile(path)) return WarnOfProgram("userlibs/" + name + " is no file", "  ");
+    if (!ReadFile(path, content)) return WarnOfProgram("DLL not found in userlibs/: " + name, "  ");
     if (settings.checkOnly) return;
     const std::string target = outputPath + "/" + name;
     std::error_code failed;  // which the next step meets, too

@@ -6,29 +6,28 @@
 
 namespace {
 
-[[noreturn]] void FailUnclosed(const std::string& block, const std::vector<std::string>& findings) {
-    std::string lines = "\nERROR: Unclosed " + block + "!\n";
-    for (const std::string& finding : findings) lines += finding + "\n";
-    ReportFatal("Transpilation failed: Unclosed " + block, lines);
+[[noreturn]] void FailUnclosed(const std::string& block, const std::vector<UnclosedBlock>& findings) {
+    ReportOpenBlocks("\nERROR: Unclosed " + block + "!\n", findings,
+                     "Transpilation failed: Unclosed " + block);
 }
 
-std::string Starting(const std::string& what, int line, const std::string& missing) {
-    return what + " starting at line " + std::to_string(line) + " is missing " + missing;
+UnclosedBlock Starting(const std::string& what, int line, const std::string& missing) {
+    return {line, what + " starting at line " + std::to_string(line) + " is missing " + missing};
 }
 
-std::string OpenFunction(const State& state) {
+UnclosedBlock OpenFunction(const State& state) {
     return Starting("Function '" + state.routine.name + "'", state.routine.line, "'EndFunction'");
 }
 
-std::string OpenMethod(const std::string& name, int line) {
+UnclosedBlock OpenMethod(const std::string& name, int line) {
     return Starting("Method '" + name + "'", line, "'EndMethod'");
 }
 
-std::string OpenType(const std::string& name, int line) {
+UnclosedBlock OpenType(const std::string& name, int line) {
     return Starting("Type '" + name + "'", line, "'EndType'");
 }
 
-std::string OpenExtern(const State& state) {
+UnclosedBlock OpenExtern(const State& state) {
     return Starting("Extern block", state.externLine, "'EndExtern'");
 }
 
@@ -41,7 +40,7 @@ std::vector<const Opener*> Unclosed(const State& state, BlockKind kind) {
 }
 
 void CheckLoops(const State& state) {
-    std::vector<std::string> findings;
+    std::vector<UnclosedBlock> findings;
     for (const Opener* loop : Unclosed(state, BlockKind::Repeat))
         findings.push_back(Starting("Repeat loop", loop->line, "'Until' or 'Forever'"));
     if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
@@ -75,9 +74,9 @@ void FailUnclosedMethod(const std::string& name, int line) {
     FailUnclosed("Method block", {OpenMethod(name, line)});
 }
 
-std::string UnclosedExtern(const State& state) {
+std::vector<UnclosedBlock> UnclosedExtern(const State& state) {
     if (!state.inExtern || state.externLine != state.unclosedExtern) return {};
-    return OpenExtern(state) + "\n";
+    return {OpenExtern(state)};
 }
 
 void CheckBlocksClosed(const State& state) {

@@ -1,6 +1,9 @@
 // Blocks that are still open when a file ends.
 #pragma once
 
+#include <vector>
+
+#include "driver/report.h"
 #include "statements/state.h"
 
 // Says which block is open and where it starts, and ends the run; returns when all are closed.
@@ -12,6 +15,6 @@ void CheckPartClosed(const State& state);
 [[noreturn]] void FailUnclosedType(const std::string& name, int line);
 [[noreturn]] void FailUnclosedMethod(const std::string& name, int line);
 
-// "Extern block starting at line 3 is missing 'EndExtern'" and a line end when an Extern is open that is never
-// closed; else empty. What stands in such a block may be meant to follow it.
-std::string UnclosedExtern(const State& state);
+// "Extern block starting at line 3 is missing 'EndExtern'" when an Extern is open that is never closed; else empty.
+// What stands in such a block may be meant to follow it.
+std::vector<UnclosedBlock> UnclosedExtern(const State& state);

@@ -45,7 +45,7 @@ bool Declares(Keyword keyword) {
 
 bool IsNameOfProgram(const Word& word) {
     const bool isName = word.sign == '\0' && word.text[0] != '"' && IsName(word.text);
-    return isName && (word.keyword == Keyword::None || !IsDeclared(word.text));
+    return isName && (word.keyword == Keyword::None || IsDeclared(word.text));
 }
 
 // Names that nobody declares, and those that a wrong declaration would have declared.
@@ -72,7 +72,8 @@ auto PlaceOf(const korvel::Diagnostic& mistake) {
 
 void KeepMistake(const Stop& stop, TokenSpan statement) {
     if (!settings.allMistakes) throw Stop(stop);
-    if (kept.empty() || !MentionsDoubtful(statement)) kept.push_back(stop.mistake);
+    if (kept.empty() || !MentionsDoubtful(statement))
+        kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
     DoubtNamesOf(statement);
 }
 

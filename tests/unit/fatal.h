@@ -30,7 +30,7 @@ std::string FatalMessage(Routine routine) {
         return "no error";
     } catch (const Stop& stop) {
         std::fputs(stop.quoted.c_str(), stdout);
-        return stop.mistake.message;
+        return stop.mistakes.back().message;
     }
 }
 

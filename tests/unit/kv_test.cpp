@@ -1,4 +1,4 @@
-// The parts of kv that need no processes: its command line, what kvt and the C++ compiler say, flags, stamps.
+// The parts of kv that need no processes: its command line, what the compilers say, flags, stamps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,15 +7,14 @@
 #include <fstream>
 #include <thread>
 
-#include "kv/clash_place.h"
 #include "kv/command_line.h"
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
-#include "kv/kvt_report.h"
 #include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
+#include "kv/translation.h"
 
 namespace {
 
@@ -102,67 +101,18 @@ TEST(KvCommandLine, Refused) {
     }
 }
 
-std::string Described(const KvtReport& report) {
-    std::string text;
-    for (const Diagnostic& error : report.errors) {
-        text += error.file + ":" + std::to_string(error.line) + ": " + error.message + "\n";
-    }
-    return text;
-}
-
-TEST(KvtReports, Errors) {
-    const struct {
-        const char* output;
-        const char* errors;
-        const char* wanted;
-    } rows[] = {
-        {"Korvel Compiler\nError: Unknown type: Float\nFile: /a b/x.kvl\nLine: 12\n\n", "",
-         "/a b/x.kvl:12: Unknown type: Float\n"},
-        {"Error: first\r\nsecond line\r\nFile: x.kvl\r\nLine: 3\r\n\r\n", "",
-         "x.kvl:3: first\nsecond line\n"},
-        {"Error: Error: No 'Main' function found.\nFile: x.kvl\nLine: 9\n\n", "",
-         "x.kvl:9: No 'Main' function found.\n"},
-        {"\nERROR: Unclosed Function block!\nFunction 'F' starting at line 3 is missing 'EndFunction'\n"
-         "Error: Transpilation failed: Unclosed Function block\nFile: x.kvl\nLine: 20\n\n",
-         "", "x.kvl:3: Function 'F' starting at line 3 is missing 'EndFunction'\n"},
-        {"Function 'F' starting at line 3 is missing 'EndFunction'\n"
-         "Error: Unexpected 'function' token\nFile: x.kvl\nLine: 6\n\n",
-         "",
-         "x.kvl:3: Function 'F' starting at line 3 is missing 'EndFunction'\nx.kvl:6: Unexpected 'function' "
-         "token\n"},
-        {"\nERROR: Unclosed If block(s)!\nIf block starting at line 4 is missing 'EndIf'\n"
-         "If block starting at line 7 is missing 'EndIf'\nError: Transpilation failed: Unclosed If block(s)\n"
-         "File: x.kvl\nLine: 20\n\n",
-         "",
-         "x.kvl:4: If block starting at line 4 is missing 'EndIf'\nx.kvl:7: If block starting at line 7 is "
-         "missing 'EndIf'\n"},
-        {"Main source: x\n",
-         "Error in /a (line 2)/x.kvl (line 5): Unclosed string literal\nLine: Print \"x\n",
-         "/a (line 2)/x.kvl:5: Unclosed string literal\n"},
-        {"",
-         "ERROR: Field 'x' in Type T conflicts\n  First come first served - the Global was declared first.\n",
-         ":0: Field 'x' in Type T conflicts\nFirst come first served - the Global was declared first.\n"},
-        {"File: x.kvl\nLine: 3\n", "", ""},
-        {"Error: cut off\nFile: x.kvl\n", "", ""},
-        {"", "", ""},
-    };
-    for (const auto& row : rows) EXPECT_EQ(Described(ParseKvtReport(row.output, row.errors)), row.wanted);
-}
-
-TEST(KvtReports, Notes) {
-    const KvtReport report = ParseKvtReport(
-        "  - Adding linker flag: -lm\n  - Adding linker flag: -L\"/my dir\"\n  - Adding linker flag: -lm\n"
-        "Linker flags written to /x/game.linkflags\n  Warning: DLL not found in userlibs/: a.so\n"
-        "Warning: Could not create /x/game.linkflags\nWarning in /x y/a.kvl (line 7): odd (line 8): "
-        "yes\nDone! "
-        "\\o/\n",
-        "");
-    EXPECT_EQ(report.linkerFlags, (Words{"-lm", "-L\"/my dir\"", "-lm"}));
-    EXPECT_EQ(report.linkerFile, "/x/game.linkflags");
-    ASSERT_EQ(report.warnings.size(), 2U);
-    EXPECT_EQ(report.warnings[0].message, "DLL not found in userlibs/: a.so");
-    EXPECT_EQ(Format(report.warnings[1], false), "/x y/a.kvl:7: warning: odd (line 8): yes\n");
-    EXPECT_TRUE(report.errors.empty());
+TEST(Translations, ArriveAsTheyWere) {
+    korvel::Result result;
+    result.sources = {"/my games/a.kvl", "b\nc"};
+    result.linkerFlags = {"-L\"/x y\"", ""};
+    result.diagnostics = {{"a.kvl", 3, 5, 7, "first\n  second", "hint"}, {"", 0, 0, 0, "odd", "", true}};
+    const std::string packed = PackTranslation(result);
+    korvel::Result same;
+    ASSERT_TRUE(UnpackTranslation(packed, same));
+    EXPECT_EQ(PackTranslation(same), packed);
+    EXPECT_EQ(same.diagnostics[0].lastColumn, 7);
+    for (const std::size_t size : {std::size_t{0}, std::size_t{30}, packed.size() / 2, packed.size() - 1})
+        EXPECT_FALSE(UnpackTranslation(packed.substr(0, size), same)) << size;
 }
 
 TEST(Flags, Split) {
@@ -184,7 +134,7 @@ TEST(Diagnostics, Formatted) {
     Diagnostic diagnostic;
     diagnostic.file = scratch.File("x.kvl", "one\n\ttwo\x1b[0m\r\n");
     diagnostic.line = 2;
-    diagnostic.message = "bad\nhint";
+    diagnostic.message = "bad\n  hint";
     EXPECT_EQ(Format(diagnostic, false), diagnostic.file + ":2: error: bad\n    hint\n    2 |  two [0m\n");
     EXPECT_EQ(Format(diagnostic, true), "\033[1m" + diagnostic.file +
                                             ":2: \033[0m\033[1;31merror: \033[0m\033[1mbad\n    hint\033[0m\n"
@@ -195,22 +145,6 @@ TEST(Diagnostics, Formatted) {
     EXPECT_EQ(ShortPath("/a/b/c.kvl", "/a"), "b/c.kvl");
     EXPECT_EQ(ShortPath("/a/b/../c.kvl", "/a"), "c.kvl");
     EXPECT_EQ(ShortPath("/x/c.kvl", "/a"), "/x/c.kvl");
-}
-
-TEST(Clashes, AreFoundInIncludedFiles) {
-    const Scratch scratch;
-    const std::string main = scratch.File("m.kvl", "Include \"i.kvl\"\nInclude \"m.kvl\"\nConst hp = 1\n");
-    const std::string included = scratch.File("i.kvl", "Type T\n\tfield mhp:Int, hp:Int\nEndType\n");
-    Diagnostic diagnostic;
-    diagnostic.message = "Field 'hp' in Type T conflicts with already-declared Const 'hp'";
-    FindClash(main, diagnostic);
-    EXPECT_EQ(diagnostic.file, included);
-    EXPECT_EQ(diagnostic.line, 2);
-    diagnostic = Diagnostic();
-    diagnostic.message = "Global variable 'nowhere' conflicts";
-    FindClash(main, diagnostic);
-    EXPECT_EQ(diagnostic.file, main);
-    EXPECT_EQ(diagnostic.line, 0);
 }
 
 TEST(CompilerReports, OnlyWhatTheUserCanMend) {
@@ -286,11 +220,6 @@ TEST(Stamps, HoldUntilSomethingChanges) {
 }
 
 TEST(Stamps, Lists) {
-    const Scratch scratch;
-    EXPECT_EQ(SourcesOf(scratch.File("d", "MAIN:/x/a.kvl\nINCLUDES:2\n/x/b c.kvl\n/x/d.kvl\nKVL_TIMES:0\n")),
-              (Words{"/x/a.kvl", "/x/b c.kvl", "/x/d.kvl"}));
-    EXPECT_TRUE(SourcesOf(scratch.File("d", "MAIN:/x/a.kvl\nINCLUDES:2\n/x/b.kvl\n")).empty());
-    EXPECT_TRUE(SourcesOf(scratch.Folder() + "/none").empty());
     EXPECT_EQ(FilesInMakeRule("a.o: /x/a.cpp /my\\ dir/b.h \\\n  c$$d.h e\\#f.h\n"),
               (Words{"/x/a.cpp", "/my dir/b.h", "c$d.h", "e#f.h"}));
     EXPECT_EQ(FilesInMakeRule("a.o: a.cpp \\\r\n b.h\r\n\r\nb.h:\r\n"), (Words{"a.cpp", "b.h"}));

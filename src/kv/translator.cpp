@@ -1,0 +1,54 @@
+#include "kv/translator.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "driver/utf8.h"
+#include "kv/platform.h"
+#include "kv/translation.h"
+#include "kv/write_file.h"
+
+namespace {
+
+const char commandWord[] = "--translate";
+const char checkWord[] = "--check";
+
+// Behind the command: the source, the folder for the C++, the file for what was found out, the installation, flags.
+enum Words : std::size_t { commandAt, sourceAt, outputAt, replyAt, installationAt, flagsAt };
+
+struct FlagRow {
+    const char* word;
+    bool korvel::Request::*flag;
+};
+const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug},
+                            {"--safe", &korvel::Request::safe},
+                            {"--fast", &korvel::Request::fast}};
+
+}  // namespace
+
+std::vector<std::string> TranslatorCommand(const Job& job) {
+    std::vector<std::string> command = {
+        job.kv, commandWord, job.source, job.build.cppFolder, job.build.translation, job.installation};
+    if (job.options.command == Command::check) command.emplace_back(checkWord);
+    if (job.options.debug) command.emplace_back("--debug");
+    if (job.options.safe) command.emplace_back("--safe");
+    if (IsFast(job.options)) command.emplace_back("--fast");
+    return command;
+}
+
+bool IsTranslatorCommand(const std::vector<std::string>& arguments) {
+    return arguments.size() >= flagsAt && arguments[commandAt] == commandWord;
+}
+
+int TranslateAsCommanded(const std::vector<std::string>& arguments) {
+    const auto has = [&arguments](const char* word) {
+        return std::find(arguments.begin() + flagsAt, arguments.end(), word) != arguments.end();
+    };
+    korvel::Request request;
+    request.source = arguments[sourceAt];
+    request.output = arguments[outputAt];
+    request.installation = arguments[installationAt];
+    for (const FlagRow& row : flagRows) request.*row.flag = has(row.word);
+    const korvel::Result result = has(checkWord) ? korvel::Check(request) : korvel::Build(request);
+    return WriteOver(PathOf(arguments[replyAt]), PackTranslation(result)) ? 0 : 1;
+}
