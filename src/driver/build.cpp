@@ -1,5 +1,7 @@
 #include "driver/build.h"
 
+#include <optional>
+
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
@@ -94,21 +96,24 @@ void Check() {
     CopyUserlibDLLs(settings.outputPath);  // which says what is missing
 }
 
-void RunSteps() {
+void RunSteps(std::optional<FolderLock>& alone) {
     MoveToInstallationRoot();
     CheckRequiredArguments();
-    if (settings.checkOnly)
+    if (settings.checkOnly) {
         Check();
-    else
+    } else {
+        alone.emplace(settings.outputPath);
         BuildUnlessUnchanged();
+    }
     Say("Done! \\o/\n");
 }
 
 }  // namespace
 
 int BuildProgram() {
+    std::optional<FolderLock> alone;  // held until the last output of a run with a mistake is settled, too
     try {
-        RunSteps();
+        RunSteps(alone);
         return 0;
     } catch (const Stop& stop) {
         SayQuoted(stop);

@@ -24,5 +24,18 @@ bool MayChangeFolder(const std::string& folder);
 // fails; a file that could not be written whole is not left behind then.
 bool WriteContents(const std::string& path, const std::string& text);
 
+// Keeps other runs out of a folder while it lives. One that takes longer than some seconds is not waited for, nor is
+// anybody where the system cannot lock a folder.
+class FolderLock {
+public:
+    explicit FolderLock(const std::string& folder);
+    ~FolderLock();
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+private:
+    int handle = -1;
+};
+
 // When a file was written last, in nanoseconds where these are known; 0 for one that cannot be examined.
 std::int64_t FineFileTime(const std::string& path);

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,6 +40,21 @@ bool IsLikeNew(const std::string& path) {
 }
 
 bool MayChangeFolder(const std::string& folder) { return access(folder.c_str(), W_OK | X_OK) == 0; }
+
+// The folder itself is locked, so that no file has to lie in it.
+FolderLock::FolderLock(const std::string& folder) {
+    constexpr int tries = 2000;
+    constexpr useconds_t pause = 5000;
+    handle = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int i = 0; handle >= 0 && i < tries && flock(handle, LOCK_EX | LOCK_NB) != 0; ++i) {
+        if (errno != EWOULDBLOCK && errno != EINTR) return;
+        usleep(pause);
+    }
+}
+
+FolderLock::~FolderLock() {
+    if (handle >= 0) close(handle);
+}
 
 std::int64_t FineFileTime(const std::string& path) {
     struct stat status;

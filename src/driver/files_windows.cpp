@@ -30,4 +30,8 @@ bool WriteContents(const std::string& path, const std::string& text) {
     return false;
 }
 
+FolderLock::FolderLock(const std::string&) {}
+
+FolderLock::~FolderLock() = default;
+
 std::int64_t FineFileTime(const std::string&) { return 0; }
