@@ -166,6 +166,7 @@ bool MakeObject(Job& job, CompileJob& compile) {
     files.sources.insert(files.sources.end(), read.headers.begin(), read.headers.end());
     files.generated = read.generated;
     files.products = {job.build.object};
+    files.rivals = read.rivals;
     WriteStamp(job.build.objectStamp, job.build.started, command, files);
     return true;
 }

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
+#include <sstream>
 
 #include "driver/utf8.h"
+#include "kv/platform.h"
 #include "kv/precompiled.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
@@ -24,6 +27,38 @@ bool IsBelow(const std::string& path, const std::string& folder) {
 
 bool Contains(const std::vector<std::string>& paths, const std::string& path) {
     return std::find(paths.begin(), paths.end(), path) != paths.end();
+}
+
+// Where the compiler looks for headers before it comes to the system's.
+std::vector<std::string> SearchedFolders(const Job& job) {
+    std::vector<std::string> folders = {job.sourceFolder, TextOf(PathOf(job.installation) / "include")};
+    for (const std::vector<std::string>& flags : {job.compiler, job.linkerFlags}) {
+        for (const std::string& flag : flags) {
+            if (flag.compare(0, 2, "-I") == 0) folders.push_back(FullPath(job, flag.substr(2)));
+        }
+    }
+    for (const char* const variable : {"CPATH", "CPLUS_INCLUDE_PATH"}) {
+        std::istringstream list(EnvironmentVariable(variable));
+        for (std::string folder; std::getline(list, folder, searchPathSeparator);)
+            folders.push_back(FullPath(job, folder));
+    }
+    for (std::string& folder : folders) {
+        if (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+    }
+    return folders;
+}
+
+// The header by any name under which it may have been asked for, in each of the folders.
+void AddRivals(const std::string& header, const std::vector<std::string>& folders,
+               std::set<std::string>& rivals) {
+    std::set<std::string> names = {TextOf(PathOf(header).filename())};
+    for (const std::string& folder : folders) {
+        if (IsBelow(header, folder)) names.insert(header.substr(folder.size() + 1));
+    }
+    for (const std::string& folder : folders) {
+        for (const std::string& name : names) rivals.insert(TextOf(PathOf(folder) / PathOf(name)));
+    }
+    rivals.erase(header);
 }
 
 }  // namespace
@@ -52,15 +87,20 @@ std::vector<std::string> FilesTranslated(const Job& job) {
 bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     const std::string preludes = PreludesFolder();
     const std::vector<std::string> settled = CompilerFolders(job.compiler);
+    const std::vector<std::string> searched = SearchedFolders(job);
+    std::set<std::string> rivals;
     for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
         const std::string path = FullPath(job, file);
         if (!preludes.empty() && IsBelow(path, preludes)) continue;
-        if (std::any_of(settled.begin(), settled.end(),
-                        [&](const std::string& folder) { return IsBelow(path, folder); }))
-            continue;
+        const bool isSettled = std::any_of(settled.begin(), settled.end(),
+                                           [&](const std::string& folder) { return IsBelow(path, folder); });
         const bool isGenerated = IsBelow(path, job.build.cppFolder) || IsBelow(path, job.build.folder);
-        (isGenerated ? files.generated : files.headers).push_back(path);
+        if (!isSettled) (isGenerated ? files.generated : files.headers).push_back(path);
+        // Of the compiler's many headers nobody means to replace those in folders of their own.
+        const bool canHaveRivals = !isSettled || Contains(settled, TextOf(PathOf(path).parent_path()));
+        if (canHaveRivals && !isGenerated) AddRivals(path, searched, rivals);
     }
+    files.rivals.assign(rivals.begin(), rivals.end());
     return Contains(files.generated, job.mainCpp);
 }
 

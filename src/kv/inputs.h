@@ -18,6 +18,7 @@ std::vector<std::string> FilesTranslated(const Job& job);
 struct FilesRead {
     std::vector<std::string> generated;
     std::vector<std::string> headers;
+    std::vector<std::string> rivals;  // what the compiler would have taken for a header, were it there
 };
 // Returns false when its record cannot be that of the last compilation: it does not name the main file.
 bool FilesReadByCompiler(const Job& job, FilesRead& files);

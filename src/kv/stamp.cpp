@@ -18,6 +18,7 @@ namespace {
 
 const char stampVersion[] = "kv-stamp 2";
 const char missing[] = "missing";
+const char absent[] = "absent";  // what has to stay missing
 const char contentSign = '#';
 
 // Times of files advance in steps of a few milliseconds.
@@ -30,10 +31,16 @@ std::string ContentMarkOf(const std::string& path) {
     return contentSign + HashOf(ReadWhole(path)) + "|" + path;
 }
 
+bool IsThere(const std::string& path) {
+    FileState state;
+    return StateOf(path, state);
+}
+
 bool MarkHolds(const std::string& mark) {
     const std::size_t bar = mark.find('|');
     if (bar == std::string::npos || mark.compare(0, bar, missing) == 0) return false;
     const std::string path = mark.substr(bar + 1);
+    if (mark.compare(0, bar, absent) == 0) return !IsThere(path);
     return (mark[0] == contentSign ? ContentMarkOf(path) : MarkOf(path)) == mark;
 }
 
@@ -62,7 +69,16 @@ void WriteStamp(const std::string& stampFile, const std::string& started, const 
     if (!StateOf(started, start)) return;
     std::string marks;
     std::size_t lines = 0;
-    for (const std::string& source : files.sources) {
+    std::vector<std::string> sources = files.sources;
+    for (const std::string& rival : files.rivals) {
+        if (IsThere(rival)) {
+            sources.push_back(rival);
+            continue;
+        }
+        marks += std::string(absent) + "|" + rival + "\n";
+        ++lines;
+    }
+    for (const std::string& source : sources) {
         FileState state;
         if (!StateOf(source, state) || state.latest > start.latest - timeStep) return;
         marks += MarkOf(source) + "\n";

@@ -13,9 +13,10 @@ struct StampFiles {
     std::vector<std::string>
         generated;  // files that each translation may write again; they count by their content
     std::vector<std::string> products;
+    std::vector<std::string> rivals;  // what would be read in place of a source, mostly missing
 };
 
-// Whether the stamp was written for the same commands and none of its files has changed since.
+// Whether the stamp was written for the same commands and none of its files has changed since, or come into being.
 bool StampHolds(const std::string& stampFile, const std::string& commands);
 
 // Writes a stamp. `started` is a file written when the build started: a source that changed since then, or so shortly

@@ -188,12 +188,12 @@ TEST(Stamps, HoldUntilSomethingChanges) {
     const std::string program = scratch.File("a", "x");
     const std::string stamp = scratch.Folder() + "/stamp";
     std::string started = scratch.File("started", "");
-    StampFiles files = {{source}, {generated}, {program}};
+    StampFiles files = {{source}, {generated}, {program}, {}};
     WriteStamp(stamp, started, "g++", files);
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source as young as the build is not trusted";
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     started = scratch.File("started", "");
-    WriteStamp(stamp, started, "g++", {{source, source + ".missing"}, {generated}, {program}});
+    WriteStamp(stamp, started, "g++", {{source, source + ".missing"}, {generated}, {program}, {}});
     EXPECT_FALSE(StampHolds(stamp, "g++")) << "a source that is missing";
     WriteStamp(stamp, started, "g++", files);
     EXPECT_TRUE(StampHolds(stamp, "g++"));
