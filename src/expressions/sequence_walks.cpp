@@ -28,7 +28,6 @@ struct OpenWalk {
     std::string name;
     int number = 0;
     bool changed = false;
-    bool passages = false;  // some were emitted
 };
 
 std::vector<OpenWalk> walks;  // the innermost loop last
@@ -83,33 +82,28 @@ bool MayBeSame(const Place& a, const Place& b) {
 
 // ---- passages
 
-const std::string opening = "\x01\x02~";
-constexpr char middle = '\x02';
-constexpr char closing = '\x03';
+// What a walk has to do that others need not: each has a letter, and its text around the walk's name.
+struct PassageKind {
+    char letter;
+    const char *before, *behind;
+};
+constexpr PassageKind away = {'a', "(", ".Away(), "};
+constexpr PassageKind back = {'b', nullptr, ")"};
+constexpr PassageKind leave = {'l', "", ".Leave(); "};
+constexpr PassageKind store = {'s', "", ".Store(); "};
+constexpr PassageKind restore = {'r', " ", ".Back();"};
+constexpr const PassageKind* passageKinds[] = {&away, &back, &leave, &store, &restore};
 
-std::string Passage(OpenWalk& walk, const std::string& text) {
-    walk.passages = true;
-    return opening + std::to_string(walk.number) + middle + text + closing;
+std::string Sign(const OpenWalk& walk, const PassageKind& kind) {
+    return passageSign + std::to_string(walk.number) + kind.letter;
 }
 
-void SettlePassages(std::string& text, std::size_t from, int number, bool stay) {
-    const std::string begin = opening + std::to_string(number) + middle;
-    std::string settled;
-    std::size_t at = from;
-    for (std::size_t found = text.find(begin, at); found != std::string::npos; found = text.find(begin, at)) {
-        settled.append(text, at, found - at);
-        const std::size_t inner = found + begin.size();
-        const std::size_t end = text.find(closing, inner);
-        if (end == std::string::npos) break;  // bytes of inline C++, no passage
-        if (stay) settled.append(text, inner, end - inner);
-        at = end + 1;
-    }
-    settled.append(text, at, std::string::npos);
-    text.replace(from, std::string::npos, settled);
+std::string TextOf(const PassageKind& kind, const OpenWalk& walk) {
+    return kind.before == nullptr ? kind.behind : kind.before + walk.name + kind.behind;
 }
 
-std::string Wrapped(OpenWalk& walk, const std::string& text) {
-    return Passage(walk, "(" + walk.name + ".Away(), ") + text + Passage(walk, ")");
+std::string Wrapped(const OpenWalk& walk, const std::string& text) {
+    return Sign(walk, away) + text + Sign(walk, back);
 }
 
 // Whether code outside of the loop's own routine can get at the Sequence without being handed it.
@@ -138,19 +132,29 @@ void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
     if (walks.size() == deepest)
         ReportFatal("Loops over Sequences are nested more than " + std::to_string(deepest) +
                     " deep. Put the inner ones into a Function");
-    walks.push_back({PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false, false});
+    walks.push_back({PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false});
 }
 
-bool CloseSequenceWalk(std::string& text, std::size_t from) {
-    if (walks.empty()) return false;
-    OpenWalk& walk = walks.back();
-    const ValueType item = walk.place.type.Item();
-    if (IsInReach(walk) && TimersMayChange(item)) walk.changed = true;
-    const bool changed = walk.changed;
-    if (walk.passages) SettlePassages(text, from, walk.number, changed);
+ClosedWalk CloseSequenceWalk() {
+    if (walks.empty()) return {};
+    const OpenWalk& walk = walks.back();
+    const bool changed = walk.changed || (IsInReach(walk) && TimersMayChange(walk.place.type.Item()));
+    const ClosedWalk closed = {walk.number, changed};
     walks.pop_back();
     if (changed) RequireSupport(Support::SequenceWalk);
-    return changed;
+    return closed;
+}
+
+Passage PassageIn(std::string_view text) {
+    Passage passage;
+    int number = 0;
+    std::size_t at = 1;
+    for (; at < text.size() && IsDigit(text[at]); ++at) number = number * 10 + (text[at] - '0');
+    for (const OpenWalk& walk : walks)
+        for (const PassageKind* kind : passageKinds)
+            if (walk.number == number && at < text.size() && kind->letter == text[at])
+                passage = {at + 1, number, TextOf(*kind, walk)};
+    return passage;
 }
 
 std::string TellWalks(const Expr& sequence, const char* member, const std::string& value) {
@@ -209,7 +213,7 @@ std::string WhileReordered(const Expr& sequence, std::string text) {
     std::string told;
     for (OpenWalk& walk : walks) {
         if (walk.place.text == place.text)
-            told += Passage(walk, walk.name + ".Leave(); ");
+            told += Sign(walk, leave);
         else if (MayBeSame(walk.place, place))
             text = Wrapped(walk, text);
     }
@@ -246,7 +250,7 @@ std::string BeforeInnerLoop(const Expr& sequence) {
     std::string text;
     const Place place = PlaceOf(sequence);
     for (OpenWalk& walk : walks)
-        if (MayBeSame(walk.place, place)) text += Passage(walk, walk.name + ".Store(); ");
+        if (MayBeSame(walk.place, place)) text += Sign(walk, store);
     return text;
 }
 
@@ -254,6 +258,6 @@ std::string BehindInnerLoop(const Expr& sequence) {
     std::string text;
     const Place place = PlaceOf(sequence);
     for (OpenWalk& walk : walks)
-        if (MayBeSame(walk.place, place)) text += Passage(walk, " " + walk.name + ".Back();");
+        if (MayBeSame(walk.place, place)) text += Sign(walk, restore);
     return text;
 }

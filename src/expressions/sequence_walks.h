@@ -1,10 +1,11 @@
 // Loops over Sequences that are open where an expression or statement stands. Whoever may change a Sequence
 // tells its loops: they turn into walks by KVSeqWalk (Support::SequenceWalk) when they end. Whether a loop
-// will is not known while its body is translated, so what only walks need is emitted as a passage that stays
-// or goes when the loop ends.
+// will is not known while its body is translated, so what only walks need is a passage: a sign in the text of the
+// expression, and a slot in the output, which keeps its text or loses it when the loop ends.
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "expressions/expression.h"
@@ -17,9 +18,21 @@ void DropSequenceWalks(std::size_t count);
 
 // Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name.
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
-// Closes the innermost walk; true when the loop has to run by KVSeqWalk. Settles the passages in the text
-// of the loop, which begins at `from`.
-bool CloseSequenceWalk(std::string& text, std::size_t from);
+// Closes the innermost walk.
+struct ClosedWalk {
+    int number = 0;
+    bool changed = false;  // the loop has to run by KVSeqWalk, and the walk's passages stay
+};
+ClosedWalk CloseSequenceWalk();
+
+// What the sign at the beginning of the text stands for; of walk 0 when it only looks like one.
+struct Passage {
+    std::size_t size = 1;  // of the sign
+    int walk = 0;
+    std::string text;
+};
+constexpr char passageSign = '\0';
+Passage PassageIn(std::string_view text);
 
 std::string SequenceWalkName(const std::string& variable);
 

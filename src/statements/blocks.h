@@ -14,40 +14,32 @@
 
 #include "symbols/value_type.h"
 
-struct Piece;
 struct State;
 
 // Inline: a brace that inline C++ has opened.
 enum class BlockKind : unsigned char { If, Loop, Repeat, Select, Inline };
 
-// The header of a loop over a Sequence, to be rewritten when the body turns out to change the Sequence.
+// A loop over a Sequence, of which its end tells whether the body changes the Sequence.
 struct SequenceWalk {
-    std::string sequence;    // C++ text
-    std::string variable;    // C++ name
-    std::string type;        // of the variable, as "auto&"
-    std::string item;        // C++ type of the Sequence's items
-    Piece* piece = nullptr;  // where the header stands
-    std::size_t forAt = 0;   // of the text "for(...)" in it
-    std::size_t forSize = 0;
-    std::size_t bodyAt = 0;  // behind the line "{"
+    std::string variable;  // C++ name
+    std::string type;      // of the variable, as "auto&"
+    std::string item;      // C++ type of the Sequence's items
+    // Around the Sequence in "for(...)", and behind the line "{".
+    std::size_t headSlot = 0, tailSlot = 0, bodySlot = 0;
 };
 
 struct OpenSelect {
     ValueType subject;
-    bool byIndex = false;    // String and Double: the switch runs over the index of the matching label
-    Piece* piece = nullptr;  // byIndex: where the switch line stands, completed when all labels are known
-    std::size_t switchAt = 0;
-    std::string labelTexts;  // byIndex: the labels so far, joined by ", "
+    bool byIndex = false;        // String and Double: the switch runs over the index of the matching label
+    std::size_t labelsSlot = 0;  // byIndex: in the switch line
+    std::string labelTexts;      // byIndex: the labels so far, joined by ", "
     int labelCount = 0;
     std::unordered_set<std::string> labels;  // values so far, for duplicates
     bool labelSeen = false;                  // a Case or Default
     bool warned = false;                     // of a statement before the first label
-    bool declares = false;         // the current case declares Locals; in braces when another one follows
-    Piece* localsPiece = nullptr;  // where the brace would stand
-    std::size_t localsAt = 0;
+    bool declares = false;       // the current case declares Locals; in braces when another one follows
+    std::size_t localsSlot = 0;  // for the brace
     std::string localsIndent;
-    Piece* lastLabelPiece = nullptr;  // end of the last label's line, for labels with nothing behind them
-    std::size_t lastLabelEnd = 0;
 };
 
 // What the closing word of a block is looked up by.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "expressions/sequence_walks.h"
 #include "statements/state.h"
 
 void EmitLines(State& state, std::string_view lines) {
     const bool asTheyStand =
         state.place.indent == 0 && state.place.traceText.empty() && state.place.commentText.empty();
-    if (asTheyStand && !lines.empty() && lines.back() == '\n') {
+    if (asTheyStand && SequenceWalkCount() == 0 && !lines.empty() && lines.back() == '\n') {
+        state.routine.bareLabel = false;
         state.out->pieces.back().text += lines;
         return;
     }

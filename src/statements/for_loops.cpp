@@ -157,21 +157,19 @@ void EmitRangeHeader(State& state, const std::string& type, const std::string& v
     EmitLine(state, "{");
 }
 
-// The same for a Sequence, whose loop remembers where they stand.
+// The same for a Sequence, with slots for what comes when the body changes it.
 void EmitSequenceHeader(State& state, Braces& loop, const std::string& type, const std::string& variable,
                         const std::string& range, const Expr& sequence) {
-    const std::string header = "for(" + type + " " + variable + " : " + range + ")";
     auto walk = std::make_unique<SequenceWalk>();
     walk->variable = variable;
     walk->type = type;
-    walk->piece = &state.out->pieces.back();
-    const std::string before = BeforeInnerLoop(sequence);
-    walk->forAt = EmitLine(state, before + header) + before.size();
-    walk->forSize = header.size();
-    EmitLine(state, "{");
-    walk->bodyAt = walk->piece->text.size();
-    walk->sequence = range;
     walk->item = CppName(sequence.type.Item());
+    const std::vector<std::size_t> slots =
+        EmitSlottedLine(state, {BeforeInnerLoop(sequence) + "for(", range, ")"});
+    walk->headSlot = slots.front();
+    walk->tailSlot = slots.back();
+    EmitLine(state, "{");
+    walk->bodySlot = OpenSlot(state);
     loop.walk = std::move(walk);
     loop.behind = BehindInnerLoop(sequence);
     OpenSequenceWalk(sequence, variable);
@@ -204,15 +202,20 @@ void TranslateEach(State& state, const EachHeader& header) {
 
 }  // namespace
 
-void RewriteWalk(State& state, const SequenceWalk& walk) {
-    if (!CloseSequenceWalk(walk.piece->text, walk.bodyAt)) return;
+void SettleWalk(State& state, const SequenceWalk& walk) {
+    const ClosedWalk closed = CloseSequenceWalk();
+    std::vector<Slot>& slots = state.routine.slots;
+    if (!closed.changed) {
+        slots[walk.headSlot].text = walk.type + " " + walk.variable + " : ";
+        for (std::size_t i = walk.bodySlot; i < slots.size(); ++i)
+            if (slots[i].walk == closed.number) slots[i].text.clear();
+        return;
+    }
     const std::string name = SequenceWalkName(walk.variable);
     const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
-    walk.piece->text.insert(walk.bodyAt,
-                            indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n");
-    walk.piece->text.replace(walk.forAt, walk.forSize,
-                             "for(KVSeqWalk<" + walk.item + "> " + name + "(" + walk.sequence + "); " + name +
-                                 ".HasItem(); " + name + ".Next())");
+    slots[walk.headSlot].text = "KVSeqWalk<" + walk.item + "> " + name + "(";
+    slots[walk.tailSlot].text = "); " + name + ".HasItem(); " + name + ".Next()";
+    slots[walk.bodySlot].text = indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n";
 }
 
 Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {

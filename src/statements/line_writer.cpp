@@ -2,13 +2,29 @@
 
 #include <utility>
 
+#include "expressions/sequence_walks.h"
 #include "lexer/lexer.h"
 
-std::size_t EmitLine(State& state, std::string_view text) {
-    std::string& piece = state.out->pieces.back().text;
-    if (state.place.indent > 0) piece.append(static_cast<std::size_t>(state.place.indent), '\t');
-    const std::size_t at = piece.size();
+namespace {
+
+// Passages in the text become slots.
+void PutText(State& state, std::string& piece, std::string_view text) {
+    for (std::size_t at;
+         SequenceWalkCount() > 0 && (at = text.find(passageSign)) != std::string_view::npos;) {
+        const Passage passage = PassageIn(text.substr(at));
+        piece += text.substr(0, passage.walk == 0 ? at + passage.size : at);
+        text.remove_prefix(at + passage.size);
+        if (passage.walk != 0) state.routine.slots.push_back({piece.size(), passage.text, passage.walk});
+    }
     piece += text;
+}
+
+void BeginLine(State& state, std::string& piece) {
+    state.routine.bareLabel = false;
+    if (state.place.indent > 0) piece.append(static_cast<std::size_t>(state.place.indent), '\t');
+}
+
+void EndLine(State& state, std::string& piece) {
     if (!state.place.traceText.empty()) {
         piece += " " + GuardComment("// " + state.place.traceText);
         state.place.traceText.clear();
@@ -19,7 +35,32 @@ std::size_t EmitLine(State& state, std::string_view text) {
         state.place.commentText.clear();
     }
     piece += '\n';
-    return at;
+}
+
+}  // namespace
+
+void EmitLine(State& state, std::string_view text) {
+    std::string& piece = state.out->pieces.back().text;
+    BeginLine(state, piece);
+    PutText(state, piece, text);
+    EndLine(state, piece);
+}
+
+std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<std::string>& texts) {
+    std::string& piece = state.out->pieces.back().text;
+    std::vector<std::size_t> slots;
+    BeginLine(state, piece);
+    for (const std::string& text : texts) {
+        if (&text != &texts.front()) slots.push_back(OpenSlot(state));
+        PutText(state, piece, text);
+    }
+    EndLine(state, piece);
+    return slots;
+}
+
+std::size_t OpenSlot(State& state) {
+    state.routine.slots.push_back({state.out->pieces.back().text.size(), {}, 0});
+    return state.routine.slots.size() - 1;
 }
 
 void PlaceComment(State& state) {

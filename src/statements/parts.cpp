@@ -17,11 +17,6 @@ namespace {
 int partCount = 0;  // of the run
 const PartOfRun partOfRun(partCount);
 
-std::string BeginMark(std::size_t part) { return "\x01\x04" + std::to_string(part) + '\x02'; }
-std::string EndMark(std::size_t part) { return "\x01\x05" + std::to_string(part) + '\x02'; }
-
-std::string& OpenText(State& state) { return state.out->pieces.back().text; }
-
 std::string PathOfCpp(const FileOutput& part) { return StripExtension(part.header) + ".cpp"; }
 
 struct SettledText {
@@ -49,26 +44,37 @@ bool IsTextOf(FileOutput& part, const std::string& text) {
     return true;
 }
 
-// Text [from, to) as `holder` has it; `next` is the part that begins next.
-SettledText Settle(State& state, std::size_t& next, std::size_t from, std::size_t to,
-                   const FileOutput& holder) {
-    const std::string& text = OpenText(state);
+// Appends what stands between the two, where no part does.
+void AppendUpTo(std::string& settled, const State& state, RoutineEnd& from, const RoutineEnd& to) {
+    const std::string& text = state.out->pieces.back().text;
+    for (; from.slots < to.slots; ++from.slots) {
+        const Slot& slot = state.routine.slots[from.slots];
+        settled.append(text, from.text, slot.at - from.text);
+        settled += slot.text;
+        from.text = slot.at;
+    }
+    settled.append(text, from.text, to.text - from.text);
+    from = to;
+}
+
+// What stands between the two, as `holder` has it.
+SettledText Settle(const State& state, RoutineEnd from, const RoutineEnd& to, const FileOutput& holder) {
     SettledText settled;
-    while (next < state.routine.parts.size()) {
-        const std::string beginMark = BeginMark(next), endMark = EndMark(next);
-        const std::size_t begin = text.find(beginMark, from);
-        if (begin >= to) break;
-        const RoutinePart& part = state.routine.parts[next++];
-        const std::size_t end = text.find(endMark, begin);
-        settled.text.append(text, from, begin - from);
-        SettledText body = Settle(state, next, begin + beginMark.size(), end, *part.out);
+    while (from.parts < to.parts) {
+        const RoutinePart& part = state.routine.parts[from.parts];
+        AppendUpTo(settled.text, state, from, part.begin);
+        SettledText body = Settle(state, part.begin, part.end, *part.out);
         if (IsTextOf(*part.out, body.text)) body = IncludeLine(part);
         RewritePartPaths(holder, body.text, body.paths);
         Append(settled, body);
-        from = end + endMark.size();
+        from = part.end;
     }
-    settled.text.append(text, from, to - from);
+    AppendUpTo(settled.text, state, from, to);
     return settled;
+}
+
+RoutineEnd EndOf(const State& state) {
+    return {state.out->pieces.back().text.size(), state.routine.slots.size(), state.routine.parts.size()};
 }
 
 }  // namespace
@@ -77,7 +83,7 @@ OpenPart::OpenPart(State& routine, FileOutput& out) : state(routine) {
     if (++partCount > mostParts)
         ReportFatal("The program has more than " + std::to_string(mostParts) +
                     " Includes inside Functions and Methods. Put what they include into a Function");
-    std::string& text = OpenText(state);
+    std::string& text = state.out->pieces.back().text;
     const std::size_t lineAt = text.size();
     const std::string head = "#include \"", path = PathOfCpp(out);
     EmitLine(state, head + path + "\"");
@@ -88,8 +94,8 @@ OpenPart::OpenPart(State& routine, FileOutput& out) : state(routine) {
     part.pathSize = path.size();
     text.resize(lineAt);
     number = state.routine.parts.size();
-    text += BeginMark(number);
     state.routine.parts.push_back(std::move(part));
+    state.routine.parts.back().begin = EndOf(state);
     state.routine.openParts.push_back(&out);
     place.firstBlock = state.blocks.size();
     place.firstWith = state.withs.size();
@@ -98,7 +104,7 @@ OpenPart::OpenPart(State& routine, FileOutput& out) : state(routine) {
 
 OpenPart::~OpenPart() {
     std::swap(state.place, place);
-    OpenText(state) += EndMark(number);
+    state.routine.parts[number].end = EndOf(state);
     state.routine.openParts.pop_back();
 }
 
@@ -107,12 +113,10 @@ void OpenPart::Read(const std::string& source) {
     if (!state.mistaken) CheckPartClosed(state);
 }
 
-void SettleParts(State& state) {
-    if (state.routine.parts.empty()) return;
-    std::size_t next = 0;
-    SettledText settled = Settle(state, next, 0, OpenText(state).size(), *state.out);
+void SettleText(State& state) {
+    if (state.routine.parts.empty() && state.routine.slots.empty()) return;
+    SettledText settled = Settle(state, {}, EndOf(state), *state.out);
     Piece& piece = state.out->pieces.back();
     piece.text = std::move(settled.text);
     piece.partPaths = std::move(settled.paths);
-    state.routine.parts.clear();
 }

@@ -24,5 +24,5 @@ private:
     std::size_t number = 0;
 };
 
-// The open routine ends: its parts get their texts.
-void SettleParts(State& state);
+// The open routine ends: its slots are as they are to be, and its parts get their texts.
+void SettleText(State& state);

@@ -143,7 +143,7 @@ void CloseRoutine(State& state) {
     EmitDefaultResult(state);
     EmitLine(state, "}");
     ForgetInlineBraces(state);
-    SettleParts(state);
+    SettleText(state);
     PopRoutineScope();
     EndDoubtsOfRoutine();
     state.routine = {};

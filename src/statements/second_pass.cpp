@@ -64,6 +64,9 @@ void ReadStatements(State& state, const std::string& source) {
         NoteInlineCpp(line.text);
         NoteInlineCppInLoops(line.text);
         NoteInlineJumps(state);
+        const std::size_t code = line.text.find_first_not_of(" \t");
+        if (code != std::string::npos && line.text.compare(code, 2, "//") != 0)
+            state.routine.bareLabel = false;
         PutLine(*state.out, settings.traceMode && !line.goesOn ? line.text + " //INLINE" : line.text);
     };
     while (lines.Next()) {

@@ -40,28 +40,14 @@ void EndCase(State& state, OpenSelect& select) {
     if (!select.declares) return;
     select.declares = false;
     PopBlock();
-    select.localsPiece->text.insert(select.localsAt, select.localsIndent + "{\n");
+    state.routine.slots[select.localsSlot].text = select.localsIndent + "{\n";
     EmitLine(state, "}");
 }
 
 void EmitLabel(State& state, OpenSelect& select, const std::string& text) {
     EmitLine(state, text);
     BeginLabel(state);
-    select.labelSeen = true;
-    select.lastLabelPiece = &state.out->pieces.back();
-    select.lastLabelEnd = select.lastLabelPiece->text.size();
-}
-
-// C++11 wants a statement behind a label; comments are none.
-bool NothingBehindLabel(const State& state, const OpenSelect& select) {
-    if (!select.labelSeen || select.lastLabelPiece != &state.out->pieces.back()) return false;
-    const std::string& text = select.lastLabelPiece->text;
-    std::size_t at = select.lastLabelEnd;
-    while ((at = text.find_first_not_of(" \t\n", at)) != std::string::npos) {
-        if (text.compare(at, 2, "//") != 0) return false;
-        at = text.find('\n', at);
-    }
-    return true;
+    select.labelSeen = state.routine.bareLabel = true;
 }
 
 void CheckLabelType(const OpenSelect& select, const Expr& label) {
@@ -116,10 +102,10 @@ std::string LabelText(OpenSelect& select, TokenSpan tokens) {
 }
 
 // Completes the switch line now that all labels are known.
-void CompleteSwitch(OpenSelect& select) {
+void CompleteSwitch(State& state, const OpenSelect& select) {
     if (!select.byIndex) return;
     RequireSupport(Support::StringSelect);
-    select.piece->text.insert(select.switchAt, "{" + select.labelTexts + "}");
+    state.routine.slots[select.labelsSlot].text = "{" + select.labelTexts + "}";
 }
 
 }  // namespace
@@ -135,14 +121,11 @@ void TranslateSelect(State& state, TokenSpan tokens) {
     if (subject.type.IsKnown() && !subject.type.IsNumber() && !select.byIndex)
         ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type));
     OpenNewBlock(state, BlockKind::Select).select = std::move(opened);
-    const std::string head = select.byIndex ? "switch (__kvSelect(" + ValueText(subject) + ", "
-                                            : "switch (" + ValueText(subject) + ")";
-    if (select.byIndex) {
-        select.piece = &state.out->pieces.back();
-        select.switchAt = EmitLine(state, head + "))") + head.size();
-    } else {
-        EmitLine(state, head);
-    }
+    if (select.byIndex)
+        select.labelsSlot =
+            EmitSlottedLine(state, {"switch (__kvSelect(" + ValueText(subject) + ", ", "))"}).front();
+    else
+        EmitLine(state, "switch (" + ValueText(subject) + ")");
     EmitLine(state, "{");
 }
 
@@ -187,8 +170,9 @@ void TranslateEndSelect(State& state, TokenSpan tokens) {
 
 void FinishSelect(State& state, OpenSelect& select) {
     if (select.declares) PopBlock();
-    if (NothingBehindLabel(state, select)) EmitLine(state, ";");
-    CompleteSwitch(select);
+    // C++11 wants a statement behind a label; comments are none.
+    if (state.routine.bareLabel) EmitLine(state, ";");
+    CompleteSwitch(state, select);
 }
 
 void PrepareInSelect(State& state, Keyword keyword) {
@@ -201,8 +185,7 @@ void PrepareInSelect(State& state, Keyword keyword) {
     const bool mayDeclare = keyword == Keyword::Local || keyword == Keyword::Include;
     if (!mayDeclare || select.declares) return;
     select.declares = true;
-    select.localsPiece = &state.out->pieces.back();
-    select.localsAt = select.localsPiece->text.size();
+    select.localsSlot = OpenSlot(state);
     select.localsIndent.assign(static_cast<std::size_t>(state.place.indent), '\t');
     PushBlock();
 }

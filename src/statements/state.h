@@ -29,9 +29,21 @@ enum class Passing : unsigned char {
     File,     // all the rest
 };
 
-// A file included in the open routine. Its text stands between two marks in the routine's piece, which may still
-// change, until the routine ends.
+// A place in the text of the open routine that may be filled until the routine ends.
+struct Slot {
+    std::size_t at = 0;  // in the text of its piece, which holds nothing of it
+    std::string text;
+    int walk = 0;  // a passage of the walk of this number
+};
+
+// How far the open routine has come.
+struct RoutineEnd {
+    std::size_t text = 0, slots = 0, parts = 0;
+};
+
+// A file included in the open routine. Its text is the routine's, whose slots may still be filled, until that ends.
 struct RoutinePart {
+    RoutineEnd begin, end;
     FileOutput* out = nullptr;
     std::string line;        // "#include ..." as it is to stand there
     std::size_t pathAt = 0;  // of the path in it
@@ -69,6 +81,8 @@ struct OpenRoutine {
     std::vector<LocalArray> localArrays;
     bool watchesOwnObject = false;       // debug builds: the Method may remove its own object
     std::size_t frameRoom = 0;           // -fast: bytes that arrays may still take in the routine's frame
+    bool bareLabel = false;              // nothing stands behind the label of the last Case or Default
+    std::vector<Slot> slots;             // of its piece, in their order
     std::vector<RoutinePart> parts;      // in the order of their beginnings
     std::vector<FileOutput*> openParts;  // those under way, the innermost last
 };
@@ -114,8 +128,12 @@ inline bool InFunction(const State& state) { return state.routine.kind == Routin
 inline bool InMethod(const State& state) { return state.routine.kind == RoutineKind::Method; }
 
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
-// of a statement carries its source and its comment. Returns where the text begins in the open piece.
-std::size_t EmitLine(State& state, std::string_view text);
+// of a statement carries its source and its comment.
+void EmitLine(State& state, std::string_view text);
+// The same with a slot of the open routine between each two of the texts; returns their indices.
+std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<std::string>& texts);
+// Opens a slot at the end of what is there.
+std::size_t OpenSlot(State& state);
 
 // A statement translator gets the statement's tokens (the keyword first) and emits lines, changes the
 // state or ends the run.
