@@ -8,15 +8,21 @@
 namespace {
 
 // Passages in the text become slots.
-void PutText(State& state, std::string& piece, std::string_view text) {
-    for (std::size_t at;
-         SequenceWalkCount() > 0 && (at = text.find(passageSign)) != std::string_view::npos;) {
+void PutPassages(State& state, std::string& piece, std::string_view text) {
+    for (std::size_t at; (at = text.find(passageSign)) != std::string_view::npos;) {
         const Passage passage = PassageIn(text.substr(at));
         piece += text.substr(0, passage.walk == 0 ? at + passage.size : at);
         text.remove_prefix(at + passage.size);
         if (passage.walk != 0) state.routine.slots.push_back({piece.size(), passage.text, passage.walk});
     }
     piece += text;
+}
+
+void PutText(State& state, std::string& piece, std::string_view text) {
+    if (SequenceWalkCount() > 0)
+        PutPassages(state, piece, text);
+    else
+        piece += text;
 }
 
 void BeginLine(State& state, std::string& piece) {
