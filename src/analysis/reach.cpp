@@ -274,7 +274,6 @@ std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> op
 }
 
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
-    if (lenient) return true;
     BuiltGraph();
     const auto loop = graph.loops.find(PlaceOf(FileId(file), line));
     if (loop == graph.loops.end()) return true;
@@ -283,7 +282,6 @@ bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
 
 // Every routine looks after the timers when it is entered.
 bool RoutineMayRemove(const std::string& name) {
-    if (lenient) return true;
     const auto routine = BuiltGraph().routines.find(name);
     if (routine == graph.routines.end() || removers.count(graph.timers) != 0) return true;
     return removers.count(routine->second) != 0;

@@ -133,27 +133,23 @@ void ReadSequenceChanges(int node, TokenSpan tokens) {
 }
 
 bool RoutineMayChange(const std::string& name, const ValueType& item) {
-    if (lenient) return false;
     ReachGraph& graph = BuiltGraph();
     const auto found = graph.routines.find(name);
     return found == graph.routines.end() || MayChange(graph, found->second, item);
 }
 
 bool TimersMayChange(const ValueType& item) {
-    if (lenient) return false;
     ReachGraph& graph = BuiltGraph();
     return MayChange(graph, graph.timers, item);
 }
 
 bool ConstructionMayChange(const ClassInfo& cls, const ValueType& item) {
-    if (lenient) return false;
     ReachGraph& graph = BuiltGraph();
     const auto found = graph.construction.find(&cls);
     return found != graph.construction.end() && MayChange(graph, found->second, item);
 }
 
 bool DestructorsMayChange(const ValueType& item) {
-    if (lenient) return false;
     ReachGraph& graph = BuiltGraph();
     return MayChange(graph, graph.destructors, item);
 }

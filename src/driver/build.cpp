@@ -6,6 +6,7 @@
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
 #include "driver/files.h"
+#include "driver/journal.h"
 #include "driver/paths.h"
 #include "driver/platform.h"
 #include "driver/report.h"
@@ -65,6 +66,11 @@ void RecordExecutable() {
 
 void Translate() {
     RunPhases();
+    const Told told = TellRun();
+    if (told.mistake != nullptr) {
+        WriteFinished(told.files);
+        throw Stop(*told.mistake);
+    }
     WriteProgram();
     Say("");
     CheckMainFunction();
@@ -117,7 +123,6 @@ int BuildProgram() {
         return 0;
     } catch (const Stop& stop) {
         SayQuoted(stop);
-        WriteFinished();
         SettleOutputs();
         return 1;
     }

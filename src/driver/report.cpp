@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "driver/journal.h"
 #include "driver/settings.h"
 
 static std::vector<korvel::Diagnostic>* silentFor =
@@ -64,22 +65,34 @@ static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const st
            "\nLine: " + std::to_string(settings.currentLine) + "\n\n";
 }
 
-void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks) {
+static Stop StopHere(const std::string& message, const std::vector<UnclosedBlock>& blocks = {}) {
     const std::string shortened = Shortened(message);
-    std::vector<korvel::Diagnostic> mistakes = MistakesOf(blocks);
-    mistakes.push_back(HereIs(shortened));
-    throw Stop{mistakes, QuotedHere(blocks, shortened), false};
+    Stop stop{MistakesOf(blocks), QuotedHere(blocks, shortened)};
+    stop.mistakes.push_back(HereIs(shortened));
+    return stop;
+}
+
+void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks) {
+    throw StopHere(message, blocks);
+}
+
+void ReportUnknown(const std::string& message) {
+    Stop stop = StopHere(message);
+    stop.ofUnknown = true;
+    throw Stop(stop);
 }
 
 void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                       const std::string& message) {
-    throw Stop{MistakesOf(blocks), heading + QuotedHere(blocks, message), false};
+    throw Stop{MistakesOf(blocks), heading + QuotedHere(blocks, message)};
 }
 
 void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
     std::string text = Shortened(lines);
     if (text.empty() || text.back() != '\n') text += '\n';
-    throw Stop{{mistake}, text, true};
+    Stop stop{{mistake}, text};
+    stop.onErrorStream = true;
+    throw Stop(stop);
 }
 
 void FailOnErrorStream(const std::string& lines) {
@@ -100,6 +113,7 @@ void ReportNoMemory() {
 
 void Warn(const std::string& message) {
     if (!settings.warnings) return;
+    const TellOnly second(Telling::Second);
     if (silentFor == nullptr)
         return Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
                    "): " + message);
@@ -119,11 +133,13 @@ void VerboseNote(const std::string& line) {
     if (settings.verbose) Say(line);
 }
 
-void Say(const std::string& line) {
-    if (silentFor != nullptr) return;
-    Write(stdout, line);
-    std::fputc('\n', stdout);
+void Say(const std::string& line) { SayLines(line + "\n", false); }
+
+void SayLines(const std::string& lines, bool onErrorStream) {
+    if (silentFor == nullptr && !NoteText(lines, onErrorStream)) SayText(lines, onErrorStream);
 }
+
+void SayText(const std::string& lines, bool onErrorStream) { Write(onErrorStream ? stderr : stdout, lines); }
 
 void SayQuoted(const Stop& stop) {
     std::fflush(stdout);  // what was said before comes first where both streams go to one place

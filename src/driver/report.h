@@ -11,6 +11,7 @@ struct Stop {
     std::vector<korvel::Diagnostic> mistakes;
     std::string quoted;  // all of it as kvt says it
     bool onErrorStream = false;
+    bool ofUnknown = false;  // see ReportUnknown
 };
 
 // A block that is open, which a report tells before its message, and the line of the current file where it starts.
@@ -25,6 +26,9 @@ struct UnclosedBlock {
 // The same where the blocks are the mistakes and the message only sums them up, with a heading above them.
 [[noreturn]] void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                                    const std::string& message);
+
+// The same where something is not known that a declaration in a file that is read later could tell.
+[[noreturn]] void ReportUnknown(const std::string& message);
 
 // Stops the run with a mistake for which these lines are quoted on the error stream.
 [[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);
@@ -43,8 +47,13 @@ void WarnOfProgram(const std::string& message, const std::string& indentation = 
 // Prints line + end of line on standard output in verbose mode only.
 void VerboseNote(const std::string& line);
 
-// Prints line + end of line on standard output, always.
+// Says line + end of line on standard output, always: at once, or while the program is gone through, at its place
+// in the journal.
 void Say(const std::string& line);
+// The same with finished lines, also on the error stream.
+void SayLines(const std::string& lines, bool onErrorStream);
+// Prints finished lines at once.
+void SayText(const std::string& lines, bool onErrorStream);
 
 // Prints what kvt says of a mistake, behind all that has been said.
 void SayQuoted(const Stop& stop);

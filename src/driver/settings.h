@@ -16,7 +16,6 @@ struct Settings {
     bool quickBuild = false;      // -quick
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
     bool checkOnly = false;       // -check: nothing is written or deleted
-    bool allMistakes = false;     // the run goes on behind a mistake; nothing is written then
     bool warnings = false;        // -warn: what compiles but is hardly meant is said
 
     // Where translation stands; shown by ReportFatal.

@@ -7,7 +7,6 @@
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 
-bool lenient = false;
 std::size_t lambdaCount = 0;
 std::size_t callCount = 0;
 
@@ -19,7 +18,7 @@ constexpr std::size_t mostParts = 5000;
 
 int depth = 0;
 
-const PartOfRun partOfRun(lenient, lambdaCount, callCount, depth);
+const PartOfRun partOfRun(lambdaCount, callCount, depth);
 
 [[noreturn]] void FailTooDeep() {
     ReportFatal("Expression too deeply nested. Give a part of it to a variable first");

@@ -88,6 +88,3 @@ void LimitParts(std::size_t count);
 
 // Translates a string token (with its quotes): escapes and interpolation.
 Expr TranslateString(const Word& token);
-
-// While on, unknown names are let through (an included file translated from a first pass).
-extern bool lenient;

@@ -18,21 +18,6 @@ void RequireAccess(bool isPrivate, const ClassInfo& cls, const std::string& memb
     ReportFatal("'" + member + "' is private in '" + cls.name + "' and cannot be used outside of it");
 }
 
-// Members of a class whose file has not been read yet.
-Expr LetThrough(Walk& walk, const Expr& object, const std::string& member) {
-    Expr expr;
-    expr.text = WithAccessor(object, object.text) + SafeName(member);
-    expr.assignable = true;
-    if (walk.Match('(')) {
-        ParseArguments(walk);
-        expr.isCall = true;
-    } else if (TakesBareArguments(walk)) {
-        ParseBareArguments(walk);
-        expr.isCall = true;
-    }
-    return expr;
-}
-
 Expr UseField(const Expr& object, const Variable& field) {
     Expr expr;
     expr.text = WithAccessor(object, object.text) + field.cppName;
@@ -50,10 +35,7 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
     if (!IsIdentifier(walk.Peek()))
         ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
     const std::string& member = walk.Take();
-    if (!object.type.IsKnown()) {
-        if (lenient) return LetThrough(walk, object, member);
-        ReportFatal("'" + member + "' does not exist in any accessible class");
-    }
+    if (!object.type.IsKnown()) ReportUnknown("'" + member + "' does not exist in any accessible class");
     RequireObject(object, name);
     const ClassInfo& cls = *object.type.cls;
     NeedClass(&cls);
@@ -66,8 +48,7 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
         RequireAccess(method->isPrivate, cls, member);
         return ParseCall(walk, *method, "", &object);
     }
-    if (lenient) return LetThrough(walk, object, member);
-    ReportFatal("Field or method '" + member + "' does not exist in class '" + cls.name + "'");
+    ReportUnknown("Field or method '" + member + "' does not exist in class '" + cls.name + "'");
 }
 
 [[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {

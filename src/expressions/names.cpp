@@ -92,29 +92,10 @@ std::string CallPrefix(const Routine& routine) {
     return IsHidden(routine.name) ? "::" : "";
 }
 
-// Names of declarations in files that have not been read yet.
-Expr LetThrough(Walk& walk, const std::string& name) {
-    Expr expr;
-    expr.text = SafeName(name);
-    expr.assignable = true;
-    if (walk.Match('(')) {
-        std::string arguments;
-        for (const Expr& argument : ParseArguments(walk))
-            arguments += (arguments.empty() ? "" : " , ") + argument.text;
-        expr.text += " ( " + arguments + (arguments.empty() ? ")" : " )");
-        expr.isCall = true;
-    } else if (walk.at == 1 && TakesBareArguments(walk)) {
-        ParseBareArguments(walk);
-        expr.isCall = true;
-    }
-    return expr;
-}
-
 Expr ParseCallable(Walk& walk, const std::string& name) {
     const Routine* routine = FindCallable(name);
     if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
     if (FindVariable(name) != nullptr) ReportFatal("'" + name + "' is not a Function and cannot be called");
-    if (lenient) return LetThrough(walk, name);
     FailUnknownName(walk, name);
 }
 
@@ -122,7 +103,6 @@ Expr ParseCallable(Walk& walk, const std::string& name) {
 Expr ParseBareName(Walk& walk, const std::string& name) {
     const Routine* routine = FindCallable(name);
     if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
-    if (lenient && !IsClass(name)) return LetThrough(walk, name);
     FailUnknownName(walk, name);
 }
 
@@ -139,13 +119,13 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)");
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");
-    if (walk.mode == ExprMode::Input) ReportFatal("Variable '" + name + "' not found in Input statement");
+    if (walk.mode == ExprMode::Input) ReportUnknown("Variable '" + name + "' not found in Input statement");
     if (walk.mode == ExprMode::Print) {
-        ReportFatal("Variable '" + name + "' used out of scope in Print statement " + Place());
+        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place());
     }
-    if (WasInEndedBlock(name)) ReportFatal("Variable '" + name + "' used out of scope " + Place());
-    if (walk.PeekSign() == '\\') ReportFatal("Variable '" + name + "' is not defined");
-    ReportFatal("Identifier not found - " + name);
+    if (WasInEndedBlock(name)) ReportUnknown("Variable '" + name + "' used out of scope " + Place());
+    if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined");
+    ReportUnknown("Identifier not found - " + name);
 }
 
 Expr ParseName(Walk& walk) {

@@ -197,14 +197,14 @@ void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view
     text += line.substr(0, 50);
     if (line.size() > 50) text += "...";
     text += "\"\n";
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    SayLines(text, true);
 }
 
 void PrintVerboseTrouble(const LexTrouble& trouble) {
-    std::fprintf(stderr,
-                 "DEBUG: Triggering unclosed paren error - parenDepth=%d skipValidation=false "
-                 "hasLineContinuation=false\n",
-                 trouble.openParentheses);
+    SayLines(
+        "DEBUG: Triggering unclosed paren error - parenDepth=" + std::to_string(trouble.openParentheses) +
+            " skipValidation=false hasLineContinuation=false\n",
+        true);
 }
 
 const char* ProblemOf(const ScanResult& found, bool continues) {

@@ -34,7 +34,7 @@ void Begin(const Request& request) {
     settings.debugMode = request.debug;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
-    settings.warnings = settings.allMistakes = true;
+    settings.warnings = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
@@ -88,10 +88,10 @@ Result Run(const Request& request, const Task& task) {
     try {
         task.before();
         RunPhases();
-        if (KeptMistakes().empty()) CheckMainFunction();
-        if (KeptMistakes().empty()) task.after(result);
+        if (!AnyMistakes()) CheckMainFunction();
+        if (!AnyMistakes()) task.after(result);
     } catch (const Stop& stop) {
-        KeepMistake(stop, {});
+        result.diagnostics.insert(result.diagnostics.end(), stop.mistakes.begin(), stop.mistakes.end());
     } catch (const std::bad_alloc&) {
         result.diagnostics.emplace_back().message = "Not enough memory";
     }

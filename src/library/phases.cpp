@@ -1,17 +1,37 @@
 #include "library/phases.h"
 
-#include "driver/report.h"
+#include "driver/journal.h"
 #include "driver/settings.h"
 #include "library/word_lists.h"
+#include "statements/program.h"
 #include "statements/translate.h"
+#include "symbols/mistakes.h"
+#include "symbols/name_scan.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 
-void RunPhases() {
-    PushRoutineScope();
+namespace {
+
+void GoThroughProgram() {
     LoadWordLists();
     Say("Working on files...\n");
-    TranslateProgram(settings.mainSource);
+    CollectNames(settings.mainSource);
+    CollectProgram(settings.mainSource);
+    SettleProgram();
+    TranslateFiles();
+    if (!AnyMistakes()) FinishProgram();
+}
+
+}  // namespace
+
+void RunPhases() {
+    const OpenChapter chapter(WholeRun());
+    PushRoutineScope();
+    try {
+        GoThroughProgram();
+    } catch (const Stop& stop) {
+        KeepMistake(stop, {});
+    }
     PopRoutineScope();
 }
 

@@ -17,9 +17,7 @@ std::string LinkerFlagsPath() { return StripExtension(settings.mainSource) + ".l
 void AddLinkerFlag(const std::string& token) {
     std::string flag(Unquoted(token));
     if (flag == "-L.") flag = "-L\"" + CurrentFolder() + "\"";
-    // Lines that say the same all count (linkers take some flags in pairs); a line that is read again does not.
-    const std::string line = settings.currentFile + ":" + std::to_string(settings.currentLine) + ":" + flag;
-    if (!symbols.linkerLines.insert(line).second) return;
+    // Lines that say the same all count: linkers take some flags in pairs.
     if (IsSource(LinkerFlagsPath()))
         ReportFatal("'" + LinkerFlagsPath() +
                     "' is a source of this program, and the linker flags would overwrite it. Rename it");

@@ -81,7 +81,7 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
     if (value.routine == nullptr || declared.empty()) return;
     if (IsComplete(*value.routine, open))
         CheckResultSizes(name, declared, *value.routine);
-    else if (!lenient)
+    else
         awaited.push_back({settings.currentFile, settings.currentLine, name, declared, value.routine});
 }
 

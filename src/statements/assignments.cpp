@@ -145,8 +145,8 @@ bool IsKnownName(const std::string& name) {
 void CheckFirstWord(TokenSpan tokens) {
     const std::string& name = tokens[0];
     if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement");
-    if (lenient || IsKnownName(name) || WasInEndedBlock(name)) return;
-    ReportFatal("Identifier not found - " + name + SpellingHint(name));
+    if (IsKnownName(name) || WasInEndedBlock(name)) return;
+    ReportUnknown("Identifier not found - " + name + SpellingHint(name));
 }
 
 void TranslateCall(State& state, TokenSpan tokens) {

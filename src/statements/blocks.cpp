@@ -57,7 +57,6 @@ bool CanClose(BlockKind closer, BlockKind braces) {
 }
 
 void WarnOfCrossing(const std::string& closer, const Opener& meant, const Braces& braces) {
-    if (lenient) return;
     Warn(meant.kind == BlockKind::Inline
              ? "'" + closer + "' closes a brace of inline C++"
              : "'" + closer + "' is meant for the " + Described(meant) + ", but ends the " +

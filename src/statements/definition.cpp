@@ -218,7 +218,6 @@ ArrayText TextOfArray(State& state, const Declared& declared, const Variable& ar
                       const Expr& value) {
     if (!declared.hasValue) return DeclareArray(array, place, state.routine.frameRoom);
     const ValueType& type = declared.note.type;
-    if (lenient && !value.type.IsKnown()) return {};
     if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
     if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
     CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine.declared);

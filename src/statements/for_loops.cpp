@@ -198,7 +198,7 @@ void TranslateEach(State& state, const EachHeader& header) {
     if (collection.pointers && !shared) EmitLine(state, " if(!" + variable.cppName + ") continue;");
 }
 
-[[noreturn]] void FailNoSequence() { ReportFatal("Expected a Sequence after 'In' in EachSeq loop"); }
+constexpr char noSequence[] = "Expected a Sequence after 'In' in EachSeq loop";
 
 }  // namespace
 
@@ -242,9 +242,9 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
         ReportFatal("Expected 'EachSeq item In seq'");
     const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
-    if (noVariable && !lenient) FailNoSequence();
+    if (noVariable) ReportUnknown(noSequence);
     Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
-    if (sequence.type.IsKnown() && !sequence.type.sequence) FailNoSequence();
+    if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence);
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();

@@ -67,8 +67,7 @@ InputTarget TargetOf(TokenSpan tokens) {
     target.name = tokens[0];
     if (tokens.size() == 1) {
         const Variable* variable = FindVariable(tokens[0]);
-        if (variable == nullptr && !lenient)
-            ReportFatal("Variable '" + target.name + "' not found in Input statement");
+        if (variable == nullptr) ReportUnknown("Variable '" + target.name + "' not found in Input statement");
         if (variable != nullptr && variable->isConst)
             ReportFatal("Cannot assign to const variable '" + target.name + "'");
     }

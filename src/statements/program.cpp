@@ -4,14 +4,19 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "build/dependency_manifest.h"
 #include "build/output_files.h"
+#include "driver/journal.h"
 #include "driver/parallel.h"
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/run.h"
+#include "driver/settings.h"
 #include "driver/utf8.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "statements/array_results.h"
+#include "symbols/name_scan.h"
 #include "symbols/source_lines.h"
 
 Program program;
@@ -21,10 +26,7 @@ namespace {
 std::unordered_map<std::string, FileOutput*> bySource;      // by file, see FileId
 std::unordered_map<std::string, std::string> outputOwners;  // outputs without extension -> their source
 std::unordered_map<std::string, std::string> guardOwners;   // header guard -> its file
-std::deque<FileOutput> lenientOutputs;                      // kept for the run, never written
-
-std::vector<const FileOutput*> finished;  // not written so far
-const PartOfRun partOfRun(program, bySource, outputOwners, guardOwners, lenientOutputs, finished);
+const PartOfRun partOfRun(program, bySource, outputOwners, guardOwners);
 
 // Writes the header and the .cpp of a file; returns a message when that fails.
 std::string WriteOutputs(const FileOutput& out) {
@@ -55,12 +57,13 @@ FileOutput* FindOutput(const std::string& source) {
     return found == bySource.end() ? nullptr : found->second;
 }
 
-FileOutput& NewOutput(const std::string& source, bool lenientRun) {
-    std::deque<FileOutput>& outputs = lenientRun ? lenientOutputs : program.files;
-    outputs.emplace_back();
-    outputs.back().source = source;
-    if (!lenientRun) bySource[FileId(source)] = &outputs.back();
-    return outputs.back();
+FileOutput& BeginOutput(SourceFile& file) {
+    file.isBegun = true;
+    program.files.push_back(file.output);
+    FileOutput& out = program.files.back();
+    bySource[FileId(out.source)] = &out;
+    if (out.isMain) program.main = &out;
+    return out;
 }
 
 void ClaimOutputs(const FileOutput& out) {
@@ -71,7 +74,10 @@ void ClaimOutputs(const FileOutput& out) {
                 "' would both be translated to '" + out.base + ".cpp'. Rename one of them");
 }
 
-std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
+std::string ClaimGuard(const FileOutput& out) {
+    // Files of one base name in different folders need different guards; all others keep the plain one.
+    const std::string folder = BaseNameIsShared(out.source) ? FolderOf(out.header) : "";
+    const std::string wanted = HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base);
     const std::string id = FileId(out.source);
     std::string guard = wanted;
     for (int number = 2; guardOwners.emplace(guard, id).first->second != id; ++number)
@@ -79,11 +85,19 @@ std::string ClaimGuard(const FileOutput& out, const std::string& wanted) {
     return guard;
 }
 
-void NoteFinished(const FileOutput& out) { finished.push_back(&out); }
+void NoteInclude(const FileOutput& out) {
+    AddOnce(symbols.includeHeaders, out.header);
+    if (settings.quickBuild) AddDependency(out.source);
+}
 
-void WriteFinished() {
-    for (const FileOutput* out : finished) WriteOutputs(*out);
-    finished.clear();
+void SayHeaderOpened(const FileOutput& out) {
+    VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
+}
+
+void NoteFinished(const FileOutput& out) { NoteFile(out.source); }
+
+void WriteFinished(const std::vector<std::string>& sources) {
+    for (const std::string& source : sources) WriteOutputs(*FindOutput(source));
 }
 
 namespace {
@@ -117,6 +131,7 @@ void WriteAll(const std::vector<const FileOutput*>& files) {
 }  // namespace
 
 void FinishProgram() {
+    CheckAwaitedResults();
     ListHeaders();
     OrderClasses(program);
     OrderGlobals(program);
@@ -125,7 +140,6 @@ void FinishProgram() {
 }
 
 void WriteProgram() {
-    finished.clear();
     std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)
         if (!file.isMain) included.push_back(&file);

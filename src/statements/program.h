@@ -1,25 +1,30 @@
-// The outputs of the whole run: every file translated strictly, once.
+// The outputs of the whole run: every file, translated once.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "prelude/order.h"
+#include "statements/source_files.h"
 
 extern Program program;
 
-// The output of a source already translated strictly, or being translated, however its path is spelt; null
-// when there is none.
+// The output of a source already translated, or being translated, however its path is spelt; null when there is
+// none.
 FileOutput* FindOutput(const std::string& source);
-// A fresh output for a source. Lenient runs get one that is not part of the program.
-FileOutput& NewOutput(const std::string& source, bool lenientRun);
+// The output of a file whose translation begins.
+FileOutput& BeginOutput(SourceFile& file);
 // Ends the run when another source has the same outputs (util.kvl and util.inc in one folder).
 void ClaimOutputs(const FileOutput& out);
-// A header guard that no other file has: the wanted one, with a number behind it when that is taken.
-std::string ClaimGuard(const FileOutput& out, const std::string& wanted);
-// Puts everything into an order that compiles.
+// A header guard that no other file has: from its base name, with a number behind it when that is taken.
+std::string ClaimGuard(const FileOutput& out);
+// Lists the header of an included file for the main header, and the file as a dependency.
+void NoteInclude(const FileOutput& out);
+void SayHeaderOpened(const FileOutput& out);
+// Checks what can only be checked at the end, and puts everything into an order that compiles.
 void FinishProgram();
 // Writes the outputs of a finished program, as far as they have changed.
 void WriteProgram();
-// A file is translated: its outputs are written by WriteFinished even when a mistake is met later.
+// A file is translated: its outputs are written also when a mistake is told behind it.
 void NoteFinished(const FileOutput& out);
-void WriteFinished();
+void WriteFinished(const std::vector<std::string>& sources);

@@ -40,10 +40,7 @@ void TranslateLine(State& state, const SourceLines& lines) {
     for (const TokenSpan& statement : statements) {
         const bool last = &statement == &statements.back();
         if (last && !PlacesComment(statement.KeywordAt(0))) PlaceComment(state);
-        if (settings.allMistakes)
-            TranslateOrRecover(state, statement, TranslateStatement);
-        else
-            TranslateStatement(state, statement);
+        TranslateOrRecover(state, statement, TranslateStatement);
         ++state.place.statement;
     }
     FlushComment(state);

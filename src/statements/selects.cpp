@@ -88,8 +88,7 @@ std::string LabelText(OpenSelect& select, TokenSpan tokens) {
     if (!value) {
         // The index form compares at run time, so any Const will do there.
         bool constant = select.byIndex && label.isConst;
-        if (!constant && !lenient)
-            ReportFatal("A Case label must be a constant, '" + Spelling(tokens) + "' is not");
+        if (!constant) ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not");
         return ValueText(label);
     }
     if (!select.labels.insert(LabelKey(select, *value)).second)
@@ -179,7 +178,7 @@ void PrepareInSelect(State& state, Keyword keyword) {
     if (!InnermostIs(state, BlockKind::Select)) return;
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = *state.blocks.back().braces.select;
-    if (!select.labelSeen && !select.warned && !lenient)
+    if (!select.labelSeen && !select.warned)
         Warn("What stands between 'Select' and its first 'Case' never runs");
     select.warned = !select.labelSeen;
     const bool mayDeclare = keyword == Keyword::Local || keyword == Keyword::Include;

@@ -217,9 +217,9 @@ std::string SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, 
                      const std::string& keyword) {
     const ClassInfo* cls = sequence.type.cls;
     const Routine* compare = cls != nullptr ? CompareOf(*cls) : nullptr;
-    if (cls != nullptr && compare == nullptr && !lenient)
-        ReportFatal("SeqSort on a Sequence of " + cls->name +
-                    " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
+    if (cls != nullptr && compare == nullptr)
+        ReportUnknown("SeqSort on a Sequence of " + cls->name +
+                      " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name);
     const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
     const std::string call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
                                                : MemberCall(sequence, parts, row, keyword, member);

@@ -29,8 +29,7 @@ std::string DefaultArguments(const Routine& handler) {
 std::string HandlerCall(const std::string& name) {
     const Routine* handler = FindFunction(name);
     if (handler == nullptr) handler = FindUserlibFunction(name);
-    if (handler == nullptr && lenient) return SafeName(name) + "()";
-    if (handler == nullptr) ReportFatal("AutoCall handler '" + name + "' is not a Function");
+    if (handler == nullptr) ReportUnknown("AutoCall handler '" + name + "' is not a Function");
     if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
     const bool hidden = !handler->isUserlib && IsHidden(name);
     return (hidden ? "::" : "") + handler->cppName + "(" + DefaultArguments(*handler) + ")";
@@ -78,7 +77,6 @@ void TranslateStopCall(State& state, TokenSpan tokens) {
     if (!IsName(tokens[1])) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
     RefuseMore(tokens, 2);
     const bool all = IsWord(tokens[1], "all");
-    if (!all && !lenient && !NamesFunction(tokens[1]))
-        Warn("StopCall: there is no Function '" + tokens[1] + "'");
+    if (!all && !NamesFunction(tokens[1])) Warn("StopCall: there is no Function '" + tokens[1] + "'");
     EmitLine(state, "__kvStopCall(\"" + (all ? std::string() : tokens[1]) + "\");");
 }

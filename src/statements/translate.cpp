@@ -3,24 +3,19 @@
 #include <unordered_set>
 
 #include "build/output_files.h"
-#include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "expressions/expression.h"
+#include "expressions/sequence_walks.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
-#include "statements/array_results.h"
 #include "statements/debug_hooks.h"
-#include "statements/first_mistake.h"
-#include "statements/output_places.h"
 #include "statements/parts.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
-#include "symbols/first_pass.h"
 #include "symbols/mistakes.h"
 #include "symbols/name_scan.h"
-#include "symbols/prepopulate.h"
 #include "symbols/scopes.h"
+#include "symbols/settle.h"
 
 namespace {
 
@@ -28,16 +23,12 @@ namespace {
 class SavedPlace {
 public:
     explicit SavedPlace(FileOutput& out)
-        : file(settings.currentFile), line(settings.currentLine), wasLenient(lenient) {
-        before = SetOpenOutput(&out);
-    }
+        : file(settings.currentFile), line(settings.currentLine), before(SetOpenOutput(&out)) {}
     ~SavedPlace() {
-        if (!file.empty()) {  // what is found behind the main file is reported at its end
-            settings.currentFile = file;
-            settings.currentLine = line;
-        }
-        lenient = wasLenient;
         SetOpenOutput(before);
+        if (before == nullptr) return;  // what is found behind the main file is reported at its end
+        settings.currentFile = file;
+        settings.currentLine = line;
     }
     SavedPlace(const SavedPlace&) = delete;
     SavedPlace& operator=(const SavedPlace&) = delete;
@@ -45,25 +36,8 @@ public:
 private:
     std::string file;
     int line;
-    bool wasLenient;
     FileOutput* before;
 };
-
-void NameOutputs(FileOutput& out, const std::string& path, const std::string& folder, bool isMain) {
-    out.folder = folder;
-    out.isMain = isMain;
-    out.base = StripExtension(StripFolder(path));
-    if (isMain && settings.debugMode) out.base += ".debug";
-    out.header = HeaderPath(out).substr(settings.outputPath.size() + 1);
-    out.headerOnly = IsHeaderOnly(path);
-}
-
-// Files of one base name in different folders need different guards; all others keep the plain one.
-std::string GuardOf(const FileOutput& out) {
-    bool clash = BaseNameIsShared(out.source);
-    std::string folder = clash ? FolderOf(out.header) : "";
-    return ClaimGuard(out, HeaderGuard(folder.empty() ? out.base : folder + "/" + out.base));
-}
 
 HeaderContents ContentsOf(const Declarations& declarations, const std::string& source) {
     HeaderContents contents;
@@ -100,29 +74,14 @@ void NoteMentions(FileOutput& out, const Declarations& declarations) {
 
 void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
-    OpenHeader(out, ContentsOf(declarations, out.source), GuardOf(out));
-    VerboseNote("Header opened: " + HeaderPath(out) + " (will write globals/constants during compilation)");
+    OpenHeader(out, ContentsOf(declarations, out.source), ClaimGuard(out));
+    SayHeaderOpened(out);
 }
 
 void OpenFileCpp(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(CppPath(out)))
         ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
     OpenCpp(out, ContentsOf(declarations, out.source).instanceLists);
-}
-
-void TranslateStatements(FileOutput& out, const Declarations& declarations) {
-    OpenFileCpp(out, declarations);
-    State state;
-    state.out = &out;
-    state.unclosedExtern = declarations.unclosedExtern;
-    RunSecondPass(state, out.source);
-}
-
-// What the statements of a file leave behind in a lenient run. Parts come with the routines that include them.
-void NoteIncludes(const Declarations& declarations) {
-    for (const std::string& name : declarations.includes)
-        if (symbols.importedNames.count(name) == 0 && !IsPart(PathOfInclude(name)))
-            NoteInclude(SplitIncludeName(name));
 }
 
 void CloseHeader(const FileOutput& out) {
@@ -134,100 +93,84 @@ void CloseHeader(const FileOutput& out) {
     if (!out.headerOnly) AddOnce(symbols.generatedFiles, CppPath(out));
 }
 
-// What follows the declarations of a file.
-void TranslateRest(FileOutput& out, const Declarations& declarations) {
-    WriteHeaderTop(out, declarations);
-    Prepopulate(declarations);
-    TranslateStatements(out, declarations);
+// What is found before the first statement of a file is reported at the end of its declarations.
+void EnterFile(const Declarations& declarations) {
+    settings.currentFile = declarations.source;
+    settings.currentLine = declarations.lastLine;
+}
+
+// The outputs of a file up to its statements.
+void OpenOutputs(FileOutput& out, const Declarations& declarations) {
+    {
+        // An included file has said it before.
+        const TellOnly when(IsPart(out.source) ? Telling::Both : Telling::Second);
+        WriteHeaderTop(out, declarations);
+        SayNames(declarations);
+    }
+    CheckFunctionNames(declarations);
+    OpenFileCpp(out, declarations);
+}
+
+void CloseOutputs(FileOutput& out, const Declarations& declarations) {
     NoteMentions(out, declarations);
     if (out.isMain && settings.debugMode) EmitTypeEnumeration(out);
     CloseHeader(out);
     SayPostProcessing(out);
-    if (!out.isMain) NoteFinished(out);
 }
 
-// What is done of it in a lenient run whose statements wait. Guards are given out in the order of the first
-// passes.
-void PutOffRest(const FileOutput& out, const Declarations& declarations) {
-    GuardOf(out);
-    Prepopulate(declarations);
-    NoteIncludes(declarations);
+// False when something is wrong, which has been kept.
+bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
+    State state;
+    state.out = &out;
+    state.unclosedExtern = declarations.unclosedExtern;
+    RunSecondPass(state, out.source);
+    return !state.mistaken;
+}
+
+// What a mistake has left open.
+void ForgetOpenWork() {
+    ResetScopes();
+    ResetSequenceWalks();
+    CollectNeedsInto(nullptr);
+    PushRoutineScope();
 }
 
 }  // namespace
 
-void TranslateFile(const std::string& path, const std::string& outputFolder, bool isMain, bool lenientRun) {
-    FileOutput& out = NewOutput(path, lenientRun);
-    SavedPlace place(out);
-    lenient = lenientRun;
-    NameOutputs(out, path, outputFolder, isMain);
-    ClaimOutputs(out);
-    if (lenientRun || isMain) CheckOutputPlaces(out);
-
-    Declarations declarations;
-    CollectDeclarations(path, declarations);
-    symbols.complete = symbols.complete || isMain;
-    lenient = lenientRun;
-    if (isMain) NoteAllNamesRead();
-    if (!lenientRun) BeginStatements(path);
-    if (lenientRun && IsPart(path)) {  // its statements belong to the routines that it is included in
-        PutOffRest(out, declarations);
-    } else if (!lenientRun || SearchesFirstMistake()) {
-        TranslateRest(out, declarations);
-    } else {
-        AwaitStatements(path, outputFolder);
-        const bool shown = settings.verbose && GoesThrough([&] { TranslateRest(out, declarations); });
-        if (!shown) PutOffRest(out, declarations);
-    }
-    if (!lenientRun) EndStatements(path);
-}
-
-void TranslatePart(State& state, const std::string& path, const std::string& outputFolder) {
-    const bool lenientRun = lenient;
-    FileOutput* met = lenientRun ? nullptr : FindOutput(path);
-    FileOutput& out = met != nullptr ? *met : NewOutput(path, lenientRun);
-    const SavedPlace place(*state.out);
-    if (met == nullptr) {
-        NameOutputs(out, path, outputFolder, false);
-        ClaimOutputs(out);
-    }
-    OpenPart part(state, out);
-    Declarations declarations;
-    CollectDeclarations(path, declarations);
-    lenient = lenientRun;
-    if (!lenientRun) BeginStatements(path);
-    if (met == nullptr) {
-        WriteHeaderTop(out, declarations);
-        Prepopulate(declarations);
-        OpenFileCpp(out, declarations);
-    }
-    part.Read(path);
-    if (met == nullptr) {
-        NoteMentions(out, declarations);
-        CloseHeader(out);
-        SayPostProcessing(out);
-    }
-    if (!lenientRun) EndStatements(path);
-}
-
-static bool MayBeGenerated(const std::string& path) {
-    const std::string extension = path.substr(StripExtension(path).size());
-    return extension == ".cpp" || extension == ".h";
-}
-
-void TranslateProgram(const std::string& mainSource) {
-    CollectNames(mainSource);
-    // An Include of a file that the previous build wrote finds nothing.
-    for (const std::string& source : symbols.sourceFiles)
-        if (MayBeGenerated(source)) DeletePutOff(source);
+void TranslateFile(SourceFile& file) {
+    FileOutput& out = BeginOutput(file);
+    const SavedPlace place(out);
+    const OpenChapter chapter(file.translated);
+    EnterFile(file.declarations);
     try {
-        TranslateFile(mainSource, settings.outputPath, true, false);
+        OpenOutputs(out, file.declarations);
+        const bool sound = TranslateStatements(out, file.declarations);
+        CloseOutputs(out, file.declarations);
+        if (sound && !out.isMain) NoteFinished(out);
+        if (!sound) ForgetOpenWork();
     } catch (const Stop& stop) {
-        if (!settings.allMistakes) ReportFirstMistake(stop);
         KeepMistake(stop, {});
+        ForgetOpenWork();
     }
-    if (!KeptMistakes().empty()) return;
-    program.main = FindOutput(mainSource);
-    CheckAwaitedResults();
-    FinishProgram();
+}
+
+void TranslatePart(State& state, SourceFile& file) {
+    const bool isFirst = !file.isBegun;
+    FileOutput& out = isFirst ? BeginOutput(file) : *FindOutput(file.output.source);
+    const SavedPlace place(*state.out);
+    OpenPart part(state, out);
+    NoteChapter(file.declared, Telling::Second);
+    EnterFile(file.declarations);
+    if (isFirst) OpenOutputs(out, file.declarations);
+    part.Read(out.source);
+    if (isFirst) CloseOutputs(out, file.declarations);
+}
+
+void TranslateFiles() {
+    const std::vector<SourceFile*>& files = CollectedFiles();
+    if (!files.empty() && files.back()->output.isMain) TranslateFile(*files.back());
+    if (!AnyMistakes()) return;
+    // What a mistake has kept Includes from may hold those that are told before it.
+    for (SourceFile* file : files)
+        if (!file->isBegun && !IsPart(file->output.source)) TranslateFile(*file);
 }

@@ -56,11 +56,12 @@ void TranslateWith(State& state, TokenSpan tokens) {
         if (!expr.assignable && object[0]->keyword != Keyword::This && type.IsKnown() && !expr.isConst)
             ReportFatal("With requires a variable that holds an object, not an expression");
     }
-    const bool unread = lenient && !type.IsKnown() && object[0]->keyword != Keyword::Its;
-    const bool fits = type.Is(Base::Object) || type.Is(Base::Element) || unread;
-    if (!fits)
-        ReportFatal("With requires an object (a Type or Element), but '" + Spelling(object) + "' is " +
-                    (unknownName ? "" : CppName(type)));
+    if (!type.Is(Base::Object) && !type.Is(Base::Element)) {
+        const std::string message = "With requires an object (a Type or Element), but '" + Spelling(object) +
+                                    "' is " + (unknownName ? "" : CppName(type));
+        if (unknownName) ReportUnknown(message);
+        ReportFatal(message);
+    }
     state.withs.push_back({std::move(object), state.place.line});
 }
 

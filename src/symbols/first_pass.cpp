@@ -1,16 +1,11 @@
 #include "symbols/first_pass.h"
 
-#include <unordered_map>
-#include <unordered_set>
-
 #include "driver/report.h"
-#include "driver/run.h"
 #include "driver/settings.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
 #include "symbols/source_lines.h"
-#include "symbols/value_circles.h"
 
 namespace {
 
@@ -69,7 +64,7 @@ void CollectUnknownRoutine(FirstPass& pass, TokenSpan tokens) {
     Routine routine;
     routine.name = tokens[1];
     routine.cppName = SafeName(routine.name);
-    routine.file = pass.source;
+    routine.file = pass.out.source;
     routine.line = pass.line;
     if (keyword == Keyword::Function && !pass.inType) symbols.functions.emplace(routine.name, routine);
     if (keyword == Keyword::Method && pass.inType && pass.open.routines.emplace(routine.name, routine).second)
@@ -91,52 +86,20 @@ void CollectOrRecover(FirstPass& pass, TokenSpan tokens) {
 
 void ReadLines(FirstPass& pass) {
     SourceLines lines(Reading::FirstPass);
-    if (!lines.Open(pass.source)) {
-        RefuseNoFile(pass.source);
-        ReportFatal("Cannot read '" + pass.source + "'.");
+    if (!lines.Open(pass.out.source)) {
+        RefuseNoFile(pass.out.source);
+        ReportFatal("Cannot read '" + pass.out.source + "'.");
     }
-    settings.currentFile = pass.source;
-    while (lines.Next()) {
+    settings.currentFile = pass.out.source;
+    while (pass.goesOn && lines.Next()) {
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
         if (lines.MetInlineCpp()) symbols.inlineCpp = true;
         for (const TokenSpan& statement : lines.Statements()) CollectOrRecover(pass, statement);
     }
     if (lines.MetInlineCpp()) symbols.inlineCpp = true;
-    settings.currentFile = pass.source;
-    settings.currentLine = lines.Count();
-}
-
-// What the first run over an included file found, kept for its second run.
-struct Collected {
-    Declarations declarations;
-    std::string mainName;
-    int lastLine = 0;
-};
-std::unordered_map<std::string, Collected> collected;  // by path as opened
-const PartOfRun partOfRun(collected);
-
-void Remember(const FirstPass& pass) {
-    collected[pass.source] = {pass.out, pass.mainName, settings.currentLine};
-}
-
-// Types that were taken from initialisers may come out differently now that everything has been read.
-void ForgetInferredType(std::unordered_map<std::string, Variable>& variables, const std::string& name) {
-    const auto found = variables.find(name);
-    if (found == variables.end() || found->second.typed || found->second.form != ArrayForm::None) return;
-    found->second.type = ValueType();
-}
-
-bool Recall(FirstPass& pass) {
-    const auto found = collected.find(pass.source);
-    if (found == collected.end()) return false;
-    pass.out = std::move(found->second.declarations);
-    pass.mainName = found->second.mainName;
-    settings.currentLine = found->second.lastLine;
-    collected.erase(found);
-    for (const std::string& name : pass.out.globalNames) ForgetInferredType(symbols.globals, name);
-    for (const std::string& name : pass.out.constNames) ForgetInferredType(symbols.constants, name);
-    return true;
+    settings.currentFile = pass.out.source;
+    settings.currentLine = pass.out.lastLine = lines.Count();
 }
 
 void SaySummary(const Declarations& found) {
@@ -148,22 +111,15 @@ void SaySummary(const Declarations& found) {
 
 }  // namespace
 
-void CollectDeclarations(const std::string& source, Declarations& out) {
+bool CollectDeclarations(Declarations& out, IncludeFollower follow) {
     VerboseNote("First pass: Collecting declarations...");
     VerboseNote("  (Use 'Import \"filename.decls\"' to load userlib functions)");
-    settings.currentFile = source;
+    settings.currentFile = out.source;
     settings.currentLine = 0;
-    FirstPass pass(out, source);
-    pass.again = !symbols.collectedFiles.insert(FileId(source)).second;
-    if (!pass.again || !Recall(pass)) ReadLines(pass);
-    const bool comesAgain = !pass.again && source != settings.mainSource && !settings.verbose;
-    if (comesAgain) Remember(pass);
-    FinishRoutines(pass);
-    if (source == settings.mainSource) {
-        CheckElementCycles();
-        CheckValueCircles();
-    }
+    FirstPass pass(out, follow);
+    ReadLines(pass);
     SaySummary(out);
+    return pass.goesOn;
 }
 
 bool IsCollected(Keyword keyword) {

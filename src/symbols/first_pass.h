@@ -22,6 +22,9 @@ struct Prototype {
 
 // What one file declares, in order of appearance.
 struct Declarations {
+    std::string source;
+    std::string mainName;                          // how the file spells Main, when it has it
+    int lastLine = 0;                              // as the first pass counts
     std::vector<const ClassInfo*> classes;         // Types and Elements met, duplicates included
     std::vector<std::string> forwardDeclarations;  // "class KVL_TPlayer;", one per entry of `classes`
     std::vector<Prototype> functions;              // Main has none
@@ -35,9 +38,12 @@ struct Declarations {
     std::vector<std::string> includes;  // as written
 };
 
-// Collects the declarations of a source; included files are translated where they are met. A file that is
-// read again finds its own declarations. Whatever is wrong ends the run.
-void CollectDeclarations(const std::string& source, Declarations& out);
+// Goes through the file that an Include names; false when nothing more can be collected.
+using IncludeFollower = bool (*)(const std::string& name);
+
+// Collects the declarations of out.source. False when nothing more can be collected, of any file; mistakes are kept,
+// those that end the file are thrown.
+bool CollectDeclarations(Declarations& out, IncludeFollower follow);
 
 // Whether the first pass or the name scan looks at statements that begin with the word.
 bool IsCollected(Keyword keyword);

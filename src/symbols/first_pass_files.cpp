@@ -1,57 +1,33 @@
 // Lines that name other files: Include, Import, Linker.
-#include "driver/paths.h"
-#include "driver/report.h"
+#include "driver/journal.h"
 #include "driver/settings.h"
-#include "lexer/source_reader.h"
 #include "linking/linker_flags.h"
 #include "linking/userlib_reader.h"
-#include "statements/translate.h"
 #include "symbols/first_pass_state.h"
-#include "symbols/source_lines.h"
 
-namespace {
-
-bool IsProcessed(const std::string& name) { return symbols.processedNames.count(name) != 0; }
-
-void SkipDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate include: " + name); }
-
-}  // namespace
+static void SayDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate import: " + name); }
 
 void CollectImport(FirstPass&, TokenSpan tokens) {
     const std::string name(Unquoted(tokens[1]));
-    if (IsProcessed(name)) {
-        VerboseNote("  - Skipping duplicate import: " + name);
-        return;
+    if (symbols.processedNames.count(name) != 0) return SayDuplicate(name);
+    {
+        const TellOnly first(Telling::First);
+        VerboseNote("  - Importing userlib: " + name);
+        ImportUserlib(InstallationPath("userlibs/" + name));
     }
-    VerboseNote("  - Importing userlib: " + name);
-    ImportUserlib(InstallationPath("userlibs/" + name));
+    const TellOnly second(Telling::Second);
+    SayDuplicate(name);
     symbols.processedNames.insert(name);
     symbols.importedNames.insert(name);
 }
 
-void CollectLinker(FirstPass&, TokenSpan tokens) { AddLinkerFlag(tokens[1]); }
+void CollectLinker(FirstPass&, TokenSpan tokens) {
+    const TellOnly first(Telling::First);
+    AddLinkerFlag(tokens[1]);
+}
 
 void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     if (!IsQuoted(tokens[1])) return;
-    const std::string quoted(Unquoted(tokens[1]));
-    pass.out.includes.push_back(quoted);
-    if (IsProcessed(quoted)) return SkipDuplicate(quoted);
-    const IncludeName name = SplitIncludeName(quoted);
-    const std::string path = IncludeSourcePath(name);
-    // The same file under another spelling of its path.
-    if (symbols.includedFiles.count(FileId(path)) != 0) return SkipDuplicate(quoted);
-    const std::string folder = IncludeOutputFolder(name);
-    if (!IsFile(path)) {
-        RefuseNoFile(path);
-        ReportFatal("Include file does not exist.");
-    }
-    symbols.includedFiles.insert(FileId(path));
-    Say(path);
-    VerboseNote("  - Processing include: " + path);
-    const std::string file = settings.currentFile;
-    const int line = settings.currentLine;
-    TranslateFile(path, folder, false, true);
-    settings.currentFile = file;
-    settings.currentLine = line;
-    symbols.processedNames.insert(quoted);
+    pass.out.includes.emplace_back(Unquoted(tokens[1]));
+    pass.goesOn = pass.follow(pass.out.includes.back());
 }

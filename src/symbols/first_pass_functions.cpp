@@ -3,7 +3,6 @@
 
 #include "driver/report.h"
 #include "driver/settings.h"
-#include "symbols/extern_functions.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/parameters.h"
@@ -19,9 +18,9 @@ void RegisterExtern(const std::string& name) {
 void RegisterMain(FirstPass& pass, Routine&& routine) {
     routine.cppName = "main";
     routine.result = Single(Base::Int);
-    if (!pass.again && HasMainFunction()) FailAlreadyDefined(routine.name);
-    pass.mainName = routine.name;
-    symbols.functions[pass.mainName] = std::move(routine);
+    if (HasMainFunction()) FailAlreadyDefined(routine.name);
+    pass.out.mainName = routine.name;
+    symbols.functions[pass.out.mainName] = std::move(routine);
 }
 
 bool SameSignature(const Routine& a, const Routine& b) {
@@ -32,33 +31,16 @@ bool SameSignature(const Routine& a, const Routine& b) {
 
 // Enters the Function and tells the prototype whether the name is taken. One C function may be declared in
 // several Extern blocks; the first declaration counts.
-void Register(const FirstPass& pass, const Routine& routine, Prototype& prototype) {
+void Register(const Routine& routine, Prototype& prototype) {
     const auto entered = symbols.functions.emplace(routine.name, routine);
     Routine& known = entered.first->second;
     if (entered.second) return;
     if (known.isExtern && routine.isExtern) {
         prototype.again = known.file != routine.file || known.line != routine.line;
         prototype.clashes = !SameSignature(known, routine);
-    } else if (pass.again) {
-        known = routine;
     } else {
         prototype.clashes = true;
     }
-}
-
-void Settle(Routine& routine) {
-    settings.currentLine = routine.line;
-    SettleParameters(routine);
-}
-
-void DeclareExtern(Prototype& prototype, Routine& routine) {
-    ExternTexts texts = TextsOfExtern(routine);
-    routine.cppName = std::move(texts.cppName);
-    prototype.bound = texts.bound;
-    prototype.text = std::move(texts.prototype);
-    if (texts.wrapper.empty()) return;
-    // One definition is enough; where a header comes before that of the other file, this declares it.
-    prototype.wrapper = texts.wrapper + (prototype.again ? ";" : " { " + texts.body + " }");
 }
 
 }  // namespace
@@ -76,7 +58,7 @@ void CollectExtern(FirstPass& pass, TokenSpan tokens) {
 void CollectFunction(FirstPass& pass, TokenSpan tokens) {
     Routine routine = ParseRoutineHeader(tokens);
     routine.isExtern = pass.inExtern;
-    routine.file = pass.source;
+    routine.file = pass.out.source;
     routine.line = pass.line;
     ++pass.out.functionCount;
     if (!pass.inExtern && Lower(routine.name) == "main") return RegisterMain(pass, std::move(routine));
@@ -86,26 +68,6 @@ void CollectFunction(FirstPass& pass, TokenSpan tokens) {
     prototype.name = routine.name;
     prototype.isExtern = routine.isExtern;
     prototype.line = settings.currentLine;
-    Register(pass, routine, prototype);
+    Register(routine, prototype);
     pass.out.functions.push_back(std::move(prototype));
-}
-
-void FinishRoutines(FirstPass& pass) {
-    const int line = settings.currentLine;
-    if (!pass.mainName.empty()) Settle(symbols.functions.at(pass.mainName));
-    for (Prototype& prototype : pass.out.functions) {
-        if (prototype.clashes) continue;
-        Routine& routine = symbols.functions.at(prototype.name);
-        Settle(routine);
-        if (routine.isExtern)
-            DeclareExtern(prototype, routine);
-        else
-            prototype.text = PrototypeText(routine);
-    }
-    for (const ClassInfo* declared : pass.out.classes) {
-        if (!declared->registered || declared->sourceFile != pass.source) continue;
-        ClassInfo& cls = *FindClass(declared->name);
-        for (const std::string& method : cls.methods) Settle(cls.routines.at(method));
-    }
-    settings.currentLine = line;
 }

@@ -49,27 +49,21 @@ void RememberType(FirstPass& pass, const Variable& variable, const Kind& kind) {
     list.emplace_back(variable.name, CppName(variable.type));
 }
 
-void Register(const FirstPass& pass, Variable&& variable, const Kind& kind) {
-    auto& table = kind.isConst ? symbols.constants : symbols.globals;
-    const auto found = table.find(variable.name);
-    if (!pass.again) {
-        if (IsTaken(variable.name)) FailAlreadyDefined(variable.name);
-        variable.isConst = kind.isConst;
-        table.emplace(variable.name, std::move(variable));
-    } else if (found != table.end() && !variable.typed) {
-        found->second.type = variable.type;  // names that were unread the first time may change it
-    }
+void Register(Variable&& variable, const Kind& kind) {
+    if (IsTaken(variable.name)) FailAlreadyDefined(variable.name);
+    variable.isConst = kind.isConst;
+    (kind.isConst ? symbols.constants : symbols.globals).emplace(variable.name, std::move(variable));
 }
 
 void Collect(FirstPass& pass, TokenSpan tokens, const Kind& kind) {
     if (tokens.empty()) return;
-    if (!pass.again) RefuseFieldName(tokens[0], kind);
+    RefuseFieldName(tokens[0], kind);
     CheckName(tokens[0]);
     RememberName(pass, tokens[0], kind);
     Variable variable = ReadDeclaration(pass, tokens);
     SayFound(variable, variable.typed ? tokens[2] : "", kind);
     RememberType(pass, variable, kind);
-    Register(pass, std::move(variable), kind);
+    Register(std::move(variable), kind);
 }
 
 bool IsDoubleTable(const std::string& type) {
@@ -82,7 +76,7 @@ Variable ReadDeclaration(const FirstPass& pass, TokenSpan tokens) {
     Variable variable;
     variable.name = tokens[0];
     variable.cppName = SafeName(tokens[0]);
-    variable.file = pass.source;
+    variable.file = pass.out.source;
     variable.line = pass.line;
     variable.typed = Is(tokens[1], ":");
     TypeNote note;
@@ -125,12 +119,11 @@ void CollectPreCalc(FirstPass& pass, TokenSpan tokens) {
     table.form = ArrayForm::Fixed;
     table.isPreCalc = true;
     table.typed = true;
-    table.file = pass.source;
+    table.file = pass.out.source;
     table.line = pass.line;
     CheckName(table.name);
     if (pass.globals.insert(table.name).second) pass.out.globalNames.push_back(table.name);
     pass.out.preCalcNames.push_back(table.name);
-    if (pass.again) return;
     if (IsTaken(table.name)) FailAlreadyDefined(table.name);
     symbols.globals.emplace(table.name, std::move(table));
 }

@@ -8,14 +8,13 @@
 #include "symbols/first_pass.h"
 
 struct FirstPass {
-    FirstPass(Declarations& lists, const std::string& path) : out(lists), source(path) {}
+    FirstPass(Declarations& lists, IncludeFollower includes) : out(lists), follow(includes) {}
 
     Declarations& out;
-    std::string source;
-    bool again = false;  // collected before: nothing is registered or compared once more
-    int line = 0;        // physical line of the statement, the place that declarations carry
+    IncludeFollower follow;
+    bool goesOn = true;
+    int line = 0;  // physical line of the statement, the place that declarations carry
     bool inExtern = false;
-    std::string mainName;  // how this file spells Main, when it has it
 
     // The open Type or Element.
     bool inType = false;
@@ -43,12 +42,6 @@ void CollectPreCalc(FirstPass& pass, TokenSpan tokens);
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens);
 void CollectFunction(FirstPass& pass, TokenSpan tokens);
-
-// Settles the parameters of the file's routines and writes the prototypes, once all its names are known.
-void FinishRoutines(FirstPass& pass);
-
-// Ends the run when Elements hold each other by value in a circle.
-void CheckElementCycles();
 
 // Reads `name [: type] [= value]` into a variable declared on the pass's line. The type stays Unknown
 // without an annotation.

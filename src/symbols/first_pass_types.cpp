@@ -1,6 +1,5 @@
 // Types and Elements with their Fields and Methods.
-#include <unordered_map>
-
+#include "driver/journal.h"
 #include "driver/report.h"
 #include "driver/settings.h"
 #include "symbols/first_pass_state.h"
@@ -72,13 +71,22 @@ void SayRegistered(const ClassInfo& cls) {
     }
 }
 
+void SayDuplicate(const ClassInfo& cls) {
+    VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile + ")");
+}
+
 void Register(ClassInfo& cls, ClassInfo&& read) {
     cls = std::move(read);
     cls.registered = true;
     for (auto& routine : cls.routines) routine.second.owner = &cls;
     for (const std::string& field : cls.fields) symbols.fieldOwners.emplace(field, &cls);
     symbols.classList.push_back(&cls);
-    SayRegistered(cls);
+    {
+        const TellOnly first(Telling::First);
+        SayRegistered(cls);
+    }
+    const TellOnly second(Telling::Second);
+    SayDuplicate(cls);
 }
 
 ClassInfo& ClassNamed(const std::string& name) {
@@ -89,53 +97,13 @@ ClassInfo& ClassNamed(const std::string& name) {
     return cls;
 }
 
-// Walks the Elements that an Element holds by value, depth first.
-class CycleSearch {
-public:
-    void Visit(const ClassInfo& element) {
-        int& state = states[&element];
-        if (state == done) return;
-        state = open;
-        path.push_back(&element);
-        for (const std::string& name : element.fields) Follow(element, element.members.at(name));
-        path.pop_back();
-        states[&element] = done;
-    }
-
-private:
-    static constexpr int open = 1;
-    static constexpr int done = 2;
-    std::unordered_map<const ClassInfo*, int> states;
-    std::vector<const ClassInfo*> path;
-
-    void Follow(const ClassInfo& element, const Variable& field) {
-        // The items of an array are constructed with the Element; those of a Sequence come later.
-        if (field.type.base != Base::Element || field.type.sequence) return;
-        if (states[field.type.cls] == open) Fail(element, field);
-        Visit(*field.type.cls);
-    }
-
-    [[noreturn]] void Fail(const ClassInfo& element, const Variable& field) const {
-        std::string chain;
-        bool inCircle = false;
-        for (const ClassInfo* cls : path) {
-            inCircle = inCircle || cls == field.type.cls;
-            if (inCircle) chain += cls->name + " -> ";
-        }
-        settings.currentFile = element.sourceFile;
-        settings.currentLine = field.line;
-        ReportFatal("An Element cannot contain itself: " + chain + field.type.cls->name +
-                    ". Use a Type or a Sequence for the Field '" + field.name + "'");
-    }
-};
-
 }  // namespace
 
 void CollectClass(FirstPass& pass, TokenSpan tokens) {
     const std::string& name = tokens[1];
     pass.open = ClassInfo();
     pass.open.name = name;
-    pass.open.sourceFile = pass.source;
+    pass.open.sourceFile = pass.out.source;
     pass.open.isElement = tokens.KeywordAt(0) == Keyword::Element;
     pass.open.cppName = SafeName(name);
     pass.open.line = pass.line;
@@ -151,11 +119,7 @@ void CollectEndClass(FirstPass& pass, TokenSpan) {
     if (!pass.inType) return;
     pass.inType = false;
     ClassInfo& cls = ClassNamed(pass.open.name);
-    if (cls.registered) {
-        VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile +
-                    ")");
-        return;
-    }
+    if (cls.registered) return SayDuplicate(cls);
     Register(cls, std::move(pass.open));
     pass.open = ClassInfo();
 }
@@ -177,7 +141,7 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     Routine method = ParseRoutineHeader(tokens);
     method.cppName = MethodCppName(open, name);
     method.isPrivate = pass.isPrivate;
-    method.file = pass.source;
+    method.file = pass.out.source;
     method.line = pass.line;
     open.methods.push_back(name);
     open.routines.emplace(name, std::move(method));
@@ -186,11 +150,4 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
 // Only the lower-case spellings are access keywords.
 void CollectAccess(FirstPass& pass, TokenSpan tokens) {
     if (Is(tokens[0], "private") || Is(tokens[0], "public")) pass.isPrivate = Is(tokens[0], "private");
-}
-
-void CheckElementCycles() {
-    CycleSearch search;
-    for (const ClassInfo* cls : symbols.classList) {
-        if (cls->isElement) search.Visit(*cls);
-    }
 }

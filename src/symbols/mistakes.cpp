@@ -4,8 +4,8 @@
 #include <tuple>
 #include <unordered_set>
 
+#include "driver/journal.h"
 #include "driver/run.h"
-#include "driver/settings.h"
 #include "lexer/mentions.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -71,9 +71,11 @@ auto PlaceOf(const korvel::Diagnostic& mistake) {
 }  // namespace
 
 void KeepMistake(const Stop& stop, TokenSpan statement) {
-    if (!settings.allMistakes) throw Stop(stop);
-    if (kept.empty() || !MentionsDoubtful(statement))
+    const bool isUnread = stop.ofUnknown && !symbols.complete;
+    if (!isUnread && (kept.empty() || !MentionsDoubtful(statement))) {
         kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
+        NoteMistake(stop);
+    }
     DoubtNamesOf(statement);
 }
 
@@ -84,6 +86,8 @@ bool IsDoubtful(const Word& name) {
 }
 
 void EndDoubtsOfRoutine() { doubtfulInRoutine.clear(); }
+
+bool AnyMistakes() { return !kept.empty(); }
 
 std::vector<korvel::Diagnostic> KeptMistakes() {
     std::vector<korvel::Diagnostic> mistakes = kept;

@@ -1,5 +1,5 @@
-// All mistakes of a program, for those who want more than the first (settings.allMistakes). What only follows from
-// an earlier mistake is no mistake of its own: names that a wrong statement declares or cannot find are doubtful from
+// All mistakes of a program. kvt tells the one that comes first in the journal. What only follows from an earlier
+// mistake is no mistake of its own: names that a wrong statement declares or cannot find are doubtful from
 // there on, and whatever is wrong in a statement that mentions a doubtful name is not told.
 #pragma once
 
@@ -8,8 +8,8 @@
 #include "driver/report.h"
 #include "lexer/token_span.h"
 
-// Called where a mistake has been caught: throws it on unless all are wanted. Else it is kept, if the statement
-// mentions nothing doubtful, and the statement's own names become doubtful.
+// Called where a mistake has been caught: it is kept, if the statement mentions nothing doubtful, and the
+// statement's own names become doubtful.
 void KeepMistake(const Stop& stop, TokenSpan statement);
 
 // Doubts the name until the routine under way ends.
@@ -18,5 +18,6 @@ bool IsDoubtful(const Word& name);
 // The names of a routine that ends are doubted no more.
 void EndDoubtsOfRoutine();
 
+bool AnyMistakes();
 // What has been kept so far, each mistake once, by file and line.
 std::vector<korvel::Diagnostic> KeptMistakes();

@@ -95,14 +95,11 @@ ValueType DefaultType(TokenSpan value) {
 }
 
 void SettleDefault(Parameter& parameter) {
-    ValueType type = DefaultType(parameter.defaultValue);
-    if (type.base == Base::Void) {
-        if (!lenient) {
-            ReportFatal("The default value of parameter '" + parameter.name +
-                        "' must be a number, a text, True, False, Null or a Const");
-        }
-        type = Single(Base::Int);
-    } else if (!parameter.untyped && !Assignable(parameter.type, type)) {
+    const ValueType type = DefaultType(parameter.defaultValue);
+    if (type.base == Base::Void)
+        ReportUnknown("The default value of parameter '" + parameter.name +
+                      "' must be a number, a text, True, False, Null or a Const");
+    if (!parameter.untyped && !Assignable(parameter.type, type)) {
         ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " +
                     ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +
                     ConversionHint(parameter.type, type));

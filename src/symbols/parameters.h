@@ -12,7 +12,7 @@
 Routine ParseRoutineHeader(TokenSpan tokens);
 
 // Gives untyped parameters the type of their default value (Int without one) and checks that every
-// default value is a constant of a fitting type. In the lenient pass an unknown Const counts as Int.
+// default value is a constant of a fitting type.
 void SettleParameters(Routine& routine);
 
 // The C++ parameter list: "()" or "(int KVL_a, double KVL_b = 1.5)"; defaults only when asked for.

@@ -101,7 +101,7 @@ void RefuseConstName(const std::string& name) {
     if (StandsBefore(constant))
         ReportFatal("Syntax error: Variable '" + name +
                     "' conflicts with an already-declared Const (first come first served)");
-    constant.isTakenEarlier = constant.isTakenEarlier || !lenient;
+    constant.isTakenEarlier = true;
 }
 
 bool IsStored(const std::string& name) { return IsRecorded(name) || IsRecorded("kvl_" + name); }
@@ -215,7 +215,7 @@ void ReachConst(const std::string& name) {
     if (constant.isTakenEarlier)
         ReportFatal("Syntax error: Const '" + name +
                     "' conflicts with an already-declared Variable (first come first served)");
-    constant.isReached = !lenient;
+    constant.isReached = true;
 }
 
 bool IsVariableInScope(const std::string& name) {

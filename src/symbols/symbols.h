@@ -123,7 +123,7 @@ struct Symbols {
     // Every Field name, with the first class that has it: for the clash with Globals and Consts.
     std::unordered_map<std::string, const ClassInfo*> fieldOwners;
 
-    // Whether all declarations have been read, those of included files too. Written by the translator.
+    // Whether all declarations have been read, those of included files too. Written when that is done.
     bool complete = false;
     // Whether any source file holds inline C++. Written by the first pass.
     bool inlineCpp = false;
@@ -138,18 +138,13 @@ struct Symbols {
     // Files that are included inside Functions and Methods only, where their text is to stand, by their ids
     // (see FileId) with a number each. Written by the name scan.
     std::unordered_map<std::string, int> parts;
-    // Files whose declarations have been collected once. Written and read by the first pass.
-    std::unordered_set<std::string> collectedFiles;
 
     // Names of files already included or imported, and what the run produces.
     std::unordered_set<std::string> processedNames;
     std::unordered_set<std::string> importedNames;  // those of Import lines
-    // The files behind the names of Includes, however they are spelt. Written and read by the first pass.
-    std::unordered_set<std::string> includedFiles;
     std::vector<std::string> includeHeaders;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;
-    std::unordered_set<std::string> linkerLines;  // Linker lines read so far, with their files
     // What AddOnce put on which of these lists.
     std::unordered_map<const void*, std::unordered_set<std::string>> listed;
 };

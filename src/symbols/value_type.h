@@ -6,7 +6,7 @@
 struct ClassInfo;
 
 enum class Base : unsigned char {
-    Unknown,  // lets every check pass; only while names are still unread (lenient pass) or after inline C++
+    Unknown,  // lets every check pass; only after inline C++ and mistakes
     Void,
     Int,
     Double,
