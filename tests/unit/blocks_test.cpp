@@ -8,13 +8,6 @@
 
 namespace {
 
-TEST(Blocks, NestOnlySoDeep) {
-    State state;
-    for (int i = 0; i < 1000; ++i) OpenNewBlock(state, BlockKind::If);
-    EXPECT_FATAL(OpenNewBlock(state, BlockKind::Loop),
-                 "Blocks are nested too deeply. Put the inner ones into a Function");
-}
-
 // By their words the innermost of their kind, in C++ the innermost braces.
 TEST(Blocks, Cross) {
     State state;
