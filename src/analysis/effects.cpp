@@ -159,12 +159,13 @@ void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names) {
 
 namespace {
 
-// Whether who is called changes what it was handed.
+// Whether who is called changes what it was handed. Of a record that may be an array or Sequence in it.
 bool IsChanged(const EffectSet& set, const Variable& own) {
     if (set.anything) return true;
     if (!own.type.IsSingle()) return set.changesPassed;
     std::vector<Thing> fields;
     if (own.type.cls != nullptr) AddFields(*own.type.cls, fields);
+    if (set.changesPassed && std::any_of(fields.begin(), fields.end(), HoldsItems)) return true;
     std::sort(fields.begin(), fields.end());
     return Meet(fields, set.changes);
 }

@@ -21,6 +21,7 @@ struct Place {
     std::string field;    // name of the Field
     std::string cppName;  // of the variable or Field; empty, which every line mentions, when it has no name
     ValueType type;
+    bool runsCode = false;  // to be found
 };
 
 struct OpenWalk {
@@ -47,7 +48,7 @@ const Variable* RootOf(const Expr& sequence) {
 }
 
 Place PlaceOf(const Expr& sequence) {
-    Place place{sequence.text, RootOf(sequence), HomeOf(sequence), "", "", sequence.type};
+    Place place{sequence.text, RootOf(sequence), HomeOf(sequence), "", "", sequence.type, sequence.effects};
     if (sequence.variable != nullptr) {
         place.cppName = sequence.variable->cppName;
         if (place.home == Home::Field) place.field = sequence.variable->name;
@@ -64,10 +65,28 @@ Place PlaceOf(const Expr& sequence) {
     return place;
 }
 
-// Whether two texts mean one Sequence: the names in them may belong to different blocks.
-bool IsSame(const Place& a, const Place& b) { return a.text == b.text && a.root == b.root; }
+// Whether two texts mean one Sequence, unless an object or index on the way has changed in between: the names in
+// them may belong to different blocks.
+bool IsSame(const Place& a, const Place& b) { return a.text == b.text && a.root == b.root && !a.runsCode; }
 bool IsOver(const Place& place, const Expr& sequence) {
-    return place.text == sequence.text && place.root == RootOf(sequence);
+    return place.text == sequence.text && place.root == RootOf(sequence) && !place.runsCode;
+}
+
+// Whether the way to the Sequence leads through no object or item that may become another one: it is a variable,
+// or a Field of the Method's object or of a record.
+bool StaysInPlace(const Expr& sequence) {
+    if (sequence.variable != nullptr) return true;
+    const TokenSpan source = sequence.source;
+    const Variable* root = source.size() == 3 ? FindVariable(source[0]) : nullptr;
+    return root != nullptr && (root->type.Is(Base::Element) || source.KeywordAt(0) == Keyword::This);
+}
+
+// __kvWalk_KVL_x.Removing(0) , or __kvWalk_KVL_x.Removing(KVL_a -> KVL_q, 0) where KVL_a may have become another
+std::string Told(const OpenWalk& walk, const char* member, const Expr& sequence,
+                 const std::string& argument) {
+    std::string arguments = StaysInPlace(sequence) ? "" : sequence.text;
+    if (!arguments.empty() && !argument.empty()) arguments += ", ";
+    return walk.name + "." + member + "(" + arguments + argument + ")";
 }
 
 // Whether they may mean one.
@@ -162,7 +181,7 @@ std::string TellWalks(const Expr& sequence, const char* member, const std::strin
     for (OpenWalk& walk : walks) {
         if (!IsOver(walk.place, sequence)) continue;
         walk.changed = true;
-        text = walk.name + "." + member + "(" + text + ")";
+        text = Told(walk, member, sequence, text);
     }
     return text;
 }
@@ -172,7 +191,7 @@ std::string WalkCalls(const Expr& sequence, const char* member, const char* sepa
     for (OpenWalk& walk : walks) {
         if (!IsOver(walk.place, sequence)) continue;
         walk.changed = true;
-        text += walk.name + "." + member + "()" + separator;
+        text += Told(walk, member, sequence, "") + separator;
     }
     return text;
 }
@@ -212,7 +231,7 @@ std::string WhileReordered(const Expr& sequence, std::string text) {
     const Place place = PlaceOf(sequence);
     std::string told;
     for (OpenWalk& walk : walks) {
-        if (walk.place.text == place.text)
+        if (IsSame(walk.place, place))
             told += Sign(walk, leave);
         else if (MayBeSame(walk.place, place))
             text = Wrapped(walk, text);

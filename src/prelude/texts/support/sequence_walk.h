@@ -67,6 +67,12 @@ public:
         Removing(_seq.Find(value));
         return value;
     }
+    // The same of a Sequence that may not be the one that is walked any more.
+    void Leave(KVSeq<T>& seq) { if(&seq == &_seq) Leave(); }
+    int Inserting(KVSeq<T>& seq, int at) { return &seq == &_seq ? Inserting(at) : at; }
+    void InsertingFirst(KVSeq<T>& seq) { if(&seq == &_seq) Inserting(0); }
+    int Removing(KVSeq<T>& seq, int at) { return &seq == &_seq ? Removing(at) : at; }
+    const T& RemovingValue(KVSeq<T>& seq, const T& value) { return &seq == &_seq ? RemovingValue(value) : value; }
 private:
     KVSeq<T>& _seq;
     T _original, _next, _last;  // the item as the Sequence has it, the one behind it, the last one to be met
