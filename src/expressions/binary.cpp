@@ -108,7 +108,7 @@ Expr Divide(Expr left, const BinaryOperator& op, Expr right) {
     }
     NotePreludeUse();
     // C++ takes the arguments of a call in any order, but not what stands between braces.
-    const bool ordered = IsOrderSeen(left, right);
+    const bool ordered = OrderMatters(left, right);
     if (ordered || (remainder && common == Base::Double)) RequireSupport(Support::SafeOperands);
     if (ordered) {
         Expr result;
@@ -171,7 +171,7 @@ Expr Compare(Expr left, const BinaryOperator& op, Expr right) {
     }
     if (!Comparable(left, op, right)) FailOperands(left, op, right);
     if (left.literal && right.literal) left.text = "std::string(" + left.text + ")";
-    if (IsText(left) && IsText(right) && IsOrderSeen(left, right)) {
+    if (IsText(left) && IsText(right) && OrderMatters(left, right)) {
         RequireSupport(Support::TextInOrder);
         Expr order, zero;
         order.text = "__kvTexts{" + left.text + ", " + right.text + "}.Order()";

@@ -5,14 +5,28 @@
 
 namespace {
 
-// A lambda in the initial value of a Field cannot reach the object.
-bool LambdaReachesAll() { return InsideRoutine() || currentClass == nullptr; }
+// What a lambda takes along: in the initial value of a Field that is the object, outside of classes nothing.
+const char* Capture() {
+    if (InsideRoutine()) return "[&]";
+    return currentClass != nullptr && !FileLevelNames::InForce() ? "[this]" : "[]";
+}
 
 std::vector<const Expr*> PointersTo(const std::vector<Expr>& expressions) {
     std::vector<const Expr*> pointers;
     pointers.reserve(expressions.size());
     for (const Expr& expr : expressions) pointers.push_back(&expr);
     return pointers;
+}
+
+bool IsOrderSeen(const std::vector<const Expr*>& expressions) {
+    bool effects = false;
+    std::vector<TokenSpan> pieces;
+    pieces.reserve(expressions.size());
+    for (const Expr* expr : expressions) {
+        effects = effects || expr->effects;
+        pieces.push_back(expr->source);
+    }
+    return effects && pieces.size() > 1 && OrderCanBeSeen(pieces);
 }
 
 }  // namespace
@@ -32,22 +46,10 @@ std::string InOrder::NameObject(const std::string& text) {
 
 std::string InOrder::Text(const std::string& resultCppType, const std::string& call) const {
     ++lambdaCount;
-    const std::string capture = InsideRoutine() ? "[&]" : "[]";
-    return capture + "() -> " + resultCppType + " { " + values + "return " + call + "; }()";
+    return std::string(Capture()) + "() -> " + resultCppType + " { " + values + "return " + call + "; }()";
 }
 
 bool MayRepeat(const Expr& operand) { return !operand.effects || MayRepeat(operand.source); }
-
-bool IsOrderSeen(const std::vector<const Expr*>& expressions) {
-    bool effects = false;
-    std::vector<TokenSpan> pieces;
-    pieces.reserve(expressions.size());
-    for (const Expr* expr : expressions) {
-        effects = effects || expr->effects;
-        pieces.push_back(expr->source);
-    }
-    return effects && pieces.size() > 1 && OrderCanBeSeen(pieces);
-}
 
 bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others) {
     bool effects = place.effects;
@@ -61,20 +63,14 @@ bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others) {
     return OrderCanBeSeen(pieces);
 }
 
-bool IsOrderSeen(const Expr& first, const Expr& second) { return IsOrderSeen({&first, &second}); }
+bool OrderMatters(const std::vector<Expr>& expressions) { return IsOrderSeen(PointersTo(expressions)); }
 
-bool OrderMatters(const std::vector<Expr>& expressions) {
-    return LambdaReachesAll() && IsOrderSeen(PointersTo(expressions));
-}
-
-bool OrderMatters(const Expr& first, const Expr& second) {
-    return LambdaReachesAll() && IsOrderSeen(first, second);
-}
+bool OrderMatters(const Expr& first, const Expr& second) { return IsOrderSeen({&first, &second}); }
 
 bool OrderMatters(const Expr& object, const std::vector<Expr>& arguments) {
     std::vector<const Expr*> all = PointersTo(arguments);
     all.insert(all.begin(), &object);
-    return LambdaReachesAll() && IsOrderSeen(all);
+    return IsOrderSeen(all);
 }
 
 void NameArguments(InOrder& inOrder, const Routine& routine, const std::vector<Expr>& arguments,

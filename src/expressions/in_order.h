@@ -23,14 +23,11 @@ private:
 };
 
 // Whether it can be seen in which order the expressions are worked out.
-bool IsOrderSeen(const std::vector<const Expr*>& expressions);
-bool IsOrderSeen(const Expr& first, const Expr& second);
-// The same where the first one is only looked up: an array before its indices, a target before its value.
-bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others);
-// The same, where a lambda can name them.
 bool OrderMatters(const std::vector<Expr>& expressions);
 bool OrderMatters(const Expr& first, const Expr& second);
 bool OrderMatters(const Expr& object, const std::vector<Expr>& arguments);
+// The same where the first one is only looked up: an array before its indices, a target before its value.
+bool IsLookUpSeen(const Expr& place, const std::vector<Expr>& others);
 // Names the values that go to the routine, except for arrays and Sequences: they stay where they are, since
 // they live to the end of the call only.
 void NameArguments(InOrder& inOrder, const Routine& routine, const std::vector<Expr>& arguments,

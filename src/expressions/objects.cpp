@@ -84,36 +84,20 @@ Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
     return ObjectOf(object.type.cls, object.text + "->" + member + "()");
 }
 
-// What Insert moves, or where to. It may be a call with arguments, but these stand in parentheses.
+// What Insert moves, or where to: a call there has its arguments in parentheses, though Insert has none.
 Expr ParseInserted(Walk& walk, const std::string& word) {
-    const std::size_t begin = walk.at;
-    const std::size_t calls = callCount;
     const bool statement = walk.callStatement;
     walk.callStatement = false;
     Expr object = ParsePrimary(walk);
     walk.callStatement = statement;
     RequireObject(object, word);
-    object.effects = callCount != calls;
-    object.source = walk.tokens.Slice(begin, walk.at);
     return object;
-}
-
-// KVL_a->InsertAfter(KVL_b)
-std::string InsertText(const Expr& object, const char* place, const Expr& target) {
-    const std::string member = std::string("->Insert") + place + "(";
-    if (OrderMatters(object, target)) {
-        InOrder inOrder;
-        const std::string moved = inOrder.Name(object.type, object.text);
-        const std::string beside = inOrder.Name(target.type, target.text);
-        return inOrder.Text("void", moved + member + beside + ")");
-    }
-    return (object.level == Level::Primary ? object.text : "(" + object.text + ")") + member + target.text +
-           ")";
 }
 
 // Insert a After b
 Expr ParseInsert(Walk& walk, const std::string& word) {
-    const Expr object = ParseInserted(walk, word);
+    Expr object = ParseInserted(walk, word);
+    if (object.level != Level::Primary) object.text = "(" + object.text + ")";
     const Keyword place = walk.PeekKeyword();
     if (place != Keyword::Before && place != Keyword::After)
         ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
@@ -124,7 +108,9 @@ Expr ParseInsert(Walk& walk, const std::string& word) {
                     KorvelName(target.type));
     }
     programUses.inserts = true;
-    Expr expr = ObjectOf(nullptr, InsertText(object, place == Keyword::After ? "After" : "Before", target));
+    Expr expr =
+        ObjectOf(nullptr, object.text + (place == Keyword::After ? "->InsertAfter(" : "->InsertBefore(") +
+                              target.text + ")");
     expr.type = Single(Base::Void);
     return expr;
 }

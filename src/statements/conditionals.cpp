@@ -118,6 +118,7 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
             ++at;
             break;
         }
+        if (elseSeen && outerOneLine) break;  // the outer If's
         if (elseSeen) ReportFatal("'" + tokens[at] + "' after 'Else'");
         CloseBranch(state);
         BeginBranch(state);
