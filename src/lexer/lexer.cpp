@@ -191,22 +191,6 @@ constexpr char unclosedParenthesis[] = "Unclosed parenthesis '('";
 
 const char* BoolText(bool value) { return value ? "true" : "false"; }
 
-void PrintVerboseLine(std::int32_t number, bool skipValidation, std::string_view line) {
-    std::string text = "DEBUG LexLine: line=" + std::to_string(number) +
-                       " skipValidation=" + BoolText(skipValidation) + " content=\"";
-    text += line.substr(0, 50);
-    if (line.size() > 50) text += "...";
-    text += "\"\n";
-    SayLines(text, true);
-}
-
-void PrintVerboseTrouble(const LexTrouble& trouble) {
-    SayLines(
-        "DEBUG: Triggering unclosed paren error - parenDepth=" + std::to_string(trouble.openParentheses) +
-            " skipValidation=false hasLineContinuation=false\n",
-        true);
-}
-
 const char* ProblemOf(const ScanResult& found, bool continues) {
     if (found.unmatched) return found.unmatched;
     if (continues) return nullptr;
@@ -229,6 +213,24 @@ std::size_t IndentOf(std::string_view line) {
 
 }  // namespace
 
+void ShowLine(std::int32_t number, bool skipValidation, std::string_view line) {
+    if (!settings.verbose) return;
+    std::string text = "DEBUG LexLine: line=" + std::to_string(number) +
+                       " skipValidation=" + BoolText(skipValidation) + " content=\"";
+    text += line.substr(0, 50);
+    if (line.size() > 50) text += "...";
+    text += "\"\n";
+    SayLines(text, true);
+}
+
+void ShowTrouble(const LexTrouble& trouble) {
+    if (!settings.verbose || trouble.message != unclosedParenthesis) return;
+    SayLines(
+        "DEBUG: Triggering unclosed paren error - parenDepth=" + std::to_string(trouble.openParentheses) +
+            " skipValidation=false hasLineContinuation=false\n",
+        true);
+}
+
 Lexer::Lexer() {
     for (const char* c = delimiterCharacters; *c; ++c) delimiters.emplace_back(1, *c);
 }
@@ -241,15 +243,14 @@ LexTrouble Lexer::Cut(std::string_view line) {
 }
 
 std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation) {
-    if (settings.verbose) PrintVerboseLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
+    ShowLine(lineNumber + (countLine ? 1 : 0), skipValidation, line);
     if (countLine) {
         ++lineNumber;
         lineText.assign(line);
     }
     const LexTrouble trouble = Cut(line);
     if (!skipValidation && trouble.message) {
-        const bool unclosed = trouble.message == unclosedParenthesis;
-        if (settings.verbose && unclosed) PrintVerboseTrouble(trouble);
+        ShowTrouble(trouble);
         FailInLine(fileName, lineNumber, trouble.message, lineText);
     }
     const std::size_t comment = keepComment ? CommentStart(line) : std::string_view::npos;
@@ -280,9 +281,7 @@ Tokens Cut(std::string_view text) {
     return tokens;
 }
 
-void ShowSplit(std::string_view text) {
-    if (settings.verbose) PrintVerboseLine(0, true, text);
-}
+void ShowSplit(std::string_view text) { ShowLine(0, true, text); }
 
 Tokens Split(std::string_view text) {
     ShowSplit(text);

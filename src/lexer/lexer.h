@@ -45,8 +45,10 @@ public:
 Tokens Cut(std::string_view text);
 // The same; verbose runs show the text.
 Tokens Split(std::string_view text);
-// What verbose runs show of a text that is split.
+// What verbose runs show of a text that is split, of one that is lexed as a line, and before the report of a line.
 void ShowSplit(std::string_view text);
+void ShowLine(std::int32_t number, bool skipValidation, std::string_view line);
+void ShowTrouble(const LexTrouble& trouble);
 
 // ASCII lower case; other bytes stay.
 std::string Lower(std::string_view text);

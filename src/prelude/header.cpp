@@ -101,8 +101,8 @@ std::string GlobalSection(const FileOutput& out) {
 
 }  // namespace
 
-void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard) {
-    out.headerOpening = "#ifndef " + guard + "\n#define " + guard + "\n\n";
+void OpenHeader(FileOutput& out, const HeaderContents& contents) {
+    out.headerOpening = "#ifndef " + out.guard + "\n#define " + out.guard + "\n\n";
     out.headerOpening += texts::includes;
     out.headerOpening += "using namespace std;\n";
     if (out.isMain) {

@@ -23,7 +23,7 @@ std::string HeaderGuard(const std::string& base);
 std::string CreatedListType(const ClassInfo& cls);
 
 // Writes all header sections up to the function declarations into `out`.
-void OpenHeader(FileOutput& out, const HeaderContents& contents, const std::string& guard);
+void OpenHeader(FileOutput& out, const HeaderContents& contents);
 
 // The whole header; `includes` are the headers that the main header includes.
 std::string HeaderText(const FileOutput& out, const std::vector<std::string>& includes);

@@ -62,6 +62,7 @@ struct FileOutput {
     std::string folder;  // output folder
     std::string header;  // path of the header relative to the top output folder
     std::string base;    // base name, ".debug" included for the main file of a debug build
+    std::string guard;   // of its header
     bool isMain = false;
     bool headerOnly = false;    // from a .kvh folder: its .cpp is dropped
     bool metAgain = false;      // included more than once: its text must count once

@@ -40,8 +40,8 @@ void TellWhereIncluded(const SourceFile& file) {
 
 void IncludeFile(State& state, SourceFile& file) {
     EmitIncludeLine(state, file.output);
-    if (file.isBegun) {
-        FindOutput(file.output.source)->metAgain = true;
+    if (file.begun != nullptr) {
+        file.begun->metAgain = true;
         return;
     }
     NoteInclude(file.output);

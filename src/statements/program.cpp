@@ -23,10 +23,9 @@ Program program;
 
 namespace {
 
-std::unordered_map<std::string, FileOutput*> bySource;      // by file, see FileId
 std::unordered_map<std::string, std::string> outputOwners;  // outputs without extension -> their source
 std::unordered_map<std::string, std::string> guardOwners;   // header guard -> its file
-const PartOfRun partOfRun(program, bySource, outputOwners, guardOwners);
+const PartOfRun partOfRun(program, outputOwners, guardOwners);
 
 // Writes the header and the .cpp of a file; returns a message when that fails.
 std::string WriteOutputs(const FileOutput& out) {
@@ -52,18 +51,11 @@ void ListHeaders() {
 
 }  // namespace
 
-FileOutput* FindOutput(const std::string& source) {
-    auto found = bySource.find(FileId(source));
-    return found == bySource.end() ? nullptr : found->second;
-}
-
 FileOutput& BeginOutput(SourceFile& file) {
-    file.isBegun = true;
     program.files.push_back(file.output);
-    FileOutput& out = program.files.back();
-    bySource[FileId(out.source)] = &out;
-    if (out.isMain) program.main = &out;
-    return out;
+    file.begun = &program.files.back();
+    if (file.begun->isMain) program.main = file.begun;
+    return *file.begun;
 }
 
 void ClaimOutputs(const FileOutput& out) {
@@ -97,7 +89,7 @@ void SayHeaderOpened(const FileOutput& out) {
 void NoteFinished(const FileOutput& out) { NoteFile(out.source); }
 
 void WriteFinished(const std::vector<std::string>& sources) {
-    for (const std::string& source : sources) WriteOutputs(*FindOutput(source));
+    for (const std::string& source : sources) WriteOutputs(*FindSourceFile(source)->begun);
 }
 
 namespace {

@@ -9,9 +9,6 @@
 
 extern Program program;
 
-// The output of a source already translated, or being translated, however its path is spelt; null when there is
-// none.
-FileOutput* FindOutput(const std::string& source);
 // The output of a file whose translation begins.
 FileOutput& BeginOutput(SourceFile& file);
 // Ends the run when another source has the same outputs (util.kvl and util.inc in one folder).

@@ -96,7 +96,7 @@ bool Collect(SourceFile& file) {
     const OpenChapter chapter(file.declared);
     try {
         if (!CollectDeclarations(file.declarations, FollowInclude)) return false;
-        ClaimGuard(file.output);
+        file.output.guard = ClaimGuard(file.output);
         SayCollected(file);
         if (!file.output.isMain) NoteIncludes(file.declarations);
         collected.push_back(&file);

@@ -10,10 +10,10 @@
 #include "symbols/first_pass.h"
 
 struct SourceFile {
-    FileOutput output;  // its names; the outputs themselves begin with the translation
+    FileOutput output;            // its names
+    FileOutput* begun = nullptr;  // the outputs themselves, once its translation has begun
     Declarations declarations;
     Chapter declared, translated;
-    bool isBegun = false;  // its translation
 };
 
 // Those whose declarations have been read, in the order in which that was done: the main one is the last.

@@ -74,7 +74,7 @@ void NoteMentions(FileOutput& out, const Declarations& declarations) {
 
 void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
-    OpenHeader(out, ContentsOf(declarations, out.source), ClaimGuard(out));
+    OpenHeader(out, ContentsOf(declarations, out.source));
     SayHeaderOpened(out);
 }
 
@@ -155,8 +155,8 @@ void TranslateFile(SourceFile& file) {
 }
 
 void TranslatePart(State& state, SourceFile& file) {
-    const bool isFirst = !file.isBegun;
-    FileOutput& out = isFirst ? BeginOutput(file) : *FindOutput(file.output.source);
+    const bool isFirst = file.begun == nullptr;
+    FileOutput& out = isFirst ? BeginOutput(file) : *file.begun;
     const SavedPlace place(*state.out);
     OpenPart part(state, out);
     NoteChapter(file.declared, Telling::Second);
@@ -172,5 +172,5 @@ void TranslateFiles() {
     if (!AnyMistakes()) return;
     // What a mistake has kept Includes from may hold those that are told before it.
     for (SourceFile* file : files)
-        if (!file->isBegun && !IsPart(file->output.source)) TranslateFile(*file);
+        if (file->begun == nullptr && !IsPart(file->output.source)) TranslateFile(*file);
 }

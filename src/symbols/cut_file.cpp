@@ -41,10 +41,7 @@ Keyword FirstWord(const Tokens& tokens) { return tokens.empty() ? Keyword::None 
 
 }  // namespace
 
-bool LineCutter::Open(const std::string& path) {
-    lexer.fileName = path;
-    return reader.Open(path);
-}
+bool LineCutter::Open(const std::string& path) { return reader.Open(path); }
 
 std::string_view LineCutter::ReadLine() {
     ++physical;
@@ -53,31 +50,34 @@ std::string_view LineCutter::ReadLine() {
 
 void LineCutter::NoteTrouble(const LexTrouble& trouble, std::string_view text) {
     if (trouble.message == nullptr || file.trouble.message != nullptr) return;
-    file.trouble = {trouble.message, file.lines.size(), count, std::string(text)};
+    file.trouble = {trouble.message, file.lines.size(), count, std::string(text), trouble.openParentheses};
+}
+
+void LineCutter::NoteLexed(std::string_view text, bool isPiece) {
+    if (!settings.verbose || file.trouble.message != nullptr) return;
+    file.lexed.push_back({file.lines.size(), count, lexedLine, isPiece, std::string(text)});
 }
 
 // A line as it stands.
 void LineCutter::Lex(std::string_view text) {
     ++count;
-    if (lexing == Lexing::Quiet) return NoteTrouble(lexer.Cut(text), text);
-    if (lexing == Lexing::ShownPhysical) lexer.lineNumber = physical - 1;
-    lexer.LexLine(text, false, true, false);
+    lexedLine = physical;
+    NoteLexed(text, false);
+    NoteTrouble(lexer.Cut(text), text);
 }
 
 // The joined line. After "_" it counts once more, in place of the lines that were joined to the first: that
 // makes the first pass's numbers run behind, which is its way.
 void LineCutter::LexJoined(const std::string& text, bool counts) {
     if (counts) ++count;
-    if (lexing == Lexing::Quiet) return NoteTrouble(lexer.Cut(text), text);
-    lexer.LexLine(text, false, counts && lexing == Lexing::ShownCounted, false);
+    NoteLexed(text, false);
+    NoteTrouble(lexer.Cut(text), text);
 }
 
 // What is looked at before it is joined, and inline C++.
 void LineCutter::LexPiece(std::string_view text) {
-    if (lexing == Lexing::Quiet)
-        lexer.Cut(text);
-    else
-        lexer.LexLine(text, false, false, true);
+    NoteLexed(text, true);
+    lexer.Cut(text);
 }
 
 void LineCutter::TakeComment(std::string_view raw) {
@@ -99,7 +99,6 @@ void LineCutter::CutInline() {
         const std::string_view raw = ReadLine();
         LexPiece(raw);
         ++count;
-        if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
         if (lexer.tokens.empty() && !cpp.GoesOn()) continue;
         file.inlineOpen = FirstWord(lexer.tokens) != Keyword::EndInlineCpp;
         if (!file.inlineOpen) {
@@ -121,7 +120,6 @@ void LineCutter::JoinTildeLines(std::string& text) {
         TakeComment(raw);
         const std::string piece = WithoutComment(raw);
         ++count;
-        if (lexing == Lexing::ShownCounted) ++lexer.lineNumber;
         LexPiece(piece);
         more = EndsInTilde(lexer.tokens);
         text += WithoutTildes(piece);

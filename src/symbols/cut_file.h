@@ -38,6 +38,15 @@ struct CutTrouble {
     std::size_t line = 0;  // index of the line that was being cut
     int count = 0;
     std::string text;
+    int openParentheses = 0;
+};
+
+// With -v: a text that was lexed for a line, as the passes show it.
+struct LexedText {
+    std::size_t line = 0;         // index of the line
+    int count = 0, physical = 0;  // its numbers in the first and the second pass
+    bool isPiece = false;         // nothing was checked
+    std::string text;
 };
 
 // A line of inline C++ as it stands.
@@ -56,19 +65,12 @@ struct CutFile {
     CutTrouble trouble;                 // the first
     CutTrouble splitTrouble;            // the first bracket that a "|" cuts apart
     bool inlineOpen = false;            // the file ends inside inline C++
-};
-
-// How lines are put through the lexer. Verbose runs of a pass show each line as the pass comes to it; for them
-// brackets and strings are checked at once.
-enum class Lexing : unsigned char {
-    Quiet,          // nothing is shown, the first trouble is noted
-    ShownCounted,   // with the first pass's numbers
-    ShownPhysical,  // with the numbers of physical lines
+    std::vector<LexedText> lexed;       // with -v: up to the first trouble
 };
 
 class LineCutter {
 public:
-    LineCutter(CutFile& target, Lexing how) : file(target), lexing(how) {}
+    explicit LineCutter(CutFile& target) : file(target) {}
 
     // False when the file cannot be read.
     bool Open(const std::string& path);
@@ -78,15 +80,16 @@ public:
 
 private:
     CutFile& file;
-    Lexing lexing;
     Lexer lexer;
     SourceReader reader;
     CppLines cpp;
     int physical = 0;
     int count = 0;
+    int lexedLine = 0;  // the last that was lexed as it stands
     std::string comment;
 
     std::string_view ReadLine();
+    void NoteLexed(std::string_view text, bool isPiece);
     void NoteTrouble(const LexTrouble& trouble, std::string_view text);
     void Lex(std::string_view text);
     void LexJoined(const std::string& text, bool counts);

@@ -104,9 +104,9 @@ void ReadLines(FirstPass& pass) {
 
 void SaySummary(const Declarations& found) {
     VerboseNote("Found " + std::to_string(found.classes.size()) + " classes, " +
-                std::to_string(found.functionCount) + " functions, " +
-                std::to_string(found.typedGlobals.size()) + " globals (with types), and " +
-                std::to_string(found.typedConsts.size()) + " constants (with types)");
+                std::to_string(found.functionCount) + " functions, " + std::to_string(found.typedGlobals) +
+                " globals (with types), and " + std::to_string(found.typedConsts) +
+                " constants (with types)");
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "lexer/lexer.h"
@@ -23,16 +22,13 @@ struct Prototype {
 // What one file declares, in order of appearance.
 struct Declarations {
     std::string source;
-    std::string mainName;                          // how the file spells Main, when it has it
-    int lastLine = 0;                              // as the first pass counts
-    std::vector<const ClassInfo*> classes;         // Types and Elements met, duplicates included
-    std::vector<std::string> forwardDeclarations;  // "class KVL_TPlayer;", one per entry of `classes`
-    std::vector<Prototype> functions;              // Main has none
-    std::vector<std::string> globalNames;          // PreCalc tables included
+    std::string mainName;                   // how the file spells Main, when it has it
+    int lastLine = 0;                       // as the first pass counts
+    std::vector<const ClassInfo*> classes;  // Types and Elements met, duplicates included
+    std::vector<Prototype> functions;       // Main has none
+    std::vector<std::string> globalNames;   // PreCalc tables included
     std::vector<std::string> constNames;
-    std::vector<std::string> preCalcNames;
-    std::vector<std::pair<std::string, std::string>> typedGlobals;  // name, C++ type
-    std::vector<std::pair<std::string, std::string>> typedConsts;
+    std::size_t typedGlobals = 0, typedConsts = 0;
     std::size_t functionCount = 0;      // Main included
     int unclosedExtern = 0;             // line of an Extern without closer, or 0
     std::vector<std::string> includes;  // as written

@@ -1,5 +1,6 @@
 // Globals, Consts and PreCalc tables.
 #include "driver/report.h"
+#include "driver/settings.h"
 #include "symbols/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/type_reader.h"
@@ -35,18 +36,13 @@ void RememberName(FirstPass& pass, const std::string& name, const Kind& kind) {
 }
 
 void SayFound(const Variable& variable, const std::string& annotation, const Kind& kind) {
+    if (!settings.verbose) return;
     const std::string start = std::string("  - Found ") + kind.note + ": " + variable.name;
     if (variable.typed) {
-        VerboseNote(start + " : " + annotation + " (" + CppName(variable.type) + ")");
+        Say(start + " : " + annotation + " (" + CppName(variable.type) + ")");
     } else {
-        VerboseNote(start + " (type will be inferred)");
+        Say(start + " (type will be inferred)");
     }
-}
-
-void RememberType(FirstPass& pass, const Variable& variable, const Kind& kind) {
-    if (!variable.typed) return;
-    auto& list = kind.isConst ? pass.out.typedConsts : pass.out.typedGlobals;
-    list.emplace_back(variable.name, CppName(variable.type));
 }
 
 void Register(Variable&& variable, const Kind& kind) {
@@ -62,7 +58,7 @@ void Collect(FirstPass& pass, TokenSpan tokens, const Kind& kind) {
     RememberName(pass, tokens[0], kind);
     Variable variable = ReadDeclaration(pass, tokens);
     SayFound(variable, variable.typed ? tokens[2] : "", kind);
-    RememberType(pass, variable, kind);
+    if (variable.typed) ++(kind.isConst ? pass.out.typedConsts : pass.out.typedGlobals);
     Register(std::move(variable), kind);
 }
 
@@ -123,7 +119,6 @@ void CollectPreCalc(FirstPass& pass, TokenSpan tokens) {
     table.line = pass.line;
     CheckName(table.name);
     if (pass.globals.insert(table.name).second) pass.out.globalNames.push_back(table.name);
-    pass.out.preCalcNames.push_back(table.name);
     if (IsTaken(table.name)) FailAlreadyDefined(table.name);
     symbols.globals.emplace(table.name, std::move(table));
 }

@@ -111,8 +111,6 @@ void CollectClass(FirstPass& pass, TokenSpan tokens) {
     pass.isPrivate = false;
     CheckName(name);
     pass.out.classes.push_back(&ClassNamed(name));
-    pass.out.forwardDeclarations.push_back((pass.open.isElement ? "struct " : "class ") + SafeName(name) +
-                                           ";");
 }
 
 void CollectEndClass(FirstPass& pass, TokenSpan) {

@@ -15,7 +15,7 @@ const PartOfRun partOfRun(cutFiles);
 
 std::shared_ptr<CutFile> Cut(const std::string& path) {
     auto file = std::make_shared<CutFile>();
-    LineCutter cutter(*file, Lexing::Quiet);
+    LineCutter cutter(*file);
     if (!cutter.Open(path)) return nullptr;
     do cutter.CutNext();
     while (!file->lines.back().isEnd);
@@ -32,14 +32,8 @@ std::shared_ptr<CutFile> FindOrCut(const std::string& path) {
 
 bool SourceLines::Open(const std::string& name) {
     path = name;
-    if (!settings.verbose || !Reports()) {
-        file = FindOrCut(path);
-        return file != nullptr;
-    }
-    file = std::make_shared<CutFile>();
-    const Lexing shown = reading == Reading::FirstPass ? Lexing::ShownCounted : Lexing::ShownPhysical;
-    cutter = std::make_unique<LineCutter>(*file, shown);
-    return cutter->Open(path);
+    file = FindOrCut(path);
+    return file != nullptr;
 }
 
 bool SourceLines::IsWanted(const CutLine& entered) const {
@@ -61,15 +55,23 @@ void SourceLines::Enter(const CutLine& entered) {
     line = entered;
 }
 
+void SourceLines::ShowLexed() {
+    for (; nextLexed < file->lexed.size() && file->lexed[nextLexed].line == next; ++nextLexed) {
+        const LexedText& lexed = file->lexed[nextLexed];
+        ShowLine(reading == Reading::FirstPass ? lexed.count : lexed.physical, lexed.isPiece, lexed.text);
+    }
+}
+
 void SourceLines::ReportTrouble(const CutTrouble& trouble) const {
-    if (trouble.message != nullptr && trouble.line == next)
-        FailInLine(path, trouble.count, trouble.message, trouble.text);
+    if (trouble.message == nullptr || trouble.line != next) return;
+    ShowTrouble({trouble.message, trouble.openParentheses});
+    FailInLine(path, trouble.count, trouble.message, trouble.text);
 }
 
 bool SourceLines::Next() {
     metInlineCpp = false;
     for (bool found = line.isEnd; !found; ++next) {
-        if (next == file->lines.size()) cutter->CutNext();
+        if (Reports()) ShowLexed();
         if (Reports()) ReportTrouble(file->trouble);
         if (reading == Reading::SecondPass) ReportTrouble(file->splitTrouble);
         const CutLine& entered = file->lines[next];

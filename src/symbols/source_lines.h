@@ -48,14 +48,16 @@ private:
     Reading reading;
     std::string path;
     std::shared_ptr<CutFile> file;
-    std::unique_ptr<LineCutter> cutter;  // of verbose passes, which cut the file for themselves
-    std::size_t next = 0;                // index of the line after the current one
-    CutLine line;                        // the current one
+    std::size_t next = 0;       // index of the line after the current one
+    std::size_t nextLexed = 0;  // of the texts that verbose passes show
+    CutLine line;               // the current one
     bool metInlineCpp = false;
     std::vector<TokenSpan> statements;
 
     bool Reports() const { return reading == Reading::FirstPass || reading == Reading::SecondPass; }
-    // Ends the run when the trouble lies in the line that comes next.
+    // Shows what was lexed for the line that comes next.
+    void ShowLexed();
+    // Ends the run when the trouble lies in that line.
     void ReportTrouble(const CutTrouble& trouble) const;
     bool IsWanted(const CutLine& entered) const;
     void Enter(const CutLine& entered);
