@@ -20,7 +20,7 @@ void DropSequenceWalks(std::size_t count);
 void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
 // Closes the innermost walk.
 struct ClosedWalk {
-    int number = 0;
+    int number = -1;
     bool changed = false;  // the loop has to run by KVSeqWalk, and the walk's passages stay
 };
 ClosedWalk CloseSequenceWalk();

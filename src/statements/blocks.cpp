@@ -191,9 +191,13 @@ void NoteInlineBraces(State& state, int opened) {
     }
 }
 
-void ForgetInlineBraces(State& state) {
+void LeaveBlocks(State& state) {
     while (InnermostIs(state, BlockKind::Inline) && state.blocks.back().opener.kind == BlockKind::Inline)
         Take(state, state.blocks.size() - 1);
+    for (Block& block : state.blocks) {
+        block.braces.walk.reset();
+        if (block.braces.select != nullptr) block.braces.select->declares = false;
+    }
 }
 
 void CheckClosers(const State& state) {

@@ -99,8 +99,9 @@ void EmitClosing(State& state, Braces& braces);
 
 // Inline C++ of the open routine has opened so many braces more than it has closed, or closed more.
 void NoteInlineBraces(State& state, int opened);
-// At the end of a routine: what inline C++ has left open is its own affair.
-void ForgetInlineBraces(State& state);
+// At the end of a routine: what inline C++ has left open is its own affair; what else is open waits for the report,
+// and has nothing to do with slots any more, which end with the routine.
+void LeaveBlocks(State& state);
 
 // At the end of a file, after the checks for unclosed blocks: ends the run when a closer could not be let through.
 void CheckClosers(const State& state);

@@ -142,7 +142,7 @@ void CloseRoutine(State& state) {
     if (settings.debugMode) EmitLine(state, "\t_kvDebugLeave();");
     EmitDefaultResult(state);
     EmitLine(state, "}");
-    ForgetInlineBraces(state);
+    LeaveBlocks(state);
     SettleText(state);
     PopRoutineScope();
     EndDoubtsOfRoutine();

@@ -47,7 +47,7 @@ void TranslateLine(State& state, const SourceLines& lines) {
 }
 
 void NoteOpened(State& state, int opened) {
-    if (opened != 0 && (InRoutine(state))) NoteInlineBraces(state, opened);
+    if (opened != 0 && InRoutine(state)) NoteInlineBraces(state, opened);
 }
 
 }  // namespace

@@ -175,7 +175,7 @@ void FinishSelect(State& state, OpenSelect& select) {
 }
 
 void PrepareInSelect(State& state, Keyword keyword) {
-    if (!InnermostIs(state, BlockKind::Select)) return;
+    if (!InRoutine(state) || !InnermostIs(state, BlockKind::Select)) return;
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = *state.blocks.back().braces.select;
     if (!select.labelSeen && !select.warned)

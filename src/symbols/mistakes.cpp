@@ -1,7 +1,9 @@
 #include "symbols/mistakes.h"
 
 #include <algorithm>
+#include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "driver/journal.h"
@@ -63,11 +65,6 @@ bool MentionsDoubtful(TokenSpan statement) {
     return std::any_of(mentioned.begin(), mentioned.end(), [](Token token) { return IsDoubtful(*token); });
 }
 
-auto PlaceOf(const korvel::Diagnostic& mistake) {
-    const auto file = std::find(symbols.sourceFiles.begin(), symbols.sourceFiles.end(), mistake.file);
-    return std::make_tuple(file - symbols.sourceFiles.begin(), mistake.line, mistake.message);
-}
-
 }  // namespace
 
 void KeepMistake(const Stop& stop, TokenSpan statement) {
@@ -90,10 +87,17 @@ void EndDoubtsOfRoutine() { doubtfulInRoutine.clear(); }
 bool AnyMistakes() { return !kept.empty(); }
 
 std::vector<korvel::Diagnostic> KeptMistakes() {
+    std::unordered_map<std::string, std::size_t> numbers;
+    for (const std::string& file : symbols.sourceFiles) numbers.emplace(file, numbers.size());
+    const auto placeOf = [&numbers](const korvel::Diagnostic& mistake) {
+        const auto number = numbers.find(mistake.file);
+        return std::make_tuple(number == numbers.end() ? numbers.size() : number->second, mistake.line,
+                               std::string_view(mistake.message));
+    };
     std::vector<korvel::Diagnostic> mistakes = kept;
     std::stable_sort(mistakes.begin(), mistakes.end(),
-                     [](const auto& a, const auto& b) { return PlaceOf(a) < PlaceOf(b); });
-    const auto same = [](const auto& a, const auto& b) { return PlaceOf(a) == PlaceOf(b); };
+                     [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
+    const auto same = [&](const auto& a, const auto& b) { return placeOf(a) == placeOf(b); };
     mistakes.erase(std::unique(mistakes.begin(), mistakes.end(), same), mistakes.end());
     return mistakes;
 }
