@@ -1,5 +1,7 @@
 #include "analysis/effect_reader.h"
 
+#include <algorithm>
+
 #include "driver/run.h"
 #include "lexer/holes.h"
 #include "symbols/scopes.h"
@@ -94,6 +96,14 @@ void EffectReader::TouchOwn(const Word& name, OwnName own, bool changes) {
     if (own == OwnName::Items || own == OwnName::Element) handedOn.push_back(&name);
 }
 
+void EffectReader::TouchFields(const ClassInfo& element, bool changes) {
+    std::vector<Thing>& things = changes ? set.changes : set.reads;
+    const auto from = static_cast<std::ptrdiff_t>(things.size());
+    AddFields(element, things);
+    if (std::any_of(things.begin() + from, things.end(), HoldsItems))
+        (changes ? set.changesItems : set.readsItems) = true;
+}
+
 void EffectReader::TouchShared(const Word& name, bool whole, bool changes) {
     const SharedName* shared = FindShared(name);
     if (shared == nullptr) return;
@@ -101,14 +111,14 @@ void EffectReader::TouchShared(const Word& name, bool whole, bool changes) {
     things.push_back(ThingOf(name));
     if (shared->items) (changes ? set.changesItems : set.readsItems) = true;
     if (!whole) return;
-    for (const ClassInfo* element : shared->elements) AddFields(*element, things);
+    for (const ClassInfo* element : shared->elements) TouchFields(*element, changes);
 }
 
 // A name that is none of the routine's own variables.
 void EffectReader::TouchOther(const Word& name, bool whole, bool changes) {
     TouchShared(name, whole, changes);
     const ClassInfo* element = whole ? ReachedElement(name) : nullptr;
-    if (element != nullptr) AddFields(*element, changes ? set.changes : set.reads);
+    if (element != nullptr) TouchFields(*element, changes);
 }
 
 void EffectReader::TouchSharedName(const Word& name) {

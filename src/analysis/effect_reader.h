@@ -39,6 +39,7 @@ private:
     void ReadWord(TokenSpan tokens, std::size_t at);
     std::size_t ReadName(TokenSpan tokens, std::size_t at);
     void TouchOwn(const Word& name, OwnName own, bool changes);
+    void TouchFields(const ClassInfo& element, bool changes);
     void TouchShared(const Word& name, bool whole, bool changes);
     void TouchOther(const Word& name, bool whole, bool changes);
     void ReadOneLineIf(TokenSpan tokens);
