@@ -76,30 +76,47 @@ void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& b
     throw StopHere(message, blocks);
 }
 
-void ReportUnknown(const std::string& message) {
+static Stop StopHere(const std::string& message, TokenSpan about) {
     Stop stop = StopHere(message);
+    stop.subject = {about.first, about.Copy()};
+    return stop;
+}
+
+void ReportFatal(const std::string& message, TokenSpan about) { throw StopHere(message, about); }
+
+void ReportUnknown(const std::string& message, TokenSpan about) {
+    Stop stop = StopHere(message, about);
     stop.ofUnknown = true;
     throw Stop(stop);
 }
 
 void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                       const std::string& message) {
-    throw Stop{MistakesOf(blocks), heading + QuotedHere(blocks, message)};
+    Stop stop{MistakesOf(blocks), heading + QuotedHere(blocks, message)};
+    stop.isElsewhere = true;
+    throw Stop(stop);
 }
 
-void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
+static Stop StopOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
     std::string text = Shortened(lines);
     if (text.empty() || text.back() != '\n') text += '\n';
     Stop stop{{mistake}, text};
     stop.onErrorStream = true;
+    return stop;
+}
+
+void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines) {
+    Stop stop = StopOnErrorStream(mistake, lines);
+    stop.isElsewhere = true;
     throw Stop(stop);
 }
 
-void FailOnErrorStream(const std::string& lines) {
+void FailOnErrorStream(const std::string& lines, TokenSpan about) {
     const std::string mark = "ERROR: ";
-    FailOnErrorStream(
-        HereIs(Shortened(lines.compare(0, mark.size(), mark) == 0 ? lines.substr(mark.size()) : lines)),
-        lines);
+    const std::string message = lines.compare(0, mark.size(), mark) == 0 ? lines.substr(mark.size()) : lines;
+    Stop stop = StopOnErrorStream(HereIs(Shortened(message)), lines);
+    stop.subject = {about.first, about.Copy()};
+    throw Stop(stop);
 }
 
 void ReportNoMemory() {

@@ -4,15 +4,35 @@
 #include <string>
 #include <vector>
 
+#include "lexer/token_span.h"
 #include "library/korvel.h"
 
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {
+    // The tokens that it is about, and where they stand in a list, which may be gone since.
+    struct Subject {
+        const Token* at = nullptr;
+        Tokens tokens;
+    };
+
     std::vector<korvel::Diagnostic> mistakes;
     std::string quoted;  // all of it as kvt says it
     bool onErrorStream = false;
-    bool ofUnknown = false;  // see ReportUnknown
+    bool ofUnknown = false;    // see ReportUnknown
+    bool isElsewhere = false;  // it is not about the statement under way
+    Subject subject = {};      // of the last mistake; empty when nothing nearer than the statement is meant
 };
+
+// Does the work; a mistake in it that names nothing nearer is about the tokens.
+template <class Work>
+auto About(TokenSpan tokens, Work work) {
+    try {
+        return work();
+    } catch (Stop& stop) {
+        if (stop.subject.tokens.empty()) stop.subject = {tokens.first, tokens.Copy()};
+        throw;
+    }
+}
 
 // A block that is open, which a report tells before its message, and the line of the current file where it starts.
 struct UnclosedBlock {
@@ -23,17 +43,19 @@ struct UnclosedBlock {
 // Stops the run at the current line of the current file. Quoted are the open blocks, "Error: " + message, file and
 // line. Very long words are cut.
 [[noreturn]] void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks = {});
+// The same, about these tokens of the statement under way.
+[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about);
 // The same where the blocks are the mistakes and the message only sums them up, with a heading above them.
 [[noreturn]] void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                                    const std::string& message);
 
 // The same where something is not known that a declaration in a file that is read later could tell.
-[[noreturn]] void ReportUnknown(const std::string& message);
+[[noreturn]] void ReportUnknown(const std::string& message, TokenSpan about);
 
 // Stops the run with a mistake for which these lines are quoted on the error stream.
 [[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);
-// The same for one at the current line of the current file: its message is the lines, less "ERROR: ".
-[[noreturn]] void FailOnErrorStream(const std::string& lines);
+// The same for one at the current line of the current file: its message is the lines, less "ERROR: ". It is about these tokens.
+[[noreturn]] void FailOnErrorStream(const std::string& lines, TokenSpan about);
 
 // Ends the process for want of memory, with a report that needs none.
 [[noreturn]] void ReportNoMemory();

@@ -16,6 +16,7 @@ struct Settings {
     bool quickBuild = false;      // -quick
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
     bool checkOnly = false;       // -check: nothing is written or deleted
+    bool columns = false;         // it is found out which words a mistake is about
     bool warnings = false;        // -warn: what compiles but is hardly meant is said
 
     // Where translation stands; shown by ReportFatal.

@@ -22,7 +22,7 @@ struct Access {
 
 void CheckIndexType(const Expr& index) {
     if (!index.type.IsKnown() || index.type.Is(Base::Int)) return;
-    ReportFatal("Array index must be an integer type, got " + CppName(index.type));
+    ReportFatal("Array index must be an integer type, got " + CppName(index.type), index.source);
 }
 
 // Only the first index must be a whole number; pointers take no other in C++ either.
@@ -44,7 +44,8 @@ void CheckCount(const Access& access, const ValueType& type, ArrayForm form) {
     const bool partly = (form == ArrayForm::Pointer || access.mayBeRow) && count < type.dims;
     if (count == type.dims || partly || !type.IsKnown()) return;
     ReportFatal("Array '" + access.name + "' was declared with " + std::to_string(type.dims) +
-                " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices");
+                    " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices",
+                Tokens{access.name});
 }
 
 void CheckConstantIndex(const Access& access, std::size_t dimension) {

@@ -35,7 +35,8 @@ bool Checked() { return settings.safeMode && !settings.debugMode; }
                           KorvelName(left.type) + " and " + KorvelName(right.type);
     if (IsText(left) && right.type.IsNumber()) message += ConversionHint(right.type, left.type);
     if (left.type.IsNumber() && IsText(right)) message += ConversionHint(left.type, right.type);
-    ReportFatal(message);
+    const bool known = !left.source.empty() && !right.source.empty();
+    ReportFatal(message, known ? TokenSpan(left.source.first, right.source.last) : TokenSpan());
 }
 
 Expr Join(Expr left, const BinaryOperator& op, const Expr& right, const ValueType& type) {
@@ -219,8 +220,9 @@ Expr ApplyUnary(const UnaryOperator& op, Expr operand) {
                       : op.kind == UnaryKind::Sign ? operand.type.IsNumber()
                                                    : operand.type.IsInteger();
     if (known && !fits) {
-        ReportFatal(std::string("Operator '") + op.korvel + "' cannot be used with " +
-                    KorvelName(operand.type));
+        ReportFatal(
+            std::string("Operator '") + op.korvel + "' cannot be used with " + KorvelName(operand.type),
+            operand.source);
     }
     KeepOrder(op, operand);
     Expr result;

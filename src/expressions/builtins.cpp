@@ -26,7 +26,7 @@ Expr Result(std::string text, Base base) {
 }
 
 [[noreturn]] void FailArgument(const std::string& name, const char* wanted, const Expr& got) {
-    ReportFatal("'" + name + "' expects " + wanted + " but got " + KorvelName(got.type));
+    ReportFatal("'" + name + "' expects " + wanted + " but got " + KorvelName(got.type), got.source);
 }
 
 void RequireNumber(const std::string& name, const Expr& argument) {
@@ -136,8 +136,9 @@ Expr Math(const std::string& lowerName, const std::string& name, const Arguments
 
 void CheckCount(const std::string& name, int expected, std::size_t count) {
     if (static_cast<std::size_t>(expected) == count) return;
-    ReportFatal("'" + name + "' expects " + std::to_string(expected) + " argument(s), got " +
-                std::to_string(count));
+    ReportFatal(
+        "'" + name + "' expects " + std::to_string(expected) + " argument(s), got " + std::to_string(count),
+        Tokens{name});
 }
 
 }  // namespace
@@ -152,7 +153,8 @@ Expr ParseBuiltin(Walk& walk, const std::string& lowerName) {
     const auto typeWord = typeWords.find(lowerName);
     if (typeWord != typeWords.end()) {
         ReportFatal("'" + name + "' is a type keyword and cannot be used as a function. Did you mean '" +
-                    typeWord->second + "()'?");
+                        typeWord->second + "()'?",
+                    Tokens{name});
     }
     if (IsSeqFunction(lowerName)) return ParseSeqFunction(walk, lowerName);
     walk.Take();

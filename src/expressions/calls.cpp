@@ -27,7 +27,8 @@ void CheckArgument(const std::string& subject, std::size_t index, const ValueTyp
     if (Assignable(type, argument.type)) return;
     const std::string got = argument.type.IsArray() ? CppName(argument.type) : Spelling(argument.type);
     ReportFatal(subject + " parameter " + std::to_string(index + 1) + " expects type " + Spelling(type) +
-                " but got " + got);
+                    " but got " + got,
+                argument.source);
 }
 
 void NeedElement(const ValueType& type) {
@@ -163,9 +164,11 @@ std::vector<std::string> CheckedArguments(const std::string& subject, const Rout
 
 Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, const Expr* object) {
     if (routine.owner == nullptr && Lower(routine.name) == "main")
-        ReportFatal("'" + routine.name + "' cannot be called");
+        ReportFatal("'" + routine.name + "' cannot be called", walk.Taken());
+    const TokenSpan called = walk.Taken();
     const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
-    const std::vector<std::string> texts = CheckedArguments(SubjectOf(routine), routine, arguments);
+    const std::vector<std::string> texts =
+        About(called, [&] { return CheckedArguments(SubjectOf(routine), routine, arguments); });
     const std::string name = prefix + routine.cppName;
     Expr call;
     const bool ordered = OrderMatters(arguments);

@@ -65,12 +65,14 @@ Expr Translate(TokenSpan tokens, ExprMode mode) {
         nothing.type = Single(Base::Void);
         return nothing;
     }
-    Walk walk(tokens, mode);
-    const std::size_t calls = callCount;
-    Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
-    if (!walk.Done()) FailUnexpected(walk);
-    result.effects = callCount != calls;
-    return result;
+    return About(tokens, [tokens, mode] {
+        Walk walk(tokens, mode);
+        const std::size_t calls = callCount;
+        Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
+        if (!walk.Done()) FailUnexpected(walk);
+        result.effects = callCount != calls;
+        return result;
+    });
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ std::string Written(std::string name) {
 }
 
 [[noreturn]] void FailArguments(const std::string& name, const char* wanted, const Expr& got) {
-    ReportFatal("'" + Written(name) + "' expects " + wanted + " but got " + KorvelName(got.type));
+    ReportFatal("'" + Written(name) + "' expects " + wanted + " but got " + KorvelName(got.type), got.source);
 }
 
 bool IsNumber(const Expr& expr) { return !expr.type.IsKnown() || expr.type.IsNumber(); }

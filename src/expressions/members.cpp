@@ -10,12 +10,14 @@ namespace {
 void RequireObject(const Expr& object, const std::string& name) {
     if (object.type.Is(Base::Object) || object.type.Is(Base::Element)) return;
     ReportFatal("Variable '" + name + "' is type " + CppName(object.type) +
-                ", not a Type/object. Cannot use field accessor '\\'");
+                    ", not a Type/object. Cannot use field accessor '\\'",
+                Tokens{name});
 }
 
 void RequireAccess(bool isPrivate, const ClassInfo& cls, const std::string& member) {
     if (!isPrivate || currentClass == &cls) return;
-    ReportFatal("'" + member + "' is private in '" + cls.name + "' and cannot be used outside of it");
+    ReportFatal("'" + member + "' is private in '" + cls.name + "' and cannot be used outside of it",
+                Tokens{member});
 }
 
 Expr UseField(const Expr& object, const Variable& field) {
@@ -35,7 +37,8 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
     if (!IsIdentifier(walk.Peek()))
         ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
     const std::string& member = walk.Take();
-    if (!object.type.IsKnown()) ReportUnknown("'" + member + "' does not exist in any accessible class");
+    if (!object.type.IsKnown())
+        ReportUnknown("'" + member + "' does not exist in any accessible class", walk.Taken());
     RequireObject(object, name);
     const ClassInfo& cls = *object.type.cls;
     NeedClass(&cls);
@@ -48,14 +51,17 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
         RequireAccess(method->isPrivate, cls, member);
         return ParseCall(walk, *method, "", &object);
     }
-    ReportUnknown("Field or method '" + member + "' does not exist in class '" + cls.name + "'");
+    ReportUnknown("Field or method '" + member + "' does not exist in class '" + cls.name + "'",
+                  walk.Taken());
 }
 
 [[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {
     if (expr.type.sequence) {
-        ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)");
+        ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)",
+                    Tokens{name});
     }
-    ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed");
+    ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed",
+                Tokens{name});
 }
 
 }  // namespace

@@ -95,7 +95,8 @@ std::string CallPrefix(const Routine& routine) {
 Expr ParseCallable(Walk& walk, const std::string& name) {
     const Routine* routine = FindCallable(name);
     if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
-    if (FindVariable(name) != nullptr) ReportFatal("'" + name + "' is not a Function and cannot be called");
+    if (FindVariable(name) != nullptr)
+        ReportFatal("'" + name + "' is not a Function and cannot be called", walk.Taken());
     FailUnknownName(walk, name);
 }
 
@@ -114,18 +115,20 @@ bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForc
 bool IsIdentifier(const std::string& token) { return !token.empty() && IsLetterByte(token[0]); }
 
 void FailUnknownName(const Walk& walk, const std::string& name) {
+    const TokenSpan word = walk.Taken();
     const std::string lower = Lower(name);
-    if (Has(FindKeyword(name), trait::operation)) ReportFatal("Missing operand before '" + name + "'");
-    if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value");
-    if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)");
-    if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression");
-    if (walk.mode == ExprMode::Input) ReportUnknown("Variable '" + name + "' not found in Input statement");
+    if (Has(FindKeyword(name), trait::operation)) ReportFatal("Missing operand before '" + name + "'", word);
+    if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value", word);
+    if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)", word);
+    if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression", word);
+    if (walk.mode == ExprMode::Input)
+        ReportUnknown("Variable '" + name + "' not found in Input statement", word);
     if (walk.mode == ExprMode::Print) {
-        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place());
+        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place(), word);
     }
-    if (WasInEndedBlock(name)) ReportUnknown("Variable '" + name + "' used out of scope " + Place());
-    if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined");
-    ReportUnknown("Identifier not found - " + name);
+    if (WasInEndedBlock(name)) ReportUnknown("Variable '" + name + "' used out of scope " + Place(), word);
+    if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined", word);
+    ReportUnknown("Identifier not found - " + name, word);
 }
 
 Expr ParseName(Walk& walk) {

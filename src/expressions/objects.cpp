@@ -47,7 +47,7 @@ const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
     if (bracketed) walk.Expect(')');
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr || cls->isElement)
-        ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'");
+        ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'", Tokens{word});
     NeedClass(cls);
     return cls;
 }
@@ -55,7 +55,8 @@ const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
 void RequireObject(const Expr& expr, const std::string& word) {
     if (!expr.type.IsKnown()) return;
     if (!expr.type.Is(Base::Object)) {
-        ReportFatal("'" + word + "' expects an object of a Type but got " + KorvelName(expr.type));
+        ReportFatal("'" + word + "' expects an object of a Type but got " + KorvelName(expr.type),
+                    Tokens{word});
     }
     NeedClass(expr.type.cls);
 }
@@ -122,7 +123,8 @@ Expr ParseCreate(Walk& walk) {
     const std::string& name = walk.Take();
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr) {
-        ReportFatal("Type '" + name + "' is not defined. Cannot create instance of non-existent Type");
+        ReportFatal("Type '" + name + "' is not defined. Cannot create instance of non-existent Type",
+                    Tokens{name});
     }
     NeedClass(cls);
     NoteConstruction(*cls);

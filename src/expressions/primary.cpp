@@ -24,7 +24,7 @@ Base SizeOf(const std::string& text, int radix) {
     errno = 0;
     const unsigned long long value = std::strtoull(text.c_str(), nullptr, radix);
     if (errno != 0 || (radix == 10 && value > static_cast<unsigned long long>(LLONG_MAX))) {
-        ReportFatal("Number too large: " + text);
+        ReportFatal("Number too large: " + text, Tokens{text});
     }
     return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
 }
@@ -62,9 +62,9 @@ Expr ParseDouble(Walk& walk, std::string text) {
     errno = 0;
     const double value = std::strtod(text.c_str(), &end);
     if (*end != '\0' || text.find_first_not_of("0123456789.eE+-") != std::string::npos) {
-        ReportFatal("Invalid number '" + text + "'");
+        ReportFatal("Invalid number '" + text + "'", Tokens{text});
     }
-    if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text);
+    if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text, Tokens{text});
     return Number(text, Base::Double);
 }
 
@@ -100,13 +100,15 @@ bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == 
 void FailUnexpected(const Walk& walk) {
     const std::string before = walk.at == 0 ? "" : walk.tokens[walk.at - 1];
     if (walk.Done())
-        ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'");
+        ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'",
+                    walk.tokens.Slice(walk.at - (before.empty() ? 0 : 1), walk.at));
     const std::string& token = walk.Peek();
     if (Is(token, "=") && IsCompound(before)) {
         ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " +
-                    before + " 1'");
+                        before + " 1'",
+                    walk.tokens.Slice(walk.at - 1, walk.at + 1));
     }
-    ReportFatal("Unexpected '" + token + "' in an expression");
+    ReportFatal("Unexpected '" + token + "' in an expression", walk.tokens.Slice(walk.at, walk.at + 1));
 }
 
 namespace {

@@ -42,7 +42,7 @@ void RequireSequence(const Expr& expr, const std::string& name) {
         if (expr.type.base == Base::Element) NeedClass(expr.type.cls);
         return;
     }
-    ReportFatal("'" + name + "' requires a Sequence argument, got " + KorvelName(expr.type));
+    ReportFatal("'" + name + "' requires a Sequence argument, got " + KorvelName(expr.type), expr.source);
 }
 
 std::string ValueFor(const Expr& sequence, const Expr& value, const std::string& name) {
@@ -50,15 +50,17 @@ std::string ValueFor(const Expr& sequence, const Expr& value, const std::string&
     RequireValue(value);
     if (!Assignable(item, value.type)) {
         ReportFatal("'" + name + "' expects a value of type " + KorvelName(item) + " for a " +
-                    KorvelName(sequence.type) + " but got " + KorvelName(value.type) +
-                    ConversionHint(item, value.type));
+                        KorvelName(sequence.type) + " but got " + KorvelName(value.type) +
+                        ConversionHint(item, value.type),
+                    value.source);
     }
     return TextAs(value, item);
 }
 
 std::string IndexFor(const Expr& index, const std::string& name) {
     if (index.type.IsKnown() && !index.type.IsNumber()) {
-        ReportFatal("'" + name + "' expects a number as index but got " + KorvelName(index.type));
+        ReportFatal("'" + name + "' expects a number as index but got " + KorvelName(index.type),
+                    index.source);
     }
     return index.text;
 }
@@ -96,7 +98,7 @@ Expr ParseSeqFunction(Walk& walk, const std::string& lowerName) {
     const SeqFunction& function = seqFunctions.at(lowerName);
     walk.Take();
     const std::vector<Expr> arguments = ParseArguments(walk);
-    if (arguments.empty()) ReportFatal("'" + name + "' requires a Sequence argument");
+    if (arguments.empty()) ReportFatal("'" + name + "' requires a Sequence argument", Tokens{name});
     const Expr& sequence = arguments[0];
     if (arguments.size() != (function.second == SeqArgument::None ? 1U : 2U)) ReportFatal(function.usage);
     RequireSequence(sequence, name);

@@ -77,9 +77,11 @@ std::string ArgumentText(const Expr& expr, const ValueType& parameter) {
 void CheckAssignable(const Expr& target, const Expr& value) {
     RequireValue(value);
     if (target.isConst && target.variable) {
-        ReportFatal("Cannot assign to const variable '" + target.variable->name + "'");
+        ReportFatal("Cannot assign to const variable '" + target.variable->name + "'",
+                    Tokens{target.variable->name});
     }
-    if (!target.assignable && !target.slot) ReportFatal("What stands before '=' cannot be assigned to");
+    if (!target.assignable && !target.slot)
+        ReportFatal("What stands before '=' cannot be assigned to", target.source);
     if (target.type.IsArray() && value.type.IsArray() && !value.isCall) {
         ReportFatal(
             "Cannot assign arrays directly. Arrays are reference types.\n"
@@ -87,5 +89,6 @@ void CheckAssignable(const Expr& target, const Expr& value) {
     }
     if (Assignable(target.type, value.type)) return;
     ReportFatal("Type mismatch: Cannot assign " + CppName(value.type) + " to " + CppName(target.type) +
-                " variable '" + target.source.Text("") + "'" + ConversionHint(target.type, value.type));
+                    " variable '" + target.source.Text("") + "'" + ConversionHint(target.type, value.type),
+                value.source);
 }

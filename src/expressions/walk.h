@@ -26,6 +26,7 @@ struct Walk {
     char PeekSign(std::size_t ahead = 0) const { return tokens.SignAt(at + ahead); }
     Keyword PeekKeyword() const { return tokens.KeywordAt(at); }
     const std::string& Take() { return tokens[at++]; }
+    TokenSpan Taken() const { return tokens.Slice(at - 1, at); }  // the last one
     bool Match(char sign) {
         if (PeekSign() != sign) return false;
         ++at;

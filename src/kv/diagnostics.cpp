@@ -1,5 +1,6 @@
 #include "kv/diagnostics.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -7,6 +8,7 @@
 
 #include "driver/utf8.h"
 #include "kv/platform.h"
+#include "kv/progress.h"
 
 namespace {
 
@@ -23,7 +25,7 @@ const char plain[] = "\033[0m";
 // A source line longer than this is cut when shown.
 const std::size_t shownLength = 300;
 
-// The line of a file, fit for a terminal: control characters become blanks. Empty when there is none.
+// The line of a file as it stands. Empty when there is none.
 std::string SourceLine(const std::string& file, int line) {
     std::error_code ignored;
     if (line <= 0 || !std::filesystem::is_regular_file(PathOf(file), ignored)) return "";
@@ -32,6 +34,11 @@ std::string SourceLine(const std::string& file, int line) {
     for (int at = 0; at < line; ++at) {
         if (!std::getline(stream, text)) return "";
     }
+    return text;
+}
+
+// The line, fit for a terminal: control characters become blanks.
+std::string Shown(std::string text) {
     if (text.size() > shownLength) text = text.substr(0, shownLength) + " ...";
     while (!text.empty() && (text.back() == '\r' || text.back() == ' ')) text.pop_back();
     for (char& c : text) {
@@ -39,6 +46,15 @@ std::string SourceLine(const std::string& file, int line) {
         if (code < 32 || code == 127) c = ' ';
     }
     return text;
+}
+
+// "^~~~" under these bytes of the line; empty where they are not known or not shown.
+std::string Mark(const std::string& line, const Diagnostic& diagnostic) {
+    const auto first = static_cast<std::size_t>(diagnostic.firstColumn);
+    const auto last = std::min(static_cast<std::size_t>(diagnostic.lastColumn), shownLength);
+    if (first == 0 || first > last || last > line.size()) return "";
+    return std::string(ColumnsOf(line.substr(0, first - 1)), ' ') + "^" +
+           std::string(ColumnsOf(line.substr(first - 1, last - first + 1)) - 1, '~');
 }
 
 std::string Place(const Diagnostic& diagnostic) {
@@ -69,13 +85,16 @@ std::string Format(const Diagnostic& diagnostic, bool colour) {
                                     Indented(diagnostic.message) + plain
                               : Place(diagnostic) + kind + Indented(diagnostic.message);
     text += "\n";
-    const std::string source = SourceLine(diagnostic.file, diagnostic.line);
-    if (!source.empty()) {
-        std::string number = std::to_string(diagnostic.line);
-        if (number.size() < 5) number.insert(0, 5 - number.size(), ' ');
-        text += number + " | " + source + "\n";
-    }
-    return text;
+    const std::string line = SourceLine(diagnostic.file, diagnostic.line);
+    const std::string source = Shown(line);
+    if (source.empty()) return text;
+    std::string number = std::to_string(diagnostic.line);
+    if (number.size() < 5) number.insert(0, 5 - number.size(), ' ');
+    text += number + " | " + source + "\n";
+    const std::string mark = Mark(line, diagnostic);
+    if (mark.empty()) return text;
+    const std::string blanks(number.size(), ' ');
+    return text + blanks + " | " + (colour ? row.colour + mark + plain : mark) + "\n";
 }
 
 void Show(const Diagnostic& diagnostic) {

@@ -10,10 +10,12 @@ struct Diagnostic {
     Severity severity = Severity::error;
     std::string file;
     int line = 0;
-    std::string message;  // further lines of the message are shown indented
+    int firstColumn = 0, lastColumn = 0;  // bytes of the line, from 1 on; 0 where they are not known
+    std::string message;                  // further lines of the message are shown indented
 };
 
-// The text of a diagnostic: "file:line: error: message", with the source line under it where it can be read.
+// The text of a diagnostic: "file:line: error: message", with the source line under it where it can be read, and
+// a mark under what is meant.
 std::string Format(const Diagnostic& diagnostic, bool colour);
 
 // Writes a diagnostic, in colour on a terminal unless NO_COLOR is set.

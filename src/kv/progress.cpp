@@ -54,6 +54,13 @@ std::string Cut(const std::string& text, int columns) {
 
 }  // namespace
 
+std::size_t ColumnsOf(const std::string& text) {
+    std::size_t columns = 0;
+    for (const Character& character : CharactersOf(text))
+        columns += static_cast<std::size_t>(character.columns);
+    return columns;
+}
+
 std::string ProgressLine(const std::string& work, double seconds, int columns) {
     const int least = 10;  // columns for the work, or there is no use in it
     char time[40];

@@ -27,6 +27,9 @@ private:
     std::chrono::steady_clock::time_point start_;
 };
 
+// How many columns of a terminal the text takes.
+std::size_t ColumnsOf(const std::string& text);
+
 // "Compiling game.cpp ... 1.2 s", in less than `columns` columns: a long text is cut in its middle. Empty where a line
 // of that width would tell nothing.
 std::string ProgressLine(const std::string& work, double seconds, int columns);

@@ -53,6 +53,8 @@ void ShowDiagnostics(const Job& job) {
         diagnostic.severity = said.isWarning ? Severity::warning : Severity::error;
         if (!said.file.empty()) diagnostic.file = ShortPath(said.file, job.typedFolder);
         diagnostic.line = said.line;
+        diagnostic.firstColumn = said.firstColumn;
+        diagnostic.lastColumn = said.lastColumn;
         diagnostic.message = said.hint.empty() ? said.message : said.message + "\n" + said.hint;
         Show(diagnostic);
     }

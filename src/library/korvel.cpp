@@ -34,7 +34,7 @@ void Begin(const Request& request) {
     settings.debugMode = request.debug;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
-    settings.warnings = true;
+    settings.warnings = settings.columns = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 

@@ -39,13 +39,15 @@ std::vector<long long> ReadSizes(TokenSpan header) {
 
 void CheckSizes(const std::string& name, const std::vector<long long>& sizes) {
     if (sizes.size() > mostDimensions)
-        ReportFatal("PreCalc array '" + name + "' has more than " + std::to_string(mostDimensions) +
-                    " dimensions");
+        ReportFatal(
+            "PreCalc array '" + name + "' has more than " + std::to_string(mostDimensions) + " dimensions",
+            Tokens{name});
     long long count = 1;
     for (const long long size : sizes) {
         if (size > mostItems / count)
             ReportFatal("PreCalc array '" + name + "' is too large: a table holds at most " +
-                        std::to_string(mostItems) + " values");
+                            std::to_string(mostItems) + " values",
+                        Tokens{name});
         count *= size;
     }
 }

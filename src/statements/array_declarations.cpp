@@ -37,17 +37,20 @@ void CheckKnownSize(long long size) {
 
 Size ReadSize(const Variable& array, ArrayPlace place, const std::string& written) {
     const Tokens tokens = Split(written);
-    if (tokens.empty()) ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets");
+    if (tokens.empty())
+        ReportFatal("Array '" + array.name + "' needs a size in each pair of brackets", Tokens{array.name});
     if (TokenSpan(tokens).SplitAt(',').size() > 1)
         ReportFatal("Array declaration missing closing bracket ]\nEach dimension of array '" + array.name +
-                    "' needs brackets of its own, like [3][4]");
+                        "' needs brackets of its own, like [3][4]",
+                    Tokens{array.name});
     const std::optional<ConstantValue> known = EvaluateConstant(tokens);
     const bool integer = known && known->kind == ConstantValue::Kind::Integer;
     if (integer) CheckKnownSize(known->integer);
     const Expr size = TranslateExpression(tokens, ExprMode::Condition);
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (known && !integer))
-        ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type));
+        ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type),
+                    Tokens{array.name});
     if (!integer) {
         RequireSupport(Support::ArraySize);
         return {"__kvSize(" + size.text + ", \"" + array.name + "\")", std::nullopt};

@@ -27,8 +27,9 @@ void CheckResultSizes(const std::string& name, const std::vector<std::string>& d
         const std::optional<long long> there = KnownSize(routine.resultSizes[k]);
         if (here && there && *here != *there)
             ReportFatal("Array dimension size mismatch: Variable '" + name + "' dimension " +
-                        std::to_string(k) + " is [" + declared[k] + "], but " + routine.name +
-                        "() returns [" + routine.resultSizes[k] + "]");
+                            std::to_string(k) + " is [" + declared[k] + "], but " + routine.name +
+                            "() returns [" + routine.resultSizes[k] + "]",
+                        Tokens{name});
     }
 }
 
@@ -76,8 +77,9 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
                       const Routine* open) {
     if (type.dims != value.type.dims)
         ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
-                    std::to_string(type.dims) + " dimensions, but " + CalledName(call) + "() returns " +
-                    std::to_string(value.type.dims) + " dimensions");
+                        std::to_string(type.dims) + " dimensions, but " + CalledName(call) + "() returns " +
+                        std::to_string(value.type.dims) + " dimensions",
+                    Tokens{name});
     if (value.routine == nullptr || declared.empty()) return;
     if (IsComplete(*value.routine, open))
         CheckResultSizes(name, declared, *value.routine);

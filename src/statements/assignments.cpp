@@ -35,7 +35,7 @@ std::size_t AssignmentSign(TokenSpan tokens) {
 void CheckTarget(TokenSpan target, const Expr& expr) {
     const std::string& name = target[0];
     if (target.size() == 1 && expr.variable != nullptr && expr.variable->isConst)
-        ReportFatal("Cannot assign to const variable '" + name + "'");
+        ReportFatal("Cannot assign to const variable '" + name + "'", Tokens{name});
     if (!expr.assignable && expr.type.IsKnown())
         ReportFatal("Cannot assign to '" + target.Text("") + "': it is no variable, Field or array element");
 }
@@ -43,7 +43,7 @@ void CheckTarget(TokenSpan target, const Expr& expr) {
 void CheckConstTarget(TokenSpan target) {
     const Variable* variable = FindVariable(target[0]);
     if (variable != nullptr && variable->isConst)
-        ReportFatal("Cannot assign to const variable '" + target[0] + "'");
+        ReportFatal("Cannot assign to const variable '" + target[0] + "'", target.Slice(0, 1));
 }
 
 // A declared array keeps its size: it receives the items of the returned one.
@@ -54,7 +54,7 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const bool fixed = target.form == ArrayForm::Fixed && target.variable != nullptr;
     const bool keeps = fixed || target.form == ArrayForm::Vector;
     if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
-    if (type != value.type) FailMismatch(value.type, type, target.text);
+    if (type != value.type) FailMismatch(value.type, type, target.text, value.source);
     EmitLine(state, "{ " +
                         ArrayCppName(type, ArrayPlace::Inner, type.base == Base::Bool && AnyHandsOnBools()) +
                         " _from = " + TakenArray(value, ArrayPlace::Inner) + ";");
@@ -117,7 +117,8 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
                     " variable '" + target.Text("") +
                     "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }
-    if (!Assignable(left.type, right.type)) FailMismatch(right.type, left.type, target.Text(""));
+    if (!Assignable(left.type, right.type))
+        FailMismatch(right.type, left.type, target.Text(""), right.source);
     const std::string told = left.type.sequence ? WalkCalls(left, "Leave", "; ") : "";
     const std::string variable = ValueText(left);
     const std::string value = TextAs(right, left.type);
@@ -144,9 +145,9 @@ bool IsKnownName(const std::string& name) {
 
 void CheckFirstWord(TokenSpan tokens) {
     const std::string& name = tokens[0];
-    if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement");
+    if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement", Tokens{name});
     if (IsKnownName(name) || WasInEndedBlock(name)) return;
-    ReportUnknown("Identifier not found - " + name + SpellingHint(name));
+    ReportUnknown("Identifier not found - " + name + SpellingHint(name), Tokens{name});
 }
 
 void TranslateCall(State& state, TokenSpan tokens) {
@@ -192,8 +193,9 @@ void CheckNullAssignment(State& state, TokenSpan tokens) {
     if (tokens.size() != 3 || tokens.SignAt(1) != '=' || tokens.KeywordAt(2) != Keyword::Null) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
-    ReportFatal(
-        "'" + tokens[0] +
-        "' is an Element (a value) - Null applies to Types, not Elements. Elements need no cleanup; a Local "
-        "Element is freed automatically when it goes out of scope.");
+    ReportFatal("'" + tokens[0] +
+                    "' is an Element (a value) - Null applies to Types, not Elements. Elements need no "
+                    "cleanup; a Local "
+                    "Element is freed automatically when it goes out of scope.",
+                tokens.Slice(0, 1));
 }

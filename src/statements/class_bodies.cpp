@@ -102,7 +102,8 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
 
 // The closers do not compare themselves with the opener: either ends whichever block is open.
 void CloseClass(State& state, const std::string& closer) {
-    if (!state.inType || !state.routine.openParts.empty()) ReportFatal("Unexpected '" + closer + "' token.");
+    if (!state.inType || !state.routine.openParts.empty())
+        ReportFatal("Unexpected '" + closer + "' token.", Tokens{closer});
     if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
     if (state.inExtern) {
         EmitBlankForTrace(state);
@@ -137,7 +138,8 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     if (unclosed)
         cls = nullptr;
     else if (cls == nullptr)
-        ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass");
+        ReportFatal("Internal error: Class '" + name + "' not found in classList after first pass",
+                    Tokens{name});
     CheckFileLevelName(name);
     state.inType = true;
     state.typeLine = state.place.line;

@@ -90,19 +90,22 @@ ValueType CounterType(const Expr& start, TokenSpan end, TokenSpan step) {
 void CheckDeclaredCounter(Counter& counter) {
     const Token name(counter.name);
     Expr target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
-    if (target.isConst) ReportFatal("Cannot assign to const variable '" + counter.name + "'");
+    if (target.isConst)
+        ReportFatal("Cannot assign to const variable '" + counter.name + "'", Tokens{counter.name});
     if (!target.assignable && target.type.IsKnown())
-        ReportFatal("For needs a loop variable, but '" + counter.name + "' is none");
+        ReportFatal("For needs a loop variable, but '" + counter.name + "' is none", Tokens{counter.name});
     counter.cppName = target.text;
     counter.type = target.type;
 }
 
 void CheckCounterType(const Counter& counter, const Expr& start) {
     if (!counter.type.IsKnown()) return;
-    if (!Assignable(counter.type, start.type)) FailMismatch(start.type, counter.type, counter.name);
+    if (!Assignable(counter.type, start.type))
+        FailMismatch(start.type, counter.type, counter.name, start.source);
     if (!counter.type.IsNumber() || counter.type.Is(Base::Bool))
-        ReportFatal("For needs a numeric loop variable, but '" + counter.name + "' is " +
-                    KorvelName(counter.type));
+        ReportFatal(
+            "For needs a numeric loop variable, but '" + counter.name + "' is " + KorvelName(counter.type),
+            Tokens{counter.name});
 }
 
 bool IsDigits(const std::string& token) {

@@ -90,7 +90,7 @@ DefinitionKind KindOf(Keyword keyword) {
 void TranslateDeclaration(State& state, TokenSpan tokens) {
     const DefinitionKind kind = KindOf(tokens.KeywordAt(0));
     CheckPlace(state, kind);
-    if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'");
+    if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
     for (const TokenSpan& part : tokens.From(1).SplitAt(',')) {
         if (kind == DefinitionKind::Local)
             DeclareLocal(state, part);

@@ -48,7 +48,7 @@ void CheckNewName(const Declared& declared) {
     if (declared.kind != DefinitionKind::Local) return;
     CheckCppWord(name);
     // A Local may hide a Function: calls of it are told apart.
-    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
+    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
     if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
@@ -66,7 +66,7 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
         if (declared.kind == DefinitionKind::Local) CheckLocalType(tokens);
         declared.note = ReadType(tokens, 2);
         if (declared.note.type.sequence && Is(tokens[declared.note.end], "["))
-            ReportFatal("An array cannot hold Sequences: '" + declared.name + "'");
+            ReportFatal("An array cannot hold Sequences: '" + declared.name + "'", Tokens{declared.name});
     } else if (Is(tokens[1], "[")) {
         declared.note.type = Single(Base::Int);
         ReadSizes(tokens, 1, declared.note);
@@ -79,11 +79,13 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
     if (!Is(tokens[at], "="))
-        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'");
+        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'",
+                    tokens.Slice(at, at + 1));
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);
     if (declared.value.empty())
-        ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'");
+        ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'",
+                    Tokens{declared.name});
 }
 
 Declared Read(TokenSpan tokens, DefinitionKind kind) {
@@ -104,15 +106,17 @@ void CheckCreation(TokenSpan value) {
     if (value.KeywordAt(0) != Keyword::Create) return;
     if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'");
     if (!IsClass(value[1]))
-        ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type");
+        ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type",
+                    value.Slice(1, 2));
 }
 
 void CheckComplete(const Declared& declared) {
     if (declared.hasValue) return;
     if (declared.kind == DefinitionKind::Const) ReportFatal("Constant must be initialized");
     if (!declared.typed)
-        ReportFatal("Variable '" + declared.name +
-                    "' requires either a type annotation (:Type) or an initial value");
+        ReportFatal(
+            "Variable '" + declared.name + "' requires either a type annotation (:Type) or an initial value",
+            Tokens{declared.name});
 }
 
 // The type an untyped variable takes from its value.
@@ -120,16 +124,19 @@ void InferDeclaredType(Declared& declared, const Expr& value) {
     if (declared.typed) return;
     declared.note.type = value.type;
     if (value.type.base == Base::Null)
-        ReportFatal("Variable '" + declared.name + "' requires a type annotation (:Type) beside Null");
-    if (value.type.Is(Base::Void)) ReportFatal("The initial value of '" + declared.name + "' has no value");
+        ReportFatal("Variable '" + declared.name + "' requires a type annotation (:Type) beside Null",
+                    Tokens{declared.name});
+    if (value.type.Is(Base::Void))
+        ReportFatal("The initial value of '" + declared.name + "' has no value", Tokens{declared.name});
 }
 
 void CheckConstType(const Declared& declared) {
     const ValueType& type = declared.note.type;
     if (declared.kind != DefinitionKind::Const || !type.IsKnown()) return;
     if (!type.IsNumber() && !type.Is(Base::String))
-        ReportFatal("Const '" + declared.name + "' must hold a number, a Bool or a String, got " +
-                    KorvelName(type));
+        ReportFatal(
+            "Const '" + declared.name + "' must hold a number, a Bool or a String, got " + KorvelName(type),
+            Tokens{declared.name});
 }
 
 // Statements before the class may have named the Field already.
@@ -180,7 +187,8 @@ bool IsConstant(const Declared& declared, const Expr& value) {
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
     const ValueType& type = declared.note.type;
-    if (declared.hasValue && !Assignable(type, value.type)) FailMismatch(value.type, type, declared.name);
+    if (declared.hasValue && !Assignable(type, value.type))
+        FailMismatch(value.type, type, declared.name, declared.value);
     const std::string variable = (type.IsKnown() ? CppName(type) : "auto") + " " + definition.cppName;
     definition.text = SingleText(declared, variable, value);
     if (const std::optional<long long> number = WrittenOut(declared)) {
@@ -218,10 +226,10 @@ ArrayText TextOfArray(State& state, const Declared& declared, const Variable& ar
                       const Expr& value) {
     if (!declared.hasValue) return DeclareArray(array, place, state.routine.frameRoom);
     const ValueType& type = declared.note.type;
-    if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name);
+    if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name, declared.value);
     if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
     CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine.declared);
-    if (type != value.type) FailMismatch(value.type, type, declared.name);
+    if (type != value.type) FailMismatch(value.type, type, declared.name, declared.value);
     return TakeOverArray(array, place, value,
                          {HasSizes(value, array.sizes, state.routine.declared), CalledName(declared.value)});
 }
@@ -270,7 +278,8 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     array.handsOnBools = HandsOn(declared);
     definition.handsOnBools = array.handsOnBools;
     if (!declared.hasValue && !AnySizeWritten(array.sizes))
-        ReportFatal("Array '" + declared.name + "' requires a size or an initial value");
+        ReportFatal("Array '" + declared.name + "' requires a size or an initial value",
+                    Tokens{declared.name});
     if (declared.hasValue && !AnySizeWritten(array.sizes)) array.sizes.clear();
     const ArrayPlace place = PlaceOf(state, declared.kind);
     const ArrayText text = TextOfArray(state, declared, array, place, value);

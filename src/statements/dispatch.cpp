@@ -40,14 +40,14 @@ void NothingToEmit(State& state, TokenSpan tokens) {
 // Lines that begin with it never come here.
 void RefuseInlineCpp(State& state, TokenSpan tokens) {
     (void)state;
-    ReportFatal("'" + tokens[0] + "' must stand alone on its line");
+    ReportFatal("'" + tokens[0] + "' must stand alone on its line", tokens.Slice(0, 1));
 }
 
 // Whoever reads a block like that has met its closer before.
 void RefuseStrayCloser(State& state, TokenSpan tokens) {
     (void)state;
     const std::string block = tokens[0].substr(std::string("End").size());
-    ReportFatal("'" + tokens[0] + "' without an open " + block + " block");
+    ReportFatal("'" + tokens[0] + "' without an open " + block + " block", tokens.Slice(0, 1));
 }
 
 // In the order of comparison.
@@ -133,7 +133,7 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     if (InRoutine(state)) return;
     const std::string& word = tokens[0];
     if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
-        ReportFatal("'" + word + "' is written in lower case here: " + Lower(word));
+        ReportFatal("'" + word + "' is written in lower case here: " + Lower(word), Tokens{word});
     const bool misplaced = row == nullptr || row->place == Place::Routine;
     if (misplaced)
         ReportFatal("'" + word + "' can only be used inside a Function or Method", UnclosedExtern(state));
@@ -160,8 +160,9 @@ void RefuseInPart(const State& state, TokenSpan tokens) {
     }
     if (AssignsOwnField(tokens) || IsNoAccessWord(tokens)) return;
     ReportFatal("'" + tokens[0] +
-                "' cannot stand here: " + StripFolder(state.routine.openParts.back()->source) +
-                " is included inside a Function or Method, so it holds statements and Locals only");
+                    "' cannot stand here: " + StripFolder(state.routine.openParts.back()->source) +
+                    " is included inside a Function or Method, so it holds statements and Locals only",
+                tokens.Slice(0, 1));
 }
 
 }  // namespace

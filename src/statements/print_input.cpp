@@ -67,16 +67,19 @@ InputTarget TargetOf(TokenSpan tokens) {
     target.name = tokens[0];
     if (tokens.size() == 1) {
         const Variable* variable = FindVariable(tokens[0]);
-        if (variable == nullptr) ReportUnknown("Variable '" + target.name + "' not found in Input statement");
+        if (variable == nullptr)
+            ReportUnknown("Variable '" + target.name + "' not found in Input statement", Tokens{target.name});
         if (variable != nullptr && variable->isConst)
-            ReportFatal("Cannot assign to const variable '" + target.name + "'");
+            ReportFatal("Cannot assign to const variable '" + target.name + "'", Tokens{target.name});
     }
     Expr expr = TranslateExpression(tokens, ExprMode::Statement);
     if (!expr.assignable && expr.type.IsKnown())
-        ReportFatal("Input needs a variable after the comma, '" + target.name + "' cannot be assigned to");
+        ReportFatal("Input needs a variable after the comma, '" + target.name + "' cannot be assigned to",
+                    Tokens{target.name});
     bool readable = !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::String);
     if (!readable)
-        ReportFatal("Input cannot read into '" + target.name + "', which is " + KorvelName(expr.type));
+        ReportFatal("Input cannot read into '" + target.name + "', which is " + KorvelName(expr.type),
+                    Tokens{target.name});
     target.text = expr.text;
     target.type = expr.type;
     // A Byte is only found when the number is there.

@@ -44,11 +44,13 @@ std::string RoutineSubject(const State& state) {
 void CheckValue(const State& state, const ValueType& result, const Expr& value) {
     if (!value.type.IsKnown() || !result.IsKnown()) return;
     if (result.Is(Base::Void))
-        ReportFatal(RoutineSubject(state) + " has no return type, so its Return cannot give a value");
+        ReportFatal(RoutineSubject(state) + " has no return type, so its Return cannot give a value",
+                    value.source);
     const bool array = result.IsArray() || value.type.IsArray();
     if (array ? result == value.type : Assignable(result, value.type)) return;
     ReportFatal("Type mismatch: " + RoutineSubject(state) + " returns " + KorvelName(result) +
-                ", but its Return gives " + KorvelName(value.type) + ConversionHint(result, value.type));
+                    ", but its Return gives " + KorvelName(value.type) + ConversionHint(result, value.type),
+                value.source);
 }
 
 void CheckNoValue(const State& state, const ValueType& result) {

@@ -34,7 +34,7 @@ bool IsDestructor(const State& state) {
 }
 
 std::string RoutineName(TokenSpan tokens) {
-    if (!IsName(tokens[1])) ReportFatal("Expected a name after '" + tokens[0] + "'");
+    if (!IsName(tokens[1])) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
     return tokens[1];
 }
 
@@ -114,7 +114,8 @@ void EmitEnter(State& state, const std::string& name) {
 }
 
 void CheckFunctionName(const std::string& name, const Routine* routine, bool isMain) {
-    if (routine == nullptr || IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
+    if (routine == nullptr || IsClass(name))
+        ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
     if (isMain && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
 }
 
@@ -263,7 +264,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);
-    if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.");
+    if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
     CheckMethodKind(state, *method);
     EmitAccessOf(state, *method);
     Open(state, RoutineKind::Method, ReportedName(*method, state.typeName), *method, false);

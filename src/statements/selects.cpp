@@ -59,7 +59,8 @@ void CheckLabelType(const OpenSelect& select, const Expr& label) {
         fits = label.type.IsInteger();
     if (!fits)
         ReportFatal("Type mismatch: Case label is " + KorvelName(label.type) + ", but the Select is over " +
-                    KorvelName(select.subject));
+                        KorvelName(select.subject),
+                    label.source);
 }
 
 // A spelling that is the same for equal values.
@@ -88,11 +89,12 @@ std::string LabelText(OpenSelect& select, TokenSpan tokens) {
     if (!value) {
         // The index form compares at run time, so any Const will do there.
         bool constant = select.byIndex && label.isConst;
-        if (!constant) ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not");
+        if (!constant)
+            ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not", tokens);
         return ValueText(label);
     }
     if (!select.labels.insert(LabelKey(select, *value)).second)
-        ReportFatal("Duplicate Case label: " + Spelling(tokens));
+        ReportFatal("Duplicate Case label: " + Spelling(tokens), tokens);
     if (select.subject.Is(Base::Double) && !label.type.Is(Base::Double))
         return "(double)" + GuardedText(label, Level::Unary);
     if (value->kind == ConstantValue::Kind::Integer && !IsConstantToCpp(tokens))
@@ -118,7 +120,7 @@ void TranslateSelect(State& state, TokenSpan tokens) {
     select.subject = subject.type;
     select.byIndex = subject.type.Is(Base::String) || subject.type.Is(Base::Double);
     if (subject.type.IsKnown() && !subject.type.IsNumber() && !select.byIndex)
-        ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type));
+        ReportFatal("Select works on numbers and Strings, got " + KorvelName(subject.type), tokens.From(1));
     OpenNewBlock(state, BlockKind::Select).select = std::move(opened);
     if (select.byIndex)
         select.labelsSlot =

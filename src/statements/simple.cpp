@@ -26,7 +26,8 @@ const TwoWordCloser twoWordClosers[] = {
 void TranslateEnd(State& state, TokenSpan tokens) {
     for (const TwoWordCloser& closer : twoWordClosers)
         if (IsWord(tokens[1], closer.word)) ReportFatal(closer.message);
-    if (!InRoutine(state)) ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method");
+    if (!InRoutine(state))
+        ReportFatal("'" + tokens[0] + "' can only be used inside a Function or Method", tokens.Slice(0, 1));
     EmitLine(state, "exit(0);");
     state.routine.reachable = false;
 }
@@ -52,7 +53,7 @@ void TranslateContinue(State& state, TokenSpan tokens) {
 
 // public | private
 void TranslateAccess(State& state, TokenSpan tokens) {
-    if (!state.inType) ReportFatal("unexpected '" + tokens[0] + "' keyword.");
+    if (!state.inType) ReportFatal("unexpected '" + tokens[0] + "' keyword.", tokens.Slice(0, 1));
     RefuseMore(tokens, 1);
     state.access = tokens[0];
 }

@@ -19,7 +19,8 @@ std::string DefaultArguments(const Routine& handler) {
     for (const Parameter& parameter : handler.parameters) {
         if (!parameter.hasDefault)
             ReportFatal("AutoCall handler '" + handler.name + "' must not need arguments, but parameter '" +
-                        parameter.name + "' has no default");
+                            parameter.name + "' has no default",
+                        Tokens{handler.name});
         const Expr value = TranslateDefault(handler, parameter);
         arguments += (arguments.empty() ? "" : ", ") + TextAs(value, parameter.type);
     }
@@ -29,7 +30,7 @@ std::string DefaultArguments(const Routine& handler) {
 std::string HandlerCall(const std::string& name) {
     const Routine* handler = FindFunction(name);
     if (handler == nullptr) handler = FindUserlibFunction(name);
-    if (handler == nullptr) ReportUnknown("AutoCall handler '" + name + "' is not a Function");
+    if (handler == nullptr) ReportUnknown("AutoCall handler '" + name + "' is not a Function", Tokens{name});
     if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
     const bool hidden = !handler->isUserlib && IsHidden(name);
     return (hidden ? "::" : "") + handler->cppName + "(" + DefaultArguments(*handler) + ")";
@@ -59,7 +60,8 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
     if (tokens.size() < 4) ReportFatal("AutoCall syntax: AutoCall <function> Every|Once <milliseconds>");
     const bool every = IsWord(tokens[2], "every");
     if (!every && !IsWord(tokens[2], "once"))
-        ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'");
+        ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'",
+                    tokens.Slice(2, 3));
     const std::string& name = tokens[1];
     Expr interval = TranslateExpression(tokens.From(3), ExprMode::Condition);
     if (interval.text.empty())

@@ -59,8 +59,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
     if (!type.Is(Base::Object) && !type.Is(Base::Element)) {
         const std::string message = "With requires an object (a Type or Element), but '" + Spelling(object) +
                                     "' is " + (unknownName ? "" : CppName(type));
-        if (unknownName) ReportUnknown(message);
-        ReportFatal(message);
+        if (unknownName) ReportUnknown(message, object);
+        ReportFatal(message, object);
     }
     state.withs.push_back({std::move(object), state.place.line});
 }

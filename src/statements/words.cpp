@@ -4,7 +4,8 @@
 
 void RefuseMore(TokenSpan tokens, std::size_t from) {
     if (tokens.size() > from)
-        ReportFatal("Unexpected '" + tokens[from] + "' after '" + tokens[from > 0 ? from - 1 : 0] + "'");
+        ReportFatal("Unexpected '" + tokens[from] + "' after '" + tokens[from > 0 ? from - 1 : 0] + "'",
+                    tokens.Slice(from, from + 1));
 }
 
 std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
@@ -14,13 +15,15 @@ std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
     bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer);
     if (!fits)
         ReportFatal("The condition of '" + keyword + "' must be a comparison, a number or an object, got " +
-                    KorvelName(type));
+                        KorvelName(type),
+                    tokens);
     return ValueText(condition);
 }
 
-void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable) {
+void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {
     ReportFatal("Type mismatch: Cannot assign " + CppName(from) + " to " + CppName(to) + " variable '" +
-                variable + "'" + ConversionHint(to, from));
+                    variable + "'" + ConversionHint(to, from),
+                value);
 }
 
 std::string GuardedText(const Expr& expr, Level weakest) {

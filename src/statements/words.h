@@ -12,8 +12,10 @@ void RefuseMore(TokenSpan tokens, std::size_t from);
 // C++ text of a condition; ends the run when there is none or it has a type that is neither true nor false.
 std::string ConditionText(TokenSpan tokens, const std::string& keyword);
 
-// Ends the run with the message for a value of type `from` that a variable of type `to` cannot take.
-[[noreturn]] void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable);
+// Ends the run with the message for a value of type `from` that a variable of type `to` cannot take; it is about the
+// tokens of the value.
+[[noreturn]] void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable,
+                               TokenSpan value = {});
 
 // Text of an expression that needs parentheses when its top operator binds weaker than `weakest`.
 std::string GuardedText(const Expr& expr, Level weakest);

@@ -48,6 +48,38 @@ std::string_view LineCutter::ReadLine() {
     return reader.TakeLine();
 }
 
+void LineCutter::NoteStretch(std::size_t at, std::size_t column) {
+    if (places != nullptr) stretches.push_back({at, physical, static_cast<int>(column)});
+}
+
+// Of a piece that loses its tildes where it is joined.
+void LineCutter::NoteStretchesBetweenTildes(std::size_t at, std::string_view piece) {
+    NoteStretch(at, 1);
+    for (std::size_t i = 0, tildes = 0; i < piece.size(); ++i)
+        if (piece[i] == '~') NoteStretch(at + i - tildes++, i + 2);
+}
+
+TokenPlace LineCutter::PlaceAt(std::size_t at, std::size_t size) const {
+    const auto behind =
+        std::upper_bound(stretches.begin(), stretches.end(), at,
+                         [](std::size_t position, const Stretch& stretch) { return position < stretch.at; });
+    const auto found = std::prev(behind);
+    const int first = found->column + static_cast<int>(at - found->at);
+    return {found->line, first, first + static_cast<int>(size) - 1};
+}
+
+// Every token is a piece of the text, and only blanks stand between them.
+void LineCutter::LocateTokens(std::string_view text) {
+    if (places == nullptr) return;
+    placesInLine.clear();
+    std::size_t at = 0;
+    for (const Token token : lexer.tokens) {
+        at = text.find_first_not_of(" \t", at);
+        placesInLine.push_back(PlaceAt(at, token->text.size()));
+        at += token->text.size();
+    }
+}
+
 void LineCutter::NoteTrouble(const LexTrouble& trouble, std::string_view text) {
     if (trouble.message == nullptr || file.trouble.message != nullptr) return;
     file.trouble = {trouble.message, file.lines.size(), count, std::string(text), trouble.openParentheses};
@@ -64,6 +96,9 @@ void LineCutter::Lex(std::string_view text) {
     lexedLine = physical;
     NoteLexed(text, false);
     NoteTrouble(lexer.Cut(text), text);
+    if (places == nullptr) return;
+    stretches = {{0, physical, 1}};
+    LocateTokens(text);
 }
 
 // The joined line. After "_" it counts once more, in place of the lines that were joined to the first: that
@@ -72,6 +107,7 @@ void LineCutter::LexJoined(const std::string& text, bool counts) {
     if (counts) ++count;
     NoteLexed(text, false);
     NoteTrouble(lexer.Cut(text), text);
+    LocateTokens(text);
 }
 
 // What is looked at before it is joined, and inline C++.
@@ -113,7 +149,10 @@ void LineCutter::CutInline() {
 // Two tildes begin a join; it goes on while one of the last two tokens is a tilde.
 void LineCutter::JoinTildeLines(std::string& text) {
     if (!EndsInTwoTildes(lexer.tokens)) return;
-    text = WithoutTildes(WithoutComment(text));
+    text = WithoutComment(text);
+    stretches.clear();
+    NoteStretchesBetweenTildes(0, text);
+    text = WithoutTildes(text);
     bool more = true;
     while (more && !reader.AtEnd()) {
         const std::string_view raw = ReadLine();
@@ -122,6 +161,7 @@ void LineCutter::JoinTildeLines(std::string& text) {
         ++count;
         LexPiece(piece);
         more = EndsInTilde(lexer.tokens);
+        NoteStretchesBetweenTildes(text.size(), piece);
         text += WithoutTildes(piece);
     }
     LexJoined(text, false);
@@ -132,7 +172,9 @@ void LineCutter::JoinUnderscoreLines(std::string& text) {
     text = CutAtContinuation(text);
     bool more = true;
     while (more && !reader.AtEnd()) {
-        const std::string piece = WithoutIndent(ReadLine());
+        const std::string_view raw = ReadLine();
+        const std::string piece = WithoutIndent(raw);
+        NoteStretch(text.size() + 1, raw.size() - piece.size() + 1);
         TakeComment(piece);
         LexPiece(piece);
         more = EndsInUnderscore(lexer.tokens);
@@ -154,6 +196,9 @@ void LineCutter::AddStatement(CutLine& line, std::size_t from, std::size_t to) {
     const auto begin = static_cast<std::uint32_t>(file.tokens.size());
     file.tokens.insert(file.tokens.end(), tokens + from, tokens + to);
     file.statements.push_back({begin, static_cast<std::uint32_t>(file.tokens.size())});
+    if (places != nullptr)
+        places->insert(places->end(), placesInLine.begin() + static_cast<std::ptrdiff_t>(from),
+                       placesInLine.begin() + static_cast<std::ptrdiff_t>(to));
     line.declares = line.declares || IsCollected(tokens[from]->keyword);
 }
 

@@ -68,9 +68,16 @@ struct CutFile {
     std::vector<LexedText> lexed;       // with -v: up to the first trouble
 };
 
+// Where a token stands: its physical line, and its first and last byte there, from 1 on.
+struct TokenPlace {
+    int line = 0, first = 0, last = 0;
+};
+
 class LineCutter {
 public:
-    explicit LineCutter(CutFile& target) : file(target) {}
+    // Where `noted` is given it receives the places of the file's tokens, one for each.
+    explicit LineCutter(CutFile& target, std::vector<TokenPlace>* noted = nullptr)
+        : file(target), places(noted) {}
 
     // False when the file cannot be read.
     bool Open(const std::string& path);
@@ -87,7 +94,19 @@ private:
     int count = 0;
     int lexedLine = 0;  // the last that was lexed as it stands
     std::string comment;
+    // From this byte of the text that is cut on, it is what stands in the line from the column on.
+    struct Stretch {
+        std::size_t at = 0;
+        int line = 0, column = 0;
+    };
+    std::vector<TokenPlace>* places;
+    std::vector<TokenPlace> placesInLine;  // of the lexer's tokens
+    std::vector<Stretch> stretches;
 
+    void NoteStretch(std::size_t at, std::size_t column);
+    void NoteStretchesBetweenTildes(std::size_t at, std::string_view piece);
+    TokenPlace PlaceAt(std::size_t at, std::size_t size) const;
+    void LocateTokens(std::string_view text);
     std::string_view ReadLine();
     void NoteLexed(std::string_view text, bool isPiece);
     void NoteTrouble(const LexTrouble& trouble, std::string_view text);

@@ -196,7 +196,8 @@ const char* const externNameMacros =
 void CheckExternName(const std::string& name) {
     if (name == "main") ReportFatal("Identifier 'main' is already defined.");
     if (IsLibraryNonFunction(name))
-        ReportFatal("'" + name + "' is no function of the C library, so it cannot be declared as one");
+        ReportFatal("'" + name + "' is no function of the C library, so it cannot be declared as one",
+                    Tokens{name});
 }
 
 ExternTexts TextsOfExtern(const Routine& routine) {

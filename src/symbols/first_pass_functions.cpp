@@ -46,7 +46,7 @@ void Register(const Routine& routine, Prototype& prototype) {
 }  // namespace
 
 void FailAlreadyDefined(const std::string& name) {
-    ReportFatal("Identifier '" + name + "' is already defined.");
+    ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
 }
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens) {

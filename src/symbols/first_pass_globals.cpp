@@ -21,8 +21,9 @@ void RefuseFieldName(const std::string& name, const Kind& kind) {
     const auto owner = symbols.fieldOwners.find(name);
     if (owner == symbols.fieldOwners.end()) return;
     FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name +
-                      "' conflicts with already-declared Field '" + name + "' in Type " +
-                      owner->second->name + "\n  First come first served - the Field was declared first.");
+                          "' conflicts with already-declared Field '" + name + "' in Type " +
+                          owner->second->name + "\n  First come first served - the Field was declared first.",
+                      Tokens{name});
 }
 
 bool IsTaken(const std::string& name) {

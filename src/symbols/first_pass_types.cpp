@@ -13,8 +13,9 @@ void RefuseTaken(const FirstPass& pass, const std::string& name, bool taken, con
     if (!taken) return;
     const std::string earlier = kind.substr(0, kind.find(' '));
     FailOnErrorStream("ERROR: Field '" + name + "' in Type " + pass.open.name +
-                      " conflicts with already-declared " + kind + " '" + name +
-                      "'\n  First come first served - the " + earlier + " was declared first.");
+                          " conflicts with already-declared " + kind + " '" + name +
+                          "'\n  First come first served - the " + earlier + " was declared first.",
+                      Tokens{name});
 }
 
 // The support code sorts by a Compare that always has its prefix.
@@ -48,7 +49,7 @@ void AddField(FirstPass& pass, TokenSpan tokens) {
     const std::string& name = tokens[0];
     ClassInfo& open = pass.open;
     if (open.members.count(name) != 0) {
-        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name);
+        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name, Tokens{name});
     }
     RefuseTaken(pass, name, pass.globals.count(name) != 0, "Global variable");
     RefuseTaken(pass, name, pass.constants.count(name) != 0, "Const");
@@ -130,10 +131,10 @@ void CollectField(FirstPass& pass, TokenSpan tokens) {
 void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     if (!pass.inType) ReportFatal("Syntax error: 'Method' can only be declared inside a Type");
     const std::string& name = tokens[1];
-    if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'");
+    if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
     ClassInfo& open = pass.open;
     if (open.routines.count(name) != 0) {
-        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name);
+        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name, Tokens{name});
     }
     RefuseMemberName(pass, name);
     Routine method = ParseRoutineHeader(tokens);

@@ -78,7 +78,7 @@ bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.coun
 bool IsReservedKeyword(const std::string& name) { return wordLists.reservedKeywords.count(Lower(name)) != 0; }
 
 static void FailCppWord(const std::string& name) {
-    ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier");
+    ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier", Tokens{name});
 }
 
 void CheckCppWord(const std::string& name) {
@@ -93,7 +93,7 @@ void CheckExternParameter(const std::string& name) {
 
 void CheckKeyword(const std::string& name) {
     if (IsReservedKeyword(name)) {
-        ReportFatal("This is a reserved Korvel keyword '" + name + "', use another identifier");
+        ReportFatal("This is a reserved Korvel keyword '" + name + "', use another identifier", Tokens{name});
     }
 }
 
@@ -112,11 +112,12 @@ bool IsName(const std::string& text) { return IsNameText(text); }
 void CheckName(const std::string& name) {
     if (IsName(name)) return;
     ReportFatal("'" + name +
-                "' is not a valid name: names consist of letters, digits and '_' and do not begin "
-                "with a digit");
+                    "' is not a valid name: names consist of letters, digits and '_' and do not begin "
+                    "with a digit",
+                Tokens{name});
 }
 
 void FailUnknownType(const std::string& name) {
     const bool calledForHint = !name.empty() && name[0] >= 'A' && name[0] <= 'Z' && name[0] != 'T';
-    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""));
+    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""), Tokens{name});
 }

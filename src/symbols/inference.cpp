@@ -56,8 +56,9 @@ void Settle(Variable& variable, const ClassInfo* owner) {
     if (variable.type.IsKnown() || variable.initialiser.empty()) return;
     const DeclarationContext context(variable, owner);
     if (context.DependsOnItself()) {
-        ReportFatal("The initial value of '" + variable.name +
-                    "' depends on itself, so its type cannot be found");
+        ReportFatal(
+            "The initial value of '" + variable.name + "' depends on itself, so its type cannot be found",
+            Tokens{variable.name});
     }
     variable.type = InferType(variable.initialiser);
 }

@@ -8,10 +8,12 @@
 
 #include "driver/journal.h"
 #include "driver/run.h"
+#include "driver/settings.h"
 #include "lexer/mentions.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
+#include "symbols/token_places.h"
 
 namespace {
 
@@ -65,12 +67,28 @@ bool MentionsDoubtful(TokenSpan statement) {
     return std::any_of(mentioned.begin(), mentioned.end(), [](Token token) { return IsDoubtful(*token); });
 }
 
+// Where nothing nearer is meant it is about the statement, unless that only made an earlier one count.
+bool FindPlace(const korvel::Diagnostic& mistake, const Stop::Subject& subject, TokenSpan statement,
+               SourcePlace& place) {
+    if (FindPlace(subject, statement, place)) return place.file == mistake.file;
+    return FindPlace(statement, place) && place.file == mistake.file && place.where.line == mistake.line;
+}
+
+void Locate(korvel::Diagnostic& mistake, const Stop::Subject& subject, TokenSpan statement) {
+    SourcePlace place;
+    if (!FindPlace(mistake, subject, statement, place)) return;
+    mistake.line = place.where.line;
+    mistake.firstColumn = place.where.first;
+    mistake.lastColumn = place.where.last;
+}
+
 }  // namespace
 
 void KeepMistake(const Stop& stop, TokenSpan statement) {
     const bool isUnread = stop.ofUnknown && !symbols.complete;
     if (!isUnread && (kept.empty() || !MentionsDoubtful(statement))) {
         kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
+        if (settings.columns && !stop.isElsewhere) Locate(kept.back(), stop.subject, statement);
         NoteMistake(stop);
     }
     DoubtNamesOf(statement);

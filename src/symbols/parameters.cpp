@@ -98,15 +98,18 @@ void SettleDefault(Parameter& parameter) {
     const ValueType type = DefaultType(parameter.defaultValue);
     if (type.base == Base::Void)
         ReportUnknown("The default value of parameter '" + parameter.name +
-                      "' must be a number, a text, True, False, Null or a Const");
+                          "' must be a number, a text, True, False, Null or a Const",
+                      Tokens{parameter.name});
     if (!parameter.untyped && !Assignable(parameter.type, type)) {
         ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " +
-                    ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +
-                    ConversionHint(parameter.type, type));
+                        ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +
+                        ConversionHint(parameter.type, type),
+                    Tokens{parameter.name});
     }
     if (!parameter.untyped) return;
     if (type.base == Base::Null)
-        ReportFatal("Parameter '" + parameter.name + "' = Null requires a type annotation (:Type)");
+        ReportFatal("Parameter '" + parameter.name + "' = Null requires a type annotation (:Type)",
+                    Tokens{parameter.name});
     parameter.type = type;
 }
 
@@ -133,7 +136,8 @@ void SettleParameters(Routine& routine) {
         if (parameter.untyped) parameter.type = Single(Base::Int);
         if (defaulted) {
             ReportFatal("Parameter '" + parameter.name + "' needs a default value, because '" +
-                        defaulted->name + "' before it has one");
+                            defaulted->name + "' before it has one",
+                        Tokens{parameter.name});
         }
     }
 }

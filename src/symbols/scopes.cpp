@@ -100,7 +100,8 @@ void RefuseConstName(const std::string& name) {
     Variable& constant = found->second;
     if (StandsBefore(constant))
         ReportFatal("Syntax error: Variable '" + name +
-                    "' conflicts with an already-declared Const (first come first served)");
+                        "' conflicts with an already-declared Const (first come first served)",
+                    Tokens{name});
     constant.isTakenEarlier = true;
 }
 
@@ -190,7 +191,7 @@ Variable& AddVarToScopeList(const std::string& name) {
     CheckKeyword(name);
     RefuseConstName(name);
     CheckName(name);
-    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.");
+    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
 
     ScopeBranch& branch = localDefList.back();
     std::vector<VisibleVariable>& visible = branch.visible[name];
@@ -207,14 +208,15 @@ Variable& AddOwnName(const std::string& name) {
 }
 
 void FailDeclaredTwice(const std::string& name) {
-    ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope");
+    ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope", Tokens{name});
 }
 
 void ReachConst(const std::string& name) {
     Variable& constant = symbols.constants[name];
     if (constant.isTakenEarlier)
         ReportFatal("Syntax error: Const '" + name +
-                    "' conflicts with an already-declared Variable (first come first served)");
+                        "' conflicts with an already-declared Variable (first come first served)",
+                    Tokens{name});
     constant.isReached = true;
 }
 

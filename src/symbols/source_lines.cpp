@@ -87,6 +87,18 @@ const std::string& SourceLines::Comment() const {
     return file->comments.empty() ? none : file->comments[next - 1];
 }
 
+std::string FileWithToken(const Token* token, std::size_t& index) {
+    const std::less<> before;
+    for (const auto& [path, file] : cutFiles) {
+        if (file == nullptr || file->tokens.empty()) continue;
+        const Token* first = file->tokens.data();
+        if (before(token, first) || !before(token, first + file->tokens.size())) continue;
+        index = static_cast<std::size_t>(token - first);
+        return path;
+    }
+    return {};
+}
+
 // True when normalising the path would leave it as it is, which needs no looking at its parts.
 static bool IsNormal(const std::string& path) {
     if (path.empty() || path.front() == '.' || path.find('\\') != std::string::npos) return false;

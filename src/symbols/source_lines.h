@@ -63,5 +63,8 @@ private:
     void Enter(const CutLine& entered);
 };
 
+// The file whose list the token stands in; empty when it is a copy or stands in none. Then its index there.
+std::string FileWithToken(const Token* token, std::size_t& index);
+
 // Tells whether two paths mean the same file, by their text.
 std::string FileId(const std::string& path);

@@ -19,8 +19,9 @@ ValueType ParseSequenceItem(const std::string& name) {
     if (cls != nullptr && cls->isElement) return Single(Base::Element, cls);
     if (cls != nullptr || HasTypeName(name)) {
         ReportFatal("A Sequence cannot hold a Type. '" + name +
-                    "' is a Type - Types have their own list (use EachIn / First / Last), or declare '" +
-                    name + "' as an Element to store it in a Sequence.");
+                        "' is a Type - Types have their own list (use EachIn / First / Last), or declare '" +
+                        name + "' as an Element to store it in a Sequence.",
+                    Tokens{name});
     }
     ReportFatal(
         "A Sequence holds basic data types (Int, Double, String, ...) or Elements. Unknown element type: " +

@@ -47,7 +47,8 @@ const BasicType* FindBasic(Base base) {
 
 [[noreturn]] void FailUndefinedType(const std::string& name) {
     ReportFatal("Type '" + name + "' is not defined. Make sure to declare it with 'Type " + name +
-                "' before using it.");
+                    "' before using it.",
+                Tokens{name});
 }
 
 ValueType ClassType(const ClassInfo* cls) {

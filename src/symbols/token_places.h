@@ -1,0 +1,25 @@
+// Where tokens stand in their source. Nobody needs to know while all is well: a file is cut once more for its places
+// when somebody asks.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "driver/report.h"
+#include "lexer/token_span.h"
+#include "symbols/cut_file.h"
+
+struct SourcePlace {
+    std::string file;
+    TokenPlace where;  // as far as the tokens stand on the line of the first one
+};
+
+// The places of all tokens of a file that has been read, in their order.
+const std::vector<TokenPlace>& PlacesOf(const std::string& file);
+
+// The place of what a mistake in the statement is about. Tokens that are copies, as those in the holes of Strings are,
+// are looked for in the statement. False when it cannot be told.
+bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& place);
+
+// The same for tokens of a file's own list.
+bool FindPlace(TokenSpan tokens, SourcePlace& place);
