@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
+#include "driver/files.h"
 #include "driver/paths.h"
 #include "driver/report.h"
 #include "driver/run.h"
@@ -85,6 +87,8 @@ Result Run(const Request& request, const Task& task) {
     Begin(request);
     settings.checkOnly = !task.writes;
     const Silence silence(result.diagnostics);
+    std::optional<FolderLock> alone;
+    if (task.writes) alone.emplace(settings.outputPath);
     try {
         task.before();
         RunPhases();
