@@ -34,7 +34,8 @@ const PartOfRun partOfRun(files, byPath, collected, madeFolders);
 
 // Its folder in the output folder, which is made when it does not exist.
 std::string OutputFolderOf(const std::string& name) {
-    const std::string folder = FolderOf(name);
+    std::string folder = FolderOf(name);
+    folder.erase(0, folder.find_first_not_of('/'));  // C++ would look there from the root on
     if (folder.empty()) return settings.outputPath;
     const std::string path = settings.outputPath + "/" + folder;
     if (settings.checkOnly || !madeFolders.insert(path).second) return path;
