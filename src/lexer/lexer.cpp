@@ -1,5 +1,6 @@
 #include "lexer/lexer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -326,6 +327,7 @@ bool EndsContinued(std::string_view line) {
     return line[last] == '\\' || trigraph;
 }
 
-std::string GuardComment(const std::string& comment) {
+std::string GuardComment(std::string comment) {
+    std::replace(comment.begin(), comment.end(), '\r', ' ');
     return EndsContinued(comment) ? comment + " ." : comment;
 }

@@ -67,5 +67,6 @@ std::string CommentOf(const std::string& rawLine);
 // Whether C++ would join the next line to this one.
 bool EndsContinued(std::string_view line);
 
-// The comment, with a point behind it where its end would make C++ join the next line to it.
-std::string GuardComment(const std::string& comment);
+// The comment in one line: without returns, and with a point behind it where its end would make C++ join the next line
+// to it.
+std::string GuardComment(std::string comment);
