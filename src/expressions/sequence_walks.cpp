@@ -1,6 +1,7 @@
 #include "expressions/sequence_walks.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "analysis/sequence_changes.h"
 #include "driver/report.h"
@@ -101,28 +102,13 @@ bool MayBeSame(const Place& a, const Place& b) {
 
 // ---- passages
 
-// What a walk has to do that others need not: each has a letter, and its text around the walk's name.
-struct PassageKind {
-    char letter;
-    const char *before, *behind;
-};
-constexpr PassageKind away = {'a', "(", ".Away(), "};
-constexpr PassageKind back = {'b', nullptr, ")"};
-constexpr PassageKind leave = {'l', "", ".Leave(); "};
-constexpr PassageKind store = {'s', "", ".Store(); "};
-constexpr PassageKind restore = {'r', " ", ".Back();"};
-constexpr const PassageKind* passageKinds[] = {&away, &back, &leave, &store, &restore};
-
-std::string Sign(const OpenWalk& walk, const PassageKind& kind) {
-    return passageSign + std::to_string(walk.number) + kind.letter;
-}
-
-std::string TextOf(const PassageKind& kind, const OpenWalk& walk) {
-    return kind.before == nullptr ? kind.behind : kind.before + walk.name + kind.behind;
+// The number of the walk and the text, between bytes that stand nowhere else in C++.
+std::string Sign(const OpenWalk& walk, const std::string& text) {
+    return passageSign + std::to_string(walk.number) + passageSign + text + passageSign;
 }
 
 std::string Wrapped(const OpenWalk& walk, const std::string& text) {
-    return Sign(walk, away) + text + Sign(walk, back);
+    return Sign(walk, "(" + walk.name + ".Away(), ") + text + Sign(walk, ")");
 }
 
 // Whether code outside of the loop's own routine can get at the Sequence without being handed it.
@@ -165,14 +151,13 @@ ClosedWalk CloseSequenceWalk() {
 }
 
 Passage PassageIn(std::string_view text) {
+    const std::size_t textAt = text.find(passageSign, 1), end = text.find(passageSign, textAt + 1);
     Passage passage;
-    int number = 0;
-    std::size_t at = 1;
-    for (; at < text.size() && IsDigit(text[at]); ++at) number = number * 10 + (text[at] - '0');
-    for (const OpenWalk& walk : walks)
-        for (const PassageKind* kind : passageKinds)
-            if (walk.number == number && at < text.size() && kind->letter == text[at])
-                passage = {at + 1, number, TextOf(*kind, walk)};
+    if (textAt == std::string_view::npos || end == std::string_view::npos) return passage;
+    passage.walk = std::atoi(std::string(text.substr(1, textAt - 1)).c_str());
+    if (passage.walk == 0) return passage;
+    passage.size = end + 1;
+    passage.text = text.substr(textAt + 1, end - textAt - 1);
     return passage;
 }
 
@@ -232,7 +217,7 @@ std::string WhileReordered(const Expr& sequence, std::string text) {
     std::string told;
     for (OpenWalk& walk : walks) {
         if (IsSame(walk.place, place))
-            told += Sign(walk, leave);
+            told += Sign(walk, walk.name + ".Leave(); ");
         else if (MayBeSame(walk.place, place))
             text = Wrapped(walk, text);
     }
@@ -269,7 +254,7 @@ std::string BeforeInnerLoop(const Expr& sequence) {
     std::string text;
     const Place place = PlaceOf(sequence);
     for (OpenWalk& walk : walks)
-        if (MayBeSame(walk.place, place)) text += Sign(walk, store);
+        if (MayBeSame(walk.place, place)) text += Sign(walk, walk.name + ".Store(); ");
     return text;
 }
 
@@ -277,6 +262,6 @@ std::string BehindInnerLoop(const Expr& sequence) {
     std::string text;
     const Place place = PlaceOf(sequence);
     for (OpenWalk& walk : walks)
-        if (MayBeSame(walk.place, place)) text += Sign(walk, restore);
+        if (MayBeSame(walk.place, place)) text += Sign(walk, " " + walk.name + ".Back();");
     return text;
 }
