@@ -87,6 +87,12 @@ const std::string& SourceLines::Comment() const {
     return file->comments.empty() ? none : file->comments[next - 1];
 }
 
+TokenSpan TokensOf(const std::string& file) {
+    const auto found = cutFiles.find(file);
+    return found == cutFiles.end() || found->second == nullptr ? TokenSpan()
+                                                               : TokenSpan(found->second->tokens);
+}
+
 std::string FileWithToken(const Token* token, std::size_t& index) {
     const std::less<> before;
     for (const auto& [path, file] : cutFiles) {

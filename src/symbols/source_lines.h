@@ -63,6 +63,9 @@ private:
     void Enter(const CutLine& entered);
 };
 
+// All tokens of a file that has been read; none for other files.
+TokenSpan TokensOf(const std::string& file);
+
 // The file whose list the token stands in; empty when it is a copy or stands in none. Then its index there.
 std::string FileWithToken(const Token* token, std::size_t& index);
 

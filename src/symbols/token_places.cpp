@@ -84,3 +84,15 @@ bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& p
 bool FindPlace(TokenSpan tokens, SourcePlace& place) {
     return !tokens.empty() && PlaceInFile(tokens.first, tokens.size(), place);
 }
+
+bool FindName(const std::string& file, int line, const std::string& name, TokenPlace& place) {
+    const TokenSpan tokens = TokensOf(file);
+    const std::vector<TokenPlace>& places = PlacesOf(file);
+    if (tokens.size() != places.size()) return false;
+    const auto from = std::lower_bound(places.begin(), places.end(), line,
+                                       [](const TokenPlace& at, int wanted) { return at.line < wanted; });
+    const Token* found = std::find(tokens.first + (from - places.begin()), tokens.last, Token(name));
+    if (found == tokens.last) return false;
+    place = places[static_cast<std::size_t>(found - tokens.first)];
+    return true;
+}

@@ -23,3 +23,6 @@ bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& p
 
 // The same for tokens of a file's own list.
 bool FindPlace(TokenSpan tokens, SourcePlace& place);
+
+// The place of the first token from the line on that is the name. False when there is none.
+bool FindName(const std::string& file, int line, const std::string& name, TokenPlace& place);

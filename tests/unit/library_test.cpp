@@ -1,5 +1,6 @@
 // The library from outside: any number of programs in one process.
 #include "library/korvel.h"
+#include "library/outline.h"
 
 #include <gtest/gtest.h>
 
@@ -123,6 +124,30 @@ TEST(Library, TellsWhatAMistakeIsAbout) {
         EXPECT_EQ(said.firstColumn, static_cast<int>(open - lineStart) + 1) << marked;
         EXPECT_EQ(said.lastColumn, said.firstColumn + static_cast<int>(meant.size()) - 1) << marked;
     }
+}
+
+// In a program that is being edited: another file, a joined line, a mistake.
+TEST(Library, TellsWhatIsDeclared) {
+    korvel::Request request = RequestFor("/nowhere/main.kvl");
+    request.overlays = {
+        {request.source,
+         "Include \"part.kvl\"\nGlobal score:Int, best:Double = 1.5\nFunction Main\n    Print wrong\n"
+         "EndFunction\nFunction Add:TA(a:Int, _\n    b:Int)\n    Return Null\nEndFunction\n"},
+        {"/nowhere/part.kvl",
+         "Const size = 3\nType TA\n    Method Name:String()\n        Return name\n    EndMethod\n"
+         "    Field name:String, list:Sequence Of Int\nEndType\n"}};
+    EXPECT_FALSE(korvel::IsSound(korvel::Check(request)));
+    std::string found;
+    for (const korvel::Symbol& symbol : korvel::DeclaredSymbols())
+        found += symbol.file.substr(9) + ":" + std::to_string(symbol.line) + ":" +
+                 std::to_string(symbol.firstColumn) + "-" + std::to_string(symbol.lastColumn) + " " +
+                 std::to_string(static_cast<int>(symbol.kind)) + " " + symbol.owner + " " + symbol.name +
+                 " " + symbol.type + "\n";
+    EXPECT_EQ(found,
+              "main.kvl:2:8-12 5  score Int\nmain.kvl:2:19-22 5  best Double\nmain.kvl:3:10-13 4  Main Int\n"
+              "main.kvl:6:10-12 4  Add TA\npart.kvl:1:7-10 6  size Int\npart.kvl:2:6-7 0  TA \n"
+              "part.kvl:3:12-15 3 TA Name String\npart.kvl:6:11-14 2 TA name String\n"
+              "part.kvl:6:24-27 2 TA list Sequence Of Int\n");
 }
 
 korvel::Result CheckCase(const Case& test) {
