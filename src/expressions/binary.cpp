@@ -39,7 +39,8 @@ bool Checked() { return settings.safeMode && !settings.debugMode; }
     ReportFatal(message, known ? TokenSpan(left.source.first, right.source.last) : TokenSpan());
 }
 
-Expr Join(Expr left, const BinaryOperator& op, const Expr& right, const ValueType& type) {
+// Takes the text of the left operand.
+Expr Join(Expr& left, const BinaryOperator& op, const Expr& right, const ValueType& type) {
     Expr result;
     result.text = left.slot ? ValueText(left) : std::move(left.text);
     result.text += ' ';
@@ -60,7 +61,7 @@ Expr Call(const std::string& function, const std::string& a, const std::string& 
 
 bool Concatenable(const Expr& expr) { return IsText(expr) || expr.type.IsNumber() || !expr.type.IsKnown(); }
 
-Expr Concatenate(Expr left, Expr right) {
+Expr Concatenate(Expr& left, Expr& right) {
     if (!Concatenable(left) || !Concatenable(right)) FailOperands(left, plus, right);
     if (left.sum == nullptr) {
         auto sum = std::make_shared<TextSum>();
@@ -70,7 +71,7 @@ Expr Concatenate(Expr left, Expr right) {
         left.type = Single(Base::String);
     }
     left.sum->Add(std::move(right));
-    return left;
+    return std::move(left);
 }
 
 // The operand of a checked division, of the type that both operands have in common.
@@ -91,21 +92,21 @@ Expr FloatingRemainder(const Expr& left, const Expr& right) {
 }
 
 // Operands that are worked out one after the other, in an operator of C++.
-Expr Calculate(Expr left, const BinaryOperator& op, Expr right, const ValueType& type) {
+Expr Calculate(Expr& left, const BinaryOperator& op, Expr& right, const ValueType& type) {
     KeepOrder(left, op, right);
     Expr result = Join(left, op, right, type);
     NoteOperands(result, left, op, right);
     return result;
 }
 
-Expr Divide(Expr left, const BinaryOperator& op, Expr right) {
+Expr Divide(Expr& left, const BinaryOperator& op, Expr& right) {
     const Base common = CommonNumber(left, right);
     if (!left.type.IsKnown() || !right.type.IsKnown())
-        return Calculate(std::move(left), op, std::move(right), {});
+        return Calculate(left, op, right, {});
     const bool remainder = op.kind == OperatorKind::Remainder;
     if (!Checked()) {
         if (remainder && common == Base::Double) return FloatingRemainder(left, right);
-        return Calculate(std::move(left), op, std::move(right), Single(common));
+        return Calculate(left, op, right, Single(common));
     }
     NotePreludeUse();
     // C++ takes the arguments of a call in any order, but not what stands between braces.
@@ -122,16 +123,16 @@ Expr Divide(Expr left, const BinaryOperator& op, Expr right) {
                 CheckedOperand(right, common), Single(common));
 }
 
-Expr Arithmetic(Expr left, const BinaryOperator& op, Expr right) {
+Expr Arithmetic(Expr& left, const BinaryOperator& op, Expr& right) {
     const bool known = left.type.IsKnown() && right.type.IsKnown();
     const bool numbers =
         (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
     if (!numbers) FailOperands(left, op, right);
     if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder)
-        return Divide(std::move(left), op, std::move(right));
+        return Divide(left, op, right);
     const Base common = CommonNumber(left, right);
     if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
-    return Calculate(std::move(left), op, std::move(right), known ? Single(common) : ValueType());
+    return Calculate(left, op, right, known ? Single(common) : ValueType());
 }
 
 // [&]() -> bool { KVL_E __kv0 = left; KVL_E __kv1 = right; return __kv0 == __kv1; }()
@@ -147,7 +148,7 @@ Expr CompareElementsInOrder(const Expr& left, const BinaryOperator& op, const Ex
 }
 
 // The struct has no operator!=, and takes the right operand by reference.
-Expr CompareElements(const Expr& left, const BinaryOperator& op, const Expr& right) {
+Expr CompareElements(Expr& left, const BinaryOperator& op, const Expr& right) {
     NeedClass(left.type.cls);
     if (OrderMatters(left, right)) return CompareElementsInOrder(left, op, right);
     if (op.text[0] == '=') return Join(left, op, right, Single(Base::Bool));
@@ -166,7 +167,7 @@ bool Comparable(const Expr& left, const BinaryOperator& op, const Expr& right) {
     return left.type == right.type || !left.type.Is(Base::Object) || !right.type.Is(Base::Object);
 }
 
-Expr Compare(Expr left, const BinaryOperator& op, Expr right) {
+Expr Compare(Expr& left, const BinaryOperator& op, Expr& right) {
     if (op.kind == OperatorKind::Equality && left.type.Is(Base::Element) && left.type == right.type) {
         return CompareElements(left, op, right);
     }
@@ -177,43 +178,43 @@ Expr Compare(Expr left, const BinaryOperator& op, Expr right) {
         Expr order, zero;
         order.text = "__kvTexts{" + left.text + ", " + right.text + "}.Order()";
         zero.text = "0";
-        return Join(std::move(order), op, zero, Single(Base::Bool));
+        return Join(order, op, zero, Single(Base::Bool));
     }
     KeepOrder(left, op, right);
     const bool leaps = MayLeap(left, op, right);
-    Expr result = Join(std::move(left), op, right, Single(Base::Bool));
+    Expr result = Join(left, op, right, Single(Base::Bool));
     result.leaps = leaps;
     return result;
 }
 
-Expr Logic(Expr left, const BinaryOperator& op, const Expr& right) {
+Expr Logic(Expr& left, const BinaryOperator& op, const Expr& right) {
     if (!IsTruth(left) || !IsTruth(right)) FailOperands(left, op, right);
-    Expr result = Join(std::move(left), op, right, Single(Base::Bool));
+    Expr result = Join(left, op, right, Single(Base::Bool));
     result.leaps = true;
     return result;
 }
 
 }  // namespace
 
-Expr Combine(Expr left, const BinaryOperator& op, Expr right) {
+Expr Combine(Expr& left, const BinaryOperator& op, Expr& right) {
     RequireValue(left);
     RequireValue(right);
     switch (op.kind) {
         case OperatorKind::Add:
-            if (IsText(left) || IsText(right)) return Concatenate(std::move(left), std::move(right));
+            if (IsText(left) || IsText(right)) return Concatenate(left, right);
             break;
         case OperatorKind::Order:
         case OperatorKind::Equality:
-            return Compare(std::move(left), op, std::move(right));
+            return Compare(left, op, right);
         case OperatorKind::Logic:
-            return Logic(std::move(left), op, right);
+            return Logic(left, op, right);
         default:
             break;
     }
-    return Arithmetic(std::move(left), op, std::move(right));
+    return Arithmetic(left, op, right);
 }
 
-Expr ApplyUnary(const UnaryOperator& op, Expr operand) {
+Expr ApplyUnary(const UnaryOperator& op, Expr& operand) {
     RequireValue(operand);
     const bool known = operand.type.IsKnown();
     const bool fits = op.kind == UnaryKind::Not    ? IsTruth(operand)
@@ -235,11 +236,6 @@ Expr ApplyUnary(const UnaryOperator& op, Expr operand) {
     return result;
 }
 
-Expr CloseSum(Expr sum) {
-    if (sum.sum == nullptr) return sum;
-    Expr closed = sum.sum->Close();
-    closed.effects = sum.effects;
-    closed.source = sum.source;
-    closed.sum = std::move(sum.sum);
-    return closed;
+void CloseSum(Expr& sum) {
+    if (sum.sum != nullptr) sum.sum->Close(sum);
 }

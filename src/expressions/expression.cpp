@@ -40,12 +40,12 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
         Expr right = ParseBinary(walk, tighter, comparing);
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
-        if (left.sum != nullptr && op->kind != OperatorKind::Add) left = CloseSum(std::move(left));
-        left = Combine(std::move(left), *op, std::move(right));
+        if (op->kind != OperatorKind::Add) CloseSum(left);
+        left = Combine(left, *op, right);
         left.effects = callCount != calls;
         left.source = walk.tokens.Slice(begin, walk.at);
     }
-    if (left.sum != nullptr) left = CloseSum(std::move(left));
+    CloseSum(left);
     return left;
 }
 
@@ -109,7 +109,8 @@ Expr ParseUnary(Walk& walk) {
     const UnaryOperator* op = PeekUnary(walk);
     if (op == nullptr) return ParsePrimary(walk);
     ++walk.at;
-    return ApplyUnary(*op, ParseUnary(walk));
+    Expr operand = ParseUnary(walk);
+    return ApplyUnary(*op, operand);
 }
 
 Expr TranslateExpression(TokenSpan tokens, ExprMode mode) {

@@ -66,9 +66,9 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
 
 }  // namespace
 
-Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
+void ParsePostfix(Walk& walk, Expr& expr, const std::string& firstName) {
     const char next = walk.PeekSign();
-    if (next != '\\' && next != '.' && next != '[') return expr;
+    if (next != '\\' && next != '.' && next != '[') return;
     const std::string* name = &firstName;
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;
@@ -94,5 +94,4 @@ Expr ParsePostfix(Walk& walk, Expr expr, const std::string& firstName) {
         }
         expr.source = {first, walk.tokens.first + walk.at};
     }
-    return expr;
 }

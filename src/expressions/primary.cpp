@@ -1,5 +1,7 @@
 // Operands: literals, parentheses, names.
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstdlib>
 
@@ -8,8 +10,8 @@
 
 namespace {
 
-bool AllDigits(const std::string& text, std::size_t from) {
-    return from < text.size() && text.find_first_not_of("0123456789", from) == std::string::npos;
+bool AllDigits(const std::string& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
 }
 
 Expr Number(std::string text, Base base) {
@@ -21,9 +23,9 @@ Expr Number(std::string text, Base base) {
 
 // Int, or Long where the number is too large for one.
 Base SizeOf(const std::string& text, int radix) {
-    errno = 0;
-    const unsigned long long value = std::strtoull(text.c_str(), nullptr, radix);
-    if (errno != 0 || (radix == 10 && value > static_cast<unsigned long long>(LLONG_MAX))) {
+    unsigned long long value = 0;
+    const std::errc trouble = std::from_chars(text.data(), text.data() + text.size(), value, radix).ec;
+    if (trouble != std::errc() || (radix == 10 && value > static_cast<unsigned long long>(LLONG_MAX))) {
         ReportFatal("Number too large: " + text, Tokens{text});
     }
     return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
@@ -54,7 +56,7 @@ bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
 Expr ParseDouble(Walk& walk, std::string text) {
     if (IsExponent(text.back()) && (walk.PeekSign() == '-' || walk.PeekSign() == '+') &&
-        AllDigits(walk.Peek(1), 0)) {
+        AllDigits(walk.Peek(1))) {
         text += walk.Take();
         text += walk.Take();
     }
@@ -65,15 +67,16 @@ Expr ParseDouble(Walk& walk, std::string text) {
         ReportFatal("Invalid number '" + text + "'", Tokens{text});
     }
     if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text, Tokens{text});
-    return Number(text, Base::Double);
+    return Number(std::move(text), Base::Double);
 }
 
 Expr ParseNumber(Walk& walk) {
     const std::string& token = walk.Take();
     if (walk.PeekSign() == '.') ReportFatal("Invalid number '" + token + "." + walk.Peek(1) + "'");
-    if (!AllDigits(token, 0)) return ParseDouble(walk, token);
-    const std::string digits = WithoutLeadingZeros(token);
-    return Number(digits, SizeOf(digits, 10));
+    if (!AllDigits(token)) return ParseDouble(walk, token);
+    std::string digits = WithoutLeadingZeros(token);
+    const Base base = SizeOf(digits, 10);
+    return Number(std::move(digits), base);
 }
 
 Expr ParseParentheses(Walk& walk) {
@@ -113,6 +116,8 @@ void FailUnexpected(const Walk& walk) {
 
 namespace {
 
+bool BeginsLibraryName(const Walk& walk) { return walk.PeekSign(1) == ':' && Is(walk.Peek(), "std"); }
+
 // An operand without what may follow it.
 Expr ParseOperand(Walk& walk) {
     const std::string& token = walk.Peek();
@@ -121,7 +126,6 @@ Expr ParseOperand(Walk& walk) {
     if (c == '(') return ParseParentheses(walk);
     if (IsDigit(c)) return ParseNumber(walk);
     if (!IsIdentifier(token)) FailUnexpected(walk);
-    if (Is(token, "std") && walk.PeekSign(1) == ':') return ParseLibraryName(walk);
     return ParseName(walk);
 }
 
@@ -131,15 +135,15 @@ Expr ParsePrimary(Walk& walk) {
     const std::string& token = walk.Peek();
     if (token.empty()) FailUnexpected(walk);
     const std::size_t begin = walk.at;
-    if (token == "." && !walk.Peek(1).empty() && IsDigit(walk.Peek(1)[0])) {
+    if (walk.PeekSign() == '.' && IsDigit(walk.Peek(1)[0])) {
         walk.Take();
         return ParseDouble(walk, "0." + walk.Take());
     }
     if (IsHexadecimal(token)) return ParseHexadecimal(walk);
-    const bool library = Is(token, "std") && walk.PeekSign(1) == ':';
+    if (BeginsLibraryName(walk)) return ParseLibraryName(walk);
     Expr expr = ParseOperand(walk);
-    if (library) return expr;
     expr.source = walk.tokens.Slice(begin, walk.at);
     walk.operandAt = begin;
-    return expr.level == Level::Primary ? ParsePostfix(walk, std::move(expr), token) : expr;
+    if (expr.level == Level::Primary) ParsePostfix(walk, expr, token);
+    return expr;
 }

@@ -11,7 +11,7 @@ void TextSum::Limit(std::size_t count) {
                     " Strings. Spread them over several statements");
 }
 
-void TextSum::Add(Expr operand) {
+void TextSum::Add(Expr&& operand) {
     Part part;
     const bool text = operand.type.Is(Base::String) || !operand.type.IsKnown();
     part.text = text ? std::move(operand.text) : "std::to_string(" + operand.text + ")";
@@ -39,8 +39,7 @@ void TextSum::Watch(std::size_t at) {
     }
 }
 
-Expr TextSum::Close() const {
-    Expr sum;
+void TextSum::Close(Expr& sum) const {
     const bool flat = parts.size() > many;
     const std::size_t open = flat ? 0 : from, end = flat ? parts.size() : to;
     if (end > 0) RequireSupport(Support::TextInOrder);
@@ -55,5 +54,4 @@ Expr TextSum::Close() const {
     }
     sum.type = Single(Base::String);
     sum.level = open == 0 && end == parts.size() ? Level::Primary : Level::Sum;
-    return sum;
 }

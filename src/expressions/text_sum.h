@@ -12,9 +12,9 @@
 
 struct TextSum {
     // Appends an operand, a number as its text.
-    void Add(Expr operand);
-    // The sum as a value.
-    Expr Close() const;
+    void Add(Expr&& operand);
+    // Makes a value of the expression that the sum belongs to.
+    void Close(Expr& sum) const;
 
     struct Part {
         std::string text;

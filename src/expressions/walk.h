@@ -56,7 +56,8 @@ Expr ParseValue(Walk& walk);       // any expression in which "=" compares
 Expr ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
 Expr ParseUnary(Walk& walk);
 Expr ParsePrimary(Walk& walk);
-Expr ParsePostfix(Walk& walk, Expr expr, const std::string& name);  // "\" members, "[" indices
+// Goes on from the operand to what follows it: "\" members, "[" indices.
+void ParsePostfix(Walk& walk, Expr& expr, const std::string& name);
 
 // The arguments behind "(", up to and with the ")".
 std::vector<Expr> ParseArguments(Walk& walk);
@@ -103,7 +104,7 @@ void RequireValue(const Expr& expr);
 // Whether the text of the operand may be evaluated more than once.
 bool MayRepeat(const Expr& operand);
 
-// A sum of Strings stays open: further operands may join it before CloseSum gives it its text.
-Expr Combine(Expr left, const struct BinaryOperator& op, Expr right);
-Expr CloseSum(Expr sum);
-Expr ApplyUnary(const struct UnaryOperator& op, Expr operand);
+// The operands are used up. A sum of Strings stays open: further ones may join it before CloseSum gives it its text.
+Expr Combine(Expr& left, const struct BinaryOperator& op, Expr& right);
+void CloseSum(Expr& sum);
+Expr ApplyUnary(const struct UnaryOperator& op, Expr& operand);

@@ -83,7 +83,7 @@ struct TokenSpan {
     }
     // The window without the comment that may ride along at its end.
     TokenSpan WithoutComment() const {
-        const bool comment = !empty() && last[-1]->text.compare(0, 2, "//") == 0;
+        const bool comment = !empty() && last[-1]->text[0] == '/' && last[-1]->text[1] == '/';
         return comment ? Slice(0, size() - 1) : *this;
     }
     // Position of the first such word from `from` on; noToken without one.
