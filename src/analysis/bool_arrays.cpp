@@ -141,7 +141,7 @@ void Build() {
         SourceLines lines(Reading::Uses);
         if (!lines.Open(file)) continue;
         while (lines.Next())
-            for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement);
+            for (const TokenSpan statement : lines.Statements()) ReadStatement(statement);
     }
     FollowRows();
 }

@@ -1,6 +1,7 @@
 #include "analysis/effects.h"
 
 #include <algorithm>
+#include <deque>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -16,18 +17,22 @@ namespace {
 // Who may run more routines than this is taken to do anything.
 constexpr std::size_t mostRoutines = 300;
 
-// A routine whose effects nobody has asked for yet. The tokens are those of the cut files, which last.
+// The tokens are those of the cut files, which last.
+struct Statement {
+    TokenSpan tokens;
+    int node;
+    bool outermost;
+};
+
+// A routine, which is read when somebody asks for its effects. Its statements end where those of the next begin.
 struct RoutineText {
-    struct Statement {
-        int node;
-        TokenSpan tokens;
-        bool outermost;
-    };
-    const Routine* routine = nullptr;
-    std::vector<Statement> statements;
+    const Routine* routine;
+    std::size_t begin;
+    bool isRead = false;
 };
 
 struct Facts {
+    std::deque<Statement> statements;  // of all routines
     std::vector<RoutineText> texts;
     std::vector<std::vector<std::size_t>> textsOf;   // the routines with statements of a node
     std::vector<EffectSet> own;                      // of the nodes themselves, as far as they were read
@@ -58,9 +63,14 @@ void Complete(ReachGraph& graph) {
         if (graph.nodes[i].holdsInlineCpp) facts.own[i].Add(EffectsOfOutsideCode());
 }
 
-void ReadText(RoutineText& text) {
+void ReadText(std::size_t number) {
+    RoutineText& text = facts.texts[number];
+    if (std::exchange(text.isRead, true)) return;
+    const bool last = number + 1 == facts.texts.size();
+    const std::size_t end = last ? facts.statements.size() : facts.texts[number + 1].begin;
     RoutineNames names = NamesOf(text.routine);
-    for (const auto& [node, tokens, outermost] : std::exchange(text.statements, {})) {
+    for (std::size_t i = text.begin; i < end; ++i) {
+        const auto& [tokens, node, outermost] = facts.statements[i];
         ReadEffects(node, tokens, names);
         AddNames(tokens, outermost, names);
     }
@@ -68,7 +78,7 @@ void ReadText(RoutineText& text) {
 
 void ReadTextsOf(std::size_t node) {
     if (node >= facts.textsOf.size()) return;
-    for (const std::size_t text : std::exchange(facts.textsOf[node], {})) ReadText(facts.texts[text]);
+    for (const std::size_t text : std::exchange(facts.textsOf[node], {})) ReadText(text);
 }
 
 EffectSet Closure(const ReachGraph& graph, int start) {
@@ -137,8 +147,7 @@ EffectSet& OwnEffectsOf(int node) {
 }
 
 void BeginEffects(const Routine* routine) {
-    facts.texts.emplace_back();
-    facts.texts.back().routine = routine;
+    facts.texts.push_back({routine, facts.statements.size()});
 }
 
 void NoteEffects(int node, TokenSpan tokens, bool outermost) {
@@ -146,7 +155,7 @@ void NoteEffects(int node, TokenSpan tokens, bool outermost) {
     if (i >= facts.textsOf.size()) facts.textsOf.resize(i + 1);
     const std::size_t text = facts.texts.size() - 1;
     if (facts.textsOf[i].empty() || facts.textsOf[i].back() != text) facts.textsOf[i].push_back(text);
-    facts.texts[text].statements.push_back({node, tokens, outermost});
+    facts.statements.push_back({tokens, node, outermost});
 }
 
 void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names) {

@@ -55,7 +55,7 @@ private:
         lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
         while (lines.Next()) {
             if (lines.MetInlineCpp()) NoteInlineCpp();
-            for (const TokenSpan& statement : lines.Statements()) ReadStatement(statement, lines.Line());
+            for (const TokenSpan statement : lines.Statements()) ReadStatement(statement, lines.Line());
         }
         if (lines.MetInlineCpp()) NoteInlineCpp();
     }
@@ -199,35 +199,38 @@ private:
         return loop;
     }
 
-public:
     static void Mention(int node, TokenSpan tokens) {
         bool startsTimer = false;
-        for (std::size_t i = 0; i < tokens.size(); ++i) {
-            const Word& token = tokens.At(i);
-            if (token.text[0] == '"') Mention(node, HoleTokens(token));
-            if (!IsLetterByte(token.text[0])) continue;
-            const Keyword keyword = token.keyword;
-            if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
-            if (keyword == Keyword::SeqSort)
-                graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
-            if (keyword == Keyword::Remove) {
-                graph.At(node).removes = true;
-                graph.Call(node, graph.destructors);
-            }
-            startsTimer = startsTimer || keyword == Keyword::AutoCall;
-            const Meaning* meaning = graph.words.Find(token);
+        Keyword before = Keyword::None;
+        for (const Token* token = tokens.first; token != tokens.last; before = (*token++)->keyword) {
+            const Word& word = **token;
+            if (word.sign != '\0') continue;
+            if (HasHoles(word)) Mention(node, HoleTokens(word));
+            if (word.keyword != Keyword::None) MentionKeyword(node, word.keyword);
+            startsTimer = startsTimer || word.keyword == Keyword::AutoCall;
+            const Meaning* meaning = graph.words.Find(word);
             if (meaning == nullptr) continue;
-            if (meaning->routine >= 0) {
-                graph.Call(node, meaning->routine);
-                if (startsTimer) graph.Call(graph.timers, meaning->routine);
-            }
-            const ClassInfo* mentioned = meaning->cls;
-            const Keyword before = i > 0 ? tokens.KeywordAt(i - 1) : Keyword::None;
-            const bool created = before == Keyword::Create || before == Keyword::New;
-            if (!mentioned || (!created && !mentioned->isElement)) continue;
-            graph.Call(node, graph.NodeOf(graph.construction, mentioned));
-            if (created) graph.creators[mentioned].push_back(node);
+            if (meaning->routine >= 0) graph.Call(node, meaning->routine);
+            if (meaning->routine >= 0 && startsTimer) graph.Call(graph.timers, meaning->routine);
+            if (meaning->cls != nullptr) MentionClass(node, *meaning->cls, before);
         }
+    }
+
+    static void MentionKeyword(int node, Keyword keyword) {
+        if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
+        if (keyword == Keyword::SeqSort)
+            graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
+        if (keyword == Keyword::Remove) {
+            graph.At(node).removes = true;
+            graph.Call(node, graph.destructors);
+        }
+    }
+
+    static void MentionClass(int node, const ClassInfo& cls, Keyword before) {
+        const bool created = before == Keyword::Create || before == Keyword::New;
+        if (!created && !cls.isElement) return;
+        graph.Call(node, graph.NodeOf(graph.construction, &cls));
+        if (created) graph.creators[&cls].push_back(node);
     }
 };
 

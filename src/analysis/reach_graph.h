@@ -29,18 +29,23 @@ struct Meaning {
 class Meanings {
 public:
     Meaning& Of(const Word& word) {
-        if (word.id >= byId.size()) byId.resize(word.id + 1);
-        return byId[word.id];
+        if (word.id >= places.size()) places.resize(WordCount());
+        std::uint32_t& place = places[word.id];
+        if (place == 0) {
+            meanings.emplace_back();
+            place = static_cast<std::uint32_t>(meanings.size());
+        }
+        return meanings[place - 1];
     }
     // Null for any other word.
     const Meaning* Find(const Word& word) const {
-        if (word.id >= byId.size()) return nullptr;
-        const Meaning& meaning = byId[word.id];
-        return meaning.routine < 0 && meaning.cls == nullptr ? nullptr : &meaning;
+        const std::uint32_t place = word.id < places.size() ? places[word.id] : 0;
+        return place == 0 ? nullptr : &meanings[place - 1];
     }
 
 private:
-    std::vector<Meaning> byId;
+    std::vector<std::uint32_t> places;  // by id: behind the meaning; 0 for words without one
+    std::vector<Meaning> meanings;
 };
 
 struct ReachGraph {

@@ -1,5 +1,6 @@
 #include "lexer/holes.h"
 
+#include <algorithm>
 #include <deque>
 #include <string_view>
 
@@ -82,10 +83,8 @@ const std::vector<StringPiece>& PiecesOf(const Word& literal) {
     return *literal.pieces;
 }
 
-bool HasHoles(const Word& token) {
-    if (token.text.size() < 2 || token.text[0] != '"' || token.text.find('{') == std::string::npos)
-        return false;
-    for (const StringPiece& piece : PiecesOf(token))
-        if (piece.kind != StringPiece::Kind::Text) return true;
-    return false;
+bool HoldsHole(const Word& braced) {
+    const std::vector<StringPiece>& pieces = PiecesOf(braced);
+    return std::any_of(pieces.begin(), pieces.end(),
+                       [](const StringPiece& piece) { return piece.kind != StringPiece::Kind::Text; });
 }

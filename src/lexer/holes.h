@@ -25,7 +25,8 @@ struct StringPiece {
 // The pieces of the literal, in order; none for "". They last until the end of the run.
 const std::vector<StringPiece>& PiecesOf(const Word& literal);
 // Whether the token is a literal with a hole, or with what was meant to be one.
-bool HasHoles(const Word& token);
+bool HoldsHole(const Word& braced);
+inline bool HasHoles(const Word& token) { return token.braced && HoldsHole(token); }
 
 // Calls `visit` with the window and with the tokens of each hole in its Strings.
 template <class Visit>

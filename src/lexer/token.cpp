@@ -16,6 +16,7 @@ Word MakeWord(std::string_view text, std::size_t id) {
     word.text = text;
     word.keyword = FindKeyword(text);
     if (text.size() == 1 && !IsNameByte(text[0])) word.sign = text[0];
+    word.braced = text.size() > 1 && text[0] == '"' && text.find('{') != std::string_view::npos;
     return word;
 }
 

@@ -15,8 +15,9 @@ struct Word {
     std::string text;
     Keyword keyword = Keyword::None;
     char sign = '\0';      // of a token of one character that is no letter or digit, or else 0
+    bool braced = false;   // a String literal with a "{", which may begin a hole (lexer/holes.h)
     std::uint32_t id = 0;  // counts the words of the run
-    // Of a String literal that somebody asked about, what it is made of (lexer/holes.h).
+    // Of a String literal that somebody asked about, what it is made of.
     mutable const std::vector<StringPiece>* pieces = nullptr;
 };
 

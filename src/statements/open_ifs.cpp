@@ -42,9 +42,10 @@ public:
         SourceLines lines(Reading::Uses);
         lines.onInlineCpp = [this](const InlineLine& line) { inlineBraces += line.braces; };
         if (!lines.Open(source)) return {};
-        while (lines.Next())
-            for (std::size_t i = 0; i < lines.Statements().size(); ++i)
-                Read(lines.Statements()[i], {lines.Line(), i});
+        while (lines.Next()) {
+            std::size_t number = 0;
+            for (const TokenSpan statement : lines.Statements()) Read(statement, {lines.Line(), number++});
+        }
         return leftOpen;
     }
 

@@ -36,9 +36,9 @@ void TranslateLine(State& state, const SourceLines& lines) {
     settings.currentLine = lines.Line();
     state.place.lineComment = lines.Comment();
     state.place.statement = 0;
-    const std::vector<TokenSpan>& statements = lines.Statements();
-    for (const TokenSpan& statement : statements) {
-        const bool last = &statement == &statements.back();
+    const LineStatements statements = lines.Statements();
+    for (const TokenSpan statement : statements) {
+        const bool last = state.place.statement + 1 == statements.size();
         if (last && !PlacesComment(statement.KeywordAt(0))) PlaceComment(state);
         TranslateOrRecover(state, statement, TranslateStatement);
         ++state.place.statement;

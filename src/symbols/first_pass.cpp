@@ -95,7 +95,7 @@ void ReadLines(FirstPass& pass) {
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
         if (lines.MetInlineCpp()) symbols.inlineCpp = true;
-        for (const TokenSpan& statement : lines.Statements()) CollectOrRecover(pass, statement);
+        for (const TokenSpan statement : lines.Statements()) CollectOrRecover(pass, statement);
     }
     if (lines.MetInlineCpp()) symbols.inlineCpp = true;
     settings.currentFile = pass.out.source;

@@ -49,7 +49,7 @@ public:
         Place place;
         place.inRoutine = isPart;
         while (lines.Next()) {
-            for (const TokenSpan& statement : lines.Statements())
+            for (const TokenSpan statement : lines.Statements())
                 ScanStatement(statement, path, lines.Line(), place);
             if (included.empty()) continue;
             const std::vector<Included> files = std::move(included);

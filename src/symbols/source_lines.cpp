@@ -39,19 +39,12 @@ bool SourceLines::Open(const std::string& name) {
 bool SourceLines::IsWanted(const CutLine& entered) const {
     if (entered.isEnd || reading == Reading::SecondPass) return true;
     if (reading != Reading::Uses) return entered.declares;
-    return entered.statementsEnd > (next > 0 ? file->lines[next - 1].statementsEnd : 0);
+    return entered.statementsEnd > statementsRead;
 }
 
-// Makes the line with index `next` the current one.
 void SourceLines::Enter(const CutLine& entered) {
-    const CutLine* before = next > 0 ? &file->lines[next - 1] : nullptr;
-    if (onInlineCpp)
-        for (std::size_t i = before ? before->inlineEnd : 0; i < entered.inlineEnd; ++i)
-            onInlineCpp(file->inlineLines[i]);
-    statements.clear();
-    const Token* tokens = file->tokens.data();
-    for (std::size_t i = before ? before->statementsEnd : 0; i < entered.statementsEnd; ++i)
-        statements.emplace_back(tokens + file->statements[i].begin, tokens + file->statements[i].end);
+    while (onInlineCpp && inlineRead < entered.inlineEnd) onInlineCpp(file->inlineLines[inlineRead++]);
+    statements = LineStatements(*file, statementsRead, entered.statementsEnd);
     line = entered;
 }
 
@@ -78,6 +71,7 @@ bool SourceLines::Next() {
         metInlineCpp = metInlineCpp || entered.afterInline;
         found = IsWanted(entered);
         if (found) Enter(entered);
+        statementsRead = entered.statementsEnd;
     }
     return !line.isEnd;
 }

@@ -17,6 +17,37 @@ enum class Reading : unsigned char {
     Uses,        // all lines with statements, no reports
 };
 
+// The statements of a line, windows on the tokens of its file.
+class LineStatements {
+public:
+    class Iterator {
+    public:
+        Iterator(const Token* all, const CutStatement* statement) : tokens(all), at(statement) {}
+        TokenSpan operator*() const { return {tokens + at->begin, tokens + at->end}; }
+        Iterator& operator++() {
+            ++at;
+            return *this;
+        }
+        friend bool operator!=(Iterator a, Iterator b) { return a.at != b.at; }
+
+    private:
+        const Token* tokens;
+        const CutStatement* at;
+    };
+
+    LineStatements() = default;
+    LineStatements(const CutFile& file, std::size_t from, std::size_t to)
+        : tokens(file.tokens.data()), first(file.statements.data() + from), last(file.statements.data() + to) {}
+
+    std::size_t size() const { return static_cast<std::size_t>(last - first); }
+    Iterator begin() const { return {tokens, first}; }
+    Iterator end() const { return {tokens, last}; }
+
+private:
+    const Token* tokens = nullptr;
+    const CutStatement *first = nullptr, *last = nullptr;
+};
+
 class SourceLines {
 public:
     explicit SourceLines(Reading who) : reading(who) {}
@@ -33,7 +64,7 @@ public:
     int Count() const { return line.count; }
     std::uint32_t Indent() const { return line.indent; }
     // The statements of the current line; valid until the next one is read.
-    const std::vector<TokenSpan>& Statements() const { return statements; }
+    LineStatements Statements() const { return statements; }
     // True when inline C++ stood between the previous line and this one (or the end of the file).
     bool MetInlineCpp() const { return metInlineCpp; }
     // True when the file ended inside a block of inline C++, which started on Line().
@@ -51,8 +82,9 @@ private:
     std::size_t next = 0;       // index of the line after the current one
     std::size_t nextLexed = 0;  // of the texts that verbose passes show
     CutLine line;               // the current one
+    std::size_t statementsRead = 0, inlineRead = 0;  // of the file, up to the current line
     bool metInlineCpp = false;
-    std::vector<TokenSpan> statements;
+    LineStatements statements;
 
     bool Reports() const { return reading == Reading::FirstPass || reading == Reading::SecondPass; }
     // Shows what was lexed for the line that comes next.
