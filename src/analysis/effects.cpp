@@ -146,9 +146,7 @@ EffectSet& OwnEffectsOf(int node) {
     return facts.own[i];
 }
 
-void BeginEffects(const Routine* routine) {
-    facts.texts.push_back({routine, facts.statements.size()});
-}
+void BeginEffects(const Routine* routine) { facts.texts.push_back({routine, facts.statements.size()}); }
 
 void NoteEffects(int node, TokenSpan tokens, bool outermost) {
     const auto i = static_cast<std::size_t>(node);

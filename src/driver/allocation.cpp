@@ -28,7 +28,8 @@ constexpr std::size_t firstChunk = 1U << 18U;
 constexpr std::size_t laterChunk = 1U << 22U;
 constexpr std::size_t largePage = 1U << 21U;
 constexpr std::size_t finest = 65;      // up to so many units every size has its list
-constexpr std::size_t largest = 16384;  // and up to so many every power of two
+constexpr std::size_t largest = 16384;  // and up to so many every power of two has four
+constexpr std::size_t largestPower = 14;
 
 // In front of every block, in the unit before it.
 struct alignas(unit) Header {
@@ -41,7 +42,7 @@ struct FreeBlock {
 
 struct Pool {
     std::array<FreeBlock*, finest + 1> freed{};  // by units
-    std::array<FreeBlock*, 15> freedLarge{};     // by power of two
+    std::array<std::array<FreeBlock*, 4>, largestPower + 1> freedLarge{};
     char* at = nullptr;                          // what is left of the chunk
     std::size_t left = 0;
     bool begun = false;
@@ -56,8 +57,16 @@ std::size_t PowerFor(std::size_t units) {
     return power;
 }
 
+// The next size that has a list: five to eight eighths of a power of two.
+std::size_t LargeSize(std::size_t units) {
+    const std::size_t eighth = (std::size_t{1} << PowerFor(units)) / 8;
+    return (units + eighth - 1) / eighth * eighth;
+}
+
 FreeBlock*& FreedOf(std::size_t units) {
-    return units <= finest ? pool.freed[units] : pool.freedLarge[PowerFor(units)];
+    if (units <= finest) return pool.freed[units];
+    const std::size_t power = PowerFor(units);
+    return pool.freedLarge[power][units * 8 / (std::size_t{1} << power) - 5];
 }
 
 void* BehindHeader(void* memory, std::size_t units) {
@@ -105,7 +114,7 @@ void* Allocate(std::size_t size) {
         return BehindHeader(possible ? std::malloc(size + sizeof(Header)) : nullptr, 0);
     }
     std::size_t units = (size + sizeof(Header) + unit - 1) / unit;
-    if (units > finest) units = std::size_t{1} << PowerFor(units);
+    if (units > finest) units = LargeSize(units);
     FreeBlock*& first = FreedOf(units);
     if (first == nullptr) return BehindHeader(FromChunk(units), units);
     FreeBlock* block = first;

@@ -101,8 +101,7 @@ Expr Calculate(Expr& left, const BinaryOperator& op, Expr& right, const ValueTyp
 
 Expr Divide(Expr& left, const BinaryOperator& op, Expr& right) {
     const Base common = CommonNumber(left, right);
-    if (!left.type.IsKnown() || !right.type.IsKnown())
-        return Calculate(left, op, right, {});
+    if (!left.type.IsKnown() || !right.type.IsKnown()) return Calculate(left, op, right, {});
     const bool remainder = op.kind == OperatorKind::Remainder;
     if (!Checked()) {
         if (remainder && common == Base::Double) return FloatingRemainder(left, right);
@@ -128,8 +127,7 @@ Expr Arithmetic(Expr& left, const BinaryOperator& op, Expr& right) {
     const bool numbers =
         (left.type.IsNumber() || !left.type.IsKnown()) && (right.type.IsNumber() || !right.type.IsKnown());
     if (!numbers) FailOperands(left, op, right);
-    if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder)
-        return Divide(left, op, right);
+    if (op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder) return Divide(left, op, right);
     const Base common = CommonNumber(left, right);
     if (op.kind == OperatorKind::Bits && common == Base::Double) FailOperands(left, op, right);
     return Calculate(left, op, right, known ? Single(common) : ValueType());

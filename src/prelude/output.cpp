@@ -43,11 +43,19 @@ void PutLine(FileOutput& out, std::string_view line) {
     text += '\n';
 }
 
+// The text of the piece before is kept in a string of its size; the room that it grew in is the next one's.
 Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
-    out.pieces.emplace_back();
-    out.pieces.back().kind = kind;
-    out.pieces.back().cls = cls;
-    return out.pieces.back();
+    std::string room;
+    if (!out.pieces.empty()) {
+        room = out.pieces.back().text;
+        room.swap(out.pieces.back().text);
+        room.clear();
+    }
+    Piece& piece = out.pieces.emplace_back();
+    piece.text = std::move(room);
+    piece.kind = kind;
+    piece.cls = cls;
+    return piece;
 }
 
 void PutGlobal(FileOutput& out, GlobalDefinition definition) {

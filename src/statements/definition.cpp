@@ -196,6 +196,14 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
         definition.constant = true;
         return;
     }
+    if (settings.verbose && type.Is(Base::Object))
+        Say("Registering object variable: " + declared.name + " of type " + type.cls->name);
+    if (declared.kind == DefinitionKind::Local) {
+        if (IsCreation(declared.value) && value.type.Is(Base::Object))
+            definition.registration =
+                " __" + value.type.cls->cppName + "_list__.push_back(" + definition.cppName + ");";
+        return;
+    }
     definition.declaration = "extern " + variable + ";";
     definition.moved = definition.text;
     const bool global = declared.kind == DefinitionKind::Global;
@@ -204,12 +212,6 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     if (global && (definition.constant || built) && declared.hasValue)
         definition.again = definition.cppName + " = " + TextAs(value, type);
     if (global && built && declared.hasValue) definition.empty = variable + ";";
-    if (type.Is(Base::Object))
-        VerboseNote("Registering object variable: " + declared.name + " of type " + type.cls->name);
-    if (declared.kind != DefinitionKind::Local || !IsCreation(declared.value) || !value.type.Is(Base::Object))
-        return;
-    definition.registration =
-        " __" + value.type.cls->cppName + "_list__.push_back(" + definition.cppName + ");";
 }
 
 ArrayPlace PlaceOf(const State& state, DefinitionKind kind) {

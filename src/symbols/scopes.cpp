@@ -23,11 +23,11 @@ const PartOfRun partOfRun(localDefList, currentClass, atFileLevel);
 std::string Number(std::size_t value) { return std::to_string(value); }
 
 // Longer lists would make the notes grow with the square of the program.
-std::string Listed(const std::vector<std::string>& names) {
+std::string Listed(const std::vector<const Variable*>& variables) {
     constexpr std::size_t most = 100;
     std::string list;
-    for (std::size_t i = 0; i < names.size() && i < most; ++i) list += "'" + names[i] + "' ";
-    return names.size() > most ? list + "..." : list;
+    for (std::size_t i = 0; i < variables.size() && i < most; ++i) list += "'" + variables[i]->name + "' ";
+    return variables.size() > most ? list + "..." : list;
 }
 
 void DumpScopes(const std::string& name) {
@@ -38,11 +38,17 @@ void DumpScopes(const std::string& name) {
         const std::vector<ScopeBlock>& leaves = localDefList[level].leaves;
         Say("  Scope " + Number(level) + " has " + Number(leaves.size()) + " blocks:");
         for (std::size_t block = 0; block < leaves.size(); ++block) {
-            const std::vector<std::string>& names = leaves[block].names;
-            Say("    Block " + Number(block) + " has " + Number(names.size()) + " vars: " + Listed(names));
+            const std::vector<const Variable*>& listed = leaves[block].listed;
+            Say("    Block " + Number(block) + " has " + Number(listed.size()) + " vars: " + Listed(listed));
         }
     }
 }
+
+struct HasName {
+    const std::string& name;
+    bool operator()(const Variable* variable) const { return variable->name == name; }
+    bool operator()(const Variable& variable) const { return variable.name == name; }
+};
 
 // Where a name is recorded: the outermost level and block that has it.
 struct Match {
@@ -70,8 +76,8 @@ Match FindRecord(const std::string& name) {
     for (; match.level < localDefList.size(); ++match.level) {
         const std::vector<ScopeBlock>& leaves = localDefList[match.level].leaves;
         for (match.block = 0; match.block < leaves.size(); ++match.block) {
-            const std::vector<std::string>& names = leaves[match.block].names;
-            if (std::find(names.begin(), names.end(), name) != names.end()) return match;
+            const std::vector<const Variable*>& listed = leaves[match.block].listed;
+            if (std::any_of(listed.begin(), listed.end(), HasName{name})) return match;
         }
     }
     return match;
@@ -107,9 +113,9 @@ void RefuseConstName(const std::string& name) {
 
 bool IsStored(const std::string& name) { return IsRecorded(name) || IsRecorded("kvl_" + name); }
 
-std::string Joined(const std::vector<std::string>& names) {
+std::string Joined(const std::vector<const Variable*>& variables) {
     std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    for (const Variable* variable : variables) text += (text.empty() ? "" : ", ") + variable->name;
     return text;
 }
 
@@ -119,8 +125,8 @@ void TraceBlocks(const std::string& name) {
     const std::vector<ScopeBlock>& leaves = localDefList.empty() ? none : localDefList.back().leaves;
     Say("  Current function has " + Number(leaves.size()) + " block scopes");
     for (std::size_t block = 0; block < leaves.size(); ++block) {
-        const std::vector<std::string>& names = leaves[block].names;
-        Say("  Scope " + Number(block) + " has " + Number(names.size()) + " variables: " + Joined(names));
+        const std::vector<const Variable*>& listed = leaves[block].listed;
+        Say("  Scope " + Number(block) + " has " + Number(listed.size()) + " variables: " + Joined(listed));
     }
 }
 
@@ -133,16 +139,15 @@ void TraceResult(const std::string& name) {
     }
 }
 
-// Makes the record in the current block. The name is listed once, where it was met first; `visible` is what
+// Makes the record in the current block. The variable is listed once, where it was met first; `visible` is what
 // it means in the routine.
 Variable& Record(const std::string& name, bool recorded, std::vector<VisibleVariable>& visible) {
     ScopeBranch& branch = localDefList.back();
     Variable& variable = branch.storage.emplace_back();
     variable.name = name;
     variable.cppName = SafeName(name);
-    variable.file = settings.currentFile;
     variable.line = settings.currentLine;
-    if (!recorded) branch.leaves.back().names.push_back(name);
+    if (!recorded) branch.leaves.back().listed.push_back(&variable);
     branch.leaves.back().variables.push_back(&variable);
     visible.push_back({&variable, branch.leaves.size() - 1});
     return variable;
@@ -176,10 +181,7 @@ void PushBlock() {
 void PopBlock() {
     if (BlockCount() < 2) return;
     ScopeBranch& branch = localDefList.back();
-    for (const Variable* variable : branch.leaves.back().variables) {
-        branch.visible[variable->name].pop_back();
-        branch.ended[variable->name] = variable->line;
-    }
+    for (const Variable* variable : branch.leaves.back().variables) branch.visible[variable->name].pop_back();
     branch.leaves.pop_back();
 }
 
@@ -268,5 +270,11 @@ bool IsHidden(const std::string& name) {
 }
 
 bool WasInEndedBlock(const std::string& name) {
-    return !localDefList.empty() && localDefList.back().ended.count(name) != 0;
+    if (localDefList.empty()) return false;
+    const ScopeBranch& branch = localDefList.back();
+    const HasName named{name};
+    std::ptrdiff_t open = 0;
+    for (const ScopeBlock& block : branch.leaves)
+        open += std::count_if(block.variables.begin(), block.variables.end(), named);
+    return std::count_if(branch.storage.begin(), branch.storage.end(), named) > open;
 }

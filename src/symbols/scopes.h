@@ -9,8 +9,8 @@
 #include "symbols/symbols.h"
 
 struct ScopeBlock {
-    std::vector<std::string> names;    // as the scope rules see them
-    std::vector<Variable*> variables;  // what each declaration in the block is, shadowing ones included
+    std::vector<const Variable*> listed;  // as the scope rules see them
+    std::vector<Variable*> variables;     // what each declaration in the block is, shadowing ones included
 };
 struct VisibleVariable {
     Variable* variable = nullptr;
@@ -20,7 +20,6 @@ struct ScopeBranch {
     std::vector<ScopeBlock> leaves;  // open blocks, the last is the current one
     std::deque<Variable> storage;    // every variable of the routine, ended blocks included
     std::unordered_map<std::string, std::vector<VisibleVariable>> visible;  // by name, innermost last
-    std::unordered_map<std::string, int> ended;  // names of ended blocks -> line of declaration
 };
 
 extern std::deque<ScopeBranch> localDefList;  // one branch per open routine, the last is the current one

@@ -37,7 +37,9 @@ public:
 
     LineStatements() = default;
     LineStatements(const CutFile& file, std::size_t from, std::size_t to)
-        : tokens(file.tokens.data()), first(file.statements.data() + from), last(file.statements.data() + to) {}
+        : tokens(file.tokens.data()),
+          first(file.statements.data() + from),
+          last(file.statements.data() + to) {}
 
     std::size_t size() const { return static_cast<std::size_t>(last - first); }
     Iterator begin() const { return {tokens, first}; }

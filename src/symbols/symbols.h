@@ -37,7 +37,7 @@ struct Variable {
     bool slot = false;          // an Element reached through a pointer (EachIn over an array of Elements)
     bool isItem = false;        // refers to an item of a Sequence (EachSeq)
     bool isPrivate = false;     // Fields only
-    std::string file;           // where it was declared
+    std::string file;           // where it was declared; of Locals and the like only the line is kept
     int line = 0;
     Tokens initialiser;           // Globals, Consts and Fields; the type of untyped ones is inferred from it
     bool typed = false;           // declared with a ":" type
