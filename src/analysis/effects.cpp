@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <deque>
-#include <optional>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -35,8 +35,9 @@ struct Facts {
     std::deque<Statement> statements;  // of all routines
     std::vector<RoutineText> texts;
     std::vector<std::vector<std::size_t>> textsOf;   // the routines with statements of a node
-    std::vector<EffectSet> own;                      // of the nodes themselves, as far as they were read
-    std::vector<std::optional<EffectSet>> closures;  // with all that the nodes may run, as far as asked for
+    std::unordered_map<int, EffectSet> own;          // of the nodes themselves, as far as they were read
+    std::unordered_map<int, EffectSet> closures;     // with all that the nodes may run, as far as asked for
+    bool complete = false;
 };
 
 Facts facts;
@@ -56,11 +57,8 @@ void AddForeign(const ReachGraph& graph, const std::string& name) {
 void Complete(ReachGraph& graph) {
     for (const std::string& name : symbols.externFunctions) AddForeign(graph, name);
     for (const auto& routine : symbols.userlibRoutines) AddForeign(graph, routine.first);
-    const std::size_t count = graph.nodes.size();
-    facts.own.resize(count);
-    facts.closures.resize(count);
-    for (std::size_t i = 0; i < count; ++i)
-        if (graph.nodes[i].holdsInlineCpp) facts.own[i].Add(EffectsOfOutsideCode());
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i)
+        if (graph.nodes[i].holdsInlineCpp) OwnEffectsOf(static_cast<int>(i)).Add(EffectsOfOutsideCode());
 }
 
 void ReadText(std::size_t number) {
@@ -76,9 +74,10 @@ void ReadText(std::size_t number) {
     }
 }
 
-void ReadTextsOf(std::size_t node) {
-    if (node >= facts.textsOf.size()) return;
-    for (const std::size_t text : std::exchange(facts.textsOf[node], {})) ReadText(text);
+void ReadTextsOf(int node) {
+    const auto i = static_cast<std::size_t>(node);
+    if (i >= facts.textsOf.size()) return;
+    for (const std::size_t text : std::exchange(facts.textsOf[i], {})) ReadText(text);
 }
 
 EffectSet Closure(const ReachGraph& graph, int start) {
@@ -86,11 +85,11 @@ EffectSet Closure(const ReachGraph& graph, int start) {
     std::unordered_set<int> met = {start};
     EffectSet set;
     while (!open.empty()) {
-        const auto node = static_cast<std::size_t>(open.back());
+        const int node = open.back();
         open.pop_back();
         ReadTextsOf(node);
-        set.Add(facts.own[node]);
-        for (const int callee : graph.nodes[node].callees)
+        set.Add(OwnEffectsOf(node));
+        for (const int callee : graph.nodes[static_cast<std::size_t>(node)].callees)
             if (met.insert(callee).second) open.push_back(callee);
         if (met.size() > mostRoutines) set.anything = true;
         if (set.anything) break;
@@ -110,15 +109,15 @@ bool MayRun(TokenSpan tokens, std::size_t at) {
 
 ReachGraph& CompleteGraph() {
     ReachGraph& graph = BuiltGraph();
-    if (facts.closures.empty()) Complete(graph);
+    if (!std::exchange(facts.complete, true)) Complete(graph);
     return graph;
 }
 
 const EffectSet& ClosureOf(int node) {
     const ReachGraph& graph = CompleteGraph();
-    std::optional<EffectSet>& closure = facts.closures[static_cast<std::size_t>(node)];
-    if (!closure) closure = Closure(graph, node);
-    return *closure;
+    const auto known = facts.closures.find(node);
+    if (known != facts.closures.end()) return known->second;
+    return facts.closures.emplace(node, Closure(graph, node)).first->second;
 }
 
 // What the calls and constructions in the tokens do. Every routine that is entered may let timers run.
@@ -140,11 +139,7 @@ void AddCalls(TokenSpan tokens, EffectSet& set) {
 
 }  // namespace
 
-EffectSet& OwnEffectsOf(int node) {
-    const auto i = static_cast<std::size_t>(node);
-    if (i >= facts.own.size()) facts.own.resize(i + 1);
-    return facts.own[i];
-}
+EffectSet& OwnEffectsOf(int node) { return facts.own[node]; }
 
 void BeginEffects(const Routine* routine) { facts.texts.push_back({routine, facts.statements.size()}); }
 

@@ -111,7 +111,8 @@ private:
     void ReadField(TokenSpan tokens) {
         const int construction = graph.NodeOf(graph.construction, cls);
         Mention(construction, tokens);
-        ReadEffects(construction, tokens, {});
+        BeginEffects(nullptr);
+        NoteEffects(construction, tokens, false);
         WithHoles(tokens, [construction](TokenSpan part) { ReadSequenceChanges(construction, part); });
     }
 
