@@ -58,21 +58,25 @@ Expr Assign(const Expr& target, const Expr& value) {
     return result;
 }
 
+Expr Nothing() {
+    Expr nothing;
+    nothing.type = Single(Base::Void);
+    return nothing;
+}
+
+Expr TranslateSome(TokenSpan tokens, ExprMode mode) {
+    Walk walk(tokens, mode);
+    const std::size_t calls = callCount;
+    Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
+    if (!walk.Done()) FailUnexpected(walk);
+    result.effects = callCount != calls;
+    return result;
+}
+
 Expr Translate(TokenSpan tokens, ExprMode mode) {
     tokens = tokens.WithoutComment();
-    if (tokens.empty()) {
-        Expr nothing;
-        nothing.type = Single(Base::Void);
-        return nothing;
-    }
-    return About(tokens, [tokens, mode] {
-        Walk walk(tokens, mode);
-        const std::size_t calls = callCount;
-        Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
-        if (!walk.Done()) FailUnexpected(walk);
-        result.effects = callCount != calls;
-        return result;
-    });
+    if (tokens.empty()) return Nothing();
+    return About(tokens, [tokens, mode] { return TranslateSome(tokens, mode); });
 }
 
 }  // namespace

@@ -67,30 +67,25 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
 }  // namespace
 
 void ParsePostfix(Walk& walk, Expr& expr, const std::string& firstName) {
-    const char next = walk.PeekSign();
-    if (next != '\\' && next != '.' && next != '[') return;
     const std::string* name = &firstName;
     const Variable* array = expr.variable;
     const std::size_t begin = walk.operandAt;
     const Token* first = expr.source.first;
     constexpr int mostLinks = 1000;
-    for (int links = 0; !walk.Done(); ++links) {
-        const char sign = walk.PeekSign();
+    for (int links = 0; BeginsPostfix(walk.PeekSign()); ++links) {
         if (links > mostLinks)
             ReportFatal("More than " + std::to_string(mostLinks) +
                         " Fields and Methods in a row. Give a part of them to a variable first");
-        if (sign == '\\' || sign == '.') {
+        if (walk.PeekSign() != '[') {
             const std::string* member = &walk.Peek(1);
             array = nullptr;
             expr = ParseMember(walk, expr, *name, array);
             name = member;
-        } else if (sign == '[') {
+        } else {
             if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
             walk.operandAt = begin;
             expr = ParseIndices(walk, expr, *name, array);
             array = nullptr;
-        } else {
-            break;
         }
         expr.source = {first, walk.tokens.first + walk.at};
     }

@@ -116,12 +116,21 @@ void FailUnexpected(const Walk& walk) {
 
 namespace {
 
-bool BeginsLibraryName(const Walk& walk) { return walk.PeekSign(1) == ':' && Is(walk.Peek(), "std"); }
+// What nothing may follow: .5 , $FF , std:max(a, b)
+bool StandsAlone(const Walk& walk) {
+    if (walk.PeekSign() == '.') return IsDigit(walk.Peek(1)[0]);
+    return IsHexadecimal(walk.Peek()) || (walk.PeekSign(1) == ':' && Is(walk.Peek(), "std"));
+}
 
-// An operand without what may follow it.
+Expr ParseAlone(Walk& walk) {
+    if (IsHexadecimal(walk.Peek())) return ParseHexadecimal(walk);
+    return walk.Match('.') ? ParseDouble(walk, "0." + walk.Take()) : ParseLibraryName(walk);
+}
+
 Expr ParseOperand(Walk& walk) {
     const std::string& token = walk.Peek();
     const char c = token[0];
+    if (token.empty()) FailUnexpected(walk);
     if (c == '"') return TranslateString(walk.tokens.At(walk.at++));
     if (c == '(') return ParseParentheses(walk);
     if (IsDigit(c)) return ParseNumber(walk);
@@ -133,17 +142,12 @@ Expr ParseOperand(Walk& walk) {
 
 Expr ParsePrimary(Walk& walk) {
     const std::string& token = walk.Peek();
-    if (token.empty()) FailUnexpected(walk);
     const std::size_t begin = walk.at;
-    if (walk.PeekSign() == '.' && IsDigit(walk.Peek(1)[0])) {
-        walk.Take();
-        return ParseDouble(walk, "0." + walk.Take());
-    }
-    if (IsHexadecimal(token)) return ParseHexadecimal(walk);
-    if (BeginsLibraryName(walk)) return ParseLibraryName(walk);
-    Expr expr = ParseOperand(walk);
+    const bool alone = StandsAlone(walk);
+    Expr expr = alone ? ParseAlone(walk) : ParseOperand(walk);
+    if (alone) return expr;
     expr.source = walk.tokens.Slice(begin, walk.at);
     walk.operandAt = begin;
-    if (expr.level == Level::Primary) ParsePostfix(walk, expr, token);
+    if (expr.level == Level::Primary && BeginsPostfix(walk.PeekSign())) ParsePostfix(walk, expr, token);
     return expr;
 }

@@ -57,6 +57,7 @@ Expr ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assig
 Expr ParseUnary(Walk& walk);
 Expr ParsePrimary(Walk& walk);
 // Goes on from the operand to what follows it: "\" members, "[" indices.
+inline bool BeginsPostfix(char sign) { return sign == '\\' || sign == '.' || sign == '['; }
 void ParsePostfix(Walk& walk, Expr& expr, const std::string& name);
 
 // The arguments behind "(", up to and with the ")".

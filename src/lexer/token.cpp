@@ -37,7 +37,7 @@ std::uint64_t LoadFew(std::string_view text) {
 }
 
 // Eight bytes at a time; tokens are short.
-std::uint64_t HashOf(std::string_view text) {
+inline std::uint64_t HashOf(std::string_view text) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
     std::uint64_t hash = text.size();
     const auto mix = [&hash](std::uint64_t bytes) {

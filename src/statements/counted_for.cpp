@@ -237,7 +237,7 @@ std::string Header(const Counter& counter, const std::string& declaration, const
 
 void OpenScope(const Counter& counter) {
     PushBlock();
-    if (counter.declared) DeclareLoopVariable(counter.name, counter.type).cppName = counter.cppName;
+    if (counter.declared) DeclareLoopVariable(counter.name, counter.cppName, counter.type);
 }
 
 // A name in the header means what is outside of the loop; where nothing is, it means the counter.

@@ -246,8 +246,8 @@ void CompleteSizes(Variable& array) {
 }
 
 // The Variable record that look-ups find.
-Variable& Register(const Declared& declared, const State& state) {
-    if (declared.kind == DefinitionKind::Local) return AddVarToScopeList(declared.name);
+Variable& Register(const Declared& declared, const Definition& definition, const State& state) {
+    if (declared.kind == DefinitionKind::Local) return AddVarToScopeList(declared.name, definition.cppName);
     if (declared.kind == DefinitionKind::Field) return state.cls->members[declared.name];
     auto& table = declared.kind == DefinitionKind::Const ? symbols.constants : symbols.globals;
     return table[declared.name];
@@ -337,7 +337,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
         DefineSingle(declared, value, definition);
     definition.mentioned = declared.note.type.cls;
     definition.usesPrelude = declared.note.type.sequence || PreludeUses() != preludeUses;
-    Variable& variable = Register(declared, state);
+    Variable& variable = Register(declared, definition, state);
     Complete(declared, definition, variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
         state.routine.localArrays.push_back({&variable, variable.type.base == Base::Element, true});

@@ -179,7 +179,7 @@ void TranslateEach(State& state, const EachHeader& header) {
     Collection collection = CollectionOf(state, header.collection);
     ValueType declared = DeclaredType(header, collection);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(header.name, declared);
+    Variable& variable = DeclareLoopVariable(header.name, SafeName(header.name), declared);
     variable.form = collection.itemForm;
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
@@ -218,8 +218,8 @@ void SettleWalk(State& state, const SequenceWalk& walk) {
     slots[walk.bodySlot].text = indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n";
 }
 
-Variable& DeclareLoopVariable(const std::string& name, const ValueType& type) {
-    Variable& variable = AddVarToScopeList(name);
+Variable& DeclareLoopVariable(const std::string& name, const std::string& cppName, const ValueType& type) {
+    Variable& variable = AddVarToScopeList(name, cppName);
     variable.type = type;
     return variable;
 }
@@ -249,7 +249,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(tokens[1], item);
+    Variable& variable = DeclareLoopVariable(tokens[1], SafeName(tokens[1]), item);
     variable.isItem = true;
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";

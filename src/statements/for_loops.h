@@ -17,4 +17,4 @@ void TranslateCountedFor(State& state, TokenSpan tokens);
 void SettleWalk(State& state, const SequenceWalk& walk);
 
 // Declares a loop variable in the block just pushed and fills in its record.
-Variable& DeclareLoopVariable(const std::string& name, const ValueType& type);
+Variable& DeclareLoopVariable(const std::string& name, const std::string& cppName, const ValueType& type);

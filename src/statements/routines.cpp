@@ -51,7 +51,7 @@ void NeedValue(const ValueType& type) {
 void DeclareParameters(const Routine& routine) {
     NeedValue(routine.result);
     for (const Parameter& parameter : routine.parameters) {
-        Variable& variable = AddVarToScopeList(parameter.name);
+        Variable& variable = AddVarToScopeList(parameter.name, SafeName(parameter.name));
         variable.type = parameter.type;
         variable.typed = !parameter.untyped;
         variable.isParameter = true;

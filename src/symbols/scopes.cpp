@@ -141,11 +141,12 @@ void TraceResult(const std::string& name) {
 
 // Makes the record in the current block. The variable is listed once, where it was met first; `visible` is what
 // it means in the routine.
-Variable& Record(const std::string& name, bool recorded, std::vector<VisibleVariable>& visible) {
+Variable& Record(const std::string& name, const std::string& cppName, bool recorded,
+                 std::vector<VisibleVariable>& visible) {
     ScopeBranch& branch = localDefList.back();
     Variable& variable = branch.storage.emplace_back();
     variable.name = name;
-    variable.cppName = SafeName(name);
+    variable.cppName = cppName;
     variable.line = settings.currentLine;
     if (!recorded) branch.leaves.back().listed.push_back(&variable);
     branch.leaves.back().variables.push_back(&variable);
@@ -187,7 +188,7 @@ void PopBlock() {
 
 std::size_t BlockCount() { return localDefList.empty() ? 0 : localDefList.back().leaves.size(); }
 
-Variable& AddVarToScopeList(const std::string& name) {
+Variable& AddVarToScopeList(const std::string& name, const std::string& cppName) {
     DumpScopes(name);
     CheckCppWord(name);
     CheckKeyword(name);
@@ -201,12 +202,12 @@ Variable& AddVarToScopeList(const std::string& name) {
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
     if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
-    return Record(name, recorded, visible);
+    return Record(name, cppName, recorded, visible);
 }
 
 Variable& AddOwnName(const std::string& name) {
     if (localDefList.back().leaves.empty()) localDefList.back().leaves.emplace_back();
-    return Record(name, IsRecorded(name), localDefList.back().visible[name]);
+    return Record(name, SafeName(name), IsRecorded(name), localDefList.back().visible[name]);
 }
 
 void FailDeclaredTwice(const std::string& name) {

@@ -33,7 +33,7 @@ std::size_t BlockCount();
 
 // Declares a variable in the current block after the identifier and scope checks, each of which ends
 // the run. Returns the record that look-ups find from here on, for the caller to fill in.
-Variable& AddVarToScopeList(const std::string& name);
+Variable& AddVarToScopeList(const std::string& name, const std::string& cppName);
 // The same without any check, for names that the compiler declares itself ("this").
 Variable& AddOwnName(const std::string& name);
 
