@@ -140,7 +140,8 @@ Piece TakeMethodBody(Piece& piece) {
     body.text = piece.definitionHead + "\n" + piece.text.substr(piece.braceAt);
     body.partPaths = std::move(piece.partPaths);
     for (PartPath& part : body.partPaths) part.at += piece.definitionHead.size() + 1 - piece.braceAt;
-    piece.text = piece.declaration;
+    piece.text.resize(piece.signatureEnd);
+    piece.text += ";\n";
     return body;
 }
 

@@ -34,8 +34,8 @@ struct Piece {
     const ClassInfo* cls = nullptr;       // the class that the piece belongs to
     std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
     std::string file;                     // Include: the included source as opened
-    std::string declaration;              // Method: its lines in the class when the body moves out
     std::string definitionHead;           // Method: the signature line outside the class
+    std::size_t signatureEnd = 0;         // routines: where the text of the signature ends
     std::size_t braceAt = 0, bodyAt = 0;  // routines: where the line of the opening brace begins and ends
     std::vector<PartPath> partPaths;      // routines: in order
 };

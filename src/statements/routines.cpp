@@ -95,7 +95,7 @@ void Open(State& state, RoutineKind kind, const std::string& name, const Routine
 // `after` stands between the opening brace and the poll.
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
     Piece& piece = state.out->pieces.back();
-    EmitLine(state, signature);
+    piece.signatureEnd = EmitLine(state, signature) + signature.size();
     piece.braceAt = piece.text.size();
     EmitLine(state, "{");
     piece.bodyAt = piece.text.size();
@@ -209,10 +209,8 @@ std::string LinesBeforePoll(State& state, const Routine& method) {
 void BeginMethodPiece(State& state, const Routine& method) {
     const bool special = method.name == "constructor" || method.name == "destructor";
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
-    const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
     DeclareParameters(method);
-    piece.declaration = indent + result + NameAndParameters(method, method.cppName, true) + ";\n";
     piece.definitionHead =
         result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),

@@ -159,12 +159,15 @@ std::string ParameterText(const Routine& routine, bool withDefaults) {
     std::string text;
     for (const Parameter& parameter : routine.parameters) {
         text += text.empty() ? "(" : ", ";
-        text += ParameterCppName(parameter.type) + " " + SafeName(parameter.name);
+        text += ParameterCppName(parameter.type);
+        text += ' ';
+        text += SafeName(parameter.name);
         if (withDefaults && parameter.hasDefault) {
             text += " = " + TranslateDefault(routine, parameter).text;
         }
     }
-    return text + ")";
+    text += ')';
+    return text;
 }
 
 std::string PrototypeText(const Routine& routine) {

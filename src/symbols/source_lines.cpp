@@ -1,5 +1,6 @@
 #include "symbols/source_lines.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <unordered_map>
 
