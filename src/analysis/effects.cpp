@@ -34,9 +34,9 @@ struct RoutineText {
 struct Facts {
     std::deque<Statement> statements;  // of all routines
     std::vector<RoutineText> texts;
-    std::vector<std::vector<std::size_t>> textsOf;   // the routines with statements of a node
-    std::unordered_map<int, EffectSet> own;          // of the nodes themselves, as far as they were read
-    std::unordered_map<int, EffectSet> closures;     // with all that the nodes may run, as far as asked for
+    std::vector<std::vector<std::size_t>> textsOf;  // the routines with statements of a node
+    std::unordered_map<int, EffectSet> own;         // of the nodes themselves, as far as they were read
+    std::unordered_map<int, EffectSet> closures;    // with all that the nodes may run, as far as asked for
     bool complete = false;
 };
 

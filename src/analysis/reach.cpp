@@ -113,7 +113,7 @@ private:
         Mention(construction, tokens);
         BeginEffects(nullptr);
         NoteEffects(construction, tokens, false);
-        WithHoles(tokens, [construction](TokenSpan part) { ReadSequenceChanges(construction, part); });
+        ReadSequenceChanges(construction, tokens);
     }
 
     // Who calls the routine works out what the holes in its default values hold.
@@ -169,7 +169,7 @@ private:
                 graph.At(loop).createsAnything = true;  // a loop within a single-line If
         }
         Mention(node, tokens);
-        WithHoles(tokens, [this](TokenSpan part) { ReadSequenceChanges(node, part); });
+        ReadSequenceChanges(node, tokens);
         NoteBlocks(word, tokens);
         NoteEffects(node, tokens, blocks == 0);
     }

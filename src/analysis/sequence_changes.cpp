@@ -3,6 +3,7 @@
 #include "analysis/reach_graph.h"
 #include "driver/run.h"
 #include "expressions/expression.h"
+#include "lexer/holes.h"
 
 namespace {
 
@@ -78,6 +79,16 @@ void ReadAssigned(int node, TokenSpan tokens, std::size_t end) {
     if (facts.names.count(tokens[end - 1]) != 0) AddChange(node, tokens[end - 1]);
 }
 
+void ReadPart(int node, TokenSpan tokens) {
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (Has(tokens.KeywordAt(i), trait::addsOrRemoves)) ReadTarget(node, tokens, i + 1);
+        const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
+        for (std::size_t k = i; swaps && k < tokens.size(); ++k)
+            if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);
+        if (tokens.SignAt(i) == '=') ReadAssigned(node, tokens, i);
+    }
+}
+
 const std::unordered_set<int>& NodesThatChange(const ReachGraph& graph, const ValueType& item) {
     const ItemKey key = KeyOf(item);
     const auto answer = facts.answers.find(key);
@@ -123,13 +134,7 @@ void BeginSequenceChanges() {
 
 void ReadSequenceChanges(int node, TokenSpan tokens) {
     if (facts.names.empty()) return;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (Has(tokens.KeywordAt(i), trait::addsOrRemoves)) ReadTarget(node, tokens, i + 1);
-        const bool swaps = tokens.KeywordAt(i) == Keyword::SeqSwap;
-        for (std::size_t k = i; swaps && k < tokens.size(); ++k)
-            if (tokens.SignAt(k) == ',') ReadTarget(node, tokens, k + 1);
-        if (tokens.SignAt(i) == '=') ReadAssigned(node, tokens, i);
-    }
+    WithHoles(tokens, [node](TokenSpan part) { ReadPart(node, part); });
 }
 
 bool RoutineMayChange(const std::string& name, const ValueType& item) {

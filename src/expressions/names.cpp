@@ -31,24 +31,12 @@ Expr This() {
     return expr;
 }
 
-// The words that stand for a value; false for any other.
-bool ParseValueWord(Keyword word, Expr& value) {
-    switch (word) {
-        case Keyword::True:
-            value = Constant("true", Base::Bool);
-            return true;
-        case Keyword::False:
-            value = Constant("false", Base::Bool);
-            return true;
-        case Keyword::Null:
-            value = Constant("nullptr", Base::Null);
-            return true;
-        case Keyword::This:
-            value = This();
-            return true;
-        default:
-            return false;
-    }
+bool IsValueWord(Keyword word) { return Has(word, trait::value) && word != Keyword::Its; }
+
+Expr ValueOfWord(Keyword word) {
+    if (word == Keyword::This) return This();
+    if (word == Keyword::Null) return Constant("nullptr", Base::Null);
+    return Constant(word == Keyword::True ? "true" : "false", Base::Bool);
 }
 
 void TraceLookup(const std::string& name, const Variable* found) {
@@ -140,14 +128,13 @@ Expr ParseName(Walk& walk) {
         if (IsBuiltin(lower)) return ParseBuiltin(walk, lower);
     }
 
-    Expr value;
-    if (ParseValueWord(keyword, value)) return value;
+    if (IsValueWord(keyword)) return ValueOfWord(keyword);
     if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name);
 
     const Variable* variable = FindVariable(name);
     TraceLookup(name, variable);
     if (variable != nullptr && !called) return UseVariable(*variable);
     if (keyword == Keyword::Create || keyword == Keyword::New) return ParseCreate(walk);
-    if (ParseInstanceWord(walk, keyword, value)) return value;
+    if (IsInstanceWord(keyword)) return ParseInstanceWord(walk, keyword);
     return called ? ParseCallable(walk, name) : ParseBareName(walk, name);
 }

@@ -141,23 +141,16 @@ Expr ParseCreate(Walk& walk) {
     return value;
 }
 
-bool ParseInstanceWord(Walk& walk, Keyword keyword, Expr& result) {
+bool IsInstanceWord(Keyword word) {
+    return word == Keyword::First || word == Keyword::Last || word == Keyword::Before ||
+           word == Keyword::After || word == Keyword::Insert;
+}
+
+Expr ParseInstanceWord(Walk& walk, Keyword keyword) {
     const std::string& word = walk.tokens[walk.at - 1];
-    const ClassInfo* cls = nullptr;
-    switch (keyword) {
-        case Keyword::First:
-        case Keyword::Last:
-            cls = ParseTypeName(walk, word);
-            result = ObjectOf(cls, cls->cppName + (keyword == Keyword::First ? "::First()" : "::Last()"));
-            return true;
-        case Keyword::Before:
-        case Keyword::After:
-            result = ParseNeighbour(walk, word, keyword == Keyword::Before ? "Before" : "After");
-            return true;
-        case Keyword::Insert:
-            result = ParseInsert(walk, word);
-            return true;
-        default:
-            return false;
-    }
+    if (keyword == Keyword::Insert) return ParseInsert(walk, word);
+    if (keyword == Keyword::Before || keyword == Keyword::After)
+        return ParseNeighbour(walk, word, keyword == Keyword::Before ? "Before" : "After");
+    const ClassInfo* cls = ParseTypeName(walk, word);
+    return ObjectOf(cls, cls->cppName + (keyword == Keyword::First ? "::First()" : "::Last()"));
 }

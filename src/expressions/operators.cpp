@@ -1,5 +1,8 @@
 #include "expressions/operators.h"
 
+#include <array>
+#include <iterator>
+
 namespace {
 
 struct SymbolRow {
@@ -8,7 +11,8 @@ struct SymbolRow {
     BinaryOperator op;
 };
 
-// Rows with a second token come before the row that is their beginning. "=" and "= =" are looked at apart.
+// Rows of one sign stand together, those with a second one before the row that is their beginning. "=" and "= ="
+// are looked at apart.
 const SymbolRow symbolRows[] = {
     {'+', 0, {"+", "+", Level::Sum, OperatorKind::Add}},
     {'-', 0, {"-", "-", Level::Sum, OperatorKind::Arithmetic}},
@@ -59,6 +63,18 @@ const UnaryRow unaryRows[] = {
     {'~', Keyword::BitNot, {"~", "BitNot", UnaryKind::Complement}},
 };
 
+// The first row of each sign; the end of the rows for any other.
+const SymbolRow* RowsOf(char sign) {
+    static const auto index = [] {
+        std::array<const SymbolRow*, 256> rows{};
+        rows.fill(std::end(symbolRows));
+        for (const SymbolRow* row = std::end(symbolRows); row-- != std::begin(symbolRows);)
+            rows[static_cast<unsigned char>(row->first)] = row;
+        return rows;
+    }();
+    return index[static_cast<unsigned char>(sign)];
+}
+
 const BinaryOperator* FindBinary(Keyword word) {
     for (const BinaryWord& row : binaryWords)
         if (row.word == word) return &row.op;
@@ -86,11 +102,10 @@ const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& 
         return Has(walk.PeekKeyword(), trait::operation) ? FindBinary(walk.PeekKeyword()) : nullptr;
     }
     if (sign == '=') return PeekEquals(walk, comparing, length);
-    for (const SymbolRow& row : symbolRows) {
-        if (sign != row.first) continue;
-        if (row.second != '\0' && walk.PeekSign(1) != row.second) continue;
-        length = row.second == '\0' ? 1 : 2;
-        return &row.op;
+    for (const SymbolRow* row = RowsOf(sign); row != std::end(symbolRows) && row->first == sign; ++row) {
+        if (row->second != '\0' && walk.PeekSign(1) != row->second) continue;
+        length = row->second == '\0' ? 1 : 2;
+        return &row->op;
     }
     return nullptr;
 }

@@ -92,8 +92,9 @@ bool IsSeqFunction(const std::string& lowerName);
 Expr ParseSeqFunction(Walk& walk, const std::string& lowerName);
 Expr ParseLibraryName(Walk& walk);  // std:max(a, b)
 Expr ParseCreate(Walk& walk);
-// First, Last, Before, After and Insert; false when the word is none of these.
-bool ParseInstanceWord(Walk& walk, Keyword word, Expr& result);
+// First, Last, Before, After and Insert.
+bool IsInstanceWord(Keyword word);
+Expr ParseInstanceWord(Walk& walk, Keyword word);
 
 Expr ParseName(Walk& walk);
 bool IsIdentifier(const std::string& token);

@@ -52,6 +52,7 @@ CharClass ClassOf(char c) { return classTable[static_cast<unsigned char>(c)]; }
 // What a scan found besides the tokens.
 struct ScanResult {
     bool openString = false;
+    bool hasBar = false;
     int parenDepth = 0;
     int bracketDepth = 0;
     const char* unmatched = nullptr;  // message of the first closer without an opener
@@ -152,6 +153,7 @@ private:
 
     void Delimiter() {
         Flush();
+        result.hasBar = result.hasBar || line[at] == '|';
         tokens.emplace_back(WordOf(line[at]));
         ++at;
     }
@@ -240,6 +242,7 @@ LexTrouble Lexer::Cut(std::string_view line) {
     tokens.clear();
     indent = static_cast<std::uint32_t>(IndentOf(line));
     const ScanResult found = Scanner(line.substr(indent), tokens).Run();
+    hasBar = found.hasBar;
     return {ProblemOf(found, IsContinued(tokens)), found.parenDepth};
 }
 

@@ -23,6 +23,7 @@ public:
     std::int32_t lineNumber = 0;          // advanced by LexLine when countLine is set
     std::string lineText;                 // last line lexed with countLine set
     Tokens tokens;                        // tokens of the last line
+    bool hasBar = false;                  // one of them is a "|"
 
     Lexer();
 

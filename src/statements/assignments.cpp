@@ -123,18 +123,22 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     const std::string variable = ValueText(left);
     const std::string value = TextAs(right, left.type);
     if (left.type.sequence) {
-        EmitLine(state, told + WhileAway(left, true, variable + " = " + value) + ";");
+        EmitLine(state, {told, WhileAway(left, true, variable + " = " + value), ";"});
         return;
     }
     if (FindsTargetFirst(target, left, right)) {
-        EmitLine(state, "{ auto&& __kvTarget = " + variable + "; " +
-                            AssignmentText(left.type, "__kvTarget", value) + "; }");
+        EmitLine(state, {"{ auto&& __kvTarget = ", variable, "; ",
+                         AssignmentText(left.type, "__kvTarget", value), "; }"});
         return;
     }
-    std::string statement;
-    if (settings.fastMode && left.type.Is(Base::String))
-        statement = AppendStatement(left, right, IsLoopVariable(state, left));
-    EmitLine(state, statement.empty() ? AssignmentText(left.type, variable, value) + ";" : statement);
+    if (settings.fastMode && left.type.Is(Base::String)) {
+        const std::string statement = AppendStatement(left, right, IsLoopVariable(state, left));
+        if (!statement.empty()) {
+            EmitLine(state, statement);
+            return;
+        }
+    }
+    EmitLine(state, {AssignmentText(left.type, variable, value), ";"});
 }
 
 bool IsKnownName(const std::string& name) {
@@ -159,7 +163,7 @@ void TranslateCall(State& state, TokenSpan tokens) {
     std::string text;
     if (!TranslateCallStatement(tokens, text))
         ReportFatal("'" + tokens.Text("") + "' is a value, not a statement");
-    EmitLine(state, text + ";");
+    EmitLine(state, {text, ";"});
 }
 
 // Draw a = b: a "=" in an argument compares, also where the call has no parentheses.

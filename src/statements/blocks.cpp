@@ -143,9 +143,9 @@ void NoteInlineJumps(State& state) {
 std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string& closer) {
     std::size_t at = FindBlock(state, kind);
     if (at == none) at = FindBlock(state, BlockKind::Inline);
-    const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
-    if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
-    if (at == none) {
+    if (at == none || state.blocks.size() == state.place.firstBlock) {
+        const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
+        if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
         Refuse(state, stray);
         return std::nullopt;
     }
@@ -173,7 +173,7 @@ static void Finish(State& state, Braces& braces) {
 
 void EmitClosing(State& state, Braces& braces) {
     Finish(state, braces);
-    EmitLine(state, "}" + braces.behind);
+    EmitLine(state, {"}", braces.behind});
 }
 
 void NoteInlineBraces(State& state, int opened) {

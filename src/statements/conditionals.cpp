@@ -21,7 +21,7 @@ namespace {
 
 // "if (...)" or "else if (...)" from a condition that ends before `end`, and the branch's scope.
 void OpenBranch(State& state, const std::string& cppWords, TokenSpan condition, const std::string& keyword) {
-    EmitLine(state, cppWords + " (" + ConditionText(condition, keyword) + ")");
+    EmitLine(state, {cppWords, " (", ConditionText(condition, keyword), ")"});
     EmitLine(state, "{");
     PushBlock();
 }

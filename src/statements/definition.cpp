@@ -198,6 +198,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
     }
     if (settings.verbose && type.Is(Base::Object))
         Say("Registering object variable: " + declared.name + " of type " + type.cls->name);
+    if (declared.kind == DefinitionKind::Field) return;
     if (declared.kind == DefinitionKind::Local) {
         if (IsCreation(declared.value) && value.type.Is(Base::Object))
             definition.registration =

@@ -45,10 +45,12 @@ void EndLine(State& state, std::string& piece) {
 
 }  // namespace
 
-void EmitLine(State& state, std::string_view text) {
+void EmitLine(State& state, std::string_view text) { EmitLine(state, {text}); }
+
+void EmitLine(State& state, std::initializer_list<std::string_view> parts) {
     std::string& piece = state.out->pieces.back().text;
     BeginLine(state, piece);
-    PutText(state, piece, text);
+    for (const std::string_view part : parts) PutText(state, piece, part);
     EndLine(state, piece);
 }
 

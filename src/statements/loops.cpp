@@ -72,7 +72,7 @@ void TranslateForever(State& state, TokenSpan tokens) {
 // While condition
 void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
-    EmitLine(state, "while (" + ConditionText(tokens.From(1), "While") + ")");
+    EmitLine(state, {"while (", ConditionText(tokens.From(1), "While"), ")"});
     const std::optional<ConstantValue> always = EvaluateConstant(tokens.From(1));
     OpenNewBlock(state, BlockKind::Loop, "While").endless =
         always && always->kind == ConstantValue::Kind::Integer && always->integer != 0;

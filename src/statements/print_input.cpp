@@ -153,7 +153,7 @@ void TranslatePrint(State& state, TokenSpan tokens) {
         EmitLine(state, std::string("std::cout") + LineEnd());
         return;
     }
-    EmitLine(state, "std::cout << " + ItemTexts(tokens.From(1), tokens[0], ExprMode::Print) + LineEnd());
+    EmitLine(state, {"std::cout << ", ItemTexts(tokens.From(1), tokens[0], ExprMode::Print), LineEnd()});
 }
 
 // Input prompt , variable

@@ -95,7 +95,8 @@ void Open(State& state, RoutineKind kind, const std::string& name, const Routine
 // `after` stands between the opening brace and the poll.
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
     Piece& piece = state.out->pieces.back();
-    piece.signatureEnd = EmitLine(state, signature) + signature.size();
+    piece.signatureEnd = piece.text.size() + static_cast<std::size_t>(state.place.indent) + signature.size();
+    EmitLine(state, signature);
     piece.braceAt = piece.text.size();
     EmitLine(state, "{");
     piece.bodyAt = piece.text.size();

@@ -34,7 +34,7 @@ void TranslateLine(State& state, const SourceLines& lines) {
     state.place.line = lines.Line();
     state.place.indent = static_cast<int>(lines.Indent());
     settings.currentLine = lines.Line();
-    state.place.lineComment = lines.Comment();
+    if (settings.outputComments) state.place.lineComment = lines.Comment();
     state.place.statement = 0;
     const LineStatements statements = lines.Statements();
     for (const TokenSpan statement : statements) {

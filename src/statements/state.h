@@ -1,6 +1,7 @@
 // The second pass's state for one file, and the line writer that every statement uses.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -130,6 +131,7 @@ inline bool InMethod(const State& state) { return state.routine.kind == RoutineK
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
 // of a statement carries its source and its comment.
 void EmitLine(State& state, std::string_view text);
+void EmitLine(State& state, std::initializer_list<std::string_view> parts);
 // The same with a slot of the open routine between each two of the texts; returns their indices.
 std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<std::string>& texts);
 // Opens a slot at the end of what is there.

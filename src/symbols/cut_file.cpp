@@ -218,7 +218,7 @@ void LineCutter::CheckSplit(const CutLine& line, std::size_t from, std::size_t t
 void LineCutter::AddStatements(CutLine& line, std::string_view text) {
     const Tokens& tokens = lexer.tokens;
     std::size_t begin = 0;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
+    for (std::size_t i = 0; lexer.hasBar && i < tokens.size(); ++i) {
         if (tokens[i]->sign != '|') continue;
         if (IsSingleLineIf(tokens)) break;
         CheckSplit(line, begin, i, text);
