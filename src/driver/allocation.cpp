@@ -43,7 +43,7 @@ struct FreeBlock {
 struct Pool {
     std::array<FreeBlock*, finest + 1> freed{};  // by units
     std::array<std::array<FreeBlock*, 4>, largestPower + 1> freedLarge{};
-    char* at = nullptr;                          // what is left of the chunk
+    char* at = nullptr;  // what is left of the chunk
     std::size_t left = 0;
     bool begun = false;
 };

@@ -148,8 +148,8 @@ void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     if (braces) EmitLine(state, "{");
     const std::string text = ReturnedText(state, result, value, before);
     EmitLeaving(state);
-    EmitLine(state, {state.place.inOneLineIf ? "return " : "return (", text,
-                     state.place.inOneLineIf ? ";" : ");"});
+    EmitLine(state,
+             {state.place.inOneLineIf ? "return " : "return (", text, state.place.inOneLineIf ? ";" : ");"});
     if (braces) EmitLine(state, "}");
 }
 

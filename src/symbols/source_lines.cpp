@@ -1,6 +1,5 @@
 #include "symbols/source_lines.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <unordered_map>
 

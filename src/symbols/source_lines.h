@@ -81,9 +81,9 @@ private:
     Reading reading;
     std::string path;
     std::shared_ptr<CutFile> file;
-    std::size_t next = 0;       // index of the line after the current one
-    std::size_t nextLexed = 0;  // of the texts that verbose passes show
-    CutLine line;               // the current one
+    std::size_t next = 0;                            // index of the line after the current one
+    std::size_t nextLexed = 0;                       // of the texts that verbose passes show
+    CutLine line;                                    // the current one
     std::size_t statementsRead = 0, inlineRead = 0;  // of the file, up to the current line
     bool metInlineCpp = false;
     LineStatements statements;
