@@ -244,8 +244,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
     if (noVariable) ReportUnknown(noSequence, tokens.From(3));
     Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
-    if (sequence.type.IsKnown() && !sequence.type.sequence)
-        ReportFatal(noSequence, tokens.From(3));
+    if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence, tokens.From(3));
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     PushBlock();
