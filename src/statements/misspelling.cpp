@@ -3,11 +3,17 @@
 #include <algorithm>
 #include <vector>
 
+#include "driver/run.h"
 #include "lexer/lexer.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"
 
 namespace {
+
+// Looking through all names takes its time, and nobody reads so many.
+constexpr int mostHints = 100;
+int hints = 0;
+const PartOfRun partOfRun(hints);
 
 // Number of letters to change, drop, add or swap; anything above `most` counts as most + 1.
 int Distance(const std::string& a, const std::string& b, int most) {
@@ -32,6 +38,7 @@ int Distance(const std::string& a, const std::string& b, int most) {
 }  // namespace
 
 std::string SpellingHint(const std::string& name) {
+    if (++hints > mostHints) return {};
     const std::string lower = Lower(name);
     int best = name.size() < 4 ? 0 : name.size() < 6 ? 1 : 2;
     std::string nearest;
