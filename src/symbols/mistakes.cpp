@@ -48,7 +48,8 @@ bool Declares(Keyword keyword) {
 }
 
 bool IsNameOfProgram(const Word& word) {
-    const bool isName = word.sign == '\0' && word.text[0] != '"' && IsName(word.text);
+    const bool isName =
+        word.sign == '\0' && word.text[0] != '"' && IsName(word.text) && !IsBasicType(word.text);
     return isName && (word.keyword == Keyword::None || IsDeclared(word.text));
 }
 

@@ -90,6 +90,8 @@ std::string PointerCppName(const ValueType& type) {
 
 }  // namespace
 
+bool IsBasicType(const std::string& name) { return FindBasic(name) != nullptr; }
+
 bool HasTypeName(const std::string& name) {
     if (name.size() < 2 || name[0] != 'T') return false;
     return (name[1] >= 'A' && name[1] <= 'Z') || static_cast<unsigned char>(name[1]) >= 128;

@@ -54,6 +54,9 @@ std::string ResultCppName(const ValueType& type);
 // The spelling a Korvel programmer uses, for second lines of messages: "Int", "TPlayer", "Sequence Of Int".
 std::string KorvelName(const ValueType& type);
 
+// Whether the name is that of a type of the language: Int, String ...
+bool IsBasicType(const std::string& name);
+
 // Whether a name is one of a Type by its look: "T" followed by an upper-case letter.
 bool HasTypeName(const std::string& name);
 
