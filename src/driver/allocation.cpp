@@ -28,8 +28,8 @@ constexpr std::size_t firstChunk = 1U << 18U;
 constexpr std::size_t laterChunk = 1U << 22U;
 constexpr std::size_t largePage = 1U << 21U;
 constexpr std::size_t finest = 65;      // up to so many units every size has its list
-constexpr std::size_t largest = 16384;  // and up to so many every power of two has four
-constexpr std::size_t largestPower = 14;
+constexpr std::size_t largest = 65536;  // and up to so many every power of two has four
+constexpr std::size_t largestPower = 16;
 
 // In front of every block, in the unit before it.
 struct alignas(unit) Header {
