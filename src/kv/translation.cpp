@@ -1,5 +1,6 @@
 #include "kv/translation.h"
 
+#include <cstdlib>
 #include <sstream>
 #include <vector>
 
@@ -16,6 +17,8 @@ void Put(std::string& packed, const std::string& name, const std::string& text) 
 bool Take(std::istream& packed, std::string& name, std::string& text) {
     std::size_t size = 0;
     if (!(packed >> name >> size) || packed.get() != '\n') return false;
+    if (packed.rdbuf()->in_avail() < 0 || size > static_cast<std::size_t>(packed.rdbuf()->in_avail()))
+        return false;
     text.assign(size, '\0');
     return packed.read(&text[0], static_cast<std::streamsize>(size)) && packed.get() == '\n';
 }
@@ -63,7 +66,9 @@ void TakeInto(korvel::Result& result, const std::string& name, const std::string
         if (name == row.name) result.diagnostics.back().*row.text = text;
     }
     for (const NumberRow& row : numberRows) {
-        if (name == row.name) result.diagnostics.back().*row.number = std::stoi(text);
+        if (name != row.name) continue;
+        const long number = std::strtol(text.c_str(), nullptr, 10);  // 0 when it is damaged
+        result.diagnostics.back().*row.number = static_cast<int>(number);
     }
 }
 
