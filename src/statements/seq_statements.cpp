@@ -219,7 +219,7 @@ std::string SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, 
     const Routine* compare = cls != nullptr ? CompareOf(*cls) : nullptr;
     if (cls != nullptr && compare == nullptr)
         ReportUnknown("SeqSort on a Sequence of " + cls->name +
-                      " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name,
+                          " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name,
                       sequence.source);
     const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
     const std::string call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
