@@ -1,6 +1,7 @@
 // Memory for a translation: hundreds of thousands of short texts and small records that live for a line or for
 // the whole run. Blocks are cut from large chunks and kept by size when they are freed, one list per size and
 // thread; nothing goes back to the system before the end. The largest blocks are left to malloc.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -79,8 +80,8 @@ void* BehindHeader(void* memory, std::size_t units) {
 
 // Small programs get along with the first chunk. Those that need more need much more, and being given one large
 // page by the system takes a fraction of the time of five hundred small ones.
-char* NewChunk(std::size_t& size) {
-    size = firstChunk;
+char* NewChunk(std::size_t wanted, std::size_t& size) {
+    size = std::max(firstChunk, wanted);
 #if defined(__linux__)
     if (pool.begun) {
         size = laterChunk;
@@ -97,8 +98,8 @@ void* FromChunk(std::size_t units) {
     const std::size_t size = units * unit;
     if (pool.left < size) {
         std::size_t got = 0;
-        char* chunk = NewChunk(got);
-        if (chunk == nullptr || got < size) return nullptr;
+        char* chunk = NewChunk(size, got);
+        if (chunk == nullptr) return nullptr;
         pool.at = chunk;
         pool.left = got;
     }
