@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "lexer/mentions.h"
 #include "symbols/source_lines.h"

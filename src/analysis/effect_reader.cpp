@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/holes.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"

@@ -8,7 +8,7 @@
 
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/holes.h"
 #include "symbols/scopes.h"
 

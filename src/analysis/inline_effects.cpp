@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/lexer.h"
 
 namespace {

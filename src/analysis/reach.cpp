@@ -4,11 +4,11 @@
 
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
-#include "driver/run.h"
+#include "base/run.h"
+#include "collect/name_scan.h"
 #include "expressions/expression.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
-#include "symbols/name_scan.h"
 #include "symbols/source_lines.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "analysis/sequence_changes.h"
 
 #include "analysis/reach_graph.h"
-#include "driver/run.h"
+#include "base/run.h"
 #include "expressions/expression.h"
 #include "lexer/holes.h"
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "driver/files.h"
-#include "driver/utf8.h"
+#include "base/files.h"
+#include "base/utf8.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;

@@ -6,15 +6,15 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/places.h"
+#include "base/platform.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/atomic_file.h"
 #include "build/output_files.h"
-#include "driver/files.h"
-#include "driver/paths.h"
-#include "driver/places.h"
-#include "driver/platform.h"
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"

@@ -7,14 +7,14 @@
 #include <filesystem>
 #include <unordered_set>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/platform.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/atomic_file.h"
-#include "driver/files.h"
-#include "driver/paths.h"
-#include "driver/platform.h"
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "base/paths.h"
+#include "base/utf8.h"
 #include "build/atomic_file.h"
-#include "driver/paths.h"
-#include "driver/utf8.h"
 #include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;

@@ -4,13 +4,13 @@
 #include <fstream>
 #include <unordered_map>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/places.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/marks.h"
-#include "driver/files.h"
-#include "driver/paths.h"
-#include "driver/places.h"
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
 
 namespace fs = std::filesystem;
 

@@ -2,15 +2,15 @@
 
 #include <optional>
 
+#include "base/files.h"
+#include "base/journal.h"
+#include "base/paths.h"
+#include "base/platform.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
-#include "driver/files.h"
-#include "driver/journal.h"
-#include "driver/paths.h"
-#include "driver/platform.h"
-#include "driver/report.h"
-#include "driver/settings.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
 #include "linking/linker_flags.h"

@@ -1,8 +1,8 @@
 #include "driver/command_line.h"
 
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/settings.h"
 
 namespace {
 

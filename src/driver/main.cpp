@@ -2,10 +2,10 @@
 #include <cstdlib>
 #include <new>
 
+#include "base/report.h"
+#include "base/utf8.h"
 #include "driver/build.h"
 #include "driver/command_line.h"
-#include "driver/report.h"
-#include "driver/utf8.h"
 
 int main(int argc, char** argv) {
     std::set_new_handler(ReportNoMemory);

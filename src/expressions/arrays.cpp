@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/in_order.h"
 #include "prelude/output.h"
 #include "prelude/support.h"

@@ -1,6 +1,6 @@
 // Types and texts of operators.
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/in_order.h"
 #include "expressions/operand_order.h"
 #include "expressions/operators.h"

@@ -1,7 +1,7 @@
 // Built-in functions: keys, characters, conversions and mathematics.
 #include <unordered_map>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/math_functions.h"
 #include "expressions/walk.h"

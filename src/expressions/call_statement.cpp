@@ -1,5 +1,5 @@
 // Statements that are calls: Draw 1, 2 ; p\Move(1) ; Tick ; Insert a After b.
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "symbols/scopes.h"

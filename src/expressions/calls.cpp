@@ -1,10 +1,10 @@
 // Calls of Functions, Methods and userlib functions.
-#include "driver/report.h"
+#include "base/report.h"
+#include "collect/parameters.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
-#include "symbols/parameters.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "expressions/expression.h"
 
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "expressions/operators.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"

@@ -2,7 +2,7 @@
 #include <sstream>
 #include <unordered_map>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/walk.h"
 

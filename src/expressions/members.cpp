@@ -1,5 +1,5 @@
 // What follows an operand: Fields, Methods and indices, to any depth.
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "symbols/identifiers.h"

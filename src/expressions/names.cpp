@@ -1,6 +1,6 @@
 // What a name in an expression means: a word of the language, a call, a variable.
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/operators.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"

@@ -1,5 +1,5 @@
 // Making objects and walking the list of a Type's objects.
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "lexer/lexer.h"

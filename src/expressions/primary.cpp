@@ -5,7 +5,7 @@
 #include <climits>
 #include <cstdlib>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/walk.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "analysis/sequence_changes.h"
-#include "driver/report.h"
-#include "driver/run.h"
+#include "base/report.h"
+#include "base/run.h"
 #include "prelude/support.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"

@@ -2,7 +2,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/sequence_walks.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "analysis/effects.h"
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/text_sum.h"
 #include "expressions/walk.h"
 #include "lexer/holes.h"

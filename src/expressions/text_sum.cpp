@@ -1,7 +1,7 @@
 #include "expressions/text_sum.h"
 
 #include "analysis/effects.h"
-#include "driver/report.h"
+#include "base/report.h"
 #include "prelude/support.h"
 
 void TextSum::Limit(std::size_t count) {

@@ -1,6 +1,6 @@
 // How a typed expression becomes the text that C++ wants in its place.
 #include "analysis/bool_arrays.h"
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <vector>
 
-#include "driver/paths.h"
-#include "driver/utf8.h"
+#include "base/paths.h"
+#include "base/utf8.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
 #include "kv/private_folder.h"

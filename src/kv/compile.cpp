@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"

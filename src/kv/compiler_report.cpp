@@ -10,7 +10,7 @@
 #include <sstream>
 #include <unordered_map>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/platform.h"
 
 namespace {

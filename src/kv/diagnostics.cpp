@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/platform.h"
 #include "kv/progress.h"
 

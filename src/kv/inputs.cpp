@@ -5,7 +5,7 @@
 #include <set>
 #include <sstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/platform.h"
 #include "kv/precompiled.h"
 #include "kv/stamp.h"

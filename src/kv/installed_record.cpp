@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/build_folder.h"
 #include "kv/hash.h"
 #include "kv/platform.h"

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
 #include "kv/progress.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/command_line.h"
 #include "kv/diagnostics.h"
 #include "kv/install.h"

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/compile.h"
 #include "kv/diagnostics.h"

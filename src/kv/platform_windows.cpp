@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/platform.h"
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "driver/paths.h"
-#include "driver/utf8.h"
+#include "base/paths.h"
+#include "base/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/platform.h"
 
 namespace fs = std::filesystem;

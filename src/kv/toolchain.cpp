@@ -6,7 +6,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/command_quoting.h"
 #include "kv/platform.h"
 

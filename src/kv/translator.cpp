@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/platform.h"
 #include "kv/translation.h"
 #include "kv/write_file.h"

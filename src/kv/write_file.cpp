@@ -3,7 +3,7 @@
 #include <chrono>
 #include <fstream>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
 

@@ -4,7 +4,7 @@
 #include <deque>
 #include <string_view>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/lexer.h"
 
 namespace {

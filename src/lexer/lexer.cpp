@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdio>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/token_span.h"
 
 namespace {

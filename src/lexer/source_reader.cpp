@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <unordered_map>
 
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/utf8.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/utf8.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "lexer/token.h"
-#include "driver/run.h"
+#include "base/run.h"
 
 #include "lexer/token_text.h"
 

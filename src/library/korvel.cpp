@@ -4,14 +4,14 @@
 #include <new>
 #include <optional>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
-#include "driver/files.h"
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
 #include "lexer/source_reader.h"
 #include "library/phases.h"
 #include "linking/deploy.h"

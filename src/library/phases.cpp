@@ -1,12 +1,12 @@
 #include "library/phases.h"
 
-#include "driver/journal.h"
-#include "driver/settings.h"
+#include "base/journal.h"
+#include "base/settings.h"
+#include "collect/name_scan.h"
 #include "library/word_lists.h"
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "symbols/mistakes.h"
-#include "symbols/name_scan.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 

@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "symbols/identifiers.h"

@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "driver/files.h"
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "base/files.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "lexer/source_reader.h"
 #include "symbols/symbols.h"
 

@@ -2,13 +2,13 @@
 
 #include <unordered_set>
 
-#include "driver/paths.h"
-#include "driver/places.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/paths.h"
+#include "base/places.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "collect/name_scan.h"
 #include "lexer/lexer.h"
 #include "linking/linker_flags.h"
-#include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
 namespace {

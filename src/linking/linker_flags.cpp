@@ -1,10 +1,10 @@
 #include "linking/linker_flags.h"
 
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/name_scan.h"
 #include "lexer/token_text.h"
-#include "symbols/name_scan.h"
 #include "symbols/symbols.h"
 
 static std::string CurrentFolder() {

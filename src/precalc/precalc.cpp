@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "precalc/table_compiler.h"
 #include "precalc/table_machine.h"
 #include "symbols/identifiers.h"

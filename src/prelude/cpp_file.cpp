@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/name_scan.h"
 #include "linking/runtime_code.h"
 #include "prelude/header.h"
-#include "symbols/name_scan.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "prelude/fast_prelude.h"
 
-#include "driver/settings.h"
+#include "base/settings.h"
 #include "prelude/program_uses.h"
 #include "prelude/texts.h"
 #include "symbols/symbols.h"

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "driver/settings.h"
+#include "base/settings.h"
+#include "collect/extern_functions.h"
 #include "prelude/fast_prelude.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
-#include "symbols/extern_functions.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <unordered_set>
 #include <utility>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "prelude/order.h"
 
 namespace {

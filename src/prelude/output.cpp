@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "prelude/program_uses.h"
-#include "driver/run.h"
+#include "base/run.h"
 
 #include <string_view>
 

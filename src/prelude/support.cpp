@@ -3,8 +3,8 @@
 #include <array>
 #include <string_view>
 
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "prelude/fill.h"
 #include "prelude/texts.h"
 #include "symbols/own_names.h"

@@ -7,8 +7,8 @@
 
 #include <optional>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "prelude/support.h"

@@ -1,8 +1,8 @@
 #include "statements/array_results.h"
 
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
 #include "statements/constant_value.h"
 

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "analysis/bool_arrays.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "statements/for_loops.h"
 #include "statements/selects.h"

@@ -11,8 +11,8 @@
 // and of an Element: a struct with its Fields, Methods and a member-wise operator==.
 #include "statements/class_bodies.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "prelude/fill.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"

@@ -10,8 +10,8 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "statements/line_writer.h"
 #include "statements/second_pass.h"
 #include "statements/words.h"

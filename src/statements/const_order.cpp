@@ -1,6 +1,6 @@
 #include "statements/const_order.h"
 
-#include "driver/settings.h"
+#include "base/settings.h"
 #include "symbols/symbols.h"
 
 namespace {

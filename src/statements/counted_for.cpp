@@ -9,7 +9,7 @@
 // before it counts on whether there is a next value:
 //     for (uint8_t KVL_b = 0, __kvMore_KVL_b = 1; __kvMore_KVL_b && KVL_b <= 255;
 //          __kvMore_KVL_b = KVL_b <= 255 - 1 && (KVL_b++, true))
-#include "driver/report.h"
+#include "base/report.h"
 #include "prelude/support.h"
 #include "statements/constant_value.h"
 #include "statements/for_loops.h"

@@ -4,7 +4,7 @@
 #include <unordered_set>
 
 #include "analysis/reach.h"
-#include "driver/settings.h"
+#include "base/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
 #include "symbols/scopes.h"

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/lexer.h"
 #include "statements/class_bodies.h"
 #include "statements/definition.h"

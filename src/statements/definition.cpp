@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "analysis/bool_arrays.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"
 #include "statements/array_declarations.h"

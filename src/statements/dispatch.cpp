@@ -3,9 +3,10 @@
 #include <array>
 #include <string>
 
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/first_pass.h"
 #include "statements/assignments.h"
 #include "statements/class_bodies.h"
 #include "statements/conditionals.h"
@@ -26,7 +27,6 @@
 #include "statements/simple.h"
 #include "statements/timers.h"
 #include "statements/with.h"
-#include "symbols/first_pass.h"
 #include "symbols/scopes.h"
 
 namespace {

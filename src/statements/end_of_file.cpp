@@ -1,7 +1,7 @@
 #include "statements/end_of_file.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "statements/blocks.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "statements/state.h"
 
 // Says which block is open and where it starts, and ends the run; returns when all are closed.

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "analysis/reach.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "driver/paths.h"
-#include "driver/report.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "collect/name_scan.h"
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
-#include "symbols/name_scan.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/mentions.h"
 #include "statements/constant_value.h"
 #include "statements/for_loops.h"

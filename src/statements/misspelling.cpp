@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/lexer.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"

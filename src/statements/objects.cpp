@@ -1,6 +1,6 @@
 #include "statements/objects.h"
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 

@@ -2,12 +2,12 @@
 
 #include <filesystem>
 
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/output_files.h"
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
-#include "symbols/name_scan.h"
+#include "collect/name_scan.h"
 
 static bool IsInTheWay(const std::string& path) {
     std::error_code failed;

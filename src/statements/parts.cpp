@@ -2,15 +2,15 @@
 
 #include <utility>
 
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/run.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "collect/name_scan.h"
 #include "expressions/expression.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
-#include "symbols/name_scan.h"
 
 namespace {
 

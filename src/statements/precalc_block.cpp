@@ -1,7 +1,7 @@
 #include "statements/precalc_block.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
 #include "precalc/precalc.h"
 #include "statements/definition.h"

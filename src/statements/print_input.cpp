@@ -1,8 +1,8 @@
 #include "statements/print_input.h"
 
 #include "analysis/effects.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/in_order.h"
 #include "prelude/support.h"
 #include "statements/words.h"

@@ -4,19 +4,19 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/journal.h"
+#include "base/parallel.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
-#include "driver/journal.h"
-#include "driver/parallel.h"
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "collect/name_scan.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/array_results.h"
-#include "symbols/name_scan.h"
 #include "symbols/source_lines.h"
 
 Program program;

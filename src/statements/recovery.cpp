@@ -1,12 +1,12 @@
 #include "statements/recovery.h"
 
-#include "driver/settings.h"
+#include "base/settings.h"
+#include "collect/first_pass.h"
 #include "expressions/sequence_walks.h"
 #include "prelude/output.h"
 #include "statements/dispatch.h"
 #include "statements/second_pass.h"
 #include "statements/with.h"
-#include "symbols/first_pass.h"
 #include "symbols/mistakes.h"
 #include "symbols/scopes.h"
 

@@ -11,8 +11,8 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"

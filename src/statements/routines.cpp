@@ -9,8 +9,9 @@
 #include <unordered_set>
 #include <utility>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/parameters.h"
 #include "lexer/lexer.h"
 #include "statements/class_bodies.h"
 #include "statements/debug_hooks.h"
@@ -21,7 +22,6 @@
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
-#include "symbols/parameters.h"
 #include "symbols/scopes.h"
 
 namespace {

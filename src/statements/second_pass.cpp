@@ -1,7 +1,7 @@
 #include "statements/second_pass.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "expressions/sequence_walks.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"

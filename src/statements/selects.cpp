@@ -14,7 +14,7 @@
 #include <memory>
 #include <utility>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "prelude/support.h"
 #include "statements/const_order.h"
 #include "statements/constant_value.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "analysis/effects.h"
-#include "driver/report.h"
+#include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"

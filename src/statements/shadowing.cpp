@@ -1,6 +1,6 @@
 #include "statements/shadowing.h"
 
-#include "driver/settings.h"
+#include "base/settings.h"
 #include "lexer/mentions.h"
 #include "symbols/identifiers.h"
 #include "symbols/own_names.h"

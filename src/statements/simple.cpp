@@ -1,6 +1,6 @@
 #include "statements/simple.h"
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "statements/words.h"
 
 namespace {

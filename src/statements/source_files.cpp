@@ -6,21 +6,21 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/paths.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "build/output_files.h"
-#include "driver/paths.h"
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "collect/element_circles.h"
+#include "collect/name_scan.h"
+#include "collect/settle.h"
+#include "collect/value_circles.h"
 #include "lexer/source_reader.h"
 #include "prelude/header.h"
 #include "statements/output_places.h"
 #include "statements/program.h"
-#include "symbols/element_circles.h"
 #include "symbols/mistakes.h"
-#include "symbols/name_scan.h"
-#include "symbols/settle.h"
 #include "symbols/source_lines.h"
-#include "symbols/value_circles.h"
 
 namespace fs = std::filesystem;
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "driver/journal.h"
+#include "base/journal.h"
+#include "collect/first_pass.h"
 #include "prelude/output.h"
-#include "symbols/first_pass.h"
 
 struct SourceFile {
     FileOutput output;            // its names

@@ -2,13 +2,13 @@
 
 #include <unordered_set>
 
-#include "driver/report.h"
-#include "driver/run.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "collect/parameters.h"
 #include "lexer/lexer.h"
 #include "prelude/program_uses.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
-#include "symbols/parameters.h"
 #include "symbols/scopes.h"
 
 namespace {

@@ -2,9 +2,11 @@
 
 #include <unordered_set>
 
+#include "base/report.h"
+#include "base/settings.h"
 #include "build/output_files.h"
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "collect/name_scan.h"
+#include "collect/settle.h"
 #include "expressions/sequence_walks.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
@@ -13,9 +15,7 @@
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/mistakes.h"
-#include "symbols/name_scan.h"
 #include "symbols/scopes.h"
-#include "symbols/settle.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/holes.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"

@@ -1,6 +1,6 @@
 #include "statements/words.h"
 
-#include "driver/report.h"
+#include "base/report.h"
 
 void RefuseMore(TokenSpan tokens, std::size_t from) {
     if (tokens.size() > from)

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "driver/settings.h"
-#include "symbols/first_pass.h"
+#include "base/settings.h"
+#include "collect/first_pass.h"
 
 namespace {
 

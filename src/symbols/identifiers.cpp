@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "driver/report.h"
-#include "driver/run.h"
+#include "base/report.h"
+#include "base/run.h"
 #include "lexer/lexer.h"
 #include "symbols/name_characters.h"
 #include "symbols/symbols.h"

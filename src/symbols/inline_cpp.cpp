@@ -5,7 +5,7 @@
 #include <initializer_list>
 #include <unordered_map>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "symbols/source_lines.h"
 #include "symbols/symbols.h"
 

@@ -6,9 +6,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "driver/journal.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/journal.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "lexer/mentions.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"

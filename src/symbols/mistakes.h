@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/token_span.h"
 
 // Called where a mistake has been caught: it is kept, if the statement mentions nothing doubtful, and the

@@ -2,8 +2,8 @@
 
 #include <unordered_set>
 
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "lexer/token.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "symbols/identifiers.h"
 

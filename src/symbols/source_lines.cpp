@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <unordered_map>
 
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "symbols/symbols.h"
-#include "driver/run.h"
+#include "base/run.h"
 
 #include <algorithm>
 

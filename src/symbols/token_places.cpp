@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "lexer/holes.h"
 #include "symbols/source_lines.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/token_span.h"
 #include "symbols/cut_file.h"
 

@@ -1,6 +1,6 @@
 #include "symbols/type_reader.h"
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/lexer.h"
 #include "symbols/identifiers.h"
 #include "symbols/source_lines.h"

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/lexer.h"
 #include "lexer/token_text.h"
 #include "symbols/identifiers.h"

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "driver/report.h"
+#include "base/report.h"
 
 #define EXPECT_HAS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 #define EXPECT_LACKS(text, part) EXPECT_EQ((text).find(part), std::string::npos) << (text)

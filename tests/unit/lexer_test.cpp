@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "driver/settings.h"
+#include "base/settings.h"
 #include "fatal.h"
 #include "symbols/name_characters.h"
 

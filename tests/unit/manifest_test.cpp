@@ -2,12 +2,12 @@
 
 #include <chrono>
 
+#include "base/run.h"
+#include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/marks.h"
 #include "build/output_files.h"
-#include "driver/run.h"
-#include "driver/settings.h"
 #include "fatal.h"
 #include "scratch_folder.h"
 #include "symbols/symbols.h"

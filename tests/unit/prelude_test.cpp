@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "prelude/fill.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"

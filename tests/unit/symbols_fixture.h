@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "driver/run.h"
+#include "base/run.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"

@@ -1,13 +1,13 @@
 #include <cstdlib>
 
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "collect/userlib_reader.h"
 #include "fatal.h"
 #include "linking/deploy.h"
 #include "linking/library_names.h"
 #include "linking/linker_flags.h"
 #include "linking/runtime_code.h"
-#include "linking/userlib_reader.h"
 #include "scratch_folder.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"

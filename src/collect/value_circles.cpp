@@ -1,11 +1,11 @@
-#include "symbols/value_circles.h"
+#include "collect/value_circles.h"
 
 #include <algorithm>
 #include <tuple>
 #include <unordered_map>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "lexer/mentions.h"
 #include "symbols/symbols.h"
 

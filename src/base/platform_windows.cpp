@@ -1,8 +1,8 @@
 #include <sys/stat.h>
 #include <windows.h>
 
-#include "driver/platform.h"
-#include "driver/utf8.h"
+#include "base/platform.h"
+#include "base/utf8.h"
 
 std::string ExecutablePath() {
     wchar_t buffer[260];

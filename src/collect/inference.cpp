@@ -1,9 +1,9 @@
 // Look-ups of variables whose type may have to be taken from their initialiser.
 #include <unordered_set>
 
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
 #include "expressions/expression.h"
 #include "prelude/output.h"
 #include "symbols/scopes.h"

@@ -1,4 +1,4 @@
-#include "driver/parallel.h"
+#include "base/parallel.h"
 
 #include <atomic>
 #include <system_error>

@@ -1,8 +1,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "driver/files.h"
-#include "driver/utf8.h"
+#include "base/files.h"
+#include "base/utf8.h"
 #include "lexer/source_reader.h"
 
 // Nothing is known for certain here, so nobody leaves out a step that this knowledge would spare.

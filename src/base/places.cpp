@@ -1,8 +1,8 @@
-#include "driver/places.h"
+#include "base/places.h"
 
 #include <filesystem>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 
 namespace fs = std::filesystem;
 

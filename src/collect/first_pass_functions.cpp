@@ -1,11 +1,11 @@
 // Functions and Extern blocks.
 #include <algorithm>
 
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "symbols/first_pass_state.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/first_pass_state.h"
+#include "collect/parameters.h"
 #include "symbols/identifiers.h"
-#include "symbols/parameters.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "driver/report.h"
+#include "base/report.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
-#include "driver/journal.h"
-#include "driver/settings.h"
+#include "base/journal.h"
+#include "base/settings.h"
 
 static std::vector<korvel::Diagnostic>* silentFor =
     nullptr;  // takes the warnings of a run that prints nothing

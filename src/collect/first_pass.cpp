@@ -1,8 +1,8 @@
-#include "symbols/first_pass.h"
+#include "collect/first_pass.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "symbols/first_pass_state.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
 #include "symbols/source_lines.h"

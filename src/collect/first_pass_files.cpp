@@ -1,9 +1,9 @@
 // Lines that name other files: Include, Import, Linker.
-#include "driver/journal.h"
-#include "driver/settings.h"
+#include "base/journal.h"
+#include "base/settings.h"
+#include "collect/first_pass_state.h"
+#include "collect/userlib_reader.h"
 #include "linking/linker_flags.h"
-#include "linking/userlib_reader.h"
-#include "symbols/first_pass_state.h"
 
 static void SayDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate import: " + name); }
 

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "driver/files.h"
+#include "base/files.h"
 
 static bool HasUsualRights(const struct stat& status) {
     static const mode_t hidden = [] {

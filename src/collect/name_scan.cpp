@@ -1,15 +1,15 @@
-#include "symbols/name_scan.h"
+#include "collect/name_scan.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
 
-#include "driver/paths.h"
-#include "driver/report.h"
-#include "driver/run.h"
-#include "driver/settings.h"
-#include "driver/utf8.h"
+#include "base/paths.h"
+#include "base/report.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
 #include "symbols/identifiers.h"
 #include "symbols/inline_cpp.h"
 #include "symbols/source_lines.h"

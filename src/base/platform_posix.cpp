@@ -4,7 +4,7 @@
 #include <climits>
 #include <filesystem>
 
-#include "driver/platform.h"
+#include "base/platform.h"
 #ifdef __APPLE__
 #include <mach-o/dyld.h>
 #endif

@@ -1,6 +1,6 @@
-#include "driver/journal.h"
+#include "base/journal.h"
 
-#include "driver/run.h"
+#include "base/run.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "linking/userlib_reader.h"
+#include "collect/userlib_reader.h"
 
 #include <algorithm>
 
-#include "driver/report.h"
+#include "base/report.h"
 #include "lexer/lexer.h"
 #include "lexer/source_reader.h"
 #include "lexer/token_span.h"

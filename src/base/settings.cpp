@@ -1,5 +1,5 @@
-#include "driver/settings.h"
-#include "driver/run.h"
+#include "base/settings.h"
+#include "base/run.h"
 
 Settings settings;
 static const PartOfRun partOfRun(settings);

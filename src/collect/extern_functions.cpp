@@ -2,16 +2,16 @@
 // already, with types of their own, are declared once more under a name of ours, bound to the same symbol: what
 // counts is that the types agree with those of C at the call, not in the headers. Those that take or give
 // Strings are called through a wrapper.
-#include "symbols/extern_functions.h"
+#include "collect/extern_functions.h"
 
 #include <algorithm>
 #include <unordered_map>
 
-#include "driver/report.h"
+#include "base/report.h"
+#include "collect/parameters.h"
 #include "linking/library_names.h"
 #include "symbols/identifiers.h"
 #include "symbols/inline_cpp.h"
-#include "symbols/parameters.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <cstdlib>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 
 std::filesystem::path PathOf(const std::string& text) { return text; }
 

@@ -1,7 +1,7 @@
-#include "symbols/parameters.h"
+#include "collect/parameters.h"
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/source_lines.h"

@@ -1,10 +1,10 @@
-#include "symbols/element_circles.h"
+#include "collect/element_circles.h"
 
 #include <unordered_map>
 #include <vector>
 
-#include "driver/report.h"
-#include "driver/settings.h"
+#include "base/report.h"
+#include "base/settings.h"
 #include "symbols/symbols.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Globals, Consts and PreCalc tables.
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "symbols/first_pass_state.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/first_pass_state.h"
 #include "symbols/identifiers.h"
 #include "symbols/type_reader.h"
 

@@ -1,7 +1,7 @@
 // Between the passes, when the declarations of all files have been read: what waits for names of other files.
 #pragma once
 
-#include "symbols/first_pass.h"
+#include "collect/first_pass.h"
 
 // Settles the parameters of the file's routines and the prototypes. Mistakes are kept.
 void SettleRoutines(Declarations& declarations);

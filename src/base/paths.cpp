@@ -1,4 +1,4 @@
-#include "driver/paths.h"
+#include "base/paths.h"
 
 std::string StripExtension(const std::string& path) { return path.substr(0, path.rfind('.')); }
 

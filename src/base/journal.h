@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/report.h"
+#include "base/report.h"
 
 // When something is told: each time, or in one of the places only.
 enum class Telling : unsigned char { Both, First, Second };

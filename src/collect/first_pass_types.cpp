@@ -1,10 +1,10 @@
 // Types and Elements with their Fields and Methods.
-#include "driver/journal.h"
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "symbols/first_pass_state.h"
+#include "base/journal.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/first_pass_state.h"
+#include "collect/parameters.h"
 #include "symbols/identifiers.h"
-#include "symbols/parameters.h"
 #include "symbols/type_reader.h"
 
 namespace {

@@ -1,13 +1,13 @@
-#include "symbols/settle.h"
+#include "collect/settle.h"
 
-#include "driver/journal.h"
-#include "driver/report.h"
-#include "driver/settings.h"
-#include "symbols/extern_functions.h"
-#include "symbols/first_pass_state.h"
+#include "base/journal.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "collect/extern_functions.h"
+#include "collect/first_pass_state.h"
+#include "collect/parameters.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
-#include "symbols/parameters.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "driver/run.h"
+#include "base/run.h"
 
 std::vector<std::function<void()>>& PartsOfRun() {
     static std::vector<std::function<void()>> parts;

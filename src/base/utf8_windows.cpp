@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "driver/utf8.h"
+#include "base/utf8.h"
 
 std::wstring Wide(const std::string& text) {
     const int size = static_cast<int>(text.size());
