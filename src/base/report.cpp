@@ -135,7 +135,7 @@ void Warn(const std::string& message) {
         return Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
                    "): " + message);
     silentFor->push_back(HereIs(message));
-    silentFor->back().isWarning = true;
+    silentFor->back().severity = korvel::Severity::Warning;
 }
 
 void WarnOfProgram(const std::string& message, const std::string& indentation) {
@@ -143,7 +143,7 @@ void WarnOfProgram(const std::string& message, const std::string& indentation) {
     korvel::Diagnostic& warning = silentFor->emplace_back();
     warning.file = settings.mainSource;
     warning.message = message;
-    warning.isWarning = true;
+    warning.severity = korvel::Severity::Warning;
 }
 
 void VerboseNote(const std::string& line) {

@@ -43,14 +43,14 @@ void ShowCrash(const Job& job, int status) {
 void ShowDiagnostics(const Job& job) {
     std::size_t shown = 0, more = 0;
     for (const korvel::Diagnostic& said : job.translation.diagnostics) {
-        if (said.isWarning != job.hadWarnings) continue;
+        if ((said.severity == korvel::Severity::Error) == job.hadWarnings) continue;
         if (shown == mistakesShown) {
             ++more;
             continue;
         }
         ++shown;
         Diagnostic diagnostic;
-        diagnostic.severity = said.isWarning ? Severity::warning : Severity::error;
+        diagnostic.severity = static_cast<Severity>(said.severity);
         if (!said.file.empty()) diagnostic.file = ShortPath(said.file, job.typedFolder);
         diagnostic.line = said.line;
         diagnostic.firstColumn = said.firstColumn;

@@ -6,7 +6,7 @@
 
 namespace {
 
-const char version[] = "kv-translation 1\n";
+const char version[] = "kv-translation 2\n";
 const char endMark[] = "end";
 
 // A text of the result is a line with its name and size, the text, and a line end.
@@ -34,43 +34,75 @@ const ListRow listRows[] = {
     {"library", &korvel::Result::libraries},
 };
 
-struct TextRow {
-    const char* name;
-    std::string korvel::Diagnostic::*text;
-};
-const TextRow textRows[] = {{"file", &korvel::Diagnostic::file},
-                            {"message", &korvel::Diagnostic::message},
-                            {"hint", &korvel::Diagnostic::hint}};
-
-struct NumberRow {
-    const char* name;
-    int korvel::Diagnostic::*number;
-};
-const NumberRow numberRows[] = {{"line", &korvel::Diagnostic::line},
-                                {"first", &korvel::Diagnostic::firstColumn},
-                                {"last", &korvel::Diagnostic::lastColumn}};
-
-const char errorName[] = "error";  // a diagnostic begins; what is told of it follows
-const char warningName[] = "warning";
+// A record begins with its kind; what is told of it follows. Fixes and related places belong to the diagnostic before.
+const char* const severityNames[] = {"error", "warning", "note"};
+const char relatedName[] = "related";
+const char fixName[] = "fix";
 const char mainName[] = "main";
 
-void TakeInto(korvel::Result& result, const std::string& name, const std::string& text) {
-    if (name == mainName) result.mainFile = text;
-    if (name == errorName || name == warningName)
-        result.diagnostics.emplace_back().isWarning = name == warningName;
-    for (const ListRow& row : listRows) {
-        if (name == row.name) (result.*row.list).push_back(text);
+void PutRange(std::string& packed, const korvel::Range& range) {
+    Put(packed, "file", range.file);
+    Put(packed, "line", std::to_string(range.line));
+    Put(packed, "first", std::to_string(range.firstColumn));
+    Put(packed, "last", std::to_string(range.lastColumn));
+}
+
+void PutDiagnostic(std::string& packed, const korvel::Diagnostic& diagnostic) {
+    Put(packed, severityNames[static_cast<int>(diagnostic.severity)], diagnostic.message);
+    PutRange(packed, diagnostic);
+    Put(packed, "hint", diagnostic.hint);
+    for (const korvel::Related& related : diagnostic.related) {
+        Put(packed, relatedName, related.message);
+        PutRange(packed, related);
     }
-    if (result.diagnostics.empty()) return;
-    for (const TextRow& row : textRows) {
-        if (name == row.name) result.diagnostics.back().*row.text = text;
-    }
-    for (const NumberRow& row : numberRows) {
-        if (name != row.name) continue;
-        const long number = std::strtol(text.c_str(), nullptr, 10);  // 0 when it is damaged
-        result.diagnostics.back().*row.number = static_cast<int>(number);
+    for (const korvel::Fix& fix : diagnostic.fixes) {
+        Put(packed, fixName, fix.replacement);
+        PutRange(packed, fix);
     }
 }
+
+int Number(const std::string& text) {
+    return static_cast<int>(std::strtol(text.c_str(), nullptr, 10));  // 0 when it is damaged
+}
+
+// What comes out of the records, and the one that has begun last.
+struct Reader {
+    korvel::Result& result;
+    korvel::Range* range = nullptr;
+
+    bool TakeBegin(const std::string& name, const std::string& text) {
+        for (const char* const& word : severityNames) {
+            if (name != word) continue;
+            korvel::Diagnostic& diagnostic = result.diagnostics.emplace_back();
+            diagnostic.severity = static_cast<korvel::Severity>(&word - severityNames);
+            diagnostic.message = text;
+            range = &diagnostic;
+        }
+        if (result.diagnostics.empty()) return false;
+        korvel::Diagnostic& diagnostic = result.diagnostics.back();
+        if (name == relatedName) {
+            diagnostic.related.emplace_back().message = text;
+            range = &diagnostic.related.back();
+        } else if (name == fixName) {
+            diagnostic.fixes.emplace_back().replacement = text;
+            range = &diagnostic.fixes.back();
+        }
+        return true;
+    }
+
+    void Take(const std::string& name, const std::string& text) {
+        if (name == mainName) result.mainFile = text;
+        for (const ListRow& row : listRows) {
+            if (name == row.name) (result.*row.list).push_back(text);
+        }
+        if (!TakeBegin(name, text)) return;
+        if (name == "hint") result.diagnostics.back().hint = text;
+        if (name == "file") range->file = text;
+        if (name == "line") range->line = Number(text);
+        if (name == "first") range->firstColumn = Number(text);
+        if (name == "last") range->lastColumn = Number(text);
+    }
+};
 
 }  // namespace
 
@@ -80,11 +112,7 @@ std::string PackTranslation(const korvel::Result& result) {
     for (const ListRow& row : listRows) {
         for (const std::string& text : result.*row.list) Put(packed, row.name, text);
     }
-    for (const korvel::Diagnostic& diagnostic : result.diagnostics) {
-        Put(packed, diagnostic.isWarning ? warningName : errorName, "");
-        for (const TextRow& row : textRows) Put(packed, row.name, diagnostic.*row.text);
-        for (const NumberRow& row : numberRows) Put(packed, row.name, std::to_string(diagnostic.*row.number));
-    }
+    for (const korvel::Diagnostic& diagnostic : result.diagnostics) PutDiagnostic(packed, diagnostic);
     Put(packed, endMark, "");
     return packed;
 }
@@ -92,10 +120,11 @@ std::string PackTranslation(const korvel::Result& result) {
 bool UnpackTranslation(const std::string& text, korvel::Result& result) {
     std::istringstream packed(text);
     std::string name, value;
+    Reader reader{result};
     if (!std::getline(packed, name) || name + "\n" != version) return false;
     while (Take(packed, name, value)) {
         if (name == endMark) return true;
-        TakeInto(result, name, value);
+        reader.Take(name, value);
     }
     return false;
 }

@@ -112,7 +112,7 @@ Result Run(const Request& request, const Task& task) {
 
 bool IsSound(const Result& result) {
     return std::all_of(result.diagnostics.begin(), result.diagnostics.end(),
-                       [](const Diagnostic& diagnostic) { return diagnostic.isWarning; });
+                       [](const Diagnostic& diagnostic) { return diagnostic.severity != Severity::Error; });
 }
 
 Result Check(const Request& request) { return Run(request, checking); }

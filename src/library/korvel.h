@@ -9,14 +9,32 @@
 
 namespace korvel {
 
-// Something that is wrong with a program, or odd about it.
-struct Diagnostic {
-    std::string file;  // empty for what has no place in the program
+// A part of one line of a source. Columns count bytes from 1 on; the last one belongs to it.
+struct Range {
+    std::string file;
     int line = 0;
-    int firstColumn = 0, lastColumn = 0;  // from 1 on; 0 where they are not known
+    int firstColumn = 0, lastColumn = 0;  // 0 where they are not known
+};
+
+// Another place that a mistake has to do with.
+struct Related : Range {
+    std::string message;  // "declared here"
+};
+
+// What to write there instead. Where the last column stands before the first one nothing is taken away.
+struct Fix : Range {
+    std::string replacement;
+};
+
+enum class Severity : unsigned char { Error, Warning, Note };
+
+// Something that is wrong with a program, or odd about it. It has no file where it has no place in the program.
+struct Diagnostic : Range {
+    Severity severity = Severity::Error;
     std::string message;
     std::string hint;  // what may help; mostly empty
-    bool isWarning = false;
+    std::vector<Related> related;
+    std::vector<Fix> fixes;  // all of them together; only where they are likely to be what was meant
 };
 
 // A text that counts instead of the file at the path, which need not exist.
@@ -54,7 +72,7 @@ struct Result {
     std::vector<GeneratedFile> files;      // only Translate tells them
 };
 
-// Whether nothing but warnings has been found.
+// Whether no mistake has been found.
 bool IsSound(const Result& result);
 
 // Looks for mistakes; translates, too; leaves what comes out in the output folder as well, in place of what an earlier

@@ -105,12 +105,16 @@ TEST(Translations, ArriveAsTheyWere) {
     korvel::Result result;
     result.sources = {"/my games/a.kvl", "b\nc"};
     result.linkerFlags = {"-L\"/x y\"", ""};
-    result.diagnostics = {{"a.kvl", 3, 5, 7, "first\n  second", "hint"}, {"", 0, 0, 0, "odd", "", true}};
+    result.diagnostics = {{{"a.kvl", 3, 5, 7}, korvel::Severity::Error, "first\n  second", "hint", {}, {}},
+                          {{}, korvel::Severity::Warning, "odd", "", {}, {}}};
+    result.diagnostics[0].related = {{{"b.kvl", 1, 2, 3}, "declared here"}};
+    result.diagnostics[0].fixes = {{{"a.kvl", 3, 5, 4}, "Then "}, {{"a.kvl", 3, 6, 7}, ""}};
     const std::string packed = PackTranslation(result);
     korvel::Result same;
     ASSERT_TRUE(UnpackTranslation(packed, same));
     EXPECT_EQ(PackTranslation(same), packed);
     EXPECT_EQ(same.diagnostics[0].lastColumn, 7);
+    EXPECT_EQ(same.diagnostics[0].fixes[1].firstColumn, 6);
     for (const std::size_t size : {std::size_t{0}, std::size_t{30}, packed.size() / 2, packed.size() - 1})
         EXPECT_FALSE(UnpackTranslation(packed.substr(0, size), same)) << size;
 }
