@@ -1,95 +1,141 @@
 #include "kv/command_line.h"
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstddef>
+
+#include "kv/commands/commands.h"
 
 namespace {
 
-struct CommandRow {
+// The usual ways to ask for two of the commands.
+const struct {
     const char* word;
-    Command command;
-};
+    const char* command;
+} shortWords[] = {{"--help", "help"}, {"-h", "help"}, {"--version", "version"}, {"-V", "version"}};
 
-const CommandRow commandRows[] = {
-    {"run", Command::run},         {"build", Command::build},       {"check", Command::check},
-    {"help", Command::help},       {"--help", Command::help},       {"-h", Command::help},
-    {"version", Command::version}, {"--version", Command::version},
-};
-
-// Options without a value set one flag; options with a value fill one text.
-struct FlagRow {
-    const char* word;
-    bool Options::*flag;
-};
-
-struct ValueRow {
-    const char* word;
-    std::string Options::*value;
-    const char* meaning;
-};
-
-const FlagRow flagRows[] = {
-    {"--safe", &Options::safe},
-    {"--debug", &Options::debug},
-    {"--plain", &Options::plain},
-    {"--verbose", &Options::verbose},
-};
-
-const ValueRow valueRows[] = {
-    {"-o", &Options::outputFile, "the name of the program to build"},
-    {"--keep-cpp", &Options::keepCppFolder, "a folder"},
-};
-
-const char* const optimisations[] = {"-O0", "-O1", "-O2", "-O3"};
-
-bool FindCommand(const std::string& word, Command& command) {
-    for (const CommandRow& row : commandRows) {
-        if (word == row.word) {
-            command = row.command;
-            return true;
-        }
+const CommandRow* FindCommand(std::string word) {
+    for (const auto& row : shortWords) {
+        if (word == row.word) word = row.command;
     }
-    return false;
-}
-
-bool IsSwitch(const std::string& word, Options& options) {
-    for (const FlagRow& row : flagRows) {
-        if (word == row.word) {
-            options.*row.flag = true;
-            return true;
-        }
-    }
-    for (const char* level : optimisations) {
-        if (word == level) {
-            options.optimisation = word;
-            return true;
-        }
-    }
-    return false;
-}
-
-const ValueRow* FindValueRow(const std::string& word) {
-    for (const ValueRow& row : valueRows) {
+    for (const CommandRow& row : CommandRows()) {
         if (word == row.word) return &row;
     }
     return nullptr;
 }
 
+// CLI11 knows nothing of what stands behind "--", and puts all options before the names.
+class Layout : public CLI::Formatter {
+public:
+    Layout() { column_width(28); }
+
+    std::string make_usage(const CLI::App* app, std::string) const override {
+        const CommandRow* row = FindCommand(app->get_name());
+        const std::string said = row == nullptr ? "COMMAND ..." : std::string(row->word) + " " + row->usage;
+        return "Usage: kv " + said + "\n";
+    }
+};
+
+CLI::Option* Declare(CLI::App& app, const OptionRow& row, Options& options) {
+    CLI::Option* option = nullptr;
+    if (const auto* flag = std::get_if<bool Options::*>(&row.setting)) {
+        option = app.add_flag(row.names, options.**flag, row.help);
+    } else {
+        option = app.add_option(row.names, options.*std::get<std::string Options::*>(row.setting), row.help);
+        option->type_name(row.value);
+    }
+    if (!row.choices.empty()) {
+        option->check(CLI::IsMember(std::vector<std::string>(row.choices.begin(), row.choices.end())));
+    }
+    return option->take_last();
+}
+
+// What is no option of the command is left over.
+void Declare(CLI::App& app, const CommandRow& row, Options& options) {
+    app.allow_windows_style_options(false);
+    app.allow_extras();
+    app.set_help_flag("-h,--help", "this text");
+    app.formatter(std::make_shared<Layout>());
+    for (const OptionRow& option : OptionRows()) {
+        if ((option.commands & Bit(row.command)) != 0) Declare(app, option, options);
+    }
+}
+
+bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+
 bool EndsInKvl(const std::string& word) {
     return word.size() > 4 && word.compare(word.size() - 4, 4, ".kvl") == 0;
 }
 
-// The rules that concern several options at once.
-bool Consistent(const Options& options, const std::string& commandWord, std::string& problem) {
-    if (options.source.empty()) {
-        problem = "which program? Name its main file: kv " + commandWord + " game.kvl";
-    } else if (!options.outputFile.empty() && options.command != Command::build) {
-        problem = "-o belongs to kv build";
-    } else if (!options.keepCppFolder.empty() && options.command == Command::check) {
-        problem = "kv check makes nothing; --keep-cpp belongs to kv run and kv build";
-    } else if (!options.arguments.empty() && options.command != Command::run) {
-        problem = "arguments after \"--\" belong to kv run";
+// "kv run and kv build".
+std::string CommandsOf(const OptionRow& option) {
+    std::vector<std::string> commands;
+    for (const CommandRow& row : CommandRows()) {
+        if ((option.commands & Bit(row.command)) != 0) commands.push_back(std::string("kv ") + row.word);
     }
-    return problem.empty();
+    std::string text;
+    for (std::size_t at = 0; at < commands.size(); ++at) {
+        text += (at == 0 ? "" : at + 1 == commands.size() ? " and " : ", ") + commands[at];
+    }
+    return text;
+}
+
+std::string UnknownOption(const std::string& word) {
+    for (const OptionRow& row : OptionRows()) {
+        if (word.substr(0, word.find('=')) == row.names) return word + " belongs to " + CommandsOf(row);
+    }
+    return "unknown option \"" + word + "\"";
+}
+
+std::string NeedsValue(const OptionRow& row) {
+    return std::string(row.names) + " needs a " + row.value + " behind it";
+}
+
+// An option whose value is empty.
+std::string EmptyValue(const Options& options, const CLI::App& app) {
+    for (const OptionRow& row : OptionRows()) {
+        const auto* value = std::get_if<std::string Options::*>(&row.setting);
+        const CLI::Option* option = value == nullptr ? nullptr : app.get_option_no_throw(row.names);
+        if (option != nullptr && option->count() > 0 && (options.**value).empty()) return NeedsValue(row);
+    }
+    return "";
+}
+
+// What is left over when CLI11 has taken the options.
+std::string TakeNames(const CommandRow& row, const std::vector<std::string>& words, Options& options) {
+    for (const std::string& word : words) {
+        if (IsOption(word)) return UnknownOption(word);
+        if (options.names.size() == row.most) {
+            if (row.most == 0) return std::string("kv ") + row.word + " stands alone";
+            return std::string("one ") + row.noun + " at a time: " + options.names[0] + " or " + word + "?" +
+                   (row.command == Command::run ? " (Arguments for the program stand behind \"--\".)" : "");
+        }
+        options.names.push_back(word);
+    }
+    if (options.names.size() < row.fewest) return row.question;
+    return "";
+}
+
+std::string Read(const CommandRow& row, std::vector<std::string> words, Options& options) {
+    CLI::App app;
+    Declare(app, row, options);
+    std::reverse(words.begin(), words.end());  // as CLI11 takes them
+    try {
+        app.parse(words);
+    } catch (const CLI::CallForHelp&) {
+        options.command = Command::help;
+        options.names = {row.word};
+        return "";
+    } catch (const CLI::ParseError& problem) {
+        const std::string text = problem.what();
+        for (const OptionRow& option : OptionRows()) {
+            if (text == std::string(option.names) + ": 1 required " + option.value + " missing")
+                return NeedsValue(option);
+        }
+        return text;
+    }
+    const std::string problem = EmptyValue(options, app);
+    return problem.empty() ? TakeNames(row, app.remaining(), options) : problem;
 }
 
 }  // namespace
@@ -101,61 +147,39 @@ bool IsFast(const Options& options) {
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem) {
     problem.clear();
     if (arguments.empty()) return true;
-    if (!FindCommand(arguments[0], options.command)) {
+    const CommandRow* const row = FindCommand(arguments[0]);
+    if (row == nullptr) {
         problem = EndsInKvl(arguments[0])
                       ? "what shall be done with " + arguments[0] + "? Try: kv run " + arguments[0]
                       : "unknown command \"" + arguments[0] + "\"";
         return false;
     }
-    if (options.command == Command::help || options.command == Command::version) return true;
-
-    for (std::size_t at = 1; at < arguments.size(); ++at) {
-        const std::string& word = arguments[at];
-        if (word == "--") {
-            options.arguments.assign(arguments.begin() + static_cast<std::ptrdiff_t>(at) + 1,
-                                     arguments.end());
-            break;
-        }
-        if (word == "--help" || word == "-h") {
-            options.command = Command::help;
-            return true;
-        }
-        if (IsSwitch(word, options)) continue;
-        if (const ValueRow* row = FindValueRow(word)) {
-            if (at + 1 == arguments.size() || arguments[at + 1].empty() || arguments[at + 1] == "--") {
-                problem = word + " needs " + row->meaning + " behind it";
-                return false;
-            }
-            options.*(row->value) = arguments[++at];
-        } else if (word.size() > 1 && word[0] == '-') {
-            problem = "unknown option \"" + word + "\"";
-            return false;
-        } else if (!options.source.empty()) {
-            problem = "one program at a time: " + options.source + " or " + word +
-                      "? (Arguments for the program stand behind \"--\".)";
-            return false;
-        } else {
-            options.source = word;
-        }
-    }
-    return Consistent(options, arguments[0], problem);
+    options.command = row->command;
+    const auto end = std::find(arguments.begin() + 1, arguments.end(), "--");
+    if (end != arguments.end()) options.arguments.assign(end + 1, arguments.end());
+    problem = Read(*row, {arguments.begin() + 1, end}, options);
+    if (options.command == Command::help || !problem.empty()) return problem.empty();
+    if (!options.names.empty()) options.source = options.names[0];
+    if (!options.optimisation.empty()) options.optimisation.insert(0, "-O");
+    if (!options.arguments.empty() && options.command != Command::run)
+        problem = "arguments after \"--\" belong to kv run";
+    return problem.empty();
 }
 
-std::string HelpText() {
-    return "kv - translate, compile and run Korvel programs\n"
-           "\n"
-           "  kv run game.kvl [-- arguments]   run a program\n"
-           "  kv build game.kvl [-o program]   make an executable program\n"
-           "  kv check game.kvl                look for mistakes, make nothing\n"
-           "\n"
-           "Options:\n"
-           "  --safe           check divisions and array bounds while the program runs\n"
-           "  --debug          hooks for a debugger (KVDEBUG=trace shows every step); takes the place of "
-           "--safe\n"
-           "  -O0 .. -O3       compile fast (-O0, usual for run) or for speed (-O2, usual for build)\n"
-           "  --plain          the C++ in its plain form, easier to read; its programs run more slowly\n"
-           "  --keep-cpp DIR   write the generated C++ to DIR\n"
-           "  --verbose        show the commands that are run and what they say\n"
-           "  --help           this text\n"
-           "  --version        the version\n";
+std::string HelpText(const std::string& commandWord) {
+    Options unused;
+    CLI::App app("kv - translate, compile and run Korvel programs\n");
+    const CommandRow* const asked = FindCommand(commandWord);
+    if (asked != nullptr && asked->word == commandWord) {
+        app.name(asked->word);
+        app.description(std::string("kv ") + asked->word + " - " + asked->help + "\n");
+        Declare(app, *asked, unused);
+        return app.help();
+    }
+    app.formatter(std::make_shared<Layout>());
+    app.set_help_flag("-h,--help", "this text");
+    app.set_version_flag("-V,--version", "", "the version");
+    for (const CommandRow& row : CommandRows()) app.add_subcommand(row.word, row.help)->group("Commands");
+    app.footer("kv COMMAND --help tells of a command and its options.");
+    return app.help();
 }

@@ -8,7 +8,8 @@ enum class Command { run, build, check, help, version };
 
 struct Options {
     Command command = Command::help;
-    std::string source;                  // as typed
+    std::vector<std::string> names;      // what stands behind the command, as typed
+    std::string source;                  // the program, as typed: the first of the names
     std::string outputFile;              // build: -o, as typed; empty for the usual place
     std::string keepCppFolder;           // --keep-cpp, as typed; empty for the hidden build folder
     std::string optimisation;            // "-O0", "-O2"; empty for the command's own choice
@@ -26,5 +27,5 @@ bool IsFast(const Options& options);
 // when they make no sense.
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem);
 
-// The text of kv --help.
-std::string HelpText();
+// The text of kv --help, or of a command's own --help; without such a command the former.
+std::string HelpText(const std::string& commandWord);

@@ -69,6 +69,11 @@ TEST(KvCommandLine, Understood) {
     options = Options();
     ASSERT_TRUE(ParseCommandLine({"run", "game.kvl", "--help"}, options, problem));
     EXPECT_EQ(options.command, Command::help);
+    EXPECT_EQ(options.names, Words{"run"});
+    options = Options();
+    ASSERT_TRUE(ParseCommandLine({"check", "-O0", "/a", "[b]", "-O1", "-"}, options, problem)) << problem;
+    EXPECT_EQ(options.names, (Words{"/a", "[b]", "-"}));
+    EXPECT_EQ(options.optimisation, "-O1");
     options = Options();
     EXPECT_TRUE(ParseCommandLine({}, options, problem));
     EXPECT_EQ(options.command, Command::help);
@@ -87,10 +92,11 @@ TEST(KvCommandLine, Refused) {
          "one program at a time: a.kvl or b.kvl? (Arguments for the program stand behind \"--\".)"},
         {{"run", "a.kvl", "--fast"}, "unknown option \"--fast\""},
         {{"run", "a.kvl", "-o", "x"}, "-o belongs to kv build"},
-        {{"build", "a.kvl", "-o"}, "-o needs the name of the program to build behind it"},
-        {{"run", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a folder behind it"},
-        {{"check", "a.kvl", "--keep-cpp", "x"},
-         "kv check makes nothing; --keep-cpp belongs to kv run and kv build"},
+        {{"build", "a.kvl", "-o"}, "-o needs a FILE behind it"},
+        {{"run", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a DIR behind it"},
+        {{"check", "a.kvl", "--keep-cpp", "x"}, "--keep-cpp belongs to kv run and kv build"},
+        {{"build", "-O5", "a.kvl"}, "-O: 5 not in {0,1,2,3}"},
+        {{"version", "x"}, "kv version stands alone"},
         {{"check", "a.kvl", "--", "x"}, "arguments after \"--\" belong to kv run"},
     };
     for (const auto& row : rows) {

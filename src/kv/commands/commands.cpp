@@ -1,0 +1,63 @@
+#include "kv/commands/commands.h"
+
+namespace {
+
+const std::size_t any = static_cast<std::size_t>(-1);
+constexpr unsigned making = Bit(Command::run) | Bit(Command::build);
+constexpr unsigned translating = making | Bit(Command::check);
+
+}  // namespace
+
+const std::vector<CommandRow>& CommandRows() {
+    static const std::vector<CommandRow> rows = {
+        {Command::run, "run", "PROGRAM [OPTIONS] [-- ARGUMENTS]", "program", 1, 1,
+         "which program? Name its main file: kv run game.kvl", "run a program", RunCommand},
+        {Command::build, "build", "PROGRAM [OPTIONS]", "program", 1, 1,
+         "which program? Name its main file: kv build game.kvl", "make an executable program", BuildCommand},
+        {Command::check, "check", "PROGRAMS [OPTIONS]", "program", 1, any,
+         "which program? Name its main file: kv check game.kvl", "look for mistakes, make nothing",
+         CheckCommand},
+        {Command::help, "help", "[COMMAND]", "command", 0, 1, "", "tell how kv, or a command, is used",
+         HelpCommand},
+        {Command::version, "version", "", "", 0, 0, "", "tell the version of kv", VersionCommand},
+    };
+    return rows;
+}
+
+const std::vector<OptionRow>& OptionRows() {
+    static const std::vector<OptionRow> rows = {
+        {"-o", &Options::outputFile, "FILE", {}, Bit(Command::build), "the program to make"},
+        {"--safe",
+         &Options::safe,
+         "",
+         {},
+         translating,
+         "check divisions and array bounds while the program runs"},
+        {"--debug",
+         &Options::debug,
+         "",
+         {},
+         translating,
+         "hooks for a debugger (KVDEBUG=trace shows every step); takes the place of --safe"},
+        {"-O",
+         &Options::optimisation,
+         "LEVEL",
+         {"0", "1", "2", "3"},
+         translating,
+         "compile fast (-O0, usual for run) or for speed (-O2, usual for build)"},
+        {"--plain",
+         &Options::plain,
+         "",
+         {},
+         translating,
+         "the C++ in its plain form, easier to read; its programs run more slowly"},
+        {"--keep-cpp", &Options::keepCppFolder, "DIR", {}, making, "write the generated C++ to DIR"},
+        {"--verbose",
+         &Options::verbose,
+         "",
+         {},
+         translating,
+         "show the commands that are run and what they say"},
+    };
+    return rows;
+}

@@ -1,0 +1,44 @@
+// What kv can be told to do, as tables: a row for each command and for each option. The command line, the help texts
+// and the completion of shells come from here.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "kv/command_line.h"
+
+struct CommandRow {
+    Command command;
+    const char* word;
+    const char* usage;  // what stands behind the word: "PROGRAM"
+    const char* noun;   // what a name is the name of
+    std::size_t fewest, most;
+    const char* question;  // to somebody who gives too few names
+    const char* help;
+    int (*perform)(const Options& options);  // returns the exit status
+};
+
+// Where an option goes: a switch turns something on, the others take the text behind them.
+using Setting = std::variant<bool Options::*, std::string Options::*>;
+
+struct OptionRow {
+    const char* names;  // "-o,--output"
+    Setting setting;
+    const char* value;                 // what the text behind it is; for switches ""
+    std::vector<const char*> choices;  // what it can be; empty: anything
+    unsigned commands;                 // a bit for each command that takes it
+    const char* help;
+};
+
+const std::vector<CommandRow>& CommandRows();
+const std::vector<OptionRow>& OptionRows();
+
+constexpr unsigned Bit(Command command) { return 1U << static_cast<unsigned>(command); }
+
+// The commands themselves.
+int RunCommand(const Options& options);
+int BuildCommand(const Options& options);
+int CheckCommand(const Options& options);
+int HelpCommand(const Options& options);
+int VersionCommand(const Options& options);

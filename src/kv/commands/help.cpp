@@ -1,0 +1,20 @@
+// kv help and kv version.
+#include <cstdio>
+
+#include "kv/commands/commands.h"
+
+namespace {
+
+const char versionText[] = "kv 1.2e";
+
+}  // namespace
+
+int HelpCommand(const Options& options) {
+    std::fputs(HelpText(options.names.empty() ? "" : options.names[0]).c_str(), stdout);
+    return 0;
+}
+
+int VersionCommand(const Options&) {
+    std::printf("%s\n", versionText);
+    return 0;
+}
