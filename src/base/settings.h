@@ -17,6 +17,7 @@ struct Settings {
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
     bool checkOnly = false;       // -check: nothing is written or deleted
     bool columns = false;         // it is found out which words a mistake is about
+    bool uses = false;            // it is noted what names mean where they stand (symbols/uses.h)
     bool warnings = false;        // -warn: what compiles but is hardly meant is said
 
     // Where translation stands; shown by ReportFatal.

@@ -5,6 +5,7 @@
 #include "expressions/sequence_walks.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -166,6 +167,7 @@ Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, co
     if (routine.owner == nullptr && Lower(routine.name) == "main")
         ReportFatal("'" + routine.name + "' cannot be called", walk.Taken());
     const TokenSpan called = walk.Taken();
+    NoteUse(called, routine);
     const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
     const std::vector<std::string> texts =
         About(called, [&] { return CheckedArguments(SubjectOf(routine), routine, arguments); });

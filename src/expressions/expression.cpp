@@ -6,6 +6,7 @@
 #include "expressions/operators.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
+#include "symbols/uses.h"
 
 std::size_t lambdaCount = 0;
 std::size_t callCount = 0;
@@ -70,6 +71,7 @@ Expr TranslateSome(TokenSpan tokens, ExprMode mode) {
     Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
     if (!walk.Done()) FailUnexpected(walk);
     result.effects = callCount != calls;
+    NoteType(tokens, result.type);
     return result;
 }
 

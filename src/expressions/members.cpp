@@ -4,6 +4,7 @@
 #include "prelude/output.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -44,6 +45,7 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
     NeedClass(&cls);
     if (const Variable* field = FindField(cls, member)) {
         RequireAccess(field->isPrivate, cls, member);
+        NoteUse(walk.Taken(), *field);
         array = field;
         return UseField(object, *field);
     }
@@ -88,5 +90,6 @@ void ParsePostfix(Walk& walk, Expr& expr, const std::string& firstName) {
             array = nullptr;
         }
         expr.source = {first, walk.tokens.first + walk.at};
+        NoteType(expr.source, expr.type);
     }
 }

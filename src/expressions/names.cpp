@@ -7,6 +7,7 @@
 #include "prelude/output.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -133,7 +134,10 @@ Expr ParseName(Walk& walk) {
 
     const Variable* variable = FindVariable(name);
     TraceLookup(name, variable);
-    if (variable != nullptr && !called) return UseVariable(*variable);
+    if (variable != nullptr && !called) {
+        NoteUse(walk.Taken(), *variable);
+        return UseVariable(*variable);
+    }
     if (keyword == Keyword::Create || keyword == Keyword::New) return ParseCreate(walk);
     if (IsInstanceWord(keyword)) return ParseInstanceWord(walk, keyword);
     return called ? ParseCallable(walk, name) : ParseBareName(walk, name);

@@ -7,6 +7,7 @@
 
 #include "base/report.h"
 #include "expressions/walk.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -147,6 +148,7 @@ Expr ParsePrimary(Walk& walk) {
     Expr expr = alone ? ParseAlone(walk) : ParseOperand(walk);
     if (alone) return expr;
     expr.source = walk.tokens.Slice(begin, walk.at);
+    NoteType(expr.source, expr.type);
     walk.operandAt = begin;
     if (expr.level == Level::Primary && BeginsPostfix(walk.PeekSign())) ParsePostfix(walk, expr, token);
     return expr;

@@ -20,6 +20,7 @@
 #include "symbols/scopes.h"
 #include "symbols/source_lines.h"
 #include "symbols/type_reader.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -340,6 +341,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     definition.usesPrelude = declared.note.type.sequence || PreludeUses() != preludeUses;
     Variable& variable = Register(declared, definition, state);
     Complete(declared, definition, variable);
+    if (kind != DefinitionKind::Local) NoteDeclaration(variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
         state.routine.localArrays.push_back({&variable, variable.type.base == Base::Element, true});
     return definition;

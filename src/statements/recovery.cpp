@@ -9,6 +9,7 @@
 #include "statements/with.h"
 #include "symbols/mistakes.h"
 #include "symbols/scopes.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -153,6 +154,7 @@ void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler tran
     const Keyword keyword = statement.KeywordAt(0);
     if (!state.inPreCalc && PassesOver(state, keyword)) return;
     const OpenWork before(state);
+    const StatementUses uses(statement);
     try {
         translate(state, statement);
         return;

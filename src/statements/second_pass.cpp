@@ -10,6 +10,7 @@
 #include "statements/with.h"
 #include "symbols/own_names.h"
 #include "symbols/source_lines.h"
+#include "symbols/uses.h"
 
 namespace {
 
@@ -22,6 +23,7 @@ void TranslateStatement(State& state, TokenSpan tokens) {
     const Keyword keyword = tokens.KeywordAt(0);
     const bool asWritten = keyword == Keyword::With || keyword == Keyword::PreCalc;
     const Tokens substituted = asWritten ? tokens.Copy() : SubstituteIts(state, tokens);
+    NoteSubstitution(substituted);
     DispatchStatement(state, substituted);
 }
 

@@ -8,6 +8,7 @@
 #include "base/settings.h"
 #include "expressions/expression.h"
 #include "symbols/identifiers.h"
+#include "symbols/uses.h"
 
 std::deque<ScopeBranch> localDefList;
 const ClassInfo* currentClass = nullptr;
@@ -162,6 +163,7 @@ bool IsTypedGlobal(const std::string& name) {
 }  // namespace
 
 void ResetScopes() {
+    NoteAllLocalsEnd();
     localDefList.clear();
     currentClass = nullptr;
 }
@@ -169,6 +171,7 @@ void ResetScopes() {
 void PushRoutineScope() { localDefList.emplace_back(); }
 
 void PopRoutineScope() {
+    NoteAllLocalsEnd();
     if (!localDefList.empty()) localDefList.pop_back();
 }
 
@@ -182,6 +185,7 @@ void PushBlock() {
 void PopBlock() {
     if (BlockCount() < 2) return;
     ScopeBranch& branch = localDefList.back();
+    NoteLocalsEnd(branch.leaves.back().variables);
     for (const Variable* variable : branch.leaves.back().variables) branch.visible[variable->name].pop_back();
     branch.leaves.pop_back();
 }
@@ -202,7 +206,9 @@ Variable& AddVarToScopeList(const std::string& name, const std::string& cppName)
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
     if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
-    return Record(name, cppName, recorded, visible);
+    Variable& variable = Record(name, cppName, recorded, visible);
+    NoteLocal(variable);
+    return variable;
 }
 
 Variable& AddOwnName(const std::string& name) {
