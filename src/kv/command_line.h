@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-enum class Command { run, build, check, help, version };
+enum class Command { run, build, check, doc, help, version };
 
 struct Options {
     Command command = Command::help;

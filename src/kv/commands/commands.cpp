@@ -17,6 +17,8 @@ const std::vector<CommandRow>& CommandRows() {
         {Command::check, "check", "PROGRAMS [OPTIONS]", "program", 1, any,
          "which program? Name its main file: kv check game.kvl", "look for mistakes, make nothing",
          CheckCommand},
+        {Command::doc, "doc", "[WORD]", "word", 0, 1, "",
+         "show what the manual says of a word of the language", DocCommand},
         {Command::help, "help", "[COMMAND]", "command", 0, 1, "", "tell how kv, or a command, is used",
          HelpCommand},
         {Command::version, "version", "", "", 0, 0, "", "tell the version of kv", VersionCommand},

@@ -40,5 +40,6 @@ constexpr unsigned Bit(Command command) { return 1U << static_cast<unsigned>(com
 int RunCommand(const Options& options);
 int BuildCommand(const Options& options);
 int CheckCommand(const Options& options);
+int DocCommand(const Options& options);
 int HelpCommand(const Options& options);
 int VersionCommand(const Options& options);

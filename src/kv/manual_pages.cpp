@@ -1,0 +1,157 @@
+#include "kv/manual_pages.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include "base/utf8.h"
+#include "kv/platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string entryMark = "### ", fence = "```";
+
+bool StartsWith(const std::string& text, const std::string& start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+// Without dashes in front, in lower case.
+std::string Key(const std::string& word) {
+    const std::size_t from = word.find_first_not_of('-');
+    std::string key = from == std::string::npos ? word : word.substr(from);
+    std::transform(key.begin(), key.end(), key.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return key;
+}
+
+// "`=`, `<>`" names = and <>.
+std::vector<std::string> NamesIn(const std::string& heading) {
+    std::vector<std::string> names;
+    std::istringstream text(heading);
+    for (std::string name; std::getline(text, name, ',');) {
+        name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return c == '`' || c == ' '; }),
+                   name.end());
+        names.push_back(name);
+    }
+    return names;
+}
+
+void ReadPage(const fs::path& path, std::vector<ManualEntry>& entries) {
+    std::ifstream page(path, std::ios::binary);
+    std::string title;
+    bool inEntry = false, inCode = false;
+    for (std::string line; std::getline(page, line);) {
+        if (StartsWith(line, fence)) inCode = !inCode;
+        if (!inCode && StartsWith(line, "#")) {
+            if (title.empty()) title = line.substr(line.find_first_not_of("# "));
+            inEntry = StartsWith(line, entryMark);
+            if (inEntry)
+                entries.push_back({TextOf(path.stem()), title, NamesIn(line.substr(entryMark.size())), ""});
+        }
+        if (inEntry) entries.back().text += line + "\n";
+    }
+}
+
+// The number of letters to be put in, left out, replaced or swapped.
+std::size_t Distance(const std::string& a, const std::string& b) {
+    std::vector<std::vector<std::size_t>> rows(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) rows[i][0] = i;
+    for (std::size_t k = 0; k <= b.size(); ++k) rows[0][k] = k;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        for (std::size_t k = 1; k <= b.size(); ++k) {
+            const std::size_t replaced = rows[i - 1][k - 1] + (a[i - 1] == b[k - 1] ? 0 : 1);
+            rows[i][k] = std::min({rows[i - 1][k] + 1, rows[i][k - 1] + 1, replaced});
+            if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1])
+                rows[i][k] = std::min(rows[i][k], rows[i - 2][k - 2] + 1);
+        }
+    }
+    return rows[a.size()][b.size()];
+}
+
+// What a block of code is, from the word behind its fence.
+std::string Lead(const std::string& kind) {
+    if (kind == "output") return "prints\n\n";
+    if (kind == "input") return "typed in\n\n";
+    if (kind == "failure") return "fails with\n\n";
+    if (kind == "error") return "is refused with\n\n";
+    if (kind == "warning") return "is warned of\n\n";
+    return "";
+}
+
+// A line of text without its marks. What stands between backticks has none.
+std::string WithoutMarks(const std::string& line) {
+    static const std::regex link("\\[([^\\]]*)\\]\\([^)]*\\)"), strong("\\*\\*");
+    std::string text;
+    bool code = false;
+    std::istringstream pieces(line);
+    for (std::string piece; std::getline(pieces, piece, '`'); code = !code)
+        text += code ? piece : std::regex_replace(std::regex_replace(piece, link, "$1"), strong, "");
+    return text;
+}
+
+}  // namespace
+
+std::string ManualFolder() {
+    return TextOf(PathOf(OwnExecutable()).parent_path().parent_path() / "docs" / "manual");
+}
+
+std::vector<ManualEntry> ReadManual(const std::string& folder) {
+    std::vector<fs::path> pages;
+    std::error_code missing;
+    for (const auto& file : fs::directory_iterator(PathOf(folder), missing)) {
+        if (file.path().extension() == ".md") pages.push_back(file.path());
+    }
+    std::sort(pages.begin(), pages.end());
+    std::vector<ManualEntry> entries;
+    for (const fs::path& page : pages) ReadPage(page, entries);
+    return entries;
+}
+
+const ManualEntry* FindEntry(const std::vector<ManualEntry>& entries, const std::string& word) {
+    for (const ManualEntry& entry : entries) {
+        for (const std::string& name : entry.names) {
+            if (Key(name) == Key(word)) return &entry;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<std::string> SimilarNames(const std::vector<ManualEntry>& entries, const std::string& word) {
+    const std::string wanted = Key(word);
+    std::vector<std::pair<std::size_t, std::string>> found;
+    for (const ManualEntry& entry : entries) {
+        for (const std::string& name : entry.names) {
+            const std::size_t distance = Distance(Key(name), wanted);
+            if (distance <= wanted.size() / 3) found.emplace_back(distance, name);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < found.size() && i < 3; ++i) names.push_back(found[i].second);
+    return names;
+}
+
+std::string PlainText(const std::string& markdown) {
+    std::string text;
+    std::istringstream lines(markdown);
+    bool inCode = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (StartsWith(line, fence)) {
+            inCode = !inCode;
+            if (inCode) text += Lead(line.substr(fence.size(), line.find(' ') - fence.size()));
+        } else if (inCode || StartsWith(line, "    ")) {
+            text += line.empty() || !inCode ? line + "\n" : "    " + line + "\n";
+        } else if (StartsWith(line, "#")) {
+            const std::string heading = WithoutMarks(line.substr(line.find_first_not_of("# ")));
+            text += heading + "\n" + std::string(heading.size(), '=') + "\n";
+        } else {
+            text += WithoutMarks(line) + "\n";
+        }
+    }
+    return text.substr(0, text.find_last_not_of('\n') + 1) + "\n";
+}
