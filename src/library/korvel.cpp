@@ -13,6 +13,7 @@
 #include "build/dependency_manifest.h"
 #include "build/output_files.h"
 #include "lexer/source_reader.h"
+#include "library/inspect.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
 #include "prelude/cpp_file.h"
@@ -44,6 +45,7 @@ void Begin(const Request& request) {
 // that may find something wrong.
 struct Task {
     bool writes;
+    bool notesUses;
     void (*before)();
     void (*after)(Result& result);
 };
@@ -78,14 +80,16 @@ void WriteOutputs(Result& result) {
     TrustDependencyManifest();
 }
 
-const Task checking = {false, Nothing, DescribeProgram};
-const Task translating = {false, Nothing, TakeOutputs};
-const Task building = {true, PrepareFolder, WriteOutputs};
+const Task checking = {false, false, Nothing, DescribeProgram};
+const Task inspecting = {false, true, Nothing, DescribeProgram};
+const Task translating = {false, false, Nothing, TakeOutputs};
+const Task building = {true, false, PrepareFolder, WriteOutputs};
 
 Result Run(const Request& request, const Task& task) {
     Result result;
     Begin(request);
     settings.checkOnly = !task.writes;
+    settings.uses = task.notesUses;
     const Silence silence(result.diagnostics);
     std::optional<FolderLock> alone;
     if (task.writes) alone.emplace(settings.outputPath);
@@ -118,6 +122,13 @@ bool IsSound(const Result& result) {
 Result Check(const Request& request) { return Run(request, checking); }
 Result Translate(const Request& request) { return Run(request, translating); }
 Result Build(const Request& request) { return Run(request, building); }
+
+Inspection Inspect(const Request& request) {
+    Inspection inspection;
+    inspection.result = Run(request, inspecting);
+    Describe(inspection);
+    return inspection;
+}
 
 void Reset() { RenewRun(); }
 

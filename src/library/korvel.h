@@ -81,6 +81,56 @@ Result Check(const Request& request);
 Result Translate(const Request& request);
 Result Build(const Request& request);
 
+// What a program declares: its files, Types with their members, Functions, variables. It stands where its name does
+// in its declaration; a file at its own beginning.
+struct Symbol : Range {
+    enum class Kind : unsigned char {
+        File,
+        Type,
+        Element,
+        Field,
+        Method,
+        Function,
+        Global,
+        Const,
+        Local,
+        Parameter
+    };
+    Kind kind = Kind::Type;
+    std::string name;
+    std::string owner;  // the Type or Element of a Field or Method, the routine of a Local or parameter
+    std::string
+        type;  // in Korvel's words, of a routine its result; empty where there is none or it is not known
+    std::string parameters;  // of a routine: "(a:Int, b:String = \"x\")"
+    int lastLine = 0;        // of a Local or parameter: where its scope ends
+};
+
+// A place where the name of a symbol stands, also in the holes of Strings. Of an Include it is the file's.
+struct Use : Range {
+    std::size_t symbol = 0;  // in the list
+    bool declares = false;
+};
+
+// Tokens with a value of the type.
+struct TypedRange : Range {
+    std::string type;
+};
+
+// All that is known about a program that is being edited: with mistakes in it, what is right is told.
+struct Inspection {
+    Result result;  // without files
+    std::vector<Symbol> symbols;
+    // By file, as in result.sources, and place.
+    std::vector<Use> uses;
+    std::vector<TypedRange> types;
+};
+Inspection Inspect(const Request& request);
+
+// What stands at a column of a line, or ends right before it; null without a name there.
+const Use* UseAt(const Inspection& inspection, const std::string& file, int line, int column);
+// The type of the shortest expression there; empty when it is not known.
+std::string TypeAt(const Inspection& inspection, const std::string& file, int line, int column);
+
 // Gives back what the last call still holds.
 void Reset();
 

@@ -51,7 +51,7 @@ void AddHoles(Statement& statement, const Token* literal) {
             at = (*literal)->text.find_first_not_of(" \t", at);
             const auto from = static_cast<int>(at);
             statement.slots.push_back(
-                {piece.tokens, i, {literal, from, from + static_cast<int>(text.size()), nullptr}});
+                {piece.tokens, i, {literal, from, from + static_cast<int>(text.size()), nullptr, false}});
             at += text.size();
         }
     }
@@ -183,6 +183,7 @@ void noting::Declaration(const std::string& name, const void* meaning) {
         if (slot.use.meaning != nullptr || slot.list[slot.index] != name || IsMember(slot.list, slot.index))
             continue;
         slot.use.meaning = Kept(meaning);
+        slot.use.declares = true;
         return;
     }
 }
@@ -209,7 +210,7 @@ void noting::AllLocalsEnd() {
 }
 
 void noting::Type(TokenSpan tokens, const ValueType& type) {
-    if (statements.empty() || tokens.empty() || !type.IsKnown()) return;
+    if (statements.empty() || tokens.empty() || !type.IsKnown() || type.Is(Base::Void)) return;
     Statement& statement = statements.back();
     const std::size_t first = SlotOf(statement, tokens.first), last = SlotOf(statement, tokens.last - 1);
     if (first > last || last >= statement.tokens.size()) return;
@@ -221,7 +222,7 @@ StatementUses::StatementUses(TokenSpan tokens) : notes(settings.uses) {
     Statement& statement = statements.emplace_back();
     statement.tokens = tokens;
     for (std::size_t i = 0; i < tokens.size(); ++i)
-        statement.slots.push_back({tokens, i, {tokens.first + i, -1, -1, nullptr}});
+        statement.slots.push_back({tokens, i, {tokens.first + i, -1, -1, nullptr, false}});
     for (std::size_t i = 0; i < tokens.size(); ++i)
         if (HasHoles(tokens.At(i))) AddHoles(statement, tokens.first + i);
 }

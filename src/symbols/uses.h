@@ -20,6 +20,7 @@ struct NotedUse {
     const Token* at = nullptr;      // in the list of a file
     int from = -1, to = -1;         // in a hole: its bytes in the literal that stands there
     const void* meaning = nullptr;  // a NotedLocal, Variable, Routine or ClassInfo
+    bool declares = false;
 };
 
 // The tokens of a file have a value of the type.
