@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <sstream>
 
 #include "kv/commands/commands.h"
 
@@ -36,6 +38,11 @@ public:
     }
 };
 
+std::vector<std::string> WordsOf(const char* text) {
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
+}
+
 CLI::Option* Declare(CLI::App& app, const OptionRow& row, Options& options) {
     CLI::Option* option = nullptr;
     if (const auto* flag = std::get_if<bool Options::*>(&row.setting)) {
@@ -44,9 +51,7 @@ CLI::Option* Declare(CLI::App& app, const OptionRow& row, Options& options) {
         option = app.add_option(row.names, options.*std::get<std::string Options::*>(row.setting), row.help);
         option->type_name(row.value);
     }
-    if (!row.choices.empty()) {
-        option->check(CLI::IsMember(std::vector<std::string>(row.choices.begin(), row.choices.end())));
-    }
+    if (*row.choices != '\0') option->check(CLI::IsMember(WordsOf(row.choices)));
     return option->take_last();
 }
 

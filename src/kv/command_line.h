@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-enum class Command { run, build, check, doc, help, version };
+enum class Command { run, build, check, doc, format, help, version };
 
 struct Options {
     Command command = Command::help;
@@ -17,6 +17,7 @@ struct Options {
     bool debug = false;                  // --debug
     bool plain = false;                  // --plain
     bool verbose = false;                // --verbose
+    bool onlyCheck = false;              // fmt: --check
     std::vector<std::string> arguments;  // run: what follows "--"
 };
 

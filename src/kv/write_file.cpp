@@ -20,6 +20,12 @@ bool MoveOver(const fs::path& unfinished, const fs::path& path, bool isWritten, 
     return false;
 }
 
+// In a folder that many can write to, the name must be a new one.
+fs::path NewNameBeside(const fs::path& path) {
+    const std::string moment = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
+    return path.parent_path() / PathOf("." + TextOf(path.filename()) + "." + moment + ".new");
+}
+
 }  // namespace
 
 bool WriteOver(const fs::path& path, const std::string& text) {
@@ -35,13 +41,28 @@ bool WriteOver(const fs::path& path, const std::string& text) {
 }
 
 bool CopyOver(const fs::path& from, const fs::path& to) {
-    // In a folder that many can write to, the name must be a new one.
-    const std::string moment = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-    const fs::path unfinished =
-        to.parent_path() / PathOf("." + TextOf(to.filename()) + "." + moment + ".new");
+    const fs::path unfinished = NewNameBeside(to);
     std::string problem;
     const bool isWritten = CopyToNewFile(TextOf(from), TextOf(unfinished), problem);
     if (MoveOver(unfinished, to, isWritten, problem)) return true;
     ShowProblem("cannot write " + TextOf(to) + ": " + problem);
+    return false;
+}
+
+bool RewriteFile(const fs::path& path, const std::string& text) {
+    std::error_code failed;
+    const fs::path file = fs::canonical(path, failed);
+    const fs::path unfinished = NewNameBeside(file);
+    std::string problem;
+    // A copy has the rights of the file.
+    bool isWritten = !failed && CopyToNewFile(TextOf(file), TextOf(unfinished), problem);
+    if (isWritten) {
+        std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
+        stream << text;
+        stream.close();
+        isWritten = stream.good();
+    }
+    if (MoveOver(unfinished, file, isWritten, problem)) return true;
+    ShowProblem("cannot write " + TextOf(path) + (problem.empty() ? "" : ": " + problem));
     return false;
 }

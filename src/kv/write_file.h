@@ -10,3 +10,7 @@ bool WriteOver(const std::filesystem::path& path, const std::string& text);
 
 // Copies a file to a place of the user's. Returns false after telling the user that it cannot be written.
 bool CopyOver(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Gives a file of the user's another text, with the rights it had; a link to it stays one. Returns false after telling
+// the user that it cannot be written.
+bool RewriteFile(const std::filesystem::path& path, const std::string& text);

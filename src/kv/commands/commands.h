@@ -25,9 +25,9 @@ using Setting = std::variant<bool Options::*, std::string Options::*>;
 struct OptionRow {
     const char* names;  // "-o,--output"
     Setting setting;
-    const char* value;                 // what the text behind it is; for switches ""
-    std::vector<const char*> choices;  // what it can be; empty: anything
-    unsigned commands;                 // a bit for each command that takes it
+    const char* value;    // what the text behind it is; for switches ""
+    const char* choices;  // the words that it can be; "": anything
+    unsigned commands;    // a bit for each command that takes it
     const char* help;
 };
 
@@ -41,5 +41,6 @@ int RunCommand(const Options& options);
 int BuildCommand(const Options& options);
 int CheckCommand(const Options& options);
 int DocCommand(const Options& options);
+int FmtCommand(const Options& options);
 int HelpCommand(const Options& options);
 int VersionCommand(const Options& options);

@@ -1,0 +1,74 @@
+// kv fmt.
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+
+#include "base/utf8.h"
+#include "kv/commands/commands.h"
+#include "kv/diagnostics.h"
+#include "kv/format/format.h"
+#include "kv/write_file.h"
+#include "lexer/source_reader.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const int failure = 1;
+const char standardInput[] = "-";
+
+// The sources that a name stands for: itself, or all that a folder holds. Hidden folders are kv's and other tools'.
+std::vector<std::string> SourcesOf(const std::string& name) {
+    std::error_code failed;
+    if (!fs::is_directory(PathOf(name), failed)) return {name};
+    std::vector<std::string> sources;
+    fs::recursive_directory_iterator entry(PathOf(name), failed);
+    for (; !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
+        const std::string file = TextOf(entry->path().filename());
+        if (file[0] == '.' && entry->is_directory(failed)) entry.disable_recursion_pending();
+        if (entry->path().extension() == ".kvl" && entry->is_regular_file(failed))
+            sources.push_back(TextOf(entry->path()));
+    }
+    return sources;
+}
+
+bool IsText(const std::string& text) { return text.find('\0') == std::string::npos; }
+
+// Returns whether all is well with the file.
+bool FormatFile(const std::string& file, bool onlyCheck) {
+    std::string text;
+    if (!ReadFile(file, text)) {
+        ShowProblem("cannot read " + file);
+        return false;
+    }
+    if (!IsText(text)) {
+        ShowProblem(file + " is no text of ASCII or UTF-8 letters; it stays as it is");
+        return false;
+    }
+    const std::string formatted = Formatted(text);
+    if (formatted == text) return true;
+    if (!onlyCheck && !RewriteFile(PathOf(file), formatted)) return false;
+    std::printf("%s%s\n", onlyCheck ? "would change " : "", file.c_str());
+    return !onlyCheck;
+}
+
+bool FormatInput() {
+    const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+    const std::string formatted = IsText(text) ? Formatted(text) : text;
+    return std::fwrite(formatted.data(), 1, formatted.size(), stdout) == formatted.size();
+}
+
+}  // namespace
+
+int FmtCommand(const Options& options) {
+    bool good = true;
+    for (const std::string& name : options.names) {
+        if (name == standardInput) {
+            good = FormatInput() && good;
+            continue;
+        }
+        for (const std::string& file : SourcesOf(name)) good = FormatFile(file, options.onlyCheck) && good;
+    }
+    return good ? 0 : failure;
+}
