@@ -11,6 +11,7 @@
 #include "kv/command_quoting.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
+#include "kv/manual_pages.h"
 #include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
@@ -268,6 +269,20 @@ TEST(ProgressLines, FitTheTerminal) {
               "\xE6\xB8\xB8...\xE6\xB8\xB8\xE6\xB8\xB8 ... 1.0 s")
         << "characters of two columns";
     EXPECT_EQ(ProgressLine("a\033[2J\nb and more", 1, 80), "a?[2J?b and more ... 1.0 s");
+}
+
+TEST(Manual, HasAnEntryForEveryWord) {
+    const std::vector<ManualEntry> entries = ReadManual(SOURCE_ROOT "/docs/manual");
+    std::ifstream words(SOURCE_ROOT "/config/keywords.txt");
+    int count = 0;
+    for (std::string word; std::getline(words, word); ++count) {
+        word.erase(std::min(word.find(':'), word.size()));
+        EXPECT_NE(FindEntry(entries, word), nullptr) << word;
+    }
+    EXPECT_GT(count, 100);
+    EXPECT_EQ(SimilarNames(entries, "pritn"), Words{"Print"});
+    EXPECT_EQ(PlainText("### `A`, B\n\nSee **the** [page](a.md) of `f[x](y)`.\n```output\n\na `b`\n```\n"),
+              "A, B\n====\n\nSee the page of f[x](y).\nprints\n\n\n    a `b`\n");
 }
 
 }  // namespace
