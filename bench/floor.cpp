@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "base/source_reader.h"
 #include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
 

@@ -4,9 +4,8 @@
 
 #include "base/run.h"
 #include "base/settings.h"
-#include "expressions/expression.h"
 #include "lexer/mentions.h"
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
 #include "symbols/symbols.h"
 
 namespace {

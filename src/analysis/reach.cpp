@@ -5,11 +5,10 @@
 #include "analysis/inline_effects.h"
 #include "analysis/reach_graph.h"
 #include "base/run.h"
-#include "collect/name_scan.h"
-#include "expressions/expression.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
+#include "symbols/program_files.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include "analysis/reach_graph.h"
 #include "base/run.h"
-#include "expressions/expression.h"
 #include "lexer/holes.h"
 
 namespace {

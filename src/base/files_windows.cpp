@@ -2,8 +2,8 @@
 #include <filesystem>
 
 #include "base/files.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "lexer/source_reader.h"
 
 // Nothing is known for certain here, so nobody leaves out a step that this knowledge would spare.
 FileFacts Examine(const std::string&) { return {}; }

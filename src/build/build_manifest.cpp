@@ -12,12 +12,12 @@
 #include "base/platform.h"
 #include "base/report.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "build/atomic_file.h"
-#include "build/output_files.h"
 #include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 #include "lexer/token_span.h"
+#include "outputs/atomic_file.h"
+#include "outputs/output_files.h"
 #include "symbols/symbols.h"
 
 namespace fs = std::filesystem;

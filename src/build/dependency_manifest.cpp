@@ -13,9 +13,9 @@
 #include "base/report.h"
 #include "base/run.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "build/atomic_file.h"
-#include "lexer/source_reader.h"
+#include "outputs/atomic_file.h"
 
 namespace fs = std::filesystem;
 

@@ -3,9 +3,9 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "collect/first_pass_state.h"
+#include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
-#include "symbols/source_lines.h"
 
 namespace {
 
@@ -120,9 +120,4 @@ bool CollectDeclarations(Declarations& out, IncludeFollower follow) {
     ReadLines(pass);
     SaySummary(out);
     return pass.goesOn;
-}
-
-bool IsCollected(Keyword keyword) {
-    return RuleOf(keyword).collect != nullptr || keyword == Keyword::EndFunction ||
-           keyword == Keyword::EndMethod;
 }

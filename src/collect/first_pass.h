@@ -40,6 +40,3 @@ using IncludeFollower = bool (*)(const std::string& name);
 // Collects the declarations of out.source. False when nothing more can be collected, of any file; mistakes are kept,
 // those that end the file are thrown.
 bool CollectDeclarations(Declarations& out, IncludeFollower follow);
-
-// Whether the first pass or the name scan looks at statements that begin with the word.
-bool IsCollected(Keyword keyword);

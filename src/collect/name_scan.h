@@ -7,21 +7,3 @@
 // Fills symbols.classes, classIndex and sourceFiles from the main source and all that it includes. An
 // Include that reaches its own file ends the run; files that cannot be read are left to the first pass.
 void CollectNames(const std::string& mainSource);
-
-// The path that opens the file of an Include from the working directory.
-std::string PathOfInclude(std::string name);
-
-// How many Includes a program may have inside its routines, counted each time that one is met.
-constexpr int mostParts = 1000;
-
-// True when the file is included inside Functions and Methods only.
-bool IsPart(const std::string& source);
-
-// True when another file of the program has the same name, folder and extension aside.
-bool BaseNameIsShared(const std::string& source);
-
-// True when the path leads to one of the files that the program is read from, links followed.
-bool IsSource(const std::string& path);
-
-// True when a file of the program has this name, folder, extension and case aside.
-bool IsBaseName(const std::string& name);

@@ -2,9 +2,9 @@
 
 #include "base/report.h"
 #include "base/settings.h"
+#include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
-#include "symbols/source_lines.h"
 #include "symbols/type_reader.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/report.h"
+#include "base/source_reader.h"
 #include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 #include "lexer/token_span.h"
 #include "linking/interface_type.h"
 #include "linking/library_places.h"

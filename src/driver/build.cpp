@@ -10,10 +10,10 @@
 #include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
-#include "build/output_files.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
 #include "linking/linker_flags.h"
+#include "outputs/output_files.h"
 #include "statements/program.h"
 #include "symbols/symbols.h"
 

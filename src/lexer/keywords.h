@@ -2,17 +2,20 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 // What is asked about words; a word may have several.
 namespace trait {
-constexpr unsigned char declares = 1;     // begins a declaration or marks a block of them: nothing runs there
-constexpr unsigned char opensBlock = 2;   // so does an If that is not on one line
-constexpr unsigned char closesBlock = 4;  // so does EndIf
-constexpr unsigned char changesFirst = 8;    // changes the Sequence that stands first behind it
-constexpr unsigned char addsOrRemoves = 16;  // adds, removes or replaces items, which breaks loops over them
-constexpr unsigned char operation = 32;
-constexpr unsigned char value = 64;  // stands for a value wherever it is met
+constexpr unsigned short declares = 1;    // begins a declaration or marks a block of them: nothing runs there
+constexpr unsigned short opensBlock = 2;  // so does an If that is not on one line
+constexpr unsigned short closesBlock = 4;     // so does EndIf
+constexpr unsigned short changesFirst = 8;    // changes the Sequence that stands first behind it
+constexpr unsigned short addsOrRemoves = 16;  // adds, removes or replaces items, which breaks loops over them
+constexpr unsigned short operation = 32;
+constexpr unsigned short value = 64;       // stands for a value wherever it is met
+constexpr unsigned short collected = 128;  // begins a statement that the first pass or the name scan looks at
+constexpr unsigned short names = 256;      // declares the name that stands behind it, sooner or later
 }  // namespace trait
 
 enum class Keyword : unsigned char {
@@ -22,18 +25,18 @@ enum class Keyword : unsigned char {
 #undef ROW
 };
 
-inline constexpr unsigned char keywordTraits[] = {
+inline constexpr unsigned short keywordTraits[] = {
     0,
 #define ROW(name, traits) traits,
 #include "lexer/keywords.inc"
 #undef ROW
 };
 
-constexpr std::size_t keywordCount = sizeof keywordTraits;
+constexpr std::size_t keywordCount = std::size(keywordTraits);
 
 constexpr std::size_t IndexOf(Keyword keyword) { return static_cast<std::size_t>(keyword); }
 
-constexpr bool Has(Keyword keyword, unsigned char traits) {
+constexpr bool Has(Keyword keyword, unsigned short traits) {
     return (keywordTraits[IndexOf(keyword)] & traits) != 0;
 }
 

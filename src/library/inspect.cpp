@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "collect/name_scan.h"
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
 #include "symbols/symbols.h"
 #include "symbols/token_places.h"
 #include "symbols/uses.h"

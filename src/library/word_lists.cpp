@@ -5,8 +5,8 @@
 
 #include "base/report.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 #include "symbols/identifiers.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include "base/files.h"
 #include "base/report.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "lexer/source_reader.h"
 #include "symbols/symbols.h"
 
 namespace {

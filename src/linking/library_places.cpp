@@ -6,9 +6,9 @@
 #include "base/places.h"
 #include "base/run.h"
 #include "base/settings.h"
-#include "collect/name_scan.h"
 #include "lexer/lexer.h"
 #include "linking/linker_flags.h"
+#include "symbols/program_files.h"
 #include "symbols/symbols.h"
 
 namespace {

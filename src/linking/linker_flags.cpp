@@ -3,8 +3,8 @@
 #include "base/paths.h"
 #include "base/report.h"
 #include "base/settings.h"
-#include "collect/name_scan.h"
 #include "lexer/token_text.h"
+#include "symbols/program_files.h"
 #include "symbols/symbols.h"
 
 static std::string CurrentFolder() {

@@ -4,9 +4,9 @@
 
 #include "base/report.h"
 #include "base/settings.h"
-#include "collect/name_scan.h"
 #include "linking/runtime_code.h"
 #include "prelude/header.h"
+#include "symbols/program_files.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "lexer/lexer.h"
+#include "lexer/source_lines.h"
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
@@ -18,7 +19,6 @@
 #include "symbols/identifiers.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
-#include "symbols/source_lines.h"
 #include "symbols/type_reader.h"
 #include "symbols/uses.h"
 

@@ -4,10 +4,10 @@
 
 #include "base/paths.h"
 #include "base/report.h"
-#include "collect/name_scan.h"
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
+#include "symbols/program_files.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "lexer/source_lines.h"
 #include "statements/words.h"
-#include "symbols/source_lines.h"
 
 namespace {
 

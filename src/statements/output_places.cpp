@@ -6,8 +6,8 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "base/utf8.h"
-#include "build/output_files.h"
-#include "collect/name_scan.h"
+#include "outputs/output_files.h"
+#include "symbols/program_files.h"
 
 static bool IsInTheWay(const std::string& path) {
     std::error_code failed;

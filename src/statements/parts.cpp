@@ -5,12 +5,12 @@
 #include "base/paths.h"
 #include "base/report.h"
 #include "base/run.h"
-#include "collect/name_scan.h"
 #include "expressions/expression.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/program.h"
 #include "statements/second_pass.h"
+#include "symbols/program_files.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 #include "base/settings.h"
 #include "base/utf8.h"
 #include "build/dependency_manifest.h"
-#include "build/output_files.h"
-#include "collect/name_scan.h"
+#include "lexer/source_lines.h"
+#include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/array_results.h"
-#include "symbols/source_lines.h"
+#include "symbols/program_files.h"
 
 Program program;
 

@@ -131,7 +131,8 @@ bool PassesOver(State& state, Keyword keyword) {
     const bool ends = (passing == Passing::Routine && IsRoutineCloser(keyword)) ||
                       (passing == Passing::Class && IsClassCloser(keyword)) ||
                       (passing == Passing::PreCalc && keyword == Keyword::EndPreCalc);
-    const bool goesOn = passing == Passing::Stray && (IsCollected(keyword) || IsClassCloser(keyword));
+    const bool goesOn =
+        passing == Passing::Stray && (Has(keyword, trait::collected) || IsClassCloser(keyword));
     if (passing == Passing::Stray && IsRoutineCloser(keyword)) {
         state.place.passing = Passing::Nothing;
         return true;

@@ -3,13 +3,13 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/sequence_walks.h"
+#include "lexer/source_lines.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/recovery.h"
 #include "statements/with.h"
 #include "symbols/own_names.h"
-#include "symbols/source_lines.h"
 #include "symbols/uses.h"
 
 namespace {

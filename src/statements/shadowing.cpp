@@ -2,10 +2,10 @@
 
 #include "base/settings.h"
 #include "lexer/mentions.h"
+#include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
-#include "symbols/source_lines.h"
 
 namespace {
 

@@ -9,18 +9,18 @@
 #include "base/paths.h"
 #include "base/run.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "build/output_files.h"
 #include "collect/element_circles.h"
-#include "collect/name_scan.h"
 #include "collect/settle.h"
 #include "collect/value_circles.h"
-#include "lexer/source_reader.h"
+#include "lexer/source_lines.h"
+#include "outputs/output_files.h"
 #include "prelude/header.h"
 #include "statements/output_places.h"
 #include "statements/program.h"
 #include "symbols/mistakes.h"
-#include "symbols/source_lines.h"
+#include "symbols/program_files.h"
 
 namespace fs = std::filesystem;
 

@@ -4,10 +4,9 @@
 
 #include "base/report.h"
 #include "base/settings.h"
-#include "build/output_files.h"
-#include "collect/name_scan.h"
 #include "collect/settle.h"
 #include "expressions/sequence_walks.h"
+#include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/debug_hooks.h"
@@ -15,6 +14,7 @@
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/mistakes.h"
+#include "symbols/program_files.h"
 #include "symbols/scopes.h"
 
 namespace {

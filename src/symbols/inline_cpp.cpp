@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "base/run.h"
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
 #include "symbols/symbols.h"
 
 namespace {

@@ -28,25 +28,6 @@ bool IsDeclared(const std::string& name) {
            symbols.fieldOwners.count(name) != 0 || FindLocal(name) != nullptr;
 }
 
-bool Declares(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::Local:
-        case Keyword::Global:
-        case Keyword::Const:
-        case Keyword::Field:
-        case Keyword::For:
-        case Keyword::EachSeq:
-        case Keyword::PreCalc:
-        case Keyword::Function:
-        case Keyword::Method:
-        case Keyword::Type:
-        case Keyword::Element:
-            return true;
-        default:
-            return false;
-    }
-}
-
 bool IsNameOfProgram(const Word& word) {
     const bool isName =
         word.sign == '\0' && word.text[0] != '"' && IsName(word.text) && !IsBasicType(word.text);
@@ -55,7 +36,7 @@ bool IsNameOfProgram(const Word& word) {
 
 // Names that nobody declares, and those that a wrong declaration would have declared.
 void DoubtNamesOf(TokenSpan statement) {
-    const bool declares = Declares(statement.KeywordAt(0));
+    const bool declares = Has(statement.KeywordAt(0), trait::names);
     const Tokens mentioned = MentionedTokens(statement.From(declares ? 1 : 0));
     for (const Token token : mentioned)
         if (IsNameOfProgram(*token) && (!IsDeclared(token->text) || (declares && FindLocal(token->text))))

@@ -6,7 +6,6 @@
 #include "base/report.h"
 #include "base/run.h"
 #include "base/settings.h"
-#include "expressions/expression.h"
 #include "symbols/identifiers.h"
 #include "symbols/uses.h"
 

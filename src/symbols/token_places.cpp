@@ -5,7 +5,7 @@
 
 #include "base/run.h"
 #include "lexer/holes.h"
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/report.h"
+#include "lexer/cut_file.h"
 #include "lexer/token_span.h"
-#include "symbols/cut_file.h"
 
 struct SourcePlace {
     std::string file;

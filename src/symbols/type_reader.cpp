@@ -2,8 +2,8 @@
 
 #include "base/report.h"
 #include "lexer/lexer.h"
+#include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
-#include "symbols/source_lines.h"
 #include "symbols/symbols.h"
 
 namespace {

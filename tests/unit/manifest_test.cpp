@@ -6,9 +6,9 @@
 #include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
-#include "build/marks.h"
-#include "build/output_files.h"
 #include "fatal.h"
+#include "outputs/marks.h"
+#include "outputs/output_files.h"
 #include "scratch_folder.h"
 #include "symbols/symbols.h"
 

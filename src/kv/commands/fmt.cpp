@@ -4,12 +4,12 @@
 #include <iostream>
 #include <iterator>
 
+#include "base/source_reader.h"
 #include "base/utf8.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/format/format.h"
 #include "kv/write_file.h"
-#include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
 

@@ -1,4 +1,4 @@
-#include "build/output_files.h"
+#include "outputs/output_files.h"
 
 #include <filesystem>
 #include <fstream>
@@ -10,7 +10,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "base/utf8.h"
-#include "build/marks.h"
+#include "outputs/marks.h"
 
 namespace fs = std::filesystem;
 

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/source_reader.h"
 #include "lexer/cpp_lines.h"
 #include "lexer/lexer.h"
-#include "lexer/source_reader.h"
 #include "lexer/token_span.h"
 
 // One line with the lines joined to it. Its statements and the inline C++ before it begin in the lists of

@@ -1,10 +1,10 @@
-#include "build/atomic_file.h"
+#include "outputs/atomic_file.h"
 
 #include <filesystem>
 
 #include "base/files.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "lexer/source_reader.h"
 
 namespace fs = std::filesystem;
 

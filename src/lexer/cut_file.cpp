@@ -1,9 +1,8 @@
-#include "symbols/cut_file.h"
+#include "lexer/cut_file.h"
 
 #include <algorithm>
 
 #include "base/settings.h"
-#include "collect/first_pass.h"
 
 namespace {
 
@@ -199,7 +198,7 @@ void LineCutter::AddStatement(CutLine& line, std::size_t from, std::size_t to) {
     if (places != nullptr)
         places->insert(places->end(), placesInLine.begin() + static_cast<std::ptrdiff_t>(from),
                        placesInLine.begin() + static_cast<std::ptrdiff_t>(to));
-    line.declares = line.declares || IsCollected(tokens[from]->keyword);
+    line.declares = line.declares || Has(tokens[from]->keyword, trait::collected);
 }
 
 // Tokens [from, to) of the line stand before a "|".

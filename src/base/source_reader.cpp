@@ -1,4 +1,4 @@
-#include "lexer/source_reader.h"
+#include "base/source_reader.h"
 
 #include <cstdio>
 #include <filesystem>

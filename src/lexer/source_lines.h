@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "lexer/cut_file.h"
 #include "lexer/token_span.h"
-#include "symbols/cut_file.h"
 
 enum class Reading : unsigned char {
     Names,       // only lines that may declare something or name another file

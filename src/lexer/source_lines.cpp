@@ -1,4 +1,4 @@
-#include "symbols/source_lines.h"
+#include "lexer/source_lines.h"
 
 #include <filesystem>
 #include <unordered_map>

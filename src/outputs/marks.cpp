@@ -1,12 +1,12 @@
-#include "build/marks.h"
+#include "outputs/marks.h"
 
 #include <cstdint>
 #include <filesystem>
 
 #include "base/paths.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
-#include "build/atomic_file.h"
-#include "lexer/source_reader.h"
+#include "outputs/atomic_file.h"
 
 namespace fs = std::filesystem;
 
