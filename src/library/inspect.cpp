@@ -4,8 +4,8 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "collect/name_scan.h"
 #include "lexer/source_lines.h"
+#include "symbols/program_files.h"
 #include "symbols/symbols.h"
 #include "symbols/token_places.h"
 #include "symbols/uses.h"
