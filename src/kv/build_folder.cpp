@@ -118,6 +118,16 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     return true;
 }
 
+std::vector<std::string> BuildFoldersOf(const std::string& source) {
+    const fs::path path = PathOf(source), own = PathOf(OwnName(path));
+    std::vector<std::string> folders = {TextOf(path.parent_path() / hiddenFolder / path.filename()),
+                                        TextOf(PathOf(UserTemporaryFolder()) / own)};
+    if (!CacheFolder().empty()) folders.push_back(TextOf(PathOf(CacheFolder()) / "build" / own));
+    return folders;
+}
+
+std::string HiddenFolderOf(const fs::path& folder) { return TextOf(folder / hiddenFolder); }
+
 bool BeginBuild(BuildFolder& build) {
     build.token = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
     const std::size_t room = 1 << 20;  // what a small program takes

@@ -12,7 +12,9 @@
 // user's cache folder, and without one to a private folder for temporary files. It can be removed at any time.
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 struct BuildFolder {
     std::string folder;
@@ -41,6 +43,11 @@ struct BuildFolder {
 // folder to keep the C++ in is not the user's own.
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
                         const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
+
+// Where the folders of a source (a full path) may be, all ways of building it together, and the one that the programs of a
+// folder have in it.
+std::vector<std::string> BuildFoldersOf(const std::string& source);
+std::string HiddenFolderOf(const std::filesystem::path& folder);
 
 // Begins a build in the folder. Returns false when there is no room for one; the next place may have it.
 bool BeginBuild(BuildFolder& build);

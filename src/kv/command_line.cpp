@@ -106,6 +106,8 @@ std::string EmptyValue(const Options& options, const CLI::App& app) {
     return "";
 }
 
+bool TakesArguments(Command command) { return command == Command::run || command == Command::watch; }
+
 // What is left over when CLI11 has taken the options.
 std::string TakeNames(const CommandRow& row, const std::vector<std::string>& words, Options& options) {
     for (const std::string& word : words) {
@@ -113,7 +115,7 @@ std::string TakeNames(const CommandRow& row, const std::vector<std::string>& wor
         if (options.names.size() == row.most) {
             if (row.most == 0) return std::string("kv ") + row.word + " stands alone";
             return std::string("one ") + row.noun + " at a time: " + options.names[0] + " or " + word + "?" +
-                   (row.command == Command::run ? " (Arguments for the program stand behind \"--\".)" : "");
+                   (TakesArguments(row.command) ? " (Arguments for the program stand behind \"--\".)" : "");
         }
         options.names.push_back(word);
     }
@@ -166,7 +168,7 @@ bool ParseCommandLine(const std::vector<std::string>& arguments, Options& option
     if (options.command == Command::help || !problem.empty()) return problem.empty();
     if (!options.names.empty()) options.source = options.names[0];
     if (!options.optimisation.empty()) options.optimisation.insert(0, "-O");
-    if (!options.arguments.empty() && options.command != Command::run)
+    if (!options.arguments.empty() && !TakesArguments(options.command))
         problem = "arguments after \"--\" belong to kv run";
     return problem.empty();
 }

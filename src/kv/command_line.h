@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-enum class Command { run, build, check, doc, format, help, version };
+enum class Command { run, build, check, doc, create, format, watch, clean, completion, help, version };
 
 struct Options {
     Command command = Command::help;

@@ -14,31 +14,6 @@ namespace {
 
 const int attempts = 5;
 
-// The source as a full path; "game" means game.kvl, beside which a program of that name may lie.
-bool FindSource(const Options& options, Job& job) {
-    std::error_code failed;
-    fs::path source = PathOf(job.typedFolder) / PathOf(options.source);
-    const bool hasExtension = source.extension() == ".kvl";
-    const bool isWhole = hasExtension && fs::exists(source, failed);
-    if (!isWhole && fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
-    if (!fs::exists(source, failed)) {
-        ShowProblem("cannot find " + options.source + (hasExtension ? "" : " or " + options.source + ".kvl"));
-        return false;
-    }
-    if (!fs::is_regular_file(source, failed)) {
-        ShowProblem(options.source + " is no file; name the main file of a program");
-        return false;
-    }
-    // Records of what was read have a line for each file.
-    if (TextOf(source).find_first_of("\r\n") != std::string::npos) {
-        ShowProblem("a source cannot have a line break in its name, nor in that of its folder; rename it");
-        return false;
-    }
-    job.source = TextOf(source.lexically_normal());
-    job.sourceFolder = TextOf(source.lexically_normal().parent_path());
-    return true;
-}
-
 bool FindInstallation(Job& job) {
     job.kv = OwnExecutable();
     const fs::path binFolder = PathOf(job.kv).parent_path();
@@ -59,6 +34,30 @@ std::string Variant(const Options& options) {
 
 }  // namespace
 
+// The source as a full path; "game" means game.kvl, beside which a program of that name may lie.
+bool FindSource(const std::string& name, const std::string& typedFolder, std::string& found) {
+    std::error_code failed;
+    fs::path source = PathOf(typedFolder) / PathOf(name);
+    const bool hasExtension = source.extension() == ".kvl";
+    const bool isWhole = hasExtension && fs::exists(source, failed);
+    if (!isWhole && fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
+    if (!fs::exists(source, failed)) {
+        ShowProblem("cannot find " + name + (hasExtension ? "" : " or " + name + ".kvl"));
+        return false;
+    }
+    if (!fs::is_regular_file(source, failed)) {
+        ShowProblem(name + " is no file; name the main file of a program");
+        return false;
+    }
+    // Records of what was read have a line for each file.
+    if (TextOf(source).find_first_of("\r\n") != std::string::npos) {
+        ShowProblem("a source cannot have a line break in its name, nor in that of its folder; rename it");
+        return false;
+    }
+    found = TextOf(source.lexically_normal());
+    return true;
+}
+
 bool PrepareJob(const Options& options, Job& job) {
     std::error_code failed;
     job.options = options;
@@ -67,7 +66,8 @@ bool PrepareJob(const Options& options, Job& job) {
         ShowProblem("the folder in which kv was called does not exist any more");
         return false;
     }
-    if (!FindSource(options, job) || !FindInstallation(job)) return false;
+    if (!FindSource(options.source, job.typedFolder, job.source) || !FindInstallation(job)) return false;
+    job.sourceFolder = TextOf(PathOf(job.source).parent_path());
     if (job.options.optimisation.empty()) {
         job.options.optimisation = options.command == Command::build ? "-O2" : "-O0";
     }

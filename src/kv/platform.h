@@ -11,6 +11,7 @@ struct ProcessRequest {
     std::string outputFile;              // both streams are written to these files, and there is no input;
     std::string errorFile;               // empty: streams and input are those of kv
     std::function<void()> whileWaiting;  // called a few times a second while the program runs; may be empty
+    std::function<bool()> shallEnd;      // asked as often: whether to end the program; may be empty
 };
 
 // Runs a program to its end and returns its exit status, 128 + n when signal n ended it. While a program with kv's
@@ -101,6 +102,7 @@ std::string PathForTool(const std::string& path, const std::string& folder);
 // How the system names and finds programs.
 extern const char* const executableSuffix;  // "" or ".exe"
 extern const char searchPathSeparator;      // ':' or ';'
+extern const int interruptedStatus;         // of a program that Ctrl-C has ended
 
 // Where the system has a C++ compiler to be had from, as a sentence without its full stop.
 extern const char* const compilerAdvice;

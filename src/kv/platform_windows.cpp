@@ -15,6 +15,7 @@
 
 const char* const executableSuffix = ".exe";
 const char searchPathSeparator = ';';
+const int interruptedStatus = static_cast<int>(0xC000013A);
 const char* const compilerAdvice =
     "On Windows: install MinGW-w64 (www.mingw-w64.org) and put its bin folder on PATH";
 
@@ -133,6 +134,7 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
         ResumeThread(process.hThread);
         while (WaitForSingleObject(process.hProcess, tickMilliseconds) == WAIT_TIMEOUT) {
             if (request.whileWaiting) request.whileWaiting();
+            if (request.shallEnd && request.shallEnd()) TerminateProcess(process.hProcess, 1);
         }
         DWORD code = 1;
         GetExitCodeProcess(process.hProcess, &code);

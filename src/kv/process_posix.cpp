@@ -129,17 +129,20 @@ void WriteTo(int descriptor, const std::string& path) {
     _exit(written == sizeof reason ? 127 : 126);
 }
 
-int WaitFor(pid_t child, const std::function<void()>& whileWaiting) {
-    const Ticks ticks(static_cast<bool>(whileWaiting));
+int WaitFor(pid_t child, const std::function<void()>& whileWaiting, const std::function<bool()>& shallEnd) {
+    const Ticks ticks(whileWaiting || shallEnd);
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {
         if (errno != EINTR) return 1;
         if (whileWaiting) whileWaiting();
+        if (shallEnd && shallEnd()) kill(child, SIGTERM);
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 }  // namespace
+
+const int interruptedStatus = 128 + SIGINT;
 
 void WriteBeyondLimits() {
     struct sigaction ignored;
@@ -181,7 +184,7 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
         signals.LetThrough();
         while (read(report[0], &reason, sizeof reason) < 0 && errno == EINTR) {
         }
-        status = WaitFor(child, request.whileWaiting);
+        status = WaitFor(child, request.whileWaiting, request.shallEnd);
         if (isTool && status != 0) kill(-child, SIGKILL);  // what a tool that was killed has left at work
         childProcess = 0;
         if (!isTool && status > 128) modes.Restore();

@@ -3,7 +3,7 @@
 namespace {
 
 const std::size_t any = static_cast<std::size_t>(-1);
-constexpr unsigned making = Bit(Command::run) | Bit(Command::build);
+constexpr unsigned making = Bit(Command::run) | Bit(Command::build) | Bit(Command::watch);
 constexpr unsigned translating = making | Bit(Command::check);
 
 }  // namespace
@@ -19,9 +19,18 @@ const std::vector<CommandRow>& CommandRows() {
          CheckCommand},
         {Command::doc, "doc", "[WORD]", "word", 0, 1, "",
          "show what the manual says of a word of the language", DocCommand},
+        {Command::create, "new", "NAME", "program", 1, 1, "what shall it be called? kv new game",
+         "begin a program in a folder of its own", NewCommand},
+        {Command::watch, "watch", "PROGRAM [OPTIONS] [-- ARGUMENTS]", "program", 1, 1,
+         "which program? Name its main file: kv watch game.kvl",
+         "run a program, and again whenever one of its sources is saved", WatchCommand},
+        {Command::clean, "clean", "[PROGRAMS]", "program", 0, any, "",
+         "remove what kv has made and can make again, of programs or of those in folders", CleanCommand},
         {Command::format, "fmt", "FILES [OPTIONS]", "file", 1, any,
          "which files? kv fmt game.kvl, or kv fmt . for all in this folder",
          "bring sources into their usual form: indentation, blanks, spelling of keywords", FmtCommand},
+        {Command::completion, "completion", "SHELL", "shell", 1, 1, "which shell? kv completion bash",
+         "write what makes bash, zsh or fish complete the words of kv", CompletionCommand},
         {Command::help, "help", "[COMMAND]", "command", 0, 1, "", "tell how kv, or a command, is used",
          HelpCommand},
         {Command::version, "version", "", "", 0, 0, "", "tell the version of kv", VersionCommand},
