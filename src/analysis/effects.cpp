@@ -10,6 +10,7 @@
 #include "analysis/reach_graph.h"
 #include "base/run.h"
 #include "lexer/holes.h"
+#include "symbols/modules.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -47,11 +48,15 @@ const PartOfRun partOfRun(facts);
 void AddForeign(const ReachGraph& graph, const std::string& name) {
     const auto found = graph.routines.find(name);
     if (found == graph.routines.end()) return;
+    const Routine* routine = FindFunction(name);
+    const std::string& file = routine == nullptr ? name : routine->file;
     EffectSet& set = OwnEffectsOf(found->second);
-    set.Add(EffectsOfOutsideCode());
+    set.readsPassed = true;
+    if (IsPureModule(file)) return;
+    if (!IsModule(file)) set.Add(EffectsOfOutsideCode());
     set.Change(foreignState);
     if (symbols.userlibRoutines.count(name) != 0) set.Change(userlibs);
-    set.readsPassed = set.changesPassed = true;
+    set.changesPassed = true;
 }
 
 void Complete(ReachGraph& graph) {

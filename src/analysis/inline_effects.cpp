@@ -82,4 +82,6 @@ void ReadInlineEffects(ReachGraph& graph, int node, const std::string& line) {
         if (IsName(tokens[i])) ReadName(graph, node, tokens, i, set);
 }
 
+void NoteForeignEffects(int node) { DoForeign(OwnEffectsOf(node)); }
+
 const EffectSet& EffectsOfOutsideCode() { return outside; }

@@ -8,6 +8,7 @@
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
 #include "lexer/source_lines.h"
+#include "symbols/modules.h"
 #include "symbols/program_files.h"
 
 namespace {
@@ -34,7 +35,8 @@ void AddNames() {
 // Reads one file and adds what its routines and loops mention.
 class FileReach {
 public:
-    explicit FileReach(const std::string& path) : file(path), fileId(FileId(path)) {}
+    explicit FileReach(const std::string& path)
+        : file(path), fileId(FileId(path)), isModule(IsModule(path)) {}
 
     void Read() { ReadLines(); }
 
@@ -42,6 +44,7 @@ private:
     static constexpr int outside = -1;
 
     std::string file, fileId;
+    bool isModule;
     int partsRead = 0;
     int node = outside;          // the routine or loop that the statement belongs to
     std::vector<int> enclosing;  // what Next, NextSeq and Wend return to
@@ -51,7 +54,8 @@ private:
     void ReadLines() {
         SourceLines lines(Reading::Uses);
         if (!lines.Open(file)) return;
-        lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
+        if (!isModule)
+            lines.onInlineCpp = [this](const InlineLine& line) { ReadInlineEffects(graph, node, line.text); };
         while (lines.Next()) {
             if (lines.MetInlineCpp()) NoteInlineCpp();
             for (const TokenSpan statement : lines.Statements()) ReadStatement(statement, lines.Line());
@@ -61,6 +65,7 @@ private:
 
     void NoteInlineCpp() {
         if (node == outside) return;
+        if (isModule) return NoteForeignEffects(node);
         graph.At(node).createsAnything = true;
         graph.At(node).holdsInlineCpp = true;
     }

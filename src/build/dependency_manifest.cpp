@@ -16,6 +16,7 @@
 #include "base/source_reader.h"
 #include "base/utf8.h"
 #include "outputs/atomic_file.h"
+#include "symbols/modules.h"
 
 namespace fs = std::filesystem;
 
@@ -161,7 +162,15 @@ bool MainUnchanged() {
     return !changed && !unknown;
 }
 
+// A file of the program's own may have come in the place of a module.
+bool IsTakenOver(const std::string& path) {
+    if (!IsModule(path) || FileTime(OwnFileFor(path)) == 0) return false;
+    Say("[QUICK BUILD] Included file changed: " + OwnFileFor(path));
+    return true;
+}
+
 bool IncludeUnchanged(const std::string& path) {
+    if (IsTakenOver(path)) return false;
     if (FileTime(path) == 0) {
         Say("[QUICK BUILD] Included file missing: " + path);
         return false;

@@ -6,6 +6,7 @@
 #include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
+#include "symbols/modules.h"
 
 namespace {
 
@@ -86,6 +87,7 @@ void CollectOrRecover(FirstPass& pass, TokenSpan tokens) {
 
 void ReadLines(FirstPass& pass) {
     SourceLines lines(Reading::FirstPass);
+    const bool counts = !IsModule(pass.out.source);
     if (!lines.Open(pass.out.source)) {
         RefuseNoFile(pass.out.source);
         ReportFatal("Cannot read '" + pass.out.source + "'.");
@@ -94,10 +96,10 @@ void ReadLines(FirstPass& pass) {
     while (pass.goesOn && lines.Next()) {
         settings.currentLine = lines.Count();
         pass.line = lines.Line();
-        if (lines.MetInlineCpp()) symbols.inlineCpp = true;
+        if (counts && lines.MetInlineCpp()) symbols.inlineCpp = true;
         for (const TokenSpan statement : lines.Statements()) CollectOrRecover(pass, statement);
     }
-    if (lines.MetInlineCpp()) symbols.inlineCpp = true;
+    if (counts && lines.MetInlineCpp()) symbols.inlineCpp = true;
     settings.currentFile = pass.out.source;
     settings.currentLine = pass.out.lastLine = lines.Count();
 }

@@ -34,7 +34,10 @@ void DeclareExtern(Prototype& prototype, Routine& routine) {
     prototype.text = std::move(texts.prototype);
     if (texts.wrapper.empty()) return;
     // One definition is enough; where a header comes before that of the other file, this declares it.
-    prototype.wrapper = texts.wrapper + (prototype.again ? ";" : " { " + texts.body + " }");
+    const std::string definition = texts.wrapper + " { " + texts.body + " }";
+    const bool isLate = !prototype.again && routine.result.sequence;
+    prototype.wrapper = prototype.again || isLate ? texts.wrapper + ";" : definition;
+    if (isLate) prototype.lateWrapper = definition;
 }
 
 void SettleFunction(Prototype& prototype) {

@@ -84,6 +84,16 @@ std::vector<std::string> FilesTranslated(const Job& job) {
     return files;
 }
 
+std::vector<std::string> RivalsOfModules(const Job& job) {
+    const std::string library = TextOf(PathOf(job.installation) / "lib");
+    std::vector<std::string> rivals;
+    for (const std::string& file : job.translation.sources) {
+        if (!IsBelow(file, library)) continue;
+        rivals.push_back(TextOf(PathOf(job.sourceFolder) / PathOf(file.substr(library.size() + 1))));
+    }
+    return rivals;
+}
+
 bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     const std::string preludes = PreludesFolder();
     const std::vector<std::string> settled = CompilerFolders(job.compiler);

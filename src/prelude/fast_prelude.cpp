@@ -3,6 +3,7 @@
 #include "base/settings.h"
 #include "prelude/program_uses.h"
 #include "prelude/texts.h"
+#include "symbols/modules.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -11,7 +12,7 @@ namespace {
 std::string_view OutputText() {
     if (programUses.unsyncedOutput) return texts::fastUnitOutput;
     const bool foreign = programUses.foreignOutput || settings.debugMode ||
-                         !symbols.externFunctions.empty() || !symbols.userlibDLLs.empty();
+                         HasForeignFunctions() || !symbols.userlibDLLs.empty();
     return foreign ? texts::fastLineOutput : texts::fastOutput;
 }
 

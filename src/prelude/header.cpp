@@ -9,6 +9,7 @@
 #include "prelude/fast_prelude.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
+#include "symbols/modules.h"
 
 namespace {
 
@@ -61,8 +62,7 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
 
 // All files are compiled as one: Functions that nobody else calls or defines can be fitted into their callers.
 bool StaysInside(const FileOutput& out) {
-    return settings.fastMode && !out.headerOnly && symbols.externFunctions.empty() &&
-           symbols.linkerFlags.empty();
+    return settings.fastMode && !out.headerOnly && !HasForeignFunctions() && symbols.linkerFlags.empty();
 }
 
 std::string FunctionSection(const FileOutput& out, const HeaderContents& contents) {
@@ -73,9 +73,9 @@ std::string FunctionSection(const FileOutput& out, const HeaderContents& content
         text += "extern \"C\" {\n";
         for (const std::string& line : contents.externLines) text += line + "\n";
         text += "}\n";
-        for (const std::string& line : contents.externWrappers) text += line + "\n";
-        text += "\n";
     }
+    for (const std::string& line : contents.externWrappers) text += line + "\n";
+    if (!contents.externLines.empty() || !contents.externWrappers.empty()) text += "\n";
     if (!contents.functionLines.empty()) {
         text += "// Function declarations\n";
         const char* linkage = StaysInside(out) ? "static " : "";

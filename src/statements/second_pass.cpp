@@ -9,6 +9,7 @@
 #include "statements/line_writer.h"
 #include "statements/recovery.h"
 #include "statements/with.h"
+#include "symbols/modules.h"
 #include "symbols/own_names.h"
 #include "symbols/uses.h"
 
@@ -60,7 +61,7 @@ void ReadStatements(State& state, const std::string& source) {
     int opened = 0;  // braces of inline C++ since the line before
     lines.onInlineCpp = [&](const InlineLine& line) {
         opened += line.braces;
-        NoteInlineCpp(line.text);
+        if (!IsModule(source)) NoteInlineCpp(line.text);
         NoteInlineCppInLoops(line.text);
         NoteInlineJumps(state);
         const std::size_t code = line.text.find_first_not_of(" \t");

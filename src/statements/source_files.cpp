@@ -119,7 +119,9 @@ SourceFile* MeetInclude(std::string name) {
     const std::string folder = OutputFolderOf(name);
     if (!IsFile(path)) {
         RefuseNoFile(path);
-        ReportFatal("Include file does not exist.");
+        const std::string modules = ModulesLike(name);
+        ReportFatal("Include file does not exist." +
+                    (modules.empty() ? "" : " The modules of the language are " + modules));
     }
     const TellOnly first(Telling::First);
     Say(path);

@@ -39,7 +39,16 @@ private:
     FileOutput* before;
 };
 
-HeaderContents ContentsOf(const Declarations& declarations, const std::string& source) {
+// An included header stands in front of the support code, and so leaves some definitions to the main one.
+void AddLateWrappers(std::vector<std::string>& wrappers) {
+    for (const SourceFile* file : CollectedFiles())
+        for (const Prototype& prototype : file->declarations.functions)
+            if (!file->output.isMain && !prototype.lateWrapper.empty())
+                wrappers.push_back(prototype.lateWrapper);
+}
+
+HeaderContents ContentsOf(const Declarations& declarations, const FileOutput& out) {
+    const std::string& source = out.source;
     HeaderContents contents;
     contents.classes = declarations.classes;
     std::unordered_set<const ClassInfo*> listed;  // a Type may be declared twice, the first one counts
@@ -48,9 +57,12 @@ HeaderContents ContentsOf(const Declarations& declarations, const std::string& s
             contents.instanceLists.push_back(cls);
     for (const Prototype& prototype : declarations.functions) {
         (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
-        if (!prototype.wrapper.empty()) contents.externWrappers.push_back(prototype.wrapper);
+        const std::string& wrapper =
+            out.isMain && !prototype.lateWrapper.empty() ? prototype.lateWrapper : prototype.wrapper;
+        if (!wrapper.empty()) contents.externWrappers.push_back(wrapper);
         contents.externBound = contents.externBound || prototype.bound;
     }
+    if (out.isMain) AddLateWrappers(contents.externWrappers);
     return contents;
 }
 
@@ -74,14 +86,14 @@ void NoteMentions(FileOutput& out, const Declarations& declarations) {
 
 void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
-    OpenHeader(out, ContentsOf(declarations, out.source));
+    OpenHeader(out, ContentsOf(declarations, out));
     SayHeaderOpened(out);
 }
 
 void OpenFileCpp(FileOutput& out, const Declarations& declarations) {
     if (!ReserveOutput(CppPath(out)))
         ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
-    OpenCpp(out, ContentsOf(declarations, out.source).instanceLists);
+    OpenCpp(out, ContentsOf(declarations, out).instanceLists);
 }
 
 void CloseHeader(const FileOutput& out) {

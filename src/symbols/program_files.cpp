@@ -7,9 +7,11 @@
 #include "base/paths.h"
 #include "base/run.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
 #include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
+#include "symbols/modules.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -41,7 +43,9 @@ void AddSourceFile(const std::string& path) {
 
 std::string PathOfInclude(std::string name) {
     std::replace(name.begin(), name.end(), '\\', '/');
-    return settings.sourceFolder + "/" + name;
+    const std::string own = settings.sourceFolder + "/" + name;
+    const std::string module = PathOfModule(name);
+    return module.empty() || IsFile(own) || IsNoFile(own) ? own : module;
 }
 
 bool IsPart(const std::string& source) {

@@ -1,0 +1,65 @@
+#include "symbols/modules.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "base/paths.h"
+#include "base/settings.h"
+#include "base/source_reader.h"
+#include "base/utf8.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+constexpr const char* library = "lib/";
+constexpr const char* modules = "std/";  // in the library
+
+bool StartsWith(const std::string& text, const std::string& start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+bool NamesModule(const std::string& name) {
+    return StartsWith(name, modules) && name.find("..") == std::string::npos;
+}
+
+}  // namespace
+
+std::string PathOfModule(const std::string& includeName) {
+    if (!NamesModule(includeName)) return {};
+    const std::string module = InstallationPath(library + includeName);
+    return IsFile(module) ? module : std::string();
+}
+
+bool IsModule(const std::string& path) {
+    return StartsWith(path, InstallationPath(std::string(library) + modules));
+}
+
+bool IsPureModule(const std::string& path) { return IsModule(path) && StripFolder(path) == "text.kvl"; }
+
+std::string OwnFileFor(const std::string& module) {
+    return settings.sourceFolder + "/" + module.substr(InstallationPath(library).size());
+}
+
+bool HasForeignFunctions() {
+    return std::any_of(symbols.externFunctions.begin(), symbols.externFunctions.end(),
+                       [](const std::string& name) {
+                           const Routine* routine = FindFunction(name);
+                           return routine == nullptr || !IsModule(routine->file);
+                       });
+}
+
+std::string ModulesLike(const std::string& includeName) {
+    std::string name = includeName;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    if (!NamesModule(name)) return {};
+    std::set<std::string> found;
+    std::error_code failed;
+    const std::string folder = InstallationPath(std::string(library) + modules);
+    for (std::filesystem::directory_iterator entry(PathOf(folder), failed), end; !failed && entry != end;
+         entry.increment(failed))
+        found.insert(modules + TextOf(entry->path().filename()));
+    std::string text;
+    for (const std::string& module : found) text += (text.empty() ? "" : ", ") + module;
+    return text;
+}
