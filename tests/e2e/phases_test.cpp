@@ -68,6 +68,12 @@ TEST_F(Phases, QuickBuildsSkipWhatHasNotChanged) {
     MakeNewer("main.kvl");
     ExpectIn(Translate({"-quick"}), "[QUICK BUILD] Main file changed, transpiling...\n");
     ExpectIn(Translate({"-quick", "-d"}), "[QUICK BUILD] C++ file not found, forcing transpilation\n");
+
+    Write("main.kvl", "Include \"std/text.kvl\"\nFunction Main\nEndFunction\n");
+    Translate({"-quick"});
+    ExpectIn(Translate({"-quick"}), skipping);
+    Write("std/text.kvl", "");
+    ExpectIn(Translate({"-quick"}), "[QUICK BUILD] Included file changed: " + folder + "/std/text.kvl\n");
 }
 
 TEST_F(Phases, QuickBuildsTellWhatForcesThem) {
