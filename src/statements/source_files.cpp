@@ -20,6 +20,7 @@
 #include "statements/output_places.h"
 #include "statements/program.h"
 #include "symbols/mistakes.h"
+#include "symbols/modules.h"
 #include "symbols/program_files.h"
 
 namespace fs = std::filesystem;
