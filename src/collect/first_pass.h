@@ -9,9 +9,9 @@
 #include "symbols/symbols.h"
 
 struct Prototype {
-    std::string text;     // "int KVL_Twice(int KVL_n);"
-    std::string name;     // as written
-    std::string wrapper;  // Extern functions: what follows the extern "C" section, or empty
+    std::string text;         // "int KVL_Twice(int KVL_n);"
+    std::string name;         // as written
+    std::string wrapper;      // Extern functions: what follows the extern "C" section, or empty
     std::string lateWrapper;  // the definition of such a wrapper where that takes support code; else empty
     bool isExtern = false;
     bool bound = false;    // an Extern function whose prototype names its symbol
