@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string entryMark = "### ", fence = "```";
+const std::string entryMark = "### ", sectionMark = "## ", fence = "```";
 
 bool StartsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
@@ -41,20 +41,41 @@ std::vector<std::string> NamesIn(const std::string& heading) {
     return names;
 }
 
-void ReadPage(const fs::path& path, std::vector<ManualEntry>& entries) {
+// "| `Left(text, count)`, `Right(text, count)` | ..." names Left and Right.
+void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names) {
+    static const std::regex call("`(\\w+)\\(");
+    const std::string cell = line.substr(0, line.find('|', 1));
+    for (std::sregex_iterator found(cell.begin(), cell.end(), call), end; found != end; ++found)
+        names.push_back((*found)[1]);
+}
+
+void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& entries) {
     std::ifstream page(path, std::ios::binary);
+    const std::string mark = ofModule ? sectionMark : entryMark;
     std::string title;
     bool inEntry = false, inCode = false;
     for (std::string line; std::getline(page, line);) {
         if (StartsWith(line, fence)) inCode = !inCode;
         if (!inCode && StartsWith(line, "#")) {
             if (title.empty()) title = line.substr(line.find_first_not_of("# "));
-            inEntry = StartsWith(line, entryMark);
-            if (inEntry)
-                entries.push_back({TextOf(path.stem()), title, NamesIn(line.substr(entryMark.size())), ""});
+            inEntry = StartsWith(line, mark);
+            if (inEntry) entries.push_back({TextOf(path.stem()), title, {}, ""});
+            if (inEntry && !ofModule) entries.back().names = NamesIn(line.substr(mark.size()));
         }
-        if (inEntry) entries.back().text += line + "\n";
+        if (!inEntry) continue;
+        if (ofModule && !inCode && StartsWith(line, "|")) AddFunctionsOfRow(line, entries.back().names);
+        entries.back().text += line + "\n";
     }
+}
+
+std::vector<fs::path> PagesIn(const fs::path& folder) {
+    std::vector<fs::path> pages;
+    std::error_code missing;
+    for (const auto& file : fs::directory_iterator(folder, missing)) {
+        if (file.path().extension() == ".md") pages.push_back(file.path());
+    }
+    std::sort(pages.begin(), pages.end());
+    return pages;
 }
 
 // The number of letters to be put in, left out, replaced or swapped.
@@ -101,14 +122,9 @@ std::string ManualFolder() {
 }
 
 std::vector<ManualEntry> ReadManual(const std::string& folder) {
-    std::vector<fs::path> pages;
-    std::error_code missing;
-    for (const auto& file : fs::directory_iterator(PathOf(folder), missing)) {
-        if (file.path().extension() == ".md") pages.push_back(file.path());
-    }
-    std::sort(pages.begin(), pages.end());
     std::vector<ManualEntry> entries;
-    for (const fs::path& page : pages) ReadPage(page, entries);
+    for (const fs::path& page : PagesIn(PathOf(folder))) ReadPage(page, false, entries);
+    for (const fs::path& page : PagesIn(PathOf(folder) / "library")) ReadPage(page, true, entries);
     return entries;
 }
 

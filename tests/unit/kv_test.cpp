@@ -280,6 +280,8 @@ TEST(Manual, HasAnEntryForEveryWord) {
         EXPECT_NE(FindEntry(entries, word), nullptr) << word;
     }
     EXPECT_GT(count, 100);
+    ASSERT_NE(FindEntry(entries, "StartsWith"), nullptr) << "of a module";
+    EXPECT_EQ(FindEntry(entries, "StartsWith"), FindEntry(entries, "findlast"));
     EXPECT_EQ(SimilarNames(entries, "pritn"), Words{"Print"});
     EXPECT_EQ(PlainText("### `A`, B\n\nSee **the** [page](a.md) of `f[x](y)`.\n```output\n\na `b`\n```\n"),
               "A, B\n====\n\nSee the page of f[x](y).\nprints\n\n\n    a `b`\n");
