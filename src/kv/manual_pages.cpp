@@ -129,12 +129,14 @@ std::vector<ManualEntry> ReadManual(const std::string& folder) {
 }
 
 const ManualEntry* FindEntry(const std::vector<ManualEntry>& entries, const std::string& word) {
+    const ManualEntry* found = nullptr;
     for (const ManualEntry& entry : entries) {
         for (const std::string& name : entry.names) {
-            if (Key(name) == Key(word)) return &entry;
+            if (name == word) return &entry;
+            if (found == nullptr && Key(name) == Key(word)) found = &entry;
         }
     }
-    return nullptr;
+    return found;
 }
 
 std::vector<std::string> SimilarNames(const std::vector<ManualEntry>& entries, const std::string& word) {

@@ -19,7 +19,8 @@ std::vector<ManualEntry> ReadManual(const std::string& folder);
 // Where the pages of the installation are that this kv belongs to.
 std::string ManualFolder();
 
-// The entry for a word in any letter case, options also without their dashes; nullptr if there is none.
+// The entry for a word, as written or else in any letter case, options also without their dashes; nullptr if there is
+// none.
 const ManualEntry* FindEntry(const std::vector<ManualEntry>& entries, const std::string& word);
 
 // The names that a word may have been meant to be, the likeliest first; at most three.

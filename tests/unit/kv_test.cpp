@@ -9,6 +9,7 @@
 
 #include "kv/command_line.h"
 #include "kv/command_quoting.h"
+#include "kv/commands/commands.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
 #include "kv/manual_pages.h"
@@ -280,6 +281,12 @@ TEST(Manual, HasAnEntryForEveryWord) {
         EXPECT_NE(FindEntry(entries, word), nullptr) << word;
     }
     EXPECT_GT(count, 100);
+    for (const CommandRow& row : CommandRows()) EXPECT_NE(FindEntry(entries, row.word), nullptr) << row.word;
+    for (const OptionRow& row : OptionRows()) {
+        const std::string last = std::string(row.names).substr(std::string(row.names).rfind(',') + 1);
+        EXPECT_NE(FindEntry(entries, last), nullptr) << last;
+    }
+    EXPECT_NE(FindEntry(entries, "-o"), FindEntry(entries, "-O"));
     ASSERT_NE(FindEntry(entries, "StartsWith"), nullptr) << "of a module";
     EXPECT_EQ(FindEntry(entries, "StartsWith"), FindEntry(entries, "findlast"));
     EXPECT_EQ(SimilarNames(entries, "pritn"), Words{"Print"});
