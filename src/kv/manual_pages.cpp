@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+const std::size_t width = 78;
 const std::string entryMark = "### ", sectionMark = "## ", fence = "```";
 
 bool StartsWith(const std::string& text, const std::string& start) {
@@ -115,6 +116,36 @@ std::string WithoutMarks(const std::string& line) {
     return text;
 }
 
+// A paragraph or item of a list, in lines of some width.
+std::string Wrapped(const std::string& paragraph) {
+    const std::string indent = StartsWith(paragraph, "- ") ? "  " : "";
+    std::string text, line;
+    std::istringstream words(paragraph);
+    for (std::string word; words >> word;) {
+        if (!line.empty() && line.size() + 1 + word.size() > width) {
+            text += line + "\n";
+            line = indent + word;
+        } else {
+            line += (line.empty() ? "" : " ") + word;
+        }
+    }
+    return line.empty() ? "" : text + line + "\n";
+}
+
+bool IsProse(const std::string& line) {
+    return !line.empty() && line[0] != '#' && line[0] != '|' && !StartsWith(line, fence) &&
+           !StartsWith(line, "    ");
+}
+
+// A heading, a row of a table or a line of code.
+std::string PlainLine(const std::string& line, bool inCode) {
+    if (line.empty()) return "\n";
+    if (inCode) return "    " + line + "\n";
+    if (line[0] != '#') return (line[0] == '|' ? WithoutMarks(line) : line) + "\n";
+    const std::string heading = WithoutMarks(line.substr(line.find_first_not_of("# ")));
+    return heading + "\n" + std::string(heading.size(), '=') + "\n";
+}
+
 }  // namespace
 
 std::string ManualFolder() {
@@ -155,21 +186,27 @@ std::vector<std::string> SimilarNames(const std::vector<ManualEntry>& entries, c
 }
 
 std::string PlainText(const std::string& markdown) {
-    std::string text;
+    std::string text, paragraph;
     std::istringstream lines(markdown);
     bool inCode = false;
+    const auto endParagraph = [&] {
+        text += Wrapped(WithoutMarks(paragraph));
+        paragraph.clear();
+    };
     for (std::string line; std::getline(lines, line);) {
-        if (StartsWith(line, fence)) {
-            inCode = !inCode;
-            if (inCode) text += Lead(line.substr(fence.size(), line.find(' ') - fence.size()));
-        } else if (inCode || StartsWith(line, "    ")) {
-            text += line.empty() || !inCode ? line + "\n" : "    " + line + "\n";
-        } else if (StartsWith(line, "#")) {
-            const std::string heading = WithoutMarks(line.substr(line.find_first_not_of("# ")));
-            text += heading + "\n" + std::string(heading.size(), '=') + "\n";
-        } else {
-            text += WithoutMarks(line) + "\n";
+        if (!inCode && IsProse(line)) {
+            if (StartsWith(line, "- ")) endParagraph();
+            paragraph += line + " ";
+            continue;
         }
+        endParagraph();
+        if (!StartsWith(line, fence)) {
+            text += PlainLine(line, inCode);
+            continue;
+        }
+        inCode = !inCode;
+        if (inCode) text += Lead(line.substr(fence.size(), line.find(' ') - fence.size()));
     }
+    endParagraph();
     return text.substr(0, text.find_last_not_of('\n') + 1) + "\n";
 }
