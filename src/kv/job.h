@@ -33,8 +33,8 @@ bool PrepareJob(const Options& options, Job& job);
 // user that there is none.
 bool PrepareFolder(Job& job);
 
-// Whether the name of a program leads to its main file, which becomes `source`. Tells the user when it does not.
-bool FindSource(const std::string& name, const std::string& typedFolder, std::string& source);
+// Whether the name of a program leads to its main file, which becomes `found`. Tells the user when it does not.
+bool FindSource(const std::string& name, const std::string& typedFolder, std::string& found);
 
 // Does the work of a build in the job's folder, alone there: elsewhere when there is no room, and once more when
 // somebody has removed the folder meanwhile. Returns what `work` returns. When that is false, it has told the user what
