@@ -86,7 +86,8 @@ std::string ProgramName(const std::string& source) {
 }
 
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
-                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem) {
+                        const std::string& keepCppFolder, const std::string& programSuffix,
+                        BuildFolder& build, std::string& problem) {
     fs::path folder;
     for (; build.place < placeCount; ++build.place) {
         folder = PathOf(places[build.place](PathOf(source), variant));
@@ -101,7 +102,7 @@ bool PrepareBuildFolder(const std::string& source, const std::string& variant,
     }
     if (!keepCppFolder.empty() && !UseFolderOfUser(keepCppFolder, build, problem)) return false;
     build.folder = TextOf(folder);
-    build.program = TextOf(folder / "bin" / PathOf(ProgramName(source) + executableSuffix));
+    build.program = TextOf(folder / "bin" / PathOf(ProgramName(source) + programSuffix));
     build.object = TextOf(folder / "program.o");
     build.stamp = TextOf(folder / "stamp");
     build.objectStamp = TextOf(folder / "compiled");

@@ -39,10 +39,11 @@ struct BuildFolder {
 };
 
 // Creates the folders for the source (a full path) and `variant`, in the first possible place from build.place on.
-// `keepCppFolder` is a full path or empty. Returns false and sets `problem` when there is no place to write, or the
+// `keepCppFolder` is a full path or empty; the program's name ends in `programSuffix`. Returns false and sets `problem` when there is no place to write, or the
 // folder to keep the C++ in is not the user's own.
 bool PrepareBuildFolder(const std::string& source, const std::string& variant,
-                        const std::string& keepCppFolder, BuildFolder& build, std::string& problem);
+                        const std::string& keepCppFolder, const std::string& programSuffix,
+                        BuildFolder& build, std::string& problem);
 
 // Where the folders of a source (a full path) may be, all ways of building it together, and the one that the programs of a
 // folder have in it.

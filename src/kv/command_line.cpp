@@ -47,6 +47,11 @@ CLI::Option* Declare(CLI::App& app, const OptionRow& row, Options& options) {
     CLI::Option* option = nullptr;
     if (const auto* flag = std::get_if<bool Options::*>(&row.setting)) {
         option = app.add_flag(row.names, options.**flag, row.help);
+    } else if (const auto* list = std::get_if<std::vector<std::string> Options::*>(&row.setting)) {
+        // One at a time: what follows is a name again.
+        return app.add_option(row.names, options.**list, row.help)
+            ->type_name(row.value)
+            ->allow_extra_args(false);
     } else {
         option = app.add_option(row.names, options.*std::get<std::string Options::*>(row.setting), row.help);
         option->type_name(row.value);
@@ -146,6 +151,12 @@ std::string Read(const CommandRow& row, std::vector<std::string> words, Options&
 }
 
 }  // namespace
+
+bool IsForWindows(const Options& options) { return options.target == "windows"; }
+
+bool IsToStay(const Options& options) {
+    return options.command == Command::build || options.command == Command::package;
+}
 
 bool IsFast(const Options& options) {
     return !options.plain && !options.debug && options.command != Command::check;

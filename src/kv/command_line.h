@@ -4,7 +4,20 @@
 #include <string>
 #include <vector>
 
-enum class Command { run, build, check, doc, create, format, watch, clean, completion, help, version };
+enum class Command {
+    run,
+    build,
+    check,
+    doc,
+    create,
+    format,
+    watch,
+    package,
+    clean,
+    completion,
+    help,
+    version
+};
 
 struct Options {
     Command command = Command::help;
@@ -17,9 +30,18 @@ struct Options {
     bool debug = false;                  // --debug
     bool plain = false;                  // --plain
     bool verbose = false;                // --verbose
+    std::string target;                  // --target: "windows"; empty for this system
+    bool isStatic = false;               // --static
+    std::vector<std::string> data;       // package: --data, as typed
     bool onlyCheck = false;              // fmt: --check
     std::vector<std::string> arguments;  // run: what follows "--"
 };
+
+// Whether the program is one for Windows, made on another system.
+bool IsForWindows(const Options& options);
+
+// Whether the program is made to stay, and for speed.
+bool IsToStay(const Options& options);
 
 // Whether the program is translated for speed.
 bool IsFast(const Options& options);

@@ -74,12 +74,14 @@ CompileJob CompileJobOf(const Job& job) {
     compile.object = job.build.object;
     compile.newObject = job.build.object + ".new";
     // A name that every compiler can be told, however the program is called.
-    compile.newProgram = TextOf(PathOf(job.build.folder) / (std::string("program.new") + executableSuffix));
+    compile.newProgram = TextOf(PathOf(job.build.folder) / ("program.new" + ProgramSuffix(job)));
     compile.newDependencies = job.build.dependencies + ".new";
     compile.includeFolder = TextOf(PathOf(job.installation) / "include");
     compile.sourceFolder = job.sourceFolder;
     compile.optimisation = job.options.optimisation;
     compile.debug = job.options.debug;
+    compile.isForWindows = IsForWindows(job.options);
+    compile.isStatic = job.options.isStatic;
     compile.linkerFlags = job.linkerFlags;
     return compile;
 }
@@ -176,7 +178,8 @@ std::vector<std::string> QuickLinking(const Job& job) {
     if (!job.linkerFlags.empty())
         return LinkerRecordFlags(PathForTool(job.build.linkDependencies, job.sourceFolder));
     // Linkers differ in small ways: for a program that is to stay, the usual one.
-    return job.options.optimisation == "-O0" ? QuickLinkerFlags() : std::vector<std::string>();
+    return job.options.optimisation == "-O0" && !IsForWindows(job.options) ? QuickLinkerFlags()
+                                                                           : std::vector<std::string>();
 }
 
 bool RunLinker(const Job& job, const CompileJob& compile, std::string& output) {
@@ -224,6 +227,14 @@ bool CopyLibraries(const Job& job) {
     return true;
 }
 
+// A program without the system's loader cannot load libraries.
+bool CanLinkStatically(const Job& job) {
+    if (!job.options.isStatic || job.translation.libraries.empty() || IsForWindows(job.options)) return true;
+    ShowProblem("--static does not go with libraries that the program loads while it runs: " +
+                job.translation.libraries[0]);
+    return false;
+}
+
 bool IsBelowProgram(const fs::path& name) {
     return !name.empty() && name.is_relative() && std::find(name.begin(), name.end(), "..") == name.end();
 }
@@ -246,6 +257,7 @@ std::string CompilationOf(const Job& job) {
 }
 
 bool Compile(Job& job) {
+    if (!CanLinkStatically(job)) return false;
     CompileJob compile = CompileJobOf(job);
     compile.loadsLibraries = !job.translation.libraries.empty();
     if (CanLinkApart(job.linkerFlags)) {

@@ -30,7 +30,8 @@ fs::path TargetOf(const Job& job) {
     fs::path target = job.options.outputFile.empty()
                           ? PathOf(job.sourceFolder) / PathOf(ProgramName(job.source))
                           : PathOf(job.typedFolder) / PathOf(job.options.outputFile);
-    if (target.extension() != executableSuffix && *executableSuffix != '\0') target += executableSuffix;
+    const std::string suffix = ProgramSuffix(job);
+    if (!suffix.empty() && target.extension() != suffix) target += suffix;
     return target.lexically_normal();
 }
 
@@ -108,8 +109,7 @@ bool Deliver(const Delivery& library) {
 
 }  // namespace
 
-bool Install(const Job& job) {
-    const fs::path target = TargetOf(job);
+bool InstallAs(const Job& job, const fs::path& target) {
     const std::vector<std::string> sources = MadeFrom(job);
     if (!CanLeaveProgram(job, target, sources)) return false;
     std::vector<Delivery> libraries;
@@ -127,6 +127,12 @@ bool Install(const Job& job) {
     for (const Delivery& library : libraries) {
         if (!Deliver(library)) return false;
     }
+    return true;
+}
+
+bool Install(const Job& job) {
+    const fs::path target = TargetOf(job);
+    if (!InstallAs(job, target)) return false;
     std::printf("built %s\n", ShortPath(TextOf(target), job.typedFolder).c_str());
     return true;
 }

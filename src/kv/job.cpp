@@ -29,7 +29,9 @@ bool FindInstallation(Job& job) {
 std::string Variant(const Options& options) {
     const std::string checks = options.debug ? "debug" : options.safe ? "safe" : "";
     const std::string mode = checks + (IsFast(options) ? "fast" : checks.empty() ? "plain" : "");
-    return options.command == Command::check ? "check-" + mode : mode + options.optimisation;
+    const std::string kind =
+        (options.target.empty() ? "" : "-" + options.target) + (options.isStatic ? "-static" : "");
+    return options.command == Command::check ? "check-" + mode : mode + options.optimisation + kind;
 }
 
 }  // namespace
@@ -69,10 +71,11 @@ bool PrepareJob(const Options& options, Job& job) {
     if (!FindSource(options.source, job.typedFolder, job.source) || !FindInstallation(job)) return false;
     job.sourceFolder = TextOf(PathOf(job.source).parent_path());
     if (job.options.optimisation.empty()) {
-        job.options.optimisation = options.command == Command::build ? "-O2" : "-O0";
+        job.options.optimisation = IsToStay(options) ? "-O2" : "-O0";
     }
     std::string problem;
-    if (options.command != Command::check) job.compiler = FindCompiler(problem);
+    if (options.command != Command::check)
+        job.compiler = IsForWindows(options) ? FindCompilerForWindows(problem) : FindCompiler(problem);
     if (!problem.empty()) {
         ShowProblem(problem);
         return false;
@@ -80,13 +83,16 @@ bool PrepareJob(const Options& options, Job& job) {
     return PrepareFolder(job);
 }
 
+std::string ProgramSuffix(const Job& job) { return IsForWindows(job.options) ? ".exe" : executableSuffix; }
+
 bool PrepareFolder(Job& job) {
     std::string keepCpp;
     if (!job.options.keepCppFolder.empty()) {
         keepCpp = TextOf((PathOf(job.typedFolder) / PathOf(job.options.keepCppFolder)).lexically_normal());
     }
     std::string problem;
-    if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, job.build, problem)) {
+    if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, ProgramSuffix(job), job.build,
+                            problem)) {
         ShowProblem(problem);
         return false;
     }

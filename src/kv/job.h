@@ -29,6 +29,9 @@ struct Job {
 // Finds everything that the options name. Returns false after telling the user what is wrong.
 bool PrepareJob(const Options& options, Job& job);
 
+// What the name of the job's program ends in.
+std::string ProgramSuffix(const Job& job);
+
 // Gives the job its build folder, in the first possible place from job.build.place on. Returns false after telling the
 // user that there is none.
 bool PrepareFolder(Job& job);

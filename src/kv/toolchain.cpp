@@ -19,15 +19,23 @@ const char* const quickLinkers[] = {"mold", "gold", "lld"};
 
 // Where headers lie that come with the system, and, below the folder above the compiler's own, with the compiler.
 const char* const systemFolders[] = {"/usr/include", "/Library/Developer", "/Applications/Xcode.app"};
-const char* const foldersOfCompiler[] = {"include/c++", "lib/gcc",
-                                         "lib64/gcc",   "lib/clang",
+const char* const foldersOfCompiler[] = {
+    "include/c++", "lib/gcc", "lib64/gcc", "lib/clang", "x86_64-w64-mingw32/include",
 #ifdef _WIN32
-                                         "include",     "x86_64-w64-mingw32/include",
+    "include",
 #endif
-                                         "lib64/clang"};
+    "lib64/clang"};
 
 const char* const linkingFlags[] = {"-l", "-L", "-Wl,"};
 const char* const compilingFlags[] = {"-I", "-D", "-U", "-pthread"};
+
+const char* const compilersForWindows[] = {"x86_64-w64-mingw32-g++-posix", "x86_64-w64-mingw32-g++"};
+
+#ifdef _WIN32
+const bool isWindows = true;
+#else
+const bool isWindows = false;
+#endif
 
 #ifdef __APPLE__
 const char* const ownFolderFlag = "-Wl,-rpath,@loader_path";
@@ -39,21 +47,6 @@ std::string WithSuffix(const std::string& path) {
     if (IsExecutable(path)) return path;
     const std::string suffixed = path + executableSuffix;
     return IsExecutable(suffixed) ? suffixed : "";
-}
-
-// The full path of a program: a path is taken from the working folder, a name is looked for along PATH.
-std::string FindProgram(const std::string& name) {
-    std::error_code failed;
-    if (name.find_first_of("/\\") != std::string::npos) {
-        return WithSuffix(TextOf(std::filesystem::absolute(PathOf(name), failed)));
-    }
-    std::istringstream folders(EnvironmentVariable("PATH"));
-    for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
-        const std::filesystem::path place = PathOf(folder.empty() ? "." : folder);
-        std::string found = WithSuffix(TextOf(std::filesystem::absolute(place / PathOf(name), failed)));
-        if (!found.empty()) return found;
-    }
-    return "";
 }
 
 template <std::size_t count>
@@ -84,19 +77,33 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
 }
 
 void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
-#ifdef _WIN32
-    command.push_back("-static");  // the program runs where no compiler is installed
-#else
+    const bool isForWindows = isWindows || job.isForWindows;
+    if (isForWindows || job.isStatic)
+        command.push_back("-static");  // the program runs where no compiler is installed
     // Shared libraries beside the program are found; one that needs none takes none that others have put there.
-    if (job.loadsLibraries || !job.linkerFlags.empty()) command.push_back(ownFolderFlag);
-#endif
+    if (!isForWindows && (job.loadsLibraries || !job.linkerFlags.empty())) command.push_back(ownFolderFlag);
     command.insert(command.end(), job.linkerFlags.begin(), job.linkerFlags.end());
 #ifdef __linux__
-    command.push_back("-ldl");
+    if (!isForWindows) command.push_back("-ldl");
 #endif
 }
 
 }  // namespace
+
+// The full path of a program: a path is taken from the working folder, a name is looked for along PATH.
+std::string FindProgram(const std::string& name) {
+    std::error_code failed;
+    if (name.find_first_of("/\\") != std::string::npos) {
+        return WithSuffix(TextOf(std::filesystem::absolute(PathOf(name), failed)));
+    }
+    std::istringstream folders(EnvironmentVariable("PATH"));
+    for (std::string folder; std::getline(folders, folder, searchPathSeparator);) {
+        const std::filesystem::path place = PathOf(folder.empty() ? "." : folder);
+        std::string found = WithSuffix(TextOf(std::filesystem::absolute(place / PathOf(name), failed)));
+        if (!found.empty()) return found;
+    }
+    return "";
+}
 
 std::vector<std::string> FindCompiler(std::string& problem) {
     std::vector<std::string> words = SplitFlags(EnvironmentVariable("CXX"));
@@ -114,6 +121,18 @@ std::vector<std::string> FindCompiler(std::string& problem) {
         if (!program.empty()) return {program};
     }
     problem = "no C++ compiler found (looked for $CXX, g++, clang++). " + std::string(compilerAdvice);
+    return {};
+}
+
+std::vector<std::string> FindCompilerForWindows(std::string& problem) {
+    if (isWindows) return FindCompiler(problem);
+    for (const char* name : compilersForWindows) {
+        const std::string program = FindProgram(name);
+        if (!program.empty()) return {program};
+    }
+    problem =
+        "no C++ compiler for Windows found (looked for x86_64-w64-mingw32-g++). On Debian and Ubuntu: "
+        "apt-get install g++-mingw-w64-x86-64";
     return {};
 }
 

@@ -15,6 +15,8 @@ struct CompileJob {
     std::string prelude;          // header to read first, compiled ahead; empty: none
     std::string optimisation;     // "-O0"
     bool debug = false;
+    bool isForWindows = false;    // which this system need not be
+    bool isStatic = false;        // linked with nothing that the system would have to have
     bool loadsLibraries = false;  // while it runs
     std::vector<std::string> linkerFlags;
     std::vector<std::string> quickLinking;  // flags that are not needed
@@ -24,11 +26,17 @@ struct CompileJob {
 // Empty, with `problem` set, when there is none.
 std::vector<std::string> FindCompiler(std::string& problem);
 
+// The same for programs for Windows: this system's compiler where that is Windows, else that of MinGW-w64.
+std::vector<std::string> FindCompilerForWindows(std::string& problem);
+
 // The files that a changed compiler changes: all the programs among the words of its command.
 std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler);
 
 // The folders of the headers that change only with the compiler or the system.
 std::vector<std::string> CompilerFolders(const std::vector<std::string>& compiler);
+
+// The full path of a program that PATH, or a path itself, leads to; empty if none does.
+std::string FindProgram(const std::string& name);
 
 // Whether compiling and linking can be done one after the other: flags of the user's may name further files to compile,
 // or mean anything else that has to stand in one command.

@@ -3,7 +3,8 @@
 namespace {
 
 const std::size_t any = static_cast<std::size_t>(-1);
-constexpr unsigned making = Bit(Command::run) | Bit(Command::build) | Bit(Command::watch);
+constexpr unsigned leaving = Bit(Command::build) | Bit(Command::package);
+constexpr unsigned making = Bit(Command::run) | Bit(Command::watch) | leaving;
 constexpr unsigned translating = making | Bit(Command::check);
 
 }  // namespace
@@ -24,6 +25,9 @@ const std::vector<CommandRow>& CommandRows() {
         {Command::watch, "watch", "PROGRAM [OPTIONS] [-- ARGUMENTS]", "program", 1, 1,
          "which program? Name its main file: kv watch game.kvl",
          "run a program, and again whenever one of its sources is saved", WatchCommand},
+        {Command::package, "package", "PROGRAM [OPTIONS]", "program", 1, 1,
+         "which program? Name its main file: kv package game.kvl",
+         "put a program, its libraries and data into one folder or archive", PackageCommand},
         {Command::clean, "clean", "[PROGRAMS]", "program", 0, any, "",
          "remove what kv has made and can make again, of programs or of those in folders", CleanCommand},
         {Command::format, "fmt", "FILES [OPTIONS]", "file", 1, any,
@@ -40,7 +44,12 @@ const std::vector<CommandRow>& CommandRows() {
 
 const std::vector<OptionRow>& OptionRows() {
     static const std::vector<OptionRow> rows = {
-        {"-o", &Options::outputFile, "FILE", "", Bit(Command::build), "the program to make"},
+        {"-o", &Options::outputFile, "FILE", "", leaving,
+         "the program to make; the folder, .tar.gz or .zip to pack it into"},
+        {"--data", &Options::data, "PATH", "", Bit(Command::package), "a file or folder to pack as well"},
+        {"--target", &Options::target, "SYSTEM", "windows", leaving, "the system to make the program for"},
+        {"--static", &Options::isStatic, "", "", leaving,
+         "put all of C++'s library into the program, for systems that have another one or none"},
         {"--safe", &Options::safe, "", "", translating,
          "check divisions and array bounds while the program runs"},
         {"--debug", &Options::debug, "", "", translating,

@@ -19,8 +19,9 @@ struct CommandRow {
     int (*perform)(const Options& options);  // returns the exit status
 };
 
-// Where an option goes: a switch turns something on, the others take the text behind them.
-using Setting = std::variant<bool Options::*, std::string Options::*>;
+// Where an option goes: a switch turns something on, the others take the text behind them, some as often as they stand
+// there.
+using Setting = std::variant<bool Options::*, std::string Options::*, std::vector<std::string> Options::*>;
 
 struct OptionRow {
     const char* names;  // "-o,--output"
@@ -44,6 +45,7 @@ int DocCommand(const Options& options);
 int FmtCommand(const Options& options);
 int NewCommand(const Options& options);
 int WatchCommand(const Options& options);
+int PackageCommand(const Options& options);
 int CleanCommand(const Options& options);
 int CompletionCommand(const Options& options);
 int HelpCommand(const Options& options);
