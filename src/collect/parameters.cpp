@@ -142,13 +142,13 @@ void SettleParameters(Routine& routine) {
     }
 }
 
-Expr TranslateDefault(const Routine& routine, const Parameter& parameter) {
+Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
     const FileLevelNames names;
     const std::string file = settings.currentFile;
     const int line = settings.currentLine;
     settings.currentFile = routine.file;
     settings.currentLine = routine.line;
-    Expr value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
+    Expr& value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
     settings.currentFile = file;
     settings.currentLine = line;
     return value;
@@ -163,7 +163,7 @@ std::string ParameterText(const Routine& routine, bool withDefaults) {
         text += ' ';
         text += SafeName(parameter.name);
         if (withDefaults && parameter.hasDefault) {
-            text += " = " + TranslateDefault(routine, parameter).text;
+            text += " = " + TextOf(TranslateDefault(routine, parameter)).text;
         }
     }
     text += ')';

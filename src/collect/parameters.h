@@ -20,7 +20,7 @@ std::string ParameterText(const Routine& routine, bool withDefaults);
 
 // The default value of one of the routine's parameters, as text for the place of the statement under way. Names in
 // it mean what they mean at file level, also where a call stands among other variables.
-Expr TranslateDefault(const Routine& routine, const Parameter& parameter);
+Expr& TranslateDefault(const Routine& routine, const Parameter& parameter);
 
 // "int KVL_Twice(int KVL_n);"
 std::string PrototypeText(const Routine& routine);

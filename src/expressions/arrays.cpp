@@ -1,203 +1,260 @@
 // Array access: the checks that can be made here and those that the program makes as it runs.
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/in_order.h"
-#include "prelude/output.h"
+#include "expressions/order.h"
+#include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "prelude/support.h"
 #include "symbols/own_names.h"
 #include "symbols/scopes.h"
 
 namespace {
 
-struct Access {
-    std::string name;       // as written
-    const Variable* array;  // null for anything but a variable or Field
-    std::vector<std::string> indices;
-    bool simple = true;     // the indices may be evaluated more than once
-    bool mayBeRow = false;  // fewer indices than dimensions are allowed here
-};
-
-void CheckIndexType(const Expr& index) {
+// Only the first index must be a whole number; pointers take no other in C++ either.
+void CheckIndex(const Expr& index, bool isFirst) {
+    RequireValue(index);
     if (!index.type.IsKnown() || index.type.Is(Base::Int)) return;
+    if (!isFirst && index.type.Is(Base::Double)) return;
     ReportFatal("Array index must be an integer type, got " + CppName(index.type), index.source);
 }
 
-// Only the first index must be a whole number; pointers take no other in C++ either.
-std::string IndexText(const Expr& index, bool isFirst, ArrayForm form) {
-    RequireValue(index);
-    if (isFirst || !index.type.Is(Base::Double)) {
-        CheckIndexType(index);
-        return index.text;
-    }
-    return form == ArrayForm::Vector ? index.text : "static_cast<int>(" + index.text + ")";
+void CheckCount(const Expr& array, const std::string& name, std::size_t indices, bool mayBeRow) {
+    const auto count = static_cast<int>(indices);
+    const ValueType& type = array.type;
+    const bool partly = (array.form == ArrayForm::Pointer || mayBeRow) && count < type.dims;
+    if (count == type.dims || partly || !type.IsKnown()) return;
+    ReportFatal("Array '" + name + "' was declared with " + std::to_string(type.dims) +
+                    " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices",
+                Tokens{name});
 }
 
 bool IsDigitsOnly(const std::string& text) {
     return !text.empty() && text.find_first_not_of("0123456789 ") == std::string::npos;
 }
 
-void CheckCount(const Access& access, const ValueType& type, ArrayForm form) {
-    const auto count = static_cast<int>(access.indices.size());
-    const bool partly = (form == ArrayForm::Pointer || access.mayBeRow) && count < type.dims;
-    if (count == type.dims || partly || !type.IsKnown()) return;
-    ReportFatal("Array '" + access.name + "' was declared with " + std::to_string(type.dims) +
-                    " dimension(s) but is being accessed with " + std::to_string(count) + " index/indices",
-                Tokens{access.name});
-}
-
-void CheckConstantIndex(const Access& access, std::size_t dimension) {
-    const std::string& index = access.indices[dimension];
-    const std::string& size = access.array->sizes[dimension];
-    if (!IsDigitsOnly(index) || !IsDigitsOnly(size)) return;
-    const long long i = std::strtoll(index.c_str(), nullptr, 10);
+void CheckConstantIndex(const std::string& name, std::size_t dimension, const Expr& index,
+                        const std::string& size) {
+    if (index.kind != ExprKind::Number || !IsDigitsOnly(index.word->text) || !IsDigitsOnly(size)) return;
+    const std::string& text = index.word->text;
+    const long long i = std::strtoll(text.c_str(), nullptr, 10);
     const long long n = std::strtoll(size.c_str(), nullptr, 10);
     if (i < n) return;
-    ReportFatal("Array index out of bounds: " + access.name + " dimension " + std::to_string(dimension) +
-                " accessed with index [" + index + "] but size is [" + size + "] (valid range: 0 to " +
+    ReportFatal("Array index out of bounds: " + name + " dimension " + std::to_string(dimension) +
+                " accessed with index [" + text + "] but size is [" + size + "] (valid range: 0 to " +
                 std::to_string(n - 1) + ")");
 }
 
-void CheckConstantIndices(const Access& access) {
-    if (access.array == nullptr) return;
-    for (std::size_t k = 0; k < access.indices.size() && k < access.array->sizes.size(); ++k) {
-        CheckConstantIndex(access, k);
-    }
+void CheckConstantIndices(const Expr& array, const std::string& name, const Expr* index) {
+    const Variable* variable = VariableOrField(array);
+    if (variable == nullptr) return;
+    for (std::size_t k = 0; k < variable->sizes.size() && index != nullptr; ++k, index = index->next)
+        CheckConstantIndex(name, k, *index, variable->sizes[k]);
 }
 
-std::string Plain(const std::string& array, const Access& access) {
-    std::string text = array;
-    for (const std::string& index : access.indices) text += "[" + index + "]";
-    return text;
+// Whether the array is known by a name of its own here, and with it the constants that hold its sizes.
+bool HasSizes(const Expr& array) {
+    const Variable* variable = VariableOf(array);
+    return variable != nullptr && array.text[0] == '\0' &&
+           (FindLocal(variable->name) == variable || FindGlobal(variable->name) == variable);
+}
+
+bool IsCheckWanted(const Expr& array, std::size_t indices) {
+    constexpr std::size_t mostDimensions = 3;
+    return settings.safeMode && !settings.debugMode && array.type.IsKnown() &&
+           array.form != ArrayForm::Pointer && indices <= mostDimensions;
+}
+
+// Whether the indices are all there may be: an argument for an array parameter may be a row.
+bool MayBeRow(const Walk& walk, const Expr& array, bool wholeArgument) {
+    const char next = walk.PeekSign();
+    return wholeArgument && array.form != ArrayForm::Owned && (walk.Done() || next == ',' || next == ')');
+}
+
+PartList ParseAllIndices(Walk& walk) {
+    PartList indices;
+    while (walk.Match('[')) {
+        const std::size_t begin = walk.at;
+        Expr& index = ParseInBrackets(walk);
+        index.source = walk.Since(begin);
+        CheckIndex(index, indices.size() == 0);
+        indices.Add(index);
+        walk.Expect(']');
+    }
+    return indices;
+}
+
+// ---- texts
+
+using Texts = std::vector<Code>;
+
+void WriteIndexText(Code& out, const Expr& index, bool isFirst, ArrayForm form) {
+    const bool whole = isFirst || !index.type.Is(Base::Double) || form == ArrayForm::Vector;
+    if (!whole) out += "static_cast<int>(";
+    Write(out, index);
+    if (!whole) out += ')';
+}
+
+void WriteArray(Code& out, const Expr& array) {
+    if (array.form == ArrayForm::Owned)
+        out += TakeOver(array, array.type.base == Base::Element);
+    else
+        Write(out, array);
+}
+
+void WriteWithIndices(Code& out, const Expr& array, const Texts& indices, const char* open, const char* close) {
+    WriteArray(out, array);
+    for (const Code& index : indices) {
+        out += open;
+        out += index;
+        out += close;
+    }
 }
 
 // ([&]() -> decltype(A) { if ((i) < 0 || (i) >= A_size_0) { std::cerr << ...; exit(1); } return A; })()
-std::string CheckedByLambda(const std::string& array, const Access& access) {
-    const std::string plain = Plain(array, access);
-    std::string text = "([&]() -> decltype(" + plain + ") { ";
-    const std::size_t last = access.indices.size() - 1;
+void WriteLambdaCheck(Code& out, const Expr& item, const Expr& array, const Texts& indices) {
+    Code plain;
+    WriteWithIndices(plain, array, indices, "[", "]");
+    out.lambda = true;
+    out += "([&]() -> decltype(" + plain + ") { ";
+    const std::size_t last = indices.size() - 1;
     for (std::size_t k = 0; k <= last; ++k) {
-        const std::string& index = access.indices[k];
-        const std::string size = SizeName(array, static_cast<int>(k));
-        text += "if ((" + index + ") < 0 || (" + index + ") >= " + size +
-                ") { std::cerr << \"Array bounds error: " + access.name + "[\" << (" + index + ") << \"]" +
-                (k == last ? "" : "[...]") + " dimension " + std::to_string(k) + " out of range [0, \" << (" +
-                size + "-1) << \"]\" << std::endl; exit(1); } ";
+        const Code& index = indices[k];
+        const std::string size = SizeName(array.variable->cppName, static_cast<int>(k));
+        out += "if ((" + index + ") < 0 || (" + index + ") >= " + size +
+               ") { std::cerr << \"Array bounds error: " + item.word->text + "[\" << (" + index + ") << \"]" +
+               (k == last ? "" : "[...]") + " dimension " + std::to_string(k) + " out of range [0, \" << (" +
+               size + "-1) << \"]\" << std::endl; exit(1); } ";
     }
-    return text + "return " + plain + "; })()";
+    out += "return " + plain + "; })()";
 }
 
 // __kvAt("a", KVL_a, i, KVL_a_size_0, j, KVL_a_size_1) , or without known sizes __kvPick("a", items, i, j)
-std::string CheckedByHelper(const std::string& array, const Access& access, bool sized) {
+void WriteHelperCheck(Code& out, const Expr& item, const Expr& array, const Texts& indices) {
     RequireSupport(Support::SafeIndex);
-    std::string text = std::string(sized ? "__kvAt" : "__kvPick") + "(\"" + access.name + "\", " + array;
-    for (std::size_t k = 0; k < access.indices.size(); ++k) {
-        text += ", " + access.indices[k];
-        if (sized) text += ", " + SizeName(array, static_cast<int>(k));
+    out += std::string(item.sized ? "__kvAt" : "__kvPick") + "(\"" + item.word->text + "\", ";
+    WriteArray(out, array);
+    for (std::size_t k = 0; k < indices.size(); ++k) {
+        out += ", ";
+        out += indices[k];
+        if (item.sized) out += ", " + SizeName(array.variable->cppName, static_cast<int>(k));
     }
-    return text + ")";
+    out += ')';
 }
 
-bool IsField(const Variable* array, const std::string& text) {
-    return array == nullptr || text != array->cppName ||
-           (FindLocal(array->name) != array && FindGlobal(array->name) != array);
+// Whether the texts of the indices may stand in a lambda, and more than once.
+bool AreSimple(const Expr& item, const Texts& indices) {
+    const Expr* index = item.first->next;
+    for (const Code& text : indices) {
+        if (text.lambda || !MayRepeat(*index)) return false;
+        index = index->next;
+    }
+    return true;
 }
 
-bool IsCheckWanted(const Expr& array, const Access& access) {
-    constexpr std::size_t mostDimensions = 3;
-    return settings.safeMode && !settings.debugMode && array.type.IsKnown() &&
-           array.form != ArrayForm::Pointer && access.indices.size() <= mostDimensions;
-}
-
-std::string Checked(const Expr& array, const Access& access) {
-    if (!IsCheckWanted(array, access)) return Plain(array.text, access);
-    if (IsField(access.array, array.text)) return CheckedByHelper(array.text, access, false);
-    if (access.array->sizes.size() < access.indices.size()) return Plain(array.text, access);
+void WriteChecked(Code& out, const Expr& item, const Texts& indices) {
+    const Expr& array = *item.first;
+    const bool wanted = IsCheckWanted(array, indices.size());
+    if (!wanted || (item.sized && array.variable->sizes.size() < indices.size()))
+        WriteWithIndices(out, array, indices, "[", "]");
     // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
-    if (!access.simple || !InsideRoutine() || settings.fastMode)
-        return CheckedByHelper(array.text, access, true);
-    ++lambdaCount;
-    return CheckedByLambda(array.text, access);
+    else if (!item.sized || settings.fastMode || !InsideRoutine() || !AreSimple(item, indices))
+        WriteHelperCheck(out, item, array, indices);
+    else
+        WriteLambdaCheck(out, item, array, indices);
 }
 
 // Indices that C++ would take in another order than they are written in. Those of tables and pointers it takes
 // from left to right, and calls of member functions one after the other:
 //     KVL_a.at(KVL_First (  )).at(KVL_Second (  ))
 //     __kvPickIn("a", 2, KVL_a).Row(KVL_First (  )).Item(KVL_Second (  ))
-std::string InTurn(const Expr& array, const Access& access) {
-    const bool checked = IsCheckWanted(array, access);
-    std::string text = array.text;
-    if (checked) {
-        RequireSupport(Support::IndexInOrder);
-        text = "__kvPickIn(\"" + access.name + "\", " + std::to_string(access.indices.size()) + ", " + text +
-               ")";
+void WriteInTurn(Code& out, const Expr& item, const Texts& indices) {
+    const Expr& array = *item.first;
+    if (!IsCheckWanted(array, indices.size())) {
+        WriteWithIndices(out, array, indices, ".at(", ")");
+        return;
     }
-    for (std::size_t k = 0; k < access.indices.size(); ++k) {
-        const bool last = k + 1 == access.indices.size();
-        text += (!checked ? ".at(" : last ? ".Item(" : ".Row(") + access.indices[k] + ")";
+    RequireSupport(Support::IndexInOrder);
+    out += "__kvPickIn(\"" + item.word->text + "\", " + std::to_string(indices.size()) + ", ";
+    WriteArray(out, array);
+    out += ')';
+    for (const Code& index : indices) {
+        out += &index == &indices.back() ? ".Item(" : ".Row(";
+        out += index;
+        out += ')';
     }
-    return text;
 }
 
 // [&]() -> decltype(A[0][0]) { int __kv0 = first; int __kv1 = second; return checked A[__kv0][__kv1]; }()
-std::string TableInTurn(const Expr& table, Access access, const std::vector<Expr>& indices) {
+void WriteTableInTurn(Code& out, const Expr& item, Texts indices) {
     InOrder inOrder;
-    std::string item = table.text;
-    for (std::size_t k = 0; k < indices.size(); ++k) {
-        const ValueType& type = indices[k].type;
-        access.indices[k] = inOrder.Name(type.IsKnown() ? type : Single(Base::Int), access.indices[k]);
-        item += "[0]";
+    std::string type = "decltype(" + TextOf(*item.first).text;
+    const Expr* index = item.first->next;
+    for (Code& text : indices) {
+        text = inOrder.Name(index->type.IsKnown() ? index->type : Single(Base::Int), text);
+        type += "[0]";
+        index = index->next;
     }
-    return inOrder.Text("decltype(" + item + ")", Checked(table, access));
+    Code checked;
+    WriteChecked(checked, item, indices);
+    inOrder.Write(out, type + ")", checked);
 }
 
-std::string ItemText(const Expr& array, const Access& access, const std::vector<Expr>& indices) {
-    const bool simple = array.form == ArrayForm::Pointer || array.form == ArrayForm::None;
-    if (simple || !IsLookUpSeen(array, indices)) return Checked(array, access);
-    if (array.form != ArrayForm::Fixed) return InTurn(array, access);
-    const bool checked = IsCheckWanted(array, access) && InsideRoutine();
-    return checked ? TableInTurn(array, access, indices) : Checked(array, access);
+Texts IndexTexts(const Expr& item) {
+    Texts texts;
+    for (const Expr& index : PartRange{item.first->next}) {
+        const bool isFirst = texts.empty();
+        WriteIndexText(texts.emplace_back(), index, isFirst, item.first->form);
+    }
+    return texts;
+}
+
+// KVL_a[i][j]
+void WritePlain(Code& out, const Expr& item) {
+    const Expr& array = *item.first;
+    WriteArray(out, array);
+    for (const Expr& index : PartRange{array.next}) {
+        out += '[';
+        WriteIndexText(out, index, &index == array.next, array.form);
+        out += ']';
+    }
 }
 
 }  // namespace
 
-Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable) {
-    Access access{name, variable, {}, true, false};
-    const bool wholeArgument = walk.rowAt != std::string::npos && walk.rowAt == walk.operandAt;
-    const std::size_t lambdas = lambdaCount;
-    const std::size_t calls = callCount;
-    std::vector<Expr> indices;
-    const bool statement = walk.callStatement;
-    walk.callStatement = false;
-    while (walk.Match('[')) {
-        const std::size_t begin = walk.at;
-        const std::size_t callsBefore = callCount;
-        Expr index = ParseValue(walk);
-        index.effects = callCount != callsBefore;
-        index.source = walk.tokens.Slice(begin, walk.at);
-        access.indices.push_back(IndexText(index, access.indices.empty(), array.form));
-        indices.push_back(std::move(index));
-        walk.Expect(']');
-    }
-    walk.callStatement = statement;
-    access.simple = lambdaCount == lambdas && std::all_of(indices.begin(), indices.end(), MayRepeat);
-    const std::string& next = walk.Peek();
-    access.mayBeRow =
-        wholeArgument && array.form != ArrayForm::Owned && (walk.Done() || Is(next, ",") || Is(next, ")"));
-    CheckCount(access, array.type, array.form);
-    CheckConstantIndices(access);
+void WriteIndex(Code& out, const Expr& item) {
+    const ArrayForm form = item.first->form;
+    if (!item.ordered && (!settings.safeMode || settings.debugMode)) return WritePlain(out, item);
+    const Texts indices = IndexTexts(item);
+    if (!item.ordered)
+        WriteChecked(out, item, indices);
+    else if (form != ArrayForm::Fixed)
+        WriteInTurn(out, item, indices);
+    else if (IsCheckWanted(*item.first, indices.size()) && InsideRoutine())
+        WriteTableInTurn(out, item, indices);
+    else
+        WriteChecked(out, item, indices);
+}
 
-    Expr item;
-    Expr owner = array;
-    if (array.form == ArrayForm::Owned) owner.text = TakeOver(array, array.type.base == Base::Element);
-    item.text = ItemText(owner, access, indices);
-    item.effects = array.effects || callCount != calls;
-    item.type = array.type;
+Expr& ParseIndices(Walk& walk, Expr& array, const Word& name) {
+    const bool wholeArgument = walk.rowAt != std::string::npos && walk.rowAt == walk.operandAt;
+    const PartList indices = ParseAllIndices(walk);
+    CheckCount(array, name.text, indices.size(), MayBeRow(walk, array, wholeArgument));
+    CheckConstantIndices(array, name.text, indices.First());
+    if (array.form == ArrayForm::Owned) CheckTakeOver(array);
+
+    Expr& item = NewNode(ExprKind::Index, array.type, array);
+    array.next = indices.First();
+    item.word = &name;
+    item.effects = array.effects || indices.HaveEffects();
     item.assignable = array.form != ArrayForm::Owned && !array.isCall;
     if (!array.type.IsKnown()) return item;
-    item.type.dims -= static_cast<int>(access.indices.size());
+    item.sized = IsCheckWanted(array, indices.size()) && HasSizes(array);
+    item.type.dims -= static_cast<int>(indices.size());
     item.form = item.type.IsArray() ? array.form : ArrayForm::None;
     item.slot = item.type.Is(Base::Element);
     return item;

@@ -1,27 +1,24 @@
 // Built-in functions: keys, characters, conversions and mathematics.
 #include <unordered_map>
+#include <vector>
 
 #include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/math_functions.h"
+#include "expressions/order.h"
 #include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "lexer/lexer.h"
 
 namespace {
 
-// What a routine gets: the name as written and its arguments, whose number has been checked.
-using Arguments = std::vector<Expr>;
-using BuiltinRoutine = Expr (*)(const std::string& name, const Arguments& arguments);
+// What a routine gets: the name as written and its argument.
+using BuiltinRoutine = Expr& (*)(const std::string& name, Expr& argument);
 
-struct Builtin {
-    int argumentCount;
-    BuiltinRoutine routine;
-};
-
-Expr Result(std::string text, Base base) {
-    Expr expr;
-    expr.text = std::move(text);
-    expr.type = Single(base);
+Expr& Enclosed(const char* text, Expr& part, const char* closing, Base base) {
+    Expr& expr = NewNode(ExprKind::Enclosed, Single(base), part);
+    expr.text = text;
+    expr.closing = closing;
     return expr;
 }
 
@@ -33,57 +30,44 @@ void RequireNumber(const std::string& name, const Expr& argument) {
     if (argument.type.IsKnown() && !argument.type.IsNumber()) FailArgument(name, "a number", argument);
 }
 
-Expr Chr(const std::string& name, const Arguments& arguments) {
-    RequireNumber(name, arguments[0]);
-    return Result("std::string(1, static_cast<char>(" + arguments[0].text + "))", Base::String);
+Expr& Chr(const std::string& name, Expr& x) {
+    RequireNumber(name, x);
+    return Enclosed("std::string(1, static_cast<char>(", x, "))", Base::String);
 }
 
-// Some texts name an argument more than once. One inside the other they would double in length each time.
-bool MayStandTwice(const Expr& argument) { return argument.text.size() <= 500 && MayRepeat(argument); }
-
-// The plain text evaluates its argument twice.
-Expr Asc(const std::string& name, const Arguments& arguments) {
-    const Expr& x = arguments[0];
+Expr& Asc(const std::string& name, Expr& x) {
     if (x.type.IsKnown() && !x.type.Is(Base::String)) FailArgument(name, "a String", x);
-    if (!MayStandTwice(x)) {
-        ++lambdaCount;
-        return Result("([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" +
-                          x.text + "))",
-                      Base::Int);
-    }
-    return Result(
-        "(static_cast<int>(std::string(" + x.text + ").length() > 0 ? std::string(" + x.text + ")[0] : 0))",
-        Base::Int);
+    return NewNode(ExprKind::Asc, Single(Base::Int), x);
 }
 
-Expr Convert(const std::string& name, const Expr& x, const char* ofString, Base to) {
-    if (x.type.Is(Base::String)) return Result(std::string(ofString) + "(" + x.text + ")", to);
+Expr& Convert(const std::string& name, Expr& x, const char* ofString, const char* ofNumber, Base to) {
+    if (x.type.Is(Base::String)) return Enclosed(ofString, x, ")", to);
     if (x.type.IsKnown() && !x.type.IsNumber()) FailArgument(name, "a number or a String", x);
-    Expr result = Result("static_cast<" + CppName(Single(to)) + ">(" + x.text + ")", to);
-    result.turns = x.turns;
-    result.leaps = x.leaps;
-    result.pieces = x.pieces;
+    return Enclosed(ofNumber, x, ")", to);
+}
+
+// g++ looks through conversions between numbers.
+Expr& ToNumber(const std::string& name, Expr& x, const char* ofString, const char* ofNumber, Base to) {
+    Expr& result = Convert(name, x, ofString, ofNumber, to);
+    if (!x.type.Is(Base::String)) result.kind = ExprKind::Conversion;
     return result;
 }
 
-Expr ToInt(const std::string& name, const Arguments& arguments) {
-    return Convert(name, arguments[0], "std::stoi", Base::Int);
+Expr& ToInt(const std::string& name, Expr& x) {
+    return ToNumber(name, x, "std::stoi(", "static_cast<int>(", Base::Int);
 }
 
-Expr ToDouble(const std::string& name, const Arguments& arguments) {
-    return Convert(name, arguments[0], "std::stod", Base::Double);
+Expr& ToDouble(const std::string& name, Expr& x) {
+    return ToNumber(name, x, "std::stod(", "static_cast<double>(", Base::Double);
 }
 
-Expr ToString(const std::string& name, const Arguments& arguments) {
-    const Expr& x = arguments[0];
-    if (x.type.Is(Base::String)) return Result("std::string(" + x.text + ")", Base::String);
-    if (x.type.IsKnown() && !x.type.IsNumber()) FailArgument(name, "a number or a String", x);
-    return Result("std::to_string(" + x.text + ")", Base::String);
+Expr& ToString(const std::string& name, Expr& x) {
+    return Convert(name, x, "std::string(", "std::to_string(", Base::String);
 }
 
-const std::unordered_map<std::string, Builtin> builtins = {
-    {"chr", {1, Chr}},           {"asc", {1, Asc}},           {"toint", {1, ToInt}},
-    {"todouble", {1, ToDouble}}, {"tostring", {1, ToString}},
+// All of one argument.
+const std::unordered_map<std::string, BuiltinRoutine> builtins = {
+    {"chr", Chr}, {"asc", Asc}, {"toint", ToInt}, {"todouble", ToDouble}, {"tostring", ToString},
 };
 
 // Type words that look like conversions, and what was meant.
@@ -93,45 +77,25 @@ const std::unordered_map<std::string, const char*> typeWords = {
     {"string", "ToString"},
 };
 
-// 0 when no key is waiting, the negated second code for extended keys. Outside of routines there is
-// nothing to capture, and C++ does not take the attempt.
-Expr ParseGetKey(Walk& walk) {
+Expr& ParseGetKey(Walk& walk) {
     if (!walk.Match(')')) ReportFatal("GetKey() takes no parameters");
-    ++lambdaCount;
-    ++callCount;
-    const std::string capture = InsideRoutine() ? "[&]" : "[]";
-    Expr expr = Result("(_kbhit() ? " + capture +
-                           "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } "
-                           "return ch; }() : 0)",
-                       Base::Int);
-    expr.isCall = true;
+    Expr& expr = NewNode(ExprKind::GetKey, Single(Base::Int));
+    expr.isCall = expr.effects = true;
     return expr;
 }
 
-// Sgn and Frac name their argument more than once, which one that changes something must not be.
-bool RepeatsArgument(const std::string& lowerName) { return lowerName == "sgn" || lowerName == "frac"; }
-
-// [&]() -> double { double __kv0 = a; double __kv1 = b; return std::pow(...); }()
-std::string TextInOrder(const std::string& lowerName, const std::vector<std::string>& texts) {
-    InOrder inOrder;
-    const ValueType real = Single(Base::Double);
-    const std::string a = inOrder.Name(real, texts[0]);
-    const std::string b = inOrder.Name(real, texts[1]);
-    return inOrder.Text(CppName(real), MathText(lowerName, {a, b}));
+Expr& Math(const MathFunction& function, const std::string& name, const PartList& arguments) {
+    for (const Expr& argument : PartRange{arguments.First()}) RequireNumber(name, argument);
+    Expr& call = NewNode(ExprKind::Math, Single(function.result));
+    call.first = arguments.First();
+    call.effects = arguments.HaveEffects();
+    call.math = &function;
+    return call;
 }
 
-Expr Math(const std::string& lowerName, const std::string& name, const Arguments& arguments) {
-    std::vector<std::string> texts;
-    for (const Expr& argument : arguments) {
-        RequireNumber(name, argument);
-        texts.push_back(argument.text);
-    }
-    const Base type = lowerName == "sgn" ? Base::Int : Base::Double;
-    if (OrderMatters(arguments)) return Result(TextInOrder(lowerName, texts), type);
-    if (!RepeatsArgument(lowerName) || MayStandTwice(arguments[0]))
-        return Result(MathText(lowerName, texts), type);
-    ++lambdaCount;
-    return Result("([](double v) { return " + MathText(lowerName, {"v"}) + "; }(" + texts[0] + "))", type);
+// Some texts name an argument more than once. One inside the other they would double in length each time.
+bool MayStandTwice(const Expr& argument, const Code& text) {
+    return text.text.size() <= 500 && MayRepeat(argument);
 }
 
 void CheckCount(const std::string& name, int expected, std::size_t count) {
@@ -145,10 +109,10 @@ void CheckCount(const std::string& name, int expected, std::size_t count) {
 
 bool IsBuiltin(const std::string& lowerName) {
     return lowerName == "getkey" || builtins.count(lowerName) != 0 || typeWords.count(lowerName) != 0 ||
-           MathArgumentCount(lowerName) >= 0 || IsSeqFunction(lowerName);
+           FindMath(lowerName) != nullptr || IsSeqFunction(lowerName);
 }
 
-Expr ParseBuiltin(Walk& walk, const std::string& lowerName) {
+Expr& ParseBuiltin(Walk& walk, const std::string& lowerName) {
     const std::string& name = walk.tokens[walk.at - 1];
     const auto typeWord = typeWords.find(lowerName);
     if (typeWord != typeWords.end()) {
@@ -160,11 +124,63 @@ Expr ParseBuiltin(Walk& walk, const std::string& lowerName) {
     walk.Take();
     if (lowerName == "getkey") return ParseGetKey(walk);
 
-    const Arguments arguments = ParseArguments(walk);
+    const PartList arguments = ParseArguments(walk);
     const auto builtin = builtins.find(lowerName);
-    CheckCount(name, builtin == builtins.end() ? MathArgumentCount(lowerName) : builtin->second.argumentCount,
-               arguments.size());
-    for (const Expr& argument : arguments) RequireValue(argument);
-    if (builtin == builtins.end()) return Math(lowerName, name, arguments);
-    return builtin->second.routine(name, arguments);
+    const MathFunction* math = builtin == builtins.end() ? FindMath(lowerName) : nullptr;
+    CheckCount(name, math != nullptr ? math->arguments : 1, arguments.size());
+    for (const Expr& argument : PartRange{arguments.First()}) RequireValue(argument);
+    return math != nullptr ? Math(*math, name, arguments) : builtin->second(name, *arguments.First());
+}
+
+void WriteEnclosed(Code& out, const Expr& expr) {
+    out += expr.text;
+    Write(out, *expr.first);
+    out += expr.closing;
+}
+
+// 0 when no key is waiting, the negated second code for extended keys. Outside of routines there is
+// nothing to capture, and C++ does not take the attempt.
+void WriteGetKey(Code& out, const Expr&) {
+    out.lambda = true;
+    out += "(_kbhit() ? ";
+    out += InsideRoutine() ? "[&]" : "[]";
+    out += "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } return ch; }() : 0)";
+}
+
+// The plain text evaluates its argument twice.
+void WriteAsc(Code& out, const Expr& expr) {
+    const Code x = TextOf(*expr.first);
+    if (MayStandTwice(*expr.first, x)) {
+        out += "(static_cast<int>(std::string(" + x + ").length() > 0 ? std::string(" + x + ")[0] : 0))";
+        return;
+    }
+    out.lambda = true;
+    out += "([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" + x + "))";
+}
+
+// In order:
+//     [&]() -> double { double __kv0 = a; double __kv1 = b; return std::pow(...); }()
+// Sgn and Frac name their argument more than once, which one that changes something must not be:
+//     ([](double v) { return ...; }(a))
+void WriteMath(Code& out, const Expr& expr) {
+    InOrder inOrder;
+    const ValueType real = Single(Base::Double);
+    std::vector<Code> texts;
+    for (const Expr& argument : PartsOf(expr)) {
+        const Code text = TextOf(argument);
+        texts.push_back(expr.ordered ? inOrder.Name(real, text) : text);
+    }
+    if (expr.math->repeats && !MayStandTwice(*expr.first, texts[0])) {
+        out.lambda = true;
+        out += "([](double v) { return ";
+        WriteCall(out, *expr.math, {"v"});
+        out += "; }(" + texts[0] + "))";
+        return;
+    }
+    Code call;
+    WriteCall(call, *expr.math, texts);
+    if (expr.ordered)
+        inOrder.Write(out, CppName(real), call);
+    else
+        out += call;
 }

@@ -1,5 +1,6 @@
 // Statements that are calls: Draw 1, 2 ; p\Move(1) ; Tick ; Insert a After b.
 #include "base/report.h"
+#include "expressions/order.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "symbols/scopes.h"
@@ -9,19 +10,22 @@ namespace {
 bool MakesObject(Keyword word) { return word == Keyword::Create || word == Keyword::New; }
 
 // An array that nobody takes must be freed all the same.
-std::string Discarded(const Expr& call) {
+void WriteDiscarded(Code& out, const Expr& call) {
     const bool freed = call.form != ArrayForm::Owned || call.byValue;
-    return freed ? call.text : TakeOver(call, call.type.base == Base::Element);
+    if (freed)
+        Write(out, call);
+    else
+        out += TakeOver(call, call.type.base == Base::Element);
 }
 
 }  // namespace
 
-bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
+bool TranslateCallStatement(TokenSpan tokens, Code& out) {
     tokens = tokens.WithoutComment();
     if (tokens.empty() || (!IsIdentifier(tokens[0]) && !Is(tokens[0], "("))) return false;
     Walk walk(tokens, ExprMode::Statement);
     walk.callStatement = true;
-    const Expr expr = ParsePrimary(walk);
+    Expr& expr = ParsePrimary(walk);
     const std::string& next = walk.Peek();
     if ((next == "+" || next == "-") && walk.Peek(1) == next && walk.at + 2 == tokens.size()) {
         ReportFatal("There is no operator '" + next + next + "'. Write the assignment out, as in 'x = x " +
@@ -29,6 +33,7 @@ bool TranslateCallStatement(TokenSpan tokens, std::string& text) {
     }
     if (!expr.isCall && !MakesObject(tokens.KeywordAt(0))) return false;
     if (!walk.Done()) FailUnexpected(walk);
-    text = Discarded(expr);
+    KeepOrder(expr);
+    WriteDiscarded(out, expr);
     return true;
 }

@@ -3,6 +3,8 @@
 #include "collect/parameters.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
+#include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "symbols/uses.h"
@@ -48,55 +50,30 @@ bool ParenthesesHoldAll(const Walk& walk) {
     return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
 }
 
-Expr ParseArgument(Walk& walk, bool forArray) {
+Expr& ParseArgument(Walk& walk, bool forArray) {
     const std::size_t begin = walk.at;
-    const std::size_t calls = callCount;
     const std::size_t outerRow = walk.rowAt;
     walk.rowAt = forArray ? walk.at : std::string::npos;
-    Expr argument = ParseValue(walk);
+    Expr& argument = ParseValue(walk);
     walk.rowAt = outerRow;
-    argument.effects = callCount != calls;
-    argument.source = walk.tokens.Slice(begin, walk.at);
+    argument.source = walk.Since(begin);
     return argument;
 }
 
 // Arguments up to the one that no comma follows.
-std::vector<Expr> ParseList(Walk& walk) {
+PartList ParseList(Walk& walk) {
     const Routine* callee = walk.callee;
     walk.callee = nullptr;
-    std::vector<Expr> arguments;
+    PartList arguments;
     do {
         const std::size_t i = arguments.size();
-        arguments.push_back(ParseArgument(walk, callee != nullptr && i < callee->parameters.size() &&
-                                                    callee->parameters[i].type.IsArray()));
+        arguments.Add(ParseArgument(walk, callee != nullptr && i < callee->parameters.size() &&
+                                              callee->parameters[i].type.IsArray()));
     } while (walk.Match(','));
     return arguments;
 }
 
-std::string CallText(const std::string& callee, const std::vector<std::string>& arguments) {
-    std::string text = callee + " (";
-    const char* separator = " ";
-    for (const std::string& argument : arguments) {
-        text += separator + argument;
-        separator = " , ";
-    }
-    return text + " )";
-}
-
-// The object comes before the arguments.
-std::string CallInOrder(const Expr* object, const std::string& name, const Routine& routine,
-                        const std::vector<Expr>& arguments, std::vector<std::string> texts) {
-    InOrder inOrder;
-    std::string callee;
-    if (object != nullptr) {
-        const bool named = OrderMatters(*object, arguments);
-        callee = WithAccessor(*object, named ? inOrder.NameObject(object->text) : object->text);
-    }
-    NameArguments(inOrder, routine, arguments, texts);
-    return inOrder.Text(ResultCppName(routine.result), CallText(callee + name, texts));
-}
-
-std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
+PartList ParseCallArguments(Walk& walk, const Routine& routine) {
     walk.callee = &routine;
     if (walk.PeekSign() == '(' && (!walk.callStatement || ParenthesesHoldAll(walk))) {
         walk.Take();
@@ -106,12 +83,32 @@ std::vector<Expr> ParseCallArguments(Walk& walk, const Routine& routine) {
     ReportFatal(SubjectOf(routine) + " is called with parentheses: " + routine.name + "(...)");
 }
 
+// "KVL_a -> KVL_Draw ( 1 , 2 )", in order where that could be seen. The object comes before the arguments.
+void WriteCallAtOnce(Code& out, const Expr& call) {
+    const Routine& routine = *call.routine;
+    InOrder inOrder;
+    Code ordered;
+    Code& text = call.ordered ? ordered : out;
+    if (call.named)
+        text += inOrder.NameObject(TextOf(*call.object));
+    else if (call.object != nullptr)
+        Write(text, *call.object);
+    if (call.object != nullptr)
+        WriteAccessor(text, *call.object, !call.named && call.object->kind == ExprKind::Fixed);
+    text += call.text;
+    text += routine.cppName;
+    text += " ( ";
+    WriteArguments(text, call, routine, " , ", call.ordered ? &inOrder : nullptr);
+    text += routine.parameters.empty() ? ")" : " )";
+    if (call.ordered) inOrder.Write(out, ResultCppName(routine.result), ordered);
+}
+
 }  // namespace
 
-std::vector<Expr> ParseArguments(Walk& walk) {
+PartList ParseArguments(Walk& walk) {
     const bool statement = walk.callStatement;
     walk.callStatement = false;
-    std::vector<Expr> arguments;
+    PartList arguments;
     if (walk.Match(')')) {
         walk.callee = nullptr;
     } else {
@@ -122,13 +119,7 @@ std::vector<Expr> ParseArguments(Walk& walk) {
     return arguments;
 }
 
-bool TakesBareArguments(const Walk& walk) {
-    const std::string& next = walk.Peek();
-    const bool member = next == "\\" || (next == "." && IsIdentifier(walk.Peek(1)));
-    return walk.callStatement && !member && next != "[";
-}
-
-std::vector<Expr> ParseBareArguments(Walk& walk) {
+PartList ParseBareArguments(Walk& walk) {
     walk.callStatement = false;
     if (!walk.Done()) return ParseList(walk);
     walk.callee = nullptr;
@@ -141,50 +132,62 @@ std::string SubjectOf(const Routine& routine) {
     return "Function '" + routine.name + "'";
 }
 
-std::string WithAccessor(const Expr& object, const std::string& text) {
-    const bool pointer = object.type.base != Base::Element || object.slot;
-    return text + (text == "this" ? "" : " ") + (pointer ? "-> " : ". ");
-}
-
-std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
-                                          const std::vector<Expr>& arguments) {
+void CheckArguments(const std::string& subject, const Routine& routine, PartList& arguments) {
     CheckCount(subject, routine, arguments.size());
-    std::vector<std::string> texts;
+    const Expr* argument = arguments.First();
     for (std::size_t i = 0; i < routine.parameters.size(); ++i) {
         const Parameter& parameter = routine.parameters[i];
         NeedElement(parameter.type);
-        if (i < arguments.size()) {
-            CheckArgument(subject, i, parameter.type, arguments[i]);
-            texts.push_back(ArgumentText(arguments[i], parameter.type));
+        if (argument != nullptr) {
+            CheckArgument(subject, i, parameter.type, *argument);
+            CheckPassed(*argument, parameter.type);
+            argument = argument->next;
         } else {
-            texts.push_back(ArgumentText(TranslateDefault(routine, parameter), parameter.type));
+            Expr& left = TranslateDefault(routine, parameter);
+            left.given = false;
+            arguments.Add(left);
         }
     }
-    return texts;
 }
 
-Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, const Expr* object) {
+// Arrays and Sequences get no names: they stay where they are, since they live to the end of the call only.
+void WriteArguments(Code& out, const Expr& call, const Routine& routine, const char* separator, InOrder* inOrder) {
+    const Parameter* parameter = routine.parameters.data();
+    for (const Expr& argument : PartsOf(call)) {
+        const ValueType& type = parameter++->type;
+        if (&argument != call.first) out += separator;
+        if (inOrder == nullptr || !argument.given || !type.IsSingle() || !type.IsKnown()) {
+            WritePassed(out, argument, type);
+            continue;
+        }
+        Code text;
+        WritePassed(text, argument, type);
+        out += inOrder->Name(type, text);
+    }
+}
+
+Expr& ParseCall(Walk& walk, const Routine& routine, const char* prefix, Expr* object) {
     if (routine.owner == nullptr && Lower(routine.name) == "main")
         ReportFatal("'" + routine.name + "' cannot be called", walk.Taken());
     const TokenSpan called = walk.Taken();
     NoteUse(called, routine);
-    const std::vector<Expr> arguments = ParseCallArguments(walk, routine);
-    const std::vector<std::string> texts =
-        About(called, [&] { return CheckedArguments(SubjectOf(routine), routine, arguments); });
-    const std::string name = prefix + routine.cppName;
-    Expr call;
-    const bool ordered = OrderMatters(arguments);
-    const std::string callee = object == nullptr ? name : WithAccessor(*object, object->text) + name;
-    call.text = CallWhileAway(
-        routine, arguments,
-        ordered ? CallInOrder(object, name, routine, arguments, texts) : CallText(callee, texts));
-    call.type = routine.result;
+    PartList arguments = ParseCallArguments(walk, routine);
+    About(called, [&] { CheckArguments(SubjectOf(routine), routine, arguments); });
+    Expr& call = NewNode(ExprKind::Call, routine.result);
     if (call.type.IsArray())
         call.form = routine.isExtern || routine.isUserlib ? ArrayForm::Pointer : ArrayForm::Owned;
-    call.isCall = true;
+    call.isCall = call.effects = true;
     call.routine = &routine;
-    call.effects = true;
+    call.text = prefix;
+    call.object = object;
+    call.first = arguments.First();
     NeedElement(routine.result);
-    ++callCount;
     return call;
+}
+
+void WriteCall(Code& out, const Expr& call) {
+    const AwayWalks away = AwayFromCall(*call.routine, call.first);
+    BeginAway(out, away);
+    WriteCallAtOnce(out, call);
+    EndAway(out, away);
 }

@@ -4,12 +4,10 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "expressions/operators.h"
+#include "expressions/order.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
 #include "symbols/uses.h"
-
-std::size_t lambdaCount = 0;
-std::size_t callCount = 0;
 
 namespace {
 
@@ -19,19 +17,18 @@ constexpr std::size_t mostParts = 5000;
 
 int depth = 0;
 
-const PartOfRun partOfRun(lambdaCount, callCount, depth);
+const PartOfRun partOfRun(depth);
 
 [[noreturn]] void FailTooDeep() {
     ReportFatal("Expression too deeply nested. Give a part of it to a variable first");
 }
 
 // Operators that bind tighter than or as tight as `loosest`, from left to right.
-Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
+Expr& ParseBinary(Walk& walk, Level loosest, bool comparing) {
     const std::size_t begin = walk.at;
-    const std::size_t calls = callCount;
-    Expr left = ParseUnary(walk);
-    left.effects = callCount != calls;
-    left.source = walk.tokens.Slice(begin, walk.at);
+    Expr* left = &ParseUnary(walk);
+    left->source = walk.Since(begin);
+    PartList texts;
     int wraps = 0;
     std::size_t length = 0;
     for (const BinaryOperator* op = PeekBinary(walk, comparing, length);
@@ -39,46 +36,37 @@ Expr ParseBinary(Walk& walk, Level loosest, bool comparing) {
         walk.at += length;
         LimitParts(++walk.operators);
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
-        Expr right = ParseBinary(walk, tighter, comparing);
+        Expr& right = ParseBinary(walk, tighter, comparing);
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
-        if (op->kind != OperatorKind::Add) CloseSum(left);
-        left = Combine(left, *op, right);
-        left.effects = callCount != calls;
-        left.source = walk.tokens.Slice(begin, walk.at);
+        left = &Combine(*left, *op, right, texts);
+        left->source = walk.Since(begin);
     }
-    CloseSum(left);
-    return left;
+    return *left;
 }
 
-Expr Assign(const Expr& target, const Expr& value) {
+Expr& Assign(Expr& target, Expr& value) {
     CheckAssignable(target, value);
-    Expr result;
-    result.type = target.type;
-    result.text = ValueText(target) + " = " + TextAs(value, target.type);
+    CheckConversion(value, target.type);
+    Expr& result = NewNode(ExprKind::Assignment, target.type, target, value);
     result.level = Level::Assignment;
     return result;
 }
 
-Expr Nothing() {
-    Expr nothing;
-    nothing.type = Single(Base::Void);
-    return nothing;
-}
-
-Expr TranslateSome(TokenSpan tokens, ExprMode mode) {
+Expr& TranslateSome(TokenSpan tokens, ExprMode mode) {
     Walk walk(tokens, mode);
-    const std::size_t calls = callCount;
-    Expr result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
+    Expr& result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
     if (!walk.Done()) FailUnexpected(walk);
-    result.effects = callCount != calls;
+    KeepOrder(result);
     NoteType(tokens, result.type);
     return result;
 }
 
-Expr Translate(TokenSpan tokens, ExprMode mode) {
+Expr& Translate(TokenSpan tokens, ExprMode mode) {
     tokens = tokens.WithoutComment();
-    if (tokens.empty()) return Nothing();
-    return About(tokens, [tokens, mode] { return TranslateSome(tokens, mode); });
+    if (tokens.empty()) return NewNode(ExprKind::Nothing, Single(Base::Void));
+    Expr* result = nullptr;
+    About(tokens, [&] { result = &TranslateSome(tokens, mode); });
+    return *result;
 }
 
 }  // namespace
@@ -101,25 +89,31 @@ void Walk::Expect(char sign) {
     ReportFatal(std::string("Expected '") + sign + "' but found " + found);
 }
 
-Expr ParseValue(Walk& walk) { return ParseBinary(walk, Level::Or, true); }
+Expr& ParseValue(Walk& walk) { return ParseBinary(walk, Level::Or, true); }
 
-Expr ParseAssignment(Walk& walk) {
-    const DepthGuard guard;
-    Expr left = ParseBinary(walk, Level::Or, false);
-    if (!walk.Match('=')) return left;
-    return Assign(left, ParseAssignment(walk));
+Expr& ParseInBrackets(Walk& walk) {
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    Expr& value = ParseValue(walk);
+    walk.callStatement = statement;
+    return value;
 }
 
-Expr ParseUnary(Walk& walk) {
+Expr& ParseAssignment(Walk& walk) {
+    const DepthGuard guard;
+    Expr& left = ParseBinary(walk, Level::Or, false);
+    return walk.Match('=') ? Assign(left, ParseAssignment(walk)) : left;
+}
+
+Expr& ParseUnary(Walk& walk) {
     const DepthGuard guard;
     const UnaryOperator* op = PeekUnary(walk);
     if (op == nullptr) return ParsePrimary(walk);
     ++walk.at;
-    Expr operand = ParseUnary(walk);
-    return ApplyUnary(*op, operand);
+    return ApplyUnary(*op, ParseUnary(walk));
 }
 
-Expr TranslateExpression(TokenSpan tokens, ExprMode mode) {
+Expr& TranslateExpression(TokenSpan tokens, ExprMode mode) {
     if (settings.verbose) Say(tokens.empty() ? "" : "'" + tokens.Text("', '") + "'");
     return Translate(tokens, mode);
 }
@@ -127,14 +121,17 @@ Expr TranslateExpression(TokenSpan tokens, ExprMode mode) {
 std::string GetExpressionType(TokenSpan tokens) {
     if (tokens.empty()) return "unknown";
     if (settings.verbose) Say("  [GetExpressionType] Tokens: '" + tokens.Text("' '") + "' ");
-    const Expr expr = Translate(tokens, ExprMode::Condition);
+    const Expr& expr = Translate(tokens, ExprMode::Condition);
     const std::string type = CppName(expr.type);
     if (tokens.size() >= 2 && Is(tokens[0], "Create")) {
         VerboseNote("  [GetExpressionType] Detected Create statement, returning type: " + type);
     } else {
-        VerboseNote("  [GetExpressionType] Inferred type from expression '" + expr.text + "': " + type);
+        VerboseNote("  [GetExpressionType] Inferred type from expression '" + TextOf(expr).text + "': " + type);
     }
     return type;
 }
 
-ValueType InferType(TokenSpan tokens) { return Translate(tokens, ExprMode::Condition).type; }
+ValueType InferType(TokenSpan tokens) {
+    const BorrowedNodes nodes;
+    return Translate(tokens, ExprMode::Condition).type;
+}

@@ -1,10 +1,12 @@
 // std:max(a, b): functions of the C++ library, as far as numbers and Strings get along with them.
 #include <sstream>
+#include <string_view>
 #include <unordered_map>
 
 #include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/walk.h"
+#include "expressions/writer.h"
 
 namespace {
 
@@ -44,9 +46,12 @@ const Group groups[] = {
     {"time", 1, Takes::Zero, Base::Long},
 };
 
-const Group* FindGroup(const std::string& name) {
+using Functions = std::unordered_map<std::string, const Group*>;
+
+// The function and its name, which last; null when there is none.
+const Functions::value_type* FindLibraryFunction(const std::string& name) {
     static const auto functions = [] {
-        std::unordered_map<std::string, const Group*> all;
+        Functions all;
         for (const Group& group : groups) {
             std::istringstream names(group.names);
             for (std::string each; names >> each;) all["std::" + each] = &group;
@@ -54,7 +59,7 @@ const Group* FindGroup(const std::string& name) {
         return all;
     }();
     const auto found = functions.find(name);
-    return found == functions.end() ? nullptr : found->second;
+    return found == functions.end() ? nullptr : &*found;
 }
 
 // As it stands in a program: std:max.
@@ -70,6 +75,8 @@ std::string Written(std::string name) {
 bool IsNumber(const Expr& expr) { return !expr.type.IsKnown() || expr.type.IsNumber(); }
 bool IsText(const Expr& expr) { return !expr.type.IsKnown() || expr.type.Is(Base::String); }
 
+bool IsZero(const Expr& expr) { return expr.kind == ExprKind::Number && expr.word->text == "0"; }
+
 void CheckArgument(const std::string& name, Takes takes, const Expr& argument, const Expr& first) {
     switch (takes) {
         case Takes::Numbers:
@@ -84,15 +91,15 @@ void CheckArgument(const std::string& name, Takes takes, const Expr& argument, c
                 FailArguments(name, "two numbers or two Strings", argument);
             return;
         case Takes::Zero:
-            if (argument.text != "0" && !argument.type.Is(Base::Null)) FailArguments(name, "0", argument);
+            if (!IsZero(argument) && !argument.type.Is(Base::Null)) FailArguments(name, "0", argument);
             return;
     }
 }
 
 // The type that both are brought to. C++ wants to be told when it is not that of either.
-ValueType AlikeType(const std::vector<Expr>& two, bool& told) {
-    const ValueType &a = two[0].type, &b = two[1].type;
-    told = a != b || two[0].literal || two[1].literal;
+ValueType AlikeType(const Expr& one, const Expr& other, bool& told) {
+    const ValueType &a = one.type, &b = other.type;
+    told = a != b || one.literal || other.literal;
     if (a == b || !a.IsKnown() || !b.IsKnown()) return a.IsKnown() ? b : a;
     const auto is = [&](Base base) { return a.Is(base) || b.Is(base); };
     return Single(is(Base::Double) ? Base::Double : is(Base::Long) ? Base::Long : Base::Int);
@@ -104,60 +111,69 @@ ValueType SameType(const ValueType& type) {
     return stays ? type : Single(Base::Int);
 }
 
-// "std::max ( a , b )", in order where that could be seen.
-std::string CallText(const std::string& function, const std::vector<Expr>& arguments, const ValueType& type) {
-    InOrder inOrder;
-    const bool ordered = type.IsKnown() && OrderMatters(arguments);
-    std::string text = function + " (";
-    const char* separator = " ";
-    for (const Expr& argument : arguments) {
-        const std::string value = ValueText(argument);
-        text += separator + (ordered && argument.type.IsKnown() ? inOrder.Name(argument.type, value) : value);
-        separator = " , ";
-    }
-    text += " )";
-    return ordered ? inOrder.Text(CppName(type), text) : text;
+ValueType ResultType(const Group& function, const Expr* first, bool& told) {
+    ValueType type = Single(function.result);
+    if (function.takes == Takes::Alike) type = AlikeType(*first, *first->next, told);
+    if (function.takes == Takes::Same) type = SameType(first->type);
+    return type;
 }
 
-Expr CallOf(const std::string& name, const Group& function, std::vector<Expr> arguments) {
-    for (const Expr& argument : arguments) {
+Expr& CallOf(const std::string& name, const Group& function, const PartList& arguments) {
+    for (const Expr& argument : PartRange{arguments.First()}) {
         RequireValue(argument);
-        CheckArgument(name, function.takes, argument, arguments.front());
+        CheckArgument(name, function.takes, argument, *arguments.First());
     }
-    Expr call;
-    call.type = Single(function.result);
-    std::string called = name;
     bool told = false;
-    if (function.takes == Takes::Alike) call.type = AlikeType(arguments, told);
-    if (told && call.type.IsKnown()) called += "<" + CppName(call.type) + ">";
-    if (function.takes == Takes::Same) call.type = SameType(arguments[0].type);
-    if (name == "std::system" && !arguments[0].literal)
-        arguments[0].text = "(" + arguments[0].text + ").c_str()";
-    call.text = CallText(called, arguments, call.type);
-    call.isCall = true;
-    ++callCount;
+    Expr& call = NewNode(ExprKind::Library, ResultType(function, arguments.First(), told));
+    if (told && call.type.IsKnown()) call.closing = "<";
+    call.text = name.c_str();
+    call.first = arguments.First();
+    call.isCall = call.effects = true;
     return call;
 }
 
 }  // namespace
 
-Expr ParseLibraryName(Walk& walk) {
+Expr& ParseLibraryName(Walk& walk) {
     std::string name = walk.Take();
     while (walk.PeekSign() == ':' && IsIdentifier(walk.Peek(1))) {
         walk.Take();
         name += "::" + walk.Take();
     }
-    const Group* function = FindGroup(name);
+    const auto* function = FindLibraryFunction(name);
     if (function == nullptr || !walk.Match('(')) {
         ReportFatal(
             "'" + Written(name) +
             "' is no value. Of the C++ library, functions on numbers and Strings can be called by their "
             "names, like std:max(a, b); InlineCpp can use the rest");
     }
-    std::vector<Expr> arguments = ParseArguments(walk);
-    if (arguments.size() != function->arguments) {
-        ReportFatal("'" + Written(name) + "' expects " + std::to_string(function->arguments) +
+    const PartList arguments = ParseArguments(walk);
+    if (arguments.size() != function->second->arguments) {
+        ReportFatal("'" + Written(name) + "' expects " + std::to_string(function->second->arguments) +
                     " argument(s), got " + std::to_string(arguments.size()));
     }
-    return CallOf(name, *function, std::move(arguments));
+    return CallOf(function->first, *function->second, arguments);
+}
+
+// "std::max ( a , b )", in order where that could be seen. Texts go to C as it wants them.
+void WriteLibrary(Code& out, const Expr& expr) {
+    InOrder inOrder;
+    const bool ordered = expr.ordered && expr.type.IsKnown();
+    const bool ofC = std::string_view(expr.text) == "std::system";
+    Code call = expr.text;
+    if (expr.closing[0] != '\0') call += "<" + CppName(expr.type) + ">";
+    call += " (";
+    const char* separator = " ";
+    for (const Expr& argument : PartsOf(expr)) {
+        Code value = ValueText(argument);
+        if (ofC && !argument.literal) value = "(" + value + ").c_str()";
+        call += separator;
+        call += ordered && argument.type.IsKnown() ? Code(inOrder.Name(argument.type, value)) : value;
+        separator = " , ";
+    }
+    call += " )";
+    if (ordered)
+        inOrder.Write(out, CppName(expr.type), call);
+    else
+        out += call;
 }

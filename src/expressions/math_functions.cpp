@@ -7,11 +7,6 @@ namespace {
 #define TO_RADIANS "0.017453292519943295"
 #define TO_DEGREES "57.29577951308232"
 
-struct MathFunction {
-    int arguments;
-    std::string_view text;  // $1 and $2 stand for the arguments
-};
-
 const std::unordered_map<std::string_view, MathFunction> functions = {
     {"pi", {0, "(3.141592653589793)"}},
     {"sin", {1, "std::sin(($1)*" TO_RADIANS ")"}},
@@ -29,8 +24,8 @@ const std::unordered_map<std::string_view, MathFunction> functions = {
     {"ceil", {1, "std::ceil((double)($1))"}},
     {"round", {1, "std::round((double)($1))"}},
     {"trunc", {1, "std::trunc((double)($1))"}},
-    {"frac", {1, "((double)($1)-std::trunc((double)($1)))"}},
-    {"sgn", {1, "(($1)>0?1:(($1)<0?-1:0))"}},
+    {"frac", {1, "((double)($1)-std::trunc((double)($1)))", true}},
+    {"sgn", {1, "(($1)>0?1:(($1)<0?-1:0))", true, Base::Int}},
     {"min", {2, "std::fmin((double)($1),(double)($2))"}},
     {"max", {2, "std::fmax((double)($1),(double)($2))"}},
     {"exp", {1, "std::exp((double)($1))"}},
@@ -42,23 +37,17 @@ const std::unordered_map<std::string_view, MathFunction> functions = {
 
 }  // namespace
 
-int MathArgumentCount(std::string_view lowerName) {
+const MathFunction* FindMath(std::string_view lowerName) {
     const auto found = functions.find(lowerName);
-    return found == functions.end() ? -1 : found->second.arguments;
+    return found == functions.end() ? nullptr : &found->second;
 }
 
-std::string MathText(std::string_view lowerName, const std::vector<std::string>& arguments) {
-    const auto found = functions.find(lowerName);
-    std::string text;
-    if (found == functions.end()) return text;
-    const std::string_view pattern = found->second.text;
+void WriteCall(Code& out, const MathFunction& function, const std::vector<Code>& arguments) {
+    const std::string_view pattern = function.text;
     for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] != '$') {
-            text += pattern[i];
-            continue;
-        }
-        const auto argument = static_cast<std::size_t>(pattern[++i] - '1');
-        if (argument < arguments.size()) text += arguments[argument];
+        if (pattern[i] == '$')
+            out += arguments[static_cast<std::size_t>(pattern[++i] - '1')];
+        else
+            out += pattern[i];
     }
-    return text;
 }

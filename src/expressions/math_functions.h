@@ -1,13 +1,21 @@
 // The math functions of the language: which names they have and what C++ they become.
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 
-// Number of arguments of the function with this lower-case name; -1 when there is none.
-int MathArgumentCount(std::string_view lowerName);
+#include "expressions/code.h"
+#include "symbols/value_type.h"
 
-// The C++ call with the translated arguments filled in; empty for a name that is no math function.
-// Every result is a double, except that of sgn, which is an int.
-std::string MathText(std::string_view lowerName, const std::vector<std::string>& arguments);
+struct MathFunction {
+    int arguments;
+    std::string_view text;  // $1 and $2 stand for the arguments
+    bool repeats = false;   // an argument
+    Base result = Base::Double;
+};
+
+// Null when there is none with this lower-case name.
+const MathFunction* FindMath(std::string_view lowerName);
+
+// Appends the C++ call with the arguments filled in.
+void WriteCall(Code& out, const MathFunction& function, const std::vector<Code>& arguments);

@@ -1,6 +1,7 @@
 // What follows an operand: Fields, Methods and indices, to any depth.
 #include "base/report.h"
 #include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "prelude/output.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -21,19 +22,17 @@ void RequireAccess(bool isPrivate, const ClassInfo& cls, const std::string& memb
                 Tokens{member});
 }
 
-Expr UseField(const Expr& object, const Variable& field) {
-    Expr expr;
-    expr.text = WithAccessor(object, object.text) + field.cppName;
-    expr.type = field.type;
+Expr& UseField(Expr& object, const Variable& field) {
+    Expr& expr = NewNode(ExprKind::Field, field.type, object);
+    expr.variable = &field;
     if (expr.type.IsArray()) expr.form = ArrayForm::Vector;
     const bool lasting = object.type.base == Base::Object || object.slot || object.assignable;
     expr.assignable = lasting && !field.isConst;
     expr.isConst = field.isConst;
-    expr.effects = object.effects;
     return expr;
 }
 
-Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const Variable*& array) {
+Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
     const std::string& accessor = walk.Take();
     if (!IsIdentifier(walk.Peek()))
         ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
@@ -46,7 +45,6 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
     if (const Variable* field = FindField(cls, member)) {
         RequireAccess(field->isPrivate, cls, member);
         NoteUse(walk.Taken(), *field);
-        array = field;
         return UseField(object, *field);
     }
     if (const Routine* method = FindMethod(cls, member)) {
@@ -68,28 +66,40 @@ Expr ParseMember(Walk& walk, const Expr& object, const std::string& name, const 
 
 }  // namespace
 
-void ParsePostfix(Walk& walk, Expr& expr, const std::string& firstName) {
-    const std::string* name = &firstName;
-    const Variable* array = expr.variable;
+void WriteAccessor(Code& out, const Expr& object, bool isThis) {
+    const bool pointer = object.type.base != Base::Element || object.slot;
+    if (!isThis) out += ' ';
+    out += pointer ? "-> " : ". ";
+}
+
+void WriteField(Code& out, const Expr& expr) {
+    const Expr& object = *expr.first;
+    Write(out, object);
+    WriteAccessor(out, object, object.kind == ExprKind::Fixed);
+    out += expr.variable->cppName;
+}
+
+Expr& ParsePostfix(Walk& walk, Expr& operand, const Word& firstName) {
+    Expr* expr = &operand;
+    const Word* name = &firstName;
     const std::size_t begin = walk.operandAt;
-    const Token* first = expr.source.first;
+    const Token* first = expr->source.first;
     constexpr int mostLinks = 1000;
     for (int links = 0; BeginsPostfix(walk.PeekSign()); ++links) {
         if (links > mostLinks)
             ReportFatal("More than " + std::to_string(mostLinks) +
                         " Fields and Methods in a row. Give a part of them to a variable first");
         if (walk.PeekSign() != '[') {
-            const std::string* member = &walk.Peek(1);
-            array = nullptr;
-            expr = ParseMember(walk, expr, *name, array);
+            const Word* member = &walk.tokens.At(walk.at + 1);
+            expr = &ParseMember(walk, *expr, name->text);
             name = member;
         } else {
-            if (expr.type.IsKnown() && !expr.type.IsArray()) FailIndexed(expr, *name);
+            if (expr->type.IsKnown() && !expr->type.IsArray()) FailIndexed(*expr, name->text);
             walk.operandAt = begin;
-            expr = ParseIndices(walk, expr, *name, array);
-            array = nullptr;
+            expr = &ParseIndices(walk, *expr, *name);
         }
-        expr.source = {first, walk.tokens.first + walk.at};
-        NoteType(expr.source, expr.type);
+        expr->source = {first, walk.tokens.first + walk.at};
+        NoteType(expr->source, expr->type);
     }
+    return *expr;
 }

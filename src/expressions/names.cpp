@@ -3,6 +3,7 @@
 #include "base/settings.h"
 #include "expressions/operators.h"
 #include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "symbols/identifiers.h"
@@ -15,29 +16,26 @@ std::string Place() {
     return "(line " + std::to_string(settings.currentLine) + " in " + settings.currentFile + ")";
 }
 
-Expr Constant(const char* text, Base base) {
-    Expr expr;
+Expr& Fixed(const char* text, const ValueType& type) {
+    Expr& expr = NewNode(ExprKind::Fixed, type);
     expr.text = text;
-    expr.type = Single(base);
     return expr;
 }
 
 // The object of the running Method: always a pointer in C++.
-Expr This() {
+Expr& This() {
     if (currentClass == nullptr) ReportFatal("'this' can only be used inside a Method");
-    Expr expr;
-    expr.text = "this";
-    expr.type = Single(currentClass->isElement ? Base::Element : Base::Object, currentClass);
+    Expr& expr = Fixed("this", Single(currentClass->isElement ? Base::Element : Base::Object, currentClass));
     expr.slot = currentClass->isElement;
     return expr;
 }
 
 bool IsValueWord(Keyword word) { return Has(word, trait::value) && word != Keyword::Its; }
 
-Expr ValueOfWord(Keyword word) {
+Expr& ValueOfWord(Keyword word) {
     if (word == Keyword::This) return This();
-    if (word == Keyword::Null) return Constant("nullptr", Base::Null);
-    return Constant(word == Keyword::True ? "true" : "false", Base::Bool);
+    if (word == Keyword::Null) return Fixed("nullptr", Single(Base::Null));
+    return Fixed(word == Keyword::True ? "true" : "false", Single(Base::Bool));
 }
 
 void TraceLookup(const std::string& name, const Variable* found) {
@@ -49,15 +47,10 @@ void TraceLookup(const std::string& name, const Variable* found) {
     Say("  Checking if in current scope chain...");
 }
 
-// Names that stand for those of another place may be hidden where their text goes.
-std::string HiddenPrefix(const Variable& variable) {
-    return FileLevelNames::InForce() && IsHidden(variable.name) ? "::" : "";
-}
-
-Expr UseVariable(const Variable& variable) {
-    Expr expr;
-    expr.text = HiddenPrefix(variable) + variable.cppName;
-    expr.type = variable.type;
+Expr& UseVariable(const Variable& variable) {
+    Expr& expr = NewNode(ExprKind::Name, variable.type);
+    // Names that stand for those of another place may be hidden where their text goes.
+    if (FileLevelNames::InForce() && IsHidden(variable.name)) expr.text = "::";
     expr.form = variable.form;
     if (expr.type.IsArray() && expr.form == ArrayForm::None) expr.form = ArrayForm::Vector;
     expr.slot = variable.slot;
@@ -75,13 +68,13 @@ const Routine* FindCallable(const std::string& name) {
 }
 
 // Where something nearer has the routine's name, C++ has to be told which one is meant.
-std::string CallPrefix(const Routine& routine) {
-    if (routine.isUserlib) return {};
+const char* CallPrefix(const Routine& routine) {
+    if (routine.isUserlib) return "";
     if (routine.owner != nullptr) return FindLocal(routine.name) != nullptr ? "this-> " : "";
     return IsHidden(routine.name) ? "::" : "";
 }
 
-Expr ParseCallable(Walk& walk, const std::string& name) {
+Expr& ParseCallable(Walk& walk, const std::string& name) {
     const Routine* routine = FindCallable(name);
     if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
     if (FindVariable(name) != nullptr)
@@ -90,13 +83,18 @@ Expr ParseCallable(Walk& walk, const std::string& name) {
 }
 
 // Calls without parentheses are statements; elsewhere the parentheses are missing.
-Expr ParseBareName(Walk& walk, const std::string& name) {
+Expr& ParseBareName(Walk& walk, const std::string& name) {
     const Routine* routine = FindCallable(name);
     if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
     FailUnknownName(walk, name);
 }
 
 }  // namespace
+
+void WriteName(Code& out, const Expr& expr) {
+    out += expr.text;
+    out += expr.variable->cppName;
+}
 
 // The first level of the scopes is the program's own.
 bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForce(); }
@@ -120,7 +118,7 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     ReportUnknown("Identifier not found - " + name, word);
 }
 
-Expr ParseName(Walk& walk) {
+Expr& ParseName(Walk& walk) {
     const Keyword keyword = walk.PeekKeyword();
     const std::string& name = walk.Take();
     const bool called = walk.PeekSign() == '(';

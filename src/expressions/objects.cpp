@@ -2,41 +2,24 @@
 #include "base/report.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
+#include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "prelude/program_uses.h"
 
 namespace {
 
-std::string Joined(const std::vector<std::string>& texts) {
-    std::string joined;
-    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
-    return joined;
-}
-
-// new KVL_T(first, second) , for an Element KVL_T(first, second)
-std::string ConstructorCall(const ClassInfo& cls, const std::vector<Expr>& arguments) {
-    const Routine plain;  // the generated constructor, which stands beside one that needs arguments
+// The Type's own constructor; null when the generated one, which stands beside one that needs arguments, will do.
+const Routine* ConstructorOf(const ClassInfo& cls, const PartList& arguments) {
     const Routine* own = FindMethod(cls, "constructor");
-    if (own != nullptr && arguments.empty() && !NeedsNoArguments(*own)) own = nullptr;
-    const Routine& constructor = own != nullptr ? *own : plain;
-    if (own != nullptr) ++callCount;
-    std::vector<std::string> texts =
-        CheckedArguments("Method '" + cls.name + "::constructor'", constructor, arguments);
-    const std::string name = (cls.isElement ? "" : "new ") + cls.cppName;
-    if (!OrderMatters(arguments)) return name + "(" + Joined(texts) + ")";
-    InOrder inOrder;
-    NameArguments(inOrder, constructor, arguments, texts);
-    return inOrder.Text(cls.cppName + (cls.isElement ? "" : "*"), name + "(" + Joined(texts) + ")");
+    return own != nullptr && arguments.size() == 0 && !NeedsNoArguments(*own) ? nullptr : own;
 }
 
-Expr ObjectOf(const ClassInfo* cls, std::string text) {
-    Expr expr;
-    expr.text = std::move(text);
-    expr.type = Single(Base::Object, cls);
-    expr.isCall = true;
-    expr.effects = true;
-    ++callCount;
+Expr& ObjectOf(ExprKind kind, const ClassInfo* cls, const char* text) {
+    Expr& expr = NewNode(kind, Single(Base::Object, cls));
+    expr.text = text;
+    expr.isCall = expr.effects = true;
     return expr;
 }
 
@@ -62,63 +45,62 @@ void RequireObject(const Expr& expr, const std::string& word) {
 }
 
 // The object of Before x and After x: x alone, or an expression in parentheses.
-Expr ParseOrigin(Walk& walk) {
+Expr& ParseOrigin(Walk& walk) {
     if (walk.Match('(')) {
-        Expr object = ParseValue(walk);
+        Expr& object = ParseValue(walk);
         walk.Expect(')');
         return object;
     }
     if (!IsIdentifier(walk.Peek())) FailUnexpected(walk);
-    const std::string& name = walk.Peek();
+    const Word& name = walk.tokens.At(walk.at);
     const std::size_t begin = walk.at;
-    Expr object = ParseName(walk);
-    object.source = walk.tokens.Slice(begin, walk.at);
-    if (walk.PeekSign() == '[') object = ParseIndices(walk, object, name, object.variable);
-    return object;
+    Expr& object = ParseName(walk);
+    object.source = walk.Since(begin);
+    return walk.PeekSign() == '[' ? ParseIndices(walk, object, name) : object;
 }
 
 // What follows the object belongs to the neighbour: After x\hp is the hp of the neighbour.
-Expr ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
-    Expr object = ParseOrigin(walk);
+Expr& ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
+    Expr& object = ParseOrigin(walk);
     RequireObject(object, word);
-    if (object.level != Level::Primary) object.text = "( " + object.text + " )";
-    return ObjectOf(object.type.cls, object.text + "->" + member + "()");
+    Expr& neighbour = ObjectOf(ExprKind::Neighbour, object.type.cls, member);
+    neighbour.first = &object;
+    return neighbour;
 }
 
 // What Insert moves, or where to: a call there has its arguments in parentheses, though Insert has none.
-Expr ParseInserted(Walk& walk, const std::string& word) {
+Expr& ParseInserted(Walk& walk, const std::string& word) {
     const bool statement = walk.callStatement;
     walk.callStatement = false;
-    Expr object = ParsePrimary(walk);
+    Expr& object = ParsePrimary(walk);
     walk.callStatement = statement;
     RequireObject(object, word);
     return object;
 }
 
 // Insert a After b
-Expr ParseInsert(Walk& walk, const std::string& word) {
-    Expr object = ParseInserted(walk, word);
-    if (object.level != Level::Primary) object.text = "(" + object.text + ")";
+Expr& ParseInsert(Walk& walk, const std::string& word) {
+    Expr& object = ParseInserted(walk, word);
     const Keyword place = walk.PeekKeyword();
     if (place != Keyword::Before && place != Keyword::After)
         ReportFatal("Insert expects: Insert a Before b, or Insert a After b");
     walk.Take();
-    const Expr target = ParseInserted(walk, word);
+    Expr& target = ParseInserted(walk, word);
     if (object.type != target.type && object.type.IsKnown() && target.type.IsKnown()) {
         ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
                     KorvelName(target.type));
     }
     programUses.inserts = true;
-    Expr expr =
-        ObjectOf(nullptr, object.text + (place == Keyword::After ? "->InsertAfter(" : "->InsertBefore(") +
-                              target.text + ")");
+    Expr& expr = ObjectOf(ExprKind::Insert, nullptr, place == Keyword::After ? "InsertAfter" : "InsertBefore");
     expr.type = Single(Base::Void);
+    expr.first = &object;
+    object.next = &target;
     return expr;
 }
 
 }  // namespace
 
-Expr ParseCreate(Walk& walk) {
+Expr& ParseCreate(Walk& walk) {
     if (walk.Done()) ReportFatal("Expected class name after 'Create'");
     const std::string& name = walk.Take();
     const ClassInfo* cls = FindClass(name);
@@ -128,17 +110,75 @@ Expr ParseCreate(Walk& walk) {
     }
     NeedClass(cls);
     NoteConstruction(*cls);
-    const std::vector<Expr> arguments = walk.Match('(') ? ParseArguments(walk) : std::vector<Expr>();
-    const std::string call = ConstructorCall(*cls, arguments);
-    if (!cls->isElement) {
-        const bool used = walk.PeekSign() == '\\' || (walk.PeekSign() == '.' && IsIdentifier(walk.Peek(1)));
-        Expr object = ObjectOf(cls, used ? "( " + call + " )" : call);
-        if (!used) object.level = Level::Unary;
-        return object;
+    PartList arguments = walk.Match('(') ? ParseArguments(walk) : PartList();
+    const Routine* constructor = ConstructorOf(*cls, arguments);
+    const Routine generated;
+    CheckArguments("Method '" + cls->name + "::constructor'", constructor != nullptr ? *constructor : generated,
+                   arguments);
+    Expr& object = ObjectOf(ExprKind::Create, cls, "");
+    object.routine = constructor;
+    object.first = arguments.First();
+    if (cls->isElement) {
+        object.type = Single(Base::Element, cls);
+    } else if (walk.PeekSign() == '\\' || (walk.PeekSign() == '.' && IsIdentifier(walk.Peek(1)))) {
+        object.text = "( ";
+        object.closing = " )";
+    } else {
+        object.level = Level::Unary;
     }
-    Expr value = ObjectOf(cls, call);
-    value.type = Single(Base::Element, cls);
-    return value;
+    return object;
+}
+
+// new KVL_T(first, second) , for an Element KVL_T(first, second)
+void WriteCreate(Code& out, const Expr& expr) {
+    const ClassInfo& cls = *expr.type.cls;
+    InOrder inOrder;
+    Code ordered;
+    Code& call = expr.ordered ? ordered : out;
+    if (!expr.ordered) call += expr.text;
+    if (!cls.isElement) call += "new ";
+    call += cls.cppName;
+    call += '(';
+    if (expr.routine != nullptr)
+        WriteArguments(call, expr, *expr.routine, ", ", expr.ordered ? &inOrder : nullptr);
+    call += ')';
+    if (expr.ordered) {
+        out += expr.text;
+        inOrder.Write(out, cls.cppName + (cls.isElement ? "" : "*"), ordered);
+    }
+    out += expr.closing;
+}
+
+// KVL_T::First()
+void WriteInstances(Code& out, const Expr& expr) {
+    out += expr.type.cls->cppName;
+    out += expr.text;
+}
+
+// KVL_a->After()
+void WriteNeighbour(Code& out, const Expr& expr) {
+    const Expr& object = *expr.first;
+    const bool bare = object.level == Level::Primary;
+    if (!bare) out += "( ";
+    Write(out, object);
+    if (!bare) out += " )";
+    out += "->";
+    out += expr.text;
+    out += "()";
+}
+
+// KVL_a->InsertAfter(KVL_b)
+void WriteInsert(Code& out, const Expr& expr) {
+    const Expr& object = *expr.first;
+    const bool bare = object.level == Level::Primary;
+    if (!bare) out += '(';
+    Write(out, object);
+    if (!bare) out += ')';
+    out += "->";
+    out += expr.text;
+    out += '(';
+    Write(out, *object.next);
+    out += ')';
 }
 
 bool IsInstanceWord(Keyword word) {
@@ -146,11 +186,11 @@ bool IsInstanceWord(Keyword word) {
            word == Keyword::After || word == Keyword::Insert;
 }
 
-Expr ParseInstanceWord(Walk& walk, Keyword keyword) {
+Expr& ParseInstanceWord(Walk& walk, Keyword keyword) {
     const std::string& word = walk.tokens[walk.at - 1];
     if (keyword == Keyword::Insert) return ParseInsert(walk, word);
     if (keyword == Keyword::Before || keyword == Keyword::After)
         return ParseNeighbour(walk, word, keyword == Keyword::Before ? "Before" : "After");
     const ClassInfo* cls = ParseTypeName(walk, word);
-    return ObjectOf(cls, cls->cppName + (keyword == Keyword::First ? "::First()" : "::Last()"));
+    return ObjectOf(ExprKind::Instances, cls, keyword == Keyword::First ? "::First()" : "::Last()");
 }

@@ -15,11 +15,10 @@ bool AllDigits(const std::string& text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
 }
 
-Expr Number(std::string text, Base base) {
-    Expr expr;
-    expr.text = std::move(text);
-    expr.type = Single(base);
-    return expr;
+Expr& Number(const Word& word, Base base) {
+    Expr& number = NewNode(ExprKind::Number, Single(base));
+    number.word = &word;
+    return number;
 }
 
 // Int, or Long where the number is too large for one.
@@ -32,10 +31,9 @@ Base SizeOf(const std::string& text, int radix) {
     return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
 }
 
-Expr ParseHexadecimal(Walk& walk) {
+Expr& ParseHexadecimal(Walk& walk) {
     const std::string digits = walk.Take().substr(1);
-    const Base base = SizeOf(digits, 16);
-    return Number("0x" + digits, base);
+    return Number(WordOf("0x" + digits), SizeOf(digits, 16));
 }
 
 bool IsHexadecimal(const std::string& token) {
@@ -47,15 +45,16 @@ bool IsHexadecimal(const std::string& token) {
 }
 
 // A leading zero would make the number octal in C++.
-std::string WithoutLeadingZeros(const std::string& digits) {
-    const std::size_t first = digits.find_first_not_of('0');
-    return first == std::string::npos ? "0" : digits.substr(first);
+const Word& WithoutLeadingZeros(const Word& digits) {
+    if (digits.text[0] != '0' || digits.text.size() == 1) return digits;
+    const std::size_t first = digits.text.find_first_not_of('0');
+    return WordOf(first == std::string::npos ? "0" : digits.text.substr(first));
 }
 
 bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
-Expr ParseDouble(Walk& walk, std::string text) {
+Expr& ParseDouble(Walk& walk, std::string text) {
     if (IsExponent(text.back()) && (walk.PeekSign() == '-' || walk.PeekSign() == '+') &&
         AllDigits(walk.Peek(1))) {
         text += walk.Take();
@@ -68,33 +67,30 @@ Expr ParseDouble(Walk& walk, std::string text) {
         ReportFatal("Invalid number '" + text + "'", Tokens{text});
     }
     if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text, Tokens{text});
-    return Number(std::move(text), Base::Double);
+    return Number(WordOf(text), Base::Double);
 }
 
-Expr ParseNumber(Walk& walk) {
-    const std::string& token = walk.Take();
-    if (walk.PeekSign() == '.') ReportFatal("Invalid number '" + token + "." + walk.Peek(1) + "'");
-    if (!AllDigits(token)) return ParseDouble(walk, token);
-    std::string digits = WithoutLeadingZeros(token);
-    const Base base = SizeOf(digits, 10);
-    return Number(std::move(digits), base);
+Expr& ParseNumber(Walk& walk) {
+    const Word& token = walk.tokens.At(walk.at++);
+    if (walk.PeekSign() == '.') ReportFatal("Invalid number '" + token.text + "." + walk.Peek(1) + "'");
+    if (!AllDigits(token.text)) return ParseDouble(walk, token.text);
+    const Word& digits = WithoutLeadingZeros(token);
+    return Number(digits, SizeOf(digits.text, 10));
 }
 
-Expr ParseParentheses(Walk& walk) {
+// A value that is what the one in it is, but for its place.
+Expr& ParseParentheses(Walk& walk) {
     walk.Take();
-    const bool statement = walk.callStatement;
-    walk.callStatement = false;
-    Expr expr = ParseValue(walk);
-    walk.callStatement = statement;
+    Expr& value = ParseInBrackets(walk);
     walk.Expect(')');
-    RequireValue(expr);
-    expr.text = "( " + ValueText(expr) + " )";
-    expr.slot = false;
-    expr.assignable = false;
-    expr.variable = nullptr;
-    expr.sum = nullptr;
-    expr.level = Level::Primary;
-    return expr;
+    RequireValue(value);
+    Expr& result = NewNode(ExprKind::Parentheses, value.type, value);
+    result.form = value.form;
+    result.literal = value.literal;
+    result.isCall = value.isCall;
+    result.byValue = value.byValue;
+    result.isConst = value.isConst;
+    return result;
 }
 
 bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == "*" || op == "/"; }
@@ -123,16 +119,16 @@ bool StandsAlone(const Walk& walk) {
     return IsHexadecimal(walk.Peek()) || (walk.PeekSign(1) == ':' && Is(walk.Peek(), "std"));
 }
 
-Expr ParseAlone(Walk& walk) {
+Expr& ParseAlone(Walk& walk) {
     if (IsHexadecimal(walk.Peek())) return ParseHexadecimal(walk);
     return walk.Match('.') ? ParseDouble(walk, "0." + walk.Take()) : ParseLibraryName(walk);
 }
 
-Expr ParseOperand(Walk& walk) {
+Expr& ParseOperand(Walk& walk) {
     const std::string& token = walk.Peek();
     const char c = token[0];
     if (token.empty()) FailUnexpected(walk);
-    if (c == '"') return TranslateString(walk.tokens.At(walk.at++));
+    if (c == '"') return ParseString(walk);
     if (c == '(') return ParseParentheses(walk);
     if (IsDigit(c)) return ParseNumber(walk);
     if (!IsIdentifier(token)) FailUnexpected(walk);
@@ -141,15 +137,14 @@ Expr ParseOperand(Walk& walk) {
 
 }  // namespace
 
-Expr ParsePrimary(Walk& walk) {
-    const std::string& token = walk.Peek();
+Expr& ParsePrimary(Walk& walk) {
+    if (StandsAlone(walk)) return ParseAlone(walk);
+    const Word& name = walk.tokens.At(walk.at);
     const std::size_t begin = walk.at;
-    const bool alone = StandsAlone(walk);
-    Expr expr = alone ? ParseAlone(walk) : ParseOperand(walk);
-    if (alone) return expr;
-    expr.source = walk.tokens.Slice(begin, walk.at);
-    NoteType(expr.source, expr.type);
+    Expr& operand = ParseOperand(walk);
+    operand.source = walk.Since(begin);
+    NoteType(operand.source, operand.type);
     walk.operandAt = begin;
-    if (expr.level == Level::Primary && BeginsPostfix(walk.PeekSign())) ParsePostfix(walk, expr, token);
-    return expr;
+    const bool goesOn = operand.level == Level::Primary && BeginsPostfix(walk.PeekSign());
+    return goesOn ? ParsePostfix(walk, operand, name) : operand;
 }

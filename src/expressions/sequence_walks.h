@@ -1,11 +1,10 @@
 // Loops over Sequences that are open where an expression or statement stands. Whoever may change a Sequence
 // tells its loops: they turn into walks by KVSeqWalk (Support::SequenceWalk) when they end. Whether a loop
-// will is not known while its body is translated, so what only walks need is a passage: a sign in the text of the
-// expression, and a slot in the output, which keeps its text or loses it when the loop ends.
+// will is not known while its body is translated, so what only walks need is a passage beside the text (code.h),
+// which becomes a slot in the output and keeps its text or loses it when the loop ends.
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "expressions/expression.h"
@@ -25,35 +24,35 @@ struct ClosedWalk {
 };
 ClosedWalk CloseSequenceWalk();
 
-// What the sign at the beginning of the text stands for; of walk 0 when it only looks like one.
-struct Passage {
-    std::size_t size = 1;  // of the sign
-    int walk = 0;
-    std::string text;
-};
-constexpr char passageSign = '\0';
-Passage PassageIn(std::string_view text);
-
 std::string SequenceWalkName(const std::string& variable);
 
+// Whether an open walk is over the Sequence.
+bool IsWalked(const Expr& sequence);
 // The value wrapped in a call of `member` for each open walk over the Sequence, as in
 // "__kvWalk_KVL_x.Removing(KVL_i)". Without walks it is the value itself.
-std::string TellWalks(const Expr& sequence, const char* member, const std::string& value);
+Code TellWalks(const Expr& sequence, const char* member, Code value);
 // Calls without an argument, each followed by `separator`: "__kvWalk_KVL_x.Leave(), ".
-std::string WalkCalls(const Expr& sequence, const char* member, const char* separator);
+Code WalkCalls(const Expr& sequence, const char* member, const char* separator);
 // The walks over the Sequence are to run by KVSeqWalk, though nothing has to be told.
 void NoteSequenceChange(const Expr& sequence);
 
-// Text that changes a Sequence, or only reads it: walks over what may be the same Sequence under another name
-// are away while it runs: (__kvWalk_KVL_x.Away(), text)
-std::string WhileAway(const Expr& sequence, bool changes, std::string text);
-// Text that assigns an Element over another one, and with it what may be such a Sequence.
-std::string ReplacedWhileAway(const ClassInfo& element, std::string text);
-// The same for a call of one of the program's routines, which may do anything to some Sequences.
-std::string CallWhileAway(const Routine& routine, const std::vector<Expr>& arguments, std::string text);
+// Walks that are away while some text runs, which may mean their Sequences under another name:
+//     (__kvWalk_KVL_x.Away(), text)
+using AwayWalks = std::vector<const struct OpenWalk*>;
+// From text that changes a Sequence, or only reads it.
+AwayWalks AwayFrom(const Expr& sequence, bool changes);
+// From text that assigns an Element over another one, and with it what may be such a Sequence.
+AwayWalks AwayFromReplaced(const ClassInfo& element);
+// From a call of one of the program's routines, which may do anything to some Sequences.
+AwayWalks AwayFromCall(const Routine& routine, Expr* arguments);
+// What stands before and behind the text, and all of it.
+void BeginAway(Code& out, const AwayWalks& away);
+void EndAway(Code& out, const AwayWalks& away);
+Code Away(const AwayWalks& away, const Code& code);
+
 // Text that only puts the items of a Sequence into another order, which every loop can go through. Walks that
 // run by KVSeqWalk anyway go on by position: __kvWalk_KVL_x.Leave(); text
-std::string WhileReordered(const Expr& sequence, std::string text);
+Code WhileReordered(const Expr& sequence, const Code& code);
 // An object of the class is made or, with null, some object is removed: user code that may change Sequences.
 void NoteConstruction(const ClassInfo& cls);
 void NoteDestruction();
@@ -61,5 +60,5 @@ void NoteDestruction();
 void NoteInlineCppInLoops(const std::string& line);
 
 // What stands before and behind an inner loop over a Sequence that outer ones may be walking.
-std::string BeforeInnerLoop(const Expr& sequence);
-std::string BehindInnerLoop(const Expr& sequence);
+Code BeforeInnerLoop(const Expr& sequence);
+Code BehindInnerLoop(const Expr& sequence);

@@ -2,10 +2,10 @@
 #include <string>
 #include <vector>
 
-#include "analysis/effects.h"
 #include "base/report.h"
-#include "expressions/text_sum.h"
+#include "expressions/order.h"
 #include "expressions/walk.h"
+#include "expressions/writer.h"
 #include "lexer/holes.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"
@@ -70,18 +70,18 @@ void AppendCharacter(std::string& out, char c, char before) {
     }
 }
 
-std::string Literal(const std::string& text, std::size_t from, std::size_t to) {
-    std::string out = "\"";
+void WriteLiteral(Code& out, const std::string& text, std::size_t from, std::size_t to) {
+    out += '"';
     for (std::size_t i = from; i < to; ++i) {
         const char* pair = text[i] == '~' && i + 1 < to ? Escaped(text[i + 1]) : nullptr;
         if (pair != nullptr) {
             out += pair;
             ++i;
         } else {
-            AppendCharacter(out, text[i], i > from ? text[i - 1] : '\0');
+            AppendCharacter(out.text, text[i], i > from ? text[i - 1] : '\0');
         }
     }
-    return out + "\"";
+    out += '"';
 }
 
 [[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
@@ -103,65 +103,74 @@ void CheckTag(const Tag& tag, const std::string& content, const Expr& value) {
     if (value.type.IsKnown() && !fits) FailTag(tag, content, value.type);
 }
 
-// The text of what stands in the hole.
-std::string HoleText(const StringPiece& hole) {
+Expr& ParseHole(const StringPiece& hole) {
     const Tag& tag = *FindTag(hole.tag);
     if (hole.content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
     const DepthGuard guard;
     ShowSplit(hole.content);
-    const Expr value = TranslateExpression(hole.tokens, ExprMode::Condition);
+    Expr& value = TranslateExpression(hole.tokens, ExprMode::Condition);
     CheckTag(tag, hole.content, value);
-    return (tag.base == Base::String ? "(" : "std::to_string(") + ValueText(value) + ")";
+    return value;
 }
 
-// Whether the order in which the holes are worked out can be seen.
-bool HolesNeedOrder(const std::vector<StringPiece>& pieces) {
-    std::vector<TokenSpan> holes;
-    for (const StringPiece& piece : pieces)
-        if (piece.kind == StringPiece::Kind::Hole) holes.emplace_back(piece.tokens);
-    return OrderCanBeSeen(holes);
+PartList ParseHoles(const std::vector<StringPiece>& pieces) {
+    PartList holes;
+    LimitTexts(pieces.size());
+    for (const StringPiece& piece : pieces) {
+        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
+        if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece));
+    }
+    return holes;
+}
+
+void WriteHole(Code& out, const StringPiece& hole, const Expr& value) {
+    out += hole.tag == '$' ? "(" : "std::to_string(";
+    WriteValue(out, value);
+    out += ')';
+}
+
+}  // namespace
+
+Expr& ParseString(Walk& walk) {
+    const Word& literal = walk.tokens.At(walk.at++);
+    const bool holes = HasHoles(literal);
+    Expr& expr = NewNode(holes ? ExprKind::Holes : ExprKind::Text, Single(Base::String));
+    expr.word = &literal;
+    expr.literal = !holes;
+    if (!holes) return expr;
+    const PartList values = ParseHoles(PiecesOf(literal));
+    expr.first = values.First();
+    expr.effects = values.HaveEffects();
+    return expr;
+}
+
+void WriteText(Code& out, const Expr& expr) {
+    const std::vector<StringPiece>& pieces = PiecesOf(*expr.word);
+    if (pieces.empty())
+        out += "\"\"";
+    else
+        WriteLiteral(out, expr.word->text, pieces[0].from, pieces[0].to);
 }
 
 // The first piece makes the sum a std::string; the others are added to it:
 //     (std::string("n is ") + std::to_string(KVL_n))
 // C++ warrants the order of what stands between braces only:
 //     (__kvText({"n is ", std::to_string(KVL_Next ( ))}))
-std::string SumOf(const std::vector<std::string>& texts, bool braces) {
+void WriteHoles(Code& out, const Expr& expr) {
+    const std::vector<StringPiece>& pieces = PiecesOf(*expr.word);
+    const bool braces = expr.ordered || pieces.size() > manyTexts;
     if (braces) RequireSupport(Support::TextInOrder);
-    std::string text = braces ? "(__kvText({" : "(std::string(";
-    const char* separator = braces ? ", " : " + ";
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (i > 0) text += separator;
-        text += texts[i];
-        if (i == 0 && !braces) text += ')';
+    out += braces ? "(__kvText({" : "(std::string(";
+    const Expr* value = expr.first;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (i > 0) out += braces ? ", " : " + ";
+        if (pieces[i].kind == StringPiece::Kind::Hole) {
+            WriteHole(out, pieces[i], *value);
+            value = value->next;
+        } else {
+            WriteLiteral(out, expr.word->text, pieces[i].from, pieces[i].to);
+        }
+        if (i == 0 && !braces) out += ')';
     }
-    return text + (braces ? "}))" : ")");
-}
-
-std::string Interpolated(const std::string& token, const std::vector<StringPiece>& pieces) {
-    std::vector<std::string> texts;
-    const std::size_t calls = callCount;
-    TextSum::Limit(pieces.size());
-    for (const StringPiece& piece : pieces) {
-        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
-        const bool hole = piece.kind == StringPiece::Kind::Hole;
-        texts.push_back(hole ? HoleText(piece) : Literal(token, piece.from, piece.to));
-    }
-    const bool inOrder = callCount != calls && HolesNeedOrder(pieces);
-    return SumOf(texts, inOrder || texts.size() > TextSum::many);
-}
-
-}  // namespace
-
-Expr TranslateString(const Word& token) {
-    const std::vector<StringPiece>& pieces = PiecesOf(token);
-    Expr expr;
-    expr.type = Single(Base::String);
-    expr.literal = !HasHoles(token);
-    if (!expr.literal) {
-        expr.text = Interpolated(token.text, pieces);
-    } else {
-        expr.text = pieces.empty() ? "\"\"" : Literal(token.text, pieces[0].from, pieces[0].to);
-    }
-    return expr;
+    out += braces ? "}))" : ")";
 }

@@ -12,71 +12,88 @@ constexpr int mostDimensions = 3;
 // The number of dimensions at the end of the names of the support routines; one-dimensional ones have none.
 std::string Suffix(const ValueType& type) { return type.dims == 1 ? "" : std::to_string(type.dims); }
 
+bool HasBools(const Expr& expr) { return expr.type.base == Base::Bool && AnyHandsOnBools(); }
+
+// Whether it comes as the vector that is wanted.
+bool IsTakenAsItIs(const Expr& expr) {
+    return expr.byValue && expr.type.base != Base::Element && !HasBools(expr);
+}
+
 }  // namespace
 
-std::string TakeOver(const Expr& expr, bool slots) {
-    const bool bools = expr.type.base == Base::Bool && AnyHandsOnBools();
-    if (expr.byValue && expr.type.base != Base::Element && !bools) return expr.text;
-    if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
-    if (bools) RequireSupport(Support::BoolArray);
+Code TakeOver(const Expr& expr, bool slots) {
+    CheckTakeOver(expr);
+    if (IsTakenAsItIs(expr)) return TextOf(expr);
+    if (HasBools(expr)) RequireSupport(Support::BoolArray);
     if (slots) RequireSupport(Support::ElementSlots);
     return (slots ? "__kvTakeSlots" : "__kvTakeArray") + Suffix(expr.type) + "(" + HandedBack(expr) + ")";
 }
 
-std::string HandedBack(const Expr& expr) {
+Code HandedBack(const Expr& expr) {
     RequireSupport(Support::ArrayPassing);
-    if (!expr.byValue) return expr.text;
-    return (expr.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + expr.text + ")";
+    if (!expr.byValue) return TextOf(expr);
+    return (expr.type.base == Base::Element ? "__kvFreshSlots(" : "__kvFresh(") + TextOf(expr) + ")";
 }
 
 namespace {
 
-std::string Passed(const Expr& expr) {
-    if (expr.form == ArrayForm::Pointer) return expr.text;
-    if (expr.type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
-    if (expr.form == ArrayForm::Fixed && expr.type.dims == 1) return expr.text;
+void RequireDimensions(const ValueType& type) {
+    if (type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
+}
+
+void WritePassedArray(Code& out, const Expr& expr) {
+    const ValueType& type = expr.type;
     const bool fresh = expr.form == ArrayForm::Owned;
-    const bool plain =
-        expr.type.dims == 1 && !fresh && expr.type.base != Base::Element && expr.type.base != Base::Bool;
-    if (plain && !expr.isCall) return expr.text + ".data()";
+    const bool plain = type.dims == 1 && !fresh && type.base != Base::Element && type.base != Base::Bool;
+    const bool asItIs = expr.form == ArrayForm::Pointer || (expr.form == ArrayForm::Fixed && type.dims == 1);
+    if (asItIs || (plain && !expr.isCall)) {
+        Write(out, expr);
+        if (!asItIs) out += ".data()";
+        return;
+    }
     RequireSupport(Support::ArrayPassing);
-    if (expr.type.base == Base::Bool) RequireSupport(Support::BoolArray);
-    if (expr.type.base == Base::Element) NeedClass(expr.type.cls);
-    const std::string items = fresh ? TakeOver(expr, expr.type.base == Base::Element) : expr.text;
-    return (expr.type.dims == 1 ? "__kvItems(" : "__kvRows(") + items + ")";
+    if (type.base == Base::Bool) RequireSupport(Support::BoolArray);
+    if (type.base == Base::Element) NeedClass(type.cls);
+    out += type.dims == 1 ? "__kvItems(" : "__kvRows(";
+    out += fresh ? TakeOver(expr, type.base == Base::Element) : TextOf(expr);
+    out += ')';
 }
 
 }  // namespace
+
+void CheckTakeOver(const Expr& expr) {
+    if (!IsTakenAsItIs(expr)) RequireDimensions(expr.type);
+}
+
+void CheckConversion(const Expr& expr, const ValueType& to) {
+    RequireValue(expr);
+    if (expr.form == ArrayForm::Owned && to.IsArray()) CheckTakeOver(expr);
+}
+
+void CheckPassed(const Expr& expr, const ValueType& parameter) {
+    if (!parameter.IsArray() || !expr.type.IsArray())
+        CheckConversion(expr, parameter);
+    else if (expr.form != ArrayForm::Pointer)
+        RequireDimensions(expr.type);
+}
+
+void WritePassed(Code& out, const Expr& expr, const ValueType& parameter) {
+    if (parameter.IsArray() && expr.type.IsArray()) return WritePassedArray(out, expr);
+    // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
+    if (!parameter.sequence || expr.assignable) return WriteAs(out, expr, parameter);
+    const std::string type = CppName(expr.type);
+    out += "const_cast<" + type + "&>(static_cast<const " + type + "&>(";
+    Write(out, expr);
+    out += "))";
+}
 
 void RequireValue(const Expr& expr) {
     if (expr.type.Is(Base::Void)) ReportFatal("A call without a result cannot be used as a value");
 }
 
-std::string ValueText(const Expr& expr) {
-    if (!expr.slot) return expr.text;
-    NeedClass(expr.type.cls);
-    return "(*" + expr.text + ")";
-}
-
-std::string TextAs(const Expr& expr, const ValueType& to) {
-    RequireValue(expr);
-    if (expr.form == ArrayForm::Owned && to.IsArray()) return TakeOver(expr, false);
-    return ValueText(expr);
-}
-
-std::string ArgumentText(const Expr& expr, const ValueType& parameter) {
-    if (parameter.IsArray() && expr.type.IsArray()) return Passed(expr);
-    // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
-    if (parameter.sequence && !expr.assignable) {
-        return "const_cast<" + CppName(expr.type) + "&>(static_cast<const " + CppName(expr.type) + "&>(" +
-               expr.text + "))";
-    }
-    return TextAs(expr, parameter);
-}
-
 void CheckAssignable(const Expr& target, const Expr& value) {
     RequireValue(value);
-    if (target.isConst && target.variable) {
+    if (target.isConst && VariableOf(target) != nullptr) {
         ReportFatal("Cannot assign to const variable '" + target.variable->name + "'",
                     Tokens{target.variable->name});
     }

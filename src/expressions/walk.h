@@ -1,10 +1,9 @@
 // The walk over the tokens of one expression, shared by the files of this folder.
-// Every Parse routine begins at the walk's position and advances it behind what it translated.
+// Every Parse routine begins at the walk's position and advances it behind what it made nodes of.
 #pragma once
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
 #include "expressions/expression.h"
 
@@ -27,6 +26,7 @@ struct Walk {
     Keyword PeekKeyword() const { return tokens.KeywordAt(at); }
     const std::string& Take() { return tokens[at++]; }
     TokenSpan Taken() const { return tokens.Slice(at - 1, at); }  // the last one
+    TokenSpan Since(std::size_t begin) const { return tokens.Slice(begin, at); }
     bool Match(char sign) {
         if (PeekSign() != sign) return false;
         ++at;
@@ -34,11 +34,6 @@ struct Walk {
     }
     void Expect(char sign);  // ends the run when another token comes
 };
-
-// How many lambdas were written so far: a text that holds one may not stand inside decltype.
-extern std::size_t lambdaCount;
-// How many calls so far may do more than yield a value; where two stand side by side their order counts.
-extern std::size_t callCount;
 
 // Whether the text goes into a routine: elsewhere a lambda has nothing to capture.
 bool InsideRoutine();
@@ -52,61 +47,66 @@ public:
     DepthGuard& operator=(const DepthGuard&) = delete;
 };
 
-Expr ParseValue(Walk& walk);       // any expression in which "=" compares
-Expr ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
-Expr ParseUnary(Walk& walk);
-Expr ParsePrimary(Walk& walk);
+Expr& ParseValue(Walk& walk);       // any expression in which "=" compares
+Expr& ParseInBrackets(Walk& walk);  // the same where a call has its parentheses, also in a call statement
+Expr& ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
+Expr& ParseUnary(Walk& walk);
+Expr& ParsePrimary(Walk& walk);
+Expr& ParseString(Walk& walk);
 // Goes on from the operand to what follows it: "\" members, "[" indices.
 inline bool BeginsPostfix(char sign) { return sign == '\\' || sign == '.' || sign == '['; }
-void ParsePostfix(Walk& walk, Expr& expr, const std::string& name);
+Expr& ParsePostfix(Walk& walk, Expr& operand, const Word& name);
 
 // The arguments behind "(", up to and with the ")".
-std::vector<Expr> ParseArguments(Walk& walk);
-// Whether what follows an unread name in a call statement can be its arguments: no member, no index.
-bool TakesBareArguments(const Walk& walk);
+PartList ParseArguments(Walk& walk);
 // The arguments of a call statement without parentheses: all that is left.
-std::vector<Expr> ParseBareArguments(Walk& walk);
+PartList ParseBareArguments(Walk& walk);
 
 // A call of a routine whose name has been read; `prefix` is what stands before the routine's C++ name,
 // `object` what a Method is called on, null without one.
-Expr ParseCall(Walk& walk, const Routine& routine, const std::string& prefix, const Expr* object = nullptr);
-// The text, which stands for the object, with the accessor behind it; "this" and its accessor are written
-// together.
-std::string WithAccessor(const Expr& object, const std::string& text);
-// The texts of the arguments, defaults written out. `subject` as in "Function 'Draw'".
-std::vector<std::string> CheckedArguments(const std::string& subject, const Routine& routine,
-                                          const std::vector<Expr>& arguments);
+Expr& ParseCall(Walk& walk, const Routine& routine, const char* prefix, Expr* object = nullptr);
+// Appends the accessor behind the text of the object; "this" and its accessor are written together.
+void WriteAccessor(Code& out, const Expr& object, bool isThis);
+// Checks the arguments and adds the defaults of those that are left out. `subject` as in "Function 'Draw'".
+void CheckArguments(const std::string& subject, const Routine& routine, PartList& arguments);
 std::string SubjectOf(const Routine& routine);
-// The text of an argument for a parameter of the type; arrays and Sequences are passed by reference.
-std::string ArgumentText(const Expr& expr, const ValueType& parameter);
+// Appends the arguments, named in order when there is somebody to name them.
+void WriteArguments(Code& out, const Expr& call, const Routine& routine, const char* separator,
+                    class InOrder* inOrder);
+// End the run when an array has more dimensions than can be handed on: one that is taken over, a value where C++
+// wants one of type `to`, an argument.
+void CheckTakeOver(const Expr& expr);
+void CheckConversion(const Expr& expr, const ValueType& to);
+void CheckPassed(const Expr& expr, const ValueType& parameter);
+// Arrays and Sequences are passed by reference.
+void WritePassed(Code& out, const Expr& expr, const ValueType& parameter);
 
 // Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
 void CheckAssignable(const Expr& target, const Expr& value);
 
-// The indices behind an array; `variable` is the variable or Field that it is, null for other expressions.
-Expr ParseIndices(Walk& walk, const Expr& array, const std::string& name, const Variable* variable);
+// The indices behind an array, which the program calls `name`.
+Expr& ParseIndices(Walk& walk, Expr& array, const Word& name);
 
 bool IsBuiltin(const std::string& lowerName);  // a name that means a built-in when "(" follows
-Expr ParseBuiltin(Walk& walk, const std::string& lowerName);
+Expr& ParseBuiltin(Walk& walk, const std::string& lowerName);
 bool IsSeqFunction(const std::string& lowerName);
-Expr ParseSeqFunction(Walk& walk, const std::string& lowerName);
-Expr ParseLibraryName(Walk& walk);  // std:max(a, b)
-Expr ParseCreate(Walk& walk);
+Expr& ParseSeqFunction(Walk& walk, const std::string& lowerName);
+Expr& ParseLibraryName(Walk& walk);  // std:max(a, b)
+Expr& ParseCreate(Walk& walk);
 // First, Last, Before, After and Insert.
 bool IsInstanceWord(Keyword word);
-Expr ParseInstanceWord(Walk& walk, Keyword word);
+Expr& ParseInstanceWord(Walk& walk, Keyword word);
 
-Expr ParseName(Walk& walk);
+Expr& ParseName(Walk& walk);
 bool IsIdentifier(const std::string& token);
 [[noreturn]] void FailUnknownName(const Walk& walk, const std::string& name);
 [[noreturn]] void FailUnexpected(const Walk& walk);
 // Ends the run when the expression is no value (Void, a Type without object ...).
 void RequireValue(const Expr& expr);
+// The Strings are more than a C++ compiler joins without using up all memory.
+void LimitTexts(std::size_t count);
 
-// Whether the text of the operand may be evaluated more than once.
-bool MayRepeat(const Expr& operand);
-
-// The operands are used up. A sum of Strings stays open: further ones may join it before CloseSum gives it its text.
-Expr Combine(Expr& left, const struct BinaryOperator& op, Expr& right);
-void CloseSum(Expr& sum);
-Expr ApplyUnary(const struct UnaryOperator& op, Expr& operand);
+// The operands become parts of the operation. A sum of Strings that is the left one takes the right one in.
+// `texts` are those of the sum under way.
+Expr& Combine(Expr& left, const struct BinaryOperator& op, Expr& right, PartList& texts);
+Expr& ApplyUnary(const struct UnaryOperator& op, Expr& operand);

@@ -283,14 +283,15 @@ private:
     // name "(" [expression {"," expression}] ")"
     void Call(const std::string& name) {
         const std::string lowerName = Lower(name);
-        const int expected = MathArgumentCount(lowerName);
-        if (expected < 0)
+        const MathFunction* math = FindMath(lowerName);
+        if (math == nullptr)
             return Fail(
                 "PreCalc: '" + name +
                 "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
                 "and Sin/Cos/Sqrt/...)");
         const TableFunction* function = FindTableFunction(lowerName);
         if (function == nullptr) return Fail("PreCalc: unknown function '" + name + "'");
+        const int expected = math->arguments;
         const std::size_t codeBefore = program.code.size();
         const std::size_t depthBefore = depth;
         const int count = Arguments(name);

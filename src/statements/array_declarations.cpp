@@ -24,7 +24,7 @@ constexpr long long largestSize = 2147483647;
 constexpr char sizeIndent[] = "\n\t\t\t\t";
 
 struct Size {
-    std::string text;
+    Code text;
     std::optional<long long> value;  // when it is known while translating
 };
 
@@ -46,19 +46,19 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
     const std::optional<ConstantValue> known = EvaluateConstant(tokens);
     const bool integer = known && known->kind == ConstantValue::Kind::Integer;
     if (integer) CheckKnownSize(known->integer);
-    const Expr size = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& size = TranslateExpression(tokens, ExprMode::Condition);
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (known && !integer))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type),
                     Tokens{array.name});
     if (!integer) {
         RequireSupport(Support::ArraySize);
-        return {"__kvSize(" + size.text + ", \"" + array.name + "\")", std::nullopt};
+        return {"__kvSize(" + TextOf(size) + (", \"" + array.name + "\")"), std::nullopt};
     }
     // A header knows only the Consts above.
     const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(tokens);
     const bool named = IsConstantToCpp(tokens) && !tooEarly;
-    return {named ? size.text : std::to_string(known->integer), known->integer};
+    return {named ? TextOf(size) : Code(std::to_string(known->integer)), known->integer};
 }
 
 std::vector<Size> ReadSizes(const Variable& array, ArrayPlace place) {
@@ -133,8 +133,7 @@ std::string FrameDeclarator(const Variable& array, ArrayPlace place, const std::
     return type + " " + array.cppName + " = {};";
 }
 
-std::string SizeConstant(const Variable& array, ArrayPlace place, int k, const std::string& value,
-                         bool known) {
+Code SizeConstant(const Variable& array, ArrayPlace place, int k, const Code& value, bool known) {
     std::string text = place != ArrayPlace::Field ? "const int " : known ? "static const int " : "int ";
     return text + SizeName(array.cppName, k) + " = " + value + ";";
 }
@@ -144,13 +143,13 @@ void AddMovableForm(const Variable& array, ArrayPlace place, bool sizesKnown, Ar
     text.declaration =
         "extern " + ArrayCppName(array.type, place, array.handsOnBools) + " " + array.cppName + ";";
     if (sizesKnown) {
-        text.declaration += text.tail;
-        text.definition = text.variable;
+        text.declaration += text.tail.text;
+        text.definition = text.variable.text;
         return;
     }
     for (int k = 0; k < array.type.dims; ++k)
         text.declaration += sizeIndent + std::string("extern const int ") + SizeName(array.cppName, k) + ";";
-    text.definition = text.head + text.variable + text.tail;
+    text.definition = text.head.text + text.variable.text + text.tail.text;
 }
 
 void RequireFor(const ValueType& type, ArrayPlace place) {
@@ -170,8 +169,8 @@ std::string MeasuredSize(const std::string& name, int k) {
 }
 
 // __kvResultSize(static_cast<int>(KVL_a.size()), 5, "a", 0, "Make")
-std::string CheckedSize(const Variable& array, int k, const std::string& given, const std::string& wanted,
-                        const std::string& function) {
+Code CheckedSize(const Variable& array, int k, const Code& given, const Code& wanted,
+                 const std::string& function) {
     RequireSupport(Support::ResultSize);
     return "__kvResultSize(" + given + ", " + wanted + ", \"" + array.name + "\", " + std::to_string(k) +
            ", \"" + function + "\")";
@@ -198,15 +197,15 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& fra
         const Size& size = sizes[static_cast<std::size_t>(k)];
         const bool first = !known && place != ArrayPlace::Field;
         // In a class only a number is sure to be a constant to C++.
-        std::string value = size.text;
+        Code value = size.text;
         if (place == ArrayPlace::Field)
             value = known ? std::to_string(*size.value) : MeasuredSize(array.cppName, k);
-        const std::string constant = SizeConstant(array, place, k, value, known);
+        const Code constant = SizeConstant(array, place, k, value, known);
         if (first)
             text.head += constant + "\n";
         else
             text.tail += sizeIndent + constant;
-        counts.push_back(first ? SizeName(array.cppName, k) : size.text);
+        counts.push_back(first ? SizeName(array.cppName, k) : size.text.text);
     }
     text.variable = TakesRoom(array.type, place, sizes, frameRoom)
                         ? FrameDeclarator(array, place, sizes)
@@ -215,7 +214,7 @@ ArrayText DeclareArray(const Variable& array, ArrayPlace place, std::size_t& fra
     return text;
 }
 
-std::string TakenArray(const Expr& value, ArrayPlace place) {
+Code TakenArray(const Expr& value, ArrayPlace place) {
     const ValueType& type = value.type;
     RequireFor(type, place);
     if (type.dims > maxPassedDimensions)
@@ -230,11 +229,11 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
                     TakenArray(value, place) + ";";
     for (std::size_t k = 0; k < static_cast<std::size_t>(array.type.dims); ++k) {
         const int dimension = static_cast<int>(k);
-        std::string size = MeasuredSize(array.cppName, dimension);
+        Code size = MeasuredSize(array.cppName, dimension);
         if (k < array.sizes.size() && !array.sizes[k].empty()) {
             const Size declared = ReadSize(array, place, array.sizes[k]);
             const bool number = taken.known && place == ArrayPlace::Field;
-            size = number        ? std::to_string(*declared.value)
+            size = number        ? Code(std::to_string(*declared.value))
                    : taken.known ? declared.text
                                  : CheckedSize(array, dimension, size, declared.text, taken.from);
         }

@@ -20,9 +20,9 @@ std::string ArrayCppName(const ValueType& type, ArrayPlace place, bool handsOnBo
 
 // A declaration in its lines. `head` stands before the variable, `tail` behind it.
 struct ArrayText {
-    std::string head;         // constants of sizes that only the running program knows
-    std::string variable;     // "std::vector<int> KVL_a(10);"
-    std::string tail;         // "\n\t\t\t\tconst int KVL_a_size_0 = 10;" per dimension
+    Code head;         // constants of sizes that only the running program knows
+    Code variable;     // "std::vector<int> KVL_a(10);"
+    Code tail;         // "\n\t\t\t\tconst int KVL_a_size_0 = 10;" per dimension
     std::string declaration;  // extern lines, for Globals whose definition has to move
     std::string definition;   // what defines it then
 };
@@ -43,7 +43,7 @@ struct TakenSizes {
 ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& value, const TakenSizes& taken);
 
 // The expression that takes over the array a call returns.
-std::string TakenArray(const Expr& value, ArrayPlace place);
+Code TakenArray(const Expr& value, ArrayPlace place);
 
 // Ends the run with the message for one array given to another.
 [[noreturn]] void FailArrayAssignment();

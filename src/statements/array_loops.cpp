@@ -20,8 +20,9 @@ std::string Subscripts(std::size_t dimensions) {
 }
 
 // One loop for each size round the line.
-std::string Loops(const std::vector<std::string>& sizes, const std::string& line) {
-    std::string text, closing;
+Code Loops(const std::vector<Code>& sizes, const Code& line) {
+    Code text;
+    std::string closing;
     for (std::size_t k = 0; k < sizes.size(); ++k) {
         const std::string counter = Counter(k);
         text += "\tfor(int " + counter + " = 0; " + counter + " < " + sizes[k] + "; " + counter + " = " +
@@ -31,10 +32,10 @@ std::string Loops(const std::vector<std::string>& sizes, const std::string& line
     return text + "\t\t" + line + "\n" + closing;
 }
 
-std::vector<std::string> SizeNames(const Variable& array) {
-    std::vector<std::string> names;
+std::vector<Code> SizeNames(const Variable& array) {
+    std::vector<Code> names;
     names.reserve(static_cast<std::size_t>(array.type.dims));
-    for (int k = 0; k < array.type.dims; ++k) names.push_back(SizeName(array.cppName, k));
+    for (int k = 0; k < array.type.dims; ++k) names.emplace_back(SizeName(array.cppName, k));
     return names;
 }
 
@@ -53,20 +54,20 @@ std::string SlotCppName(const ValueType& type) {
 
 std::string FillLoops(const Variable& array) {
     const std::string slot = array.cppName + Subscripts(static_cast<std::size_t>(array.type.dims));
-    return Loops(SizeNames(array), slot + " = new " + CppName(SlotType(array.type)) + "();");
+    return Loops(SizeNames(array), slot + " = new " + CppName(SlotType(array.type)) + "();").text;
 }
 
 std::string FreeLoops(const Variable& array) {
     const std::string slot = array.cppName + Subscripts(static_cast<std::size_t>(array.type.dims));
-    return Loops(SizeNames(array), "delete " + slot + ";");
+    return Loops(SizeNames(array), "delete " + slot + ";").text;
 }
 
-std::string CopyLoops(const ValueType& type, const std::string& source, const std::string& copyName,
-                      const std::vector<std::string>& sizes) {
+Code CopyLoops(const ValueType& type, const Code& source, const std::string& copyName,
+               const std::vector<Code>& sizes) {
     const std::string subscripts = Subscripts(sizes.size());
-    std::string counts;
-    for (const std::string& size : sizes) counts += (counts.empty() ? "" : ", ") + size;
-    std::string value = source + subscripts;
+    Code counts;
+    for (const Code& size : sizes) counts += (counts.text.empty() ? "" : ", ") + size;
+    Code value = source + subscripts;
     if (type.base == Base::Element) value = "new " + CppName(SlotType(type)) + "(*" + value + ")";
     const std::string dimensions = sizes.size() > 1 ? std::to_string(sizes.size()) : "";
     return "\t" + ResultCppName(type) + " " + copyName + " = __kvNewArray" + dimensions + "<" +

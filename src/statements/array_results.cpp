@@ -40,10 +40,11 @@ bool IsComplete(const Routine& routine, const Routine* open) {
 // The sizes of what is returned, empty texts for unknown ones.
 std::vector<std::string> SizesOf(const Routine& routine, const Expr& value) {
     std::vector<std::string> sizes;
-    if (value.variable != nullptr)
+    const Routine* called = RoutineOf(value);
+    if (VariableOf(value) != nullptr)
         sizes = value.variable->sizes;
-    else if (value.routine != nullptr && value.routine != &routine)
-        sizes = value.routine->resultSizes;
+    else if (called != nullptr && called != &routine)
+        sizes = called->resultSizes;
     sizes.resize(static_cast<std::size_t>(value.type.dims));
     for (std::string& size : sizes)
         if (!KnownSize(size)) size.clear();
@@ -80,11 +81,12 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
                         std::to_string(type.dims) + " dimensions, but " + CalledName(call) + "() returns " +
                         std::to_string(value.type.dims) + " dimensions",
                     Tokens{name});
-    if (value.routine == nullptr || declared.empty()) return;
-    if (IsComplete(*value.routine, open))
-        CheckResultSizes(name, declared, *value.routine);
+    const Routine* called = RoutineOf(value);
+    if (called == nullptr || declared.empty()) return;
+    if (IsComplete(*called, open))
+        CheckResultSizes(name, declared, *called);
     else
-        awaited.push_back({settings.currentFile, settings.currentLine, name, declared, value.routine});
+        awaited.push_back({settings.currentFile, settings.currentLine, name, declared, called});
 }
 
 void CheckAwaitedResults() {
@@ -97,8 +99,9 @@ void CheckAwaitedResults() {
 }
 
 bool HasSizes(const Expr& value, const std::vector<std::string>& declared, const Routine* open) {
-    if (value.routine == nullptr || !IsComplete(*value.routine, open)) return false;
-    const std::vector<std::string>& sizes = value.routine->resultSizes;
+    const Routine* called = RoutineOf(value);
+    if (called == nullptr || !IsComplete(*called, open)) return false;
+    const std::vector<std::string>& sizes = called->resultSizes;
     for (std::size_t k = 0; k < declared.size(); ++k) {
         const std::optional<long long> here = KnownSize(declared[k]);
         if (!here || k >= sizes.size() || here != KnownSize(sizes[k])) return false;

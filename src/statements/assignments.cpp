@@ -7,7 +7,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/expression.h"
-#include "expressions/in_order.h"
+#include "expressions/order.h"
 #include "expressions/sequence_walks.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
@@ -34,7 +34,8 @@ std::size_t AssignmentSign(TokenSpan tokens) {
 
 void CheckTarget(TokenSpan target, const Expr& expr) {
     const std::string& name = target[0];
-    if (target.size() == 1 && expr.variable != nullptr && expr.variable->isConst)
+    const Variable* variable = VariableOf(expr);
+    if (target.size() == 1 && variable != nullptr && variable->isConst)
         ReportFatal("Cannot assign to const variable '" + name + "'", Tokens{name});
     if (!expr.assignable && expr.type.IsKnown())
         ReportFatal("Cannot assign to '" + target.Text("") + "': it is no variable, Field or array element");
@@ -51,24 +52,26 @@ void CheckConstTarget(TokenSpan target) {
 //     for(size_t _i0 = 0; _i0 < KVL_a.size() && _i0 < _from.size(); ++_i0) KVL_a[_i0] = _from[_i0]; }
 void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const ValueType& type = target.type;
-    const bool fixed = target.form == ArrayForm::Fixed && target.variable != nullptr;
+    const bool fixed = target.form == ArrayForm::Fixed && VariableOf(target) != nullptr;
     const bool keeps = fixed || target.form == ArrayForm::Vector;
     if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
-    if (type != value.type) FailMismatch(value.type, type, target.text, value.source);
+    if (type != value.type) FailMismatch(value.type, type, TextOf(target).text, value.source);
+    const Code array = TextOf(target);
     EmitLine(state, "{ " +
                         ArrayCppName(type, ArrayPlace::Inner, type.base == Base::Bool && AnyHandsOnBools()) +
                         " _from = " + TakenArray(value, ArrayPlace::Inner) + ";");
-    std::string loops, indices;
+    Code loops;
+    std::string indices;
     for (int k = 0; k < type.dims; ++k) {
         const std::string i = "_i" + std::to_string(k);
-        const std::string size =
-            fixed ? target.variable->sizes[static_cast<std::size_t>(k)] : target.text + indices + ".size()";
+        const Code size =
+            fixed ? Code(target.variable->sizes[static_cast<std::size_t>(k)]) : array + indices + ".size()";
         loops += "for(size_t " + i + " = 0; " + i + " < " + size + " && " + i + " < _from" + indices +
                  ".size(); ++" + i + ") ";
         indices += "[" + i + "]";
     }
     const std::string item = type.base == Base::Element ? "*" : "";
-    EmitLine(state, loops + item + target.text + indices + " = " + item + "_from" + indices + "; }");
+    EmitLine(state, loops + item + array + indices + " = " + item + "_from" + indices + "; }");
 }
 
 // "x += 1" is no assignment; the expression walk knows what to say about it.
@@ -80,7 +83,7 @@ void RefuseCompound(TokenSpan tokens, std::size_t sign) {
 
 // The variable of a loop may be an item of something else.
 bool IsLoopVariable(const State& state, const Expr& left) {
-    if (left.variable == nullptr) return false;
+    if (VariableOf(left) == nullptr) return false;
     return std::any_of(state.blocks.begin(), state.blocks.end(),
                        [&left](const Block& block) { return block.braces.variable == left.variable->name; });
 }
@@ -88,13 +91,34 @@ bool IsLoopVariable(const State& state, const Expr& left) {
 // An index or a call in the target comes before the value, which C++ does not warrant.
 bool FindsTargetFirst(TokenSpan target, const Expr& left, const Expr& right) {
     for (std::size_t i = 0; i < target.size(); ++i)
-        if (OpensBracket(target.SignAt(i))) return IsLookUpSeen(left, {right});
+        if (OpensBracket(target.SignAt(i))) return IsLookUpSeen(left, &right);
     return false;
 }
 
-std::string AssignmentText(const ValueType& type, const std::string& variable, const std::string& value) {
-    const std::string text = variable + " = " + value;
-    return type.Is(Base::Element) ? ReplacedWhileAway(*type.cls, text) : text;
+// variable = value;
+void EmitAssignment(State& state, const Expr& left, const Expr& right) {
+    Code& line = FreshLine();
+    const AwayWalks away = left.type.Is(Base::Element) ? AwayFromReplaced(*left.type.cls) : AwayWalks();
+    BeginAway(line, away);
+    WriteValue(line, left);
+    line += " = ";
+    WriteAs(line, right, left.type);
+    EndAway(line, away);
+    line += ';';
+    EmitLine(state, line);
+}
+
+// { auto&& __kvTarget = variable; __kvTarget = value; }
+void EmitFoundAssignment(State& state, const Expr& left, const Expr& right) {
+    const Code assigned = "__kvTarget = " + TextAs(right, left.type);
+    const AwayWalks away = left.type.Is(Base::Element) ? AwayFromReplaced(*left.type.cls) : AwayWalks();
+    EmitLine(state, "{ auto&& __kvTarget = " + ValueText(left) + "; " + Away(away, assigned) + "; }");
+}
+
+void EmitSequenceAssignment(State& state, const Expr& left, const Expr& right) {
+    const Code told = WalkCalls(left, "Leave", "; ");
+    const Code assigned = ValueText(left) + " = " + TextAs(right, left.type);
+    EmitLine(state, told + Away(AwayFrom(left, true), assigned) + ";");
 }
 
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
@@ -102,10 +126,10 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     const TokenSpan target = tokens.Slice(0, sign);
     const TokenSpan assigned = tokens.From(sign + 1);
     CheckConstTarget(target);
-    const Expr left = TranslateExpression(target, ExprMode::Condition);
+    const Expr& left = TranslateExpression(target, ExprMode::Condition);
     CheckTarget(target, left);
     if (settings.verbose) GetExpressionType(assigned);
-    Expr right = TranslateExpression(assigned, ExprMode::Statement);
+    Expr& right = TranslateExpression(assigned, ExprMode::Statement);
     right.source = assigned;
     if (left.type.IsArray() && right.type.IsArray()) {
         AssignArrayResult(state, left, right);
@@ -119,26 +143,13 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     }
     if (!Assignable(left.type, right.type))
         FailMismatch(right.type, left.type, target.Text(""), right.source);
-    const std::string told = left.type.sequence ? WalkCalls(left, "Leave", "; ") : "";
-    const std::string variable = ValueText(left);
-    const std::string value = TextAs(right, left.type);
-    if (left.type.sequence) {
-        EmitLine(state, {told, WhileAway(left, true, variable + " = " + value), ";"});
-        return;
-    }
-    if (FindsTargetFirst(target, left, right)) {
-        EmitLine(state, {"{ auto&& __kvTarget = ", variable, "; ",
-                         AssignmentText(left.type, "__kvTarget", value), "; }"});
-        return;
-    }
+    if (left.type.sequence) return EmitSequenceAssignment(state, left, right);
+    if (FindsTargetFirst(target, left, right)) return EmitFoundAssignment(state, left, right);
     if (settings.fastMode && left.type.Is(Base::String)) {
-        const std::string statement = AppendStatement(left, right, IsLoopVariable(state, left));
-        if (!statement.empty()) {
-            EmitLine(state, statement);
-            return;
-        }
+        const Code statement = AppendStatement(left, right, IsLoopVariable(state, left));
+        if (!statement.text.empty()) return EmitLine(state, statement);
     }
-    EmitLine(state, {AssignmentText(left.type, variable, value), ";"});
+    EmitAssignment(state, left, right);
 }
 
 bool IsKnownName(const std::string& name) {
@@ -157,13 +168,14 @@ void CheckFirstWord(TokenSpan tokens) {
 void TranslateCall(State& state, TokenSpan tokens) {
     CheckFirstWord(tokens);
     if (tokens.KeywordAt(0) == Keyword::Create || tokens.KeywordAt(0) == Keyword::New) {
-        EmitLine(state, TranslateExpression(tokens, ExprMode::Condition).text + ";");
+        EmitLine(state, TextOf(TranslateExpression(tokens, ExprMode::Condition)) + ";");
         return;
     }
-    std::string text;
-    if (!TranslateCallStatement(tokens, text))
+    Code& line = FreshLine();
+    if (!TranslateCallStatement(tokens, line))
         ReportFatal("'" + tokens.Text("") + "' is a value, not a statement");
-    EmitLine(state, {text, ";"});
+    line += ';';
+    EmitLine(state, line);
 }
 
 // Draw a = b: a "=" in an argument compares, also where the call has no parentheses.

@@ -173,7 +173,7 @@ static void Finish(State& state, Braces& braces) {
 
 void EmitClosing(State& state, Braces& braces) {
     Finish(state, braces);
-    EmitLine(state, {"}", braces.behind});
+    EmitLine(state, "}" + braces.behind);
 }
 
 void NoteInlineBraces(State& state, int opened) {
@@ -187,7 +187,7 @@ void NoteInlineBraces(State& state, int opened) {
         Braces braces = Take(state, at).braces;
         PopScopeOf(braces);
         Finish(state, braces);
-        if (!braces.behind.empty()) EmitLine(state, braces.behind);
+        if (!braces.behind.text.empty() || !braces.behind.passages.empty()) EmitLine(state, braces.behind);
     }
 }
 

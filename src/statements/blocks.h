@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "expressions/code.h"
 #include "symbols/value_type.h"
 
 struct State;
@@ -63,7 +64,7 @@ struct Braces {
     bool entered = true;      // to the block
     bool broken = false;      // out of it by Exit
     bool branchLeft = false;  // to the end of a branch of the If before the open one
-    std::string behind;       // what has to stand behind the closing one
+    Code behind;              // what has to stand behind the closing one
     std::unique_ptr<SequenceWalk> walk;
     std::unique_ptr<OpenSelect> select;
 };

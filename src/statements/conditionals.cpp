@@ -21,7 +21,12 @@ namespace {
 
 // "if (...)" or "else if (...)" from a condition that ends before `end`, and the branch's scope.
 void OpenBranch(State& state, const std::string& cppWords, TokenSpan condition, const std::string& keyword) {
-    EmitLine(state, {cppWords, " (", ConditionText(condition, keyword), ")"});
+    Code& line = FreshLine();
+    line += cppWords;
+    line += " (";
+    WriteCondition(line, condition, keyword);
+    line += ')';
+    EmitLine(state, line);
     EmitLine(state, "{");
     PushBlock();
 }

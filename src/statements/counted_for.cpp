@@ -71,8 +71,8 @@ Parts Cut(TokenSpan tokens, std::size_t at) {
     return parts;
 }
 
-Expr Number(TokenSpan tokens, const char* what) {
-    Expr expr = TranslateExpression(tokens, ExprMode::Condition);
+const Expr& Number(TokenSpan tokens, const char* what) {
+    const Expr& expr = TranslateExpression(tokens, ExprMode::Condition);
     if (expr.type.IsKnown() && !expr.type.IsNumber())
         ReportFatal(std::string("The ") + what + " of a For loop must be a number, got " +
                     KorvelName(expr.type));
@@ -89,12 +89,12 @@ ValueType CounterType(const Expr& start, TokenSpan end, TokenSpan step) {
 
 void CheckDeclaredCounter(Counter& counter) {
     const Token name(counter.name);
-    Expr target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
+    const Expr& target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
     if (target.isConst)
         ReportFatal("Cannot assign to const variable '" + counter.name + "'", Tokens{counter.name});
     if (!target.assignable && target.type.IsKnown())
         ReportFatal("For needs a loop variable, but '" + counter.name + "' is none", Tokens{counter.name});
-    counter.cppName = target.text;
+    counter.cppName = TextOf(target).text;
     counter.type = target.type;
 }
 
@@ -128,27 +128,28 @@ bool IsOne(TokenSpan step) {
 
 // The values that the counter is compared with and counts by; they mean what is outside of the loop.
 struct Bounds {
-    Expr end, step;
+    const Expr* end = nullptr;
+    const Expr* step = nullptr;
 };
 
 Bounds BoundsOf(const Parts& parts) {
     Bounds bounds;
-    bounds.end = Number(parts.end, "end");
-    if (!IsOne(parts.step)) bounds.step = Number(parts.step, "step");
+    bounds.end = &Number(parts.end, "end");
+    if (!IsOne(parts.step)) bounds.step = &Number(parts.step, "step");
     return bounds;
 }
 
 // How a loop goes on: up, down, or as the sign of the step says when the program runs.
 struct Course {
-    std::string comparison, increment;
-    std::string step;     // the text that is added in each round, "1" for "++" and "--"
+    Code comparison, increment;
+    Code step;     // the text that is added in each round, "1" for "++" and "--"
     bool down = false;    // by the text of the step
     bool bySign = false;  // the step is no literal
     std::string asked;    // a step that runs code of the program: its KVStep ...
-    std::string next;     // ... and what asks it
+    Code next;            // ... and what asks it
 };
 
-void AskForStep(const Counter& counter, const std::string& end, Course& course) {
+void AskForStep(const Counter& counter, const Code& end, Course& course) {
     RequireSupport(Support::AskedStep);
     course.asked = "__kvStep_" + SafeName(counter.name);
     course.next = "[&]() { return " + course.step + "; }";
@@ -157,20 +158,20 @@ void AskForStep(const Counter& counter, const std::string& end, Course& course) 
 }
 
 Course CourseOf(const Counter& counter, const Bounds& bounds, TokenSpan stepTokens) {
-    const std::string end = GuardedText(bounds.end, Level::Shift);
-    const std::string up = counter.cppName + " <= " + end;
-    const std::string downTo = counter.cppName + " >= " + end;
+    const Code end = GuardedText(*bounds.end, Level::Shift);
+    const Code up = counter.cppName + " <= " + end;
+    const Code downTo = counter.cppName + " >= " + end;
     Course course;
     course.down = Is(stepTokens[0], "-");
     course.step = "1";
     course.comparison = course.down ? downTo : up;
     course.increment = counter.cppName + (course.down ? "--" : "++");
     if (IsOne(stepTokens)) return course;
-    course.step = GuardedText(bounds.step, Level::Or);
+    course.step = GuardedText(*bounds.step, Level::Or);
     course.increment = counter.cppName + " += " + course.step;
     course.bySign = !IsLiteralStep(stepTokens);
     if (!course.bySign) return course;
-    if (bounds.step.effects && bounds.step.type.IsKnown())
+    if (bounds.step->effects && bounds.step->type.IsKnown())
         AskForStep(counter, end, course);
     else if (course.down)
         course.comparison = "(" + course.step + ") > 0 ? " + up + " : " + downTo;
@@ -207,12 +208,12 @@ bool MayOverrun(const Range* range, const Counter& counter, const Parts& parts) 
 }
 
 // The question whether the counter can take one more step.
-std::string HasNext(const Counter& counter, const Course& course, const Range& range) {
-    const std::string up = counter.cppName + " <= " + range.mostText + " - " + course.step;
+Code HasNext(const Counter& counter, const Course& course, const Range& range) {
+    const Code up = counter.cppName + " <= " + range.mostText + " - " + course.step;
     if (!course.bySign && !course.down) return up;
     // A step that counts down is a negative number, but for the "1" of "--".
-    const std::string down = counter.cppName + " >= " + range.leastText +
-                             (course.step == "1" ? " + 1" : " - (" + course.step + ")");
+    const Code down = counter.cppName + " >= " + range.leastText +
+                             (course.step.text == "1" ? " + 1" : " - (" + course.step + ")");
     if (!course.bySign) return down;
     if (!course.asked.empty())
         return course.asked + ".HasRoom(" + counter.cppName + ", " + range.leastText + ", " + range.mostText +
@@ -222,15 +223,15 @@ std::string HasNext(const Counter& counter, const Course& course, const Range& r
 }
 
 // The header, from the counter's first value on; `declaration` is its type and a blank, or empty.
-std::string Header(const Counter& counter, const std::string& declaration, const std::string& start,
+Code Header(const Counter& counter, const std::string& declaration, const Code& start,
                    const Course& course, const Range* range) {
-    const std::string first = counter.cppName + " = " + start;
+    const Code first = counter.cppName + " = " + start;
     if (range == nullptr)
         return "for (" + declaration + first + "; " + course.comparison + "; " + course.increment + ")";
     const std::string more = "__kvMore_" + SafeName(counter.name);
-    const std::string begin = declaration.empty() ? "bool " + more + " = (" + first + ", true)"
+    const Code begin = declaration.empty() ? "bool " + more + " = (" + first + ", true)"
                                                   : declaration + first + ", " + more + " = 1";
-    const std::string comparison = course.bySign ? "(" + course.comparison + ")" : course.comparison;
+    const Code comparison = course.bySign ? "(" + course.comparison + ")" : course.comparison;
     return "for (" + begin + "; " + more + " && " + comparison + "; " + more + " = " +
            HasNext(counter, course, *range) + " && (" + course.increment + ", true))";
 }
@@ -255,7 +256,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     Counter counter;
     const std::size_t at = ReadCounter(tokens, counter);
     const Parts parts = Cut(tokens, at);
-    const Expr start = Number(parts.start, "start");
+    const Expr& start = Number(parts.start, "start");
     std::string declaration;
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
@@ -271,7 +272,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     if (!MayOverrun(range, counter, parts)) range = nullptr;
     const bool asks = !course.asked.empty();
     if (asks)
-        EmitLine(state, "{ KVStep<" + CppName(bounds.step.type) + "> " + course.asked + "(" +
+        EmitLine(state, "{ KVStep<" + CppName(bounds.step->type) + "> " + course.asked + "(" +
                             (course.down ? "true" : "false") + ");");
     EmitLine(state, Header(counter, declaration, TextAs(start, counter.type), course, range));
     EmitLine(state, "{");

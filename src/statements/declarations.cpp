@@ -48,7 +48,7 @@ void DeclareField(State& state, TokenSpan tokens) {
     currentClass = state.cls;
     const Definition definition = CreateDefinition(state, tokens, DefinitionKind::Field);
     currentClass = nullptr;
-    EmitLine(state, {" ", definition.text});
+    EmitLine(state, " " + definition.text);
 }
 
 void NoteMentioned(FileOutput& out, const ClassInfo* cls) {
@@ -64,7 +64,7 @@ void DeclareInHeader(State& state, TokenSpan tokens, DefinitionKind kind) {
     const bool isConst = kind == DefinitionKind::Const;
     global.name = definition.name;
     const std::string qualifier = isConst ? " const " : "";
-    global.plain = definition.before + qualifier + definition.text;
+    global.plain = definition.before.text + qualifier + definition.text.text;
     global.definition = qualifier + definition.moved;
     global.declaration = definition.declaration;
     if (isConst && !global.declaration.empty())

@@ -32,7 +32,7 @@ struct Declared {
     TypeNote note;
     bool hasValue = false;
     TokenSpan value;
-    bool usesPrelude = false;  // the value names what only the main header declares
+    std::size_t preludeUses = 0;  // before the value is worded
 };
 
 void ListTokens(TokenSpan tokens) {
@@ -168,7 +168,7 @@ std::optional<long long> WrittenOut(const Declared& declared) {
     return known->integer;
 }
 
-std::string SingleText(const Declared& declared, const std::string& variable, const Expr& value) {
+Code SingleText(const Declared& declared, const std::string& variable, const Expr& value) {
     const ValueType& type = declared.note.type;
     if (!declared.hasValue && settings.fastMode && type.Is(Base::String)) return variable + ";";
     if (!declared.hasValue)
@@ -183,7 +183,7 @@ bool IsConstant(const Declared& declared, const Expr& value) {
     if (!declared.hasValue || value.type.base == Base::Null) return true;
     const Keyword word = declared.value.size() == 1 ? declared.value.KeywordAt(0) : Keyword::None;
     if (word == Keyword::True || word == Keyword::False) return true;
-    return !declared.usesPrelude && EvaluateConstant(declared.value) && IsConstantToCpp(declared.value);
+    return PreludeUses() == declared.preludeUses && EvaluateConstant(declared.value) && IsConstantToCpp(declared.value);
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
@@ -207,12 +207,12 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
         return;
     }
     definition.declaration = "extern " + variable + ";";
-    definition.moved = definition.text;
+    definition.moved = definition.text.text;
     const bool global = declared.kind == DefinitionKind::Global;
     definition.constant = (global || declared.kind == DefinitionKind::Const) && IsConstant(declared, value);
     const bool built = type.Is(Base::String) || type.sequence;
     if (global && (definition.constant || built) && declared.hasValue)
-        definition.again = definition.cppName + " = " + TextAs(value, type);
+        definition.again = definition.cppName + " = " + TextAs(value, type).text;
     if (global && built && declared.hasValue) definition.empty = variable + ";";
 }
 
@@ -320,13 +320,11 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     Definition definition;
     definition.name = declared.name;
     definition.cppName = CppNameOf(state, declared, tokens);
-    Expr value;
-    if (declared.hasValue) {
-        NoteValueType(declared.value);
-        value = TranslateExpression(declared.value, ExprMode::Condition);
-        declared.usesPrelude = PreludeUses() != preludeUses;
-        InferDeclaredType(declared, value);
-    }
+    if (declared.hasValue) NoteValueType(declared.value);
+    declared.preludeUses = PreludeUses();
+    const Expr none;
+    const Expr& value = declared.hasValue ? TranslateExpression(declared.value, ExprMode::Condition) : none;
+    if (declared.hasValue) InferDeclaredType(declared, value);
     CheckConstType(declared);
     NeedTypeComplete(declared);
     const bool array = declared.note.type.IsArray();

@@ -12,8 +12,8 @@ enum class DefinitionKind : unsigned char { Field = 1, Local = 2, Global = 4, Co
 struct Definition {
     std::string name;  // as written
     std::string cppName;
-    std::string text;          // the C++ declaration, without the keyword-dependent place it goes to
-    std::string before;        // lines that have to stand before it
+    Code text;                 // the C++ declaration, without the keyword-dependent place it goes to
+    Code before;               // lines that have to stand before it
     std::string after;         // lines that have to stand behind it: filling loops
     std::string declaration;   // Globals and Consts that may move: the extern lines ...
     std::string moved;         // ... and what defines the variable elsewhere

@@ -2,21 +2,34 @@
 
 #include <algorithm>
 
-#include "expressions/sequence_walks.h"
 #include "statements/state.h"
 
-void EmitLines(State& state, std::string_view lines) {
+namespace {
+
+// The characters [from, to), with the passages in them.
+Code Part(const Code& code, std::size_t from, std::size_t to) {
+    Code part = code.text.substr(from, to - from);
+    for (const Passage& passage : code.passages)
+        if (passage.at >= from && passage.at <= to)
+            part.passages.push_back({passage.at - from, passage.text, passage.walk});
+    return part;
+}
+
+}  // namespace
+
+void EmitLines(State& state, const Code& lines) {
+    const std::string& text = lines.text;
     const bool asTheyStand =
         state.place.indent == 0 && state.place.traceText.empty() && state.place.commentText.empty();
-    if (asTheyStand && SequenceWalkCount() == 0 && !lines.empty() && lines.back() == '\n') {
+    if (asTheyStand && lines.passages.empty() && !text.empty() && text.back() == '\n') {
         state.routine.bareLabel = false;
-        state.out->pieces.back().text += lines;
+        state.out->pieces.back().text += text;
         return;
     }
     std::size_t start = 0;
-    while (start < lines.size()) {
-        const std::size_t end = std::min(lines.find('\n', start), lines.size());
-        EmitLine(state, lines.substr(start, end - start));
+    while (start < text.size()) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        EmitLine(state, Part(lines, start, end));
         start = end + 1;
     }
 }

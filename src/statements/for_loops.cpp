@@ -21,12 +21,12 @@ namespace {
 
 // What an EachIn loop walks over.
 struct Collection {
-    std::string text;
+    Code text;
     ValueType item;
     const ClassInfo* walked = nullptr;  // the Type, when it walks instances
     ArrayForm itemForm = ArrayForm::None;
     bool sequence = false;
-    Expr expr;              // a Sequence as it was translated
+    const Expr* expr = nullptr;  // a Sequence as it was translated
     bool pointers = false;  // items may be null
     bool slot = false;      // Elements reached through pointers
     bool copies = true;     // "auto" makes a copy of the item
@@ -89,19 +89,19 @@ bool RowsCopy(const State& state, const Expr& table) {
     if (table.form == ArrayForm::Fixed || table.type.base != Base::Element)
         return table.form != ArrayForm::Fixed;
     return std::any_of(state.routine.localArrays.begin(), state.routine.localArrays.end(),
-                       [&](const LocalArray& array) { return array.variable == table.variable; });
+                       [&](const LocalArray& array) { return array.variable == VariableOf(table); });
 }
 
 Collection CollectionOf(const State& state, TokenSpan tokens) {
     if (const ClassInfo* cls = NamedClass(tokens)) return InstancesOf(*cls);
-    Expr expr = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& expr = TranslateExpression(tokens, ExprMode::Condition);
     CheckWalkable(expr);
     Collection collection;
     collection.text = WalkableText(expr);
     if (!expr.type.IsKnown()) return collection;
     collection.item = expr.type.Item();
     collection.sequence = expr.type.sequence && !expr.isCall;
-    collection.expr = expr;
+    collection.expr = &expr;
     const bool element = collection.item.Is(Base::Element);
     if (element) NeedClass(collection.item.cls);
     if (collection.item.IsArray()) {
@@ -152,14 +152,14 @@ void EmitSharedWalk(State& state, const std::string& variable, const std::string
 
 // Emits the lines "for(...)" and "{".
 void EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
-                     const std::string& range) {
+                     const Code& range) {
     EmitLine(state, "for(" + type + " " + variable + " : " + range + ")");
     EmitLine(state, "{");
 }
 
 // The same for a Sequence, with slots for what comes when the body changes it.
 void EmitSequenceHeader(State& state, Braces& loop, const std::string& type, const std::string& variable,
-                        const std::string& range, const Expr& sequence) {
+                        const Code& range, const Expr& sequence) {
     auto walk = std::make_unique<SequenceWalk>();
     walk->variable = variable;
     walk->type = type;
@@ -189,9 +189,9 @@ void TranslateEach(State& state, const EachHeader& header) {
         EmitSharedWalk(state, variable.cppName, type, collection);
     } else if (collection.walked != nullptr &&
                LoopMayCreate(settings.currentFile, state.place.line, *collection.walked)) {
-        EmitIndexWalk(state, variable.cppName, type, collection.text);
+        EmitIndexWalk(state, variable.cppName, type, collection.text.text);
     } else if (collection.sequence) {
-        EmitSequenceHeader(state, loop, type, variable.cppName, collection.text, collection.expr);
+        EmitSequenceHeader(state, loop, type, variable.cppName, collection.text, *collection.expr);
     } else {
         EmitRangeHeader(state, type, variable.cppName, collection.text);
     }
@@ -243,16 +243,16 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
         ReportFatal("Expected 'EachSeq item In seq'");
     const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
     if (noVariable) ReportUnknown(noSequence, tokens.From(3));
-    Expr sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    const Expr& sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
     if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence, tokens.From(3));
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
+    const Code text = ValueText(sequence);
     PushBlock();
     Variable& variable = DeclareLoopVariable(tokens[1], SafeName(tokens[1]), item);
     variable.isItem = true;
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";
-    const std::string text = ValueText(sequence);
     const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
     Braces& loop = OpenNewBlock(state, BlockKind::Loop, "EachSeq", tokens[1]);
     if (lasting)

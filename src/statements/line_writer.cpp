@@ -2,27 +2,19 @@
 
 #include <utility>
 
-#include "expressions/sequence_walks.h"
+#include "base/run.h"
 #include "lexer/lexer.h"
 
 namespace {
 
-// Passages in the text become slots.
-void PutPassages(State& state, std::string& piece, std::string_view text) {
-    for (std::size_t at; (at = text.find(passageSign)) != std::string_view::npos;) {
-        const Passage passage = PassageIn(text.substr(at));
-        piece += text.substr(0, passage.walk == 0 ? at + passage.size : at);
-        text.remove_prefix(at + passage.size);
-        if (passage.walk != 0) state.routine.slots.push_back({piece.size(), passage.text, passage.walk});
-    }
-    piece += text;
-}
+Code line;  // see FreshLine
+const PartOfRun partOfRun(line);
 
-void PutText(State& state, std::string& piece, std::string_view text) {
-    if (SequenceWalkCount() > 0)
-        PutPassages(state, piece, text);
-    else
-        piece += text;
+// Passages in the text become slots.
+void PutCode(State& state, std::string& piece, const Code& code) {
+    for (const Passage& passage : code.passages)
+        state.routine.slots.push_back({piece.size() + passage.at, passage.text, passage.walk});
+    piece += code.text;
 }
 
 void BeginLine(State& state, std::string& piece) {
@@ -45,22 +37,33 @@ void EndLine(State& state, std::string& piece) {
 
 }  // namespace
 
-void EmitLine(State& state, std::string_view text) { EmitLine(state, {text}); }
-
-void EmitLine(State& state, std::initializer_list<std::string_view> parts) {
+void EmitLine(State& state, std::string_view text) {
     std::string& piece = state.out->pieces.back().text;
     BeginLine(state, piece);
-    for (const std::string_view part : parts) PutText(state, piece, part);
+    piece += text;
     EndLine(state, piece);
 }
 
-std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<std::string>& texts) {
+void EmitLine(State& state, const Code& code) {
+    std::string& piece = state.out->pieces.back().text;
+    BeginLine(state, piece);
+    PutCode(state, piece, code);
+    EndLine(state, piece);
+}
+
+Code& FreshLine() {
+    line.text.clear();
+    line.passages.clear();
+    return line;
+}
+
+std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<Code>& texts) {
     std::string& piece = state.out->pieces.back().text;
     std::vector<std::size_t> slots;
     BeginLine(state, piece);
-    for (const std::string& text : texts) {
+    for (const Code& text : texts) {
         if (&text != &texts.front()) slots.push_back(OpenSlot(state));
-        PutText(state, piece, text);
+        PutCode(state, piece, text);
     }
     EndLine(state, piece);
     return slots;

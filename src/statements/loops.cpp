@@ -44,7 +44,7 @@ void TranslateRepeat(State& state, TokenSpan tokens) {
 void TranslateUntil(State& state, TokenSpan tokens) {
     const std::optional<Block> closed = CloseBlock(state, BlockKind::Repeat, "Until");
     if (!closed) return;
-    const std::string condition = ConditionText(tokens.From(1), "Until");
+    const Code condition = ConditionText(tokens.From(1), "Until");
     if (const std::string* local = LocalOfBlock(tokens.From(1))) {
         if (closed->braces.continued)
             ReportFatal("'Until' tests '" + *local +
@@ -72,7 +72,11 @@ void TranslateForever(State& state, TokenSpan tokens) {
 // While condition
 void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
-    EmitLine(state, {"while (", ConditionText(tokens.From(1), "While"), ")"});
+    Code& line = FreshLine();
+    line += "while (";
+    WriteCondition(line, tokens.From(1), "While");
+    line += ')';
+    EmitLine(state, line);
     const std::optional<ConstantValue> always = EvaluateConstant(tokens.From(1));
     OpenNewBlock(state, BlockKind::Loop, "While").endless =
         always && always->kind == ConstantValue::Kind::Integer && always->integer != 0;

@@ -22,13 +22,13 @@ bool StandsInAList(Keyword word) {
 void TranslateRemove(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
     const TokenSpan written = tokens.From(1).WithoutParentheses();
-    Expr object = TranslateExpression(written, ExprMode::Statement);
+    const Expr& object = TranslateExpression(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
         ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +
                     ". Remove only works on objects (custom Types).");
     if (object.type.cls != nullptr) NeedClass(object.type.cls);
     NoteDestruction();
-    const std::string text = GuardedText(object, Level::Unary);
+    const Code text = GuardedText(object, Level::Unary);
     const bool variable = object.assignable || !object.type.IsKnown();
     if (!variable && !StandsInAList(written.KeywordAt(0)))
         ReportFatal("Remove requires a variable that holds an object, not an expression");

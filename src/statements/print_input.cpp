@@ -3,7 +3,7 @@
 #include "analysis/effects.h"
 #include "base/report.h"
 #include "base/settings.h"
-#include "expressions/in_order.h"
+#include "expressions/order.h"
 #include "prelude/support.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
@@ -14,18 +14,25 @@ namespace {
 // Under -fast lines are written in larger pieces, see prelude/texts/fast.
 const char* LineEnd() { return settings.fastMode ? " << '\\n';" : " << std::endl;"; }
 
-// Text of one item between two "<<". What binds weaker than "<<" goes in parentheses, and a Byte is a
+// One item between two "<<"; true when it runs code. What binds weaker than "<<" goes in parentheses, and a Byte is a
 // number, not a character.
-std::string ItemText(TokenSpan tokens, const std::string& keyword, ExprMode mode) {
+bool WriteItem(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
-    Expr item = TranslateExpression(tokens, mode);
+    const Expr& item = TranslateExpression(tokens, mode);
     if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
         ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
-    if (item.type.Is(Base::Null)) return "static_cast<void*>(nullptr)";
-    if (item.type.Is(Base::Byte)) return "static_cast<int>(" + ValueText(item) + ")";
-    // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
-    const bool shiftsRight = item.level == Level::Shift && tokens.Find(Keyword::Shr) != noToken;
-    return GuardedText(item, shiftsRight ? Level::Sum : Level::Shift);
+    if (item.type.Is(Base::Null)) {
+        out += "static_cast<void*>(nullptr)";
+    } else if (item.type.Is(Base::Byte)) {
+        out += "static_cast<int>(";
+        WriteValue(out, item);
+        out += ')';
+    } else {
+        // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
+        const bool shiftsRight = item.level == Level::Shift && tokens.Find(Keyword::Shr) != noToken;
+        WriteGuarded(out, item, shiftsRight ? Level::Sum : Level::Shift);
+    }
+    return item.effects;
 }
 
 // The trace of look-ups follows one name, here as in IsVariableInScope.
@@ -40,24 +47,25 @@ void TraceTokens(TokenSpan tokens) {
     }
 }
 
-// Items are separated by "&" outside parentheses; "&&" separates nothing.
-std::string ItemTexts(TokenSpan tokens, const std::string& keyword, ExprMode mode) {
+// Items are separated by "&" outside parentheses; "&&" separates nothing. True when one of them runs code.
+bool WriteItems(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     TraceTokens(tokens);
-    std::string texts;
+    bool effects = false;
     std::size_t start = 0, items = 0;
     for (std::size_t i = 0; i <= tokens.size(); i = tokens.Behind(i)) {
         bool separator = i == tokens.size() || (tokens.SignAt(i) == '&' && tokens.SignAt(i + 1) != '&');
         if (!separator) continue;
         LimitParts(++items);
-        texts += (start == 0 ? "" : " << ") + ItemText(tokens.Slice(start, i), keyword, mode);
+        if (start > 0) out += " << ";
+        effects = WriteItem(out, tokens.Slice(start, i), keyword, mode) || effects;
         start = i + 1;
     }
-    return texts;
+    return effects;
 }
 
 struct InputTarget {
     std::string name;  // as written, for messages
-    std::string text;
+    Code text;
     ValueType type;
     bool foundOnce = false;  // it could be told that the loop finds it again when it asks again
 };
@@ -72,7 +80,7 @@ InputTarget TargetOf(TokenSpan tokens) {
         if (variable != nullptr && variable->isConst)
             ReportFatal("Cannot assign to const variable '" + target.name + "'", Tokens{target.name});
     }
-    Expr expr = TranslateExpression(tokens, ExprMode::Statement);
+    const Expr& expr = TranslateExpression(tokens, ExprMode::Statement);
     if (!expr.assignable && expr.type.IsKnown())
         ReportFatal("Input needs a variable after the comma, '" + target.name + "' cannot be assigned to",
                     Tokens{target.name});
@@ -80,7 +88,7 @@ InputTarget TargetOf(TokenSpan tokens) {
     if (!readable)
         ReportFatal("Input cannot read into '" + target.name + "', which is " + KorvelName(expr.type),
                     Tokens{target.name});
-    target.text = expr.text;
+    target.text = TextOf(expr);
     target.type = expr.type;
     // A Byte is only found when the number is there.
     target.foundOnce = !expr.type.Is(Base::Byte) && !MayRepeat(expr);
@@ -102,12 +110,12 @@ const char* RetryMessage(const ValueType& type) {
 // first prompt:
 //     { std::cout << prompt; auto&& __kvTarget = KVL_a[KVL_Next ( )];
 //     while(true) { if(std::cin >> __kvTarget) ... else { ... std::cout << prompt; } } }
-void EmitRetryLoop(State& state, const std::string& prompt, InputTarget target) {
+void EmitRetryLoop(State& state, const Code& prompt, InputTarget target) {
     const std::string ignoreLine =
         "        std::cin.ignore(std::numeric_limits<std::streamsize>::max(), '\\n');";
     const bool byte = target.type.Is(Base::Byte);
     const bool once = target.foundOnce;
-    const std::string show = "std::cout << " + prompt + ";";
+    const Code show = "std::cout << " + prompt + ";";
     if (once) {
         EmitLine(state, "{ " + show + " auto&& __kvTarget = " + target.text + ";");
         target.text = "__kvTarget";
@@ -153,7 +161,11 @@ void TranslatePrint(State& state, TokenSpan tokens) {
         EmitLine(state, std::string("std::cout") + LineEnd());
         return;
     }
-    EmitLine(state, {"std::cout << ", ItemTexts(tokens.From(1), tokens[0], ExprMode::Print), LineEnd()});
+    Code& line = FreshLine();
+    line += "std::cout << ";
+    WriteItems(line, tokens.From(1), tokens[0], ExprMode::Print);
+    line += LineEnd();
+    EmitLine(state, line);
 }
 
 // Input prompt , variable
@@ -165,9 +177,9 @@ void TranslateInput(State& state, TokenSpan tokens) {
     if (comma == noToken) ReportFatal("Input statement requires a comma between prompt and variable");
     if (comma + 1 == tokens.size()) ReportFatal("Input statement requires a variable after the comma");
     InputTarget target = TargetOf(tokens.From(comma + 1));
-    const std::size_t calls = callCount;
-    std::string prompt = ItemTexts(tokens.Slice(1, comma), tokens[0], ExprMode::Input);
-    if (callCount != calls && Moves(tokens.Slice(1, comma), tokens.From(comma + 1))) target.foundOnce = true;
+    Code prompt;
+    const bool effects = WriteItems(prompt, tokens.Slice(1, comma), tokens[0], ExprMode::Input);
+    if (effects && Moves(tokens.Slice(1, comma), tokens.From(comma + 1))) target.foundOnce = true;
     if (target.type.Is(Base::String)) {
         EmitLine(state, "std::cout << " + prompt + ";");
         EmitLine(state, "std::getline(std::cin, " + target.text + ");");

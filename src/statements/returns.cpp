@@ -59,14 +59,15 @@ void CheckNoValue(const State& state, const ValueType& result) {
 }
 
 // Sizes of an array as C++ texts. Rows of Fields and Globals all have the first one's size.
-std::vector<std::string> SizesOf(const Expr& value) {
-    const Variable* variable = value.variable;
-    if (value.form == ArrayForm::Fixed && variable != nullptr) return variable->sizes;
+std::vector<Code> SizesOf(const Expr& value) {
+    const Variable* variable = VariableOf(value);
+    if (value.form == ArrayForm::Fixed && variable != nullptr)
+        return {variable->sizes.begin(), variable->sizes.end()};
     const bool local = variable != nullptr && FindLocal(variable->name) == variable;
-    std::vector<std::string> sizes;
-    std::string row = value.text, guard;
+    std::vector<Code> sizes;
+    Code row = TextOf(value), guard;
     for (int k = 0; k < value.type.dims; ++k) {
-        sizes.push_back(local ? SizeName(variable->cppName, k)
+        sizes.push_back(local ? Code(SizeName(variable->cppName, k))
                               : "(" + guard + "static_cast<int>(" + row + ".size()))");
         guard += row + ".empty() ? 0 : ";
         row += "[0]";
@@ -92,8 +93,8 @@ std::string CopyOfArray(State& state, const Expr& value) {
                     std::to_string(maxPassedDimensions) + " dimensions");
     RequireSupport(Support::ArrayPassing);
     const std::string copy =
-        OwnName((value.variable ? value.variable->cppName : std::string("_kvArray")) + "_copy");
-    EmitLines(state, CopyLoops(value.type, value.text, copy, SizesOf(value)));
+        OwnName((VariableOf(value) != nullptr ? value.variable->cppName : "_kvArray") + "_copy");
+    EmitLines(state, CopyLoops(value.type, TextOf(value), copy, SizesOf(value)));
     return copy;
 }
 
@@ -103,7 +104,7 @@ bool IsCopied(const Expr& value) { return value.type.IsArray() && value.form != 
 bool OutlivesArrays(const Expr& value, TokenSpan tokens) {
     if (value.literal || EvaluateConstant(tokens)) return true;
     const bool plain = value.type.IsNumber() || value.type.Is(Base::String);
-    return plain && value.variable != nullptr && FindLocal(value.variable->name) == value.variable;
+    return plain && VariableOf(value) != nullptr && FindLocal(value.variable->name) == value.variable;
 }
 
 // The value may read the arrays that are freed, and what it calls stands under this routine for a debugger.
@@ -114,10 +115,10 @@ bool IsWorkedOutBefore(const State& state, const Expr& value, TokenSpan tokens) 
 }
 
 // The text to return, worked out before the routine is left where that matters.
-std::string ReturnedText(State& state, const ValueType& result, const Expr& value, bool before) {
+Code ReturnedText(State& state, const ValueType& result, const Expr& value, bool before) {
     if (value.type.IsArray()) RecordSizes(state, value);
     if (IsCopied(value)) return CopyOfArray(state, value);
-    const std::string text = value.type.IsArray() ? HandedBack(value)
+    const Code text = value.type.IsArray() ? HandedBack(value)
                              : result.IsKnown()   ? TextAs(value, result)
                                                   : ValueText(value);
     if (!before) return text;
@@ -140,16 +141,20 @@ void ReturnNothing(State& state, const ValueType& result) {
 }
 
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
-    const Expr value = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& value = TranslateExpression(tokens, ExprMode::Condition);
     CheckValue(state, result, value);
     const bool before = IsWorkedOutBefore(state, value, tokens);
     const bool introducesNames = before || IsCopied(value);
     const bool braces = introducesNames && (state.routine.hasReturn || IsOpen(state, BlockKind::Select));
     if (braces) EmitLine(state, "{");
-    const std::string text = ReturnedText(state, result, value, before);
+    const Code text = ReturnedText(state, result, value, before);
     EmitLeaving(state);
-    EmitLine(state,
-             {state.place.inOneLineIf ? "return " : "return (", text, state.place.inOneLineIf ? ";" : ");"});
+    const bool bare = state.place.inOneLineIf;
+    Code& line = FreshLine();
+    line += bare ? "return " : "return (";
+    line += text;
+    line += bare ? ";" : ");";
+    EmitLine(state, line);
     if (braces) EmitLine(state, "}");
 }
 

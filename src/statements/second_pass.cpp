@@ -3,6 +3,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/sequence_walks.h"
+#include "expressions/tree.h"
 #include "lexer/source_lines.h"
 #include "prelude/program_uses.h"
 #include "statements/end_of_file.h"
@@ -16,6 +17,7 @@
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {
+    ForgetNodes();
     if (settings.traceMode) state.place.traceText = tokens.Text() + " ";
     if (!MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);

@@ -81,9 +81,9 @@ std::string Spelling(TokenSpan tokens) {
 }
 
 // Checks one label and gives its C++ text.
-std::string LabelText(OpenSelect& select, TokenSpan tokens) {
+Code LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
-    Expr label = TranslateExpression(tokens, ExprMode::Statement);
+    const Expr& label = TranslateExpression(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
     std::optional<ConstantValue> value = EvaluateConstant(tokens);
     if (!value) {
@@ -114,7 +114,7 @@ void CompleteSwitch(State& state, const OpenSelect& select) {
 // Select value
 void TranslateSelect(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
-    Expr subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
+    const Expr& subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
     auto opened = std::make_unique<OpenSelect>();
     OpenSelect& select = *opened;
     select.subject = subject.type;
@@ -138,7 +138,7 @@ void TranslateCase(State& state, TokenSpan tokens) {
         ReportFatal("Syntax error: Use 'Default' instead of 'Case Else'");
     EndCase(state, select);
     for (TokenSpan part : tokens.From(1).SplitAt(',')) {
-        std::string label = LabelText(select, part);
+        std::string label = LabelText(select, part).text;
         if (select.byIndex) {
             select.labelTexts += (select.labelTexts.empty() ? "" : ", ") + label;
             label = std::to_string(select.labelCount++);

@@ -5,6 +5,7 @@
 #include "analysis/effects.h"
 #include "base/report.h"
 #include "expressions/in_order.h"
+#include "expressions/order.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
 
@@ -75,29 +76,29 @@ const Row& RowOf(const std::string& keyword) {
     ReportFatal("Internal error: no Seq statement '" + keyword + "'");
 }
 
-Expr Translated(TokenSpan tokens, const Row& row) {
+Expr& Translated(TokenSpan tokens, const Row& row) {
     if (tokens.empty()) ReportFatal(row.expects);
     return TranslateExpression(tokens, ExprMode::Condition);
 }
 
-Expr SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keyword) {
-    Expr sequence = Translated(tokens, row);
+Expr& SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keyword) {
+    Expr& sequence = Translated(tokens, row);
     if (sequence.type.IsKnown() && !sequence.type.sequence)
         ReportFatal("'" + keyword + "' works on a Sequence, got " + KorvelName(sequence.type));
     if (sequence.type.cls != nullptr) NeedClass(sequence.type.cls);
     return sequence;
 }
 
-Expr NumberArgument(TokenSpan tokens, const Row& row, const std::string& keyword, const char* what) {
-    Expr number = Translated(tokens, row);
+Expr& NumberArgument(TokenSpan tokens, const Row& row, const std::string& keyword, const char* what) {
+    Expr& number = Translated(tokens, row);
     if (number.type.IsKnown() && !number.type.IsNumber())
         ReportFatal("The " + std::string(what) + " of '" + keyword + "' must be a number, got " +
                     KorvelName(number.type));
     return number;
 }
 
-Expr ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
-    Expr value = Translated(tokens, row);
+Expr& ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
+    Expr& value = Translated(tokens, row);
     ValueType item = sequence.type.Item();
     if (sequence.type.IsKnown() && value.type.IsKnown() && !Assignable(item, value.type))
         ReportFatal("'" + keyword + "' needs a value of type " + KorvelName(item) + ", got " +
@@ -105,14 +106,12 @@ Expr ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, const
     return value;
 }
 
-Expr OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
-    Expr other = SequenceArgument(tokens, row, keyword);
+Expr& OtherSequence(const Expr& sequence, TokenSpan tokens, const Row& row, const std::string& keyword) {
+    Expr& other = SequenceArgument(tokens, row, keyword);
     if (sequence.type.IsKnown() && other.type.IsKnown() && sequence.type != other.type)
         ReportFatal("'" + keyword + "' needs two Sequences of the same type, got " +
                     KorvelName(sequence.type) + " and " + KorvelName(other.type));
     if (other.isCall) ReportFatal("'" + keyword + "' needs a Sequence variable, not the result of a call");
-    const std::string calls = WalkCalls(other, row.notice.before, ", ");
-    other.text = WhileAway(other, true, calls.empty() ? other.text : "(" + calls + other.text + ")");
     return other;
 }
 
@@ -128,8 +127,8 @@ bool NamesBoth(const Expr& sequence, const Expr& array) {
 // Where calls could tell, both are found once, before the Sequence changes:
 //     { auto&& __kvTarget = seq; auto&& __kvItems = array; __kvTarget.Clear(); for(...) ...; }
 void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const Row& row) {
-    Expr array = Translated(tokens, row);
-    std::string target = ValueText(sequence);
+    const Expr& array = Translated(tokens, row);
+    Code target = ValueText(sequence);
     ValueType item = sequence.type.Item();
     if (array.type.IsKnown() && array.type.dims != 1)
         ReportFatal("SeqFromArray needs an array of one dimension, got " + KorvelName(array.type));
@@ -140,25 +139,25 @@ void EmitFromArray(State& state, const Expr& sequence, TokenSpan tokens, const R
         ReportFatal(
             "SeqFromArray needs an array whose size is known. An array parameter does not carry its size: "
             "add its items with SeqAdd in a For loop.");
-    std::string source = WalkableText(array);
-    const bool bits = item.Is(Base::Bool) && array.variable != nullptr && !array.variable->handsOnBools;
+    Code source = WalkableText(array);
+    const bool bits = item.Is(Base::Bool) && VariableOf(array) != nullptr && !array.variable->handsOnBools;
     const bool stored = array.byValue || bits || (!item.Is(Base::Element) && !item.Is(Base::Bool));
     const bool whole = from == item && stored && array.form != ArrayForm::Fixed;
     if (whole || !sequence.type.IsKnown()) {
-        EmitLine(state, WhileAway(sequence, true, target + ".FromArray(" + source + ")") + ";");
+        EmitLine(state, Away(AwayFrom(sequence, true), target + ".FromArray(" + source + ")") + ";");
         return;
     }
     std::string value = item.Is(Base::Element) ? "*__kvItem" : "__kvItem";
     const bool named = NamesBoth(sequence, array);
-    std::string names;
+    Code names;
     if (named) {
         names = "{ auto&& __kvTarget = " + target + "; auto&& __kvItems = " + source + "; ";
         target = "__kvTarget";
         source = "__kvItems";
     }
-    EmitLine(state, names + WhileAway(sequence, true, target + ".Clear()") +
-                        "; for(auto&& __kvItem : " + source + ") " +
-                        WhileAway(sequence, true, target + ".Add(" + value + ")") + (named ? "; }" : ";"));
+    const AwayWalks away = AwayFrom(sequence, true);
+    EmitLine(state, names + Away(away, target + ".Clear()") + "; for(auto&& __kvItem : " + source + ") " +
+                        Away(away, target + ".Add(" + value + ")") + (named ? "; }" : ";"));
 }
 
 // The Method that sorts items of the class; null when it has none that fits.
@@ -169,7 +168,7 @@ const Routine* CompareOf(const ClassInfo& cls) {
     return fits ? compare : nullptr;
 }
 
-Expr ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Row& row,
+Expr& ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Row& row,
                  const std::string& keyword) {
     switch (kind) {
         case Argument::Index:
@@ -184,36 +183,52 @@ Expr ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Ro
 }
 
 // Whether an argument may change where the Sequence is found.
-bool MovesSequence(const Expr& sequence, const std::vector<Expr>& arguments) {
-    return std::any_of(arguments.begin(), arguments.end(),
-                       [&sequence](const Expr& argument) { return IsLookUpSeen(sequence, {argument}); });
+bool MovesSequence(const Expr& sequence, const PartList& arguments) {
+    for (Expr argument : PartRange{arguments.First()}) {
+        argument.next = nullptr;
+        if (IsLookUpSeen(sequence, &argument)) return true;
+    }
+    return false;
+}
+
+// The text of an argument, and of another Sequence that changes too.
+Code ArgumentText(const Expr& argument, const Row& row, std::size_t i) {
+    if (row.arguments[i] != Argument::Sequence) return ValueText(argument);
+    const Code calls = WalkCalls(argument, row.notice.before, ", ");
+    const Code text = TextOf(argument);
+    return Away(AwayFrom(argument, true), calls.text.empty() ? text : "(" + calls + text + ")");
 }
 
 // KVL_s.Member(arguments)
-std::string MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
-                       const std::string& keyword, const std::string& member) {
-    std::vector<Expr> arguments;
+Code MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
+                const std::string& keyword, const std::string& member) {
+    PartList arguments;
     for (std::size_t i = 0; i < row.arguments.size(); ++i)
-        arguments.push_back(ArgumentFor(row.arguments[i], sequence, parts[i + 1], row, keyword));
+        arguments.Add(ArgumentFor(row.arguments[i], sequence, parts[i + 1], row, keyword));
     InOrder inOrder;
-    const bool named = OrderMatters(arguments);
-    std::string object = ValueText(sequence);
+    const bool named = OrderMatters(arguments.First());
+    Code object = ValueText(sequence);
     if (named && MovesSequence(sequence, arguments)) object = inOrder.NameObject(object);
-    std::string texts;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
+    Code texts;
+    std::size_t i = 0;
+    for (const Expr& argument : PartRange{arguments.First()}) {
         const bool isValue = row.arguments[i] == Argument::Value;
-        std::string text = ValueText(arguments[i]);
-        if (named) text = inOrder.Name(isValue ? sequence.type.Item() : arguments[i].type, text);
+        Code text = ArgumentText(argument, row, i);
+        if (named) text = inOrder.Name(isValue ? sequence.type.Item() : argument.type, text);
         if (i == 0 && row.notice.byArgument != nullptr)
             text = TellWalks(sequence, row.notice.byArgument, text);
-        texts += (i == 0 ? "" : ", ") + text;
+        if (i++ > 0) texts += ", ";
+        texts += text;
     }
-    const std::string call = object + "." + member + "(" + texts + ")";
-    return named ? inOrder.Text("void", call) : call;
+    const Code call = object + "." + member + "(" + texts + ")";
+    if (!named) return call;
+    Code ordered;
+    inOrder.Write(ordered, "void", call);
+    return ordered;
 }
 
 // Ascending without an order.
-std::string SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
+Code SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
                      const std::string& keyword) {
     const ClassInfo* cls = sequence.type.cls;
     const Routine* compare = cls != nullptr ? CompareOf(*cls) : nullptr;
@@ -222,17 +237,19 @@ std::string SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, 
                           " requires a 'Method Compare:Int(other:" + cls->name + ")' on " + cls->name,
                       sequence.source);
     const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
-    const std::string call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
+    const Code call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
                                                : MemberCall(sequence, parts, row, keyword, member);
-    return compare == nullptr ? call : CallWhileAway(*compare, {}, call);
+    return compare == nullptr ? call : Away(AwayFromCall(*compare, nullptr), call);
 }
 
 // On a line of its own: __kvWalk_KVL_x.Leave();
 void TellWalksBefore(State& state, const Expr& sequence, const Row& row) {
     if (row.notice.change == Change::Items) NoteSequenceChange(sequence);
     if (row.notice.before == nullptr) return;
-    const std::string calls = WalkCalls(sequence, row.notice.before, "; ");
-    if (!calls.empty()) EmitLine(state, calls.substr(0, calls.size() - 1));
+    Code calls = WalkCalls(sequence, row.notice.before, "; ");
+    if (calls.text.empty()) return;
+    calls.text.pop_back();
+    EmitLine(state, calls);
 }
 
 }  // namespace
@@ -245,15 +262,15 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     std::vector<TokenSpan> parts = tokens.From(1).WithoutParentheses().SplitAt(',');
     if (parts.empty() || parts[0].empty()) ReportFatal("'" + keyword + "' requires a Sequence argument");
     const bool sorts = IsWord(keyword, "seqsort");
-    Expr sequence = SequenceArgument(parts[0], row, keyword);
+    const Expr& sequence = SequenceArgument(parts[0], row, keyword);
     const bool orderLeftOut = sorts && parts.size() == 1;
     if (parts.size() != row.arguments.size() + 1 && !orderLeftOut) ReportFatal(row.expects);
     TellWalksBefore(state, sequence, row);
     if (IsWord(keyword, "seqfromarray")) return EmitFromArray(state, sequence, parts[1], row);
-    const std::string call = sorts ? SortCall(sequence, parts, row, keyword)
+    const Code call = sorts ? SortCall(sequence, parts, row, keyword)
                                    : MemberCall(sequence, parts, row, keyword, row.member);
     const Change change = row.notice.change;
     EmitLine(state, (change == Change::Order ? WhileReordered(sequence, call)
-                                             : WhileAway(sequence, change == Change::Items, call)) +
+                                             : Away(AwayFrom(sequence, change == Change::Items), call)) +
                         ";");
 }

@@ -1,13 +1,13 @@
 // The second pass's state for one file, and the line writer that every statement uses.
 #pragma once
 
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
+#include "expressions/code.h"
 #include "lexer/token_span.h"
 #include "prelude/output.h"
 #include "statements/blocks.h"
@@ -131,9 +131,14 @@ inline bool InMethod(const State& state) { return state.routine.kind == RoutineK
 // Appends one line to the .cpp, prefixed by the statement's indentation; with -t and -c the first line
 // of a statement carries its source and its comment.
 void EmitLine(State& state, std::string_view text);
-void EmitLine(State& state, std::initializer_list<std::string_view> parts);
+inline void EmitLine(State& state, const std::string& text) { EmitLine(state, std::string_view(text)); }
+inline void EmitLine(State& state, const char* text) { EmitLine(state, std::string_view(text)); }
+// Passages become slots of the open routine.
+void EmitLine(State& state, const Code& code);
 // The same with a slot of the open routine between each two of the texts; returns their indices.
-std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<std::string>& texts);
+std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<Code>& texts);
+// The buffer for the line that the statement is about to emit, empty.
+Code& FreshLine();
 // Opens a slot at the end of what is there.
 std::size_t OpenSlot(State& state);
 

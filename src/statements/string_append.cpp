@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "analysis/effects.h"
-#include "expressions/text_sum.h"
+#include "expressions/order.h"
 
 namespace {
 
@@ -25,24 +25,24 @@ EffectSet AppendingTo(const Expr& target, bool item) {
 }
 
 // Whether the part reads or changes the target, or changes what the target is found through.
-bool Notices(const TextSum::Part& part, const EffectSet& append, TokenSpan target) {
+bool Notices(const Expr& part, const EffectSet& append, TokenSpan target) {
     const EffectSet does = EffectsOf(part.source);
     return Conflict(append, does) || MayChange(does, EffectsOfPlace(target));
 }
 
 }  // namespace
 
-std::string AppendStatement(const Expr& target, const Expr& value, bool item) {
-    if (value.sum == nullptr || value.sum->to > 0 || !IsPlainName(target.source)) return {};
-    const std::vector<TextSum::Part>& parts = value.sum->parts;
-    if (parts.size() > TextSum::many) return {};
-    if (!AreEqual(parts[0].source, target.source)) return {};
+Code AppendStatement(const Expr& target, const Expr& value, bool item) {
+    if (value.kind != ExprKind::Sum || value.to > 0 || !IsPlainName(target.source)) return {};
+    if (PartsOf(value).size() > manyTexts) return {};
+    if (!AreEqual(value.first->source, target.source)) return {};
     const EffectSet append = AppendingTo(target, item);
-    std::string text = ValueText(target);
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        if (Notices(parts[i], append, target.source)) return {};
-        if (i > 1) text = "(" + text + ")";
-        text += " += " + parts[i].text;
+    Code text = ValueText(target);
+    for (const Expr& part : PartRange{value.first->next}) {
+        if (Notices(part, append, target.source)) return {};
+        if (&part != value.first->next) text = "(" + text + ")";
+        text += " += ";
+        WritePart(text, part);
     }
     return text + ";";
 }

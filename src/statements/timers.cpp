@@ -14,20 +14,20 @@
 namespace {
 
 // The arguments of a handler: the defaults of all its parameters.
-std::string DefaultArguments(const Routine& handler) {
-    std::string arguments;
+Code DefaultArguments(const Routine& handler) {
+    Code arguments;
     for (const Parameter& parameter : handler.parameters) {
         if (!parameter.hasDefault)
             ReportFatal("AutoCall handler '" + handler.name + "' must not need arguments, but parameter '" +
                             parameter.name + "' has no default",
                         Tokens{handler.name});
-        const Expr value = TranslateDefault(handler, parameter);
-        arguments += (arguments.empty() ? "" : ", ") + TextAs(value, parameter.type);
+        if (!arguments.text.empty()) arguments += ", ";
+        WriteAs(arguments, TranslateDefault(handler, parameter), parameter.type);
     }
     return arguments;
 }
 
-std::string HandlerCall(const std::string& name) {
+Code HandlerCall(const std::string& name) {
     const Routine* handler = FindFunction(name);
     if (handler == nullptr) handler = FindUserlibFunction(name);
     if (handler == nullptr) ReportUnknown("AutoCall handler '" + name + "' is not a Function", Tokens{name});
@@ -63,14 +63,14 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
         ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'",
                     tokens.Slice(2, 3));
     const std::string& name = tokens[1];
-    Expr interval = TranslateExpression(tokens.From(3), ExprMode::Condition);
-    if (interval.text.empty())
+    const Expr& interval = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    if (interval.kind == ExprKind::Nothing)
         ReportFatal("AutoCall needs an interval in milliseconds, e.g. AutoCall " + name + " Every 1000");
     if (interval.type.IsKnown() && !interval.type.IsNumber())
         ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type));
     programUses.timers = true;
     EmitLine(state, "__kvAutoCall(\"" + name + "\", [](){ " + HandlerCall(name) + "; }, (long long)(" +
-                        interval.text + "), " + (every ? "true" : "false") + ");");
+                        TextOf(interval) + "), " + (every ? "true" : "false") + ");");
 }
 
 // StopCall Function | All

@@ -8,16 +8,16 @@ void RefuseMore(TokenSpan tokens, std::size_t from) {
                     tokens.Slice(from, from + 1));
 }
 
-std::string ConditionText(TokenSpan tokens, const std::string& keyword) {
+void WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword) {
     if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
-    Expr condition = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& condition = TranslateExpression(tokens, ExprMode::Condition);
     const ValueType& type = condition.type;
     bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer);
     if (!fits)
         ReportFatal("The condition of '" + keyword + "' must be a comparison, a number or an object, got " +
                         KorvelName(type),
                     tokens);
-    return ValueText(condition);
+    WriteValue(out, condition);
 }
 
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {
@@ -26,12 +26,26 @@ void FailMismatch(const ValueType& from, const ValueType& to, const std::string&
                 value);
 }
 
-std::string GuardedText(const Expr& expr, Level weakest) {
-    std::string text = ValueText(expr);
-    return expr.level > weakest ? "(" + text + ")" : text;
+Code ConditionText(TokenSpan tokens, const std::string& keyword) {
+    Code condition;
+    WriteCondition(condition, tokens, keyword);
+    return condition;
 }
 
-std::string WalkableText(const Expr& expr) {
+void WriteGuarded(Code& out, const Expr& expr, Level weakest) {
+    const bool guarded = expr.level > weakest;
+    if (guarded) out += '(';
+    WriteValue(out, expr);
+    if (guarded) out += ')';
+}
+
+Code GuardedText(const Expr& expr, Level weakest) {
+    Code text;
+    WriteGuarded(text, expr, weakest);
+    return text;
+}
+
+Code WalkableText(const Expr& expr) {
     if (expr.form != ArrayForm::Owned || expr.byValue) return ValueText(expr);
     return TakeOver(expr, expr.type.base == Base::Element && expr.type.dims == 1);
 }

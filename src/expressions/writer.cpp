@@ -1,0 +1,88 @@
+#include "expressions/writer.h"
+
+#include <array>
+
+#include "expressions/walk.h"
+#include "prelude/output.h"
+#include "prelude/support.h"
+
+namespace {
+
+void WriteNothing(Code&, const Expr&) {}
+void WriteFixed(Code& out, const Expr& expr) { out += expr.text; }
+void WriteNumber(Code& out, const Expr& expr) { out += expr.word->text; }
+
+void WriteParentheses(Code& out, const Expr& expr) {
+    out += "( ";
+    WriteValue(out, *expr.first);
+    out += " )";
+}
+
+void WriteAssignment(Code& out, const Expr& expr) {
+    const Expr& target = *expr.first;
+    WriteValue(out, target);
+    out += " = ";
+    WriteAs(out, *target.next, target.type);
+}
+
+using Writer = void (*)(Code& out, const Expr& expr);
+
+// In the order of the kinds.
+constexpr std::array<Writer, static_cast<std::size_t>(ExprKind::Count)> writers = {
+    WriteNothing,   WriteFixed,     WriteNumber,    WriteText,      WriteHoles,    WriteParentheses, WriteName,
+    WriteField,     WriteIndex,     WriteCall,      WriteCreate,    WriteInstances, WriteNeighbour,  WriteInsert,
+    WriteGetKey,    WriteEnclosed,  WriteEnclosed,  WriteAsc,       WriteMath,     WriteSeqFunction, WriteLibrary,
+    WriteSign,      WriteOperation, WriteQuotient,  WriteRemainder, WriteElements, WriteSum,         WriteAssignment,
+};
+
+}  // namespace
+
+void Write(Code& out, const Expr& expr) {
+    const Writer writer = writers[static_cast<std::size_t>(expr.kind)];
+    if (!expr.hidden) {
+        writer(out, expr);
+        return;
+    }
+    RequireSupport(Support::ReadNow);
+    // An item of an array of Bools is a reference of its own kind.
+    out += expr.type.Is(Base::Bool) ? "__kvNow<bool>(" : "__kvNow(";
+    writer(out, expr);
+    out += ')';
+}
+
+void WriteValue(Code& out, const Expr& expr) {
+    if (!expr.slot) {
+        Write(out, expr);
+        return;
+    }
+    NeedClass(expr.type.cls);
+    out += "(*";
+    Write(out, expr);
+    out += ')';
+}
+
+void WriteAs(Code& out, const Expr& expr, const ValueType& to) {
+    RequireValue(expr);
+    if (expr.form == ArrayForm::Owned && to.IsArray())
+        out += TakeOver(expr, false);
+    else
+        WriteValue(out, expr);
+}
+
+Code TextOf(const Expr& expr) {
+    Code text;
+    Write(text, expr);
+    return text;
+}
+
+Code ValueText(const Expr& expr) {
+    Code text;
+    WriteValue(text, expr);
+    return text;
+}
+
+Code TextAs(const Expr& expr, const ValueType& to) {
+    Code text;
+    WriteAs(text, expr, to);
+    return text;
+}
