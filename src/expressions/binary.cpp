@@ -4,6 +4,7 @@
 #include "expressions/operators.h"
 #include "expressions/order.h"
 #include "prelude/output.h"
+#include "prelude/support.h"
 
 namespace {
 
@@ -64,7 +65,10 @@ Expr& Concatenate(Expr& left, Expr& right, PartList& texts) {
 Expr& Divide(Expr& left, const BinaryOperator& op, Expr& right) {
     if (!left.type.IsKnown() || !right.type.IsKnown()) return Join(left, op, right, {});
     const ValueType common = Single(CommonNumber(left, right));
-    if (Checked()) return Join(left, op, right, common, ExprKind::Quotient);
+    if (Checked()) {
+        NotePreludeUse();
+        return Join(left, op, right, common, ExprKind::Quotient);
+    }
     const bool real = op.kind == OperatorKind::Remainder && common.base == Base::Double;
     return Join(left, op, right, common, real ? ExprKind::Remainder : ExprKind::Operation);
 }

@@ -88,7 +88,6 @@ void WriteOperation(Code& out, const Expr& expr) {
 // C++ takes the arguments of a call in any order, but not what stands between braces:
 //     __kvInOrder<int>{a, b}.Quotient()
 void WriteQuotient(Code& out, const Expr& expr) {
-    NotePreludeUse();
     const bool remainder = expr.operation->kind == OperatorKind::Remainder;
     const Expr& left = *expr.first;
     if (expr.ordered || (remainder && expr.type.base == Base::Double)) RequireSupport(Support::SafeOperands);

@@ -39,8 +39,9 @@ bool IsBareVariable(TokenSpan tokens) {
 
 // g++ knows some functions of C as well as its own operators.
 bool IsOpaque(const Expr& expr) {
-    const Routine* routine = RoutineOf(expr);
-    return (routine != nullptr && !routine->isExtern && !routine->isUserlib) || Bare(expr).hidden;
+    if (expr.hidden) return true;
+    if (expr.kind == ExprKind::Parentheses) return IsOpaque(*expr.first);
+    return expr.kind == ExprKind::Call && !expr.routine->isExtern && !expr.routine->isUserlib;
 }
 
 bool IsUpright(const Expr& expr) { return IsOpaque(expr) || expr.upright; }
@@ -121,8 +122,10 @@ void NoteOperands(Expr& expr, Pieces& pieces, const Pieces& right) {
 
 Pieces Keep(Expr& expr);
 
+// Default values have been settled where their names mean what they say.
 void KeepParts(Expr* parts) {
-    for (Expr& part : PartRange{parts}) Keep(part);
+    for (Expr& part : PartRange{parts})
+        if (part.given) Keep(part);
 }
 
 bool AreTexts(const Expr& a, const Expr& b) { return a.type.Is(Base::String) && b.type.Is(Base::String); }

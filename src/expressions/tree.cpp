@@ -55,15 +55,9 @@ void ForgetNodes() { arena.used = 0; }
 BorrowedNodes::BorrowedNodes() : before(arena.used) {}
 BorrowedNodes::~BorrowedNodes() { arena.used = before; }
 
-const Expr& Bare(const Expr& expr) {
-    const Expr* bare = &expr;
-    while (bare->kind == ExprKind::Parentheses) bare = bare->first;
-    return *bare;
-}
-
 const Routine* RoutineOf(const Expr& expr) {
-    const Expr& bare = Bare(expr);
-    return bare.kind == ExprKind::Call ? bare.routine : nullptr;
+    if (expr.kind == ExprKind::Parentheses) return RoutineOf(*expr.first);
+    return expr.kind == ExprKind::Call ? expr.routine : nullptr;
 }
 
 bool AreAlike(const Expr& a, const Expr& b) {

@@ -162,8 +162,6 @@ inline PartRange PartsOf(const Expr& expr) { return {expr.first}; }
 
 // ---- questions
 
-// What stands in the parentheses, if it is such.
-const Expr& Bare(const Expr& expr);
 // The variable that the expression is, null when it is more; parentheses make a value of it.
 inline const Variable* VariableOf(const Expr& expr) {
     return expr.kind == ExprKind::Name ? expr.variable : nullptr;
@@ -181,6 +179,8 @@ bool AreAlike(const Expr& a, const Expr& b);
 class KeptTree {
 public:
     explicit KeptTree(const Expr& root) { Copy(root); }
+    KeptTree(KeptTree&&) = default;  // the nodes stay where they are
+    KeptTree& operator=(KeptTree&&) = default;
     const Expr& Root() const { return nodes.front(); }
 
 private:
