@@ -149,6 +149,7 @@ Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
     settings.currentFile = routine.file;
     settings.currentLine = routine.line;
     Expr& value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
+    value.given = false;
     settings.currentFile = file;
     settings.currentLine = line;
     return value;

@@ -106,7 +106,8 @@ void WriteArray(Code& out, const Expr& array) {
         Write(out, array);
 }
 
-void WriteWithIndices(Code& out, const Expr& array, const Texts& indices, const char* open, const char* close) {
+void WriteWithIndices(Code& out, const Expr& array, const Texts& indices, const char* open,
+                      const char* close) {
     WriteArray(out, array);
     for (const Code& index : indices) {
         out += open;

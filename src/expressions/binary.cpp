@@ -123,7 +123,8 @@ void LimitTexts(std::size_t count) {
 Expr& Combine(Expr& left, const BinaryOperator& op, Expr& right, PartList& texts) {
     RequireValue(left);
     RequireValue(right);
-    if (op.kind == OperatorKind::Add && (IsText(left) || IsText(right))) return Concatenate(left, right, texts);
+    if (op.kind == OperatorKind::Add && (IsText(left) || IsText(right)))
+        return Concatenate(left, right, texts);
     texts = PartList();
     switch (op.kind) {
         case OperatorKind::Order:

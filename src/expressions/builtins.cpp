@@ -144,7 +144,8 @@ void WriteGetKey(Code& out, const Expr&) {
     out.lambda = true;
     out += "(_kbhit() ? ";
     out += InsideRoutine() ? "[&]" : "[]";
-    out += "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } return ch; }() : 0)";
+    out +=
+        "() { int ch = _getch(); if(ch == 0 || ch == 224) { ch = _getch(); return -ch; } return ch; }() : 0)";
 }
 
 // The plain text evaluates its argument twice.

@@ -143,15 +143,14 @@ void CheckArguments(const std::string& subject, const Routine& routine, PartList
             CheckPassed(*argument, parameter.type);
             argument = argument->next;
         } else {
-            Expr& left = TranslateDefault(routine, parameter);
-            left.given = false;
-            arguments.Add(left);
+            arguments.Add(TranslateDefault(routine, parameter));
         }
     }
 }
 
 // Arrays and Sequences get no names: they stay where they are, since they live to the end of the call only.
-void WriteArguments(Code& out, const Expr& call, const Routine& routine, const char* separator, InOrder* inOrder) {
+void WriteArguments(Code& out, const Expr& call, const Routine& routine, const char* separator,
+                    InOrder* inOrder) {
     const Parameter* parameter = routine.parameters.data();
     for (const Expr& argument : PartsOf(call)) {
         const ValueType& type = parameter++->type;

@@ -126,7 +126,8 @@ std::string GetExpressionType(TokenSpan tokens) {
     if (tokens.size() >= 2 && Is(tokens[0], "Create")) {
         VerboseNote("  [GetExpressionType] Detected Create statement, returning type: " + type);
     } else {
-        VerboseNote("  [GetExpressionType] Inferred type from expression '" + TextOf(expr).text + "': " + type);
+        VerboseNote("  [GetExpressionType] Inferred type from expression '" + TextOf(expr).text +
+                    "': " + type);
     }
     return type;
 }

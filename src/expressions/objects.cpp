@@ -91,7 +91,8 @@ Expr& ParseInsert(Walk& walk, const std::string& word) {
                     KorvelName(target.type));
     }
     programUses.inserts = true;
-    Expr& expr = ObjectOf(ExprKind::Insert, nullptr, place == Keyword::After ? "InsertAfter" : "InsertBefore");
+    Expr& expr =
+        ObjectOf(ExprKind::Insert, nullptr, place == Keyword::After ? "InsertAfter" : "InsertBefore");
     expr.type = Single(Base::Void);
     expr.first = &object;
     object.next = &target;
@@ -113,8 +114,8 @@ Expr& ParseCreate(Walk& walk) {
     PartList arguments = walk.Match('(') ? ParseArguments(walk) : PartList();
     const Routine* constructor = ConstructorOf(*cls, arguments);
     const Routine generated;
-    CheckArguments("Method '" + cls->name + "::constructor'", constructor != nullptr ? *constructor : generated,
-                   arguments);
+    CheckArguments("Method '" + cls->name + "::constructor'",
+                   constructor != nullptr ? *constructor : generated, arguments);
     Expr& object = ObjectOf(ExprKind::Create, cls, "");
     object.routine = constructor;
     object.first = arguments.First();

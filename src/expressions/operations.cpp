@@ -42,7 +42,8 @@ void WriteCallOf(Code& out, const std::string& function, const Code& a, const Co
 
 // The operand of a checked division, of the type that both operands have in common.
 void WriteCheckedOperand(Code& out, const Expr& operand, const ValueType& common) {
-    const bool exact = operand.type.base == common.base && (common.base != Base::Long || VariableOf(operand) != nullptr);
+    const bool exact =
+        operand.type.base == common.base && (common.base != Base::Long || VariableOf(operand) != nullptr);
     if (!exact) out += "static_cast<" + CppName(common) + ">(";
     Write(out, operand);
     if (!exact) out += ')';
@@ -61,9 +62,7 @@ void WriteTextsInOrder(Code& out, const Expr& expr) {
 }
 
 // Whether its text is that of its operands with the operator between them.
-bool IsPlain(const Expr& expr) {
-    return expr.kind == ExprKind::Operation && !expr.ordered && !expr.hidden;
-}
+bool IsPlain(const Expr& expr) { return expr.kind == ExprKind::Operation && !expr.ordered && !expr.hidden; }
 
 }  // namespace
 

@@ -142,7 +142,8 @@ void KeepOperation(Expr& expr, Pieces& pieces) {
         expr.ordered = OrderMatters(left, right);
         if (expr.ordered && expr.kind == ExprKind::Elements) expr.level = Level::Primary;
     }
-    const bool calculates = expr.kind == ExprKind::Operation && op.kind != OperatorKind::Logic && !expr.ordered;
+    const bool calculates =
+        expr.kind == ExprKind::Operation && op.kind != OperatorKind::Logic && !expr.ordered;
     if (calculates) KeepOperands(left, pieces, op, right, rightPieces);
     if (calculates && compares) expr.leaps = MayLeap(left, op, right);
     if (calculates && !compares && expr.effects)

@@ -50,7 +50,9 @@ Place PlaceOf(const Expr& sequence) {
 }
 
 // Whether they are one Sequence, unless an object or index on the way has changed in between.
-bool IsSame(const Expr& walked, const Expr& sequence) { return !walked.effects && AreAlike(walked, sequence); }
+bool IsSame(const Expr& walked, const Expr& sequence) {
+    return !walked.effects && AreAlike(walked, sequence);
+}
 bool IsOver(const OpenWalk& walk, const Expr& sequence) { return IsSame(*walk.place.tree, sequence); }
 
 // Whether the way to the Sequence leads through no object or item that may become another one: it is a variable,
@@ -132,7 +134,8 @@ ClosedWalk CloseSequenceWalk() {
 }
 
 bool IsWalked(const Expr& sequence) {
-    return std::any_of(walks.begin(), walks.end(), [&](const OpenWalk& walk) { return IsOver(walk, sequence); });
+    return std::any_of(walks.begin(), walks.end(),
+                       [&](const OpenWalk& walk) { return IsOver(walk, sequence); });
 }
 
 Code TellWalks(const Expr& sequence, const char* member, Code value) {
@@ -230,8 +233,7 @@ Code WhileReordered(const Expr& sequence, const Code& code) {
 
 void NoteConstruction(const ClassInfo& cls) {
     for (OpenWalk& walk : walks)
-        if (!walk.changed && IsInReach(walk))
-            walk.changed = ConstructionMayChange(cls, walk.Type().Item());
+        if (!walk.changed && IsInReach(walk)) walk.changed = ConstructionMayChange(cls, walk.Type().Item());
 }
 
 void NoteDestruction() {
@@ -255,6 +257,7 @@ Code BeforeInnerLoop(const Expr& sequence) {
 
 Code BehindInnerLoop(const Expr& sequence) {
     Code text;
-    for (const OpenWalk* walk : AwayFrom(sequence, false)) AddPassage(text, *walk, " " + walk->name + ".Back();");
+    for (const OpenWalk* walk : AwayFrom(sequence, false))
+        AddPassage(text, *walk, " " + walk->name + ".Back();");
     return text;
 }

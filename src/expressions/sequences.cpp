@@ -28,17 +28,23 @@ namespace {
 const std::unordered_map<std::string, SeqFunction> seqFunctions = {
     {"seqget", {"Get", SeqArgument::Index, SeqResult::Item, "SeqGet expects: SeqGet(seq, index)"}},
     {"seqlength", {"Length", SeqArgument::None, SeqResult::Int, "SeqLength expects: SeqLength(seq)"}},
-    {"seqfirst", {"First", SeqArgument::None, SeqResult::Item, "SeqFirst expects: SeqFirst(seq)", SeqEffect::Moves}},
-    {"seqlast", {"Last", SeqArgument::None, SeqResult::Item, "SeqLast expects: SeqLast(seq)", SeqEffect::Moves}},
-    {"seqnext", {"Next", SeqArgument::None, SeqResult::Item, "SeqNext expects: SeqNext(seq)", SeqEffect::Moves}},
-    {"seqbefore", {"Before", SeqArgument::None, SeqResult::Item, "SeqBefore expects: SeqBefore(seq)", SeqEffect::Moves}},
+    {"seqfirst",
+     {"First", SeqArgument::None, SeqResult::Item, "SeqFirst expects: SeqFirst(seq)", SeqEffect::Moves}},
+    {"seqlast",
+     {"Last", SeqArgument::None, SeqResult::Item, "SeqLast expects: SeqLast(seq)", SeqEffect::Moves}},
+    {"seqnext",
+     {"Next", SeqArgument::None, SeqResult::Item, "SeqNext expects: SeqNext(seq)", SeqEffect::Moves}},
+    {"seqbefore",
+     {"Before", SeqArgument::None, SeqResult::Item, "SeqBefore expects: SeqBefore(seq)", SeqEffect::Moves}},
     {"seqisempty", {"IsEmpty", SeqArgument::None, SeqResult::Int, "SeqIsEmpty expects: SeqIsEmpty(seq)"}},
     {"seqcontains",
      {"Contains", SeqArgument::Value, SeqResult::Int, "SeqContains expects: SeqContains(seq, value)"}},
     {"seqremovefirst",
-     {"RemoveFirst", SeqArgument::None, SeqResult::Item, "SeqRemoveFirst expects: SeqRemoveFirst(seq)", SeqEffect::RemovesFirst}},
+     {"RemoveFirst", SeqArgument::None, SeqResult::Item, "SeqRemoveFirst expects: SeqRemoveFirst(seq)",
+      SeqEffect::RemovesFirst}},
     {"seqremovelast",
-     {"RemoveLast", SeqArgument::None, SeqResult::Item, "SeqRemoveLast expects: SeqRemoveLast(seq)", SeqEffect::RemovesLast}},
+     {"RemoveLast", SeqArgument::None, SeqResult::Item, "SeqRemoveLast expects: SeqRemoveLast(seq)",
+      SeqEffect::RemovesLast}},
     {"seqfind", {"Find", SeqArgument::Value, SeqResult::Int, "SeqFind expects: SeqFind(seq, value)"}},
     {"seqtoarray", {"ToArray", SeqArgument::None, SeqResult::Array, "SeqToArray expects: SeqToArray(seq)"}},
 };
@@ -95,7 +101,8 @@ void WriteRemoval(Code& out, const Expr& expr) {
     const Expr& sequence = *expr.first;
     if (!IsWalked(sequence)) return WriteMemberCall(out, expr);
     const bool first = expr.seqFunction->effect == SeqEffect::RemovesFirst;
-    out += "(" + TellWalks(sequence, "Removing", first ? Code("0") : TextOf(sequence) + ".Length() - 1") + ", ";
+    out +=
+        "(" + TellWalks(sequence, "Removing", first ? Code("0") : TextOf(sequence) + ".Length() - 1") + ", ";
     WriteMemberCall(out, expr);
     out += ')';
 }

@@ -61,9 +61,10 @@ const Routine* RoutineOf(const Expr& expr) {
 }
 
 bool AreAlike(const Expr& a, const Expr& b) {
-    const bool same = a.kind == b.kind && a.word == b.word && a.variable == b.variable && a.routine == b.routine &&
-                      a.operation == b.operation && a.math == b.math && a.seqFunction == b.seqFunction &&
-                      std::string_view(a.text) == b.text && a.type == b.type;
+    const bool same = a.kind == b.kind && a.word == b.word && a.variable == b.variable &&
+                      a.routine == b.routine && a.operation == b.operation && a.math == b.math &&
+                      a.seqFunction == b.seqFunction && std::string_view(a.text) == b.text &&
+                      a.type == b.type;
     if (!same || (a.object == nullptr) != (b.object == nullptr)) return false;
     if (a.object != nullptr && !AreAlike(*a.object, *b.object)) return false;
     const Expr* one = a.first;

@@ -71,7 +71,7 @@ struct Expr {
     bool effects = false;  // runs code of the program
     bool byValue = false;  // an Owned array that comes as a std::vector, its Elements as values
     bool isConst = false;
-    bool given = true;  // an argument that is written; the others are defaults
+    bool given = true;  // in the program where it stands; or else the default value of a parameter
     // Indices: the array may stand in a lambda by its own name ...
     bool sized = false;  // ... and has constants with its sizes
     // Decided by order.h:

@@ -5,6 +5,7 @@
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -29,16 +30,22 @@ using Writer = void (*)(Code& out, const Expr& expr);
 
 // In the order of the kinds.
 constexpr std::array<Writer, static_cast<std::size_t>(ExprKind::Count)> writers = {
-    WriteNothing,   WriteFixed,     WriteNumber,    WriteText,      WriteHoles,    WriteParentheses, WriteName,
-    WriteField,     WriteIndex,     WriteCall,      WriteCreate,    WriteInstances, WriteNeighbour,  WriteInsert,
-    WriteGetKey,    WriteEnclosed,  WriteEnclosed,  WriteAsc,       WriteMath,     WriteSeqFunction, WriteLibrary,
-    WriteSign,      WriteOperation, WriteQuotient,  WriteRemainder, WriteElements, WriteSum,         WriteAssignment,
+    WriteNothing,   WriteFixed,       WriteNumber,  WriteText,       WriteHoles,     WriteParentheses,
+    WriteName,      WriteField,       WriteIndex,   WriteCall,       WriteCreate,    WriteInstances,
+    WriteNeighbour, WriteInsert,      WriteGetKey,  WriteEnclosed,   WriteEnclosed,  WriteAsc,
+    WriteMath,      WriteSeqFunction, WriteLibrary, WriteSign,       WriteOperation, WriteQuotient,
+    WriteRemainder, WriteElements,    WriteSum,     WriteAssignment,
 };
 
 }  // namespace
 
 void Write(Code& out, const Expr& expr) {
     const Writer writer = writers[static_cast<std::size_t>(expr.kind)];
+    if (!expr.given) {
+        const FileLevelNames names;
+        writer(out, expr);
+        return;
+    }
     if (!expr.hidden) {
         writer(out, expr);
         return;

@@ -20,9 +20,9 @@ std::string ArrayCppName(const ValueType& type, ArrayPlace place, bool handsOnBo
 
 // A declaration in its lines. `head` stands before the variable, `tail` behind it.
 struct ArrayText {
-    Code head;         // constants of sizes that only the running program knows
-    Code variable;     // "std::vector<int> KVL_a(10);"
-    Code tail;         // "\n\t\t\t\tconst int KVL_a_size_0 = 10;" per dimension
+    Code head;                // constants of sizes that only the running program knows
+    Code variable;            // "std::vector<int> KVL_a(10);"
+    Code tail;                // "\n\t\t\t\tconst int KVL_a_size_0 = 10;" per dimension
     std::string declaration;  // extern lines, for Globals whose definition has to move
     std::string definition;   // what defines it then
 };

@@ -16,7 +16,8 @@ std::string FillLoops(const Variable& array);
 std::string FreeLoops(const Variable& array);
 // A new array `copyName` made with __kvNewArray and filled from `source`, C++ text of an array of the
 // type whose sizes are the given texts. Elements are copied as objects. At most maxPassedDimensions.
-Code CopyLoops(const ValueType& type, const Code& source, const std::string& copyName, const std::vector<Code>& sizes);
+Code CopyLoops(const ValueType& type, const Code& source, const std::string& copyName,
+               const std::vector<Code>& sizes);
 
 // Arrays of more dimensions stay where they are declared: they are not handed back or taken over.
 constexpr int maxPassedDimensions = 3;

@@ -142,7 +142,7 @@ Bounds BoundsOf(const Parts& parts) {
 // How a loop goes on: up, down, or as the sign of the step says when the program runs.
 struct Course {
     Code comparison, increment;
-    Code step;     // the text that is added in each round, "1" for "++" and "--"
+    Code step;            // the text that is added in each round, "1" for "++" and "--"
     bool down = false;    // by the text of the step
     bool bySign = false;  // the step is no literal
     std::string asked;    // a step that runs code of the program: its KVStep ...
@@ -213,7 +213,7 @@ Code HasNext(const Counter& counter, const Course& course, const Range& range) {
     if (!course.bySign && !course.down) return up;
     // A step that counts down is a negative number, but for the "1" of "--".
     const Code down = counter.cppName + " >= " + range.leastText +
-                             (course.step.text == "1" ? " + 1" : " - (" + course.step + ")");
+                      (course.step.text == "1" ? " + 1" : " - (" + course.step + ")");
     if (!course.bySign) return down;
     if (!course.asked.empty())
         return course.asked + ".HasRoom(" + counter.cppName + ", " + range.leastText + ", " + range.mostText +
@@ -223,14 +223,14 @@ Code HasNext(const Counter& counter, const Course& course, const Range& range) {
 }
 
 // The header, from the counter's first value on; `declaration` is its type and a blank, or empty.
-Code Header(const Counter& counter, const std::string& declaration, const Code& start,
-                   const Course& course, const Range* range) {
+Code Header(const Counter& counter, const std::string& declaration, const Code& start, const Course& course,
+            const Range* range) {
     const Code first = counter.cppName + " = " + start;
     if (range == nullptr)
         return "for (" + declaration + first + "; " + course.comparison + "; " + course.increment + ")";
     const std::string more = "__kvMore_" + SafeName(counter.name);
     const Code begin = declaration.empty() ? "bool " + more + " = (" + first + ", true)"
-                                                  : declaration + first + ", " + more + " = 1";
+                                           : declaration + first + ", " + more + " = 1";
     const Code comparison = course.bySign ? "(" + course.comparison + ")" : course.comparison;
     return "for (" + begin + "; " + more + " && " + comparison + "; " + more + " = " +
            HasNext(counter, course, *range) + " && (" + course.increment + ", true))";

@@ -183,7 +183,8 @@ bool IsConstant(const Declared& declared, const Expr& value) {
     if (!declared.hasValue || value.type.base == Base::Null) return true;
     const Keyword word = declared.value.size() == 1 ? declared.value.KeywordAt(0) : Keyword::None;
     if (word == Keyword::True || word == Keyword::False) return true;
-    return PreludeUses() == declared.preludeUses && EvaluateConstant(declared.value) && IsConstantToCpp(declared.value);
+    return PreludeUses() == declared.preludeUses && EvaluateConstant(declared.value) &&
+           IsConstantToCpp(declared.value);
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {

@@ -27,9 +27,9 @@ struct Collection {
     ArrayForm itemForm = ArrayForm::None;
     bool sequence = false;
     const Expr* expr = nullptr;  // a Sequence as it was translated
-    bool pointers = false;  // items may be null
-    bool slot = false;      // Elements reached through pointers
-    bool copies = true;     // "auto" makes a copy of the item
+    bool pointers = false;       // items may be null
+    bool slot = false;           // Elements reached through pointers
+    bool copies = true;          // "auto" makes a copy of the item
 };
 
 struct EachHeader {
@@ -151,8 +151,7 @@ void EmitSharedWalk(State& state, const std::string& variable, const std::string
 }
 
 // Emits the lines "for(...)" and "{".
-void EmitRangeHeader(State& state, const std::string& type, const std::string& variable,
-                     const Code& range) {
+void EmitRangeHeader(State& state, const std::string& type, const std::string& variable, const Code& range) {
     EmitLine(state, "for(" + type + " " + variable + " : " + range + ")");
     EmitLine(state, "{");
 }

@@ -119,8 +119,8 @@ Code ReturnedText(State& state, const ValueType& result, const Expr& value, bool
     if (value.type.IsArray()) RecordSizes(state, value);
     if (IsCopied(value)) return CopyOfArray(state, value);
     const Code text = value.type.IsArray() ? HandedBack(value)
-                             : result.IsKnown()   ? TextAs(value, result)
-                                                  : ValueText(value);
+                      : result.IsKnown()   ? TextAs(value, result)
+                                           : ValueText(value);
     if (!before) return text;
     EmitLine(state, ResultCppName(result) + " " + valueName + " = " + text + ";");
     return valueName;

@@ -169,7 +169,7 @@ const Routine* CompareOf(const ClassInfo& cls) {
 }
 
 Expr& ArgumentFor(Argument kind, const Expr& sequence, TokenSpan tokens, const Row& row,
-                 const std::string& keyword) {
+                  const std::string& keyword) {
     switch (kind) {
         case Argument::Index:
             return NumberArgument(tokens, row, keyword, "index");
@@ -229,7 +229,7 @@ Code MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const
 
 // Ascending without an order.
 Code SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const Row& row,
-                     const std::string& keyword) {
+              const std::string& keyword) {
     const ClassInfo* cls = sequence.type.cls;
     const Routine* compare = cls != nullptr ? CompareOf(*cls) : nullptr;
     if (cls != nullptr && compare == nullptr)
@@ -238,7 +238,7 @@ Code SortCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const R
                       sequence.source);
     const char* member = cls != nullptr ? "SortCompare" : "SortNatural";
     const Code call = parts.size() == 1 ? ValueText(sequence) + "." + member + "(true)"
-                                               : MemberCall(sequence, parts, row, keyword, member);
+                                        : MemberCall(sequence, parts, row, keyword, member);
     return compare == nullptr ? call : Away(AwayFromCall(*compare, nullptr), call);
 }
 
@@ -268,7 +268,7 @@ void TranslateSeqStatement(State& state, TokenSpan tokens) {
     TellWalksBefore(state, sequence, row);
     if (IsWord(keyword, "seqfromarray")) return EmitFromArray(state, sequence, parts[1], row);
     const Code call = sorts ? SortCall(sequence, parts, row, keyword)
-                                   : MemberCall(sequence, parts, row, keyword, row.member);
+                            : MemberCall(sequence, parts, row, keyword, row.member);
     const Change change = row.notice.change;
     EmitLine(state, (change == Change::Order ? WhileReordered(sequence, call)
                                              : Away(AwayFrom(sequence, change == Change::Items), call)) +
