@@ -44,7 +44,7 @@ std::vector<std::string> NamesIn(const std::string& heading) {
 
 // "| `Left(text, count)`, `Right(text, count)` | ..." names Left and Right.
 void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names) {
-    static const std::regex call("`(\\w+)\\(");
+    static const std::regex call("`(\\w+)[ (]");
     const std::string cell = line.substr(0, line.find('|', 1));
     for (std::sregex_iterator found(cell.begin(), cell.end(), call), end; found != end; ++found)
         names.push_back((*found)[1]);
