@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 namespace {
 
 const std::size_t width = 78;
-const std::string entryMark = "### ", sectionMark = "## ", fence = "```";
+const std::string entryMark = "### ", fence = "```";
 
 bool StartsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
@@ -52,16 +52,15 @@ void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names)
 
 void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& entries) {
     std::ifstream page(path, std::ios::binary);
-    const std::string mark = ofModule ? sectionMark : entryMark;
     std::string title;
     bool inEntry = false, inCode = false;
     for (std::string line; std::getline(page, line);) {
         if (StartsWith(line, fence)) inCode = !inCode;
         if (!inCode && StartsWith(line, "#")) {
             if (title.empty()) title = line.substr(line.find_first_not_of("# "));
-            inEntry = StartsWith(line, mark);
+            inEntry = StartsWith(line, entryMark) || (ofModule && !StartsWith(line, "###"));
             if (inEntry) entries.push_back({TextOf(path.stem()), title, {}, ""});
-            if (inEntry && !ofModule) entries.back().names = NamesIn(line.substr(mark.size()));
+            if (inEntry && !ofModule) entries.back().names = NamesIn(line.substr(entryMark.size()));
         }
         if (!inEntry) continue;
         if (ofModule && !inCode && StartsWith(line, "|")) AddFunctionsOfRow(line, entries.back().names);

@@ -1,6 +1,6 @@
 // The entries of the manual, as `kv doc` and `kv explain` show them. An entry is a section of a page under a heading
 // of the third level, which lists the words that it is about: "### While, Wend". On pages of modules, in the folder
-// library, it is a section of the second level, and about the functions in the first column of its tables.
+// library, it is a section of the first or second level, and about the functions in the first column of its tables.
 #pragma once
 
 #include <string>

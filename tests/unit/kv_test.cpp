@@ -288,6 +288,7 @@ TEST(Manual, HasAnEntryForEveryWord) {
     }
     EXPECT_NE(FindEntry(entries, "-o"), FindEntry(entries, "-O"));
     ASSERT_NE(FindEntry(entries, "StartsWith"), nullptr) << "of a module";
+    EXPECT_NE(FindEntry(entries, "RandomInt"), nullptr) << "above its sections";
     EXPECT_EQ(FindEntry(entries, "StartsWith"), FindEntry(entries, "findlast"));
     EXPECT_EQ(SimilarNames(entries, "pritn"), Words{"Print"});
     EXPECT_EQ(PlainText("### `A`, B\n\nSee **the** [page](a.md) of `f[x](y)`.\n```output\n\na `b`\n```\n"),
