@@ -15,3 +15,6 @@ std::string AbsolutePath(const std::string& path);
 
 // Modification time in seconds; 0 for a file that cannot be examined.
 std::int64_t FileTime(const std::string& path);
+
+// Whether the system's loader finds the shared library by its name alone.
+bool SystemHasLibrary(const std::string& name);

@@ -1,10 +1,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <filesystem>
+#include <sstream>
+#include <vector>
 
 #include "base/platform.h"
+#include "base/utf8.h"
 #ifdef __APPLE__
 #include <mach-o/dyld.h>
 #endif
@@ -34,4 +38,25 @@ std::string AbsolutePath(const std::string& path) {
 std::int64_t FileTime(const std::string& path) {
     struct stat status;
     return stat(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
+}
+
+// The loader itself is not asked, for that would run the library.
+bool SystemHasLibrary(const std::string& name) {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> folders = {"/lib", "/lib64", "/usr/lib", "/usr/lib64", "/usr/local/lib"};
+    std::error_code failed;
+    const std::vector<fs::path> tops = folders;
+    for (const fs::path& top : tops) {
+        for (fs::directory_iterator entry(top, failed), end; !failed && entry != end;
+             entry.increment(failed)) {
+            // The folders of an architecture: x86_64-linux-gnu.
+            if (entry->path().filename().string().find("-linux-") != std::string::npos)
+                folders.push_back(entry->path());
+        }
+    }
+    std::istringstream more(EnvironmentVariable("LD_LIBRARY_PATH"));
+    for (std::string folder; std::getline(more, folder, ':');) folders.emplace_back(folder);
+    return name.find('/') == std::string::npos &&
+           std::any_of(folders.begin(), folders.end(),
+                       [&](const fs::path& folder) { return fs::is_regular_file(folder / name, failed); });
 }

@@ -22,3 +22,7 @@ std::int64_t FileTime(const std::string& path) {
     struct _stat64 status;
     return _wstat64(Wide(path).c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtime) : 0;
 }
+
+bool SystemHasLibrary(const std::string& name) {
+    return SearchPathW(nullptr, Wide(name).c_str(), nullptr, 0, nullptr, nullptr) > 0;
+}

@@ -84,6 +84,12 @@ static Stop StopHere(const std::string& message, TokenSpan about) {
 
 void ReportFatal(const std::string& message, TokenSpan about) { throw StopHere(message, about); }
 
+void ReportMissing(const std::string& message, const std::string& lookedFor) {
+    Stop stop = StopHere(message);
+    stop.mistakes.back().hint = lookedFor;
+    throw Stop(stop);
+}
+
 void ReportUnknown(const std::string& message, TokenSpan about) {
     Stop stop = StopHere(message, about);
     stop.ofUnknown = true;
@@ -138,11 +144,14 @@ void Warn(const std::string& message) {
     silentFor->back().severity = korvel::Severity::Warning;
 }
 
-void WarnOfProgram(const std::string& message, const std::string& indentation) {
+bool IsSilent() { return silentFor != nullptr; }
+
+void WarnOfProgram(const std::string& message, const std::string& indentation, const std::string& hint) {
     if (silentFor == nullptr) return Say(indentation + "Warning: " + message);
     korvel::Diagnostic& warning = silentFor->emplace_back();
     warning.file = settings.mainSource;
     warning.message = message;
+    warning.hint = hint;
     warning.severity = korvel::Severity::Warning;
 }
 

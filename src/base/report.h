@@ -52,6 +52,9 @@ struct UnclosedBlock {
 // The same where something is not known that a declaration in a file that is read later could tell.
 [[noreturn]] void ReportUnknown(const std::string& message, TokenSpan about);
 
+// The same about a file that is missing; `lookedFor` tells where it was looked for, to those who ask for hints.
+[[noreturn]] void ReportMissing(const std::string& message, const std::string& lookedFor);
+
 // Stops the run with a mistake for which these lines are quoted on the error stream.
 [[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);
 // The same for one at the current line of the current file: its message is the lines, less "ERROR: ". It is about these tokens.
@@ -63,8 +66,12 @@ struct UnclosedBlock {
 // With -warn, says what is odd about the current line of the current file; the run goes on.
 void Warn(const std::string& message);
 
-// Says "Warning: " + message, behind the indentation, about what concerns the program as a whole.
-void WarnOfProgram(const std::string& message, const std::string& indentation = {});
+// Says "Warning: " + message, behind the indentation, about what concerns the program as a whole. The hint is not printed.
+void WarnOfProgram(const std::string& message, const std::string& indentation = {},
+                   const std::string& hint = {});
+
+// Whether nothing is printed.
+bool IsSilent();
 
 // Prints line + end of line on standard output in verbose mode only.
 void VerboseNote(const std::string& line);

@@ -4,6 +4,7 @@
 #include "collect/first_pass_state.h"
 #include "collect/userlib_reader.h"
 #include "linking/linker_flags.h"
+#include "symbols/file_places.h"
 
 static void SayDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate import: " + name); }
 
@@ -13,7 +14,7 @@ void CollectImport(FirstPass&, TokenSpan tokens) {
     {
         const TellOnly first(Telling::First);
         VerboseNote("  - Importing userlib: " + name);
-        ImportUserlib(InstallationPath("userlibs/" + name));
+        ImportUserlib(PlacesOfUserlib(name));
     }
     const TellOnly second(Telling::Second);
     SayDuplicate(name);

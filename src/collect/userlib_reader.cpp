@@ -8,6 +8,7 @@
 #include "lexer/token_span.h"
 #include "linking/interface_type.h"
 #include "linking/library_places.h"
+#include "symbols/file_places.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"
 
@@ -180,11 +181,12 @@ void ReadLine(const std::string& raw, bool& inDll, const Place& place) {
 
 }  // namespace
 
-void ImportUserlib(const std::string& path) {
+void ImportUserlib(const std::vector<std::string>& places) {
+    const std::string path = FirstOf(places);
     SourceReader reader;
     if (!reader.Open(path)) {
         RefuseNoFile(path);
-        ReportFatal("Cannot open userlib declaration file: " + path);
+        ReportMissing("Cannot open userlib declaration file: " + path, LookedFor(places));
     }
     bool inDll = false;  // a section of an earlier file does not carry on in this one
     for (int line = 1; !reader.AtEnd(); ++line) ReadLine(reader.NextLine(), inDll, Place{path, line});

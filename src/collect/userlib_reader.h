@@ -2,8 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
-// Reads one declaration file ("userlibs/name.decls") into symbols.userlibDLLs, userlibFunctions and
+// Reads one declaration file, which stands at the first of the places that has one, into symbols.userlibDLLs, userlibFunctions and
 // userlibRoutines. A file that cannot be opened, a reserved name and a type that a DLL cannot take end
 // the run; malformed lines are skipped.
-void ImportUserlib(const std::string& path);
+void ImportUserlib(const std::vector<std::string>& places);

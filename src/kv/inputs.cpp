@@ -84,12 +84,27 @@ std::vector<std::string> FilesTranslated(const Job& job) {
     return files;
 }
 
-std::vector<std::string> RivalsOfModules(const Job& job) {
-    const std::string library = TextOf(PathOf(job.installation) / "lib");
+std::vector<std::string> RivalsOfTranslation(const Job& job) {
+    const auto below = [](const std::string& folder, const char* name) {
+        return TextOf(PathOf(folder) / name);
+    };
+    const std::string installed = below(job.installation, "userlibs"),
+                      own = below(job.sourceFolder, "userlibs");
+    const struct {
+        const std::vector<std::string>& files;
+        std::string folder;                    // of one that was found
+        std::vector<std::string> comesBefore;  // where it would have been found sooner
+    } rows[] = {{job.translation.sources, below(job.installation, "lib"), {job.sourceFolder}},
+                {job.translation.sources, own, {job.sourceFolder}},
+                {job.translation.sources, installed, {job.sourceFolder, own}},
+                {job.translation.declarations, own, {installed}}};
     std::vector<std::string> rivals;
-    for (const std::string& file : job.translation.sources) {
-        if (!IsBelow(file, library)) continue;
-        rivals.push_back(TextOf(PathOf(job.sourceFolder) / PathOf(file.substr(library.size() + 1))));
+    for (const auto& row : rows) {
+        for (const std::string& file : row.files) {
+            if (!IsBelow(file, row.folder)) continue;
+            for (const std::string& folder : row.comesBefore)
+                rivals.push_back(TextOf(PathOf(folder) / PathOf(file.substr(row.folder.size() + 1))));
+        }
     }
     return rivals;
 }

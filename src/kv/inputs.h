@@ -13,8 +13,8 @@ std::vector<std::string> ToolFiles(const Job& job);
 // import.
 std::vector<std::string> FilesTranslated(const Job& job);
 
-// Files that the translation would read in place of modules of the installation, were they there.
-std::vector<std::string> RivalsOfModules(const Job& job);
+// Files that the translation would read in place of what it has found in another place, were they there.
+std::vector<std::string> RivalsOfTranslation(const Job& job);
 
 // What the C++ compiler read beside the precompiled header and what comes with it and the system: files that are
 // generated, and headers of the user's, wherever they lie.

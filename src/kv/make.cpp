@@ -30,7 +30,7 @@ void Remember(const Job& job, const std::string& commands) {
         files.sources.insert(files.sources.end(), more.begin(), more.end());
     }
     files.products = {job.build.program, job.mainCpp, job.build.translation};
-    files.rivals = RivalsOfModules(job);
+    files.rivals = RivalsOfTranslation(job);
     files.rivals.insert(files.rivals.end(), read.rivals.begin(), read.rivals.end());
     for (const std::string& library : SharedLibraries(job)) {
         files.products.push_back(TextOf(PathOf(job.build.program).parent_path() / PathOf(library)));

@@ -19,6 +19,7 @@
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "statements/program.h"
+#include "symbols/file_places.h"
 #include "symbols/mistakes.h"
 #include "symbols/symbols.h"
 
@@ -107,7 +108,11 @@ Result Run(const Request& request, const Task& task) {
     SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
     for (const std::string& name : symbols.importedNames)
-        result.declarations.push_back(InstallationPath("userlibs/" + name));
+        result.declarations.push_back(FirstOf(PlacesOfUserlib(name)));
+    for (const UserlibDll& dll : symbols.userlibDLLs) {
+        const std::string library = FirstOf(PlacesOfUserlib(dll.name));
+        if (IsFile(library)) result.declarations.push_back(library);
+    }
     if (!IsSound(result)) result.files.clear();
     return result;
 }

@@ -62,8 +62,9 @@ struct GeneratedFile {
 
 struct Result {
     std::vector<Diagnostic> diagnostics;
-    std::vector<std::string> sources;       // the files of the program, the main one first
-    std::vector<std::string> declarations;  // the declaration files of libraries that it imports
+    std::vector<std::string> sources;  // the files of the program, the main one first
+    std::vector<std::string>
+        declarations;  // the declaration files of libraries that it imports, and those that are there
 
     // Of a program with nothing wrong in it.
     std::string mainFile;                  // path of its main .cpp; empty when headers are all that comes out

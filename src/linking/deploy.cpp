@@ -3,10 +3,12 @@
 #include <filesystem>
 
 #include "base/files.h"
+#include "base/platform.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "base/source_reader.h"
 #include "base/utf8.h"
+#include "symbols/file_places.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -14,9 +16,15 @@ namespace {
 // Read whole before the destination is opened: with the userlibs folder as output both are one file.
 void CopyDll(const std::string& name, const std::string& outputPath) {
     std::string content;
-    const std::string path = InstallationPath("userlibs/" + name);
+    const std::vector<std::string> places = PlacesOfUserlib(name);
+    const std::string path = FirstOf(places);
     if (IsNoFile(path)) return WarnOfProgram("userlibs/" + name + " is no file", "  ");
-    if (!ReadFile(path, content)) return WarnOfProgram("DLL not found in userlibs/: " + name, "  ");
+    if (!ReadFile(path, content)) {
+        // Libraries of the system are found by its loader.
+        if (!IsSilent() || !SystemHasLibrary(name))
+            WarnOfProgram("DLL not found in userlibs/: " + name, "  ", LookedFor(places));
+        return;
+    }
     if (settings.checkOnly) return;
     const std::string target = outputPath + "/" + name;
     std::error_code failed;  // which the next step meets, too

@@ -19,6 +19,7 @@
 #include "prelude/header.h"
 #include "statements/output_places.h"
 #include "statements/program.h"
+#include "symbols/file_places.h"
 #include "symbols/mistakes.h"
 #include "symbols/modules.h"
 #include "symbols/program_files.h"
@@ -121,8 +122,9 @@ SourceFile* MeetInclude(std::string name) {
     if (!IsFile(path)) {
         RefuseNoFile(path);
         const std::string modules = ModulesLike(name);
-        ReportFatal("Include file does not exist." +
-                    (modules.empty() ? "" : " The modules of the language are " + modules));
+        ReportMissing("Include file does not exist." +
+                          (modules.empty() ? "" : " The modules of the language are " + modules),
+                      LookedFor(PlacesOfInclude(name)));
     }
     const TellOnly first(Telling::First);
     Say(path);

@@ -10,8 +10,8 @@
 #include "base/source_reader.h"
 #include "base/utf8.h"
 #include "lexer/source_lines.h"
+#include "symbols/file_places.h"
 #include "symbols/identifiers.h"
-#include "symbols/modules.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -41,12 +41,7 @@ void AddSourceFile(const std::string& path) {
     sourcesByName.emplace(Lower(StripFolder(path)), path);
 }
 
-std::string PathOfInclude(std::string name) {
-    std::replace(name.begin(), name.end(), '\\', '/');
-    const std::string own = settings.sourceFolder + "/" + name;
-    const std::string module = PathOfModule(name);
-    return module.empty() || IsFile(own) || IsNoFile(own) ? own : module;
-}
+std::string PathOfInclude(const std::string& name) { return FirstOf(PlacesOfInclude(name)); }
 
 bool IsPart(const std::string& source) {
     return !symbols.parts.empty() && symbols.parts.count(FileId(source)) != 0;

@@ -7,7 +7,7 @@
 void AddSourceFile(const std::string& path);
 
 // The path that opens the file of an Include from the working directory.
-std::string PathOfInclude(std::string name);
+std::string PathOfInclude(const std::string& name);
 
 // How many Includes a program may have inside its routines, counted each time that one is met.
 constexpr int mostParts = 1000;

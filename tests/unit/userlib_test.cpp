@@ -33,7 +33,7 @@ protected:
     }
     static void Import(const std::string& text) {
         ScratchFolder::Write("userlibs/x.decls", text);
-        ImportUserlib("userlibs/x.decls");
+        ImportUserlib({"userlibs/x.decls"});
     }
     // name -> symbol: result (type name, ...), with Korvel types.
     static std::string Shown(const UserlibFunction& f) {
