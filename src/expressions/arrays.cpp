@@ -79,7 +79,7 @@ PartList ParseAllIndices(Walk& walk) {
     PartList indices;
     while (walk.Match('[')) {
         const std::size_t begin = walk.at;
-        Expr& index = ParseInBrackets(walk);
+        Expr& index = InBrackets(walk, ParseValue);
         index.source = walk.Since(begin);
         CheckIndex(index, indices.size() == 0);
         indices.Add(index);
@@ -94,9 +94,7 @@ using Texts = std::vector<Code>;
 
 void WriteIndexText(Code& out, const Expr& index, bool isFirst, ArrayForm form) {
     const bool whole = isFirst || !index.type.Is(Base::Double) || form == ArrayForm::Vector;
-    if (!whole) out += "static_cast<int>(";
-    Write(out, index);
-    if (!whole) out += ')';
+    Put(out, whole ? "" : "static_cast<int>(", index, whole ? "" : ")");
 }
 
 void WriteArray(Code& out, const Expr& array) {
@@ -109,11 +107,7 @@ void WriteArray(Code& out, const Expr& array) {
 void WriteWithIndices(Code& out, const Expr& array, const Texts& indices, const char* open,
                       const char* close) {
     WriteArray(out, array);
-    for (const Code& index : indices) {
-        out += open;
-        out += index;
-        out += close;
-    }
+    for (const Code& index : indices) Put(out, open, index, close);
 }
 
 // ([&]() -> decltype(A) { if ((i) < 0 || (i) >= A_size_0) { std::cerr << ...; exit(1); } return A; })()
@@ -140,9 +134,8 @@ void WriteHelperCheck(Code& out, const Expr& item, const Expr& array, const Text
     out += std::string(item.sized ? "__kvAt" : "__kvPick") + "(\"" + item.word->text + "\", ";
     WriteArray(out, array);
     for (std::size_t k = 0; k < indices.size(); ++k) {
-        out += ", ";
-        out += indices[k];
-        if (item.sized) out += ", " + SizeName(array.variable->cppName, static_cast<int>(k));
+        Put(out, ", ", indices[k]);
+        if (item.sized) Put(out, ", ", SizeName(array.variable->cppName, static_cast<int>(k)));
     }
     out += ')';
 }
@@ -183,11 +176,7 @@ void WriteInTurn(Code& out, const Expr& item, const Texts& indices) {
     out += "__kvPickIn(\"" + item.word->text + "\", " + std::to_string(indices.size()) + ", ";
     WriteArray(out, array);
     out += ')';
-    for (const Code& index : indices) {
-        out += &index == &indices.back() ? ".Item(" : ".Row(";
-        out += index;
-        out += ')';
-    }
+    for (const Code& index : indices) Put(out, &index == &indices.back() ? ".Item(" : ".Row(", index, ")");
 }
 
 // [&]() -> decltype(A[0][0]) { int __kv0 = first; int __kv1 = second; return checked A[__kv0][__kv1]; }()

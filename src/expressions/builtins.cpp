@@ -132,11 +132,7 @@ Expr& ParseBuiltin(Walk& walk, const std::string& lowerName) {
     return math != nullptr ? Math(*math, name, arguments) : builtin->second(name, *arguments.First());
 }
 
-void WriteEnclosed(Code& out, const Expr& expr) {
-    out += expr.text;
-    Write(out, *expr.first);
-    out += expr.closing;
-}
+void WriteEnclosed(Code& out, const Expr& expr) { Put(out, expr.text, *expr.first, expr.closing); }
 
 // 0 when no key is waiting, the negated second code for extended keys. Outside of routines there is
 // nothing to capture, and C++ does not take the attempt.
@@ -151,10 +147,9 @@ void WriteGetKey(Code& out, const Expr&) {
 // The plain text evaluates its argument twice.
 void WriteAsc(Code& out, const Expr& expr) {
     const Code x = TextOf(*expr.first);
-    if (MayStandTwice(*expr.first, x)) {
-        out += "(static_cast<int>(std::string(" + x + ").length() > 0 ? std::string(" + x + ")[0] : 0))";
-        return;
-    }
+    if (MayStandTwice(*expr.first, x))
+        return Put(out, "(static_cast<int>(std::string(", x, ").length() > 0 ? std::string(", x,
+                   ")[0] : 0))");
     out.lambda = true;
     out += "([](const std::string& s) { return s.length() > 0 ? static_cast<int>(s[0]) : 0; }(" + x + "))";
 }

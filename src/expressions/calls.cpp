@@ -89,15 +89,12 @@ void WriteCallAtOnce(Code& out, const Expr& call) {
     InOrder inOrder;
     Code ordered;
     Code& text = call.ordered ? ordered : out;
+    const Expr* object = call.object;
     if (call.named)
-        text += inOrder.NameObject(TextOf(*call.object));
-    else if (call.object != nullptr)
-        Write(text, *call.object);
-    if (call.object != nullptr)
-        WriteAccessor(text, *call.object, !call.named && call.object->kind == ExprKind::Fixed);
-    text += call.text;
-    text += routine.cppName;
-    text += " ( ";
+        Put(text, inOrder.NameObject(TextOf(*object)), AccessorOf(*object, false));
+    else if (object != nullptr)
+        Put(text, *object, AccessorOf(*object, object->kind == ExprKind::Fixed));
+    Put(text, call.text, routine.cppName, " ( ");
     WriteArguments(text, call, routine, " , ", call.ordered ? &inOrder : nullptr);
     text += routine.parameters.empty() ? ")" : " )";
     if (call.ordered) inOrder.Write(out, ResultCppName(routine.result), ordered);
@@ -106,16 +103,12 @@ void WriteCallAtOnce(Code& out, const Expr& call) {
 }  // namespace
 
 PartList ParseArguments(Walk& walk) {
-    const bool statement = walk.callStatement;
-    walk.callStatement = false;
-    PartList arguments;
     if (walk.Match(')')) {
         walk.callee = nullptr;
-    } else {
-        arguments = ParseList(walk);
-        walk.Expect(')');
+        return {};
     }
-    walk.callStatement = statement;
+    PartList arguments = InBrackets(walk, ParseList);
+    walk.Expect(')');
     return arguments;
 }
 

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 struct Passage {
@@ -22,19 +21,8 @@ struct Code {
     Code(std::string t) : text(std::move(t)) {}  // NOLINT: text is code without passages
     Code(const char* t) : text(t) {}             // NOLINT
 
-    Code& operator+=(std::string_view more) {
-        text += more;
-        return *this;
-    }
-    Code& operator+=(const std::string& more) {
-        text += more;
-        return *this;
-    }
-    Code& operator+=(const char* more) {
-        text += more;
-        return *this;
-    }
-    Code& operator+=(char more) {
+    template <class Text>
+    Code& operator+=(const Text& more) {
         text += more;
         return *this;
     }

@@ -91,14 +91,6 @@ void Walk::Expect(char sign) {
 
 Expr& ParseValue(Walk& walk) { return ParseBinary(walk, Level::Or, true); }
 
-Expr& ParseInBrackets(Walk& walk) {
-    const bool statement = walk.callStatement;
-    walk.callStatement = false;
-    Expr& value = ParseValue(walk);
-    walk.callStatement = statement;
-    return value;
-}
-
 Expr& ParseAssignment(Walk& walk) {
     const DepthGuard guard;
     Expr& left = ParseBinary(walk, Level::Or, false);

@@ -26,6 +26,20 @@ void WriteValue(Code& out, const Expr& expr);
 void WriteAs(Code& out, const Expr& expr, const ValueType& to);
 // Appends the part of a sum of Strings as one.
 void WritePart(Code& out, const Expr& part);
+// Appends texts and expressions one after the other.
+struct AsValue {
+    const Expr& expr;
+};
+inline void Append(Code& out, const Expr& expr) { Write(out, expr); }
+inline void Append(Code& out, AsValue value) { WriteValue(out, value.expr); }
+template <class Text>
+void Append(Code& out, const Text& text) {
+    out += text;
+}
+template <class... Parts>
+void Put(Code& out, const Parts&... parts) {
+    (Append(out, parts), ...);
+}
 // As texts of their own.
 Code TextOf(const Expr& expr);
 Code ValueText(const Expr& expr);

@@ -3,33 +3,30 @@
 #include "expressions/walk.h"
 #include "symbols/scopes.h"
 
+namespace {
+
+// What a lambda takes along: in the initial value of a Field that is the object, outside of classes nothing.
 const char* Capture() {
     if (InsideRoutine()) return "[&]";
     return currentClass != nullptr && !FileLevelNames::InForce() ? "[this]" : "[]";
 }
 
+}  // namespace
+
 // What owns memory is handed on, not copied.
 std::string InOrder::Name(const ValueType& type, const Code& value) {
     const std::string name = "__kv" + std::to_string(count++);
-    values += CppName(type) + " " + name + " = ";
-    values += value;
-    values += "; ";
+    Put(values, CppName(type), " ", name, " = ", value, "; ");
     const bool owns = type.Is(Base::String) || type.Is(Base::Element);
     return owns ? "std::move(" + name + ")" : name;
 }
 
 std::string InOrder::NameObject(const Code& object) {
-    values += "auto&& __kvObject = ";
-    values += object;
-    values += "; ";
+    Put(values, "auto&& __kvObject = ", object, "; ");
     return "__kvObject";
 }
 
 void InOrder::Write(Code& out, const std::string& resultCppType, const Code& call) const {
     out.lambda = true;
-    out += std::string(Capture()) + "() -> " + resultCppType + " { ";
-    out += values;
-    out += "return ";
-    out += call;
-    out += "; }()";
+    Put(out, Capture(), "() -> ", resultCppType, " { ", values, "return ", call, "; }()");
 }

@@ -20,6 +20,3 @@ private:
     Code values;
     int count = 0;
 };
-
-// What a lambda takes along: in the initial value of a Field that is the object, outside of classes nothing.
-const char* Capture();

@@ -66,17 +66,15 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
 
 }  // namespace
 
-void WriteAccessor(Code& out, const Expr& object, bool isThis) {
+const char* AccessorOf(const Expr& object, bool isThis) {
     const bool pointer = object.type.base != Base::Element || object.slot;
-    if (!isThis) out += ' ';
-    out += pointer ? "-> " : ". ";
+    if (isThis) return pointer ? "-> " : ". ";
+    return pointer ? " -> " : " . ";
 }
 
 void WriteField(Code& out, const Expr& expr) {
     const Expr& object = *expr.first;
-    Write(out, object);
-    WriteAccessor(out, object, object.kind == ExprKind::Fixed);
-    out += expr.variable->cppName;
+    Put(out, object, AccessorOf(object, object.kind == ExprKind::Fixed), expr.variable->cppName);
 }
 
 Expr& ParsePostfix(Walk& walk, Expr& operand, const Word& firstName) {

@@ -91,10 +91,7 @@ Expr& ParseBareName(Walk& walk, const std::string& name) {
 
 }  // namespace
 
-void WriteName(Code& out, const Expr& expr) {
-    out += expr.text;
-    out += expr.variable->cppName;
-}
+void WriteName(Code& out, const Expr& expr) { Put(out, expr.text, expr.variable->cppName); }
 
 // The first level of the scopes is the program's own.
 bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForce(); }

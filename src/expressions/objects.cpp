@@ -70,10 +70,7 @@ Expr& ParseNeighbour(Walk& walk, const std::string& word, const char* member) {
 
 // What Insert moves, or where to: a call there has its arguments in parentheses, though Insert has none.
 Expr& ParseInserted(Walk& walk, const std::string& word) {
-    const bool statement = walk.callStatement;
-    walk.callStatement = false;
-    Expr& object = ParsePrimary(walk);
-    walk.callStatement = statement;
+    Expr& object = InBrackets(walk, ParsePrimary);
     RequireObject(object, word);
     return object;
 }
@@ -136,50 +133,28 @@ void WriteCreate(Code& out, const Expr& expr) {
     InOrder inOrder;
     Code ordered;
     Code& call = expr.ordered ? ordered : out;
-    if (!expr.ordered) call += expr.text;
-    if (!cls.isElement) call += "new ";
-    call += cls.cppName;
-    call += '(';
+    out += expr.text;
+    Put(call, cls.isElement ? "" : "new ", cls.cppName, "(");
     if (expr.routine != nullptr)
         WriteArguments(call, expr, *expr.routine, ", ", expr.ordered ? &inOrder : nullptr);
     call += ')';
-    if (expr.ordered) {
-        out += expr.text;
-        inOrder.Write(out, cls.cppName + (cls.isElement ? "" : "*"), ordered);
-    }
+    if (expr.ordered) inOrder.Write(out, cls.cppName + (cls.isElement ? "" : "*"), ordered);
     out += expr.closing;
 }
 
 // KVL_T::First()
-void WriteInstances(Code& out, const Expr& expr) {
-    out += expr.type.cls->cppName;
-    out += expr.text;
-}
+void WriteInstances(Code& out, const Expr& expr) { Put(out, expr.type.cls->cppName, expr.text); }
 
 // KVL_a->After()
 void WriteNeighbour(Code& out, const Expr& expr) {
-    const Expr& object = *expr.first;
-    const bool bare = object.level == Level::Primary;
-    if (!bare) out += "( ";
-    Write(out, object);
-    if (!bare) out += " )";
-    out += "->";
-    out += expr.text;
-    out += "()";
+    const bool bare = expr.first->level == Level::Primary;
+    Put(out, bare ? "" : "( ", *expr.first, bare ? "->" : " )->", expr.text, "()");
 }
 
 // KVL_a->InsertAfter(KVL_b)
 void WriteInsert(Code& out, const Expr& expr) {
-    const Expr& object = *expr.first;
-    const bool bare = object.level == Level::Primary;
-    if (!bare) out += '(';
-    Write(out, object);
-    if (!bare) out += ')';
-    out += "->";
-    out += expr.text;
-    out += '(';
-    Write(out, *object.next);
-    out += ')';
+    const bool bare = expr.first->level == Level::Primary;
+    Put(out, bare ? "" : "(", *expr.first, bare ? "->" : ")->", expr.text, "(", *expr.first->next, ")");
 }
 
 bool IsInstanceWord(Keyword word) {

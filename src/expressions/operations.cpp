@@ -19,34 +19,20 @@ bool Compares(const Expr& expr) {
 void WriteLeft(Code& out, const Expr& expr) {
     const Expr& left = *expr.first;
     const bool bare = left.literal && left.next->literal && Compares(expr);
-    if (bare) out += "std::string(";
-    WriteValue(out, left);
-    if (bare) out += ')';
+    Put(out, bare ? "std::string(" : "", AsValue{left}, bare ? ")" : "");
 }
 
 // The operator and the right operand.
 void WriteRight(Code& out, const Expr& expr) {
-    out += ' ';
-    out += expr.operation->text;
-    out += ' ';
-    WriteValue(out, *expr.first->next);
-}
-
-void WriteCallOf(Code& out, const std::string& function, const Code& a, const Code& b) {
-    out += function + "(";
-    out += a;
-    out += ", ";
-    out += b;
-    out += ')';
+    Put(out, " ", expr.operation->text, " ", AsValue{*expr.first->next});
 }
 
 // The operand of a checked division, of the type that both operands have in common.
 void WriteCheckedOperand(Code& out, const Expr& operand, const ValueType& common) {
     const bool exact =
         operand.type.base == common.base && (common.base != Base::Long || VariableOf(operand) != nullptr);
-    if (!exact) out += "static_cast<" + CppName(common) + ">(";
-    Write(out, operand);
-    if (!exact) out += ')';
+    if (exact) return Write(out, operand);
+    Put(out, "static_cast<", CppName(common), ">(", operand, ")");
 }
 
 // __kvTexts{a, b}.Order() < 0
@@ -54,33 +40,30 @@ void WriteTextsInOrder(Code& out, const Expr& expr) {
     RequireSupport(Support::TextInOrder);
     out += "__kvTexts{";
     WriteLeft(out, expr);
-    out += ", ";
-    Write(out, *expr.first->next);
-    out += "}.Order() ";
-    out += expr.operation->text;
-    out += " 0";
+    Put(out, ", ", *expr.first->next, "}.Order() ", expr.operation->text, " 0");
 }
 
 // Whether its text is that of its operands with the operator between them.
-bool IsPlain(const Expr& expr) { return expr.kind == ExprKind::Operation && !expr.ordered && !expr.hidden; }
+bool IsPlain(const Expr& expr) { return expr.kind == ExprKind::Operation && !expr.ordered; }
 
 }  // namespace
 
-void WriteSign(Code& out, const Expr& expr) {
-    out += expr.text;
-    out += ' ';
-    Write(out, *expr.first);
-}
+void WriteSign(Code& out, const Expr& expr) { Put(out, expr.text, " ", *expr.first); }
 
 // From the innermost left operand on, since thousands may stand in a row.
 void WriteOperation(Code& out, const Expr& expr) {
     if (expr.ordered) return WriteTextsInOrder(out, expr);
-    std::vector<const Expr*> behind;
-    const Expr* innermost = &expr;
-    for (; IsPlain(*innermost->first); innermost = innermost->first) behind.push_back(innermost);
-    WriteLeft(out, *innermost);
-    WriteRight(out, *innermost);
-    for (; !behind.empty(); behind.pop_back()) WriteRight(out, *behind.back());
+    std::vector<const Expr*> chain;
+    for (const Expr* left = expr.first; IsPlain(*left); left = left->first) {
+        BeginHidden(out, *left);
+        chain.push_back(left);
+    }
+    WriteLeft(out, chain.empty() ? expr : *chain.back());
+    for (; !chain.empty(); chain.pop_back()) {
+        WriteRight(out, *chain.back());
+        EndHidden(out, *chain.back());
+    }
+    WriteRight(out, expr);
 }
 
 // SafeDiv(a, b)
@@ -103,13 +86,11 @@ void WriteQuotient(Code& out, const Expr& expr) {
 
 // std::fmod(a, b)
 void WriteRemainder(Code& out, const Expr& expr) {
-    const Code a = TextOf(*expr.first), b = TextOf(*expr.first->next);
-    if (!expr.ordered) return WriteCallOf(out, "std::fmod", a, b);
+    const Expr &a = *expr.first, &b = *a.next;
+    if (!expr.ordered) return Put(out, "std::fmod(", a, ", ", b, ")");
     InOrder inOrder;
-    const Code first = inOrder.Name(expr.type, a), second = inOrder.Name(expr.type, b);
-    Code call;
-    WriteCallOf(call, "std::fmod", first, second);
-    inOrder.Write(out, CppName(expr.type), call);
+    const std::string first = inOrder.Name(expr.type, TextOf(a)), second = inOrder.Name(expr.type, TextOf(b));
+    inOrder.Write(out, CppName(expr.type), "std::fmod(" + first + ", " + second + ")");
 }
 
 // The struct has no operator!=, and takes the right operand by reference. In order:
@@ -132,9 +113,7 @@ void WriteElements(Code& out, const Expr& expr) {
 
 void WritePart(Code& out, const Expr& part) {
     const bool text = part.type.Is(Base::String) || !part.type.IsKnown();
-    if (!text) out += "std::to_string(";
-    Write(out, part);
-    if (!text) out += ')';
+    Put(out, text ? "" : "std::to_string(", part, text ? "" : ")");
 }
 
 // Where the order of its parts can be seen they stand between braces, which C++ works out from left to right:

@@ -81,7 +81,7 @@ Expr& ParseNumber(Walk& walk) {
 // A value that is what the one in it is, but for its place.
 Expr& ParseParentheses(Walk& walk) {
     walk.Take();
-    Expr& value = ParseInBrackets(walk);
+    Expr& value = InBrackets(walk, ParseValue);
     walk.Expect(')');
     RequireValue(value);
     Expr& result = NewNode(ExprKind::Parentheses, value.type, value);

@@ -87,10 +87,7 @@ ValueType ResultType(const SeqFunction& function, const Expr& sequence) {
 void WriteMemberCall(Code& out, const Expr& expr) {
     const Expr& sequence = *expr.first;
     const SeqFunction& function = *expr.seqFunction;
-    Write(out, sequence);
-    out += '.';
-    out += function.member;
-    out += '(';
+    Put(out, sequence, ".", function.member, "(");
     if (function.second == SeqArgument::Index) Write(out, *sequence.next);
     if (function.second == SeqArgument::Value) WriteAs(out, *sequence.next, sequence.type.Item());
     out += ')';

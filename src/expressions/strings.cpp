@@ -124,9 +124,7 @@ PartList ParseHoles(const std::vector<StringPiece>& pieces) {
 }
 
 void WriteHole(Code& out, const StringPiece& hole, const Expr& value) {
-    out += hole.tag == '$' ? "(" : "std::to_string(";
-    WriteValue(out, value);
-    out += ')';
+    Put(out, hole.tag == '$' ? "(" : "std::to_string(", AsValue{value}, ")");
 }
 
 }  // namespace

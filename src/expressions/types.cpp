@@ -47,16 +47,13 @@ void WritePassedArray(Code& out, const Expr& expr) {
     const bool plain = type.dims == 1 && !fresh && type.base != Base::Element && type.base != Base::Bool;
     const bool asItIs = expr.form == ArrayForm::Pointer || (expr.form == ArrayForm::Fixed && type.dims == 1);
     if (asItIs || (plain && !expr.isCall)) {
-        Write(out, expr);
-        if (!asItIs) out += ".data()";
-        return;
+        return Put(out, expr, asItIs ? "" : ".data()");
     }
     RequireSupport(Support::ArrayPassing);
     if (type.base == Base::Bool) RequireSupport(Support::BoolArray);
     if (type.base == Base::Element) NeedClass(type.cls);
-    out += type.dims == 1 ? "__kvItems(" : "__kvRows(";
-    out += fresh ? TakeOver(expr, type.base == Base::Element) : TextOf(expr);
-    out += ')';
+    Put(out, type.dims == 1 ? "__kvItems(" : "__kvRows(",
+        fresh ? TakeOver(expr, type.base == Base::Element) : TextOf(expr), ")");
 }
 
 }  // namespace
@@ -82,9 +79,7 @@ void WritePassed(Code& out, const Expr& expr, const ValueType& parameter) {
     // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
     if (!parameter.sequence || expr.assignable) return WriteAs(out, expr, parameter);
     const std::string type = CppName(expr.type);
-    out += "const_cast<" + type + "&>(static_cast<const " + type + "&>(";
-    Write(out, expr);
-    out += "))";
+    Put(out, "const_cast<", type, "&>(static_cast<const ", type, "&>(", expr, "))");
 }
 
 void RequireValue(const Expr& expr) {

@@ -47,8 +47,16 @@ public:
     DepthGuard& operator=(const DepthGuard&) = delete;
 };
 
-Expr& ParseValue(Walk& walk);       // any expression in which "=" compares
-Expr& ParseInBrackets(Walk& walk);  // the same where a call has its parentheses, also in a call statement
+Expr& ParseValue(Walk& walk);  // any expression in which "=" compares
+// What is parsed where a call has its parentheses, also in a call statement.
+template <class Parse>
+auto InBrackets(Walk& walk, Parse parse) -> decltype(parse(walk)) {
+    const bool statement = walk.callStatement;
+    walk.callStatement = false;
+    auto&& parsed = parse(walk);
+    walk.callStatement = statement;
+    return static_cast<decltype(parse(walk))>(parsed);
+}
 Expr& ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
 Expr& ParseUnary(Walk& walk);
 Expr& ParsePrimary(Walk& walk);
@@ -65,8 +73,8 @@ PartList ParseBareArguments(Walk& walk);
 // A call of a routine whose name has been read; `prefix` is what stands before the routine's C++ name,
 // `object` what a Method is called on, null without one.
 Expr& ParseCall(Walk& walk, const Routine& routine, const char* prefix, Expr* object = nullptr);
-// Appends the accessor behind the text of the object; "this" and its accessor are written together.
-void WriteAccessor(Code& out, const Expr& object, bool isThis);
+// The accessor behind the text of the object; "this" and its accessor are written together.
+const char* AccessorOf(const Expr& object, bool isThis);
 // Checks the arguments and adds the defaults of those that are left out. `subject` as in "Function 'Draw'".
 void CheckArguments(const std::string& subject, const Routine& routine, PartList& arguments);
 std::string SubjectOf(const Routine& routine);

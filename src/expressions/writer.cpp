@@ -13,16 +13,11 @@ void WriteNothing(Code&, const Expr&) {}
 void WriteFixed(Code& out, const Expr& expr) { out += expr.text; }
 void WriteNumber(Code& out, const Expr& expr) { out += expr.word->text; }
 
-void WriteParentheses(Code& out, const Expr& expr) {
-    out += "( ";
-    WriteValue(out, *expr.first);
-    out += " )";
-}
+void WriteParentheses(Code& out, const Expr& expr) { Put(out, "( ", AsValue{*expr.first}, " )"); }
 
 void WriteAssignment(Code& out, const Expr& expr) {
     const Expr& target = *expr.first;
-    WriteValue(out, target);
-    out += " = ";
+    Put(out, AsValue{target}, " = ");
     WriteAs(out, *target.next, target.type);
 }
 
@@ -39,6 +34,17 @@ constexpr std::array<Writer, static_cast<std::size_t>(ExprKind::Count)> writers 
 
 }  // namespace
 
+void BeginHidden(Code& out, const Expr& expr) {
+    if (!expr.hidden) return;
+    RequireSupport(Support::ReadNow);
+    // An item of an array of Bools is a reference of its own kind.
+    out += expr.type.Is(Base::Bool) ? "__kvNow<bool>(" : "__kvNow(";
+}
+
+void EndHidden(Code& out, const Expr& expr) {
+    if (expr.hidden) out += ')';
+}
+
 void Write(Code& out, const Expr& expr) {
     const Writer writer = writers[static_cast<std::size_t>(expr.kind)];
     if (!expr.given) {
@@ -46,26 +52,15 @@ void Write(Code& out, const Expr& expr) {
         writer(out, expr);
         return;
     }
-    if (!expr.hidden) {
-        writer(out, expr);
-        return;
-    }
-    RequireSupport(Support::ReadNow);
-    // An item of an array of Bools is a reference of its own kind.
-    out += expr.type.Is(Base::Bool) ? "__kvNow<bool>(" : "__kvNow(";
+    BeginHidden(out, expr);
     writer(out, expr);
-    out += ')';
+    EndHidden(out, expr);
 }
 
 void WriteValue(Code& out, const Expr& expr) {
-    if (!expr.slot) {
-        Write(out, expr);
-        return;
-    }
+    if (!expr.slot) return Write(out, expr);
     NeedClass(expr.type.cls);
-    out += "(*";
-    Write(out, expr);
-    out += ')';
+    Put(out, "(*", expr, ")");
 }
 
 void WriteAs(Code& out, const Expr& expr, const ValueType& to) {

@@ -3,6 +3,10 @@
 
 #include "expressions/expression.h"
 
+// What stands around an operand that g++ must not look into; nothing around any other.
+void BeginHidden(Code& out, const Expr& expr);
+void EndHidden(Code& out, const Expr& expr);
+
 void WriteName(Code& out, const Expr& expr);
 void WriteField(Code& out, const Expr& expr);
 void WriteIndex(Code& out, const Expr& expr);

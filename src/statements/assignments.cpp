@@ -100,8 +100,7 @@ void EmitAssignment(State& state, const Expr& left, const Expr& right) {
     Code& line = FreshLine();
     const AwayWalks away = left.type.Is(Base::Element) ? AwayFromReplaced(*left.type.cls) : AwayWalks();
     BeginAway(line, away);
-    WriteValue(line, left);
-    line += " = ";
+    Put(line, AsValue{left}, " = ");
     WriteAs(line, right, left.type);
     EndAway(line, away);
     line += ';';
@@ -112,13 +111,13 @@ void EmitAssignment(State& state, const Expr& left, const Expr& right) {
 void EmitFoundAssignment(State& state, const Expr& left, const Expr& right) {
     const Code assigned = "__kvTarget = " + TextAs(right, left.type);
     const AwayWalks away = left.type.Is(Base::Element) ? AwayFromReplaced(*left.type.cls) : AwayWalks();
-    EmitLine(state, "{ auto&& __kvTarget = " + ValueText(left) + "; " + Away(away, assigned) + "; }");
+    EmitLine(state, "{ auto&& __kvTarget = ", AsValue{left}, "; ", Away(away, assigned), "; }");
 }
 
 void EmitSequenceAssignment(State& state, const Expr& left, const Expr& right) {
     const Code told = WalkCalls(left, "Leave", "; ");
     const Code assigned = ValueText(left) + " = " + TextAs(right, left.type);
-    EmitLine(state, told + Away(AwayFrom(left, true), assigned) + ";");
+    EmitLine(state, told, Away(AwayFrom(left, true), assigned), ";");
 }
 
 void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
@@ -168,7 +167,7 @@ void CheckFirstWord(TokenSpan tokens) {
 void TranslateCall(State& state, TokenSpan tokens) {
     CheckFirstWord(tokens);
     if (tokens.KeywordAt(0) == Keyword::Create || tokens.KeywordAt(0) == Keyword::New) {
-        EmitLine(state, TextOf(TranslateExpression(tokens, ExprMode::Condition)) + ";");
+        EmitLine(state, TranslateExpression(tokens, ExprMode::Condition), ";");
         return;
     }
     Code& line = FreshLine();

@@ -173,7 +173,7 @@ static void Finish(State& state, Braces& braces) {
 
 void EmitClosing(State& state, Braces& braces) {
     Finish(state, braces);
-    EmitLine(state, "}" + braces.behind);
+    EmitLine(state, "}", braces.behind);
 }
 
 void NoteInlineBraces(State& state, int opened) {

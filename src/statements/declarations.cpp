@@ -48,7 +48,7 @@ void DeclareField(State& state, TokenSpan tokens) {
     currentClass = state.cls;
     const Definition definition = CreateDefinition(state, tokens, DefinitionKind::Field);
     currentClass = nullptr;
-    EmitLine(state, " " + definition.text);
+    EmitLine(state, " ", definition.text);
 }
 
 void NoteMentioned(FileOutput& out, const ClassInfo* cls) {

@@ -24,9 +24,7 @@ bool WriteItem(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode
     if (item.type.Is(Base::Null)) {
         out += "static_cast<void*>(nullptr)";
     } else if (item.type.Is(Base::Byte)) {
-        out += "static_cast<int>(";
-        WriteValue(out, item);
-        out += ')';
+        Put(out, "static_cast<int>(", AsValue{item}, ")");
     } else {
         // "Shl" stands as it is, a further "<<"; ">>" has no meaning there.
         const bool shiftsRight = item.level == Level::Shift && tokens.Find(Keyword::Shr) != noToken;

@@ -150,11 +150,7 @@ void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     const Code text = ReturnedText(state, result, value, before);
     EmitLeaving(state);
     const bool bare = state.place.inOneLineIf;
-    Code& line = FreshLine();
-    line += bare ? "return " : "return (";
-    line += text;
-    line += bare ? ";" : ");";
-    EmitLine(state, line);
+    EmitLine(state, bare ? "return " : "return (", text, bare ? ";" : ");");
     if (braces) EmitLine(state, "}");
 }
 

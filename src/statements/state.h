@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "expressions/code.h"
+#include "expressions/expression.h"
 #include "lexer/token_span.h"
 #include "prelude/output.h"
 #include "statements/blocks.h"
@@ -139,6 +139,13 @@ void EmitLine(State& state, const Code& code);
 std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<Code>& texts);
 // The buffer for the line that the statement is about to emit, empty.
 Code& FreshLine();
+// A line of several parts: texts, expressions and values.
+template <class First, class Second, class... More>
+void EmitLine(State& state, const First& first, const Second& second, const More&... more) {
+    Code& line = FreshLine();
+    Put(line, first, second, more...);
+    EmitLine(state, line);
+}
 // Opens a slot at the end of what is there.
 std::size_t OpenSlot(State& state);
 

@@ -34,9 +34,7 @@ Code ConditionText(TokenSpan tokens, const std::string& keyword) {
 
 void WriteGuarded(Code& out, const Expr& expr, Level weakest) {
     const bool guarded = expr.level > weakest;
-    if (guarded) out += '(';
-    WriteValue(out, expr);
-    if (guarded) out += ')';
+    Put(out, guarded ? "(" : "", AsValue{expr}, guarded ? ")" : "");
 }
 
 Code GuardedText(const Expr& expr, Level weakest) {
