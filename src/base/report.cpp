@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "base/journal.h"
+#include "base/run.h"
 #include "base/settings.h"
 
 static std::vector<korvel::Diagnostic>* silentFor =
     nullptr;  // takes the warnings of a run that prints nothing
+static std::vector<Slip> slips;
+static const PartOfRun partOfRun(slips);
 
 static void Write(std::FILE* stream, const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stream);
@@ -134,14 +138,20 @@ void ReportNoMemory() {
     std::_Exit(1);  // whatever else is to be done needs memory, too
 }
 
-void Warn(const std::string& message) {
+void Warn(const char* name, const std::string& message, const Stop::Subject& about) {
     if (!settings.warnings) return;
-    const TellOnly second(Telling::Second);
-    if (silentFor == nullptr)
-        return Say("Warning in " + settings.currentFile + " (line " + std::to_string(settings.currentLine) +
-                   "): " + message);
-    silentFor->push_back(HereIs(message));
-    silentFor->back().severity = korvel::Severity::Warning;
+    Slip& slip = slips.emplace_back();
+    slip.warning = HereIs(Shortened(message));
+    slip.warning.severity = korvel::Severity::Warning;
+    slip.warning.name = name;
+    slip.about = about;
+}
+
+std::vector<Slip> TakeSlips() { return std::exchange(slips, {}); }
+
+void TellWarning(const korvel::Diagnostic& warning) {
+    if (silentFor != nullptr) return silentFor->push_back(warning);
+    Say("Warning in " + warning.file + " (line " + std::to_string(warning.line) + "): " + warning.message);
 }
 
 bool IsSilent() { return silentFor != nullptr; }

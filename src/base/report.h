@@ -63,8 +63,18 @@ struct UnclosedBlock {
 // Ends the process for want of memory, with a report that needs none.
 [[noreturn]] void ReportNoMemory();
 
-// With -warn, says what is odd about the current line of the current file; the run goes on.
-void Warn(const std::string& message);
+// Something odd, and the tokens that it is about; the statement under way, where there are none.
+struct Slip {
+    korvel::Diagnostic warning;
+    Stop::Subject about;
+};
+
+// With -warn, notes what is odd about the current line of the current file under a name (warnings/table.h).
+void Warn(const char* name, const std::string& message, const Stop::Subject& about = {});
+// Hands over what has been noted.
+std::vector<Slip> TakeSlips();
+// Says a warning; the run goes on.
+void TellWarning(const korvel::Diagnostic& warning);
 
 // Says "Warning: " + message, behind the indentation, about what concerns the program as a whole. The hint is not printed.
 void WarnOfProgram(const std::string& message, const std::string& indentation = {},

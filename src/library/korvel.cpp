@@ -13,6 +13,7 @@
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "library/inspect.h"
+#include "library/foreign_words.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
 #include "outputs/output_files.h"
@@ -38,7 +39,8 @@ void Begin(const Request& request) {
     settings.debugMode = request.debug;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
-    settings.warnings = settings.columns = true;
+    settings.warnings = request.warnings;
+    settings.columns = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
@@ -55,6 +57,7 @@ void Nothing() {}
 
 void DescribeProgram(Result& result) {
     if (!program.main->headerOnly) result.mainFile = CppPath(*program.main);
+    result.hasCpp = symbols.inlineCpp;
     result.linkerFlags = symbols.linkerFlags;
     for (const UserlibDll& dll : symbols.userlibDLLs) result.libraries.push_back(dll.name);
     CopyUserlibDLLs(settings.outputPath);  // where nothing is written, it only says what is missing
@@ -105,6 +108,7 @@ Result Run(const Request& request, const Task& task) {
         result.diagnostics.emplace_back().message = "Not enough memory";
     }
     for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
+    for (Diagnostic& diagnostic : result.diagnostics) HintAtForeignWords(diagnostic);
     SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
     for (const std::string& name : symbols.importedNames)

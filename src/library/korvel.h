@@ -33,6 +33,7 @@ struct Diagnostic : Range {
     Severity severity = Severity::Error;
     std::string message;
     std::string hint;  // what may help; mostly empty
+    std::string name;  // of a warning, by which it is silenced
     std::vector<Related> related;
     std::vector<Fix> fixes;  // all of them together; only where they are likely to be what was meant
 };
@@ -49,6 +50,7 @@ struct Request {
     std::vector<Overlay> overlays;
 
     // The flags of kvt.
+    bool warnings = true;  // -warn
     bool debug = false;
     bool safe = false;
     bool fast = false;
@@ -67,6 +69,7 @@ struct Result {
         declarations;  // the declaration files of libraries that it imports, and those that are there
 
     // Of a program with nothing wrong in it.
+    bool hasCpp = false;                   // in InlineCpp blocks, where only a C++ compiler finds mistakes
     std::string mainFile;                  // path of its main .cpp; empty when headers are all that comes out
     std::vector<std::string> linkerFlags;  // as written
     std::vector<std::string> libraries;    // names of the shared libraries it loads

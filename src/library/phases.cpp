@@ -9,6 +9,7 @@
 #include "symbols/mistakes.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
+#include "warnings/warnings.h"
 
 namespace {
 
@@ -18,7 +19,9 @@ void GoThroughProgram() {
     CollectNames(settings.mainSource);
     CollectProgram(settings.mainSource);
     SettleProgram();
+    BeginWarnings();
     TranslateFiles();
+    TellWarnings();
     if (!AnyMistakes()) FinishProgram();
 }
 

@@ -57,10 +57,10 @@ bool CanClose(BlockKind closer, BlockKind braces) {
 }
 
 void WarnOfCrossing(const std::string& closer, const Opener& meant, const Braces& braces) {
-    Warn(meant.kind == BlockKind::Inline
-             ? "'" + closer + "' closes a brace of inline C++"
-             : "'" + closer + "' is meant for the " + Described(meant) + ", but ends the " +
-                   Described(braces) + ", which is still open");
+    Warn("crossing", meant.kind == BlockKind::Inline
+                         ? "'" + closer + "' closes a brace of inline C++"
+                         : "'" + closer + "' is meant for the " + Described(meant) + ", but ends the " +
+                               Described(braces) + ", which is still open");
 }
 
 // Whether a run gets behind the braces; `atEnd` when it gets to their end.

@@ -231,6 +231,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     const DispatchRow* row = FindDispatchRow(keyword);
     if (row != nullptr && (IsNoAccessWord(tokens) || AssignsOwnField(tokens))) row = nullptr;
     CheckPlace(state, row, tokens);
+    if (watchStatement != nullptr) watchStatement(state, tokens);
     PrepareInSelect(state, keyword);
     if (settings.debugMode && !Has(keyword, trait::declares)) EmitStatementHook(state, keyword);
     CheckNullAssignment(state, tokens);

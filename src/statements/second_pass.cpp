@@ -14,6 +14,8 @@
 #include "symbols/own_names.h"
 #include "symbols/uses.h"
 
+void (*watchStatement)(const State& state, TokenSpan statement) = nullptr;
+
 namespace {
 
 void TranslateStatement(State& state, TokenSpan tokens) {

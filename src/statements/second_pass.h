@@ -4,6 +4,9 @@
 #include "lexer/lexer.h"
 #include "statements/state.h"
 
+// Looks at each statement before it is translated; null where nobody wants to.
+extern void (*watchStatement)(const State& state, TokenSpan statement);
+
 // Runs the pass over the whole source; the .cpp goes to the pieces of state.out. Blocks still open at
 // the end of the file end the run.
 void RunSecondPass(State& state, const std::string& source);

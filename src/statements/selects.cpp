@@ -181,7 +181,7 @@ void PrepareInSelect(State& state, Keyword keyword) {
     if (keyword == Keyword::Case || keyword == Keyword::Default || keyword == Keyword::EndSelect) return;
     OpenSelect& select = *state.blocks.back().braces.select;
     if (!select.labelSeen && !select.warned)
-        Warn("What stands between 'Select' and its first 'Case' never runs");
+        Warn("before-case", "What stands between 'Select' and its first 'Case' never runs");
     select.warned = !select.labelSeen;
     const bool mayDeclare = keyword == Keyword::Local || keyword == Keyword::Include;
     if (!mayDeclare || select.declares) return;

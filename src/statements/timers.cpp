@@ -79,6 +79,8 @@ void TranslateStopCall(State& state, TokenSpan tokens) {
     if (!IsName(tokens[1])) ReportFatal("StopCall syntax: StopCall <function>  (or  StopCall All)");
     RefuseMore(tokens, 2);
     const bool all = IsWord(tokens[1], "all");
-    if (!all && !NamesFunction(tokens[1])) Warn("StopCall: there is no Function '" + tokens[1] + "'");
+    if (!all && !NamesFunction(tokens[1]))
+        Warn("stop-call", "StopCall: there is no Function '" + tokens[1] + "'",
+             {tokens.first + 1, {tokens.first[1]}});
     EmitLine(state, "__kvStopCall(\"" + (all ? std::string() : tokens[1]) + "\");");
 }

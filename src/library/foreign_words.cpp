@@ -1,0 +1,175 @@
+#include "library/foreign_words.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+#include "base/source_reader.h"
+#include "lexer/lexer.h"
+#include "lexer/token_span.h"
+
+namespace {
+
+// Words in lower case, and signs.
+struct ForeignRow {
+    const char* words;
+    const char* hint;
+};
+
+// Of the words that a mistake is about.
+const ForeignRow meantRows[] = {
+    {"dim var static auto",
+     "A variable is declared with Local in a Function, with Global outside: Local n:Int"},
+    {"let set", "An assignment needs no word in front: n = 3"},
+    {"const constant define #define", "Write Const MAX = 10, outside of Functions"},
+    {"rem ' # //", "A comment begins with ';'"},
+    {"do loop", "Loops are Repeat ... Until, Repeat ... Forever, While ... Wend and For ... Next"},
+    {"endwhile endloop", "A While ends with Wend, a Repeat with Until or Forever"},
+    {"endfor nextfor", "A For ends with Next"},
+    {"break leave", "Exit leaves the innermost loop or Select"},
+    {"goto gosub", "There are no jumps: use loops, Functions, Exit and Continue"},
+    {"sub proc procedure def func fn void",
+     "Write Function Name(n:Int) ... EndFunction, with :Type behind the name for a result"},
+    {"endsub endproc enddef", "A Function ends with EndFunction"},
+    {"enum", "Write a Const for each value: Const RED = 0, GREEN = 1"},
+    {"self me", "In a Method the object is called this: this\\hp"},
+    {"integer uint int32 int64 unsigned", "The type of whole numbers is called Int, of larger ones Long"},
+    {"float single real decimal number", "The type of numbers with a point is called Double"},
+    {"boolean logical", "The type of True and False is called Bool"},
+    {"str text char string$", "The type of texts is called String; ToString(n) makes a text of a number"},
+    {"val cint int(", "ToInt(s) makes a whole number of a text, ToDouble(s) one with a point"},
+    {"try catch except throw raise finally",
+     "There are no exceptions: ask beforehand, or return a value that tells what went wrong"},
+    {"redim resize append",
+     "An array keeps its size. A Sequence grows: Local s:Sequence Of Int, and SeqAdd s, 3"},
+    {"switch", "Write Select n, Case 1, what to do, Exit, and EndSelect at the end"},
+    {"elif elsif", "Write ElseIf"},
+    {"class struct record union",
+     "Write Type TName ... EndType for objects, Element TName ... EndElement for values"},
+    {"extends inherits implements", "A Type has no parent: give it a Field for the other object"},
+    {"nil none nothing nullptr undefined", "No object is called Null"},
+    {"is isnot", "Compare with = and <>"},
+    {"println printf echo write writeln puts cout console", "Write Print \"n is \" & n"},
+    {"input", "Write Input \"Name? \", name"},
+    {"call", "Write the Function's name alone: Draw()"},
+    {"delete dispose free", "An object goes with Remove p"},
+    {"foreach", "Write For p:TPlayer EachIn list, or EachSeq n In s"},
+    {"begin {",
+     "Blocks begin with their first line and end with a word: If ... EndIf, Function ... EndFunction"},
+    {"}", "Blocks end with a word: EndIf, Wend, Next, EndFunction"},
+    {"?", "There is no operator '?': use If"},
+    {"as", "The type stands behind a colon: Local n:Int"},
+    {"pass", "A block may be empty"},
+    {"data read restore", "Put the values into an array or a Sequence, or compute them in a PreCalc block"},
+    {"option strict", "All names have to be declared anyway; leave the line out"},
+    {"using namespace package module", "Write Include \"file.kvl\" for other files"},
+    {"#include", "Write Include \"file.kvl\" for other files"},
+    {"cls locate color sleep wait delay",
+     "There is no such statement; C++ can do it between InlineCpp and EndInlineCpp"},
+    {"len length strlen left right mid substr substring instr ucase lcase upper lower trim ltrim rtrim "
+     "replace split",
+     "Functions for texts come with Include \"std/text.kvl\": Length, Left, Mid, Find, Upper, Split ..."},
+    {"rnd rand random randint", "Random numbers come from a formula of your own, or from C++"},
+};
+
+// Where a line begins with them, and something behind them is wrong.
+const ForeignRow beginnings[] = {
+    {"exit", "Exit stands alone; Return leaves a Function"},
+    {"select", "Write Select n, without Case"},
+    {"case", "What runs where no Case holds stands behind Default"},
+    {"' # / //", "A comment begins with ';'"},
+};
+
+const std::unordered_map<std::string_view, const char*>& MeantWords() {
+    static const auto index = [] {
+        std::unordered_map<std::string_view, const char*> words;
+        for (const ForeignRow& row : meantRows) {
+            const std::string_view all = row.words;
+            for (std::size_t at = 0, end = 0; at < all.size(); at = end + 1) {
+                end = std::min(all.find(' ', at), all.size());
+                words.emplace(all.substr(at, end - at), row.hint);
+            }
+        }
+        return words;
+    }();
+    return index;
+}
+
+bool LineOf(const korvel::Range& range, std::string& line) {
+    SourceReader reader;
+    if (!reader.Open(range.file)) return false;
+    for (int number = 1; number < range.line && !reader.AtEnd(); ++number) reader.TakeLine();
+    line = reader.NextLine();
+    return true;
+}
+
+bool IsAmong(std::string_view words, std::string_view word) {
+    const std::size_t at = (" " + std::string(words) + " ").find(" " + std::string(word) + " ");
+    return !word.empty() && at != std::string::npos;
+}
+
+// "..." in the quotes of word processors, and ' of other languages
+const char* HintAtQuotes(std::string_view line, std::string_view meant) {
+    if (line.find("\xE2\x80\x9C") != std::string_view::npos ||
+        line.find("\xE2\x80\x9D") != std::string_view::npos ||
+        line.find("\xE2\x80\x98") != std::string_view::npos ||
+        line.find("\xE2\x80\x99") != std::string_view::npos)
+        return "Texts stand between straight quotes: \"text\"";
+    if (line.find("\\\"") != std::string_view::npos) return "A quote in a text is written ~q: \"say ~qhi~q\"";
+    return meant == "'" && line.find_first_not_of(" \t") != line.find('\'')
+               ? "Texts stand between double quotes: \"text\""
+               : nullptr;
+}
+
+// A sign that is wrong where it stands: Print "a": Print "b", n$ = "x", n := 3
+const char* HintAtSign(TokenSpan tokens, std::string_view meant) {
+    std::size_t at = 0;
+    while (at < tokens.size() && tokens[at] != meant) ++at;
+    if (meant == ":" && tokens.SignAt(at + 1) == '=') return "An assignment is written with '=' alone: n = 3";
+    if (meant == ":") return "Statements in one line stand apart by '|'";
+    if (meant == "," && tokens.KeywordAt(0) == Keyword::Print)
+        return "Print joins with '&': Print a & \" \" & b";
+    const bool isSuffix = meant.size() == 1 && std::string_view("$#%!").find(meant) != std::string_view::npos;
+    return isSuffix && at > 0 && at < 3 ? "The type of a variable stands behind a colon: Local name:String"
+                                        : nullptr;
+}
+
+const char* HintFor(std::string_view line, std::string_view meant) {
+    const Tokens tokens = Cut(line);
+    const std::string word = Lower(meant);
+    if (const char* hint = HintAtQuotes(line, meant)) return hint;
+    if (const char* hint = HintAtSign(tokens, meant)) return hint;
+    const std::string first = tokens.empty() ? "" : Lower(tokens[0]->text);
+    if (first != word && !first.empty())
+        for (const ForeignRow& row : beginnings)
+            if (IsAmong(row.words, first)) return row.hint;
+    const auto found = MeantWords().find(word);
+    return found == MeantWords().end() ? nullptr : found->second;
+}
+
+const char* HintAtEncoding(const std::string& path) {
+    std::string text;
+    if (!ReadFile(path, text) || text.size() < 2) return nullptr;
+    const bool isWide = (text[0] == '\xFF' && text[1] == '\xFE') ||
+                        (text[0] == '\xFE' && text[1] == '\xFF') || text[0] == '\0' || text[1] == '\0';
+    return isWide ? "The file is UTF-16: save it as UTF-8" : nullptr;
+}
+
+}  // namespace
+
+void HintAtForeignWords(korvel::Diagnostic& mistake) {
+    std::string line;
+    if (mistake.severity != korvel::Severity::Error || mistake.file.empty()) return;
+    const char* hint = mistake.line <= 1 ? HintAtEncoding(mistake.file) : nullptr;
+    if (hint == nullptr && LineOf(mistake, line)) {
+        const auto first = static_cast<std::size_t>(mistake.firstColumn),
+                   last = static_cast<std::size_t>(mistake.lastColumn);
+        const bool isKnown = first > 0 && first <= last && last <= line.size();
+        const std::string meant = isKnown ? line.substr(first - 1, last - first + 1) : "";
+        const Tokens tokens = Cut(meant);
+        hint = HintFor(line, tokens.empty() ? std::string_view() : std::string_view(tokens[0]->text));
+    }
+    if (hint == nullptr) return;
+    mistake.hint = hint;
+    mistake.fixes.clear();
+}

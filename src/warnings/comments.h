@@ -1,0 +1,12 @@
+// What comments have to do with warnings: they silence them, and begin where somebody meant to go on.
+#pragma once
+
+#include <vector>
+
+#include "library/korvel.h"
+
+// Whether a comment in the line of the warning asks for silence: "; kv:ok" or "; kv:ok power unreachable".
+bool IsSilenced(const korvel::Diagnostic& warning);
+
+// Print "a"; b
+std::vector<korvel::Diagnostic> SemicolonsBehindPrint();

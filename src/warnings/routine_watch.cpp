@@ -1,0 +1,149 @@
+#include "warnings/routine_watch.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
+#include "base/run.h"
+#include "base/settings.h"
+#include "lexer/holes.h"
+#include "lexer/source_lines.h"
+#include "statements/state.h"
+#include "symbols/mistakes.h"
+#include "warnings/table.h"
+
+namespace {
+
+struct Declared {
+    const Word* name;
+    Stop::Subject about;
+    const char* warning;
+};
+
+// What is known of the open routine.
+struct Watched {
+    const Word* name = nullptr;
+    bool wasReachable = true;
+    std::unordered_map<const Word*, std::size_t> mentions;
+    TokenSpan counted;  // for them: the last statement
+    std::vector<Declared> locals;
+};
+Watched watched;
+
+std::vector<Declared> declaredAtTop;                             // of the main file
+std::unordered_map<const Word*, std::size_t> mentionsInOwnBody;  // of Functions
+const PartOfRun partOfRun(watched, declaredAtTop, mentionsInOwnBody);
+
+bool DoesSomething(Keyword word) {
+    switch (word) {
+        case Keyword::Case:
+        case Keyword::Default:
+        case Keyword::Else:
+        case Keyword::ElseIf:
+        case Keyword::EndIf:
+        case Keyword::Return:  // often written for form's sake behind what never ends
+        case Keyword::Exit:
+        case Keyword::Continue:
+        case Keyword::End:
+            return false;
+        default:
+            return !Has(word, trait::closesBlock) && !Has(word, trait::declares);
+    }
+}
+
+void WatchReach(const State& state, TokenSpan statement) {
+    if (state.routine.reachable) {
+        watched.wasReachable = true;
+    } else if (watched.wasReachable && DoesSomething(statement.KeywordAt(0))) {
+        watched.wasReachable = false;
+        WarnOf("unreachable", Kept(statement));
+    }
+}
+
+// What runs code may be wanted for that alone.
+bool RunsCode(TokenSpan value) {
+    return std::any_of(value.first, value.last, [](Token token) {
+        return token->sign == '(' || token->keyword == Keyword::Create || token->keyword == Keyword::New ||
+               token->braced;
+    });
+}
+
+void NoteDeclared(TokenSpan statement, std::vector<Declared>& list) {
+    for (const TokenSpan part : statement.From(1).SplitAt(',')) {
+        const std::size_t equals = FindEquals(part);
+        if (equals == noToken || !RunsCode(part.From(equals + 1)))
+            list.push_back({&part.At(0), Kept(part.Slice(0, 1)), "unused-variable"});
+    }
+}
+
+// What stands behind a Then comes with its line and once more.
+void CountMentions(TokenSpan statement) {
+    const std::less<> before;
+    const bool isCounted = watched.counted.first != nullptr &&
+                           !before(statement.first, watched.counted.first) &&
+                           before(statement.first, watched.counted.last);
+    if (isCounted) return;
+    watched.counted = statement;
+    WithHoles(statement, [](TokenSpan tokens) {
+        for (const Token* token = tokens.first; token != tokens.last; ++token)
+            if ((*token)->sign == '\0') ++watched.mentions[&**token];
+    });
+}
+
+void WarnOfUnusedLocals() {
+    std::unordered_map<const Word*, std::size_t> declared;
+    for (const Declared& local : watched.locals) ++declared[local.name];
+    for (const Declared& local : watched.locals)
+        if (watched.mentions[local.name] == declared[local.name]) WarnOf(local.warning, local.about);
+}
+
+bool IsInMainFile() { return FileId(settings.currentFile) == FileId(settings.mainSource); }
+
+void WatchDeclarations(const State& state, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    if (word == Keyword::Local) NoteDeclared(statement, watched.locals);
+    if (InRoutine(state) || !IsInMainFile() || state.inExtern) return;
+    if (word == Keyword::Global) NoteDeclared(statement, declaredAtTop);  // Consts may belong together
+    if (word == Keyword::Function && !IsWord(statement[1], "main"))
+        declaredAtTop.push_back({&statement.At(1), Kept(statement.Slice(1, 2)), "unused-function"});
+}
+
+void EndRoutine() {
+    if (!symbols.inlineCpp && !AnyMistakes()) WarnOfUnusedLocals();
+    EndSequences();
+    EndLoops();
+    if (watched.name != nullptr) mentionsInOwnBody[watched.name] += watched.mentions[watched.name];
+    watched = {};
+}
+
+}  // namespace
+
+void WatchRoutine(const State& state, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    WatchDeclarations(state, statement);
+    if (word == Keyword::Function || word == Keyword::Method) {
+        watched = {};
+        EndLoops();
+        if (word == Keyword::Function) watched.name = &statement.At(1);
+        return CountMentions(statement);
+    }
+    if (!InRoutine(state)) return;
+    CountMentions(statement);
+    WatchReach(state, statement);
+    WatchLoops(statement);
+    WatchSequences(statement);
+    if (word == Keyword::EndFunction || word == Keyword::EndMethod) EndRoutine();
+}
+
+void WarnOfUnused() {
+    if (symbols.inlineCpp) return;
+    std::unordered_map<const Word*, std::size_t> mentions;
+    for (const std::string& file : symbols.sourceFiles)
+        WithHoles(TokensOf(file), [&](TokenSpan tokens) {
+            for (const Token* token = tokens.first; token != tokens.last; ++token) ++mentions[&**token];
+        });
+    for (const Declared& declared : declaredAtTop) {
+        const std::size_t own = std::max<std::size_t>(1, mentionsInOwnBody[declared.name]);
+        if (mentions[declared.name] <= own) WarnOf(declared.warning, declared.about);
+    }
+}

@@ -1,0 +1,28 @@
+// Slips that a single statement or operator shows.
+#pragma once
+
+#include "symbols/value_type.h"
+#include "warnings/table.h"
+
+// The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
+ValueType TypeOf(TokenSpan place);
+
+// Of statements.
+TokenSpan AssignsTwice(const State& state, TokenSpan statement);
+TokenSpan AssignsToItself(const State& state, TokenSpan statement);
+TokenSpan ExceedsType(const State& state, TokenSpan statement);
+TokenSpan NamesFileBare(const State& state, TokenSpan statement);
+TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement);
+TokenSpan RunsIntoLabel(const State& state, TokenSpan statement);
+TokenSpan EndsWithWord(const State& state, TokenSpan statement);
+TokenSpan CountsNothing(const State& state, TokenSpan statement);
+TokenSpan CountsForever(const State& state, TokenSpan statement);
+TokenSpan GetsBeyondEnd(const State& state, TokenSpan statement);
+
+// Of operators.
+TokenSpan NegatesOperand(const Operation& operation);
+TokenSpan IsPower(const Operation& operation);
+TokenSpan ComparesComparison(const Operation& operation);
+TokenSpan JoinsNumber(const Operation& operation);
+TokenSpan ComparesInBits(const Operation& operation);
+TokenSpan OrdersNumberTexts(const Operation& operation);

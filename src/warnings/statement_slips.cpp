@@ -1,0 +1,200 @@
+#include <algorithm>
+#include <limits>
+
+#include "base/settings.h"
+#include "lexer/source_lines.h"
+#include "statements/constant_value.h"
+#include "statements/state.h"
+#include "symbols/scopes.h"
+#include "warnings/slips.h"
+
+namespace {
+
+struct Range {
+    Base base;
+    double least, most;
+};
+const Range ranges[] = {
+    {Base::Byte, 0, 255},
+    {Base::Short, -32768, 32767},
+    {Base::Int, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()},
+};
+
+bool Fits(const ValueType& type, double value) {
+    return std::all_of(std::begin(ranges), std::end(ranges), [&](const Range& range) {
+        return !type.Is(range.base) || (value >= range.least && value <= range.most);
+    });
+}
+
+// The value where it is a number that does not fit.
+TokenSpan Misfit(const ValueType& type, TokenSpan value) {
+    const bool isSigned = value.SignAt(0) == '-';
+    if (value.size() != (isSigned ? 2U : 1U) || !IsDigit(value[isSigned ? 1 : 0][0])) return {};
+    const auto number = EvaluateConstant(value);
+    return number && !Fits(type, number->AsReal()) ? value : TokenSpan();
+}
+
+// name:Type = value [, ...]
+TokenSpan MisfitIn(TokenSpan declarations) {
+    for (const TokenSpan part : declarations.SplitAt(',')) {
+        if (part.SignAt(1) != ':' || part.SignAt(3) != '=' || !IsBasicType(part[2])) continue;
+        const TokenSpan found = Misfit(ParseType(part[2]), part.From(4));
+        if (!found.empty()) return found;
+    }
+    return {};
+}
+
+bool Declares(Keyword word) {
+    return word == Keyword::Local || word == Keyword::Global || word == Keyword::Const ||
+           word == Keyword::Field;
+}
+
+// A place to assign to: names, members and items, no operator.
+bool IsPlace(TokenSpan tokens) {
+    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
+        const char sign = tokens.SignAt(i);
+        if (sign != '\0' && sign != '\\' && sign != '.' && sign != '[') return false;
+        if (Has(tokens.KeywordAt(i), trait::operation)) return false;
+    }
+    return !tokens.empty() && IsNameByte(tokens[0][0]) && !IsDigit(tokens[0][0]);
+}
+
+struct Counting {
+    std::optional<ConstantValue> start, end, step;
+    bool hasStep = false;
+};
+
+// For i = start To end [Step step], as far as it is known
+Counting CountingOf(TokenSpan statement) {
+    Counting counting;
+    const std::size_t equals = FindEquals(statement), to = statement.Find(Keyword::To);
+    if (equals == noToken || to == noToken || to < equals) return counting;
+    const std::size_t step = statement.Find(Keyword::Step, to);
+    counting.start = EvaluateConstant(statement.Slice(equals + 1, to));
+    counting.end = EvaluateConstant(statement.Slice(to + 1, step));
+    counting.hasStep = step != noToken;
+    if (counting.hasStep) counting.step = EvaluateConstant(statement.From(step + 1));
+    return counting;
+}
+
+bool IsNegative(TokenSpan tokens) { return tokens.SignAt(0) == '-' && tokens.size() == 2; }
+
+}  // namespace
+
+ValueType TypeOf(TokenSpan place) {
+    const Variable* variable = FindVariable(place[0]);
+    ValueType type = variable == nullptr ? ValueType() : variable->type;
+    for (std::size_t i = 1; i < place.size() && type.IsKnown();) {
+        if (place.SignAt(i) == '[' && type.dims > 0) {
+            --type.dims;
+            i = place.Behind(i);
+            continue;
+        }
+        const ClassInfo* cls = place.SignAt(i) == '\\' && type.IsSingle() ? type.cls : nullptr;
+        const Variable* field = cls == nullptr ? nullptr : FindField(*cls, place[i + 1]);
+        type = field == nullptr ? ValueType() : field->type;
+        i += 2;
+    }
+    return type;
+}
+
+// flag = a = b, where a is no Bool that somebody may want to set as well
+TokenSpan AssignsTwice(const State&, TokenSpan statement) {
+    if (statement.KeywordAt(0) != Keyword::None) return {};
+    const std::size_t first = FindEquals(statement);
+    if (first == noToken || first == 0) return {};
+    const std::size_t second = FindEquals(statement, first + 1);
+    const TokenSpan between = statement.Slice(first + 1, second);
+    if (second == noToken || !IsPlace(between) || !TypeOf(statement.Slice(0, first)).Is(Base::Bool))
+        return {};
+    return TypeOf(between).Is(Base::Bool) ? TokenSpan() : between;
+}
+
+// n = n
+TokenSpan AssignsToItself(const State&, TokenSpan statement) {
+    const std::size_t equals = FindEquals(statement);
+    if (equals == noToken || statement.size() != 2 * equals + 1 || Declares(statement.KeywordAt(0)))
+        return {};
+    const TokenSpan target = statement.Slice(0, equals), value = statement.From(equals + 1);
+    const bool same = std::equal(target.first, target.last, value.first);
+    const bool runsCode =
+        std::any_of(target.first, target.last, [](Token token) { return token->sign == '('; });
+    return same && IsPlace(target) && !runsCode ? statement : TokenSpan();
+}
+
+// Local b:Byte = 300, or b = 300
+TokenSpan ExceedsType(const State&, TokenSpan statement) {
+    if (Declares(statement.KeywordAt(0))) return MisfitIn(statement.From(1));
+    if (statement.SignAt(1) != '=' || statement.KeywordAt(0) != Keyword::None) return {};
+    const Variable* variable = FindVariable(statement[0]);
+    return variable == nullptr ? TokenSpan() : Misfit(variable->type, statement.From(2));
+}
+
+// Include util.kvl
+TokenSpan NamesFileBare(const State&, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    const bool names = word == Keyword::Include || word == Keyword::Import;
+    return names && !IsQuoted(statement[1]) ? statement.From(1) : TokenSpan();
+}
+
+// Type TPlayer, where there has been one
+TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    if ((word != Keyword::Type && word != Keyword::Element) || InRoutine(state)) return {};
+    const ClassInfo* first = FindClass(statement[1]);
+    if (first == nullptr || statement.size() != 2 || !first->registered) return {};
+    const bool isFirst =
+        first->line == settings.currentLine && FileId(first->sourceFile) == FileId(settings.currentFile);
+    return isFirst ? TokenSpan() : statement.Slice(1, 2);
+}
+
+// A Case or Default that the one before it runs into
+TokenSpan RunsIntoLabel(const State& state, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    if ((word != Keyword::Case && word != Keyword::Default) || !InnermostIs(state, BlockKind::Select))
+        return {};
+    const bool runsInto =
+        state.blocks.back().braces.select->labelSeen && !state.routine.bareLabel && state.routine.reachable;
+    return runsInto ? statement : TokenSpan();
+}
+
+// End While
+TokenSpan EndsWithWord(const State&, TokenSpan statement) {
+    return statement.KeywordAt(0) == Keyword::End && statement.size() == 2 && statement.SignAt(1) == '\0'
+               ? statement
+               : TokenSpan();
+}
+
+// For i = 10 To 1, or While False
+TokenSpan CountsNothing(const State&, TokenSpan statement) {
+    if (statement.KeywordAt(0) == Keyword::While && statement.KeywordAt(1) == Keyword::False &&
+        statement.size() == 2)
+        return statement;
+    if (statement.KeywordAt(0) != Keyword::For) return {};
+    const Counting counting = CountingOf(statement);
+    if (!counting.start || !counting.end || (counting.hasStep && !counting.step)) return {};
+    const double step = counting.hasStep ? counting.step->AsReal() : 1;
+    const double way = counting.end->AsReal() - counting.start->AsReal();
+    return way * step < 0 ? statement : TokenSpan();
+}
+
+// For i = 1 To 10 Step 0
+TokenSpan CountsForever(const State&, TokenSpan statement) {
+    if (statement.KeywordAt(0) != Keyword::For) return {};
+    const Counting counting = CountingOf(statement);
+    return counting.step && counting.step->AsReal() == 0 ? statement : TokenSpan();
+}
+
+// SeqGet(s, SeqLength(s)), or SeqGet(s, -1)
+TokenSpan GetsBeyondEnd(const State&, TokenSpan statement) {
+    for (std::size_t i = 0; i < statement.size(); ++i) {
+        if (!IsWord(statement[i], "seqget") || statement.SignAt(i + 1) != '(') continue;
+        const std::vector<TokenSpan> arguments = statement.Inside(i + 1).SplitAt(',');
+        if (arguments.size() != 2) continue;
+        const TokenSpan sequence = arguments[0], index = arguments[1];
+        const bool isLength = IsWord(index[0], "seqlength") && index.size() == sequence.size() + 3 &&
+                              std::equal(sequence.first, sequence.last, index.first + 2);
+        if (isLength || IsNegative(index)) return index;
+    }
+    return {};
+}

@@ -1,0 +1,81 @@
+#include "warnings/warnings.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <tuple>
+
+#include "base/journal.h"
+#include "base/report.h"
+#include "base/settings.h"
+#include "statements/second_pass.h"
+#include "symbols/mistakes.h"
+#include "symbols/symbols.h"
+#include "symbols/token_places.h"
+#include "warnings/comments.h"
+#include "warnings/routine_watch.h"
+#include "warnings/table.h"
+
+namespace {
+
+void Look(const State& state, TokenSpan statement) {
+    WatchRoutine(state, statement);
+    for (const WarningRow& row : AllWarnings()) {
+        if (row.inStatement == nullptr) continue;
+        const TokenSpan about = row.inStatement(state, statement);
+        if (!about.empty()) WarnOf(row, Kept(about));
+    }
+    VisitOperations(statement, [](const Operation& operation) {
+        for (const WarningRow& row : AllWarnings()) {
+            if (row.inOperation == nullptr) continue;
+            const TokenSpan about = row.inOperation(operation);
+            if (!about.empty()) WarnOf(row, Kept(about));
+        }
+    });
+}
+
+void Locate(korvel::Diagnostic& warning, const Stop::Subject& about) {
+    SourcePlace place;
+    if (!FindPlace(about, {}, place)) return;
+    warning.file = place.file;
+    warning.line = place.where.line;
+    warning.firstColumn = place.where.first;
+    warning.lastColumn = place.where.last;
+}
+
+std::string HintOf(const std::string& name) {
+    for (const WarningRow& row : AllWarnings())
+        if (name == row.name) return row.hint;
+    return {};
+}
+
+std::size_t FileNumber(const std::string& file) {
+    const auto& files = symbols.sourceFiles;
+    return static_cast<std::size_t>(std::find(files.begin(), files.end(), file) - files.begin());
+}
+
+}  // namespace
+
+void BeginWarnings() { watchStatement = settings.warnings ? Look : nullptr; }
+
+void TellWarnings() {
+    if (!settings.warnings) return;
+    watchStatement = nullptr;
+    if (!AnyMistakes()) WarnOfUnused();
+    std::vector<korvel::Diagnostic> warnings = SemicolonsBehindPrint();
+    for (const Slip& slip : TakeSlips()) {
+        warnings.push_back(slip.warning);
+        Locate(warnings.back(), slip.about);
+    }
+    const auto placeOf = [](const korvel::Diagnostic& warning) {
+        return std::make_tuple(FileNumber(warning.file), warning.line, warning.firstColumn, warning.name);
+    };
+    std::stable_sort(warnings.begin(), warnings.end(),
+                     [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
+    std::set<decltype(placeOf(warnings.front()))> told;  // what stands in a file included twice comes twice
+    for (korvel::Diagnostic& warning : warnings) {
+        if (!told.insert(placeOf(warning)).second || IsSilenced(warning)) continue;
+        warning.hint = HintOf(warning.name);
+        TellWarning(warning);
+    }
+}
