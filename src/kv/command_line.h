@@ -9,6 +9,7 @@ enum class Command {
     build,
     check,
     doc,
+    explain,
     create,
     format,
     watch,
@@ -34,6 +35,9 @@ struct Options {
     bool isStatic = false;               // --static
     std::vector<std::string> data;       // package: --data, as typed
     bool onlyCheck = false;              // fmt: --check
+    std::string messageFormat;           // --message-format: human (also when empty), short or json
+    bool noWarnings = false;             // --no-warnings
+    bool warningsAsErrors = false;       // --warnings-as-errors
     std::vector<std::string> arguments;  // run: what follows "--"
 };
 

@@ -36,7 +36,7 @@ void ShowFailure(const Job& job, const std::string& output) {
     }
     Diagnostic summary;
     summary.file = ShortPath(job.source, job.typedFolder);
-    summary.severity = mistakes.empty() ? Severity::error : Severity::note;
+    summary.severity = mistakes.empty() ? Severity::Error : Severity::Note;
     summary.message = mistakes.empty()
                           ? "the program was translated, but the C++ compiler refused the result. This is "
                             "a fault of the\nKorvel compiler (or of C++ in an InlineCpp block), not of "

@@ -142,13 +142,22 @@ std::string TextAfter(const std::string& line, const std::string& mark, const ch
 const char* const troubles[] = {"No space left on device",    "Cannot create temporary file",
                                 " signal terminated program", "virtual memory exhausted",
                                 "out of memory allocating",   "cannot execute",
-                                "unable to execute command"};
-const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file not found"};
+                                "unable to execute command",  "error trying to exec",
+                                "cannot find 'ld'",           "Killed"};
+// What a word in CXX, or behind it, brings about.
+const char* const wrongFlags[] = {"unrecognized command-line option", "unrecognized command line option",
+                                  "unknown argument", "unrecognized argument in option"};
+const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file not found",
+                                      "error: string: No such file", "error: vector: No such file",
+                                      "cannot find crt1.o"};
 
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
     if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
         diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
+    } else if (std::any_of(std::begin(wrongFlags), std::end(wrongFlags), contained)) {
+        diagnostic.message = "the C++ compiler does not know a flag that it is given: " + line +
+                             "\nFlags come from CXX and from Linker lines.";
     } else if (std::any_of(std::begin(troubles), std::end(troubles), contained)) {
         diagnostic.message = "the C++ compiler could not do its work: " + line;
     }

@@ -35,6 +35,11 @@ int Main(int argc, char** argv) {
         std::fputs("kv --help tells how kv is used.\n", stderr);
         return wrongUsage;
     }
+    if (!UseMessageFormat(options.messageFormat)) {
+        UseMessageFormat("human");
+        ShowProblem("this kv was built without JSON (Debian: nlohmann-json3-dev)");
+        return wrongUsage;
+    }
     for (const CommandRow& row : CommandRows()) {
         if (row.command == options.command) return row.perform(options);
     }

@@ -1,5 +1,6 @@
 #include "kv/make.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -17,14 +18,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Warnings without a line tell of shared libraries that are missing, and may come.
+bool LacksLibrary(const Job& job) {
+    const auto& said = job.translation.diagnostics;
+    return std::any_of(said.begin(), said.end(), [](const auto& diagnostic) { return diagnostic.line == 0; });
+}
+
 // Records what the program was made from. With libraries of the user's it is made anew each time unless the linker
-// says which files its flags reach; so is a program with warnings, which shows them again.
+// says which files its flags reach; so is one that lacks a library.
 void Remember(const Job& job, const std::string& commands) {
     StampFiles files;
     FilesRead read;
     files.sources = FilesTranslated(job);
     const std::vector<std::string> libraries = FilesReadByLinker(job);
-    if (job.hadWarnings || (!job.linkerFlags.empty() && libraries.empty())) return;
+    if (LacksLibrary(job) || (!job.linkerFlags.empty() && libraries.empty())) return;
     if (!FilesReadByCompiler(job, read)) return;
     for (const std::vector<std::string>& more : {read.headers, libraries, ToolFiles(job)}) {
         files.sources.insert(files.sources.end(), more.begin(), more.end());
@@ -42,7 +49,7 @@ bool MakeInFolder(Job& job) {
     const std::string commands = ReadableCommandLine(TranslatorCommand(job)) + " && " + CompilationOf(job);
     if (StampHolds(job.build.stamp, commands) && LoadTranslation(job)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");
-        return true;
+        return ShowWarnings(job);
     }
     std::error_code ignored;
     fs::remove(PathOf(job.build.stamp), ignored);

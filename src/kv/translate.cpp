@@ -40,22 +40,24 @@ void ShowCrash(const Job& job, int status) {
                 ShortPath(job.source, job.typedFolder) + ".\nWhat it said: " + job.build.translatorErrors);
 }
 
+void Shorten(korvel::Range& range, const std::string& folder) {
+    if (!range.file.empty()) range.file = ShortPath(range.file, folder);
+}
+
 void ShowDiagnostics(const Job& job) {
     std::size_t shown = 0, more = 0;
     for (const korvel::Diagnostic& said : job.translation.diagnostics) {
         if ((said.severity == korvel::Severity::Error) == job.hadWarnings) continue;
-        if (shown == mistakesShown) {
+        if (shown == mistakesShown && UsedMessageFormat() == MessageFormat::human) {
             ++more;
             continue;
         }
         ++shown;
-        Diagnostic diagnostic;
-        diagnostic.severity = static_cast<Severity>(said.severity);
-        if (!said.file.empty()) diagnostic.file = ShortPath(said.file, job.typedFolder);
-        diagnostic.line = said.line;
-        diagnostic.firstColumn = said.firstColumn;
-        diagnostic.lastColumn = said.lastColumn;
-        diagnostic.message = said.hint.empty() ? said.message : said.message + "\n" + said.hint;
+        Diagnostic diagnostic = said;
+        if (job.options.warningsAsErrors) diagnostic.severity = Severity::Error;
+        Shorten(diagnostic, job.typedFolder);
+        for (korvel::Related& related : diagnostic.related) Shorten(related, job.typedFolder);
+        for (korvel::Fix& fix : diagnostic.fixes) Shorten(fix, job.typedFolder);
         Show(diagnostic);
     }
     if (more > 0) ShowNote("and " + std::to_string(more) + " more");
@@ -94,6 +96,10 @@ bool Translate(Job& job) {
             " makes no program: files in a folder whose name ends in .kvh only lend their declarations");
         return false;
     }
+    return ShowWarnings(job);
+}
+
+bool ShowWarnings(const Job& job) {
     ShowDiagnostics(job);
-    return true;
+    return !job.hadWarnings || !job.options.warningsAsErrors;
 }

@@ -7,5 +7,8 @@
 // was disturbed.
 bool Translate(Job& job);
 
+// Shows what was odd about a sound program. False when it is not to go on with that.
+bool ShowWarnings(const Job& job);
+
 // Sets the job's translation to what the last one has left. False when there is none.
 bool LoadTranslation(Job& job);

@@ -6,7 +6,7 @@
 
 namespace {
 
-const char version[] = "kv-translation 2\n";
+const char version[] = "kv-translation 3\n";
 const char endMark[] = "end";
 
 // A text of the result is a line with its name and size, the text, and a line end.
@@ -39,6 +39,7 @@ const char* const severityNames[] = {"error", "warning", "note"};
 const char relatedName[] = "related";
 const char fixName[] = "fix";
 const char mainName[] = "main";
+const char cppName[] = "c++";
 
 void PutRange(std::string& packed, const korvel::Range& range) {
     Put(packed, "file", range.file);
@@ -51,6 +52,7 @@ void PutDiagnostic(std::string& packed, const korvel::Diagnostic& diagnostic) {
     Put(packed, severityNames[static_cast<int>(diagnostic.severity)], diagnostic.message);
     PutRange(packed, diagnostic);
     Put(packed, "hint", diagnostic.hint);
+    Put(packed, "name", diagnostic.name);
     for (const korvel::Related& related : diagnostic.related) {
         Put(packed, relatedName, related.message);
         PutRange(packed, related);
@@ -92,11 +94,13 @@ struct Reader {
 
     void Take(const std::string& name, const std::string& text) {
         if (name == mainName) result.mainFile = text;
+        if (name == cppName) result.hasCpp = true;
         for (const ListRow& row : listRows) {
             if (name == row.name) (result.*row.list).push_back(text);
         }
         if (!TakeBegin(name, text)) return;
         if (name == "hint") result.diagnostics.back().hint = text;
+        if (name == "name") result.diagnostics.back().name = text;
         if (name == "file") range->file = text;
         if (name == "line") range->line = Number(text);
         if (name == "first") range->firstColumn = Number(text);
@@ -109,6 +113,7 @@ struct Reader {
 std::string PackTranslation(const korvel::Result& result) {
     std::string packed = version;
     Put(packed, mainName, result.mainFile);
+    if (result.hasCpp) Put(packed, cppName, "");
     for (const ListRow& row : listRows) {
         for (const std::string& text : result.*row.list) Put(packed, row.name, text);
     }

@@ -12,6 +12,7 @@ namespace {
 
 const char commandWord[] = "--translate";
 const char checkWord[] = "--check";
+const char silentWord[] = "--no-warnings";
 
 // Behind the command: the source, the folder for the C++, the file for what was found out, the installation, flags.
 enum Words : std::size_t { commandAt, sourceAt, outputAt, replyAt, installationAt, flagsAt };
@@ -30,6 +31,7 @@ std::vector<std::string> TranslatorCommand(const Job& job) {
     std::vector<std::string> command = {
         job.kv, commandWord, job.source, job.build.cppFolder, job.build.translation, job.installation};
     if (job.options.command == Command::check) command.emplace_back(checkWord);
+    if (job.options.noWarnings) command.emplace_back(silentWord);
     if (job.options.debug) command.emplace_back("--debug");
     if (job.options.safe) command.emplace_back("--safe");
     if (IsFast(job.options)) command.emplace_back("--fast");
@@ -48,6 +50,7 @@ int TranslateAsCommanded(const std::vector<std::string>& arguments) {
     request.source = arguments[sourceAt];
     request.output = arguments[outputAt];
     request.installation = arguments[installationAt];
+    request.warnings = !has(silentWord);
     for (const FlagRow& row : flagRows) request.*row.flag = has(row.word);
     const korvel::Result result = has(checkWord) ? korvel::Check(request) : korvel::Build(request);
     return WriteOver(PathOf(arguments[replyAt]), PackTranslation(result)) ? 0 : 1;

@@ -42,6 +42,7 @@ int RunCommand(const Options& options);
 int BuildCommand(const Options& options);
 int CheckCommand(const Options& options);
 int DocCommand(const Options& options);
+int ExplainCommand(const Options& options);
 int FmtCommand(const Options& options);
 int NewCommand(const Options& options);
 int WatchCommand(const Options& options);

@@ -37,7 +37,11 @@ bool Check(const Options& options) {
     const auto translate = [](Job& given) { return BeginBuild(given.build) && Translate(given); };
     Job job;
     if (!PrepareJob(options, job) || !WorkInFolder(job, translate)) return false;
-    std::printf("%s: no mistakes found\n", ShortPath(job.source, job.typedFolder).c_str());
+    const bool isLinked = !job.linkerFlags.empty();
+    const char* unchecked = job.translation.hasCpp ? " (but kv build has to look at its C++)"
+                            : isLinked             ? " (but kv build has to look for its libraries)"
+                                                   : "";
+    std::printf("%s: no mistakes found%s\n", ShortPath(job.source, job.typedFolder).c_str(), unchecked);
     return true;
 }
 
