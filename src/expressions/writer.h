@@ -9,8 +9,8 @@ void EndHidden(Code& out, const Expr& expr);
 
 void WriteName(Code& out, const Expr& expr);
 void WriteField(Code& out, const Expr& expr);
-void WriteIndex(Code& out, const Expr& expr);
-void WriteCall(Code& out, const Expr& expr);
+void WriteIndex(Code& out, const Expr& item);
+void WriteCall(Code& out, const Expr& call);
 void WriteCreate(Code& out, const Expr& expr);
 void WriteInstances(Code& out, const Expr& expr);
 void WriteNeighbour(Code& out, const Expr& expr);
@@ -26,6 +26,6 @@ void WriteOperation(Code& out, const Expr& expr);
 void WriteQuotient(Code& out, const Expr& expr);
 void WriteRemainder(Code& out, const Expr& expr);
 void WriteElements(Code& out, const Expr& expr);
-void WriteSum(Code& out, const Expr& expr);
+void WriteSum(Code& out, const Expr& sum);
 void WriteText(Code& out, const Expr& expr);
 void WriteHoles(Code& out, const Expr& expr);
