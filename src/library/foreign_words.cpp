@@ -46,7 +46,6 @@ const ForeignRow meantRows[] = {
     {"elif elsif", "Write ElseIf"},
     {"class struct record union",
      "Write Type TName ... EndType for objects, Element TName ... EndElement for values"},
-    {"extends inherits implements", "A Type has no parent: give it a Field for the other object"},
     {"nil none nothing nullptr undefined", "No object is called Null"},
     {"is isnot", "Compare with = and <>"},
     {"println printf echo write writeln puts cout console", "Write Print \"n is \" & n"},
@@ -76,7 +75,6 @@ const ForeignRow meantRows[] = {
 const ForeignRow beginnings[] = {
     {"exit", "Exit stands alone; Return leaves a Function"},
     {"select", "Write Select n, without Case"},
-    {"case", "What runs where no Case holds stands behind Default"},
     {"' # / //", "A comment begins with ';'"},
 };
 
