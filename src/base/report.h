@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/diagnostic.h"
 #include "lexer/token_span.h"
-#include "library/korvel.h"
 
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <unordered_set>
 
 #include "base/files.h"
 #include "base/paths.h"
@@ -17,14 +16,13 @@
 #include "base/utf8.h"
 #include "outputs/atomic_file.h"
 #include "symbols/modules.h"
+#include "symbols/symbols.h"
 
 namespace fs = std::filesystem;
 
 DependencyRecord dependencies;
 
 namespace {
-
-std::unordered_set<std::string> knownIncludes;  // the entries of dependencies.includes
 
 std::string Stem(const std::string& mainSource) { return StripExtension(StripFolder(mainSource)); }
 
@@ -208,7 +206,7 @@ void DateRecordLike(const std::string& source) {
 static std::string trusted;             // the record's text before it was distrusted
 static fs::file_time_type trustedTime;  // and when it was written
 
-static const PartOfRun partOfRun(dependencies, knownIncludes, recordTime, startOfRun, trusted, trustedTime);
+static const PartOfRun partOfRun(dependencies, recordTime, startOfRun, trusted, trustedTime);
 
 void DistrustDependencyManifest() {
     const std::string path = ManifestPath(settings.mainSource, settings.outputPath);
@@ -232,11 +230,6 @@ void ResetDependencies() {
     startOfRun = Now();
     dependencies = {};
     dependencies.main = settings.mainSource;
-    knownIncludes.clear();
-}
-
-void AddDependency(const std::string& path) {
-    if (knownIncludes.insert(path).second) dependencies.includes.push_back(path);
 }
 
 bool LoadDependencyManifest(DependencyRecord& record, const std::string& mainSource,
@@ -300,6 +293,7 @@ static void DistrustOtherMode() {
 
 void UpdateDependencyManifest() {
     dependencies.main = settings.mainSource;
+    if (!symbols.includedSources.empty()) dependencies.includes = symbols.includedSources;
     std::string newest;
     const auto note = [&](const std::string& source) {
         dependencies.sourceTimes[source] = TimeToRecord(source);

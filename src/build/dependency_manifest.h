@@ -29,9 +29,6 @@ void TrustDependencyManifest();
 // Empties the record before a translation.
 void ResetDependencies();
 
-// Notes an included file, once; called by the second pass of a quick build.
-void AddDependency(const std::string& path);
-
 // True when the file of the last build could be read whole; what was read before a flaw stays in the record.
 bool LoadDependencyManifest(DependencyRecord& record, const std::string& mainSource,
                             const std::string& outputPath);
@@ -45,6 +42,6 @@ bool HeaderBuiltForOtherTarget(const std::string& cppPath);
 // The quick-build decision with its messages: true when nothing that was read has changed.
 bool CanSkipTranslation();
 
-// Brings the times up to date and saves the record; the last step of every quick build, when no output
+// Brings the list of included files, unless translation was skipped, and the times up to date and saves the record; the last step of every quick build, when no output
 // changes any more. It does not vouch for a .cpp of the other mode that is still there.
 void UpdateDependencyManifest();

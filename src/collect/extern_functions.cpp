@@ -188,11 +188,6 @@ bool IsOfCpp(const Routine& routine, const Crossing& crossing) {
 
 }  // namespace
 
-const char* const externNameMacros =
-    "#define KV_C_TEXT(name) #name\n"
-    "#define KV_C_PREFIX(name) KV_C_TEXT(name)\n"
-    "#define KV_C_NAME(name) KV_C_PREFIX(__USER_LABEL_PREFIX__) name\n";
-
 void CheckExternName(const std::string& name) {
     if (name == "main") ReportFatal("Identifier 'main' is already defined.");
     if (IsLibraryNonFunction(name))

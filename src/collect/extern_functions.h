@@ -15,7 +15,7 @@ struct ExternTexts {
     std::string prototype;  // inside extern "C"
     std::string wrapper;  // behind it, for functions that take or give Strings, without the body; else empty
     std::string body;     // of the wrapper
-    bool bound = false;   // the prototype names the symbol, which takes the macros below
+    bool bound = false;   // the prototype names the symbol, which takes macros of the header
 };
 
 // The parameters must be settled. What comes out:
@@ -26,5 +26,3 @@ struct ExternTexts {
 //     int OpenGate(const char* KVL_name);
 //         and behind: inline int __kvExtern_OpenGate(const std::string& KVL_name) { ... }
 ExternTexts TextsOfExtern(const Routine& routine);
-
-extern const char* const externNameMacros;

@@ -1,10 +1,10 @@
 #include "collect/parameters.h"
 
 #include "base/report.h"
-#include "base/settings.h"
+#include "collect/inference.h"
+#include "expressions/defaults.h"
 #include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
-#include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
 namespace {
@@ -68,6 +68,7 @@ ValueType WordType(const std::string& token) {
     const std::string word = Lower(token);
     if (word == "true" || word == "false") return Single(Base::Bool);
     if (word == "null") return Single(Base::Null);
+    SettleTypeOf(token);
     const Variable* constant = FindGlobal(token);
     return constant && constant->isConst ? constant->type : Single(Base::Void);
 }
@@ -140,19 +141,6 @@ void SettleParameters(Routine& routine) {
                         Tokens{parameter.name});
         }
     }
-}
-
-Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
-    const FileLevelNames names;
-    const std::string file = settings.currentFile;
-    const int line = settings.currentLine;
-    settings.currentFile = routine.file;
-    settings.currentLine = routine.line;
-    Expr& value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
-    value.given = false;
-    settings.currentFile = file;
-    settings.currentLine = line;
-    return value;
 }
 
 std::string ParameterText(const Routine& routine, bool withDefaults) {

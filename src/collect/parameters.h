@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "expressions/expression.h"
 #include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
@@ -17,10 +16,6 @@ void SettleParameters(Routine& routine);
 
 // The C++ parameter list: "()" or "(int KVL_a, double KVL_b = 1.5)"; defaults only when asked for.
 std::string ParameterText(const Routine& routine, bool withDefaults);
-
-// The default value of one of the routine's parameters, as text for the place of the statement under way. Names in
-// it mean what they mean at file level, also where a call stands among other variables.
-Expr& TranslateDefault(const Routine& routine, const Parameter& parameter);
 
 // "int KVL_Twice(int KVL_n);"
 std::string PrototypeText(const Routine& routine);

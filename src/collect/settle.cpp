@@ -5,6 +5,7 @@
 #include "base/settings.h"
 #include "collect/extern_functions.h"
 #include "collect/first_pass_state.h"
+#include "collect/inference.h"
 #include "collect/parameters.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
@@ -104,12 +105,10 @@ void SayNames(const Declarations& declarations) {
 
 namespace {
 
-// Whatever is wrong with a value is met again where it is translated.
-template <class Find>
-void TryToFind(Find find) {
-    try {
-        find();
-    } catch (const Stop&) {
+void SettleMembers(ClassInfo& cls, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        const auto field = cls.members.find(name);
+        if (field != cls.members.end()) SettleType(field->second, &cls);
     }
 }
 
@@ -118,8 +117,15 @@ void TryToFind(Find find) {
 void SettleTypes(const Declarations& declarations) {
     Chapter untold;
     const OpenChapter nothingIsSaid(untold);
-    for (const std::string& name : declarations.globalNames) TryToFind([&] { FindGlobal(name); });
-    for (const std::string& name : declarations.constNames) TryToFind([&] { FindGlobal(name); });
-    for (const ClassInfo* cls : declarations.classes)
-        for (const std::string& field : cls->fields) TryToFind([&] { FindField(*cls, field); });
+    for (const std::string& name : declarations.globalNames) SettleTypeOf(name);
+    for (const std::string& name : declarations.constNames) SettleTypeOf(name);
+    for (const ClassInfo* cls : declarations.classes) SettleMembers(*FindClass(cls->name), cls->fields);
+}
+
+void SettleLeftTypes() {
+    Chapter untold;
+    const OpenChapter nothingIsSaid(untold);
+    for (auto& global : symbols.globals) SettleType(global.second, nullptr);
+    for (auto& constant : symbols.constants) SettleType(constant.second, nullptr);
+    for (ClassInfo& cls : symbols.classes) SettleMembers(cls, cls.fields);
 }

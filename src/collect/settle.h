@@ -8,6 +8,8 @@ void SettleRoutines(Declarations& declarations);
 
 // The types that Globals, Consts and Fields of the file take from their values.
 void SettleTypes(const Declarations& declarations);
+// The same for those of files whose declarations could not be read to the end.
+void SettleLeftTypes();
 
 // With -v: announces the file's names, and the classes met so far.
 void SayNames(const Declarations& declarations);

@@ -10,6 +10,7 @@
 #include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
+#include "build/write_program.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
 #include "linking/linker_flags.h"

@@ -1,6 +1,6 @@
 // Calls of Functions, Methods and userlib functions.
 #include "base/report.h"
-#include "collect/parameters.h"
+#include "expressions/defaults.h"
 #include "expressions/in_order.h"
 #include "expressions/sequence_walks.h"
 #include "expressions/walk.h"

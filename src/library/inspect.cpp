@@ -7,7 +7,7 @@
 #include "lexer/source_lines.h"
 #include "symbols/program_files.h"
 #include "symbols/symbols.h"
-#include "symbols/token_places.h"
+#include "lexer/token_places.h"
 #include "symbols/uses.h"
 
 using korvel::Inspection;

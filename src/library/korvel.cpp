@@ -12,6 +12,7 @@
 #include "base/source_reader.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
+#include "build/write_program.h"
 #include "library/inspect.h"
 #include "library/foreign_words.h"
 #include "library/phases.h"

@@ -5,7 +5,6 @@
 #include <unordered_set>
 
 #include "base/settings.h"
-#include "collect/extern_functions.h"
 #include "prelude/fast_prelude.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
@@ -44,6 +43,12 @@ std::string CreatedListType(const ClassInfo& cls) {
 }
 
 namespace {
+
+// With which a prototype names its symbol.
+constexpr const char* externNameMacros =
+    "#define KV_C_TEXT(name) #name\n"
+    "#define KV_C_PREFIX(name) KV_C_TEXT(name)\n"
+    "#define KV_C_NAME(name) KV_C_PREFIX(__USER_LABEL_PREFIX__) name\n";
 
 std::string ClassSection(const FileOutput& out, const HeaderContents& contents) {
     if (contents.classes.empty()) return {};

@@ -110,7 +110,7 @@ OpenPart::~OpenPart() {
 
 void OpenPart::Read(const std::string& source) {
     ReadStatements(state, source);
-    if (!state.mistaken) CheckPartClosed(state);
+    if (!state.blocksAreDoubtful) CheckPartClosed(state);
 }
 
 void SettleText(State& state) {

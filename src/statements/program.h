@@ -20,8 +20,5 @@ void NoteInclude(const FileOutput& out);
 void SayHeaderOpened(const FileOutput& out);
 // Checks what can only be checked at the end, and puts everything into an order that compiles.
 void FinishProgram();
-// Writes the outputs of a finished program, as far as they have changed.
-void WriteProgram();
 // A file is translated: its outputs are written also when a mistake is told behind it.
 void NoteFinished(const FileOutput& out);
-void WriteFinished(const std::vector<std::string>& sources);

@@ -149,6 +149,22 @@ bool FollowsFromEarlier(const State& state, Keyword keyword) {
     return result && state.routine.declared != nullptr && IsDoubtful(WordOf(state.routine.declared->name));
 }
 
+// Whether the wrong statement could open or close a block; one of a single unknown word may be a misspelt closer.
+bool ConcernsBlocks(TokenSpan statement) {
+    const Keyword keyword = statement.KeywordAt(0);
+    switch (keyword) {
+        case Keyword::None:
+            return statement.size() == 1;
+        case Keyword::Print:
+        case Keyword::Input:
+        case Keyword::Local:
+        case Keyword::Return:
+            return false;
+        default:
+            return true;
+    }
+}
+
 }  // namespace
 
 void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler translate) {
@@ -162,6 +178,7 @@ void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler tran
     } catch (const Stop& stop) {
         if (!FollowsFromEarlier(state, keyword)) KeepMistake(stop, statement);
         state.mistaken = true;
+        state.blocksAreDoubtful = state.blocksAreDoubtful || ConcernsBlocks(statement);
     }
     try {
         Recover(state, before, statement);

@@ -86,5 +86,5 @@ void ReadStatements(State& state, const std::string& source) {
 void RunSecondPass(State& state, const std::string& source) {
     ResetFreshNames();
     ReadStatements(state, source);
-    if (!state.mistaken) CheckBlocksClosed(state);
+    if (!state.blocksAreDoubtful) CheckBlocksClosed(state);
 }

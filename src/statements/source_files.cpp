@@ -183,4 +183,5 @@ void SettleProgram() {
         SettleRoutines(file->declarations);
         SettleTypes(file->declarations);
     }
+    if (!symbols.complete) SettleLeftTypes();
 }

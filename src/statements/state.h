@@ -120,8 +120,9 @@ struct State {
     std::vector<std::string> preCalcBody;
     std::vector<int> preCalcBodyLines;
 
-    bool beforeFirstCase = false;  // debug builds: the hook of the first label would never run
-    bool mistaken = false;         // something is wrong with the file: what seems to be open may be closed
+    bool beforeFirstCase = false;    // debug builds: the hook of the first label would never run
+    bool mistaken = false;           // something is wrong with the file,
+    bool blocksAreDoubtful = false;  // which may open or close a block: what seems to be open may be closed
 };
 
 inline bool InRoutine(const State& state) { return state.routine.kind != RoutineKind::None; }

@@ -4,7 +4,7 @@
 
 #include "base/report.h"
 #include "base/run.h"
-#include "collect/parameters.h"
+#include "expressions/defaults.h"
 #include "lexer/lexer.h"
 #include "prelude/program_uses.h"
 #include "statements/words.h"

@@ -13,7 +13,7 @@
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
-#include "symbols/token_places.h"
+#include "lexer/token_places.h"
 
 namespace {
 

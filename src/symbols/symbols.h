@@ -143,6 +143,7 @@ struct Symbols {
     std::unordered_set<std::string> processedNames;
     std::unordered_set<std::string> importedNames;  // those of Import lines
     std::vector<std::string> includeHeaders;
+    std::vector<std::string> includedSources;
     std::vector<std::string> generatedFiles;
     std::vector<std::string> linkerFlags;
     // What AddOnce put on which of these lists.

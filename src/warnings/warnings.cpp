@@ -11,7 +11,7 @@
 #include "statements/second_pass.h"
 #include "symbols/mistakes.h"
 #include "symbols/symbols.h"
-#include "symbols/token_places.h"
+#include "lexer/token_places.h"
 #include "warnings/comments.h"
 #include "warnings/routine_watch.h"
 #include "warnings/table.h"

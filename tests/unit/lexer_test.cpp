@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/settings.h"
-#include "fatal.h"
+#include "lexer/cpp_lines.h"
 #include "symbols/name_characters.h"
 
 namespace {
@@ -78,6 +77,29 @@ TEST(Lexer, CutsContinuationsAndFindsComments) {
     for (const auto& row : rows) {
         EXPECT_EQ(CutAtContinuation(row.line), row.cut) << row.line;
         EXPECT_EQ(CommentOf(row.line), row.comment) << row.line;
+    }
+}
+
+// Those of code, not of literals, comments and macros; of the branches of an #if one counts.
+TEST(Lexer, CountsTheBracesOfInlineCpp) {
+    const struct {
+        std::vector<std::string> lines;
+        int opened;
+    } rows[] = {
+        {{"if (a) { for (;;) {", "}"}, 1},
+        {{"} else {"}, 0},
+        {{"f(\"{\\\"{\", '{', '\\'', \"\"); // {", "/* {", "{ */ }"}, -1},
+        {{"auto a = u8R\"x({)\"{", "{ )x\"; {"}, 1},
+        {{"#define OPEN { \\", "{ {", "#if A", "if (a) {", "#else", "if (b) {", "#endif"}, 1},
+    };
+    for (const auto& row : rows) {
+        CppLines cpp;
+        int opened = 0;
+        for (const std::string& line : row.lines) {
+            cpp.Read(line);
+            opened += cpp.Braces();
+        }
+        EXPECT_EQ(opened, row.opened) << row.lines[0];
     }
 }
 

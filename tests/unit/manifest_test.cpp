@@ -6,13 +6,15 @@
 #include "base/settings.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
-#include "fatal.h"
 #include "outputs/marks.h"
 #include "outputs/output_files.h"
 #include "scratch_folder.h"
 #include "symbols/symbols.h"
 
 namespace fs = std::filesystem;
+
+#define EXPECT_HAS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+#define EXPECT_LACKS(text, part) EXPECT_EQ((text).find(part), std::string::npos) << (text)
 
 namespace {
 
@@ -175,8 +177,7 @@ protected:
         ScratchFolder::Write("out/main.cpp");
         ScratchFolder::Write("out/main.h", "#ifndef MAIN_H\n");
         ResetDependencies();
-        AddDependency("game/lib.kvl");
-        AddDependency("game/lib.kvl");
+        AddOnce(symbols.includedSources, "game/lib.kvl");
         UpdateDependencyManifest();
     }
     static constexpr const char* manifest = "out/.main.kvl.deps";

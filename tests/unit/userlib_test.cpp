@@ -3,10 +3,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "collect/userlib_reader.h"
-#include "fatal.h"
 #include "linking/deploy.h"
-#include "linking/library_names.h"
-#include "linking/linker_flags.h"
 #include "linking/runtime_code.h"
 #include "scratch_folder.h"
 #include "symbols/identifiers.h"
@@ -90,36 +87,6 @@ TEST_F(Userlib, SkipsWhatIsNoDeclaration) {
     ASSERT_EQ(symbols.userlibDLLs[0].functions.size(), 1U);
     EXPECT_EQ(symbols.userlibDLLs[1].functions[0].name, "Two");
     EXPECT_EQ(symbols.userlibDLLs[1].functions[0].line, 15);
-}
-
-// What calls go through, one function of each kind.
-TEST_F(Userlib, GeneratesTheWrappers) {
-    EXPECT_EQ(GenerateUserlibCode(), "");
-    Import(".lib \"a.dll\"\nAdd%(a%, b%):\"add\"\n.lib \"b.dll\"\nGreet$(who$, p:TPlayer)\n");
-    const std::string code = GenerateUserlibCode();
-    const std::string end =
-        "    }\n\n}\n\n"
-        "int Add(int a, int b)\n{\n"
-        "    if (Add_ptr == NULL) {\n"
-        "        std::cerr << \"ERROR: Add not loaded!\" << std::endl;\n"
-        "        return 0;\n"
-        "    }\n"
-        "    return Add_ptr(a, b);\n"
-        "}\n\n"
-        "std::string Greet(std::string who, KVL_TPlayer* p)\n{\n"
-        "    if (Greet_ptr == NULL) {\n"
-        "        std::cerr << \"ERROR: Greet not loaded!\" << std::endl;\n"
-        "        return \"\";\n"
-        "    }\n"
-        "    const char* result = Greet_ptr(who.c_str(), (void*)p);\n"
-        "    if (result == NULL) return \"\";\n"
-        "    return std::string(result);\n"
-        "}\n\n"
-        "// ===== End Userlib Code =====\n\n"
-        "int (&kvl_Add)(int, int) = ::Add;\n"
-        "std::string (&kvl_Greet)(std::string, KVL_TPlayer*) = ::Greet;\n\n";
-    ASSERT_GT(code.size(), end.size());
-    EXPECT_EQ(code.substr(code.size() - end.size()), end);
 }
 
 TEST_F(Userlib, EscapesLiterals) {

@@ -1,4 +1,4 @@
-#include "symbols/token_places.h"
+#include "lexer/token_places.h"
 
 #include <algorithm>
 #include <unordered_map>

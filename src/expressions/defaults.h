@@ -1,0 +1,8 @@
+// Default values of parameters.
+#pragma once
+
+#include "expressions/expression.h"
+
+// The default value of one of the routine's parameters, as text for the place of the statement under way. Names in
+// it mean what they mean at file level, also where a call stands among other variables.
+Expr& TranslateDefault(const Routine& routine, const Parameter& parameter);
