@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "lexer/token.h"
+#include "base/token.h"
 
 // Something that two pieces of a program may both be about: the screen, the objects of all Types, or whatever
 // bears a name. Locals, Fields of all classes and Globals of one name count as one thing.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "analysis/effect_set.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 // What the tokens of an expression of the open routine read and change, with all that they may call. The first

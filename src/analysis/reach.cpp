@@ -72,8 +72,9 @@ private:
 
     // The statements of a file included in the open routine are the routine's.
     void ReadPart(TokenSpan tokens) {
-        if (!IsQuoted(tokens[1])) return;
-        const std::string path = PathOfInclude(std::string(Unquoted(tokens[1])));
+        const auto name = IncludedName(tokens);
+        if (!name) return;
+        const std::string path = PathOfInclude(*name);
         if (!IsPart(path) || ++partsRead > mostParts) return;
         const std::string outer = std::exchange(file, path), outerId = std::exchange(fileId, FileId(path));
         ReadLines();

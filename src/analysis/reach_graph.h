@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "analysis/effect_reader.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 struct ReachNode {

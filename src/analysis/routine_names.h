@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 // What a name of a routine's own stands for.

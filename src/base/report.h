@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/diagnostic.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {

@@ -5,6 +5,7 @@
 #include "collect/userlib_reader.h"
 #include "linking/linker_flags.h"
 #include "symbols/file_places.h"
+#include "symbols/program_files.h"
 
 static void SayDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate import: " + name); }
 
@@ -28,7 +29,8 @@ void CollectLinker(FirstPass&, TokenSpan tokens) {
 }
 
 void CollectInclude(FirstPass& pass, TokenSpan tokens) {
-    if (!IsQuoted(tokens[1])) return;
-    pass.out.includes.emplace_back(Unquoted(tokens[1]));
-    pass.goesOn = pass.follow(pass.out.includes.back());
+    const auto name = IncludedName(tokens);
+    if (!name) return;
+    pass.out.includes.push_back(*name);
+    pass.goesOn = pass.follow(*name);
 }

@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "collect/first_pass.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 struct FirstPass {
     FirstPass(Declarations& lists, IncludeFollower includes) : out(lists), follow(includes) {}

@@ -66,8 +66,8 @@ private:
         if (tokens.size() < 2) return;
         if (keyword == Keyword::Type || keyword == Keyword::Element) {
             AddClass(tokens[1], keyword == Keyword::Element, path, line);
-        } else if (keyword == Keyword::Include && IsQuoted(tokens[1])) {
-            included.push_back({std::string(Unquoted(tokens[1])), place.inRoutine});
+        } else if (const auto name = IncludedName(tokens)) {
+            included.push_back({*name, place.inRoutine});
         }
     }
 

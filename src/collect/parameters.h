@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 // Reads `Function name [: type] ( parameters )` or `Method ...`; the result type may also stand behind

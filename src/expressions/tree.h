@@ -4,7 +4,7 @@
 
 #include <deque>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 // C++ precedence of the operator at the top of a text; a smaller number binds tighter.

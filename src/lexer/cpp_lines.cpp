@@ -1,7 +1,7 @@
 #include "lexer/cpp_lines.h"
 
+#include "base/token_text.h"
 #include "lexer/lexer.h"
-#include "lexer/token_text.h"
 
 namespace {
 

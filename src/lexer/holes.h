@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 struct StringPiece {
     enum class Kind : unsigned char {

@@ -1,7 +1,7 @@
 // What the text of a statement mentions, the holes of its Strings included.
 #pragma once
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // The tokens in the holes of a String; none for most.
 Tokens HoleTokens(const Word& literal);

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "base/token_span.h"
 #include "lexer/cut_file.h"
-#include "lexer/token_span.h"
 
 enum class Reading : unsigned char {
     Names,       // only lines that may declare something or name another file

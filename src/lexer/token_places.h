@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/report.h"
+#include "base/token_span.h"
 #include "lexer/cut_file.h"
-#include "lexer/token_span.h"
 
 struct SourcePlace {
     std::string file;

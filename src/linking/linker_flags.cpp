@@ -3,7 +3,7 @@
 #include "base/paths.h"
 #include "base/report.h"
 #include "base/settings.h"
-#include "lexer/token_text.h"
+#include "base/token_text.h"
 #include "symbols/program_files.h"
 #include "symbols/symbols.h"
 

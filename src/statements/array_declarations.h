@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/token_span.h"
 #include "expressions/expression.h"
-#include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 enum class ArrayPlace : unsigned char {

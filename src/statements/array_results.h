@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/token_span.h"
 #include "expressions/expression.h"
-#include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 // The value of a size as written; none when only the running program knows it.

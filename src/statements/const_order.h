@@ -2,7 +2,7 @@
 // is a constant there.
 #pragma once
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // False when the tokens name a Const or Global that the headers define only further down: of this file's
 // later lines, or of a file whose header comes later. The main file's header is the last one.

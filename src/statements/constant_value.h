@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 struct ConstantValue {
     enum class Kind : unsigned char { Integer, Real, Text } kind = Kind::Integer;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "statements/state.h"
 
 enum class DefinitionKind : unsigned char { Field = 1, Local = 2, Global = 4, Const = 8 };

@@ -1,7 +1,5 @@
 #include "statements/include_statement.h"
 
-#include <algorithm>
-
 #include "base/paths.h"
 #include "base/report.h"
 #include "statements/program.h"
@@ -54,12 +52,11 @@ void IncludeFile(State& state, SourceFile& file) {
 // Include "folder/file.kvl"
 //     #include "folder/file.cpp"
 void TranslateInclude(State& state, TokenSpan tokens) {
-    if (tokens[1].empty() || tokens[1].front() != '"') return;
+    const auto name = IncludedName(tokens);
+    if (!name) return;
     RefuseMore(tokens, 2);
-    std::string name = tokens[1];
-    name.erase(std::remove(name.begin(), name.end(), '"'), name.end());
-    if (symbols.importedNames.count(name) != 0) return;
-    const std::string source = PathOfInclude(name);
+    if (symbols.importedNames.count(*name) != 0) return;
+    const std::string source = PathOfInclude(*name);
     const bool inRoutine = InRoutine(state);
     if (inRoutine ? !IsPart(source) || IsHeaderOnly(source) : state.inType)
         ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");

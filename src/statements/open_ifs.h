@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // Statements by line and place in the line.
 using StatementPlaces = std::set<std::pair<int, std::size_t>>;

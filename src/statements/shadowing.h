@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // The C++ name of a Local or counter about to be declared. In `Local n = n + 1` and `For n = 1 To n` the name
 // means something outside that C++ would find no more, so the new variable gets a name apart.

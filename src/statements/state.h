@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/token_span.h"
 #include "expressions/expression.h"
-#include "lexer/token_span.h"
 #include "prelude/output.h"
 #include "statements/blocks.h"
 #include "statements/open_ifs.h"

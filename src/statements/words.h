@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "base/token_span.h"
 #include "expressions/expression.h"
-#include "lexer/token_span.h"
 
 // Ends the run when the statement has a token at index `from`.
 void RefuseMore(TokenSpan tokens, std::size_t from);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/report.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // Called where a mistake has been caught: it is kept, if the statement mentions nothing doubtful, and the
 // statement's own names become doubtful.

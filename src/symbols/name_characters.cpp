@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "lexer/token_text.h"
+#include "base/token_text.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "base/run.h"
 #include "base/settings.h"
-#include "lexer/token.h"
+#include "base/token.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"
 

@@ -41,6 +41,11 @@ void AddSourceFile(const std::string& path) {
     sourcesByName.emplace(Lower(StripFolder(path)), path);
 }
 
+std::optional<std::string> IncludedName(TokenSpan statement) {
+    if (statement.KeywordAt(0) != Keyword::Include || !IsQuoted(statement[1])) return {};
+    return std::string(Unquoted(statement[1]));
+}
+
 std::string PathOfInclude(const std::string& name) { return FirstOf(PlacesOfInclude(name)); }
 
 bool IsPart(const std::string& source) {

@@ -1,10 +1,16 @@
 // The files that the program is read from.
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "base/token_span.h"
 
 // The name scan tells each of them, the main source first.
 void AddSourceFile(const std::string& path);
+
+// The file that an Include names, as written; nothing for other statements and for an Include without a text.
+std::optional<std::string> IncludedName(TokenSpan statement);
 
 // The path that opens the file of an Include from the working directory.
 std::string PathOfInclude(const std::string& name);

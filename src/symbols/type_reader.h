@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/value_type.h"
 
 struct TypeNote {

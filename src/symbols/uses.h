@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/settings.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "symbols/symbols.h"
 
 // A Local, parameter or loop variable, which outlives its scope here.

@@ -3,8 +3,8 @@
 #include <array>
 
 #include "base/report.h"
+#include "base/token_text.h"
 #include "lexer/lexer.h"
-#include "lexer/token_text.h"
 #include "symbols/identifiers.h"
 #include "symbols/symbols.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "lexer/token.h"
+#include "base/token.h"
 
 struct SplitLine {
     std::string_view code;  // without blanks at its ends

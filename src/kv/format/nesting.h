@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 class Nesting {
 public:

@@ -5,7 +5,7 @@ namespace {
 constexpr std::string_view spellings[] = {
     "",
 #define ROW(name, traits) #name,
-#include "lexer/keywords.inc"
+#include "base/keywords.inc"
 #undef ROW
 };
 

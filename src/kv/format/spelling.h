@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 // The keyword that opens the statement; None where a Field of that name is assigned to.
 Keyword OpeningKeyword(TokenSpan statement);

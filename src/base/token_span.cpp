@@ -1,4 +1,4 @@
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 std::size_t TokenSpan::Matching(std::size_t open) const {
     int depth = 0;

@@ -1,10 +1,10 @@
-#include "lexer/keywords.h"
+#include "base/keywords.h"
 
 #include <array>
 #include <string>
 #include <unordered_map>
 
-#include "lexer/token_text.h"
+#include "base/token_text.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ constexpr Text LowerText(std::string_view name) {
 constexpr std::array<Text, keywordCount> texts = {{
     {},
 #define ROW(name, traits) LowerText(#name),
-#include "lexer/keywords.inc"
+#include "base/keywords.inc"
 #undef ROW
 }};
 

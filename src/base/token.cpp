@@ -1,7 +1,7 @@
-#include "lexer/token.h"
+#include "base/token.h"
 #include "base/run.h"
 
-#include "lexer/token_text.h"
+#include "base/token_text.h"
 
 #include <array>
 #include <cstdint>
