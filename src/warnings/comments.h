@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "library/korvel.h"
+#include "base/diagnostic.h"
 
 // Whether a comment in the line of the warning asks for silence: "; kv:ok" or "; kv:ok power unreachable".
 bool IsSilenced(const korvel::Diagnostic& warning);
