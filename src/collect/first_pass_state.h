@@ -4,8 +4,8 @@
 #include <string>
 #include <unordered_set>
 
-#include "collect/first_pass.h"
 #include "base/token_span.h"
+#include "collect/first_pass.h"
 
 struct FirstPass {
     FirstPass(Declarations& lists, IncludeFollower includes) : out(lists), follow(includes) {}

@@ -5,9 +5,9 @@
 #include <unordered_map>
 
 #include "lexer/source_lines.h"
+#include "lexer/token_places.h"
 #include "symbols/program_files.h"
 #include "symbols/symbols.h"
-#include "lexer/token_places.h"
 #include "symbols/uses.h"
 
 using korvel::Inspection;

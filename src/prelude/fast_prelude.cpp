@@ -11,8 +11,8 @@ namespace {
 // Code that kvt does not see, or that writes past the C++ streams, has its share in the output of some programs.
 std::string_view OutputText() {
     if (programUses.unsyncedOutput) return texts::fastUnitOutput;
-    const bool foreign = programUses.foreignOutput || settings.debugMode ||
-                         HasForeignFunctions() || !symbols.userlibDLLs.empty();
+    const bool foreign = programUses.foreignOutput || settings.debugMode || HasForeignFunctions() ||
+                         !symbols.userlibDLLs.empty();
     return foreign ? texts::fastLineOutput : texts::fastOutput;
 }
 

@@ -10,10 +10,10 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "lexer/mentions.h"
+#include "lexer/token_places.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
-#include "lexer/token_places.h"
 
 namespace {
 
