@@ -4,7 +4,6 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 #include "base/utf8.h"
@@ -44,10 +43,12 @@ std::vector<std::string> NamesIn(const std::string& heading) {
 
 // "| `Left(text, count)`, `Right(text, count)` | ..." names Left and Right.
 void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names) {
-    static const std::regex call("`(\\w+)[ (]");
-    const std::string cell = line.substr(0, line.find('|', 1));
-    for (std::sregex_iterator found(cell.begin(), cell.end(), call), end; found != end; ++found)
-        names.push_back((*found)[1]);
+    std::istringstream pieces(line.substr(0, line.find('|', 1)));
+    bool code = false;
+    for (std::string piece; std::getline(pieces, piece, '`'); code = !code) {
+        const std::size_t end = piece.find_first_of(" (");
+        if (code && end != std::string::npos && end > 0) names.push_back(piece.substr(0, end));
+    }
 }
 
 void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& entries) {
@@ -104,14 +105,31 @@ std::string Lead(const std::string& kind) {
     return "";
 }
 
+// "[the text](of a link)" is its text.
+std::string WithoutLinks(const std::string& line) {
+    std::string text;
+    std::size_t at = 0;
+    for (std::size_t middle; (middle = line.find("](", at)) != std::string::npos;) {
+        const std::size_t open = line.rfind('[', middle), close = line.find(')', middle);
+        if (open == std::string::npos || open < at || close == std::string::npos) break;
+        text += line.substr(at, open - at) + line.substr(open + 1, middle - open - 1);
+        at = close + 1;
+    }
+    return text + line.substr(at);
+}
+
+std::string WithoutStrong(std::string line) {
+    for (std::size_t at; (at = line.find("**")) != std::string::npos;) line.erase(at, 2);
+    return line;
+}
+
 // A line of text without its marks. What stands between backticks has none.
 std::string WithoutMarks(const std::string& line) {
-    static const std::regex link("\\[([^\\]]*)\\]\\([^)]*\\)"), strong("\\*\\*");
     std::string text;
     bool code = false;
     std::istringstream pieces(line);
     for (std::string piece; std::getline(pieces, piece, '`'); code = !code)
-        text += code ? piece : std::regex_replace(std::regex_replace(piece, link, "$1"), strong, "");
+        text += code ? piece : WithoutStrong(WithoutLinks(piece));
     return text;
 }
 

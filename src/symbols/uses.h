@@ -74,7 +74,7 @@ inline void NoteAllLocalsEnd() {
 // While one lives its statement is under way. At its end names that nobody has asked about are looked up as well.
 class StatementUses {
 public:
-    explicit StatementUses(TokenSpan statement);
+    explicit StatementUses(TokenSpan tokens);
     ~StatementUses();
     StatementUses(const StatementUses&) = delete;
     StatementUses& operator=(const StatementUses&) = delete;
