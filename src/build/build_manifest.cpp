@@ -13,6 +13,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "base/source_reader.h"
+#include "base/text.h"
 #include "base/token_span.h"
 #include "base/utf8.h"
 #include "lexer/lexer.h"
@@ -25,14 +26,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* sourceExtension = ".kvl";
-
-bool EndsWith(const std::string& text, const std::string& end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
-bool StartsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
 
 std::string ManifestPath(const std::string& outputPath) {
     return outputPath + "/." + StripFolder(settings.mainSource) + ".manifest";

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/text.h"
 #include "base/utf8.h"
 #include "kv/platform.h"
 
@@ -15,10 +16,6 @@ namespace {
 
 const std::size_t width = 78;
 const std::string entryMark = "### ", fence = "```";
-
-bool StartsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
 
 // Without dashes in front, in lower case.
 std::string Key(const std::string& word) {

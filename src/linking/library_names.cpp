@@ -4,6 +4,8 @@
 #include <sstream>
 #include <unordered_set>
 
+#include "base/text.h"
+
 namespace {
 
 // Functions whose parameters are all numbers or void* could have the very signature of a wrapper; the
@@ -190,8 +192,6 @@ std::unordered_set<std::string> WordSet(std::initializer_list<const char*> lists
     }
     return set;
 }
-
-bool StartsWith(const std::string& name, const char* start) { return name.rfind(start, 0) == 0; }
 
 const std::unordered_set<std::string>& DeclaredNames() {
     static const std::unordered_set<std::string> names =

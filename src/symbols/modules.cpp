@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "base/settings.h"
 #include "base/source_reader.h"
+#include "base/text.h"
 #include "base/utf8.h"
 #include "symbols/symbols.h"
 
@@ -14,10 +15,6 @@ namespace {
 
 constexpr const char* library = "lib/";
 constexpr const char* modules = "std/";  // in the library
-
-bool StartsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
 
 bool NamesModule(const std::string& name) {
     return StartsWith(name, modules) && name.find("..") == std::string::npos;

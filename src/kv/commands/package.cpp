@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "base/utf8.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
@@ -30,13 +31,10 @@ const struct {
 } archives[] = {{".tar.gz", "tar", "-czf"}, {".tgz", "tar", "-czf"}, {".zip", "zip", "-qr"}};
 const auto* const noArchive = std::end(archives);
 
-bool EndsIn(const std::string& text, const std::string& end) {
-    return text.size() > end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 const auto* ArchiveOf(const std::string& name) {
-    return std::find_if(std::begin(archives), std::end(archives),
-                        [&name](const auto& row) { return EndsIn(name, row.suffix); });
+    return std::find_if(std::begin(archives), std::end(archives), [&name](const auto& row) {
+        return name != row.suffix && EndsWith(name, row.suffix);
+    });
 }
 
 bool Refuse(const std::string& problem) {

@@ -1,3 +1,0 @@
-#pragma once
-
-#include "base/token.h"
