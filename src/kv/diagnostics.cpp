@@ -88,7 +88,7 @@ std::string Excerpt(const korvel::Range& range, const std::string& word, const c
     std::string text = number + " | " + source + "\n";
     std::string mark = Mark(line, range);
     if (mark.empty() && word.empty()) return text;
-    if (mark.empty()) mark = std::string(line.find_first_not_of(" \t"), ' ') + "^";
+    if (mark.empty()) mark = std::string(std::min(line.find_first_not_of(" \t"), line.size()), ' ') + "^";
     if (!word.empty()) mark += " " + word;
     return text + std::string(number.size(), ' ') + " | " +
            (colour != nullptr ? colour + mark + plain : mark) + "\n";

@@ -8,5 +8,5 @@
 // Whether a comment in the line of the warning asks for silence: "; kv:ok" or "; kv:ok power unreachable".
 bool IsSilenced(const korvel::Diagnostic& warning);
 
-// Print "a"; b
+// Print "a"; b. The texts of these warnings are yet to be filled in.
 std::vector<korvel::Diagnostic> SemicolonsBehindPrint();

@@ -43,10 +43,13 @@ void Locate(korvel::Diagnostic& warning, const Stop::Subject& about) {
     warning.lastColumn = place.where.last;
 }
 
-std::string HintOf(const std::string& name) {
-    for (const WarningRow& row : AllWarnings())
-        if (name == row.name) return row.hint;
-    return {};
+// The texts of its row; what is said where it is met has a message already.
+void AddTexts(korvel::Diagnostic& warning) {
+    for (const WarningRow& row : AllWarnings()) {
+        if (warning.name != row.name) continue;
+        if (warning.message.empty()) warning.message = row.text;
+        warning.hint = row.hint;
+    }
 }
 
 std::size_t FileNumber(const std::string& file) {
@@ -75,7 +78,7 @@ void TellWarnings() {
     std::set<decltype(placeOf(warnings.front()))> told;  // what stands in a file included twice comes twice
     for (korvel::Diagnostic& warning : warnings) {
         if (!told.insert(placeOf(warning)).second || IsSilenced(warning)) continue;
-        warning.hint = HintOf(warning.name);
+        AddTexts(warning);
         TellWarning(warning);
     }
 }
