@@ -4,8 +4,8 @@
 
 #include "base/report.h"
 #include "base/source_reader.h"
+#include "base/token_span.h"
 #include "lexer/lexer.h"
-#include "lexer/token_span.h"
 #include "linking/interface_type.h"
 #include "linking/library_places.h"
 #include "symbols/file_places.h"

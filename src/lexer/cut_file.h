@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "base/source_reader.h"
+#include "base/token_span.h"
 #include "lexer/cpp_lines.h"
 #include "lexer/lexer.h"
-#include "lexer/token_span.h"
 
 // One line with the lines joined to it. Its statements and the inline C++ before it begin in the lists of
 // the file where those of the line before end.

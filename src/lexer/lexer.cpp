@@ -6,7 +6,7 @@
 
 #include "base/report.h"
 #include "base/settings.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lexer/token.h"
+#include "base/token.h"
 
 // Brackets or strings of a line that are not right.
 struct LexTrouble {

@@ -5,8 +5,8 @@
 #include <unordered_map>
 
 #include "base/source_reader.h"
+#include "base/token_span.h"
 #include "lexer/lexer.h"
-#include "lexer/token_span.h"
 
 namespace {
 

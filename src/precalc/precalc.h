@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 struct PreCalcTable {
     std::string name;  // as written

@@ -4,9 +4,9 @@
 #include <charconv>
 #include <utility>
 
+#include "base/token_span.h"
 #include "expressions/math_functions.h"
 #include "lexer/lexer.h"
-#include "lexer/token_span.h"
 #include "precalc/table_functions.h"
 #include "symbols/identifiers.h"
 

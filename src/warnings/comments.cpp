@@ -6,8 +6,8 @@
 
 #include "base/run.h"
 #include "base/source_reader.h"
+#include "base/token_span.h"
 #include "lexer/lexer.h"
-#include "lexer/token_span.h"
 #include "symbols/symbols.h"
 
 namespace {
@@ -90,7 +90,6 @@ std::vector<korvel::Diagnostic> SemicolonsBehindPrint() {
             warning.line = number;
             warning.firstColumn = warning.lastColumn = static_cast<int>(comment) + 1;
             warning.name = "print-semicolon";
-            warning.message = "Behind ';' everything is a comment";
             warning.severity = korvel::Severity::Warning;
         });
     }

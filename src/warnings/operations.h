@@ -3,8 +3,8 @@
 
 #include <functional>
 
+#include "base/token_span.h"
 #include "expressions/operators.h"
-#include "lexer/token_span.h"
 
 struct Term {
     TokenSpan tokens;

@@ -1,7 +1,7 @@
 // Slips that show when several statements of a routine, or all of the program, are seen.
 #pragma once
 
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 
 struct State;
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/report.h"
-#include "lexer/token_span.h"
+#include "base/token_span.h"
 #include "warnings/operations.h"
 
 struct State;
