@@ -58,45 +58,9 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
     return at + 1;
 }
 
-ValueType NumberType(const std::string& token) {
-    const bool isDouble = token.find_first_of(".eE") != std::string::npos;
-    if (isDouble) return Single(Base::Double);
-    return Single(token.size() > 9 ? Base::Long : Base::Int);
-}
-
-ValueType WordType(const std::string& token) {
-    const std::string word = Lower(token);
-    if (word == "true" || word == "false") return Single(Base::Bool);
-    if (word == "null") return Single(Base::Null);
-    SettleTypeOf(token);
-    const Variable* constant = FindGlobal(token);
-    return constant && constant->isConst ? constant->type : Single(Base::Void);
-}
-
-// Type of a default value; Void when it is none.
-ValueType DefaultType(TokenSpan value) {
-    const bool isSigned = value[0] == "-" || value[0] == "+";
-    const TokenSpan rest = value.From(isSigned ? 1 : 0);
-    ValueType type = Single(Base::Void);
-    if (rest.size() == 2 && rest[0] == "." && IsDigit(rest[1][0])) {
-        type = Single(Base::Double);
-    } else if (rest.size() == 1) {
-        const char first = rest[0][0];
-        if (first == '"')
-            type = Single(Base::String);
-        else if (first == '$')
-            type = Single(Base::Int);
-        else if (IsDigit(first))
-            type = NumberType(rest[0]);
-        else
-            type = WordType(rest[0]);
-    }
-    const bool fits = !isSigned || !type.IsKnown() || type.IsNumber();
-    return fits ? type : Single(Base::Void);
-}
-
-void SettleDefault(Parameter& parameter) {
-    const ValueType type = DefaultType(parameter.defaultValue);
+void SettleDefault(const Routine& routine, Parameter& parameter) {
+    for (const std::string& name : parameter.defaultValue) SettleTypeOf(name);
+    const ValueType type = TypeOfDefault(routine, parameter);
     if (type.base == Base::Void)
         ReportUnknown("The default value of parameter '" + parameter.name +
                           "' must be a number, a text, True, False, Null or a Const",
@@ -130,7 +94,7 @@ void SettleParameters(Routine& routine) {
     const Parameter* defaulted = nullptr;
     for (Parameter& parameter : routine.parameters) {
         if (parameter.hasDefault) {
-            SettleDefault(parameter);
+            SettleDefault(routine, parameter);
             defaulted = &parameter;
             continue;
         }

@@ -1,5 +1,6 @@
 #include "expressions/defaults.h"
 
+#include "base/journal.h"
 #include "base/settings.h"
 #include "symbols/scopes.h"
 
@@ -14,4 +15,39 @@ Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
     settings.currentFile = file;
     settings.currentLine = line;
     return value;
+}
+
+namespace {
+
+bool IsConstOrLiteral(const Expr& expr) {
+    switch (expr.kind) {
+        case ExprKind::Number:
+        case ExprKind::Text:
+        case ExprKind::Holes:
+            return true;
+        case ExprKind::Fixed:
+            return expr.type.Is(Base::Bool) || expr.type.Is(Base::Null);
+        default:
+            return VariableOf(expr) != nullptr && expr.isConst;
+    }
+}
+
+bool IsDefault(const Expr& expr) {
+    const bool isSigned = expr.kind == ExprKind::Sign && (expr.text[0] == '-' || expr.text[0] == '+');
+    return IsConstOrLiteral(isSigned ? *expr.first : expr);
+}
+
+}  // namespace
+
+ValueType TypeOfDefault(const Routine& routine, const Parameter& parameter) {
+    const BorrowedNodes nodes;
+    Chapter untold;
+    const OpenChapter nothingIsSaid(untold);
+    try {
+        const Expr& value = TranslateDefault(routine, parameter);
+        return IsDefault(value) ? value.type : Single(Base::Void);
+    } catch (const Stop& stop) {
+        if (!stop.ofUnknown) throw;
+        return Single(Base::Void);
+    }
 }

@@ -6,3 +6,6 @@
 // The default value of one of the routine's parameters, as text for the place of the statement under way. Names in
 // it mean what they mean at file level, also where a call stands among other variables.
 Expr& TranslateDefault(const Routine& routine, const Parameter& parameter);
+
+// Its type; Void when it is none: a number, perhaps with a sign, a text, True, False, Null or a Const.
+ValueType TypeOfDefault(const Routine& routine, const Parameter& parameter);

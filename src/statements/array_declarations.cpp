@@ -9,12 +9,12 @@
 
 #include "base/report.h"
 #include "base/settings.h"
+#include "expressions/constants.h"
 #include "lexer/lexer.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
 #include "statements/array_loops.h"
 #include "statements/const_order.h"
-#include "statements/constant_value.h"
 #include "statements/words.h"
 #include "symbols/own_names.h"
 
@@ -43,22 +43,22 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
         ReportFatal("Array declaration missing closing bracket ]\nEach dimension of array '" + array.name +
                         "' needs brackets of its own, like [3][4]",
                     Tokens{array.name});
-    const std::optional<ConstantValue> known = EvaluateConstant(tokens);
-    const bool integer = known && known->kind == ConstantValue::Kind::Integer;
-    if (integer) CheckKnownSize(known->integer);
     const Expr& size = TranslateExpression(tokens, ExprMode::Condition);
+    const std::optional<ConstantValue> constant = ConstantOf(size);
+    const std::optional<long long> known = IntegerOf(constant);
+    if (known) CheckKnownSize(*known);
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
-    if (!fits || (known && !integer))
+    if (!fits || (constant && !known))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type),
                     Tokens{array.name});
-    if (!integer) {
+    if (!known) {
         RequireSupport(Support::ArraySize);
         return {"__kvSize(" + TextOf(size) + (", \"" + array.name + "\")"), std::nullopt};
     }
     // A header knows only the Consts above.
-    const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(tokens);
-    const bool named = IsConstantToCpp(tokens) && !tooEarly;
-    return {named ? TextOf(size) : Code(std::to_string(known->integer)), known->integer};
+    const bool tooEarly = place == ArrayPlace::Global && !UsesOnlyEarlierConsts(size);
+    const bool named = constant->toCpp && !tooEarly;
+    return {named ? TextOf(size) : Code(std::to_string(*known)), known};
 }
 
 std::vector<Size> ReadSizes(const Variable& array, ArrayPlace place) {

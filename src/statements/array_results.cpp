@@ -3,8 +3,8 @@
 #include "base/report.h"
 #include "base/run.h"
 #include "base/settings.h"
+#include "expressions/constants.h"
 #include "lexer/lexer.h"
-#include "statements/constant_value.h"
 
 namespace {
 
@@ -54,9 +54,7 @@ std::vector<std::string> SizesOf(const Routine& routine, const Expr& value) {
 }  // namespace
 
 std::optional<long long> KnownSize(const std::string& written) {
-    const std::optional<ConstantValue> value = EvaluateConstant(Split(written));
-    if (!value || value->kind != ConstantValue::Kind::Integer) return {};
-    return value->integer;
+    return IntegerOf(ConstantIn(Split(written)));
 }
 
 void RecordResultSizes(Routine& routine, const Expr& value, bool first) {

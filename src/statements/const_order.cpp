@@ -16,20 +16,9 @@ bool StandsBefore(const Variable& variable) {
 
 }  // namespace
 
-bool UsesOnlyEarlierConsts(TokenSpan tokens) {
-    for (const std::string& token : tokens) {
-        const Variable* variable = FindGlobal(token);
-        if (variable != nullptr && !StandsBefore(*variable)) return false;
-    }
-    return true;
-}
-
-bool IsConstantToCpp(TokenSpan tokens) {
-    if (!settings.safeMode || settings.debugMode) return true;
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens.SignAt(i) == '/' || tokens.KeywordAt(i) == Keyword::Mod) return false;
-        const Variable* variable = FindGlobal(tokens[i]);
-        if (variable != nullptr && variable->isConst && !IsConstantToCpp(variable->initialiser)) return false;
-    }
+bool UsesOnlyEarlierConsts(const Expr& expr) {
+    if (const Variable* variable = VariableOf(expr)) return StandsBefore(*variable);
+    for (const Expr& part : PartsOf(expr))
+        if (!UsesOnlyEarlierConsts(part)) return false;
     return true;
 }

@@ -10,8 +10,8 @@
 //     for (uint8_t KVL_b = 0, __kvMore_KVL_b = 1; __kvMore_KVL_b && KVL_b <= 255;
 //          __kvMore_KVL_b = KVL_b <= 255 - 1 && (KVL_b++, true))
 #include "base/report.h"
+#include "expressions/constants.h"
 #include "prelude/support.h"
-#include "statements/constant_value.h"
 #include "statements/for_loops.h"
 #include "statements/shadowing.h"
 #include "statements/words.h"
@@ -197,13 +197,12 @@ const Range* RangeOf(const ValueType& type) {
 
 // Whether the counter may have to step past its range. One as wide as Int is only suspected when the end
 // is written out; what a narrow one meets is often not known before the program runs.
-bool MayOverrun(const Range* range, const Counter& counter, const Parts& parts) {
+bool MayOverrun(const Range* range, const Counter& counter, const Bounds& bounds, const Course& course) {
     if (range == nullptr) return false;
-    const auto end = EvaluateConstant(parts.end);
-    const auto step = parts.stepGiven ? EvaluateConstant(parts.step)
-                                      : ConstantValue{ConstantValue::Kind::Integer, 1, 0, ""};
-    if (!end || !step) return !counter.type.Is(Base::Int);
-    const double last = end->AsReal() + step->AsReal();
+    const auto end = ConstantOf(*bounds.end);
+    const auto step = bounds.step != nullptr ? ConstantOf(*bounds.step) : std::nullopt;
+    if (!end || (bounds.step != nullptr && !step)) return !counter.type.Is(Base::Int);
+    const double last = end->AsReal() + (step ? step->AsReal() : course.down ? -1 : 1);
     return last < static_cast<double>(range->least) || last > static_cast<double>(range->most);
 }
 
@@ -269,7 +268,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     const Bounds bounds = BoundsInScope(counter, parts);
     const Course course = CourseOf(counter, bounds, parts.step);
     const Range* range = RangeOf(counter.type);
-    if (!MayOverrun(range, counter, parts)) range = nullptr;
+    if (!MayOverrun(range, counter, bounds, course)) range = nullptr;
     const bool asks = !course.asked.empty();
     if (asks)
         EmitLine(state, "{ KVStep<" + CppName(bounds.step->type) + "> " + course.asked + "(" +

@@ -5,6 +5,7 @@
 #include "analysis/bool_arrays.h"
 #include "base/report.h"
 #include "base/settings.h"
+#include "expressions/constants.h"
 #include "lexer/lexer.h"
 #include "lexer/source_lines.h"
 #include "prelude/support.h"
@@ -12,7 +13,6 @@
 #include "statements/array_loops.h"
 #include "statements/array_results.h"
 #include "statements/const_order.h"
-#include "statements/constant_value.h"
 #include "statements/dispatch.h"
 #include "statements/shadowing.h"
 #include "statements/words.h"
@@ -32,7 +32,6 @@ struct Declared {
     TypeNote note;
     bool hasValue = false;
     TokenSpan value;
-    std::size_t preludeUses = 0;  // before the value is worded
 };
 
 void ListTokens(TokenSpan tokens) {
@@ -160,12 +159,9 @@ void NoteValueType(TokenSpan value) {
 }
 
 // Where the header of a Const does not know the Consts that it uses yet, its value is written out.
-std::optional<long long> WrittenOut(const Declared& declared) {
+std::optional<long long> WrittenOut(const Declared& declared, const Expr& value) {
     if (declared.kind != DefinitionKind::Const || !declared.note.type.IsInteger()) return {};
-    if (UsesOnlyEarlierConsts(declared.value)) return {};
-    const std::optional<ConstantValue> known = EvaluateConstant(declared.value);
-    if (!known || known->kind != ConstantValue::Kind::Integer) return {};
-    return known->integer;
+    return UsesOnlyEarlierConsts(value) ? std::nullopt : IntegerOf(ConstantOf(value));
 }
 
 Code SingleText(const Declared& declared, const std::string& variable, const Expr& value) {
@@ -181,10 +177,8 @@ bool IsConstant(const Declared& declared, const Expr& value) {
     const ValueType& type = declared.note.type;
     if (!type.IsNumber() && !type.Is(Base::Object) && !type.Is(Base::Pointer)) return false;
     if (!declared.hasValue || value.type.base == Base::Null) return true;
-    const Keyword word = declared.value.size() == 1 ? declared.value.KeywordAt(0) : Keyword::None;
-    if (word == Keyword::True || word == Keyword::False) return true;
-    return PreludeUses() == declared.preludeUses && EvaluateConstant(declared.value) &&
-           IsConstantToCpp(declared.value);
+    const std::optional<ConstantValue> known = ConstantOf(value);
+    return known && known->toCpp;
 }
 
 void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
@@ -193,7 +187,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
         FailMismatch(value.type, type, declared.name, declared.value);
     const std::string variable = (type.IsKnown() ? CppName(type) : "auto") + " " + definition.cppName;
     definition.text = SingleText(declared, variable, value);
-    if (const std::optional<long long> number = WrittenOut(declared)) {
+    if (const std::optional<long long> number = WrittenOut(declared, value)) {
         definition.text = variable + " = " + std::to_string(*number) + ";";
         definition.constant = true;
         return;
@@ -294,7 +288,7 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     definition.moved = text.definition;
     for (const std::string& size : array.sizes) {
         const Tokens tokens = Split(size);
-        if (!EvaluateConstant(tokens))
+        if (!ConstantIn(tokens))
             definition.sizeNames.insert(definition.sizeNames.end(), tokens.begin(), tokens.end());
     }
     const bool plainSlots = array.type.base == Base::Element && place == ArrayPlace::Local;
@@ -322,7 +316,6 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     definition.name = declared.name;
     definition.cppName = CppNameOf(state, declared, tokens);
     if (declared.hasValue) NoteValueType(declared.value);
-    declared.preludeUses = PreludeUses();
     const Expr none;
     const Expr& value = declared.hasValue ? TranslateExpression(declared.value, ExprMode::Condition) : none;
     if (declared.hasValue) InferDeclaredType(declared, value);

@@ -8,8 +8,8 @@
 #include <algorithm>
 
 #include "base/report.h"
+#include "expressions/constants.h"
 #include "lexer/mentions.h"
-#include "statements/constant_value.h"
 #include "statements/for_loops.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
@@ -74,12 +74,10 @@ void TranslateWhile(State& state, TokenSpan tokens) {
     PushBlock();
     Code& line = FreshLine();
     line += "while (";
-    WriteCondition(line, tokens.From(1), "While");
+    const Expr& condition = WriteCondition(line, tokens.From(1), "While");
     line += ')';
     EmitLine(state, line);
-    const std::optional<ConstantValue> always = EvaluateConstant(tokens.From(1));
-    OpenNewBlock(state, BlockKind::Loop, "While").endless =
-        always && always->kind == ConstantValue::Kind::Integer && always->integer != 0;
+    OpenNewBlock(state, BlockKind::Loop, "While").endless = IntegerOf(ConstantOf(condition)).value_or(0) != 0;
     EmitLine(state, "{");
     EmitLine(state, "__kvSchedPoll();");
 }

@@ -13,13 +13,13 @@
 
 #include "base/report.h"
 #include "base/settings.h"
+#include "expressions/constants.h"
 #include "expressions/expression.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
 #include "statements/array_results.h"
-#include "statements/constant_value.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "statements/routines.h"
@@ -101,17 +101,17 @@ std::string CopyOfArray(State& state, const Expr& value) {
 bool IsCopied(const Expr& value) { return value.type.IsArray() && value.form != ArrayForm::Owned; }
 
 // Whether freeing the arrays cannot change the value: no variable in it but a plain Local.
-bool OutlivesArrays(const Expr& value, TokenSpan tokens) {
-    if (value.literal || EvaluateConstant(tokens)) return true;
+bool OutlivesArrays(const Expr& value) {
+    if (value.literal || ConstantOf(value)) return true;
     const bool plain = value.type.IsNumber() || value.type.Is(Base::String);
     return plain && VariableOf(value) != nullptr && FindLocal(value.variable->name) == value.variable;
 }
 
 // The value may read the arrays that are freed, and what it calls stands under this routine for a debugger.
-bool IsWorkedOutBefore(const State& state, const Expr& value, TokenSpan tokens) {
+bool IsWorkedOutBefore(const State& state, const Expr& value) {
     if (IsCopied(value)) return false;
     const bool seen = settings.debugMode && value.effects;
-    return seen || (OwnsObjects(state) && !OutlivesArrays(value, tokens));
+    return seen || (OwnsObjects(state) && !OutlivesArrays(value));
 }
 
 // The text to return, worked out before the routine is left where that matters.
@@ -143,7 +143,7 @@ void ReturnNothing(State& state, const ValueType& result) {
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
     const Expr& value = TranslateExpression(tokens, ExprMode::Condition);
     CheckValue(state, result, value);
-    const bool before = IsWorkedOutBefore(state, value, tokens);
+    const bool before = IsWorkedOutBefore(state, value);
     const bool introducesNames = before || IsCopied(value);
     const bool braces = introducesNames && (state.routine.hasReturn || IsOpen(state, BlockKind::Select));
     if (braces) EmitLine(state, "{");

@@ -15,9 +15,8 @@
 #include <utility>
 
 #include "base/report.h"
+#include "expressions/constants.h"
 #include "prelude/support.h"
-#include "statements/const_order.h"
-#include "statements/constant_value.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
@@ -85,10 +84,10 @@ Code LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
     const Expr& label = TranslateExpression(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
-    std::optional<ConstantValue> value = EvaluateConstant(tokens);
+    std::optional<ConstantValue> value = ConstantOf(label);
     if (!value) {
         // The index form compares at run time, so any Const will do there.
-        bool constant = select.byIndex && label.isConst;
+        const bool constant = select.byIndex && (label.isConst || label.kind == ExprKind::Holes);
         if (!constant)
             ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not", tokens);
         return ValueText(label);
@@ -97,8 +96,7 @@ Code LabelText(OpenSelect& select, TokenSpan tokens) {
         ReportFatal("Duplicate Case label: " + Spelling(tokens), tokens);
     if (select.subject.Is(Base::Double) && !label.type.Is(Base::Double))
         return "(double)" + GuardedText(label, Level::Unary);
-    if (value->kind == ConstantValue::Kind::Integer && !IsConstantToCpp(tokens))
-        return std::to_string(value->integer);
+    if (value->kind == ConstantValue::Kind::Integer && !value->toCpp) return std::to_string(value->integer);
     return ValueText(label);
 }
 

@@ -14,6 +14,7 @@
 #include "collect/element_circles.h"
 #include "collect/settle.h"
 #include "collect/value_circles.h"
+#include "expressions/constants.h"
 #include "lexer/source_lines.h"
 #include "outputs/output_files.h"
 #include "prelude/header.h"
@@ -184,4 +185,6 @@ void SettleProgram() {
         SettleTypes(file->declarations);
     }
     if (!symbols.complete) SettleLeftTypes();
+    for (const SourceFile* file : collected)
+        for (const std::string& name : file->declarations.constNames) SettleConstant(name);
 }

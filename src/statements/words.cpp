@@ -8,7 +8,7 @@ void RefuseMore(TokenSpan tokens, std::size_t from) {
                     tokens.Slice(from, from + 1));
 }
 
-void WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword) {
+const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword) {
     if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
     const Expr& condition = TranslateExpression(tokens, ExprMode::Condition);
     const ValueType& type = condition.type;
@@ -18,6 +18,7 @@ void WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword) {
                         KorvelName(type),
                     tokens);
     WriteValue(out, condition);
+    return condition;
 }
 
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {

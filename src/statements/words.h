@@ -9,8 +9,8 @@
 // Ends the run when the statement has a token at index `from`.
 void RefuseMore(TokenSpan tokens, std::size_t from);
 
-// Appends the C++ text of a condition, or returns it; ends the run when there is none or it has a type that is neither true nor false.
-void WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword);
+// Appends the C++ text of a condition, or returns it as a text of its own; ends the run when there is none or it has a type that is neither true nor false.
+const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword);
 Code ConditionText(TokenSpan tokens, const std::string& keyword);
 
 // Ends the run with the message for a value of type `from` that a variable of type `to` cannot take; it is about the

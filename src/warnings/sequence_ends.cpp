@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "base/run.h"
+#include "expressions/constants.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
-#include "statements/constant_value.h"
 #include "warnings/routine_watch.h"
 #include "warnings/table.h"
 
@@ -34,9 +34,8 @@ void NoteGetting(TokenSpan statement, std::size_t at) {
     if (!IsWord(statement[at - 2], "seqget") || arguments.size() != 2) return;
     const TokenSpan index = arguments[1];
     if (index.size() != 1 || !IsDigit(index[0][0])) return;
-    const auto value = EvaluateConstant(index);
-    if (value && value->kind == ConstantValue::Kind::Integer)
-        gettings.push_back({&statement.At(at), Kept(index), static_cast<std::size_t>(value->integer)});
+    if (const auto value = IntegerOf(ConstantIn(index)))
+        gettings.push_back({&statement.At(at), Kept(index), static_cast<std::size_t>(*value)});
 }
 
 // A mention of the Sequence. Where nobody sees what becomes of it, neither does its size.

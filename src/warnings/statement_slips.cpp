@@ -2,8 +2,8 @@
 #include <limits>
 
 #include "base/settings.h"
+#include "expressions/constants.h"
 #include "lexer/source_lines.h"
-#include "statements/constant_value.h"
 #include "statements/state.h"
 #include "symbols/scopes.h"
 #include "warnings/slips.h"
@@ -30,7 +30,7 @@ bool Fits(const ValueType& type, double value) {
 TokenSpan Misfit(const ValueType& type, TokenSpan value) {
     const bool isSigned = value.SignAt(0) == '-';
     if (value.size() != (isSigned ? 2U : 1U) || !IsDigit(value[isSigned ? 1 : 0][0])) return {};
-    const auto number = EvaluateConstant(value);
+    const auto number = ConstantIn(value);
     return number && !Fits(type, number->AsReal()) ? value : TokenSpan();
 }
 
@@ -70,10 +70,10 @@ Counting CountingOf(TokenSpan statement) {
     const std::size_t equals = FindEquals(statement), to = statement.Find(Keyword::To);
     if (equals == noToken || to == noToken || to < equals) return counting;
     const std::size_t step = statement.Find(Keyword::Step, to);
-    counting.start = EvaluateConstant(statement.Slice(equals + 1, to));
-    counting.end = EvaluateConstant(statement.Slice(to + 1, step));
+    counting.start = ConstantIn(statement.Slice(equals + 1, to));
+    counting.end = ConstantIn(statement.Slice(to + 1, step));
     counting.hasStep = step != noToken;
-    if (counting.hasStep) counting.step = EvaluateConstant(statement.From(step + 1));
+    if (counting.hasStep) counting.step = ConstantIn(statement.From(step + 1));
     return counting;
 }
 

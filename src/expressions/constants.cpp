@@ -1,0 +1,218 @@
+#include "expressions/constants.h"
+
+#include <climits>
+#include <cstdlib>
+#include <unordered_map>
+
+#include "base/journal.h"
+#include "base/run.h"
+#include "expressions/expression.h"
+#include "expressions/operators.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+using Value = std::optional<ConstantValue>;
+
+constexpr int deepest = 1000;  // Consts that name Consts
+int depth = 0;
+std::unordered_map<const Variable*, Value> valuesOfConsts;
+const PartOfRun partOfRun(depth, valuesOfConsts);
+
+Value Integer(long long value) {
+    ConstantValue result;
+    result.integer = value;
+    return result;
+}
+
+Value Real(double value) {
+    ConstantValue result;
+    result.kind = ConstantValue::Kind::Real;
+    result.real = value;
+    return result;
+}
+
+long long Wrapped(unsigned long long value) { return static_cast<long long>(value); }
+
+// C++ takes no shift that loses digits as a constant.
+Value Shifted(char operation, long long a, long long b) {
+    if (a < 0 || b < 0 || b > 62) return {};
+    if (operation == '>') return Integer(a >> b);
+    const long long most = a > INT_MAX ? LLONG_MAX : INT_MAX;
+    return a > most >> b ? Value() : Integer(a << b);
+}
+
+Value IntegerResult(char operation, long long a, long long b) {
+    const auto ua = static_cast<unsigned long long>(a);
+    const auto ub = static_cast<unsigned long long>(b);
+    switch (operation) {
+        case '+':
+            return Integer(Wrapped(ua + ub));
+        case '-':
+            return Integer(Wrapped(ua - ub));
+        case '*':
+            return Integer(Wrapped(ua * ub));
+        case '<':
+        case '>':
+            return Shifted(operation, a, b);
+        case '&':
+            return Integer(Wrapped(ua & ub));
+        case '^':
+            return Integer(Wrapped(ua ^ ub));
+        case '|':
+            return Integer(Wrapped(ua | ub));
+        default:
+            break;
+    }
+    if (b == 0) return {};
+    if (b == -1) return Integer(operation == '/' ? Wrapped(0ULL - ua) : 0);
+    return Integer(operation == '/' ? a / b : a % b);
+}
+
+Value RealResult(char operation, double a, double b) {
+    switch (operation) {
+        case '+':
+            return Real(a + b);
+        case '-':
+            return Real(a - b);
+        case '*':
+            return Real(a * b);
+        case '/':
+            return b == 0 ? Value() : Real(a / b);
+        default:
+            return {};
+    }
+}
+
+Value Combined(char operation, const ConstantValue& a, const ConstantValue& b) {
+    const auto text = ConstantValue::Kind::Text;
+    if (a.kind == text || b.kind == text) {
+        if (a.kind != b.kind || operation != '+') return {};
+        ConstantValue joined = a;
+        joined.text += b.text;
+        return joined;
+    }
+    if (a.kind == ConstantValue::Kind::Integer && b.kind == ConstantValue::Kind::Integer)
+        return IntegerResult(operation, a.integer, b.integer);
+    return RealResult(operation, a.AsReal(), b.AsReal());
+}
+
+Value Combine(char operation, const Value& a, const Value& b) {
+    if (!a || !b) return {};
+    Value result = Combined(operation, *a, *b);
+    if (result) result->toCpp = a->toCpp && b->toCpp;
+    return result;
+}
+
+// As C++ has it.
+Value Number(const std::string& word) {
+    if (word.rfind("0x", 0) == 0) return Integer(Wrapped(std::strtoull(word.c_str(), nullptr, 16)));
+    if (word.find_first_of(".eE") != std::string::npos) return Real(std::strtod(word.c_str(), nullptr));
+    return Integer(std::strtoll(word.c_str(), nullptr, 10));
+}
+
+Value Text(const std::string& literal) {
+    ConstantValue text;
+    text.kind = ConstantValue::Kind::Text;
+    text.text = Unquoted(literal);
+    return text;
+}
+
+Value Signed(char sign, const Expr& operand) {
+    if (sign == '!') return {};
+    if (sign == '~') return Combine('^', Integer(-1), ConstantOf(operand));
+    return Combine(sign, Integer(0), ConstantOf(operand));
+}
+
+Value Result(const Expr& operation) {
+    const OperatorKind kind = operation.operation->kind;
+    if (kind == OperatorKind::Order || kind == OperatorKind::Equality || kind == OperatorKind::Logic)
+        return {};
+    const Value left = ConstantOf(*operation.first);
+    return left ? Combine(operation.operation->text[0], left, ConstantOf(*operation.first->next)) : left;
+}
+
+Value Checked(Value value) {
+    if (value) value->toCpp = false;
+    return value;
+}
+
+Value Joined(const Expr& sum) {
+    Value text = Text("");
+    for (const Expr& part : PartsOf(sum)) text = text ? Combine('+', text, ConstantOf(part)) : text;
+    return text;
+}
+
+// What the variable makes of its value.
+Value Converted(const Variable& variable, Value value) {
+    if (!value || value->kind == ConstantValue::Kind::Text) return value;
+    if (variable.type.Is(Base::Double)) {
+        value->real = value->AsReal();
+        value->kind = ConstantValue::Kind::Real;
+    } else if (value->kind == ConstantValue::Kind::Real) {
+        value->integer = static_cast<long long>(value->real);
+        value->kind = ConstantValue::Kind::Integer;
+    }
+    return value;
+}
+
+Value OfConst(const Variable& variable) {
+    if (!variable.isConst || variable.initialiser.empty()) return {};
+    const auto [known, isNew] = valuesOfConsts.emplace(&variable, Value());
+    if (isNew && depth < deepest) {
+        ++depth;
+        known->second = Converted(variable, ConstantIn(variable.initialiser));
+        --depth;
+    }
+    return known->second;
+}
+
+}  // namespace
+
+Value ConstantOf(const Expr& expr) {
+    switch (expr.kind) {
+        case ExprKind::Number:
+            return Number(expr.word->text);
+        case ExprKind::Text:
+            return Text(expr.word->text);
+        case ExprKind::Fixed:
+            return expr.type.Is(Base::Bool) ? Integer(expr.text[0] == 't' ? 1 : 0) : Value();
+        case ExprKind::Name:
+            return OfConst(*expr.variable);
+        case ExprKind::Parentheses:
+            return ConstantOf(*expr.first);
+        case ExprKind::Sign:
+            return Signed(expr.text[0], *expr.first);
+        case ExprKind::Quotient:
+            return Checked(Result(expr));
+        case ExprKind::Operation:
+        case ExprKind::Remainder:
+            return Result(expr);
+        case ExprKind::Sum:
+            return Joined(expr);
+        default:
+            return {};
+    }
+}
+
+Value ConstantIn(TokenSpan tokens) {
+    const BorrowedNodes nodes;
+    const FileLevelNames names;
+    Chapter untold;
+    const OpenChapter nothingIsSaid(untold);
+    try {
+        return ConstantOf(TranslateExpression(tokens, ExprMode::Condition));
+    } catch (const Stop&) {
+        return {};
+    }
+}
+
+std::optional<long long> IntegerOf(const Value& value) {
+    if (!value || value->kind != ConstantValue::Kind::Integer) return {};
+    return value->integer;
+}
+
+void SettleConstant(const std::string& name) {
+    const auto found = symbols.constants.find(name);
+    if (found != symbols.constants.end()) OfConst(found->second);
+}
