@@ -6,6 +6,7 @@
 #include "expressions/constants.h"
 #include "lexer/holes.h"
 #include "lexer/mentions.h"
+#include "symbols/symbols.h"
 #include "warnings/routine_watch.h"
 #include "warnings/table.h"
 
@@ -26,7 +27,13 @@ std::vector<Getting> gettings;
 const PartOfRun partOfRun(fillings, gettings);
 
 bool IsSeqWord(const Word& word) {
-    return word.text.size() > 3 && IsWord(std::string_view(word.text).substr(0, 3), "seq");
+    return IsWord(std::string_view(word.text).substr(0, 3), "seq") && FindFunction(word.text) == nullptr;
+}
+
+// Of two that have one name nobody can tell which is meant.
+void NoteDeclared(const Word& name) {
+    const auto [filling, isNew] = fillings.try_emplace(&name);
+    filling->second.isKnown = isNew;
 }
 
 void NoteGetting(TokenSpan statement, std::size_t at) {
@@ -57,7 +64,7 @@ void NoteUse(TokenSpan statement, std::size_t at, Filling& filling) {
 void WatchSequences(TokenSpan statement) {
     if (statement.KeywordAt(0) == Keyword::Local && !InLoop()) {
         for (const TokenSpan part : statement.From(1).SplitAt(','))
-            if (part.KeywordAt(2) == Keyword::Sequence && part.size() == 5) fillings[&part.At(0)] = {};
+            if (part.KeywordAt(2) == Keyword::Sequence && part.size() == 5) NoteDeclared(part.At(0));
         return;
     }
     if (fillings.empty()) return;

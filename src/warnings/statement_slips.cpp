@@ -77,7 +77,9 @@ Counting CountingOf(TokenSpan statement) {
     return counting;
 }
 
-bool IsNegative(TokenSpan tokens) { return tokens.SignAt(0) == '-' && tokens.size() == 2; }
+bool IsNegative(TokenSpan tokens) {
+    return tokens.SignAt(0) == '-' && tokens.size() == 2 && IsDigit(tokens[1][0]);
+}
 
 }  // namespace
 

@@ -53,9 +53,10 @@ bool FormatFile(const std::string& file, bool onlyCheck) {
     return !onlyCheck;
 }
 
-bool FormatInput() {
+bool FormatInput(bool onlyCheck) {
     const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
     const std::string formatted = IsText(text) ? Formatted(text) : text;
+    if (onlyCheck) return formatted == text;
     return std::fwrite(formatted.data(), 1, formatted.size(), stdout) == formatted.size();
 }
 
@@ -65,7 +66,7 @@ int FmtCommand(const Options& options) {
     bool good = true;
     for (const std::string& name : options.names) {
         if (name == standardInput) {
-            good = FormatInput() && good;
+            good = FormatInput(options.onlyCheck) && good;
             continue;
         }
         for (const std::string& file : SourcesOf(name)) good = FormatFile(file, options.onlyCheck) && good;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/places.h"
 #include "base/text.h"
 #include "base/utf8.h"
 #include "kv/commands/commands.h"
@@ -14,6 +15,7 @@
 #include "kv/job.h"
 #include "kv/make.h"
 #include "kv/platform.h"
+#include "kv/progress.h"
 #include "kv/toolchain.h"
 #include "kv/write_file.h"
 
@@ -57,6 +59,9 @@ bool CopyData(const Job& job, const std::string& name, const fs::path& folder) {
     if (!fs::exists(data, failed)) return Refuse("cannot find " + name + ", which is to be packed");
     const fs::path way = data.lexically_relative(fs::weakly_canonical(PathOf(job.sourceFolder), failed));
     const bool isBelow = !way.empty() && *way.begin() != ".." && way != ".";
+    if (!LeadsOutOf(TextOf(data), TextOf(folder)))
+        return Refuse("cannot pack " + name +
+                      ", in which the package itself is made; name what to pack of it");
     const fs::path place = folder / (isBelow ? way : data.filename());
     if (fs::exists(place, failed))
         return Refuse("two things to pack have the name " + TextOf(place.filename()));
@@ -103,17 +108,14 @@ bool Package(const Job& job) {
     const fs::file_status status = fs::symlink_status(target, failed);
     if (fs::exists(status) && !(isArchive && fs::is_regular_file(status)))
         return Refuse(shown + " is there already; remove it, or name another place with -o");
-    if (!isArchive) {
-        if (!Fill(job, target)) return false;
-    } else {
-        const fs::path packing = PathOf(job.build.folder) / "package";
-        fs::remove_all(packing, failed);
-        const fs::path folder = packing / PathOf(ProgramName(job.source));
-        if (!Fill(job, folder) || !Pack(job, folder, target)) return false;
-        fs::remove_all(packing, failed);
-    }
-    std::printf("packed %s\n", shown.c_str());
-    return true;
+    const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
+    const fs::path packing = isArchive ? PathOf(job.build.folder) / "package" : target;
+    if (isArchive) fs::remove_all(packing, failed);
+    const fs::path folder = isArchive ? packing / PathOf(ProgramName(job.source)) : target;
+    const bool isPacked = Fill(job, folder) && (!isArchive || Pack(job, folder, target));
+    if (isArchive || !isPacked) fs::remove_all(packing, failed);
+    if (isPacked) std::printf("packed %s\n", shown.c_str());
+    return isPacked;
 }
 
 }  // namespace

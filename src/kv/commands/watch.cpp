@@ -6,6 +6,7 @@
 
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
+#include "kv/inputs.h"
 #include "kv/job.h"
 #include "kv/make.h"
 #include "kv/platform.h"
@@ -19,9 +20,8 @@ const std::chrono::milliseconds pause(100);
 // to speak of, and works on all file systems and with all editors, those that replace a file included.
 class Watched {
 public:
-    explicit Watched(const Job& job) : files_(job.translation.sources) {
+    explicit Watched(const Job& job) : files_(FilesTranslated(job)) {
         files_.push_back(job.source);
-        for (const std::string& file : job.translation.declarations) files_.push_back(file);
         before_ = Now();
     }
 
@@ -31,8 +31,8 @@ public:
     void Settle() const {
         std::vector<std::string> last;
         FileState main;
-        for (std::vector<std::string> now = Now(); now != last || !StateOf(files_.back(), main);
-             now = Now()) {
+        const std::string& source = files_.back();
+        for (std::vector<std::string> now = Now(); now != last || !StateOf(source, main); now = Now()) {
             last = now;
             std::this_thread::sleep_for(pause);
         }
