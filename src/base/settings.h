@@ -15,6 +15,7 @@ struct Settings {
     bool safeMode = false;        // -safe
     bool quickBuild = false;      // -quick
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
+    bool lineMarks = false;       // #line directives lead back to the source, and failures tell their place
     bool checkOnly = false;       // -check: nothing is written or deleted
     bool columns = false;         // it is found out which words a mistake is about
     bool uses = false;            // it is noted what names mean where they stand (symbols/uses.h)

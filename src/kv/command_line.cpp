@@ -162,6 +162,8 @@ bool IsFast(const Options& options) {
     return !options.plain && !options.debug && options.command != Command::check;
 }
 
+bool TellsPlaces(const Options& options) { return !options.plain && options.command != Command::check; }
+
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem) {
     problem.clear();
     if (arguments.empty()) return true;

@@ -50,6 +50,9 @@ bool IsToStay(const Options& options);
 // Whether the program is translated for speed.
 bool IsFast(const Options& options);
 
+// Whether the C++ leads back to the source, and a failing program says where it failed.
+bool TellsPlaces(const Options& options);
+
 // Reads the arguments after the program's name. Returns false and sets `problem` (one sentence for the user)
 // when they make no sense.
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem);

@@ -23,7 +23,8 @@ struct FlagRow {
 };
 const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug},
                             {"--safe", &korvel::Request::safe},
-                            {"--fast", &korvel::Request::fast}};
+                            {"--fast", &korvel::Request::fast},
+                            {"--places", &korvel::Request::places}};
 
 }  // namespace
 
@@ -35,6 +36,7 @@ std::vector<std::string> TranslatorCommand(const Job& job) {
     if (job.options.debug) command.emplace_back("--debug");
     if (job.options.safe) command.emplace_back("--safe");
     if (IsFast(job.options)) command.emplace_back("--fast");
+    if (TellsPlaces(job.options)) command.emplace_back("--places");
     return command;
 }
 

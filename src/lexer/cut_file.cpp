@@ -141,7 +141,7 @@ void LineCutter::CutInline() {
             return RefuseCompany("EndInlineCpp must stand alone on its line", raw);
         }
         cpp.Read(raw);
-        file.inlineLines.push_back({std::string(raw), cpp.GoesOn(), cpp.Braces()});
+        file.inlineLines.push_back({std::string(raw), physical, cpp.GoesOn(), cpp.Braces()});
     }
 }
 

@@ -52,6 +52,7 @@ struct LexedText {
 // A line of inline C++ as it stands.
 struct InlineLine {
     std::string text;
+    int line = 0;         // where it stands
     bool goesOn = false;  // behind its end, where nothing may be added
     int braces = 0;       // how many more it opens than it closes
 };

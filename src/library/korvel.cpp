@@ -42,6 +42,8 @@ void Begin(const Request& request) {
     settings.fastMode = request.fast;
     settings.warnings = request.warnings;
     settings.columns = true;
+    settings.lineMarks = request.places;
+    settings.warnings = settings.columns = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 

@@ -27,6 +27,7 @@ struct Request {
     bool debug = false;
     bool safe = false;
     bool fast = false;
+    bool places = false;     // the C++ leads back to the source: #line, and failures tell their place
     bool traced = false;     // -t
     bool commented = false;  // -c
 };

@@ -6,6 +6,7 @@
 
 #include "base/settings.h"
 #include "prelude/fast_prelude.h"
+#include "prelude/line_marks.h"
 #include "prelude/support.h"
 #include "prelude/texts.h"
 #include "symbols/modules.h"
@@ -99,7 +100,7 @@ std::string GlobalSection(const FileOutput& out) {
             text += "// Global variables and constants\n";
             announced = true;
         }
-        text += global.plain + "\n";
+        text += global.mark + global.plain + "\n";
     }
     return text;
 }
@@ -127,5 +128,6 @@ std::string HeaderText(const FileOutput& out, const std::vector<std::string>& in
     if (out.isMain && settings.fastMode) text += FastPrelude(!symbols.classList.empty());
     if (out.isMain) text += SupportText();
     text += out.headerClasses + out.headerFunctions + GlobalSection(out) + out.headerLate;
+    if (settings.lineMarks) text += OwnCodeMark();
     return text + "\n#endif\n";
 }

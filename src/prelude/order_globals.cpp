@@ -112,14 +112,14 @@ private:
         Place place = PlaceBehind(met.Before(effects), entry.position);
         if (takesValue) {
             place = std::max({place, Place::LateHeader, PlaceToCompile(entry)});
-            Append(place, "static const bool __kvTaken_" + entry.variable->cppName + " = (" + global.again +
+            Append(place, global.mark + "static const bool __kvTaken_" + entry.variable->cppName + " = (" + global.again +
                               ", true);");
         } else if (global.declaration.empty()) {
             place = Place::Header;
         } else {
             place = std::max(place, PlaceToCompile(entry));
             if (place != Place::Header) {
-                Append(place, global.definition);
+                Append(place, global.mark + global.definition);
                 global.plain = global.declaration;
                 effects.changes.insert(ThingOf(*entry.Name()));
             }

@@ -5,6 +5,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "base/utf8.h"
+#include "prelude/line_marks.h"
 
 namespace {
 
@@ -60,6 +61,7 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
 
 void PutGlobal(FileOutput& out, GlobalDefinition definition) {
     definition.number = ++globalCount;
+    definition.mark = MarkOfPlace();
     out.globals.push_back(std::move(definition));
 }
 

@@ -43,6 +43,7 @@ struct Piece {
 // A Global, Const or PreCalc table as the header gets it.
 struct GlobalDefinition {
     std::string name;                     // as written
+    std::string mark;                     // the #line directive in front of whichever line it gets
     std::string plain;                    // the definition line for the header
     std::string declaration;              // the extern line, when the definition has to move
     std::string definition;               // the line that defines it then

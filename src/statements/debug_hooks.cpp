@@ -6,6 +6,7 @@
 #include "analysis/reach.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
+#include "prelude/line_marks.h"
 #include "statements/program.h"
 #include "symbols/scopes.h"
 
@@ -156,6 +157,7 @@ void EmitStatementHook(State& state, Keyword keyword) {
 
 void EmitTypeEnumeration(FileOutput& out) {
     BeginPiece(out, Piece::Kind::Lines);
+    if (settings.lineMarks) out.pieces.back().text += OwnCodeMark();
     std::vector<const ClassInfo*> types = ListedTypes();
     PutEnumeration(out, types);
     PutFieldReader(out, types);

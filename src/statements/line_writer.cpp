@@ -1,9 +1,12 @@
 #include "statements/line_writer.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/run.h"
+#include "base/settings.h"
 #include "lexer/lexer.h"
+#include "prelude/line_marks.h"
 
 namespace {
 
@@ -17,7 +20,34 @@ void PutCode(State& state, std::string& piece, const Code& code) {
     piece += code.text;
 }
 
-void BeginLine(State& state, std::string& piece) {
+bool HoldsOwnCode(const Piece& piece) {
+    return piece.kind == Piece::Kind::Opening || piece.kind == Piece::Kind::ClassClose;
+}
+
+// Marks the line unless that is where the C++ compiler counts itself to. A slot may be filled with any lines.
+void MarkLine(State& state, int number) {
+    Piece& piece = state.out->pieces.back();
+    MarkedPlace& marked = state.marked;
+    const bool follows = marked.piece == &piece && marked.size == piece.text.size() &&
+                         marked.slots == state.routine.slots.size();
+    const bool own = HoldsOwnCode(piece);
+    if (own && !follows && piece.text.empty()) piece.text += OwnCodeMark();
+    if (!own && number > 0 && !follows) piece.text += LineMark(settings.currentFile, number);
+    if (!own && number > 0 && follows && marked.line != number) piece.text += LineMark(number);
+    marked = {&piece, piece.text.size(), state.routine.slots.size(), number};
+}
+
+// Takes note of the lines that the piece has got since MarkLine.
+void NoteMarked(State& state) {
+    const std::string& text = state.out->pieces.back().text;
+    MarkedPlace& marked = state.marked;
+    const auto from = text.begin() + static_cast<std::ptrdiff_t>(std::min(marked.size, text.size()));
+    marked.line += static_cast<int>(std::count(from, text.end(), '\n'));
+    marked.size = text.size();
+}
+
+void BeginLine(State& state, std::string& piece, std::string_view text) {
+    if (text != "{") MarkLine(state);  // a brace does nothing
     state.routine.bareLabel = false;
     if (state.place.indent > 0) piece.append(static_cast<std::size_t>(state.place.indent), '\t');
 }
@@ -33,20 +63,34 @@ void EndLine(State& state, std::string& piece) {
         state.place.commentText.clear();
     }
     piece += '\n';
+    if (settings.lineMarks) NoteMarked(state);
 }
 
 }  // namespace
 
+void MarkLine(State& state) {
+    if (settings.lineMarks) MarkLine(state, state.place.line);
+}
+
+void EmitInlineCpp(State& state, const InlineLine& inlined) {
+    // A mark would become part of what an unfinished line begins.
+    if (settings.lineMarks && !state.marked.unfinished) MarkLine(state, inlined.line);
+    PutLine(*state.out, settings.traceMode && !inlined.goesOn ? inlined.text + " //INLINE" : inlined.text);
+    if (!settings.lineMarks) return;
+    NoteMarked(state);
+    state.marked.unfinished = inlined.goesOn;
+}
+
 void EmitLine(State& state, std::string_view text) {
     std::string& piece = state.out->pieces.back().text;
-    BeginLine(state, piece);
+    BeginLine(state, piece, text);
     piece += text;
     EndLine(state, piece);
 }
 
 void EmitLine(State& state, const Code& code) {
     std::string& piece = state.out->pieces.back().text;
-    BeginLine(state, piece);
+    BeginLine(state, piece, code.text);
     PutCode(state, piece, code);
     EndLine(state, piece);
 }
@@ -60,7 +104,7 @@ Code& FreshLine() {
 std::vector<std::size_t> EmitSlottedLine(State& state, const std::vector<Code>& texts) {
     std::string& piece = state.out->pieces.back().text;
     std::vector<std::size_t> slots;
-    BeginLine(state, piece);
+    BeginLine(state, piece, {});
     for (const Code& text : texts) {
         if (&text != &texts.front()) slots.push_back(OpenSlot(state));
         PutCode(state, piece, text);

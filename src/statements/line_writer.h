@@ -1,7 +1,15 @@
-// What rides along with emitted lines: the user's comments.
+// What rides along with emitted lines: the user's comments, the marks that lead back to the source.
 #pragma once
 
 #include "statements/state.h"
+#include "symbols/cut_file.h"
+
+// Writes the mark (prelude/line_marks.h) that the next line needs, if any: lines do so themselves. Behind it stands the
+// first byte of the next line.
+void MarkLine(State& state);
+
+// A line of inline C++ as it stands.
+void EmitInlineCpp(State& state, const InlineLine& inlined);
 
 // The comment of the source line ("//...", or empty) goes to the next line that is emitted. Called where the last
 // of the line's statements begins.

@@ -83,6 +83,7 @@ OpenPart::OpenPart(State& routine, FileOutput& out) : state(routine) {
     if (++partCount > mostParts)
         ReportFatal("The program has more than " + std::to_string(mostParts) +
                     " Includes inside Functions and Methods. Put what they include into a Function");
+    MarkLine(state);
     std::string& text = state.out->pieces.back().text;
     const std::size_t lineAt = text.size();
     const std::string head = "#include \"", path = PathOfCpp(out);
@@ -100,12 +101,14 @@ OpenPart::OpenPart(State& routine, FileOutput& out) : state(routine) {
     place.firstBlock = state.blocks.size();
     place.firstWith = state.withs.size();
     std::swap(state.place, place);
+    state.marked = {};
 }
 
 OpenPart::~OpenPart() {
     std::swap(state.place, place);
     state.routine.parts[number].end = EndOf(state);
     state.routine.openParts.pop_back();
+    state.marked = {};
 }
 
 void OpenPart::Read(const std::string& source) {

@@ -13,10 +13,12 @@
 #include "base/settings.h"
 #include "collect/parameters.h"
 #include "lexer/lexer.h"
+#include "prelude/line_marks.h"
 #include "statements/class_bodies.h"
 #include "statements/debug_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
+#include "statements/line_writer.h"
 #include "statements/parts.h"
 #include "statements/returns.h"
 #include "statements/words.h"
@@ -94,12 +96,14 @@ void Open(State& state, RoutineKind kind, const std::string& name, const Routine
 
 // `after` stands between the opening brace and the poll.
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
+    MarkLine(state);
     Piece& piece = state.out->pieces.back();
     piece.signatureEnd = piece.text.size() + static_cast<std::size_t>(state.place.indent) + signature.size();
     EmitLine(state, signature);
     piece.braceAt = piece.text.size();
     EmitLine(state, "{");
     piece.bodyAt = piece.text.size();
+    state.marked = {};  // calls may follow here
     EmitLines(state, after);
     EmitLine(state, "__kvSchedPoll();");
     if (state.routine.isMain) EmitLine(state, "\tstd::cout.precision(15);");
@@ -213,7 +217,7 @@ void BeginMethodPiece(State& state, const Routine& method) {
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
     DeclareParameters(method);
     piece.definitionHead =
-        result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
+        MarkOfPlace() + result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
                 LinesBeforePoll(state, method));
 }

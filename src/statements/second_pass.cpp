@@ -71,7 +71,7 @@ void ReadStatements(State& state, const std::string& source) {
         const std::size_t code = line.text.find_first_not_of(" \t");
         if (code != std::string::npos && line.text.compare(code, 2, "//") != 0)
             state.routine.bareLabel = false;
-        PutLine(*state.out, settings.traceMode && !line.goesOn ? line.text + " //INLINE" : line.text);
+        EmitInlineCpp(state, line);
     };
     while (lines.Next()) {
         NoteOpened(state, opened);

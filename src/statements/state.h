@@ -51,6 +51,15 @@ struct RoutinePart {
     std::size_t pathSize = 0;
 };
 
+// How far the lines of the open piece are those that the C++ compiler takes them for.
+struct MarkedPlace {
+    const Piece* piece = nullptr;
+    std::size_t size = 0;     // of its text
+    std::size_t slots = 0;    // of the routine
+    int line = 0;             // of what comes next, as the compiler counts
+    bool unfinished = false;  // a line of inline C++ goes on
+};
+
 // What of the state belongs to the place in the file that the statements stand in.
 struct PlaceInFile {
     std::string traceText;    // with -t: source of the statement, until attached to a line
@@ -97,6 +106,7 @@ struct OpenWith {
 struct State {
     FileOutput* out = nullptr;
     PlaceInFile place;
+    MarkedPlace marked;
     OpenRoutine routine;
     std::vector<Block> blocks;    // every open If, loop and Select, innermost last
     std::vector<OpenWith> withs;  // the innermost last

@@ -1,0 +1,370 @@
+// Tells why a program made by kv failed, and where, on the error stream:
+//
+//     error: the program used an object that is Null
+//       at game.kvl:12 in Method TPlayer\Move
+//
+// With KV_STACK defined all routines under way follow, the innermost first. Status and signal of the program stay what
+// they are without this. Nothing happens, and nothing is slower, until something fails: signals and exceptions that end
+// the program lead here, and so do run-time errors (kvfailure.h). The places come from the line tables of the C++
+// compiler, whose #line directives lead to the source; libbacktrace, which comes with g++, reads them. Without it the
+// message stands alone.
+#include "kvfailure.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <typeinfo>
+
+#include <cxxabi.h>
+#include <unwind.h>
+
+#ifdef _WIN32
+#include <io.h>
+#include <windows.h>
+#else
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
+#ifdef KV_BACKTRACE
+#include <backtrace.h>
+#endif
+
+extern "C" {
+void (*__kvBeforeFailure)() = nullptr;
+}
+
+namespace {
+
+// ---- Writing: no memory is asked for, for there may be none ------------------------------------------------------
+
+void Say(const char* text, std::size_t size) {
+    while (size > 0) {
+        const int written = static_cast<int>(::write(2, text, static_cast<unsigned>(size)));
+        if (written <= 0) return;
+        text += written;
+        size -= static_cast<std::size_t>(written);
+    }
+}
+
+class Line {
+public:
+    Line& operator<<(const char* text) { return Add(text, std::strlen(text)); }
+    Line& operator<<(unsigned long long number) {
+        char digits[24];
+        std::size_t at = sizeof digits;
+        do {
+            digits[--at] = static_cast<char>('0' + number % 10);
+            number /= 10;
+        } while (number > 0);
+        return Add(digits + at, sizeof digits - at);
+    }
+    Line& Add(const char* text, std::size_t length) {
+        if (length > sizeof bytes - 1 - used) length = sizeof bytes - 1 - used;
+        std::memcpy(bytes + used, text, length);
+        used += length;
+        return *this;
+    }
+    void End() {
+        bytes[used++] = '\n';
+        Say(bytes, used);
+        used = 0;
+    }
+
+private:
+    char bytes[2000];
+    std::size_t used = 0;
+};
+
+void SayError(const char* what) {
+    Line line;
+    (line << "error: " << what).End();
+}
+
+// ---- Names: those of C++ in Korvel's words -----------------------------------------------------------------------
+
+struct Word {
+    const char* text;
+    std::size_t size;
+};
+
+Word WithoutPrefix(Word word) {
+    const bool prefixed = word.size > 4 && std::memcmp(word.text, "KVL_", 4) == 0;
+    return prefixed ? Word{word.text + 4, word.size - 4} : word;
+}
+
+// "6KVL_Do" gives KVL_Do and moves on behind it.
+bool TakeWord(const char*& mangled, Word& word) {
+    std::size_t size = 0;
+    const char* at = mangled;
+    for (; *at >= '0' && *at <= '9'; ++at) size = size * 10 + static_cast<std::size_t>(*at - '0');
+    if (size == 0 || size > std::strlen(at)) return false;
+    word = WithoutPrefix({at, size});
+    mangled = at + size;
+    return true;
+}
+
+// "_ZN11KVL_TPlayer8KVL_MoveEi", "_Z8KVL_Drawv", also with a lambda or a local inside it ("_ZZ...").
+void SayRoutine(Line& line, const char* name) {
+    if (std::strcmp(name, "main") == 0) {
+        line << " in Function Main";
+        return;
+    }
+    const char* at = name;
+    if (at[0] == '_' && at[1] == 'Z') at += 2;
+    while (*at == 'Z' || *at == 'L') ++at;
+    const bool nested = *at == 'N';
+    if (nested) ++at;
+    while (*at == 'K' || *at == 'V' || *at == 'L') ++at;
+    Word first, second;
+    if (at == name) {
+        first = WithoutPrefix({name, std::strlen(name)});
+    } else if (!TakeWord(at, first)) {
+        return;
+    }
+    if (first.size > 2 && std::memcmp(first.text, "__", 2) == 0) {
+        line << " in the value of a Global";
+    } else if (nested && TakeWord(at, second)) {
+        ((line << " in Method ").Add(first.text, first.size) << "\\").Add(second.text, second.size);
+    } else if (nested) {
+        (line << (*at == 'D' ? " in the destructor of " : " in the constructor of ")).Add(first.text, first.size);
+    } else {
+        (line << " in Function ").Add(first.text, first.size);
+    }
+}
+
+// ---- Places ------------------------------------------------------------------------------------------------------
+
+const int framesShown = 20;
+
+char folder[1000];  // in front of the sources' paths, as whoever runs the program sees them
+
+#ifdef KV_BACKTRACE
+
+backtrace_state* state = nullptr;
+int placesSaid = 0;
+
+void IgnoreProblem(void*, const char*, int) {}
+
+// Paths of the source count from its folder. All else is the system's, or marked as ours.
+const char* SourcePath(const char* file) {
+    if (file[0] == '.' && file[1] == '/') file += 2;
+    const bool other = file[0] == '/' || file[0] == '<' || file[0] == '\0' || file[1] == ':';
+    return other ? nullptr : file;
+}
+
+int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine) {
+    const char* path = file == nullptr ? nullptr : SourcePath(file);
+    if (path == nullptr || number <= 0) return 0;
+    Line line;
+    line << "  at " << folder << path << ":" << static_cast<unsigned long long>(number);
+    if (routine != nullptr) SayRoutine(line, routine);
+    line.End();
+    ++placesSaid;
+#ifdef KV_STACK
+    return 0;
+#else
+    return 1;
+#endif
+}
+
+struct Walk {
+    int frames = 0;
+    bool onlyCount = false;
+};
+
+_Unwind_Reason_Code Visit(_Unwind_Context* context, void* data) {
+    Walk& walk = *static_cast<Walk*>(data);
+    int isExact = 0;
+    const uintptr_t address = _Unwind_GetIPInfo(context, &isExact);
+    if (address == 0) return _URC_END_OF_STACK;
+    ++walk.frames;
+#ifdef KV_STACK
+    if (placesSaid >= framesShown) return _URC_NO_REASON;
+#else
+    if (placesSaid > 0 || walk.frames > 1000) return _URC_END_OF_STACK;
+#endif
+    backtrace_pcinfo(state, address - (isExact ? 0 : 1), SayPlace, IgnoreProblem, nullptr);
+    return _URC_NO_REASON;
+}
+
+void SayPlaces() {
+    if (state == nullptr) state = backtrace_create_state(nullptr, 0, IgnoreProblem, nullptr);
+    if (state == nullptr) return;
+    Walk walk;
+    _Unwind_Backtrace(Visit, &walk);
+#ifdef KV_STACK
+    if (placesSaid < framesShown) return;
+    Line line;
+    (line << "  ... " << static_cast<unsigned long long>(walk.frames) << " calls under way").End();
+#endif
+}
+
+#else
+
+void SayPlaces() {}
+
+#endif
+
+// ---- Exceptions --------------------------------------------------------------------------------------------------
+
+bool said = false;  // what ends the program now has been told
+
+// The number behind the mark, as the C++ library has it: "(which is 7)".
+bool NumberBehind(const char* text, const char* mark, unsigned long long& number) {
+    const char* at = std::strstr(text, mark);
+    return at != nullptr && std::sscanf(at + std::strlen(mark), " (which is %llu)", &number) == 1;
+}
+
+void SayOutOfRange(const char* what) {
+    unsigned long long index = 0, size = 0;
+    const bool isText = std::strncmp(what, "basic_string", 12) == 0;
+    const bool known = NumberBehind(what, isText ? "__pos" : "__n", index) && NumberBehind(what, "size()", size);
+    if (!known) return SayError(what);
+    Line line;
+    line << "error: ";
+    if (isText)
+        line << "position " << index << " is behind the end of a text of " << size << " bytes";
+    else if (index > ~0ULL / 2)
+        line << "index -" << ~index + 1 << " is outside of an array of " << size;
+    else
+        line << "index " << index << " is outside of an array of " << size;
+    line.End();
+}
+
+// Within a handler of the exception.
+void SayException() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        SayError("memory ran out");
+    } catch (const std::length_error&) {
+        SayError("memory ran out: an array, Sequence or text cannot become so large");
+    } catch (const std::out_of_range& problem) {
+        SayOutOfRange(problem.what());
+    } catch (const std::invalid_argument& problem) {
+        SayError(problem.what());
+    } catch (const std::exception& problem) {
+        Line line;
+        (line << "error: an exception of C++ ended the program: " << problem.what()).End();
+    } catch (...) {
+        SayError("an exception of C++ ended the program");
+    }
+}
+
+[[noreturn]] void EndByException() {
+    if (!said) {
+        said = true;
+        if (__cxxabiv1::__cxa_current_exception_type() != nullptr)
+            SayException();
+        else
+            SayError("an exception of C++ ended the program");
+        SayPlaces();
+    }
+    std::abort();
+}
+
+// ---- Signals -----------------------------------------------------------------------------------------------------
+
+const unsigned long long nullPage = 65536;
+const char nullText[] = "the program used an object that is Null";
+const char deepText[] = "calls went too deep";
+const char memoryText[] = "the program used memory that is not its own (an index outside of its array, an object that is gone?)";
+const char divisionText[] = "division by zero";
+const char abortText[] = "the program was aborted";
+const char codeText[] = "the program came to code that cannot be executed";
+
+#ifndef _WIN32
+
+char handlerStack[256 * 1024];  // endless recursion leaves no room on the usual one
+extern "C" char** environ;
+const char* stackTop = nullptr;
+
+const int signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+
+// Whether nearly all of the stack is in use, and the program wanted to use what lies below it.
+bool IsStackEnd(const char* address) {
+    struct rlimit limit;
+    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY || address > stackTop) return false;
+    const unsigned long long depth = static_cast<unsigned long long>(stackTop - address);
+    return depth > limit.rlim_cur / 8 * 7 && depth / 2 < limit.rlim_cur;
+}
+
+// g++ puts this instruction where it can see that an object is Null.
+bool IsTrap(const siginfo_t* info) {
+#if defined(__x86_64__) || defined(__i386__)
+    const unsigned char* code = static_cast<const unsigned char*>(info->si_addr);
+    return code[0] == 0x0f && code[1] == 0x0b;
+#else
+    (void)info;
+    return false;
+#endif
+}
+
+const char* TextOf(int number, const siginfo_t* info) {
+    const char* address = static_cast<const char*>(info->si_addr);
+    const bool bySystem = info->si_code > 0;  // otherwise somebody has sent it
+    switch (number) {
+        case SIGSEGV:
+        case SIGBUS:
+            if (!bySystem) return number == SIGSEGV ? "signal SIGSEGV" : "signal SIGBUS";
+            if (number == SIGSEGV && IsStackEnd(address)) return deepText;
+            if (info->si_code == SEGV_MAPERR && reinterpret_cast<uintptr_t>(address) < nullPage) return nullText;
+            return memoryText;
+        case SIGFPE:
+            return bySystem ? divisionText : "signal SIGFPE";
+        case SIGILL:
+            return !bySystem ? "signal SIGILL" : IsTrap(info) ? nullText : codeText;
+        default:
+            return abortText;
+    }
+}
+
+// The program ends as it would have without this.
+void EndBySignal(int number, siginfo_t* info, void*) {
+    struct sigaction usual;
+    std::memset(&usual, 0, sizeof usual);
+    usual.sa_handler = SIG_DFL;
+    sigaction(number, &usual, nullptr);
+    if (__kvBeforeFailure != nullptr) __kvBeforeFailure();
+    if (!said) {
+        said = true;
+        SayError(TextOf(number, info));
+        SayPlaces();
+    }
+    raise(number);  // comes when this one returns
+}
+
+// Before anything of the program runs. Whoever wants these signals takes them over later, or has done so by now.
+__attribute__((constructor(101))) void Begin() {
+    stackTop = reinterpret_cast<const char*>(environ);
+    if (const char* given = std::getenv("KORVEL_FOLDER")) {
+        if (std::strlen(given) < sizeof folder) std::strcpy(folder, given);
+        unsetenv("KORVEL_FOLDER");  // for programs that this one starts it means nothing
+    }
+    std::set_terminate(EndByException);
+    stack_t own, present;
+    std::memset(&own, 0, sizeof own);
+    own.ss_sp = handlerStack;
+    own.ss_size = sizeof handlerStack;
+    if (sigaltstack(nullptr, &present) == 0 && (present.ss_flags & SS_DISABLE)) sigaltstack(&own, nullptr);
+    struct sigaction action, before;
+    std::memset(&action, 0, sizeof action);
+    action.sa_sigaction = EndBySignal;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    sigemptyset(&action.sa_mask);
+    for (const int number : signals) {
+        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_DFL) sigaction(number, &action, nullptr);
+    }
+}
+
+#endif
+
+}  // namespace
+
+extern "C" void __kvFail(int status) {
+    SayPlaces();
+    std::exit(status);
+}

@@ -1,0 +1,44 @@
+// What the C++ of a program that kv makes calls when it fails. kvfailure.cpp says what happened, and where; kv compiles
+// it once and links it to every such program. Where it cannot be had, KV_NO_FAILURES stands for that.
+#ifndef KV_FAILURE_H
+#define KV_FAILURE_H
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#ifdef KV_NO_FAILURES
+
+static void (*__kvBeforeFailure)();
+[[noreturn]] inline void __kvFail(int status) { std::exit(status); }
+
+#else
+
+extern "C" {
+// Called before anything is said of a signal: terminal, output that waits. Only what a signal handler may do.
+extern void (*__kvBeforeFailure)();
+// Behind the text of a run-time error: says where it happened and ends the program.
+[[noreturn]] void __kvFail(int status);
+}
+
+#endif
+
+// ToInt and ToDouble of a text.
+template<typename Number>
+Number __kvNumber(const char* function, Number (*convert)(const std::string&), const std::string& text) {
+    try {
+        return convert(text);
+    } catch (const std::invalid_argument&) {
+        throw std::invalid_argument(std::string(function) + ": \"" + text + "\" is no number");
+    } catch (const std::out_of_range&) {
+        throw std::out_of_range(std::string(function) + ": \"" + text + "\" is too large a number");
+    }
+}
+inline int __kvToInt(const std::string& text) {
+    return __kvNumber<int>("ToInt", [](const std::string& t) { return std::stoi(t); }, text);
+}
+inline double __kvToDouble(const std::string& text) {
+    return __kvNumber<double>("ToDouble", [](const std::string& t) { return std::stod(t); }, text);
+}
+
+#endif
