@@ -257,6 +257,9 @@ inline void InstallHandlers() {
     if (installed) return;
     installed = true;
     std::atexit(RestoreAtExit);
+#ifdef KV_FAILURE_H
+    if (__kvBeforeFailure == nullptr) __kvBeforeFailure = RestoreAtExit;
+#endif
 
     // Endless recursion leaves no room on the stack for a handler.
     static char handlerStack[65536];

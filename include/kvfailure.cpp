@@ -29,7 +29,17 @@
 #endif
 
 #ifdef KV_BACKTRACE
-#include <backtrace.h>
+// Of libbacktrace, whose header only g++ finds.
+#include <cstdint>
+#include <link.h>
+struct backtrace_state;
+extern "C" {
+typedef void (*backtrace_error_callback)(void* data, const char* message, int error);
+typedef int (*backtrace_full_callback)(void* data, uintptr_t address, const char* file, int line, const char* function);
+backtrace_state* backtrace_create_state(const char* file, int threaded, backtrace_error_callback failed, void* data);
+int backtrace_pcinfo(backtrace_state* state, uintptr_t address, backtrace_full_callback told,
+                     backtrace_error_callback failed, void* data);
+}
 #endif
 
 extern "C" {
@@ -106,23 +116,23 @@ bool TakeWord(const char*& mangled, Word& word) {
     return true;
 }
 
-// "_ZN11KVL_TPlayer8KVL_MoveEi", "_Z8KVL_Drawv", also with a lambda or a local inside it ("_ZZ...").
+// "_ZN11KVL_TPlayer8KVL_MoveEi", "_Z8KVL_Drawv", with a lambda or a local inside it "_ZZ..."; a Function that nobody
+// else can call has its plain name.
 void SayRoutine(Line& line, const char* name) {
+    if (std::strcmp(name, "operator()") == 0) return;  // a part of a routine
     if (std::strcmp(name, "main") == 0) {
         line << " in Function Main";
         return;
     }
+    Word first = WithoutPrefix({name, std::strlen(name)}), second;
     const char* at = name;
-    if (at[0] == '_' && at[1] == 'Z') at += 2;
-    while (*at == 'Z' || *at == 'L') ++at;
-    const bool nested = *at == 'N';
-    if (nested) ++at;
-    while (*at == 'K' || *at == 'V' || *at == 'L') ++at;
-    Word first, second;
-    if (at == name) {
-        first = WithoutPrefix({name, std::strlen(name)});
-    } else if (!TakeWord(at, first)) {
-        return;
+    bool nested = false;
+    if (at[0] == '_' && at[1] == 'Z') {
+        at += 2;
+        while (*at == 'Z' || *at == 'L') ++at;
+        nested = *at == 'N';
+        while (*at == 'N' || *at == 'K' || *at == 'L') ++at;
+        if (!TakeWord(at, first)) return;
     }
     if (first.size > 2 && std::memcmp(first.text, "__", 2) == 0) {
         line << " in the value of a Global";
@@ -170,10 +180,32 @@ int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine
 #endif
 }
 
+// Where the code of the program lies: the first of what is loaded. Libraries may bring line tables of their own.
+struct Range {
+    uintptr_t begin, end;
+} ownCode = {~static_cast<uintptr_t>(0), 0};
+
+int NoteOwnCode(dl_phdr_info* info, std::size_t, void*) {
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const uintptr_t begin = info->dlpi_addr + info->dlpi_phdr[i].p_vaddr;
+        const uintptr_t end = begin + info->dlpi_phdr[i].p_memsz;
+        if (info->dlpi_phdr[i].p_type != PT_LOAD) continue;
+        if (begin < ownCode.begin) ownCode.begin = begin;
+        if (end > ownCode.end) ownCode.end = end;
+    }
+    return 1;
+}
+
 struct Walk {
-    int frames = 0;
-    bool onlyCount = false;
+    unsigned long long frames = 0, repeats = 0;
+    uintptr_t last = 0;
 };
+
+void SayRepeats(Walk& walk) {
+    Line line;
+    if (walk.repeats > 0) (line << "     ... and " << walk.repeats << " times more").End();
+    walk.repeats = 0;
+}
 
 _Unwind_Reason_Code Visit(_Unwind_Context* context, void* data) {
     Walk& walk = *static_cast<Walk*>(data);
@@ -182,24 +214,27 @@ _Unwind_Reason_Code Visit(_Unwind_Context* context, void* data) {
     if (address == 0) return _URC_END_OF_STACK;
     ++walk.frames;
 #ifdef KV_STACK
-    if (placesSaid >= framesShown) return _URC_NO_REASON;
+    if (address == walk.last) ++walk.repeats;
+    if (address == walk.last || placesSaid >= framesShown) return _URC_NO_REASON;
+    walk.last = address;
+    SayRepeats(walk);
 #else
     if (placesSaid > 0 || walk.frames > 1000) return _URC_END_OF_STACK;
 #endif
-    backtrace_pcinfo(state, address - (isExact ? 0 : 1), SayPlace, IgnoreProblem, nullptr);
+    if (address >= ownCode.begin && address < ownCode.end)
+        backtrace_pcinfo(state, address - (isExact ? 0 : 1), SayPlace, IgnoreProblem, nullptr);
     return _URC_NO_REASON;
 }
 
 void SayPlaces() {
     if (state == nullptr) state = backtrace_create_state(nullptr, 0, IgnoreProblem, nullptr);
     if (state == nullptr) return;
+    dl_iterate_phdr(NoteOwnCode, nullptr);
     Walk walk;
     _Unwind_Backtrace(Visit, &walk);
-#ifdef KV_STACK
-    if (placesSaid < framesShown) return;
+    SayRepeats(walk);
     Line line;
-    (line << "  ... " << static_cast<unsigned long long>(walk.frames) << " calls under way").End();
-#endif
+    if (placesSaid >= framesShown) (line << "  ... " << walk.frames << " calls are under way").End();
 }
 
 #else

@@ -19,6 +19,8 @@ std::vector<std::string> CommandLineWords(int argc, char** argv);
 
 // A variable of the environment; empty when it is not set.
 std::string EnvironmentVariable(const char* name);
+// Programs that are started from now on have it.
+void PutEnvironmentVariable(const char* name, const std::string& value);
 
 // From construction to destruction, or to the end of the program, a console takes what is written to it as UTF-8.
 class Utf8Console {

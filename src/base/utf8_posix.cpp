@@ -19,5 +19,7 @@ std::string EnvironmentVariable(const char* name) {
     return value != nullptr ? value : "";
 }
 
+void PutEnvironmentVariable(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+
 Utf8Console::Utf8Console() = default;
 Utf8Console::~Utf8Console() = default;

@@ -46,6 +46,10 @@ std::string EnvironmentVariable(const char* name) {
     return value != nullptr ? Narrow(value) : "";
 }
 
+void PutEnvironmentVariable(const char* name, const std::string& value) {
+    _wputenv_s(Wide(name).c_str(), Wide(value).c_str());
+}
+
 // The setting belongs to the console: whoever uses it next finds it as it was.
 static UINT consoleEncoding = 0;
 

@@ -123,7 +123,7 @@ void WriteLambdaCheck(Code& out, const Expr& item, const Expr& array, const Text
         out += "if ((" + index + ") < 0 || (" + index + ") >= " + size +
                ") { std::cerr << \"Array bounds error: " + item.word->text + "[\" << (" + index + ") << \"]" +
                (k == last ? "" : "[...]") + " dimension " + std::to_string(k) + " out of range [0, \" << (" +
-               size + "-1) << \"]\" << std::endl; exit(1); } ";
+               size + "-1) << \"]\" << std::endl; " + std::string(EndOfFailure()) + "(1); } ";
     }
     out += "return " + plain + "; })()";
 }

@@ -82,21 +82,28 @@ CompileJob CompileJobOf(const Job& job) {
     compile.debug = job.options.debug;
     compile.isForWindows = IsForWindows(job.options);
     compile.isStatic = job.options.isStatic;
+    compile.places = TellsPlaces(job.options);
+    compile.failureCode = job.failureCode;
+    compile.cppFolder = job.build.cppFolder;
     compile.linkerFlags = job.linkerFlags;
     return compile;
+}
+
+PrecompileJob PrecompileJobOf(const Job& job) {
+    PrecompileJob precompile;
+    precompile.compiler = job.compiler;
+    precompile.includeFolder = TextOf(PathOf(job.installation) / "include");
+    precompile.optimisation = job.options.optimisation;
+    precompile.debug = job.options.debug;
+    precompile.places = TellsPlaces(job.options);
+    precompile.verbose = job.options.verbose;
+    return precompile;
 }
 
 // Finds or makes the precompiled header that serves the job's compilation, if any.
 void ChoosePrelude(Job& job) {
     // A compilation for speed spends its time elsewhere.
-    if (job.options.optimisation != "-O0") return;
-    PreludeJob prelude;
-    prelude.compiler = job.compiler;
-    prelude.includeFolder = TextOf(PathOf(job.installation) / "include");
-    prelude.optimisation = job.options.optimisation;
-    prelude.debug = job.options.debug;
-    prelude.verbose = job.options.verbose;
-    job.prelude = PreparePrelude(prelude);
+    if (job.options.optimisation == "-O0") job.prelude = PreparePrelude(PrecompileJobOf(job));
 }
 
 using CommandBuilder = std::vector<std::string> (*)(const std::vector<std::string>& compiler,
@@ -250,6 +257,10 @@ std::vector<std::string> SharedLibraries(const Job& job) {
             libraries.push_back(name);
     }
     return libraries;
+}
+
+void ChooseFailureCode(Job& job) {
+    if (TellsPlaces(job.options)) job.failureCode = PrepareFailureCode(PrecompileJobOf(job));
 }
 
 std::string CompilationOf(const Job& job) {

@@ -6,6 +6,9 @@
 
 #include "kv/job.h"
 
+// Finds or makes what tells of the failures of the job's program.
+void ChooseFailureCode(Job& job);
+
 // How the job's generated files are compiled, in one line that differs for different ways.
 std::string CompilationOf(const Job& job);
 

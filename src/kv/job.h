@@ -20,6 +20,8 @@ struct Job {
     std::string mainCpp;  // the generated main file
     std::string prelude;  // the precompiled header that served the compilation; empty: none
 
+    std::string failureCode;  // what tells of the program's failures, to be linked; empty: none
+
     // Set by the translation, or by the last one when nothing has changed since:
     korvel::Result translation;
     std::vector<std::string> linkerFlags;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 
 #include "base/paths.h"
 #include "base/utf8.h"
@@ -24,86 +25,162 @@ const char preludeText[] =
     "#include <type_traits>\n#include <cstdlib>\n#include <limits>\n#include <conio.h>\n#include "
     "<functional>\n"
     "#include <chrono>\n#include <cmath>\n";
+const char failureInclude[] = "#include <kvfailure.h>\n";
 
 const char compiledSuffix[] = ".gch";  // g++ and clang++ both look for it
+const char preludes[] = "prelude";
 
-std::vector<std::string> PreludeCommand(const PreludeJob& job, const std::string& header,
-                                        const std::string& compiled) {
-    std::vector<std::string> command = job.compiler;
-    command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
-    if (job.debug) command.push_back("-g");
-    const std::string folder = FolderOf(header);
-    const auto forTool = [&](const std::string& path) { return PathForTool(path, folder); };
-    command.push_back("-I" + forTool(job.includeFolder));
-    command.insert(command.end(), {"-x", "c++-header", forTool(header), "-o", forTool(compiled)});
-    return command;
+using Words = std::vector<std::string>;
+
+// Something to be made once.
+struct Task {
+    std::string kind;                // its folder in the cache
+    std::string name;                // the file that is asked for
+    std::string text;                // what it holds; empty: it is compiled
+    std::vector<std::string> reads;  // files that count beside the compiler
+    std::vector<std::function<Words(const std::string& target)>>
+        commands;      // one after the other until one succeeds
+    std::string work;  // what the user is told
+};
+
+std::string Compiled(const Task& task, const std::string& file) {
+    return task.text.empty() ? file : file + compiledSuffix;
 }
 
-bool CompilePrelude(const PreludeJob& job, const std::string& header, const std::string& compiled) {
-    const std::string unfinished = compiled + ".new";
+std::string StampOf(const std::string& file) { return file + ".stamp"; }
+
+// All that a change of makes another one.
+std::string KeyOf(const Task& task, const Words& compiler) {
+    std::string key = task.text;
+    for (const auto& command : task.commands) key += ReadableCommandLine(command("")) + "\n";
+    for (const Words& files : {CompilerFiles(compiler), task.reads}) {
+        for (const std::string& file : files) key += MarkOf(file) + "\n";
+    }
+    return HashOf(key);
+}
+
+bool Run(const Task& task, const Words& command, const std::string& file, bool verbose) {
     ProcessRequest request;
-    request.arguments = PreludeCommand(job, header, unfinished);
-    request.workingFolder = FolderOf(header);
-    request.outputFile = header + ".output";
-    request.errorFile = header + ".errors";
-    if (job.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
+    request.arguments = command;
+    request.workingFolder = FolderOf(file);
+    request.outputFile = file + ".output";
+    request.errorFile = file + ".errors";
+    if (verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
     std::string problem;
-    std::error_code failed;
-    fs::remove(PathOf(unfinished), failed);
-    Progress progress("Compiling the standard headers, once for all programs");
+    Progress progress(task.work);
     request.whileWaiting = progress.Ticks();
     const bool done = RunProcess(request, problem) == 0;
     progress.End();
+    std::error_code ignored;
+    fs::remove(PathOf(request.outputFile), ignored);
+    fs::remove(PathOf(request.errorFile), ignored);
+    return done;
+}
+
+bool CompileIt(const Task& task, const std::string& file, bool verbose) {
+    const std::string compiled = Compiled(task, file), unfinished = compiled + ".new";
+    std::error_code failed;
+    fs::remove(PathOf(unfinished), failed);
+    bool done = false;
+    for (const auto& command : task.commands) done = done || Run(task, command(unfinished), file, verbose);
     if (done) fs::rename(PathOf(unfinished), PathOf(compiled), failed);
     std::error_code ignored;
     fs::remove(PathOf(unfinished), ignored);
-    fs::remove(PathOf(request.outputFile), ignored);
-    fs::remove(PathOf(request.errorFile), ignored);
     return done && !failed;
 }
 
-std::string StampOf(const std::string& header) { return header + ".stamp"; }
+// Whether all of it is what was made here, with nothing in it changed since.
+bool IsWhole(const std::string& file, const std::string& key) { return StampHolds(StampOf(file), key); }
 
-// Whether both forms of the header are what was made here, with nothing in them changed since.
-bool IsWhole(const PreludeJob& job, const std::string& header) {
-    return StampHolds(StampOf(header),
-                      ReadableCommandLine(PreludeCommand(job, header, header + compiledSuffix)));
-}
-
-bool MakePrelude(const PreludeJob& job, const std::string& header) {
-    const std::string compiled = header + compiledSuffix;
-    DropPrelude(header);
-    if (!WriteOver(PathOf(header), preludeText) || !CompilePrelude(job, header, compiled)) return false;
+bool MakeIt(const Task& task, const std::string& key, const std::string& file, bool verbose) {
+    std::error_code ignored;
+    const std::string compiled = Compiled(task, file);
+    fs::remove(PathOf(StampOf(file)), ignored);
+    fs::remove(PathOf(compiled), ignored);
+    if (!task.text.empty() && !WriteOver(PathOf(file), task.text)) return false;
+    if (!CompileIt(task, file, verbose)) return false;
     StampFiles files;
-    files.generated = {header};
+    if (!task.text.empty()) files.generated = {file};
     files.products = {compiled};
-    WriteStamp(StampOf(header), header, ReadableCommandLine(PreludeCommand(job, header, compiled)), files);
-    return IsWhole(job, header);
+    WriteStamp(StampOf(file), file, key, files);
+    return IsWhole(file, key);
 }
+
+// The file, made unless it is there; empty when that is not possible.
+std::string Prepare(const Task& task, const PrecompileJob& job) {
+    if (job.compiler.empty()) return "";
+    const std::string key = KeyOf(task, job.compiler);
+    const std::string folder = PrivateFolder(CacheFolder(), {task.kind, key});
+    if (folder.empty()) return "";
+    const std::string file = TextOf(PathOf(folder) / task.name);
+    if (IsWhole(file, key)) return file;
+    const FileLock lock(file + ".lock", Progress("Waiting for another kv").Ticks());
+    // Two writers would spoil it for all programs.
+    return lock.IsHeld() && (IsWhole(file, key) || MakeIt(task, key, file, job.verbose)) ? file : "";
+}
+
+Words WithFlags(const PrecompileJob& job, const Words& flags) {
+    Words command = job.compiler;
+    command.push_back("-std=c++11");
+    command.insert(command.end(), flags.begin(), flags.end());
+    return command;
+}
+
+void Add(Words& command, const Words& more) { command.insert(command.end(), more.begin(), more.end()); }
 
 }  // namespace
 
 std::string PreludesFolder() {
     const std::string cache = CacheFolder();
-    return cache.empty() ? "" : TextOf(PathOf(cache) / "prelude");
+    return cache.empty() ? "" : TextOf(PathOf(cache) / preludes);
 }
 
-std::string PreparePrelude(const PreludeJob& job) {
-    if (job.compiler.empty()) return "";
-    std::string key = preludeText + ReadableCommandLine(PreludeCommand(job, "", "")) + "\n";
-    for (const std::string& program : CompilerFiles(job.compiler)) key += MarkOf(program) + "\n";
-    key += MarkOf(TextOf(PathOf(job.includeFolder) / "conio.h"));
-    const std::string folder = PrivateFolder(CacheFolder(), {"prelude", HashOf(key)});
-    if (folder.empty()) return "";
-    const std::string header = TextOf(PathOf(folder) / "prelude.h");
-    if (IsWhole(job, header)) return header;
-    const FileLock lock(header + ".lock", Progress("Waiting for another kv").Ticks());
-    // Two writers would spoil it for all programs.
-    return lock.IsHeld() && (IsWhole(job, header) || MakePrelude(job, header)) ? header : "";
+std::string PreparePrelude(const PrecompileJob& job) {
+    Task task;
+    task.kind = preludes;
+    task.name = "prelude.h";
+    task.text = job.places ? std::string(failureInclude) + preludeText : preludeText;
+    task.work = "Compiling the standard headers, once for all programs";
+    for (const char* const header : {"conio.h", "kvfailure.h"})
+        task.reads.push_back(TextOf(PathOf(job.includeFolder) / header));
+    task.commands = {[&job, &task](const std::string& target) {
+        const std::string folder = target.empty() ? "" : FolderOf(target);
+        Words command = WithFlags(job, {job.optimisation, "-pipe", "-w"});
+        Add(command, LineTableFlags(job.debug, job.places));
+        Add(command,
+            {"-I" + PathForTool(job.includeFolder, folder), "-x", "c++-header",
+             PathForTool(TextOf(PathOf(folder) / task.name), folder), "-o", PathForTool(target, folder)});
+        return command;
+    }};
+    return Prepare(task, job);
 }
 
 void DropPrelude(const std::string& header) {
     std::error_code ignored;
     fs::remove(PathOf(StampOf(header)), ignored);
     fs::remove(PathOf(header + compiledSuffix), ignored);
+}
+
+std::string PrepareFailureCode(const PrecompileJob& job) {
+    const std::string source = TextOf(PathOf(job.includeFolder) / "kvfailure.cpp");
+    const auto command = [&](const std::string& target, const Words& kind, const Words& libraries) {
+        const std::string folder = target.empty() ? "" : FolderOf(target);
+        Words words = WithFlags(job, {"-O2", "-w"});
+        if (job.debug) words.push_back("-DKV_STACK");
+        Add(words, kind);
+        Add(words, {PathForTool(source, folder), "-o", PathForTool(target, folder)});
+        Add(words, libraries);
+        return words;
+    };
+    Task task;
+    task.kind = "failure";
+    task.name = "failure.o";
+    task.work = "Compiling what tells of failures, once for all programs";
+    task.reads = {source, TextOf(PathOf(job.includeFolder) / "kvfailure.h")};
+    // With the library that reads line tables inside, where there is one.
+    task.commands = {[&](const std::string& target) {
+                         return command(target, {"-DKV_BACKTRACE", "-r", "-nostdlib"}, {"-lbacktrace"});
+                     },
+                     [&](const std::string& target) { return command(target, {"-c"}, {}); }};
+    return Prepare(task, job);
 }

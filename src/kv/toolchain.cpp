@@ -64,10 +64,29 @@ std::string ForTool(const CompileJob& job, const std::string& path) {
     return PathForTool(path, job.sourceFolder);
 }
 
+void Add(std::vector<std::string>& command, const std::vector<std::string>& more) {
+    command.insert(command.end(), more.begin(), more.end());
+}
+
+// Tables of lines name the sources by their way from the main one, so that programs are the same wherever they are
+// made, and mark what is generated. Folders with the sign that parts the two names stay as they are.
+void AddPlaceFlags(std::vector<std::string>& command, const CompileJob& job) {
+    const struct {
+        const std::string& folder;
+        const char* name;
+    } names[] = {{job.sourceFolder, "."}, {job.includeFolder, "<korvel>"}, {job.cppFolder, "<korvel>"}};
+    for (const auto& row : names) {
+        if (row.folder.find('=') == std::string::npos)
+            command.push_back("-fdebug-prefix-map=" + row.folder + "=" + row.name);
+    }
+    if (job.failureCode.empty()) command.push_back("-DKV_NO_FAILURES");
+}
+
 std::vector<std::string> Beginning(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = compiler;
     command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
-    if (job.debug) command.push_back("-g");
+    Add(command, LineTableFlags(job.debug, job.places));
+    if (job.places) AddPlaceFlags(command, job);
     if (!job.prelude.empty()) command.insert(command.end(), {"-include", ForTool(job, job.prelude)});
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
     command.insert(command.end(),
@@ -77,6 +96,7 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
 }
 
 void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
+    if (!job.failureCode.empty()) command.push_back(ForTool(job, job.failureCode));
     const bool isForWindows = isWindows || job.isForWindows;
     if (isForWindows || job.isStatic)
         command.push_back("-static");  // the program runs where no compiler is installed
@@ -162,6 +182,11 @@ bool CanLinkApart(const std::vector<std::string>& linkerFlags) {
     return std::all_of(linkerFlags.begin(), linkerFlags.end(), [](const std::string& flag) {
         return MeansLinking(flag) || StartsWithOne(flag, compilingFlags);
     });
+}
+
+std::vector<std::string> LineTableFlags(bool debug, bool places) {
+    if (debug) return {"-g"};
+    return places ? std::vector<std::string>{"-g1", "-gno-column-info"} : std::vector<std::string>();
 }
 
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job) {

@@ -17,6 +17,9 @@ struct CompileJob {
     bool debug = false;
     bool isForWindows = false;    // which this system need not be
     bool isStatic = false;        // linked with nothing that the system would have to have
+    bool places = false;          // failing programs say where
+    std::string failureCode;      // what says it: an object to link; empty: none
+    std::string cppFolder;        // of the generated files
     bool loadsLibraries = false;  // while it runs
     std::vector<std::string> linkerFlags;
     std::vector<std::string> quickLinking;  // flags that are not needed
@@ -41,6 +44,9 @@ std::string FindProgram(const std::string& name);
 // Whether compiling and linking can be done one after the other: flags of the user's may name further files to compile,
 // or mean anything else that has to stand in one command.
 bool CanLinkApart(const std::vector<std::string>& linkerFlags);
+
+// The flags that make tables of lines: whole ones for debuggers, else the little that failing programs need.
+std::vector<std::string> LineTableFlags(bool debug, bool places);
 
 // The commands that compile, that link, and that do both at once.
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job);

@@ -109,10 +109,11 @@ std::string GlobalSection(const FileOutput& out) {
 
 void OpenHeader(FileOutput& out, const HeaderContents& contents) {
     out.headerOpening = "#ifndef " + out.guard + "\n#define " + out.guard + "\n\n";
+    if (settings.lineMarks) out.headerOpening += "#include <kvfailure.h>\n";
     out.headerOpening += texts::includes;
     out.headerOpening += "using namespace std;\n";
     if (out.isMain) {
-        if (settings.safeMode) out.headerPrelude += FillSafeNames(texts::safeDivision);
+        if (settings.safeMode) out.headerPrelude += FillNames(texts::safeDivision);
         if (!settings.fastMode) out.headerPrelude += texts::sequence;
         if (!settings.fastMode) out.headerPrelude += texts::scheduler;
     }

@@ -112,8 +112,8 @@ private:
         Place place = PlaceBehind(met.Before(effects), entry.position);
         if (takesValue) {
             place = std::max({place, Place::LateHeader, PlaceToCompile(entry)});
-            Append(place, global.mark + "static const bool __kvTaken_" + entry.variable->cppName + " = (" + global.again +
-                              ", true);");
+            Append(place, global.mark + "static const bool __kvTaken_" + entry.variable->cppName + " = (" +
+                              global.again + ", true);");
         } else if (global.declaration.empty()) {
             place = Place::Header;
         } else {

@@ -61,11 +61,13 @@ bool SupportUsed(Support support) { return used[IndexOf(support)]; }
 std::string SupportText() {
     std::string text;
     for (std::size_t i = 0; i < supportCount; ++i)
-        if (used[i]) text += FillSafeNames(settings.fastMode ? rows[i].fastText : rows[i].text);
+        if (used[i]) text += FillNames(settings.fastMode ? rows[i].fastText : rows[i].text);
     return text;
 }
 
-std::string FillSafeNames(std::string_view text) {
+std::string FillNames(std::string_view text) {
     const std::string div = SafeDivName(), mod = SafeModName();
-    return Fill(text, {{"SafeDiv", div}, {"SafeMod", mod}});
+    return Fill(text, {{"SafeDiv", div}, {"SafeMod", mod}, {"End", EndOfFailure()}});
 }
+
+std::string_view EndOfFailure() { return settings.lineMarks ? "__kvFail" : "exit"; }

@@ -38,5 +38,9 @@ std::size_t PreludeUses();
 // The text of all marked support code, in the order of the enum.
 std::string SupportText();
 
-// A text with the names of the checked division and remainder in their places.
-std::string FillSafeNames(std::string_view text);
+// A text with the names of the checked division and remainder, and of what ends a program that has failed, in their
+// places.
+std::string FillNames(std::string_view text);
+
+// The function that ends a program behind the text of a run-time error.
+std::string_view EndOfFailure();

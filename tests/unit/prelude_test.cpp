@@ -64,7 +64,7 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
         RenewRun();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
-        Write(name, WithIncludes(FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
+        Write(name, WithIncludes(FillNames(texts::safeDivision) + std::string(texts::sequence) +
                                  SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
@@ -104,7 +104,7 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
 
 TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
-    const std::string prelude = FillSafeNames(texts::safeDivision) + std::string(texts::sequence) +
+    const std::string prelude = FillNames(texts::safeDivision) + std::string(texts::sequence) +
                                 std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
     RenewRun();
     Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));

@@ -1,6 +1,8 @@
 // kv run, kv build and kv check.
 #include <cstdio>
 
+#include "base/paths.h"
+#include "base/utf8.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/install.h"
@@ -14,12 +16,20 @@ namespace {
 const int failure = 1;
 const int attempts = 3;  // to run a program
 
+// The paths of sources that a failing program names count from where kv was called (include/kvfailure.cpp).
+void TellFolder(const Job& job) {
+    if (!TellsPlaces(job.options)) return;
+    const std::string folder = FolderOf(ShortPath(job.source, job.typedFolder));
+    if (!folder.empty()) PutEnvironmentVariable("KORVEL_FOLDER", folder + "/");
+}
+
 int RunProgram(Job& job) {
     ProcessRequest request;
     request.arguments = {job.build.program};
     request.arguments.insert(request.arguments.end(), job.options.arguments.begin(),
                              job.options.arguments.end());
     std::string problem;
+    TellFolder(job);
     int status = RunProcess(request, problem);
     for (int again = 0; again < attempts && !problem.empty() && !IsExecutable(job.build.program); ++again) {
         // Somebody has removed it meanwhile, or it lies where nothing can be executed.

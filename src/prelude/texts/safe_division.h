@@ -3,7 +3,7 @@ template<typename T>
 T @SafeDiv@(T a, T b) {
 	if (b == 0) {
 		std::cerr << "Division by zero error" << std::endl;
-		exit(1);
+		@End@(1);
 	}
 	return a / b;
 }
@@ -11,7 +11,7 @@ template<typename T>
 T @SafeMod@(T a, T b) {
 	if (b == 0) {
 		std::cerr << "Modulo by zero error" << std::endl;
-		exit(1);
+		@End@(1);
 	}
 	return a % b;
 }

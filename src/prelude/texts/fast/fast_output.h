@@ -68,11 +68,14 @@ class KVOutput : public std::streambuf {
         ::fcntl(STDOUT_FILENO, F_SETFL, flags);
 #endif
     }
-    static void EndBySignal(int number) {
+    static void PrepareEnd() {
 #if defined(KV_CONIO_H) && !defined(_WIN32)
         kvconio::RestoreTerminal(TCSANOW);
 #endif
         Own()->DrainBySignal();
+    }
+    static void EndBySignal(int number) {
+        PrepareEnd();
         std::signal(number, SIG_DFL);
         std::raise(number);  // where signals wait for each other it comes when this one returns
     }
@@ -136,6 +139,9 @@ public:
         Own() = this;
         std::cout.rdbuf(this);
         Terminate() = std::set_terminate(EndByException);
+#ifdef KV_FAILURE_H
+        __kvBeforeFailure = PrepareEnd;
+#endif
         HandleSignals();
     }
 };

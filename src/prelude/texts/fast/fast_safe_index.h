@@ -12,7 +12,7 @@ template<typename Unused>
 KV_APART void __kvIndexError(long long index, long long size, const char* name, int dimension, int dimensions) {
     std::cerr << "Array bounds error: " << name << "[" << index << "]" << (dimension + 1 < dimensions ? "[...]" : "")
               << " dimension " << dimension << " out of range [0, " << (size - 1) << "]" << std::endl;
-    exit(1);
+    @End@(1);
 }
 KV_INSIDE long long __kvCheckIndex(long long index, long long size, const char* name, int dimension, int dimensions) {
     if((unsigned long long)index >= (unsigned long long)size) __kvIndexError<void>(index, size, name, dimension, dimensions);

@@ -17,7 +17,7 @@ private:
     bool _met;
     int_type _noted(int_type c) {
         if(!traits_type::eq_int_type(c, traits_type::eof())) return c;
-        if(_met) { std::cerr << "Input has ended" << std::endl; exit(1); }
+        if(_met) { std::cerr << "Input has ended" << std::endl; @End@(1); }
         _met = true;
         return c;
     }

@@ -4,6 +4,6 @@ inline int __kvResultSize(int given, int wanted, const char* name, int dimension
     std::cout.flush();
     std::cerr << "Array dimension size mismatch: Variable '" << name << "' dimension " << dimension << " is [" << wanted
               << "], but " << function << "() returns [" << given << "]" << std::endl;
-    exit(1);
+    @End@(1);
 }
 

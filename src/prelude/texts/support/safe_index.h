@@ -4,7 +4,7 @@ inline long long __kvCheckIndex(long long index, long long size, const char* nam
     if(index < 0 || index >= size) {
         std::cerr << "Array bounds error: " << name << "[" << index << "]" << (dimension + 1 < dimensions ? "[...]" : "")
                   << " dimension " << dimension << " out of range [0, " << (size - 1) << "]" << std::endl;
-        exit(1);
+        @End@(1);
     }
     return index;
 }

@@ -3,7 +3,7 @@
 inline double @SafeMod@(double a, double b) {
     if(b == 0) {
         std::cerr << "Modulo by zero error" << std::endl;
-        exit(1);
+        @End@(1);
     }
     return std::fmod(a, b);
 }
