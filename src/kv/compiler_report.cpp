@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <unordered_map>
 
@@ -48,8 +49,8 @@ bool IsWithin(const std::string& path, const std::string& folder) {
     return !relative.empty() && *relative.begin() != "..";
 }
 
-// What of the Korvel sources can turn up in a message about the C++: lines of inline C++ by their text, and where
-// blocks of C declarations and Linker lines stand.
+// What of the Korvel sources can turn up in a message about the C++: lines of inline C++ by their place or, where the
+// generated C++ does not lead there (--plain), by their text, and where blocks of C declarations and Linker lines stand.
 class SourceLines {
 public:
     explicit SourceLines(const std::vector<std::string>& sources) {
@@ -59,6 +60,12 @@ public:
     const Place* InlineLine(const std::string& text) const {
         const auto found = inlineLines_.find(Trimmed(text));
         return found != inlineLines_.end() ? &found->second : nullptr;
+    }
+
+    bool IsSource(const std::string& file) const { return linesInline_.count(file) != 0; }
+    bool IsInline(const Place& place) const {
+        const auto file = linesInline_.find(place.file);
+        return file != linesInline_.end() && file->second.count(place.line) != 0;
     }
 
     // The first Linker line or line of an Extern block that contains the text; its file is empty if there is none.
@@ -76,6 +83,7 @@ private:
         bool inExtern = false;
         Place place;
         place.file = source;
+        std::set<int>& linesInline = linesInline_[source];
         for (std::string line; std::getline(stream, line);) {
             ++place.line;
             line = Trimmed(line);
@@ -83,6 +91,7 @@ private:
             if (word == "endinlinecpp") inInline = false;
             if (word == "endextern") inExtern = false;
             if (inInline && !line.empty()) inlineLines_.emplace(line, place);
+            if (inInline) linesInline.insert(place.line);
             if (inExtern || word == "linker") linkingLines_.emplace_back(line, place);
             if (word == "inlinecpp") inInline = true;
             if (word == "extern") inExtern = true;
@@ -90,6 +99,7 @@ private:
     }
 
     std::unordered_map<std::string, Place> inlineLines_;
+    std::map<std::string, std::set<int>> linesInline_;  // of each source
     std::vector<std::pair<std::string, Place>> linkingLines_;
 };
 
@@ -191,8 +201,8 @@ struct Folders {
     const std::string& user;
 };
 
-// An error in a generated file counts where its line was copied from an InlineCpp block; in a file of the user's
-// it counts as it is.
+// An error in a generated file counts where its line was copied from an InlineCpp block, one in a source where inline C++
+// stands; in another file of the user's it counts as it is.
 bool ExplainErrorLine(const std::string& line, const SourceLines& sources, GeneratedLines& generated,
                       const Folders& folders, Diagnostic& diagnostic) {
     Place place;
@@ -204,6 +214,8 @@ bool ExplainErrorLine(const std::string& line, const SourceLines& sources, Gener
         const Place* inlined = sources.InlineLine(generated.Line(place.file, place.line));
         if (inlined == nullptr) return false;
         place = *inlined;
+    } else if (sources.IsSource(place.file)) {
+        if (!sources.IsInline(place)) return false;
     } else if (!IsWithin(place.file, folders.user) || !IsFile(place.file)) {
         return false;
     }

@@ -92,7 +92,7 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
         {"instances", lists + closing +
                           "template struct KVTracked<KVL_TMob>;\ntemplate struct KVCreated<KVL_TMob>;\n" +
                           "template struct KVInstances<KVL_TMob>;\ntemplate struct KVItemWalk<KVL_TMob>;\n"},
-        {"safe_index", std::string(texts::fastSafeIndex)},
+        {"safe_index", FillNames(texts::fastSafeIndex)},
         {"fixed_array",
          std::string(texts::fastFixedArray) + "template struct KVArray<KVArray<double, 2>, 3>;\n"},
     };
