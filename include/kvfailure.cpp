@@ -10,6 +10,7 @@
 // message stands alone.
 #include "kvfailure.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -17,7 +18,6 @@
 #include <typeinfo>
 
 #include <cxxabi.h>
-#include <unwind.h>
 
 #ifdef _WIN32
 #include <io.h>
@@ -26,11 +26,11 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <unwind.h>
 #endif
 
 #ifdef KV_BACKTRACE
 // Of libbacktrace, whose header only g++ finds.
-#include <cstdint>
 #include <link.h>
 struct backtrace_state;
 extern "C" {
@@ -93,7 +93,13 @@ void SayError(const char* what) {
     (line << "error: " << what).End();
 }
 
-// ---- Names: those of C++ in Korvel's words -----------------------------------------------------------------------
+// ---- Places ------------------------------------------------------------------------------------------------------
+
+#ifndef _WIN32
+char folder[1000];  // in front of the sources' paths, as whoever runs the program sees them
+#endif
+
+#ifdef KV_BACKTRACE
 
 struct Word {
     const char* text;
@@ -145,14 +151,7 @@ void SayRoutine(Line& line, const char* name) {
     }
 }
 
-// ---- Places ------------------------------------------------------------------------------------------------------
-
 const int framesShown = 20;
-
-char folder[1000];  // in front of the sources' paths, as whoever runs the program sees them
-
-#ifdef KV_BACKTRACE
-
 backtrace_state* state = nullptr;
 int placesSaid = 0;
 
@@ -303,13 +302,26 @@ void SayException() {
 
 // ---- Signals -----------------------------------------------------------------------------------------------------
 
-const unsigned long long nullPage = 65536;
+const uintptr_t nullPage = 65536;
 const char nullText[] = "the program used an object that is Null";
 const char deepText[] = "calls went too deep";
 const char memoryText[] = "the program used memory that is not its own (an index outside of its array, an object that is gone?)";
 const char divisionText[] = "division by zero";
 const char abortText[] = "the program was aborted";
 const char codeText[] = "the program came to code that cannot be executed";
+
+// g++ puts this instruction where it can see that an object is Null.
+bool IsTrap(const void* address) {
+#if defined(__x86_64__) || defined(__i386__)
+    const unsigned char* code = static_cast<const unsigned char*>(address);
+    return code[0] == 0x0f && code[1] == 0x0b;
+#else
+    (void)address;
+    return false;
+#endif
+}
+
+bool IsNull(const void* address) { return reinterpret_cast<uintptr_t>(address) < nullPage; }
 
 #ifndef _WIN32
 
@@ -327,17 +339,6 @@ bool IsStackEnd(const char* address) {
     return depth > limit.rlim_cur / 8 * 7 && depth / 2 < limit.rlim_cur;
 }
 
-// g++ puts this instruction where it can see that an object is Null.
-bool IsTrap(const siginfo_t* info) {
-#if defined(__x86_64__) || defined(__i386__)
-    const unsigned char* code = static_cast<const unsigned char*>(info->si_addr);
-    return code[0] == 0x0f && code[1] == 0x0b;
-#else
-    (void)info;
-    return false;
-#endif
-}
-
 const char* TextOf(int number, const siginfo_t* info) {
     const char* address = static_cast<const char*>(info->si_addr);
     const bool bySystem = info->si_code > 0;  // otherwise somebody has sent it
@@ -346,12 +347,12 @@ const char* TextOf(int number, const siginfo_t* info) {
         case SIGBUS:
             if (!bySystem) return number == SIGSEGV ? "signal SIGSEGV" : "signal SIGBUS";
             if (number == SIGSEGV && IsStackEnd(address)) return deepText;
-            if (info->si_code == SEGV_MAPERR && reinterpret_cast<uintptr_t>(address) < nullPage) return nullText;
+            if (info->si_code == SEGV_MAPERR && IsNull(address)) return nullText;
             return memoryText;
         case SIGFPE:
             return bySystem ? divisionText : "signal SIGFPE";
         case SIGILL:
-            return !bySystem ? "signal SIGILL" : IsTrap(info) ? nullText : codeText;
+            return !bySystem ? "signal SIGILL" : IsTrap(address) ? nullText : codeText;
         default:
             return abortText;
     }
@@ -393,6 +394,40 @@ __attribute__((constructor(101))) void Begin() {
     for (const int number : signals) {
         if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_DFL) sigaction(number, &action, nullptr);
     }
+}
+
+#else
+
+const char* TextOf(const EXCEPTION_RECORD& record) {
+    switch (record.ExceptionCode) {
+        case EXCEPTION_ACCESS_VIOLATION:
+            return IsNull(reinterpret_cast<const void*>(record.ExceptionInformation[1])) ? nullText : memoryText;
+        case EXCEPTION_STACK_OVERFLOW:
+            return deepText;
+        case EXCEPTION_INT_DIVIDE_BY_ZERO:
+            return divisionText;
+        case EXCEPTION_ILLEGAL_INSTRUCTION:
+            return IsTrap(record.ExceptionAddress) ? nullText : codeText;
+        default:
+            return nullptr;
+    }
+}
+
+// Before the C library makes a signal of it. Exceptions of C++ come here, too.
+LONG WINAPI TellFault(EXCEPTION_POINTERS* fault) {
+    const char* text = TextOf(*fault->ExceptionRecord);
+    if (text == nullptr || said) return EXCEPTION_CONTINUE_SEARCH;
+    said = true;
+    if (__kvBeforeFailure != nullptr) __kvBeforeFailure();
+    SayError(text);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+__attribute__((constructor(101))) void Begin() {
+    ULONG room = 65536;  // of the stack, for what is to be said when it is full
+    SetThreadStackGuarantee(&room);
+    std::set_terminate(EndByException);
+    AddVectoredExceptionHandler(0, TellFault);
 }
 
 #endif

@@ -184,9 +184,12 @@ bool CanLinkApart(const std::vector<std::string>& linkerFlags) {
     });
 }
 
-std::vector<std::string> LineTableFlags(bool debug, bool places) {
+std::vector<std::string> LineTableFlags(bool debug, [[maybe_unused]] bool places) {
     if (debug) return {"-g"};
-    return places ? std::vector<std::string>{"-g1", "-gno-column-info"} : std::vector<std::string>();
+#ifndef _WIN32  // where nobody could read them
+    if (places) return {"-g1", "-gno-column-info"};
+#endif
+    return {};
 }
 
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job) {

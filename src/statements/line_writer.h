@@ -1,8 +1,8 @@
 // What rides along with emitted lines: the user's comments, the marks that lead back to the source.
 #pragma once
 
+#include "lexer/cut_file.h"
 #include "statements/state.h"
-#include "symbols/cut_file.h"
 
 // Writes the mark (prelude/line_marks.h) that the next line needs, if any: lines do so themselves. Behind it stands the
 // first byte of the next line.
