@@ -55,11 +55,13 @@ Expr& ToNumber(const std::string& name, Expr& x, const char* ofString, const cha
 }
 
 Expr& ToInt(const std::string& name, Expr& x) {
-    return ToNumber(name, x, settings.lineMarks ? "__kvToInt(" : "std::stoi(", "static_cast<int>(", Base::Int);
+    return ToNumber(name, x, settings.lineMarks ? "__kvToInt(" : "std::stoi(", "static_cast<int>(",
+                    Base::Int);
 }
 
 Expr& ToDouble(const std::string& name, Expr& x) {
-    return ToNumber(name, x, settings.lineMarks ? "__kvToDouble(" : "std::stod(", "static_cast<double>(", Base::Double);
+    return ToNumber(name, x, settings.lineMarks ? "__kvToDouble(" : "std::stod(", "static_cast<double>(",
+                    Base::Double);
 }
 
 Expr& ToString(const std::string& name, Expr& x) {

@@ -3,11 +3,17 @@
 #include "base/settings.h"
 #include "linking/runtime_code.h"
 
+// Modules of the installation are not the program's.
+static std::string ShownPath(const std::string& source) {
+    const auto below = [&source](const std::string& folder) {
+        return !folder.empty() && source.compare(0, folder.size() + 1, folder + "/") == 0;
+    };
+    if (below(settings.sourceFolder)) return source.substr(settings.sourceFolder.size() + 1);
+    return below(settings.installation) ? "<korvel>" + source.substr(settings.installation.size()) : source;
+}
+
 std::string LineMark(const std::string& source, int line) {
-    const std::string folder = settings.sourceFolder + "/";
-    const bool below = source.compare(0, folder.size(), folder) == 0;
-    return "#line " + std::to_string(line) + " " + CppLiteral(below ? source.substr(folder.size()) : source) +
-           "\n";
+    return "#line " + std::to_string(line) + " " + CppLiteral(ShownPath(source)) + "\n";
 }
 
 std::string LineMark(int line) { return "#line " + std::to_string(line) + "\n"; }

@@ -20,8 +20,8 @@ Code Part(const Code& code, std::size_t from, std::size_t to) {
 
 void EmitLines(State& state, const Code& lines) {
     const std::string& text = lines.text;
-    const bool asTheyStand =
-        !settings.lineMarks && state.place.indent == 0 && state.place.traceText.empty() && state.place.commentText.empty();
+    const bool asTheyStand = !settings.lineMarks && state.place.indent == 0 &&
+                             state.place.traceText.empty() && state.place.commentText.empty();
     if (asTheyStand && lines.passages.empty() && !text.empty() && text.back() == '\n') {
         state.routine.bareLabel = false;
         state.out->pieces.back().text += text;

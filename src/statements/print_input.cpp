@@ -134,8 +134,8 @@ void EmitRetryLoop(State& state, const Code& prompt, InputTarget target) {
     if (!settings.fastMode)
         RequireSupport(Support::InputEnd);
     else
-        EmitLine(state, {"        if(std::cin.eof()) { std::cerr << \"Input has ended\" << std::endl; ",
-                         EndOfFailure(), "(1); }"});
+        EmitLine(state, "        if(std::cin.eof()) { std::cerr << \"Input has ended\" << std::endl; " +
+                            std::string(EndOfFailure()) + "(1); }");
     EmitLine(state, "        std::cin.clear();");
     EmitLine(state, ignoreLine);
     if (once) EmitLine(state, "        " + show);
