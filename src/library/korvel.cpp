@@ -43,7 +43,6 @@ void Begin(const Request& request) {
     settings.warnings = request.warnings;
     settings.columns = true;
     settings.lineMarks = request.places;
-    settings.warnings = settings.columns = true;
     for (const Overlay& overlay : request.overlays) PutOverlay(overlay.path, overlay.text);
 }
 
