@@ -35,8 +35,10 @@
 struct backtrace_state;
 extern "C" {
 typedef void (*backtrace_error_callback)(void* data, const char* message, int error);
-typedef int (*backtrace_full_callback)(void* data, uintptr_t address, const char* file, int line, const char* function);
-backtrace_state* backtrace_create_state(const char* file, int threaded, backtrace_error_callback failed, void* data);
+typedef int (*backtrace_full_callback)(void* data, uintptr_t address, const char* file, int line,
+                                       const char* function);
+backtrace_state* backtrace_create_state(const char* file, int threaded, backtrace_error_callback failed,
+                                        void* data);
 int backtrace_pcinfo(backtrace_state* state, uintptr_t address, backtrace_full_callback told,
                      backtrace_error_callback failed, void* data);
 }
@@ -145,7 +147,8 @@ void SayRoutine(Line& line, const char* name) {
     } else if (nested && TakeWord(at, second)) {
         ((line << " in Method ").Add(first.text, first.size) << "\\").Add(second.text, second.size);
     } else if (nested) {
-        (line << (*at == 'D' ? " in the destructor of " : " in the constructor of ")).Add(first.text, first.size);
+        (line << (*at == 'D' ? " in the destructor of " : " in the constructor of "))
+            .Add(first.text, first.size);
     } else {
         (line << " in Function ").Add(first.text, first.size);
     }
@@ -255,7 +258,8 @@ bool NumberBehind(const char* text, const char* mark, unsigned long long& number
 void SayOutOfRange(const char* what) {
     unsigned long long index = 0, size = 0;
     const bool isText = std::strncmp(what, "basic_string", 12) == 0;
-    const bool known = NumberBehind(what, isText ? "__pos" : "__n", index) && NumberBehind(what, "size()", size);
+    const bool known =
+        NumberBehind(what, isText ? "__pos" : "__n", index) && NumberBehind(what, "size()", size);
     if (!known) return SayError(what);
     Line line;
     line << "error: ";
@@ -305,7 +309,8 @@ void SayException() {
 const uintptr_t nullPage = 65536;
 const char nullText[] = "the program used an object that is Null";
 const char deepText[] = "calls went too deep";
-const char memoryText[] = "the program used memory that is not its own (an index outside of its array, an object that is gone?)";
+const char memoryText[] =
+    "the program used memory that is not its own (an index outside of its array, an object that is gone?)";
 const char divisionText[] = "division by zero";
 const char abortText[] = "the program was aborted";
 const char codeText[] = "the program came to code that cannot be executed";
@@ -334,7 +339,8 @@ const int signals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 // Whether nearly all of the stack is in use, and the program wanted to use what lies below it.
 bool IsStackEnd(const char* address) {
     struct rlimit limit;
-    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY || address > stackTop) return false;
+    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY || address > stackTop)
+        return false;
     const unsigned long long depth = static_cast<unsigned long long>(stackTop - address);
     return depth > limit.rlim_cur / 8 * 7 && depth / 2 < limit.rlim_cur;
 }
@@ -392,7 +398,8 @@ __attribute__((constructor(101))) void Begin() {
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     sigemptyset(&action.sa_mask);
     for (const int number : signals) {
-        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_DFL) sigaction(number, &action, nullptr);
+        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_DFL)
+            sigaction(number, &action, nullptr);
     }
 }
 
@@ -401,7 +408,8 @@ __attribute__((constructor(101))) void Begin() {
 const char* TextOf(const EXCEPTION_RECORD& record) {
     switch (record.ExceptionCode) {
         case EXCEPTION_ACCESS_VIOLATION:
-            return IsNull(reinterpret_cast<const void*>(record.ExceptionInformation[1])) ? nullText : memoryText;
+            return IsNull(reinterpret_cast<const void*>(record.ExceptionInformation[1])) ? nullText
+                                                                                         : memoryText;
         case EXCEPTION_STACK_OVERFLOW:
             return deepText;
         case EXCEPTION_INT_DIVIDE_BY_ZERO:

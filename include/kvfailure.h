@@ -24,7 +24,7 @@ extern void (*__kvBeforeFailure)();
 #endif
 
 // ToInt and ToDouble of a text.
-template<typename Number>
+template <typename Number>
 Number __kvNumber(const char* function, Number (*convert)(const std::string&), const std::string& text) {
     try {
         return convert(text);
@@ -35,10 +35,12 @@ Number __kvNumber(const char* function, Number (*convert)(const std::string&), c
     }
 }
 inline int __kvToInt(const std::string& text) {
-    return __kvNumber<int>("ToInt", [](const std::string& t) { return std::stoi(t); }, text);
+    return __kvNumber<int>(
+        "ToInt", [](const std::string& t) { return std::stoi(t); }, text);
 }
 inline double __kvToDouble(const std::string& text) {
-    return __kvNumber<double>("ToDouble", [](const std::string& t) { return std::stod(t); }, text);
+    return __kvNumber<double>(
+        "ToDouble", [](const std::string& t) { return std::stod(t); }, text);
 }
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "base/settings.h"
 #include "prelude/program_uses.h"
+#include "prelude/support.h"
 #include "prelude/texts.h"
 #include "symbols/modules.h"
 #include "symbols/symbols.h"
@@ -19,7 +20,7 @@ std::string_view OutputText() {
 }  // namespace
 
 std::string FastPrelude(bool withTypes) {
-    std::string text(OutputText());
+    std::string text = FillNames(OutputText());
     text += texts::fastSequence;
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;

@@ -67,7 +67,9 @@ std::string SupportText() {
 
 std::string FillNames(std::string_view text) {
     const std::string div = SafeDivName(), mod = SafeModName();
-    return Fill(text, {{"SafeDiv", div}, {"SafeMod", mod}, {"End", EndOfFailure()}});
+    const std::string_view before = settings.lineMarks ? texts::fastBeforeFailure : std::string_view();
+    return Fill(text,
+                {{"SafeDiv", div}, {"SafeMod", mod}, {"End", EndOfFailure()}, {"BeforeFailure", before}});
 }
 
 std::string_view EndOfFailure() { return settings.lineMarks ? "__kvFail" : "exit"; }

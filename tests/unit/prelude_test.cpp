@@ -64,8 +64,8 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
         RenewRun();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
-        Write(name, WithIncludes(FillNames(texts::safeDivision) + std::string(texts::sequence) +
-                                 SupportText()));
+        Write(name,
+              WithIncludes(FillNames(texts::safeDivision) + std::string(texts::sequence) + SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
     RenewRun();
@@ -83,7 +83,7 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
                  " }\n" + std::string(texts::fastClassNavigation),
              {{"C", "KVL_TMob"}});
     const std::pair<const char*, std::string> sources[] = {
-        {"output", std::string(texts::fastOutput)},
+        {"output", FillNames(texts::fastOutput)},
         {"line_output", std::string(texts::fastLineOutput)},
         {"unit_output", std::string(texts::fastUnitOutput)},
         {"sequence", sequence},

@@ -68,14 +68,11 @@ class KVOutput : public std::streambuf {
         ::fcntl(STDOUT_FILENO, F_SETFL, flags);
 #endif
     }
-    static void PrepareEnd() {
+    static void EndBySignal(int number) {
 #if defined(KV_CONIO_H) && !defined(_WIN32)
         kvconio::RestoreTerminal(TCSANOW);
 #endif
         Own()->DrainBySignal();
-    }
-    static void EndBySignal(int number) {
-        PrepareEnd();
         std::signal(number, SIG_DFL);
         std::raise(number);  // where signals wait for each other it comes when this one returns
     }
@@ -139,11 +136,8 @@ public:
         Own() = this;
         std::cout.rdbuf(this);
         Terminate() = std::set_terminate(EndByException);
-#ifdef KV_FAILURE_H
-        __kvBeforeFailure = PrepareEnd;
-#endif
         HandleSignals();
-    }
+@BeforeFailure@    }
 };
 // Never destroyed, for std::cout writes to it to the very end; not on the heap, where it would push aside the objects
 // of the program.
