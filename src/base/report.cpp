@@ -62,6 +62,13 @@ static std::vector<korvel::Diagnostic> MistakesOf(const std::vector<UnclosedBloc
     return mistakes;
 }
 
+static std::vector<std::string> OpenersOf(const std::vector<UnclosedBlock>& blocks) {
+    std::vector<std::string> words;
+    words.reserve(blocks.size());
+    for (const UnclosedBlock& block : blocks) words.push_back(block.word);
+    return words;
+}
+
 static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const std::string& message) {
     std::string text;
     for (const UnclosedBlock& block : blocks) text += block.report + "\n";
@@ -72,6 +79,7 @@ static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const st
 static Stop StopHere(const std::string& message, const std::vector<UnclosedBlock>& blocks = {}) {
     const std::string shortened = Shortened(message);
     Stop stop{MistakesOf(blocks), QuotedHere(blocks, shortened)};
+    stop.openers = OpenersOf(blocks);
     stop.mistakes.push_back(HereIs(shortened));
     return stop;
 }
@@ -88,21 +96,45 @@ static Stop StopHere(const std::string& message, TokenSpan about) {
 
 void ReportFatal(const std::string& message, TokenSpan about) { throw StopHere(message, about); }
 
-void ReportMissing(const std::string& message, const std::string& lookedFor) {
-    Stop stop = StopHere(message);
+void ReportMissing(const std::string& message, const std::string& lookedFor, TokenSpan about) {
+    Stop stop = StopHere(message, about);
+    stop.sought = Sought::File;
     stop.mistakes.back().hint = lookedFor;
     throw Stop(stop);
 }
 
-void ReportUnknown(const std::string& message, TokenSpan about) {
+void ReportFatal(const std::string& message, TokenSpan about, const Elsewhere& other) {
+    Stop stop = StopHere(message, about);
+    stop.others.push_back(other);
+    throw Stop(stop);
+}
+
+void ReportFatal(const std::string& message, TokenSpan about, Sought sought) {
+    Stop stop = StopHere(message, about);
+    stop.sought = sought;
+    throw Stop(stop);
+}
+
+void ReportUnknown(const std::string& message, TokenSpan about, Sought sought, const ClassInfo* owner) {
     Stop stop = StopHere(message, about);
     stop.ofUnknown = true;
+    stop.sought = sought;
+    stop.owner = owner;
+    throw Stop(stop);
+}
+
+void ReportUnknownStatement(const std::string& message, TokenSpan about, const std::string& advice) {
+    Stop stop = StopHere(message + advice, about);
+    stop.mistakes.back().message = Shortened(message);
+    stop.ofUnknown = true;
+    stop.sought = Sought::Statement;
     throw Stop(stop);
 }
 
 void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                       const std::string& message) {
     Stop stop{MistakesOf(blocks), heading + QuotedHere(blocks, message)};
+    stop.openers = OpenersOf(blocks);
     stop.isElsewhere = true;
     throw Stop(stop);
 }

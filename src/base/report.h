@@ -7,6 +7,20 @@
 #include "base/diagnostic.h"
 #include "base/token_span.h"
 
+struct ClassInfo;
+
+// What a word that nobody knows is used as.
+enum class Sought : unsigned char { Nothing, Value, Statement, Member, Type, Function, File };
+
+// Another place that a mistake has to do with: where the name stands, from the line on; without a name the line's first
+// word.
+struct Elsewhere {
+    std::string file;
+    int line = 0;
+    std::string name, message;
+};
+inline constexpr const char *declaredHere = "declared here", *openedHere = "opened here";
+
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {
     // The tokens that it is about, and where they stand in a list, which may be gone since.
@@ -21,6 +35,10 @@ struct Stop {
     bool ofUnknown = false;    // see ReportUnknown
     bool isElsewhere = false;  // it is not about the statement under way
     Subject subject = {};      // of the last mistake; empty when nothing nearer than the statement is meant
+    Sought sought = Sought::Nothing;   // the subject is a word that is not known
+    const ClassInfo* owner = nullptr;  // and would be a member of this
+    std::vector<Elsewhere> others = {};
+    std::vector<std::string> openers = {};  // the words of blocks that those before it are about
 };
 
 // Does the work; a mistake in it that names nothing nearer is about the tokens.
@@ -38,6 +56,7 @@ auto About(TokenSpan tokens, Work work) {
 struct UnclosedBlock {
     int line = 0;
     std::string report;
+    std::string word;  // which opens it
 };
 
 // Stops the run at the current line of the current file. Quoted are the open blocks, "Error: " + message, file and
@@ -45,15 +64,23 @@ struct UnclosedBlock {
 [[noreturn]] void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks = {});
 // The same, about these tokens of the statement under way.
 [[noreturn]] void ReportFatal(const std::string& message, TokenSpan about);
+[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about, const Elsewhere& other);
+// The same about a word that is not known, and used in this way.
+[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about, Sought sought);
 // The same where the blocks are the mistakes and the message only sums them up, with a heading above them.
 [[noreturn]] void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                                    const std::string& message);
 
 // The same where something is not known that a declaration in a file that is read later could tell.
-[[noreturn]] void ReportUnknown(const std::string& message, TokenSpan about);
+[[noreturn]] void ReportUnknown(const std::string& message, TokenSpan about, Sought sought = Sought::Nothing,
+                                const ClassInfo* owner = nullptr);
+// The same for a word at the start of a statement; kvt adds the advice, others find better one.
+[[noreturn]] void ReportUnknownStatement(const std::string& message, TokenSpan about,
+                                         const std::string& advice);
 
 // The same about a file that is missing; `lookedFor` tells where it was looked for, to those who ask for hints.
-[[noreturn]] void ReportMissing(const std::string& message, const std::string& lookedFor);
+[[noreturn]] void ReportMissing(const std::string& message, const std::string& lookedFor,
+                                TokenSpan about = {});
 
 // Stops the run with a mistake for which these lines are quoted on the error stream.
 [[noreturn]] void FailOnErrorStream(const korvel::Diagnostic& mistake, const std::string& lines);

@@ -45,7 +45,8 @@ private:
         settings.currentFile = element.sourceFile;
         settings.currentLine = field.line;
         ReportFatal("An Element cannot contain itself: " + chain + field.type.cls->name +
-                    ". Use a Type or a Sequence for the Field '" + field.name + "'");
+                        ". Use a Type or a Sequence for the Field '" + field.name + "'",
+                    Tokens{field.name});
     }
 };
 

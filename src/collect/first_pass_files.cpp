@@ -32,5 +32,5 @@ void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     const auto name = IncludedName(tokens);
     if (!name) return;
     pass.out.includes.push_back(*name);
-    pass.goesOn = pass.follow(*name);
+    pass.goesOn = About(tokens.Slice(1, 2), [&pass, &name] { return pass.follow(*name); });
 }

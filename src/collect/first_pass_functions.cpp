@@ -6,6 +6,7 @@
 #include "collect/first_pass_state.h"
 #include "collect/parameters.h"
 #include "symbols/identifiers.h"
+#include "symbols/scopes.h"
 
 namespace {
 
@@ -44,10 +45,6 @@ void Register(const Routine& routine, Prototype& prototype) {
 }
 
 }  // namespace
-
-void FailAlreadyDefined(const std::string& name) {
-    ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
-}
 
 void CollectExtern(FirstPass& pass, TokenSpan tokens) {
     pass.inExtern = tokens.KeywordAt(0) == Keyword::Extern;

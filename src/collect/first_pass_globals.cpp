@@ -3,6 +3,7 @@
 #include "base/settings.h"
 #include "collect/first_pass_state.h"
 #include "symbols/identifiers.h"
+#include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
 namespace {

@@ -46,5 +46,3 @@ void CollectFunction(FirstPass& pass, TokenSpan tokens);
 // Reads `name [: type] [= value]` into a variable declared on the pass's line. The type stays Unknown
 // without an annotation.
 Variable ReadDeclaration(const FirstPass& pass, TokenSpan tokens);
-
-[[noreturn]] void FailAlreadyDefined(const std::string& name);

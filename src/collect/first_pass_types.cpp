@@ -5,6 +5,7 @@
 #include "collect/first_pass_state.h"
 #include "collect/parameters.h"
 #include "symbols/identifiers.h"
+#include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
 namespace {
@@ -25,11 +26,21 @@ std::string MethodCppName(const ClassInfo& cls, const std::string& name) {
     return name == "Compare" ? "KVL_Compare" : SafeName(name);
 }
 
+// The member of an open Type, if there is one.
+Elsewhere MemberOf(const ClassInfo& open, const std::string& file, const std::string& name) {
+    const auto field = open.members.find(name);
+    const auto method = open.routines.find(name);
+    const int line = field != open.members.end()     ? field->second.line
+                     : method != open.routines.end() ? method->second.line
+                                                     : 0;
+    return {file, line, name, declaredHere};
+}
+
 // A member may not take the name of another one or, in C++, that of a class.
 void RefuseMemberName(const FirstPass& pass, const std::string& name) {
     const ClassInfo& open = pass.open;
     const bool taken = IsClass(name) || open.members.count(name) != 0 || open.routines.count(name) != 0;
-    if (taken) FailAlreadyDefined(name);
+    if (taken) FailAlreadyDefined(name, MemberOf(open, pass.out.source, name));
     CheckCppWord(name);
     CheckValueWord(name);
     CheckName(name);
@@ -49,7 +60,8 @@ void AddField(FirstPass& pass, TokenSpan tokens) {
     const std::string& name = tokens[0];
     ClassInfo& open = pass.open;
     if (open.members.count(name) != 0) {
-        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name, Tokens{name});
+        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name, Tokens{name},
+                    MemberOf(open, pass.out.source, name));
     }
     RefuseTaken(pass, name, pass.globals.count(name) != 0, "Global variable");
     RefuseTaken(pass, name, pass.constants.count(name) != 0, "Const");

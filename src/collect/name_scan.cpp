@@ -102,7 +102,7 @@ private:
         if (known.count(id) == 0 && chain.size() > deepest)
             Fail("Includes are nested more than " + std::to_string(deepest) +
                      " deep. Let the main source include some of them",
-                 from, line);
+                 from, line, name);
         ScanFile(path, name, file.inRoutine);
     }
 
@@ -112,13 +112,14 @@ private:
         for (const Link& link : chain) {
             if (!text.empty() || link.id == id) text += link.name + " -> ";
         }
-        Fail("Include circle: " + text + name, from, line);
+        Fail("Include circle: " + text + name, from, line, name);
     }
 
-    [[noreturn]] static void Fail(const std::string& message, const std::string& from, int line) {
+    [[noreturn]] static void Fail(const std::string& message, const std::string& from, int line,
+                                  const std::string& name) {
         settings.currentFile = from;
         settings.currentLine = line;
-        ReportFatal(message);
+        ReportFatal(message, Tokens{"\"" + name + "\""});
     }
 };
 

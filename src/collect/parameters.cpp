@@ -64,7 +64,7 @@ void SettleDefault(const Routine& routine, Parameter& parameter) {
     if (type.base == Base::Void)
         ReportUnknown("The default value of parameter '" + parameter.name +
                           "' must be a number, a text, True, False, Null or a Const",
-                      Tokens{parameter.name});
+                      parameter.defaultValue, Sought::Value);
     if (!parameter.untyped && !Assignable(parameter.type, type)) {
         ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " +
                         ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +

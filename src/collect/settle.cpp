@@ -9,6 +9,7 @@
 #include "collect/parameters.h"
 #include "symbols/identifiers.h"
 #include "symbols/mistakes.h"
+#include "symbols/scopes.h"
 
 namespace {
 

@@ -91,7 +91,8 @@ public:
             if (!chain.empty() || step.variable == closing) chain += step.variable->name + " -> ";
         settings.currentFile = closing->file;
         settings.currentLine = closing->line;
-        ReportFatal("The value of '" + closing->name + "' depends on itself: " + chain + closing->name);
+        ReportFatal("The value of '" + closing->name + "' depends on itself: " + chain + closing->name,
+                    Tokens{closing->name});
     }
 
 private:

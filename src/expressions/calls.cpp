@@ -21,7 +21,8 @@ void CheckCount(const std::string& subject, const Routine& routine, std::size_t 
     const std::size_t most = routine.parameters.size();
     if (count >= required && count <= most) return;
     ReportFatal(subject + " expects " + std::to_string(most) + " parameter(s) but " + std::to_string(count) +
-                " provided");
+                    " provided",
+                {}, {routine.file, routine.line, routine.name, declaredHere});
 }
 
 void CheckArgument(const std::string& subject, std::size_t index, const ValueType& type,

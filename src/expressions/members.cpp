@@ -51,8 +51,8 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
         RequireAccess(method->isPrivate, cls, member);
         return ParseCall(walk, *method, "", &object);
     }
-    ReportUnknown("Field or method '" + member + "' does not exist in class '" + cls.name + "'",
-                  walk.Taken());
+    ReportUnknown("Field or method '" + member + "' does not exist in class '" + cls.name + "'", walk.Taken(),
+                  Sought::Member, &cls);
 }
 
 [[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {

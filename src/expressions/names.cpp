@@ -106,13 +106,16 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)", word);
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression", word);
     if (walk.mode == ExprMode::Input)
-        ReportUnknown("Variable '" + name + "' not found in Input statement", word);
+        ReportUnknown("Variable '" + name + "' not found in Input statement", word, Sought::Value);
     if (walk.mode == ExprMode::Print) {
-        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place(), word);
+        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place(), word,
+                      Sought::Value);
     }
-    if (WasInEndedBlock(name)) ReportUnknown("Variable '" + name + "' used out of scope " + Place(), word);
-    if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined", word);
-    ReportUnknown("Identifier not found - " + name, word);
+    if (WasInEndedBlock(name))
+        ReportUnknown("Variable '" + name + "' used out of scope " + Place(), word, Sought::Value);
+    if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined", word, Sought::Value);
+    ReportUnknown("Identifier not found - " + name, word,
+                  walk.PeekSign() == '(' ? Sought::Function : Sought::Value);
 }
 
 Expr& ParseName(Walk& walk) {

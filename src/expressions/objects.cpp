@@ -30,7 +30,8 @@ const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
     if (bracketed) walk.Expect(')');
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr || cls->isElement)
-        ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'", Tokens{word});
+        ReportFatal("'" + word + "' expects the name of a Type, got '" + name + "'", Tokens{name},
+                    Sought::Type);
     NeedClass(cls);
     return cls;
 }
@@ -104,7 +105,7 @@ Expr& ParseCreate(Walk& walk) {
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr) {
         ReportFatal("Type '" + name + "' is not defined. Cannot create instance of non-existent Type",
-                    Tokens{name});
+                    Tokens{name}, Sought::Type);
     }
     NeedClass(cls);
     NoteConstruction(*cls);

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/edit_distance.h"
 #include "base/text.h"
 #include "base/utf8.h"
 #include "kv/platform.h"
@@ -74,22 +75,6 @@ std::vector<fs::path> PagesIn(const fs::path& folder) {
     }
     std::sort(pages.begin(), pages.end());
     return pages;
-}
-
-// The number of letters to be put in, left out, replaced or swapped.
-std::size_t Distance(const std::string& a, const std::string& b) {
-    std::vector<std::vector<std::size_t>> rows(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i) rows[i][0] = i;
-    for (std::size_t k = 0; k <= b.size(); ++k) rows[0][k] = k;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        for (std::size_t k = 1; k <= b.size(); ++k) {
-            const std::size_t replaced = rows[i - 1][k - 1] + (a[i - 1] == b[k - 1] ? 0 : 1);
-            rows[i][k] = std::min({rows[i - 1][k] + 1, rows[i][k - 1] + 1, replaced});
-            if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1])
-                rows[i][k] = std::min(rows[i][k], rows[i - 2][k - 2] + 1);
-        }
-    }
-    return rows[a.size()][b.size()];
 }
 
 // What a block of code is, from the word behind its fence.
@@ -186,11 +171,12 @@ const ManualEntry* FindEntry(const std::vector<ManualEntry>& entries, const std:
 
 std::vector<std::string> SimilarNames(const std::vector<ManualEntry>& entries, const std::string& word) {
     const std::string wanted = Key(word);
+    const std::size_t most = wanted.size() / 3;
     std::vector<std::pair<std::size_t, std::string>> found;
     for (const ManualEntry& entry : entries) {
         for (const std::string& name : entry.names) {
-            const std::size_t distance = Distance(Key(name), wanted);
-            if (distance <= wanted.size() / 3) found.emplace_back(distance, name);
+            const std::size_t distance = EditDistance(Key(name), wanted, most);
+            if (distance <= most) found.emplace_back(distance, name);
         }
     }
     std::sort(found.begin(), found.end());

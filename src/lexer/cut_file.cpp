@@ -69,7 +69,6 @@ TokenPlace LineCutter::PlaceAt(std::size_t at, std::size_t size) const {
 
 // Every token is a piece of the text, and only blanks stand between them.
 void LineCutter::LocateTokens(std::string_view text) {
-    if (places == nullptr) return;
     placesInLine.clear();
     std::size_t at = 0;
     for (const Token token : lexer.tokens) {
@@ -79,9 +78,32 @@ void LineCutter::LocateTokens(std::string_view text) {
     }
 }
 
+void LineCutter::LocateWhole(std::string_view text) {
+    stretches = {{0, physical, 1}};
+    LocateTokens(text);
+}
+
+// Of the bracket among these tokens of the line that has no partner, the innermost one of several, or of an open String
+// at the end.
+TokenPlace LineCutter::PlaceOfTrouble(char sign, std::size_t from, std::size_t to) const {
+    const Tokens& tokens = lexer.tokens;
+    const bool isRound = sign == '(' || sign == ')';
+    const char open = isRound ? '(' : '[', close = isRound ? ')' : ']';
+    std::vector<std::size_t> opened = {to - 1};  // the last token where nothing is open
+    for (std::size_t i = from; i < to && sign != '"'; ++i) {
+        if (tokens[i]->sign == open) opened.push_back(i);
+        if (tokens[i]->sign != close) continue;
+        if (opened.size() == 1) return placesInLine[i];
+        opened.pop_back();
+    }
+    return placesInLine[opened.back()];
+}
+
 void LineCutter::NoteTrouble(const LexTrouble& trouble, std::string_view text) {
     if (trouble.message == nullptr || file.trouble.message != nullptr) return;
-    file.trouble = {trouble.message, file.lines.size(), count, std::string(text), trouble.openParentheses};
+    file.trouble = {trouble.message,   file.lines.size(),       count,
+                    std::string(text), trouble.openParentheses, {}};
+    if (places != nullptr) file.trouble.where = PlaceOfTrouble(trouble.sign, 0, lexer.tokens.size());
 }
 
 void LineCutter::NoteLexed(std::string_view text, bool isPiece) {
@@ -94,10 +116,9 @@ void LineCutter::Lex(std::string_view text) {
     ++count;
     lexedLine = physical;
     NoteLexed(text, false);
-    NoteTrouble(lexer.Cut(text), text);
-    if (places == nullptr) return;
-    stretches = {{0, physical, 1}};
-    LocateTokens(text);
+    const LexTrouble trouble = lexer.Cut(text);
+    if (places != nullptr) LocateWhole(text);
+    NoteTrouble(trouble, text);
 }
 
 // The joined line. After "_" it counts once more, in place of the lines that were joined to the first: that
@@ -105,8 +126,9 @@ void LineCutter::Lex(std::string_view text) {
 void LineCutter::LexJoined(const std::string& text, bool counts) {
     if (counts) ++count;
     NoteLexed(text, false);
-    NoteTrouble(lexer.Cut(text), text);
-    LocateTokens(text);
+    const LexTrouble trouble = lexer.Cut(text);
+    if (places != nullptr) LocateTokens(text);
+    NoteTrouble(trouble, text);
 }
 
 // What is looked at before it is joined, and inline C++.
@@ -125,7 +147,8 @@ void LineCutter::TakeComment(std::string_view raw) {
 
 // What stands beside the word that opens or closes inline C++ would be lost.
 void LineCutter::RefuseCompany(const char* message, std::string_view text) {
-    if (lexer.tokens.size() > 1) NoteTrouble({message, 0}, text);
+    if (places != nullptr) LocateWhole(text);
+    if (lexer.tokens.size() > 1) NoteTrouble({message, 0, '"'}, text);
 }
 
 // The lines up to EndInlineCpp, or the end of the file.
@@ -211,7 +234,8 @@ void LineCutter::CheckSplit(const CutLine& line, std::size_t from, std::size_t t
     }
     if (file.splitTrouble.message != nullptr || (parentheses <= 0 && brackets <= 0)) return;
     const char* message = parentheses > 0 ? "Unclosed parenthesis '('" : "Unclosed bracket '['";
-    file.splitTrouble = {message, file.lines.size(), line.start, std::string(text)};
+    file.splitTrouble = {message, file.lines.size(), line.start, std::string(text), 0, {}};
+    if (places != nullptr) file.splitTrouble.where = PlaceOfTrouble(parentheses > 0 ? '(' : '[', from, to);
 }
 
 void LineCutter::AddStatements(CutLine& line, std::string_view text) {

@@ -31,6 +31,11 @@ struct CutStatement {
     std::uint32_t begin = 0, end = 0;
 };
 
+// Where a token stands: its physical line, and its first and last byte there, from 1 on.
+struct TokenPlace {
+    int line = 0, first = 0, last = 0;
+};
+
 // Wrong brackets or an open string, which only the passes report, when they come to the line.
 // Brackets that a "|" cuts apart are the second pass's, which takes the statements one by one.
 struct CutTrouble {
@@ -39,6 +44,7 @@ struct CutTrouble {
     int count = 0;
     std::string text;
     int openParentheses = 0;
+    TokenPlace where;  // of the bracket or String, where places are asked for
 };
 
 // With -v: a text that was lexed for a line, as the passes show it.
@@ -67,11 +73,6 @@ struct CutFile {
     CutTrouble splitTrouble;            // the first bracket that a "|" cuts apart
     bool inlineOpen = false;            // the file ends inside inline C++
     std::vector<LexedText> lexed;       // with -v: up to the first trouble
-};
-
-// Where a token stands: its physical line, and its first and last byte there, from 1 on.
-struct TokenPlace {
-    int line = 0, first = 0, last = 0;
 };
 
 class LineCutter {
@@ -108,9 +109,11 @@ private:
     void NoteStretchesBetweenTildes(std::size_t at, std::string_view piece);
     TokenPlace PlaceAt(std::size_t at, std::size_t size) const;
     void LocateTokens(std::string_view text);
+    void LocateWhole(std::string_view text);
     std::string_view ReadLine();
     void NoteLexed(std::string_view text, bool isPiece);
     void NoteTrouble(const LexTrouble& trouble, std::string_view text);
+    TokenPlace PlaceOfTrouble(char sign, std::size_t from, std::size_t to) const;
     void Lex(std::string_view text);
     void LexJoined(const std::string& text, bool counts);
     void LexPiece(std::string_view text);

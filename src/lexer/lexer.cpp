@@ -55,7 +55,7 @@ struct ScanResult {
     bool hasBar = false;
     int parenDepth = 0;
     int bracketDepth = 0;
-    const char* unmatched = nullptr;  // message of the first closer without an opener
+    char unmatched = '\0';  // the first closer without an opener
 };
 
 // One scan over a line. Every token is a contiguous piece of the line, so a start position is all that
@@ -64,7 +64,7 @@ class Scanner {
 public:
     Scanner(std::string_view text, Tokens& out) : line(text), tokens(out) {}
 
-    ScanResult Run() {
+    const ScanResult& Run() {
         while (at < line.size() && !inComment) Step();
         Flush();
         return result;
@@ -98,14 +98,14 @@ private:
                 Delimiter();
                 break;
             case CharClass::CloseParen:
-                Close(result.parenDepth, "Unmatched closing parenthesis ')'");
+                Close(result.parenDepth);
                 break;
             case CharClass::OpenBracket:
                 ++result.bracketDepth;
                 Delimiter();
                 break;
             case CharClass::CloseBracket:
-                Close(result.bracketDepth, "Unmatched closing bracket ']'");
+                Close(result.bracketDepth);
                 break;
             case CharClass::Dollar:
                 Dollar();
@@ -158,8 +158,8 @@ private:
         ++at;
     }
 
-    void Close(int& depth, const char* message) {
-        if (--depth < 0 && !result.unmatched) result.unmatched = message;
+    void Close(int& depth) {
+        if (--depth < 0 && result.unmatched == '\0') result.unmatched = line[at];
         Delimiter();
     }
 
@@ -194,12 +194,14 @@ constexpr char unclosedParenthesis[] = "Unclosed parenthesis '('";
 
 const char* BoolText(bool value) { return value ? "true" : "false"; }
 
-const char* ProblemOf(const ScanResult& found, bool continues) {
-    if (found.unmatched) return found.unmatched;
-    if (continues) return nullptr;
-    if (found.openString) return "Unclosed string literal";
-    if (found.parenDepth > 0) return unclosedParenthesis;
-    return found.bracketDepth > 0 ? "Unclosed bracket '['" : nullptr;
+LexTrouble ProblemOf(const ScanResult& found, bool continues) {
+    const int open = found.parenDepth;
+    if (found.unmatched == ')') return {"Unmatched closing parenthesis ')'", open, ')'};
+    if (found.unmatched == ']') return {"Unmatched closing bracket ']'", open, ']'};
+    if (continues) return {nullptr, open};
+    if (found.openString) return {"Unclosed string literal", open, '"'};
+    if (open > 0) return {unclosedParenthesis, open, '('};
+    return found.bracketDepth > 0 ? LexTrouble{"Unclosed bracket '['", open, '['} : LexTrouble{nullptr, open};
 }
 
 bool IsContinued(TokenSpan tokens) {
@@ -241,9 +243,10 @@ Lexer::Lexer() {
 LexTrouble Lexer::Cut(std::string_view line) {
     tokens.clear();
     indent = static_cast<std::uint32_t>(IndentOf(line));
-    const ScanResult found = Scanner(line.substr(indent), tokens).Run();
+    Scanner scanner(line.substr(indent), tokens);
+    const ScanResult& found = scanner.Run();
     hasBar = found.hasBar;
-    return {ProblemOf(found, IsContinued(tokens)), found.parenDepth};
+    return ProblemOf(found, IsContinued(tokens));
 }
 
 std::int32_t Lexer::LexLine(std::string_view line, bool keepComment, bool countLine, bool skipValidation) {

@@ -13,6 +13,7 @@
 struct LexTrouble {
     const char* message = nullptr;  // null when all is well
     int openParentheses = 0;
+    char sign = '\0';  // the bracket, or '"'
 };
 
 class Lexer {

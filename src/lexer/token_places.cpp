@@ -1,6 +1,7 @@
 #include "lexer/token_places.h"
 
 #include <algorithm>
+#include <limits>
 #include <unordered_map>
 
 #include "base/run.h"
@@ -9,8 +10,27 @@
 
 namespace {
 
-std::unordered_map<std::string, std::vector<TokenPlace>> placesByFile;
+struct FilePlaces {
+    std::vector<TokenPlace> tokens;
+    CutTrouble trouble, splitTrouble;
+};
+
+std::unordered_map<std::string, FilePlaces> placesByFile;
 const PartOfRun partOfRun(placesByFile);
+
+const FilePlaces& Placed(const std::string& file) {
+    const auto [entry, isNew] = placesByFile.try_emplace(file);
+    FilePlaces& found = entry->second;
+    if (!isNew) return found;
+    CutFile again;
+    LineCutter cutter(again, &found.tokens);
+    if (!cutter.Open(file)) return found;
+    do cutter.CutNext();
+    while (!again.lines.back().isEnd);
+    found.trouble = again.trouble;
+    found.splitTrouble = again.splitTrouble;
+    return found;
+}
 
 // The tokens [at, at + count) of a file's list.
 bool PlaceInFile(const Token* at, std::size_t count, SourcePlace& place) {
@@ -63,16 +83,7 @@ bool FindCopy(TokenSpan wanted, TokenSpan statement, SourcePlace& place) {
 
 }  // namespace
 
-const std::vector<TokenPlace>& PlacesOf(const std::string& file) {
-    const auto [entry, isNew] = placesByFile.try_emplace(file);
-    if (!isNew) return entry->second;
-    CutFile again;
-    LineCutter cutter(again, &entry->second);
-    if (!cutter.Open(file)) return entry->second;
-    do cutter.CutNext();
-    while (!again.lines.back().isEnd);
-    return entry->second;
-}
+const std::vector<TokenPlace>& PlacesOf(const std::string& file) { return Placed(file).tokens; }
 
 bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& place) {
     const TokenSpan wanted(subject.tokens);
@@ -85,14 +96,51 @@ bool FindPlace(TokenSpan tokens, SourcePlace& place) {
     return !tokens.empty() && PlaceInFile(tokens.first, tokens.size(), place);
 }
 
-bool FindName(const std::string& file, int line, const std::string& name, TokenPlace& place) {
+// The tokens of a file from the line on, up to another line.
+static TokenSpan TokensBetween(const std::string& file, int line, int end) {
     const TokenSpan tokens = TokensOf(file);
     const std::vector<TokenPlace>& places = PlacesOf(file);
-    if (tokens.size() != places.size()) return false;
-    const auto from = std::lower_bound(places.begin(), places.end(), line,
-                                       [](const TokenPlace& at, int wanted) { return at.line < wanted; });
-    const Token* found = std::find(tokens.first + (from - places.begin()), tokens.last, Token(name));
-    if (found == tokens.last) return false;
-    place = places[static_cast<std::size_t>(found - tokens.first)];
+    if (tokens.size() != places.size()) return {};
+    const auto before = [](const TokenPlace& at, int wanted) { return at.line < wanted; };
+    const auto indexOf = [&](int wanted) {
+        return static_cast<std::size_t>(std::lower_bound(places.begin(), places.end(), wanted, before) -
+                                        places.begin());
+    };
+    return tokens.Slice(indexOf(line), indexOf(end));
+}
+
+bool FindOnLine(const std::string& file, int line, TokenSpan words, TokenPlace& place) {
+    const TokenSpan tokens = TokensBetween(file, line, line + 1);
+    if (tokens.empty()) return false;
+    const Token* found = words.empty() ? nullptr : FindIn(tokens, words);
+    const std::size_t count = found != nullptr ? words.size() : 1;
+    if (found == nullptr && !words.empty()) {
+        const std::string lower = Lower(words[0]);
+        const auto same = [&lower](Token token) { return IsWord(token->text, lower); };
+        found = std::find_if(tokens.first, tokens.last, same);
+    }
+    SourcePlace at;
+    const bool isPlaced =
+        PlaceInFile(found == nullptr || found == tokens.last ? tokens.first : found, count, at);
+    place = at.where;
+    return isPlaced;
+}
+
+bool FindTrouble(const korvel::Diagnostic& mistake, TokenPlace& place) {
+    const FilePlaces& places = Placed(mistake.file);
+    for (const CutTrouble* trouble : {&places.trouble, &places.splitTrouble}) {
+        if (trouble->message == nullptr || mistake.message != trouble->message) continue;
+        place = trouble->where;
+        return place.line != 0;
+    }
+    return false;
+}
+
+bool FindName(const std::string& file, int line, const std::string& name, TokenPlace& place) {
+    const TokenSpan tokens = TokensBetween(file, line, std::numeric_limits<int>::max());
+    const Token* found = FindIn(tokens, Tokens{name});
+    SourcePlace at;
+    if (found == nullptr || !PlaceInFile(found, 1, at)) return false;
+    place = at.where;
     return true;
 }

@@ -24,5 +24,12 @@ bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& p
 // The same for tokens of a file's own list.
 bool FindPlace(TokenSpan tokens, SourcePlace& place);
 
+// The place of the words on a line of a file that has been read: of all of them, of the first one in any letter case, or
+// else of what stands first there. False when there is nothing.
+bool FindOnLine(const std::string& file, int line, TokenSpan words, TokenPlace& place);
+
+// The place of the bracket or String that is not right, if that is what the mistake says.
+bool FindTrouble(const korvel::Diagnostic& mistake, TokenPlace& place);
+
 // The place of the first token from the line on that is the name. False when there is none.
 bool FindName(const std::string& file, int line, const std::string& name, TokenPlace& place);

@@ -33,7 +33,8 @@ void LoadKeywords() {
         if (wordLists.keywordList.size() == static_cast<std::size_t>(keywordAmount)) {
             ReportFatal("Too many keywords in config/keywords.txt - raise keywordAmount in declarations.h");
         }
-        wordLists.keywordList.push_back(Lower(line.substr(0, line.find(':'))));
+        wordLists.spellings.push_back(line.substr(0, line.find(':')));
+        wordLists.keywordList.push_back(Lower(wordLists.spellings.back()));
     });
     // The last slot is loaded but reserves nothing.
     wordLists.keywordList.resize(keywordAmount);

@@ -9,9 +9,9 @@
 #include "precalc/table_machine.h"
 #include "symbols/identifiers.h"
 
-void FailInBlock(int line, const std::string& message) {
-    settings.currentLine = line;
-    ReportFatal(message);
+void FailInBlock(const TableInstruction& at, const std::string& message) {
+    settings.currentLine = at.line;
+    ReportFatal(message, at.about);
 }
 
 namespace {
@@ -77,7 +77,7 @@ void AppendLevel(std::string& text, const TableProgram& program, const TableValu
         }
         const double value = *item++;
         if (!program.isDouble && !FitsInt(value))
-            FailInBlock(values.lineOfWideInt,
+            FailInBlock(*values.wideInt,
                         "PreCalc: the value " + NumberText(value) + " of '" + program.name +
                             "' does not fit an Int (-2147483648 to 2147483647); make the table a Double one");
         text += program.isDouble ? DoubleText(value) : IntText(value);
@@ -108,7 +108,7 @@ void CheckPreCalcHeader(TokenSpan header, bool topLevel) {
     CheckSizes(header[1], ReadSizes(header));
 }
 
-PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<std::string>& body,
+PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<TokenSpan>& body,
                              const std::vector<int>& bodyLines) {
     TableProgram program;
     program.name = header[1];

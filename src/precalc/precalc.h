@@ -20,5 +20,5 @@ void CheckPreCalcHeader(TokenSpan header, bool topLevel);
 // Computes the table of a block whose header passed the check. `body` holds the lines or statements
 // between header and EndPreCalc, `bodyLines` their line numbers. An error ends the run with
 // settings.currentLine on the line at fault.
-PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<std::string>& body,
+PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<TokenSpan>& body,
                              const std::vector<int>& bodyLines);

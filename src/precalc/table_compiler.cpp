@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "base/settings.h"
 #include "base/token_span.h"
 #include "expressions/math_functions.h"
 #include "lexer/lexer.h"
@@ -37,6 +38,7 @@ public:
 
     void Statement(TokenSpan statement, int statementLine) {
         tokens = statement;
+        whole = statement;
         line = statementLine;
         at = 0;
         depth = 0;
@@ -45,13 +47,15 @@ public:
         if (keyword == "for") return For();
         if (keyword == "next") return Next();
         const bool assigns = (tokens[1] == "[" && Find("=") < tokens.size()) || tokens[1] == "=";
-        if (!assigns) return FailStatement(tokens[0]);
+        if (!assigns) return FailStatement(0);
         Assignment();
     }
 
     void Finish() {
         for (failed = false; !loops.empty(); failed = false) {
             line = loops.back().line;
+            tokens = loops.back().header;
+            at = 0;
             program.code[loops.back().enter].target = program.code.size();
             loops.pop_back();
             Fail("PreCalc: For without matching Next (block ended inside a loop)");
@@ -65,11 +69,13 @@ private:
         std::size_t slot = 0;
         std::size_t enter = 0;  // its Enter instruction, or the mistake in its place
         int line = 0;
+        TokenSpan header;
     };
 
     TableProgram& program;
     std::vector<Loop> loops;
-    TokenSpan tokens;
+    TokenSpan whole;   // the statement
+    TokenSpan tokens;  // what is read of it
     std::size_t at = 0;
     int line = 0;
     int nesting = 0;
@@ -77,16 +83,28 @@ private:
     bool failed = false;    // the statement is wrong
     TableInstruction dropped;
 
-    void Fail(const std::string& message) {
+    // The token that comes next, or else the last one.
+    TokenSpan Coming() const {
+        if (!AtEnd()) return tokens.Slice(at, at + 1);
+        return tokens.empty() ? whole.From(whole.size() - 1) : tokens.From(tokens.size() - 1);
+    }
+
+    TokenSpan Taken() const { return tokens.Slice(at - 1, at); }
+
+    void Fail(const std::string& message) { Fail(message, Coming()); }
+    void Fail(const std::string& message, TokenSpan about) {
         if (failed) return;
-        Emit(TableOp::Fail).operand = program.messages.size();
+        TableInstruction& fail = Emit(TableOp::Fail);
+        fail.operand = program.messages.size();
+        fail.about = about;
         program.messages.push_back(message);
         failed = true;
         at = tokens.size();
     }
 
-    void FailStatement(const std::string& token) {
-        Fail("PreCalc: only For/Next and assignments are allowed here (got '" + token + "')");
+    void FailStatement(std::size_t token) {
+        Fail("PreCalc: only For/Next and assignments are allowed here (got '" + tokens[token] + "')",
+             tokens.Slice(token, token + 1));
     }
 
     bool AtEnd() const { return at >= tokens.size(); }
@@ -109,6 +127,7 @@ private:
         program.code.emplace_back();
         program.code.back().op = op;
         program.code.back().line = line;
+        program.code.back().about = whole;
         return program.code.back();
     }
 
@@ -116,7 +135,7 @@ private:
 
     // For name [: type] = start To end [Step step]
     void For() {
-        Loop loop = {tokens[1], program.variableCount, 0, line};
+        Loop loop = {tokens[1], program.variableCount, 0, line, tokens};
         program.variableCount += 3;
         ForParts();
         Emit(TableOp::Enter, -3).operand = loop.slot;
@@ -132,7 +151,6 @@ private:
         const std::size_t to = Find("to");
         if (to == tokens.size()) return Fail("PreCalc: For without 'To'");
         const std::size_t step = Find("step");
-        const TokenSpan whole = tokens;
         Part(whole.Slice(at, to));
         Part(whole.Slice(to + 1, step));
         if (step < whole.size())
@@ -172,7 +190,7 @@ private:
     void Assignment() {
         at = 1;
         Indices(tokens[0]);
-        if (!Take("=")) return FailStatement(AtEnd() ? tokens[0] : tokens[at]);
+        if (!Take("=")) return FailStatement(AtEnd() ? 0 : at);
         Expression();
         ExpectEnd();
         Emit(TableOp::Store, -2);
@@ -181,7 +199,9 @@ private:
     // [index]... behind the array's name; the position in the table ends up on the stack.
     void Indices(const std::string& name) {
         if (name != program.name)
-            return Fail("PreCalc: unknown array '" + name + "' (this block builds '" + program.name + "')");
+            return Fail("PreCalc: unknown array '" + name + "' (this block builds '" + program.name + "')",
+                        Taken());
+        const std::size_t begin = at - 1;
         std::size_t count = 0;
         for (; Take("["); ++count) {
             Expression();
@@ -189,8 +209,9 @@ private:
         }
         if (count != program.sizes.size())
             Fail("PreCalc: '" + name + "' has " + std::to_string(program.sizes.size()) +
-                 " dimension(s), but was indexed with " + std::to_string(count));
-        Emit(TableOp::Address, 1 - static_cast<int>(count));
+                     " dimension(s), but was indexed with " + std::to_string(count),
+                 tokens.Slice(begin, at));
+        Emit(TableOp::Address, 1 - static_cast<int>(count)).about = tokens.Slice(begin, at);
     }
 
     // term {("+" | "-") term}
@@ -217,8 +238,9 @@ private:
                 Factor();
                 Emit(TableOp::Multiply, -1);
             } else if (Take("/")) {
+                const std::size_t divisor = at;
                 Factor();
-                Emit(TableOp::Divide, -1);
+                Emit(TableOp::Divide, -1).about = tokens.Slice(divisor, at);
             } else if (!AtEnd() && Lower(tokens[at]) == "mod") {
                 ++at;
                 Factor();
@@ -277,7 +299,8 @@ private:
         }
         if (Lower(name) == "pi") return Constant(tablePi);
         Fail("PreCalc: unknown name '" + name +
-             "' - only numbers, loop variables, math functions and the array being built are allowed");
+                 "' - only numbers, loop variables, math functions and the array being built are allowed",
+             Taken());
     }
 
     // name "(" [expression {"," expression}] ")"
@@ -287,13 +310,15 @@ private:
         if (math == nullptr)
             return Fail(
                 "PreCalc: '" + name +
-                "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
-                "and Sin/Cos/Sqrt/...)");
+                    "' isn't allowed here - a PreCalc block is compile-time math only (For/Next, numbers, "
+                    "and Sin/Cos/Sqrt/...)",
+                Taken());
         const TableFunction* function = FindTableFunction(lowerName);
-        if (function == nullptr) return Fail("PreCalc: unknown function '" + name + "'");
+        if (function == nullptr) return Fail("PreCalc: unknown function '" + name + "'", Taken());
         const int expected = math->arguments;
         const std::size_t codeBefore = program.code.size();
         const std::size_t depthBefore = depth;
+        const std::size_t begin = at - 1;
         const int count = Arguments(name);
         if (expected == 0 && !failed) {  // whatever stands between the parentheses
             program.code.resize(codeBefore);
@@ -301,7 +326,8 @@ private:
             return Constant(function->value);
         }
         if (count != expected)
-            Fail("PreCalc: '" + name + "' expects " + std::to_string(expected) + " argument(s)");
+            Fail("PreCalc: '" + name + "' expects " + std::to_string(expected) + " argument(s)",
+                 tokens.Slice(begin, at));
         TableInstruction& call = Emit(expected == 1 ? TableOp::CallOne : TableOp::CallTwo, 1 - expected);
         call.one = function->one;
         call.two = function->two;
@@ -322,13 +348,12 @@ private:
 
 }  // namespace
 
-void CompileTable(TableProgram& program, const std::vector<std::string>& body,
-                  const std::vector<int>& lines) {
+void CompileTable(TableProgram& program, const std::vector<TokenSpan>& body, const std::vector<int>& lines) {
     TableCompiler compiler(program);
     for (std::size_t i = 0; i < body.size(); ++i) {
-        const Tokens tokens = Split(body[i]);
-        if (tokens.empty() || (tokens[0] == "/" && tokens.size() > 1 && tokens[1] == "/")) continue;
-        const TokenSpan whole(tokens);
+        const TokenSpan whole = body[i];
+        if (settings.verbose) ShowSplit(whole.Text());
+        if (whole.SignAt(0) == '/' && whole.SignAt(1) == '/') continue;
         for (std::size_t from = 0; from < whole.size();) {
             std::size_t bar = from;
             while (bar < whole.size() && whole.SignAt(bar) != '|') ++bar;

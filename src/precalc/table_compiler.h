@@ -6,6 +6,6 @@
 
 #include "precalc/table_program.h"
 
-// Compiles `body` (one statement per text, `lines` holding where each stands) into `program`, whose
+// Compiles `body` (`lines` holding where each of its lines or statements stands) into `program`, whose
 // name and sizes are set.
-void CompileTable(TableProgram& program, const std::vector<std::string>& body, const std::vector<int>& lines);
+void CompileTable(TableProgram& program, const std::vector<TokenSpan>& body, const std::vector<int>& lines);

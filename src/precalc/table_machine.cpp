@@ -17,8 +17,8 @@ bool HasRound(double variable, double end, double step) {
 double WholeIndex(double index) { return std::trunc(index < 0 ? index - tolerance : index + tolerance); }
 
 [[noreturn]] void FailIndex(const TableInstruction& at, double index, long long size, std::size_t dimension) {
-    FailInBlock(at.line, "PreCalc: index " + NumberText(index) + " out of range 0.." +
-                             std::to_string(size - 1) + " (dimension " + std::to_string(dimension) + ")");
+    FailInBlock(at, "PreCalc: index " + NumberText(index) + " out of range 0.." + std::to_string(size - 1) +
+                        " (dimension " + std::to_string(dimension) + ")");
 }
 
 // The position of the item whose indices begin at `indices`.
@@ -33,8 +33,8 @@ double Position(const TableProgram& program, const TableInstruction& at, const d
     return position;
 }
 
-void CountStep(long long& steps, int line) {
-    if (++steps > stepLimit) FailInBlock(line, "PreCalc: too many iterations (possible infinite loop)");
+void CountStep(long long& steps, const TableInstruction& at) {
+    if (++steps > stepLimit) FailInBlock(at, "PreCalc: too many iterations (possible infinite loop)");
 }
 
 }  // namespace
@@ -83,8 +83,8 @@ TableValues RunTable(const TableProgram& program) {
             case TableOp::Store:
                 top -= 2;
                 values.items[static_cast<std::size_t>(top[0])] = top[1];
-                if (!program.isDouble && !FitsInt(top[1])) values.lineOfWideInt = at->line;
-                CountStep(steps, at->line);
+                if (!program.isDouble && !FitsInt(top[1])) values.wideInt = at;
+                CountStep(steps, *at);
                 break;
             case TableOp::Add:
                 --top;
@@ -100,7 +100,7 @@ TableValues RunTable(const TableProgram& program) {
                 break;
             case TableOp::Divide:
                 --top;
-                if (top[0] == 0.0) FailInBlock(at->line, "PreCalc: division by zero");
+                if (top[0] == 0.0) FailInBlock(*at, "PreCalc: division by zero");
                 top[-1] /= top[0];
                 break;
             case TableOp::Modulo:
@@ -123,19 +123,19 @@ TableValues RunTable(const TableProgram& program) {
                 loop[0] = top[0];
                 loop[1] = top[1];
                 loop[2] = top[2];
-                CountStep(steps, at->line);
+                CountStep(steps, *at);
                 if (!HasRound(loop[0], loop[1], loop[2])) at = code + at->target - 1;
                 break;
             }
             case TableOp::Next: {
                 double* loop = &variables[at->operand];
                 loop[0] += loop[2];
-                CountStep(steps, at->line);
+                CountStep(steps, *at);
                 if (HasRound(loop[0], loop[1], loop[2])) at = code + at->target - 1;
                 break;
             }
             case TableOp::Fail:
-                FailInBlock(at->line, program.messages[at->operand]);
+                FailInBlock(*at, program.messages[at->operand]);
             case TableOp::End:
                 return values;
         }

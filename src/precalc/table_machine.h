@@ -6,8 +6,8 @@
 #include "precalc/table_program.h"
 
 struct TableValues {
-    std::vector<double> items;  // row by row; 0 where nothing was assigned
-    int lineOfWideInt = 0;      // of the last assignment beyond the range of Int
+    std::vector<double> items;                  // row by row; 0 where nothing was assigned
+    const TableInstruction* wideInt = nullptr;  // the last assignment beyond the range of Int
 };
 
 // Runs the program to its end. A wrong statement, a bad index, a division by zero or too many steps end the run.

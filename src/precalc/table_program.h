@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/token_span.h"
+
 enum class TableOp : unsigned char {
     Constant,  // pushes value
     Variable,  // pushes variables[operand]
@@ -29,6 +31,7 @@ enum class TableOp : unsigned char {
 struct TableInstruction {
     TableOp op = TableOp::End;
     int line = 0;             // of the source
+    TokenSpan about;          // the tokens that it comes from
     std::size_t operand = 0;  // loop: its variable, which the end and the step of the loop follow
     std::size_t target = 0;   // instruction to go to
     double value = 0;
@@ -46,5 +49,5 @@ struct TableProgram {
     std::size_t stackSize = 0;
 };
 
-// Reports the message for a line of the block and ends the run.
-[[noreturn]] void FailInBlock(int line, const std::string& message);
+// Reports the message for an instruction and ends the run.
+[[noreturn]] void FailInBlock(const TableInstruction& at, const std::string& message);

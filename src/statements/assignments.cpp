@@ -11,10 +11,10 @@
 #include "expressions/sequence_walks.h"
 #include "statements/array_declarations.h"
 #include "statements/array_loops.h"
-#include "statements/misspelling.h"
 #include "statements/string_append.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
+#include "symbols/misspelling.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -161,7 +161,7 @@ void CheckFirstWord(TokenSpan tokens) {
     const std::string& name = tokens[0];
     if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement", Tokens{name});
     if (IsKnownName(name) || WasInEndedBlock(name)) return;
-    ReportUnknown("Identifier not found - " + name + SpellingHint(name), Tokens{name});
+    ReportUnknownStatement("Identifier not found - " + name, Tokens{name}, SpellingHint(name));
 }
 
 void TranslateCall(State& state, TokenSpan tokens) {

@@ -45,8 +45,10 @@ std::size_t FindBlock(const State& state, BlockKind kind) {
     return none;
 }
 
-void Refuse(State& state, const std::string& message) {
+void Refuse(State& state, const std::string& closer, const std::string& message, int openLine) {
     if (!state.place.closerMessage.empty()) return;
+    state.place.closerWord = closer;
+    state.place.closerOther = {settings.currentFile, openLine, {}, openedHere};
     state.place.closerLine = settings.currentLine;
     state.place.closerMessage = message;
 }
@@ -146,15 +148,17 @@ std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string&
     if (at == none || state.blocks.size() == state.place.firstBlock) {
         const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
         if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
-        Refuse(state, stray);
+        Refuse(state, closer, stray, 0);
         return std::nullopt;
     }
     const Opener& meant = state.blocks[at].opener;
     const Braces& braces = state.blocks.back().braces;
     if (!CanClose(kind, braces.kind)) {
         const Opener& inner = state.blocks.back().opener;
-        Refuse(state, "'" + closer + "' closes the " + Described(meant) + " while the " + Described(inner) +
-                          " is still open (missing '" + CloserOf(inner) + "')");
+        Refuse(state, closer,
+               "'" + closer + "' closes the " + Described(meant) + " while the " + Described(inner) +
+                   " is still open (missing '" + CloserOf(inner) + "')",
+               inner.line);
     } else if (at + 1 != state.blocks.size() || meant.kind != kind) {
         WarnOfCrossing(closer, meant, braces);
     }
@@ -203,7 +207,7 @@ void LeaveBlocks(State& state) {
 void CheckClosers(const State& state) {
     if (state.place.closerMessage.empty()) return;
     settings.currentLine = state.place.closerLine;
-    ReportFatal(state.place.closerMessage);
+    ReportFatal(state.place.closerMessage, Tokens{state.place.closerWord}, state.place.closerOther);
 }
 
 namespace {

@@ -48,7 +48,7 @@ void CheckNewName(const Declared& declared) {
     if (declared.kind != DefinitionKind::Local) return;
     CheckCppWord(name);
     // A Local may hide a Function: calls of it are told apart.
-    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
+    if (IsClass(name)) FailAlreadyDefined(name);
     if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
@@ -107,7 +107,7 @@ void CheckCreation(TokenSpan value) {
     if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'");
     if (!IsClass(value[1]))
         ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type",
-                    value.Slice(1, 2));
+                    value.Slice(1, 2), Sought::Type);
 }
 
 void CheckComplete(const Declared& declared) {

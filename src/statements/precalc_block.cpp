@@ -21,7 +21,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
 }
 
 void CollectBodyLine(State& state, TokenSpan tokens) {
-    state.preCalcBody.push_back(tokens.Text());
+    state.preCalcBody.push_back(tokens);
     state.preCalcBodyLines.push_back(state.place.line);
 }
 

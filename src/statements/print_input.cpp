@@ -74,7 +74,8 @@ InputTarget TargetOf(TokenSpan tokens) {
     if (tokens.size() == 1) {
         const Variable* variable = FindVariable(tokens[0]);
         if (variable == nullptr)
-            ReportUnknown("Variable '" + target.name + "' not found in Input statement", Tokens{target.name});
+            ReportUnknown("Variable '" + target.name + "' not found in Input statement", Tokens{target.name},
+                          Sought::Value);
         if (variable != nullptr && variable->isConst)
             ReportFatal("Cannot assign to const variable '" + target.name + "'", Tokens{target.name});
     }

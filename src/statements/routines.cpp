@@ -119,15 +119,16 @@ void EmitEnter(State& state, const std::string& name) {
 }
 
 void CheckFunctionName(const std::string& name, const Routine* routine, bool isMain) {
-    if (routine == nullptr || IsClass(name))
-        ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
+    if (routine == nullptr || IsClass(name)) FailAlreadyDefined(name);
     if (isMain && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
 }
 
 bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }
 
 void CheckWithClosed(const State& state, const std::string& closer) {
-    if (!state.withs.empty()) ReportFatal("With block not closed - add EndWith before " + closer);
+    if (!state.withs.empty())
+        ReportFatal("With block not closed - add EndWith before " + closer, {},
+                    {settings.currentFile, state.withs.back().line, {}, openedHere});
 }
 
 // The end of the routine, for a run that gets there without a Return.
@@ -267,7 +268,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);
-    if (method == nullptr) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
+    if (method == nullptr) FailAlreadyDefined(name);
     CheckMethodKind(state, *method);
     EmitAccessOf(state, *method);
     Open(state, RoutineKind::Method, ReportedName(*method, state.typeName), *method, false);

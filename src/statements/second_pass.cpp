@@ -21,7 +21,7 @@ namespace {
 void TranslateStatement(State& state, TokenSpan tokens) {
     ForgetNodes();
     if (settings.traceMode) state.place.traceText = tokens.Text() + " ";
-    if (!MentionsIts(state, tokens)) {
+    if (state.inPreCalc || !MentionsIts(state, tokens)) {
         DispatchStatement(state, tokens);
         return;
     }

@@ -125,7 +125,7 @@ SourceFile* MeetInclude(std::string name) {
         const std::string modules = ModulesLike(name);
         ReportMissing("Include file does not exist." +
                           (modules.empty() ? "" : " The modules of the language are " + modules),
-                      LookedFor(PlacesOfInclude(name)));
+                      LookedFor(PlacesOfInclude(name)), Tokens{"\"" + name + "\""});
     }
     const TellOnly first(Telling::First);
     Say(path);

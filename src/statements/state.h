@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/report.h"
 #include "base/token_span.h"
 #include "expressions/expression.h"
 #include "prelude/output.h"
@@ -72,6 +73,8 @@ struct PlaceInFile {
     std::optional<StatementPlaces> ifsLeftOpen;  // of the file, once they have been asked for
     std::string closerMessage;                   // the first closer that cannot be let through, and its line
     int closerLine = 0;
+    std::string closerWord;
+    Elsewhere closerOther;                      // the block in its way
     std::size_t firstBlock = 0, firstWith = 0;  // of the file; what is open before stays open
     Passing passing = Passing::Nothing;
 };
@@ -127,7 +130,7 @@ struct State {
     bool inPreCalc = false;
     int preCalcLine = 0;
     Tokens preCalcHeader;
-    std::vector<std::string> preCalcBody;
+    std::vector<TokenSpan> preCalcBody;
     std::vector<int> preCalcBodyLines;
 
     bool beforeFirstCase = false;    // debug builds: the hook of the first label would never run

@@ -30,7 +30,8 @@ Code DefaultArguments(const Routine& handler) {
 Code HandlerCall(const std::string& name) {
     const Routine* handler = FindFunction(name);
     if (handler == nullptr) handler = FindUserlibFunction(name);
-    if (handler == nullptr) ReportUnknown("AutoCall handler '" + name + "' is not a Function", Tokens{name});
+    if (handler == nullptr)
+        ReportUnknown("AutoCall handler '" + name + "' is not a Function", Tokens{name}, Sought::Function);
     if (handler->cppName == "main") ReportFatal("AutoCall cannot call Main");
     const bool hidden = !handler->isUserlib && IsHidden(name);
     return (hidden ? "::" : "") + handler->cppName + "(" + DefaultArguments(*handler) + ")";

@@ -119,5 +119,5 @@ void CheckName(const std::string& name) {
 
 void FailUnknownType(const std::string& name) {
     const bool calledForHint = !name.empty() && name[0] >= 'A' && name[0] <= 'Z' && name[0] != 'T';
-    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""), Tokens{name});
+    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""), Tokens{name}, Sought::Type);
 }

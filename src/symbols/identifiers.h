@@ -9,6 +9,7 @@
 constexpr int keywordAmount = 192;
 struct WordLists {
     std::vector<std::string> keywordList;              // keywordAmount slots, unfilled ones empty
+    std::vector<std::string> spellings;                // of those that are filled, as they are written
     std::vector<std::string> cppWordList;              // in file order
     std::unordered_set<std::string> reservedKeywords;  // the first 191 slots
     std::unordered_set<std::string> reservedCppWords;

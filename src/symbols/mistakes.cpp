@@ -12,6 +12,7 @@
 #include "lexer/mentions.h"
 #include "lexer/token_places.h"
 #include "symbols/identifiers.h"
+#include "symbols/misspelling.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 
@@ -56,12 +57,61 @@ bool FindPlace(const korvel::Diagnostic& mistake, const Stop::Subject& subject, 
     return FindPlace(statement, place) && place.file == mistake.file && place.where.line == mistake.line;
 }
 
-void Locate(korvel::Diagnostic& mistake, const Stop::Subject& subject, TokenSpan statement) {
+void PutPlace(korvel::Range& range, const TokenPlace& place) {
+    range.line = place.line;
+    range.firstColumn = place.first;
+    range.lastColumn = place.last;
+}
+
+// Mistakes that are met elsewhere than in their statement have their line alone, and the words that are meant.
+void Locate(korvel::Diagnostic& mistake, TokenSpan words) {
+    TokenPlace place;
+    if (FindOnLine(mistake.file, mistake.line, words, place)) PutPlace(mistake, place);
+}
+
+void LocateLast(korvel::Diagnostic& mistake, const Stop& stop, TokenSpan statement) {
     SourcePlace place;
-    if (!FindPlace(mistake, subject, statement, place)) return;
-    mistake.line = place.where.line;
-    mistake.firstColumn = place.where.first;
-    mistake.lastColumn = place.where.last;
+    if (stop.isElsewhere ? FindTrouble(mistake, place.where)
+                         : FindPlace(mistake, stop.subject, statement, place))
+        PutPlace(mistake, place.where);
+    else
+        Locate(mistake, stop.subject.tokens);
+}
+
+// What may have been meant, and what to write then.
+void Advise(korvel::Diagnostic& mistake, const Stop& stop) {
+    if (stop.sought == Sought::Nothing || stop.subject.tokens.size() != 1) return;
+    const Advice advice = AdviceFor(stop.subject.tokens[0], stop.sought, stop.owner);
+    const char* const separator = mistake.hint.empty() || advice.hint.empty() ? "" : "\n";
+    mistake.hint = advice.hint + separator + mistake.hint;
+    if (advice.replacement.empty() || mistake.firstColumn == 0) return;
+    korvel::Fix& fix = mistake.fixes.emplace_back();
+    static_cast<korvel::Range&>(fix) = mistake;
+    fix.replacement = advice.replacement;
+}
+
+void AddRelated(korvel::Diagnostic& mistake, const Elsewhere& other) {
+    TokenPlace place;
+    if (other.line == 0) return;
+    korvel::Related related;
+    related.file = other.file;
+    related.line = other.line;
+    related.message = other.message;
+    const bool isPlaced = other.name.empty() ? FindOnLine(other.file, other.line, {}, place)
+                                             : FindName(other.file, other.line, other.name, place);
+    if (isPlaced) PutPlace(related, place);
+    const bool isSame = related.file == mistake.file && related.line == mistake.line &&
+                        related.firstColumn == mistake.firstColumn;
+    if (!isSame) mistake.related.push_back(related);
+}
+
+void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement) {
+    const std::size_t blocks = stop.openers.size();
+    for (std::size_t i = 0; i < blocks; ++i) Locate(mistakes[i], Tokens{stop.openers[i]});
+    if (blocks == stop.mistakes.size()) return;
+    LocateLast(mistakes[blocks], stop, statement);
+    Advise(mistakes[blocks], stop);
+    for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
 }
 
 }  // namespace
@@ -69,8 +119,9 @@ void Locate(korvel::Diagnostic& mistake, const Stop::Subject& subject, TokenSpan
 void KeepMistake(const Stop& stop, TokenSpan statement) {
     const bool isUnread = stop.ofUnknown && !symbols.complete;
     if (!isUnread && (kept.empty() || !MentionsDoubtful(statement))) {
+        const std::size_t before = kept.size();
         kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
-        if (settings.columns && !stop.isElsewhere) Locate(kept.back(), stop.subject, statement);
+        if (settings.columns) Explain(&kept[before], stop, statement);
         NoteMistake(stop);
     }
     DoubtNamesOf(statement);

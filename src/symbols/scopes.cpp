@@ -107,7 +107,7 @@ void RefuseConstName(const std::string& name) {
     if (StandsBefore(constant))
         ReportFatal("Syntax error: Variable '" + name +
                         "' conflicts with an already-declared Const (first come first served)",
-                    Tokens{name});
+                    Tokens{name}, DeclarationOf(name));
     constant.isTakenEarlier = true;
 }
 
@@ -197,7 +197,7 @@ Variable& AddVarToScopeList(const std::string& name, const std::string& cppName)
     CheckKeyword(name);
     RefuseConstName(name);
     CheckName(name);
-    if (IsClass(name)) ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name});
+    if (IsClass(name)) FailAlreadyDefined(name);
 
     ScopeBranch& branch = localDefList.back();
     std::vector<VisibleVariable>& visible = branch.visible[name];
@@ -215,8 +215,28 @@ Variable& AddOwnName(const std::string& name) {
     return Record(name, SafeName(name), IsRecorded(name), localDefList.back().visible[name]);
 }
 
+Elsewhere DeclarationOf(const std::string& name) {
+    if (const Variable* local = FindLocal(name))
+        return {settings.currentFile, local->line, name, declaredHere};
+    if (const ClassInfo* cls = FindClass(name)) return {cls->sourceFile, cls->line, name, declaredHere};
+    for (const auto* variables : {&symbols.globals, &symbols.constants}) {
+        const auto found = variables->find(name);
+        if (found != variables->end()) return {found->second.file, found->second.line, name, declaredHere};
+    }
+    const Routine* routine = FindFunction(name);
+    if (routine == nullptr) routine = FindUserlibFunction(name);
+    if (routine == nullptr) return {};
+    return {routine->file, routine->line, routine->name, declaredHere};
+}
+
+void FailAlreadyDefined(const std::string& name, const Elsewhere& other) {
+    ReportFatal("Identifier '" + name + "' is already defined.", Tokens{name},
+                other.line != 0 ? other : DeclarationOf(name));
+}
+
 void FailDeclaredTwice(const std::string& name) {
-    ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope", Tokens{name});
+    ReportFatal("Syntax error: Variable '" + name + "' is already declared in this scope", Tokens{name},
+                DeclarationOf(name));
 }
 
 void ReachConst(const std::string& name) {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/report.h"
 #include "symbols/symbols.h"
 
 struct ScopeBlock {
@@ -37,7 +38,12 @@ Variable& AddVarToScopeList(const std::string& name, const std::string& cppName)
 // The same without any check, for names that the compiler declares itself ("this").
 Variable& AddOwnName(const std::string& name);
 
+// Where the name is declared that is in force here; line 0 when it is not.
+Elsewhere DeclarationOf(const std::string& name);
+
 [[noreturn]] void FailDeclaredTwice(const std::string& name);
+// The other declaration is that of the name, unless it is given.
+[[noreturn]] void FailAlreadyDefined(const std::string& name, const Elsewhere& other = {});
 
 // The second pass has come to a Const: ends the run when a variable before it has the name, and from here on
 // no variable may take it.

@@ -125,6 +125,40 @@ TEST(Library, TellsWhatAMistakeIsAbout) {
     }
 }
 
+// Mistakes, the lines and columns of what is declared or opened elsewhere, hints and what is to be written instead.
+TEST(Library, GivesAdvice) {
+    korvel::Request request = RequestFor("/nowhere/main.kvl");
+    request.overlays = {
+        {request.source,
+         "Const Limit = 3\nType TPlayer\n    Field score:Int\n    Method Hit(n:Int)\n"
+         "        scores = n\n        Hit()\n    EndMethod\nEndType\nGlobal Limit:Int\n"
+         "Function Square:Int(n:Int)\n    Return N\nEndFunction\nFunction Main\n"
+         "    Prnit 1 | Local p:TPlayr = Null\n    Local q:TPlayer = Create TPlayer\n"
+         "    Print \"{%Squre(q\\Score)}\" + Sqt(2)\n    If True Then\n        Local gone = 1\n"
+         "    EndIf\n    Print gone\n    Print nosuch\n    Local q = 1\n    Repeat | If gone\n"
+         "    Until True\n    EndIf\nEndFunction\n"}};
+    std::string told;
+    for (const korvel::Diagnostic& said : korvel::Inspect(request).result.diagnostics) {
+        const auto placeOf = [](const korvel::Range& range) {
+            return std::to_string(range.line) + ":" + std::to_string(range.firstColumn);
+        };
+        told += placeOf(said) + " " + said.hint;
+        for (const korvel::Related& other : said.related)
+            told += " < " + placeOf(other) + " " + other.message;
+        for (const korvel::Fix& fix : said.fixes) told += " > " + placeOf(fix) + " " + fix.replacement;
+        told += "\n";
+    }
+    EXPECT_EQ(
+        told,
+        "5:9 did you mean 'score'? > 5:9 score\n6:9  < 4:12 declared here\n9:8  < 1:7 declared here\n"
+        "11:12 names are case-sensitive; did you mean 'n'? > 11:12 n\n14:5 did you mean 'Print'? > 14:5 "
+        "Print\n"
+        "14:23 did you mean 'TPlayer'? > 14:23 TPlayer\n16:14 did you mean 'Square'? > 16:14 Square\n"
+        "20:11 'gone' was declared in a block that has ended; declare it before the block\n"
+        "21:11 nothing that is visible here is called 'nosuch'; Local, Global and Const declare variables\n"
+        "22:11  < 15:11 declared here\n");
+}
+
 // In a program that is being edited: another file, shadowed names, holes, joined lines, With, a mistake.
 TEST(Library, TellsWhatNamesMean) {
     korvel::Request request = RequestFor("/nowhere/main.kvl");
@@ -196,7 +230,8 @@ bool SaysTheSame(const korvel::Diagnostic& said, const Case& test) {
     if (wanted.rfind("ERROR: ", 0) == 0) wanted.erase(0, 7);
     const std::size_t hole = wanted.find("{main}");
     if (hole != std::string::npos) wanted.replace(hole, 6, "/nowhere/" + test.mainFile);
-    return said.message == wanted;
+    return said.message == wanted ||
+           said.message + "\nDid you mean '" == wanted.substr(0, said.message.size() + 15);
 }
 
 // Programs with one mistake in the cases: what follows from it must not be told.
@@ -228,7 +263,7 @@ TEST(Library, TellsOneMistakeOnce) {
               << " do not give it; " << placed << " tell what they are about\n";
     EXPECT_GE(once * 100, cases * 95);
     EXPECT_EQ(missed, 0);
-    EXPECT_GE(placed * 100, cases * 80);
+    EXPECT_GE(placed * 100, cases * 99);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <sstream>
 
 #include "lexer/lexer.h"
@@ -10,11 +11,12 @@ namespace {
 
 // The initialiser of a table whose body's lines are separated by line ends.
 std::string Table(const std::string& header, const std::string& text) {
-    std::vector<std::string> body;
+    std::deque<Tokens> split;
+    std::vector<TokenSpan> body;
     std::vector<int> lines;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);) {
-        body.push_back(line);
+        body.emplace_back(split.emplace_back(Split(line)));
         lines.push_back(static_cast<int>(body.size()));
     }
     const std::string definition = EvaluatePreCalc(Split("PreCalc " + header), body, lines).definition;

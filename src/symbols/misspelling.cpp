@@ -1,0 +1,159 @@
+#include "symbols/misspelling.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "base/edit_distance.h"
+#include "base/paths.h"
+#include "base/run.h"
+#include "base/settings.h"
+#include "base/utf8.h"
+#include "lexer/lexer.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+// Looking through all names takes its time, and nobody reads so many.
+constexpr int mostHints = 100;
+int hints = 0, quotedHints = 0;
+const PartOfRun partOfRun(hints, quotedHints);
+
+// Finds the word among those offered that is spelt most like another one. What is offered first wins.
+class Nearest {
+public:
+    explicit Nearest(const std::string& word)
+        : lower(Lower(word)),
+          best(word.size() < 4   ? 0
+               : word.size() < 6 ? 1
+                                 : 2) {}
+
+    void Offer(const std::string& word) {
+        const std::size_t distance = word.empty() ? best + 1 : EditDistance(lower, Lower(word), best);
+        if (distance > best || (distance == best && !nearest.empty())) return;
+        best = distance;
+        nearest = word;
+    }
+    // In the order of the alphabet, for tables that have none.
+    template <class Named>
+    void OfferKeys(const Named& named) {
+        std::vector<std::string> names;
+        names.reserve(named.size());
+        for (const auto& entry : named) names.push_back(entry.first);
+        std::sort(names.begin(), names.end());
+        for (const std::string& name : names) Offer(name);
+    }
+    void OfferList(const std::vector<std::string>& words) {
+        for (const std::string& word : words) Offer(word);
+    }
+    const std::string& Found() const { return nearest; }
+
+private:
+    std::string lower;
+    std::size_t best;
+    std::string nearest;
+};
+
+void OfferMembers(Nearest& nearest, const ClassInfo* cls) {
+    if (cls == nullptr) return;
+    nearest.OfferKeys(cls->members);
+    nearest.OfferKeys(cls->routines);
+}
+
+void OfferVariables(Nearest& nearest) {
+    if (!localDefList.empty()) {
+        std::vector<std::string> locals;
+        for (const auto& [name, visible] : localDefList.back().visible)
+            if (!visible.empty()) locals.push_back(name);
+        std::sort(locals.begin(), locals.end());
+        nearest.OfferList(locals);
+    }
+    if (currentClass != nullptr) nearest.OfferKeys(currentClass->members);
+    nearest.OfferKeys(symbols.globals);
+    nearest.OfferKeys(symbols.constants);
+}
+
+void OfferCallables(Nearest& nearest) {
+    if (currentClass != nullptr) nearest.OfferKeys(currentClass->routines);
+    nearest.OfferKeys(symbols.functions);
+    nearest.OfferKeys(symbols.userlibRoutines);
+}
+
+void OfferTypes(Nearest& nearest) {
+    for (const std::string& word : wordLists.spellings)
+        if (IsBasicType(word)) nearest.Offer(word);
+    for (const ClassInfo& cls : symbols.classes) nearest.Offer(cls.name);
+}
+
+void OfferFiles(Nearest& nearest, const std::string& folder) {
+    std::error_code ignored;
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(PathOf(folder), ignored))
+        names.push_back(TextOf(entry.path().filename()));
+    std::sort(names.begin(), names.end());
+    nearest.OfferList(names);
+}
+
+void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
+    switch (sought) {
+        case Sought::Member:
+            return OfferMembers(nearest, owner);
+        case Sought::Type:
+            return OfferTypes(nearest);
+        case Sought::Value:
+            OfferVariables(nearest);
+            OfferCallables(nearest);
+            return nearest.OfferList(wordLists.spellings);
+        default:
+            OfferCallables(nearest);
+            nearest.OfferList(wordLists.spellings);
+            return OfferVariables(nearest);
+    }
+}
+
+// Where nothing is like it, that is what there is to say.
+std::string NothingLike(const std::string& word, Sought sought) {
+    if (sought == Sought::Value && WasInEndedBlock(word))
+        return "'" + word + "' was declared in a block that has ended; declare it before the block";
+    if (sought == Sought::Value)
+        return "nothing that is visible here is called '" + word +
+               "'; Local, Global and Const declare variables";
+    return {};
+}
+
+Advice AdviceOn(const std::string& word, const std::string& nearest, Sought sought) {
+    if (nearest.empty() || nearest == word) return {NothingLike(word, sought), {}};
+    const bool sameLetters = Lower(nearest) == Lower(word);
+    return {std::string(sameLetters ? "names are case-sensitive; " : "") + "did you mean '" + nearest + "'?",
+            nearest};
+}
+
+Advice AdviceOnFile(const std::string& literal) {
+    const std::string name(Unquoted(literal));
+    const std::string folder = FolderOf(name);
+    Nearest nearest(StripFolder(name));
+    OfferFiles(nearest, settings.sourceFolder + "/" + folder);
+    if (nearest.Found().empty()) return {};
+    const std::string found = (folder.empty() ? "" : folder + "/") + nearest.Found();
+    return {"did you mean \"" + found + "\"?", "\"" + found + "\""};
+}
+
+}  // namespace
+
+Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner) {
+    if (++hints > mostHints) return {};
+    if (sought == Sought::File) return AdviceOnFile(word);
+    Nearest nearest(word);
+    OfferAll(nearest, sought, owner);
+    return AdviceOn(word, nearest.Found(), sought);
+}
+
+std::string SpellingHint(const std::string& name) {
+    if (++quotedHints > mostHints) return {};
+    Nearest nearest(name);
+    nearest.OfferList(wordLists.keywordList);
+    for (const auto& function : symbols.functions) nearest.Offer(function.first);
+    return nearest.Found().empty() ? "" : "\nDid you mean '" + nearest.Found() + "'?";
+}
