@@ -58,9 +58,15 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
     return at + 1;
 }
 
+// A Const of the program comes first.
+bool IsCallerPlace(TokenSpan value) {
+    return value.size() == 1 && value[0] == "CallerPlace" && FindGlobal(value[0]) == nullptr;
+}
+
 void SettleDefault(const Routine& routine, Parameter& parameter) {
     for (const std::string& name : parameter.defaultValue) SettleTypeOf(name);
-    const ValueType type = TypeOfDefault(routine, parameter);
+    parameter.placed = IsCallerPlace(parameter.defaultValue);
+    const ValueType type = parameter.placed ? Single(Base::String) : TypeOfDefault(routine, parameter);
     if (type.base == Base::Void)
         ReportUnknown("The default value of parameter '" + parameter.name +
                           "' must be a number, a text, True, False, Null or a Const",

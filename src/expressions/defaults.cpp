@@ -2,9 +2,26 @@
 
 #include "base/journal.h"
 #include "base/settings.h"
+#include "linking/runtime_code.h"
 #include "symbols/scopes.h"
 
+namespace {
+
+// Where the statement under way stands: "lib/game.kvl:12". The path counts from the main source.
+Expr& PlaceOfCall() {
+    const std::string &file = settings.currentFile, folder = settings.sourceFolder + "/";
+    const std::string shown = file.compare(0, folder.size(), folder) == 0 ? file.substr(folder.size()) : file;
+    Expr& place = NewNode(ExprKind::Fixed, Single(Base::String));
+    place.text = WordOf(CppLiteral(shown + ":" + std::to_string(settings.currentLine))).text.c_str();
+    place.literal = true;
+    place.given = false;
+    return place;
+}
+
+}  // namespace
+
 Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
+    if (parameter.placed) return PlaceOfCall();
     const FileLevelNames names;
     const std::string file = settings.currentFile;
     const int line = settings.currentLine;

@@ -6,6 +6,7 @@
 
 enum class Command {
     run,
+    test,
     build,
     check,
     doc,
@@ -33,6 +34,7 @@ struct Options {
     bool verbose = false;                // --verbose
     std::string target;                  // --target: "windows"; empty for this system
     bool isStatic = false;               // --static
+    std::string timeout;                 // test: --timeout, as typed; empty for the usual one
     std::vector<std::string> data;       // package: --data, as typed
     bool onlyCheck = false;              // fmt: --check
     std::string messageFormat;           // --message-format: human (also when empty), short or json

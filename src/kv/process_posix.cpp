@@ -131,11 +131,12 @@ void WriteTo(int descriptor, const std::string& path) {
 
 int WaitFor(pid_t child, const std::function<void()>& whileWaiting, const std::function<bool()>& shallEnd) {
     const Ticks ticks(whileWaiting || shallEnd);
-    int status = 0;
+    const int patience = 10;  // ticks until a program that takes no notice is killed
+    int status = 0, asked = 0;
     while (waitpid(child, &status, 0) < 0) {
         if (errno != EINTR) return 1;
         if (whileWaiting) whileWaiting();
-        if (shallEnd && shallEnd()) kill(child, SIGTERM);
+        if (shallEnd && shallEnd()) kill(child, ++asked < patience ? SIGTERM : SIGKILL);
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

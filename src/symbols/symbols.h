@@ -49,8 +49,9 @@ struct Parameter {
     std::string name;
     ValueType type;
     bool hasDefault = false;
-    Tokens defaultValue;   // a literal, a signed number, True/False/Null or a Const
+    Tokens defaultValue;   // a literal, a signed number, True/False/Null, a Const or CallerPlace
     bool untyped = false;  // takes the type of its default value
+    bool placed = false;   // the default value is CallerPlace: where the call stands, "lib/game.kvl:12"
 };
 
 // A Function, Method or userlib function as calls see it.

@@ -5,7 +5,8 @@ namespace {
 const std::size_t any = static_cast<std::size_t>(-1);
 constexpr unsigned leaving = Bit(Command::build) | Bit(Command::package);
 constexpr unsigned making = Bit(Command::run) | Bit(Command::watch) | leaving;
-constexpr unsigned translating = making | Bit(Command::check);
+constexpr unsigned compiling = making | Bit(Command::test);
+constexpr unsigned translating = compiling | Bit(Command::check);
 
 }  // namespace
 
@@ -18,6 +19,8 @@ const std::vector<CommandRow>& CommandRows() {
         {Command::check, "check", "PROGRAMS [OPTIONS]", "program", 1, any,
          "which program? Name its main file: kv check game.kvl", "look for mistakes, make nothing",
          CheckCommand},
+        {Command::test, "test", "[FOLDERS] [OPTIONS]", "program", 0, any, "",
+         "run the programs *_test.kvl of folders and tell which fail", TestCommand},
         {Command::doc, "doc", "[WORD]", "word", 0, 1, "",
          "show what the manual says of a word of the language", DocCommand},
         {Command::explain, "explain", "[WARNING]", "warning", 0, 1, "",
@@ -48,6 +51,8 @@ const std::vector<OptionRow>& OptionRows() {
     static const std::vector<OptionRow> rows = {
         {"-o", &Options::outputFile, "FILE", "", leaving,
          "the program to make; the folder, .tar.gz or .zip to pack it into"},
+        {"--timeout", &Options::timeout, "SECONDS", "", Bit(Command::test),
+         "a program that runs longer has failed (60)"},
         {"--data", &Options::data, "PATH", "", Bit(Command::package), "a file or folder to pack as well"},
         {"--target", &Options::target, "SYSTEM", "windows", leaving, "the system to make the program for"},
         {"--static", &Options::isStatic, "", "", leaving,

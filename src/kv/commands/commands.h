@@ -41,6 +41,7 @@ constexpr unsigned Bit(Command command) { return 1U << static_cast<unsigned>(com
 int RunCommand(const Options& options);
 int BuildCommand(const Options& options);
 int CheckCommand(const Options& options);
+int TestCommand(const Options& options);
 int DocCommand(const Options& options);
 int ExplainCommand(const Options& options);
 int FmtCommand(const Options& options);

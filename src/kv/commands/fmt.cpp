@@ -1,6 +1,5 @@
 // kv fmt.
 #include <cstdio>
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 
@@ -9,29 +8,13 @@
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/format/format.h"
+#include "kv/source_list.h"
 #include "kv/write_file.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
 const int failure = 1;
 const char standardInput[] = "-";
-
-// The sources that a name stands for: itself, or all that a folder holds. Hidden folders are kv's and other tools'.
-std::vector<std::string> SourcesOf(const std::string& name) {
-    std::error_code failed;
-    if (!fs::is_directory(PathOf(name), failed)) return {name};
-    std::vector<std::string> sources;
-    fs::recursive_directory_iterator entry(PathOf(name), failed);
-    for (; !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
-        const std::string file = TextOf(entry->path().filename());
-        if (file[0] == '.' && entry->is_directory(failed)) entry.disable_recursion_pending();
-        if (entry->path().extension() == ".kvl" && entry->is_regular_file(failed))
-            sources.push_back(TextOf(entry->path()));
-    }
-    return sources;
-}
 
 bool IsText(const std::string& text) { return text.find('\0') == std::string::npos; }
 
@@ -69,7 +52,8 @@ int FmtCommand(const Options& options) {
             good = FormatInput(options.onlyCheck) && good;
             continue;
         }
-        for (const std::string& file : SourcesOf(name)) good = FormatFile(file, options.onlyCheck) && good;
+        for (const std::string& file : SourcesOf(name, ".kvl"))
+            good = FormatFile(file, options.onlyCheck) && good;
     }
     return good ? 0 : failure;
 }
