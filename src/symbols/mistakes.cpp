@@ -35,14 +35,22 @@ bool IsNameOfProgram(const Word& word) {
     return isName && (word.keyword == Keyword::None || IsDeclared(word.text));
 }
 
-// Names that nobody declares, and those that a wrong declaration would have declared.
-void DoubtNamesOf(TokenSpan statement) {
-    const bool declares = Has(statement.KeywordAt(0), trait::names);
-    const Tokens mentioned = MentionedTokens(statement.From(declares ? 1 : 0));
-    for (const Token token : mentioned)
-        if (IsNameOfProgram(*token) && (!IsDeclared(token->text) || (declares && FindLocal(token->text))))
-            Doubt(*token);
-    if (declares && IsNameOfProgram(statement.At(1))) Doubt(statement.At(1));
+void DoubtIfName(const Word& word) {
+    if (IsNameOfProgram(word)) Doubt(word);
+}
+
+// The names that a wrong statement would have declared: those behind Local, say, and behind each comma.
+void DoubtDeclared(TokenSpan statement) {
+    for (std::size_t i = 0; i < statement.size(); ++i) {
+        if (!Has(statement.KeywordAt(i), trait::names)) continue;
+        for (const TokenSpan declared : statement.From(i + 1).SplitAt(',')) DoubtIfName(declared.At(0));
+    }
+}
+
+// A word that is not known is told once.
+void DoubtUnknown(const Stop& stop) {
+    if (!stop.ofUnknown && stop.sought == Sought::Nothing) return;
+    for (const Token token : stop.subject.tokens) DoubtIfName(*token);
 }
 
 bool MentionsDoubtful(TokenSpan statement) {
@@ -124,7 +132,8 @@ void KeepMistake(const Stop& stop, TokenSpan statement) {
         if (settings.columns) Explain(&kept[before], stop, statement);
         NoteMistake(stop);
     }
-    DoubtNamesOf(statement);
+    DoubtUnknown(stop);
+    DoubtDeclared(statement);
 }
 
 void Doubt(const Word& name) { (localDefList.size() > 1 ? doubtfulInRoutine : doubtful).insert(&name); }

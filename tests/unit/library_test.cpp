@@ -131,7 +131,7 @@ TEST(Library, GivesAdvice) {
     request.overlays = {
         {request.source,
          "Const Limit = 3\nType TPlayer\n    Field score:Int\n    Method Hit(n:Int)\n"
-         "        scores = n\n        Hit()\n    EndMethod\nEndType\nGlobal Limit:Int\n"
+         "        scores = n\n        Hit() | Hit(\"a\")\n    EndMethod\nEndType\nGlobal Limit:Int\n"
          "Function Square:Int(n:Int)\n    Return N\nEndFunction\nFunction Main\n"
          "    Prnit 1 | Local p:TPlayr = Null\n    Local q:TPlayer = Create TPlayer\n"
          "    Print \"{%Squre(q\\Score)}\" + Sqt(2)\n    If True Then\n        Local gone = 1\n"
@@ -150,7 +150,7 @@ TEST(Library, GivesAdvice) {
     }
     EXPECT_EQ(
         told,
-        "5:9 did you mean 'score'? > 5:9 score\n6:9  < 4:12 declared here\n9:8  < 1:7 declared here\n"
+        "5:9 did you mean 'score'? > 5:9 score\n6:9  < 4:12 declared here\n6:21 \n9:8  < 1:7 declared here\n"
         "11:12 names are case-sensitive; did you mean 'n'? > 11:12 n\n14:5 did you mean 'Print'? > 14:5 "
         "Print\n"
         "14:23 did you mean 'TPlayer'? > 14:23 TPlayer\n16:14 did you mean 'Square'? > 16:14 Square\n"
