@@ -29,5 +29,25 @@ struct Settings {
 // Written by the command line (the flags) and by the translator (file and line).
 extern Settings settings;
 
+// While one lives the place is another one.
+class AtPlace {
+public:
+    AtPlace(const std::string& file, int line)
+        : fileBefore(settings.currentFile), lineBefore(settings.currentLine) {
+        settings.currentFile = file;
+        settings.currentLine = line;
+    }
+    ~AtPlace() {
+        settings.currentFile = fileBefore;
+        settings.currentLine = lineBefore;
+    }
+    AtPlace(const AtPlace&) = delete;
+    AtPlace& operator=(const AtPlace&) = delete;
+
+private:
+    std::string fileBefore;
+    int lineBefore;
+};
+
 // The path of a file of the installation.
 std::string InstallationPath(const std::string& name);

@@ -16,9 +16,7 @@ namespace {
 class DeclarationContext {
 public:
     DeclarationContext(const Variable& variable, const ClassInfo* owner)
-        : file(settings.currentFile), line(settings.currentLine), cls(currentClass) {
-        settings.currentFile = variable.file;
-        settings.currentLine = variable.line;
+        : place(variable.file, variable.line), cls(currentClass) {
         currentClass = owner;
         PushRoutineScope();
         outerNeeds = CollectNeedsInto(&ignoredNeeds);
@@ -26,16 +24,13 @@ public:
     ~DeclarationContext() {
         CollectNeedsInto(outerNeeds);
         PopRoutineScope();
-        settings.currentFile = file;
-        settings.currentLine = line;
         currentClass = cls;
     }
     DeclarationContext(const DeclarationContext&) = delete;
     DeclarationContext& operator=(const DeclarationContext&) = delete;
 
 private:
-    std::string file;
-    int line;
+    AtPlace place;
     const ClassInfo* cls;
     std::vector<const ClassInfo*> ignoredNeeds;
     std::vector<const ClassInfo*>* outerNeeds = nullptr;

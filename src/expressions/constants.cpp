@@ -106,7 +106,9 @@ Value Combine(char operation, const Value& a, const Value& b) {
 
 // As C++ has it.
 Value Number(const std::string& word) {
-    if (word.rfind("0x", 0) == 0) return Integer(Wrapped(std::strtoull(word.c_str(), nullptr, 16)));
+    const std::size_t hexadecimal = word.find("0x");
+    if (hexadecimal != std::string::npos)
+        return Integer(Wrapped(std::strtoull(word.c_str() + hexadecimal, nullptr, 16)));
     if (word.find_first_of(".eE") != std::string::npos) return Real(std::strtod(word.c_str(), nullptr));
     return Integer(std::strtoll(word.c_str(), nullptr, 10));
 }

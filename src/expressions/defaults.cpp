@@ -23,14 +23,9 @@ Expr& PlaceOfCall() {
 Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
     if (parameter.placed) return PlaceOfCall();
     const FileLevelNames names;
-    const std::string file = settings.currentFile;
-    const int line = settings.currentLine;
-    settings.currentFile = routine.file;
-    settings.currentLine = routine.line;
+    const AtPlace declaration(routine.file, routine.line);
     Expr& value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);
     value.given = false;
-    settings.currentFile = file;
-    settings.currentLine = line;
     return value;
 }
 

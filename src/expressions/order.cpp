@@ -75,6 +75,15 @@ bool MayLeap(const Expr& left, const BinaryOperator& op, const Expr& right) {
     return left.leaps || right.leaps || (op.level != Level::Sum && (IsFixed(left) || IsFixed(right)));
 }
 
+// A sum of whole numbers with one that is known: g++ makes B + 6 >= A of A < B + 7.
+bool HoldsKnownNumber(const Expr& expr) {
+    if (expr.kind == ExprKind::Parentheses || expr.kind == ExprKind::Sign ||
+        expr.kind == ExprKind::Conversion)
+        return HoldsKnownNumber(*expr.first);
+    const bool sums = expr.kind == ExprKind::Operation && expr.operation->level == Level::Sum;
+    return sums && !expr.type.Is(Base::Double) && (IsFixed(*expr.first) || IsFixed(*expr.first->next));
+}
+
 void Hide(Expr& expr) {
     expr.level = Level::Primary;
     expr.hidden = true;
@@ -99,7 +108,7 @@ void KeepOperands(Expr& left, Pieces& leftPieces, const BinaryOperator& op, Expr
     if (op.level != Level::Sum && !Compares(op)) HideSum(left, leftPieces);
     if (op.kind != OperatorKind::Add && !Compares(op)) HideSum(right, rightPieces);
     if (leftPieces.spans.empty()) leftPieces.spans.push_back(left.source);
-    const bool leaps = right.leaps && right.effects;
+    const bool leaps = right.effects && (right.leaps || (Compares(op) && HoldsKnownNumber(right)));
     const bool stays = StaysInPlace(left, op, right);
     if ((stays && !leaps) || !IsSeen(left, leftPieces, right)) return;
     if (!stays) Hide(left);

@@ -31,9 +31,17 @@ Base SizeOf(const std::string& text, int radix) {
     return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
 }
 
+// Where C++ would have it without a sign, which comparisons and sums spread to what stands beside it, it is said to be
+// a Long: 0xFFFFFFFFL , static_cast<long>(0xFFFFFFFFFFFFFFFF)
 Expr& ParseHexadecimal(Walk& walk) {
-    const std::string digits = walk.Take().substr(1);
-    return Number(WordOf("0x" + digits), SizeOf(digits, 16));
+    const std::string digits = walk.Take().substr(1), text = "0x" + digits;
+    const Base base = SizeOf(digits, 16);
+    const bool fills =
+        std::strtoull(digits.c_str(), nullptr, 16) > static_cast<unsigned long long>(LLONG_MAX);
+    return Number(WordOf(fills                ? "static_cast<long>(" + text + ")"
+                         : base == Base::Long ? text + "L"
+                                              : text),
+                  base);
 }
 
 bool IsHexadecimal(const std::string& token) {

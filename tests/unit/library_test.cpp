@@ -54,12 +54,12 @@ std::string TextOf(const korvel::Result& result) {
 korvel::Result CheckBroken() {
     korvel::Request request = RequestFor("/nowhere/main.kvl");
     request.overlays = {{"/nowhere/lib/../main.kvl",
-                         "Include \"lib/used.kvl\"\nGlobal list:Sequence Of Int\nFunction Main\n"
+                         "Include \"lib/used.kvl\"\nGlobal list:Sequence Of Int\nFunction Main\n    Late()\n"
                          "    AutoCall Tick Every 100\n    EachSeq item In list\n        With Create TUsed\n"
                          "            Print its\\Name((((missing))))\n"},
                         {"/nowhere/lib/used.kvl",
                          "Type TUsed\n    Method Name:String(n:Int)\n    EndMethod\nEndType\n"
-                         "Function Tick\nEndFunction\n"}};
+                         "Function Tick\nEndFunction\nFunction Late(n:Int = none)\nEndFunction\n"}};
     return korvel::Check(request);
 }
 
@@ -88,8 +88,10 @@ TEST(Library, TellsWhereMistakesAreInTextsFromMemory) {
     const korvel::Result result = CheckBroken();
     EXPECT_EQ(
         TextOf(result),
-        "/nowhere/main.kvl:6: With requires a variable that holds an object, not an expression\n"
-        "/nowhere/lib/used.kvl:3: Method with return type 'std::string' must have a Return statement\n");
+        "/nowhere/main.kvl:7: With requires a variable that holds an object, not an expression\n"
+        "/nowhere/lib/used.kvl:3: Method with return type 'std::string' must have a Return statement\n"
+        "/nowhere/lib/used.kvl:7: The default value of parameter 'n' must be a number, a text, True, False, "
+        "Null or a Const\n");
     EXPECT_EQ(result.sources, (std::vector<std::string>{"/nowhere/main.kvl", "/nowhere/lib/used.kvl"}));
 }
 
