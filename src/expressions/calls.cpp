@@ -68,8 +68,10 @@ PartList ParseList(Walk& walk) {
     PartList arguments;
     do {
         const std::size_t i = arguments.size();
-        arguments.Add(ParseArgument(walk, callee != nullptr && i < callee->parameters.size() &&
-                                              callee->parameters[i].type.IsArray()));
+        const bool known = callee != nullptr && i < callee->parameters.size();
+        Expr& argument = ParseArgument(walk, known && callee->parameters[i].type.IsArray());
+        if (known) LeaveAsWritten(argument);
+        arguments.Add(argument);
     } while (walk.Match(','));
     return arguments;
 }

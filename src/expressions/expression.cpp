@@ -47,6 +47,7 @@ Expr& ParseBinary(Walk& walk, Level loosest, bool comparing) {
 Expr& Assign(Expr& target, Expr& value) {
     CheckAssignable(target, value);
     CheckConversion(value, target.type);
+    LeaveAsWritten(value);
     Expr& result = NewNode(ExprKind::Assignment, target.type, target, value);
     result.level = Level::Assignment;
     return result;
@@ -56,6 +57,7 @@ Expr& TranslateSome(TokenSpan tokens, ExprMode mode) {
     Walk walk(tokens, mode);
     Expr& result = mode == ExprMode::Statement ? ParseAssignment(walk) : ParseValue(walk);
     if (!walk.Done()) FailUnexpected(walk);
+    LeaveAsWritten(result);
     KeepOrder(result);
     NoteType(tokens, result.type);
     return result;

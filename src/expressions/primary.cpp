@@ -31,17 +31,20 @@ Base SizeOf(const std::string& text, int radix) {
     return value > static_cast<unsigned long long>(INT_MAX) ? Base::Long : Base::Int;
 }
 
+std::string Hexadecimal(const std::string& token) { return "0x" + token.substr(1); }
+
 // Where C++ would have it without a sign, which comparisons and sums spread to what stands beside it, it is said to be
 // a Long: 0xFFFFFFFFL , static_cast<long>(0xFFFFFFFFFFFFFFFF)
+const Word& SignedHexadecimal(const std::string& token) {
+    const std::string text = Hexadecimal(token);
+    const unsigned long long value = std::strtoull(text.c_str(), nullptr, 16);
+    if (value > static_cast<unsigned long long>(LLONG_MAX)) return WordOf("static_cast<long>(" + text + ")");
+    return WordOf(value > INT_MAX && value <= UINT_MAX ? text + "L" : text);
+}
+
 Expr& ParseHexadecimal(Walk& walk) {
-    const std::string digits = walk.Take().substr(1), text = "0x" + digits;
-    const Base base = SizeOf(digits, 16);
-    const bool fills =
-        std::strtoull(digits.c_str(), nullptr, 16) > static_cast<unsigned long long>(LLONG_MAX);
-    return Number(WordOf(fills                ? "static_cast<long>(" + text + ")"
-                         : base == Base::Long ? text + "L"
-                                              : text),
-                  base);
+    const std::string& token = walk.Take();
+    return Number(SignedHexadecimal(token), SizeOf(token.substr(1), 16));
 }
 
 bool IsHexadecimal(const std::string& token) {
@@ -144,6 +147,11 @@ Expr& ParseOperand(Walk& walk) {
 }
 
 }  // namespace
+
+void LeaveAsWritten(Expr& value) {
+    const std::string& token = value.source[0];
+    if (value.kind == ExprKind::Number && IsHexadecimal(token)) value.word = &WordOf(Hexadecimal(token));
+}
 
 Expr& ParsePrimary(Walk& walk) {
     if (StandsAlone(walk)) return ParseAlone(walk);

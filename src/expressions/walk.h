@@ -60,6 +60,8 @@ auto InBrackets(Walk& walk, Parse parse) -> decltype(parse(walk)) {
 Expr& ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
 Expr& ParseUnary(Walk& walk);
 Expr& ParsePrimary(Walk& walk);
+// Of a value that goes by itself into something with a type of its own: a hexadecimal number needs no sign there.
+void LeaveAsWritten(Expr& value);
 Expr& ParseString(Walk& walk);
 // Goes on from the operand to what follows it: "\" members, "[" indices.
 inline bool BeginsPostfix(char sign) { return sign == '\\' || sign == '.' || sign == '['; }
