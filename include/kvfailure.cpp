@@ -108,46 +108,64 @@ struct Word {
     std::size_t size;
 };
 
+bool StartsWith(const char* text, const char* start) {
+    return std::strncmp(text, start, std::strlen(start)) == 0;
+}
+
 Word WithoutPrefix(Word word) {
-    const bool prefixed = word.size > 4 && std::memcmp(word.text, "KVL_", 4) == 0;
+    const bool prefixed = word.size > 4 && StartsWith(word.text, "KVL_");
     return prefixed ? Word{word.text + 4, word.size - 4} : word;
 }
 
-// "6KVL_Do" gives KVL_Do and moves on behind it.
+// "6KVL_Do" moves on behind it.
 bool TakeWord(const char*& mangled, Word& word) {
     std::size_t size = 0;
     const char* at = mangled;
     for (; *at >= '0' && *at <= '9'; ++at) size = size * 10 + static_cast<std::size_t>(*at - '0');
     if (size == 0 || size > std::strlen(at)) return false;
-    word = WithoutPrefix({at, size});
+    word = {at, size};
     mangled = at + size;
     return true;
 }
 
 // "_ZN11KVL_TPlayer8KVL_MoveEi", "_Z8KVL_Drawv", with a lambda or a local inside it "_ZZ..."; a Function that nobody
 // else can call has its plain name.
-void SayRoutine(Line& line, const char* name) {
-    if (std::strcmp(name, "operator()") == 0) return;  // a part of a routine
-    if (std::strcmp(name, "main") == 0) {
-        line << " in Function Main";
-        return;
+struct Name {
+    explicit Name(const char* text) : first{text, std::strlen(text)}, rest(text + first.size) {
+        if (!StartsWith(text, "_Z")) return;
+        rest = text + 2;
+        while (*rest == 'Z' || *rest == 'L') ++rest;
+        nested = *rest == 'N';
+        while (*rest == 'N' || *rest == 'K' || *rest == 'L') ++rest;
+        if (!TakeWord(rest, first)) first.size = 0;
     }
-    Word first = WithoutPrefix({name, std::strlen(name)}), second;
-    const char* at = name;
+    Word first;
+    const char* rest;  // behind it
     bool nested = false;
-    if (at[0] == '_' && at[1] == 'Z') {
-        at += 2;
-        while (*at == 'Z' || *at == 'L') ++at;
-        nested = *at == 'N';
-        while (*at == 'N' || *at == 'K' || *at == 'L') ++at;
-        if (!TakeWord(at, first)) return;
-    }
-    if (first.size > 2 && std::memcmp(first.text, "__", 2) == 0) {
+};
+
+// Of the support code or the C++ library. Parts of these have no line of their own once they are a part of another
+// routine: the tables give the line of whatever stands before.
+bool IsOwn(const Name& name) {
+    if (name.first.size == 0) return *name.rest == 'S';
+    const char* text = name.first.text;
+    if (StartsWith(text, "KVL_"))
+        return *name.rest == 'I' || std::memchr(text, '<', name.first.size) != nullptr;
+    return StartsWith(text, "KV") || StartsWith(text, "__kv");
+}
+
+void SayRoutine(Line& line, Name name) {
+    Word first = WithoutPrefix(name.first), second;
+    if (first.size == 0 || StartsWith(first.text, "operator()")) return;  // a part of a routine
+    if (first.size == 4 && StartsWith(first.text, "main")) {
+        line << " in Function Main";
+    } else if (StartsWith(first.text, "__") || StartsWith(first.text, "_GLOBAL__")) {
         line << " in the value of a Global";
-    } else if (nested && TakeWord(at, second)) {
+    } else if (name.nested && TakeWord(name.rest, second)) {
+        second = WithoutPrefix(second);
         ((line << " in Method ").Add(first.text, first.size) << "\\").Add(second.text, second.size);
-    } else if (nested) {
-        (line << (*at == 'D' ? " in the destructor of " : " in the constructor of "))
+    } else if (name.nested) {
+        (line << (*name.rest == 'D' ? " in the destructor of " : " in the constructor of "))
             .Add(first.text, first.size);
     } else {
         (line << " in Function ").Add(first.text, first.size);
@@ -169,10 +187,10 @@ const char* SourcePath(const char* file) {
 
 int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine) {
     const char* path = file == nullptr ? nullptr : SourcePath(file);
-    if (path == nullptr || number <= 0) return 0;
+    if (path == nullptr || number <= 0 || (routine != nullptr && IsOwn(Name(routine)))) return 0;
     Line line;
     line << "  at " << folder << path << ":" << static_cast<unsigned long long>(number);
-    if (routine != nullptr) SayRoutine(line, routine);
+    if (routine != nullptr) SayRoutine(line, Name(routine));
     line.End();
     ++placesSaid;
 #ifdef KV_STACK
@@ -421,13 +439,38 @@ const char* TextOf(const EXCEPTION_RECORD& record) {
     }
 }
 
-// Before the C library makes a signal of it. Exceptions of C++ come here, too.
-LONG WINAPI TellFault(EXCEPTION_POINTERS* fault) {
-    const char* text = TextOf(*fault->ExceptionRecord);
-    if (text == nullptr || said) return EXCEPTION_CONTINUE_SEARCH;
+void TellFault(const char* text) {
+    if (said) return;
     said = true;
     if (__kvBeforeFailure != nullptr) __kvBeforeFailure();
     SayError(text);
+}
+
+#ifdef _WIN64
+char otherStack[64 * 1024];
+
+// A full stack has no room to say anything.
+void TellOnOtherStack(CONTEXT& thread, void (*tell)()) {
+    const auto top = reinterpret_cast<DWORD64>(otherStack + sizeof otherStack);
+    thread.Rsp = top / 16 * 16 - 8;
+    thread.Rip = reinterpret_cast<DWORD64>(tell);
+}
+
+void EndByFullStack() {
+    TellFault(deepText);
+    TerminateProcess(GetCurrentProcess(), EXCEPTION_STACK_OVERFLOW);
+}
+#endif
+
+// Before the C library makes a signal of it. Exceptions of C++ come here, too.
+LONG WINAPI HandleFault(EXCEPTION_POINTERS* fault) {
+#ifdef _WIN64
+    if (fault->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW) {
+        TellOnOtherStack(*fault->ContextRecord, EndByFullStack);
+        return EXCEPTION_CONTINUE_EXECUTION;
+    }
+#endif
+    if (const char* text = TextOf(*fault->ExceptionRecord)) TellFault(text);
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -435,7 +478,7 @@ __attribute__((constructor(101))) void Begin() {
     ULONG room = 65536;  // of the stack, for what is to be said when it is full
     SetThreadStackGuarantee(&room);
     std::set_terminate(EndByException);
-    AddVectoredExceptionHandler(0, TellFault);
+    AddVectoredExceptionHandler(1, HandleFault);
 }
 
 #endif

@@ -80,6 +80,7 @@ CompileJob CompileJobOf(const Job& job) {
     compile.sourceFolder = job.sourceFolder;
     compile.optimisation = job.options.optimisation;
     compile.debug = job.options.debug;
+    compile.safe = job.options.safe;
     compile.isForWindows = IsForWindows(job.options);
     compile.isStatic = job.options.isStatic;
     compile.places = TellsPlaces(job.options);

@@ -82,11 +82,34 @@ void AddPlaceFlags(std::vector<std::string>& command, const CompileJob& job) {
     if (job.failureCode.empty()) command.push_back("-DKV_NO_FAILURES");
 }
 
+// clang++ knows other flags, and there are systems where it is called g++.
+bool IsGnu(const std::vector<std::string>& compiler) {
+#ifdef __APPLE__
+    return false;
+#endif
+    const std::vector<std::string> files = CompilerFiles(compiler);
+    return std::any_of(files.begin(), files.end(), [](const std::string& file) {
+        std::error_code failed;
+        const std::string name = TextOf(std::filesystem::canonical(PathOf(file), failed).filename());
+        return name.find("g++") != std::string::npos && name.find("clang") == std::string::npos;
+    });
+}
+
+// g++ would make one instruction, whose place is anyone's, of all that it can see to use a Null object or to divide by
+// zero, and one piece of code of calls with the same arguments, such as those of checks that have failed.
+std::vector<std::string> FlagsThatKeepPlaces(bool safe) {
+    std::vector<std::string> flags = {"-fno-isolate-erroneous-paths-dereference"};
+    if (safe) Add(flags, {"-fno-crossjumping", "-fno-tree-tail-merge"});
+    return flags;
+}
+
 std::vector<std::string> Beginning(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = compiler;
     command.insert(command.end(), {"-std=c++11", job.optimisation, "-pipe", "-w"});
     Add(command, LineTableFlags(job.debug, job.places));
     if (job.places) AddPlaceFlags(command, job);
+    if (job.places && job.optimisation != "-O0" && IsGnu(compiler))
+        Add(command, FlagsThatKeepPlaces(job.safe));
     if (!job.prelude.empty()) command.insert(command.end(), {"-include", ForTool(job, job.prelude)});
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
     command.insert(command.end(),

@@ -15,6 +15,7 @@ struct CompileJob {
     std::string prelude;          // header to read first, compiled ahead; empty: none
     std::string optimisation;     // "-O0"
     bool debug = false;
+    bool safe = false;
     bool isForWindows = false;    // which this system need not be
     bool isStatic = false;        // linked with nothing that the system would have to have
     bool places = false;          // failing programs say where

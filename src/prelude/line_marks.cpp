@@ -1,6 +1,7 @@
 #include "prelude/line_marks.h"
 
 #include "base/settings.h"
+#include "base/utf8.h"
 #include "linking/runtime_code.h"
 
 // Modules of the installation are not the program's.
@@ -9,7 +10,9 @@ static std::string ShownPath(const std::string& source) {
         return !folder.empty() && source.compare(0, folder.size() + 1, folder + "/") == 0;
     };
     if (below(settings.sourceFolder)) return source.substr(settings.sourceFolder.size() + 1);
-    return below(settings.installation) ? "<korvel>" + source.substr(settings.installation.size()) : source;
+    if (below(settings.installation)) return "<korvel>" + source.substr(settings.installation.size());
+    const std::string way = GenericTextOf(PathOf(source).lexically_relative(PathOf(settings.sourceFolder)));
+    return way.empty() ? source : way;
 }
 
 std::string LineMark(const std::string& source, int line) {
