@@ -101,6 +101,7 @@ void EmitOpening(State& state, const std::string& signature, const std::string& 
     piece.signatureEnd = piece.text.size() + static_cast<std::size_t>(state.place.indent) + signature.size();
     EmitLine(state, signature);
     piece.braceAt = piece.text.size();
+    MarkLine(state);  // debuggers take it for the beginning of the routine
     EmitLine(state, "{");
     piece.bodyAt = piece.text.size();
     state.marked = {};  // calls may follow here

@@ -64,7 +64,8 @@ const std::vector<OptionRow>& OptionRows() {
         {"-O", &Options::optimisation, "LEVEL", "0 1 2 3", translating,
          "compile fast (-O0, usual for run) or for speed (-O2, usual for build)"},
         {"--plain", &Options::plain, "", "", translating,
-         "the C++ in its plain form, easier to read; its programs run more slowly"},
+         "the C++ in its plain form, easier to read; its programs run more slowly and do not say where they "
+         "fail"},
         {"--keep-cpp", &Options::keepCppFolder, "DIR", "", making, "write the generated C++ to DIR"},
         {"--check", &Options::onlyCheck, "", "", Bit(Command::format),
          "write nothing, tell which files are not in their usual form (status 1)"},
