@@ -13,6 +13,7 @@ enum class Command {
     explain,
     create,
     format,
+    lsp,
     watch,
     package,
     clean,

@@ -24,6 +24,9 @@ int RunProcess(const ProcessRequest& request, std::string& problem);
 // starts have the signal again as kv had it.
 void WriteBeyondLimits();
 
+// From now on what is read from standard input and written to standard output stays as it is, line ends included.
+void UseBinaryStreams();
+
 // The full path of the running executable, links resolved; empty if it cannot be had.
 std::string OwnExecutable();
 

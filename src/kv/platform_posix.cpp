@@ -104,6 +104,8 @@ bool Empty(const std::string& folder) {
 
 std::string PathForTool(const std::string& path, const std::string&) { return path; }
 
+void UseBinaryStreams() {}
+
 std::string OwnExecutable() {
 #ifdef __APPLE__
     char name[PATH_MAX];

@@ -4,9 +4,12 @@
 
 // After windows.h.
 #include <aclapi.h>
+#include <fcntl.h>
+#include <io.h>
 #include <sddl.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 
 #include "base/utf8.h"
@@ -153,6 +156,11 @@ int RunProcess(const ProcessRequest& request, std::string& problem) {
 }
 
 void WriteBeyondLimits() {}
+
+void UseBinaryStreams() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+}
 
 bool IsShortOfFiles(const std::string&) { return false; }
 

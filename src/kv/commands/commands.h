@@ -37,6 +37,8 @@ const std::vector<OptionRow>& OptionRows();
 
 constexpr unsigned Bit(Command command) { return 1U << static_cast<unsigned>(command); }
 
+inline constexpr char versionText[] = "kv 1.2e";
+
 // The commands themselves.
 int RunCommand(const Options& options);
 int BuildCommand(const Options& options);
@@ -45,6 +47,7 @@ int TestCommand(const Options& options);
 int DocCommand(const Options& options);
 int ExplainCommand(const Options& options);
 int FmtCommand(const Options& options);
+int LspCommand(const Options& options);
 int NewCommand(const Options& options);
 int WatchCommand(const Options& options);
 int PackageCommand(const Options& options);

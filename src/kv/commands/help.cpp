@@ -3,12 +3,6 @@
 
 #include "kv/commands/commands.h"
 
-namespace {
-
-const char versionText[] = "kv 1.2e";
-
-}  // namespace
-
 int HelpCommand(const Options& options) {
     std::fputs(HelpText(options.names.empty() ? "" : options.names[0]).c_str(), stdout);
     return 0;

@@ -1,0 +1,127 @@
+// The names that may stand at a place.
+#include <algorithm>
+#include <set>
+
+#include "lsp/features.h"
+
+namespace lsp {
+
+namespace {
+
+using Kind = korvel::Symbol::Kind;
+
+constexpr int keywordNumber = 14;
+
+// As the protocol numbers them.
+int NumberOf(Kind kind) {
+    switch (kind) {
+        case Kind::Type:
+            return 7;
+        case Kind::Element:
+            return 22;
+        case Kind::Field:
+            return 5;
+        case Kind::Method:
+            return 2;
+        case Kind::Function:
+            return 3;
+        case Kind::Const:
+            return 21;
+        default:
+            return 6;
+    }
+}
+
+class Offer {
+public:
+    Json items = Json::array();
+
+    void Add(const korvel::Symbol& symbol) {
+        if (!names.insert(symbol.name).second) return;
+        items.push_back(
+            {{"label", symbol.name}, {"kind", NumberOf(symbol.kind)}, {"detail", DeclarationOf(symbol)}});
+    }
+    void AddWord(const std::string& word) {
+        if (names.insert(word).second) items.push_back({{"label", word}, {"kind", keywordNumber}});
+    }
+
+private:
+    std::set<std::string> names;
+};
+
+bool IsType(const korvel::Symbol& symbol) {
+    return symbol.kind == Kind::Type || symbol.kind == Kind::Element;
+}
+bool IsMember(const korvel::Symbol& symbol) {
+    return symbol.kind == Kind::Field || symbol.kind == Kind::Method;
+}
+bool IsLocal(const korvel::Symbol& symbol) {
+    return symbol.kind == Kind::Local || symbol.kind == Kind::Parameter;
+}
+
+bool IsInScope(const korvel::Symbol& local, const Spot& spot) {
+    return local.file == spot.file && local.line <= spot.line && spot.line <= local.lastLine;
+}
+
+// The Type whose Method the spot is in; empty elsewhere.
+std::string OwnerAt(const Spot& spot) {
+    std::string owner;
+    for (const korvel::Symbol& symbol : spot.program->inspection.symbols)
+        if ((symbol.kind == Kind::Method || symbol.kind == Kind::Function) && symbol.file == spot.file &&
+            symbol.line <= spot.line)
+            owner = symbol.owner;
+    return owner;
+}
+
+void AddMembers(Offer& offer, const Spot& spot, const std::string& owner) {
+    for (const korvel::Symbol& symbol : spot.program->inspection.symbols)
+        if (IsMember(symbol) && symbol.owner == owner) offer.Add(symbol);
+}
+
+void AddTypes(Offer& offer, const Spot& spot) {
+    for (const char* word : {"Int", "Long", "Short", "Byte", "Bool", "Double", "String"}) offer.AddWord(word);
+    for (const korvel::Symbol& symbol : spot.program->inspection.symbols)
+        if (IsType(symbol)) offer.Add(symbol);
+}
+
+// The nearest first: what is offered first hides what is called the same.
+void AddVisible(Offer& offer, const Spot& spot, const std::vector<std::string>& words) {
+    const std::vector<korvel::Symbol>& symbols = spot.program->inspection.symbols;
+    for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol)
+        if (IsLocal(*symbol) && IsInScope(*symbol, spot)) offer.Add(*symbol);
+    const std::string owner = OwnerAt(spot);
+    if (!owner.empty()) AddMembers(offer, spot, owner);
+    for (const korvel::Symbol& symbol : symbols)
+        if (!IsLocal(symbol) && !IsMember(symbol) && symbol.kind != Kind::File) offer.Add(symbol);
+    for (const std::string& word : words) offer.AddWord(word);
+}
+
+// Where the word begins that is being typed.
+std::size_t StartOfWord(std::string_view before) {
+    return static_cast<std::size_t>(std::find_if_not(before.rbegin(), before.rend(), IsOfWord).base() -
+                                    before.begin());
+}
+
+}  // namespace
+
+Json Completion(Workspace& workspace, const Json& params) {
+    const Spot spot = workspace.SpotOf(params);
+    Offer offer;
+    const std::size_t start = StartOfWord(spot.before);
+    const char sign = start == 0 ? ' ' : spot.before[start - 1];
+    const bool inHole = spot.before.rfind("{%") != std::string_view::npos ||
+                        spot.before.rfind("{$") != std::string_view::npos;
+    if (EndsInText(spot.before) && !inHole) return offer.items;
+    if (sign == '\\') {
+        const std::string type =
+            korvel::TypeAt(spot.program->inspection, spot.file, spot.line, static_cast<int>(start));
+        AddMembers(offer, spot, type);
+    } else if (sign == ':') {
+        AddTypes(offer, spot);
+    } else {
+        AddVisible(offer, spot, workspace.services.words);
+    }
+    return offer.items;
+}
+
+}  // namespace lsp

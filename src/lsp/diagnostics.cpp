@@ -1,0 +1,102 @@
+// What is wrong with the programs, as clients show it, and the changes that would help.
+#include <algorithm>
+#include <utility>
+
+#include "lsp/features.h"
+#include "lsp/uri.h"
+
+namespace lsp {
+
+namespace {
+
+int NumberOf(korvel::Severity severity) {
+    switch (severity) {
+        case korvel::Severity::Error:
+            return 1;
+        case korvel::Severity::Warning:
+            return 2;
+        case korvel::Severity::Note:
+            return 3;
+    }
+    return 1;
+}
+
+// What has no file is about the program as a whole.
+korvel::Range PlaceOf(const korvel::Diagnostic& said, const Program& program) {
+    korvel::Range place = said;
+    if (place.file.empty()) place.file = program.main;
+    return place;
+}
+
+Json DiagnosticOf(Workspace& workspace, const korvel::Diagnostic& said, const korvel::Range& place) {
+    Json diagnostic = {{"range", workspace.RangeOf(place)},
+                       {"severity", NumberOf(said.severity)},
+                       {"source", "korvel"},
+                       {"message", said.message + (said.hint.empty() ? "" : "\n" + said.hint)}};
+    if (!said.name.empty()) diagnostic["code"] = said.name;
+    for (const korvel::Related& related : said.related)
+        diagnostic["relatedInformation"].push_back(
+            {{"location", workspace.LocationOf(related)}, {"message", related.message}});
+    return diagnostic;
+}
+
+Json ActionOf(Workspace& workspace, const korvel::Diagnostic& said, const korvel::Range& place) {
+    Json changes = Json::object();
+    std::string title = "Write ";
+    for (const korvel::Fix& fix : said.fixes) {
+        changes[workspace.UriOf(fix.file)].push_back(
+            {{"range", workspace.RangeOf(fix)}, {"newText", fix.replacement}});
+        title += (&fix == said.fixes.data() ? "" : " ... ") + fix.replacement;
+    }
+    return {{"title", title},
+            {"kind", "quickfix"},
+            {"isPreferred", true},
+            {"diagnostics", Json::array({DiagnosticOf(workspace, said, place)})},
+            {"edit", {{"changes", changes}}}};
+}
+
+bool Touches(const Json& a, const Json& b) {
+    const auto placeOf = [](const Json& position) {
+        return std::make_pair(position.at("line").get<int>(), position.at("character").get<int>());
+    };
+    return placeOf(a.at("start")) <= placeOf(b.at("end")) && placeOf(b.at("start")) <= placeOf(a.at("end"));
+}
+
+void AddOnce(Json& list, const Json& item) {
+    if (std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);
+}
+
+}  // namespace
+
+std::map<std::string, Json> DiagnosticsOfAll(Workspace& workspace) {
+    std::map<std::string, Json> lists;
+    std::map<std::string, const Program*> programs;
+    for (const auto& [path, document] : workspace.Documents()) {
+        lists[document.uri] = Json::array();
+        const Program& program = workspace.ProgramOf(path);
+        programs[program.main] = &program;
+    }
+    for (const auto& [main, program] : programs) {
+        for (const korvel::Diagnostic& said : program->inspection.result.diagnostics) {
+            const korvel::Range place = PlaceOf(said, *program);
+            Json& list = lists.try_emplace(workspace.UriOf(place.file), Json::array()).first->second;
+            AddOnce(list, DiagnosticOf(workspace, said, place));  // a file may belong to several programs
+        }
+    }
+    return lists;
+}
+
+Json CodeActions(Workspace& workspace, const Json& params) {
+    const std::string path = PathOfDocument(params);
+    const Program& program = workspace.ProgramOf(path);
+    Json actions = Json::array();
+    for (const korvel::Diagnostic& said : program.inspection.result.diagnostics) {
+        const korvel::Range place = PlaceOf(said, program);
+        if (said.fixes.empty() || NormalPath(place.file) != path) continue;
+        if (Touches(workspace.RangeOf(place), params.at("range")))
+            actions.push_back(ActionOf(workspace, said, place));
+    }
+    return actions;
+}
+
+}  // namespace lsp

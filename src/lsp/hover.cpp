@@ -1,0 +1,87 @@
+// What a name means: its declaration and the comment above it, or what the manual says.
+#include <algorithm>
+
+#include "lsp/features.h"
+#include "lsp/uri.h"
+
+namespace lsp {
+
+namespace {
+
+using Kind = korvel::Symbol::Kind;
+
+const char* WordOf(Kind kind) {
+    switch (kind) {
+        case Kind::File:
+            return "Include";
+        case Kind::Type:
+            return "Type";
+        case Kind::Element:
+            return "Element";
+        case Kind::Field:
+            return "Field";
+        case Kind::Method:
+            return "Method";
+        case Kind::Function:
+            return "Function";
+        case Kind::Global:
+            return "Global";
+        case Kind::Const:
+            return "Const";
+        case Kind::Local:
+            return "Local";
+        case Kind::Parameter:
+            return "parameter";
+    }
+    return "";
+}
+
+// Without blanks and ";" in front; false where the line is no comment.
+bool TakeComment(std::string_view line, std::string_view& text) {
+    const std::size_t start = line.find_first_not_of(" \t");
+    if (start == std::string_view::npos || line[start] != ';') return false;
+    text = line.substr(start + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(" ;"), text.size()));
+    return true;
+}
+
+// The lines of comment right above a line of the client's.
+std::string CommentAbove(const Lines& lines, int line) {
+    std::string comment;
+    for (std::string_view text; TakeComment(lines.Line(--line), text);)
+        comment = std::string(text) + "\n" + comment;
+    return comment;
+}
+
+std::string TextOf(Workspace& workspace, const korvel::Symbol& symbol) {
+    std::string text = "```korvel\n" + DeclarationOf(symbol) + "\n```\n";
+    const bool isMember = symbol.kind == Kind::Field || symbol.kind == Kind::Method;
+    if (isMember) text += "of " + symbol.owner + "\n\n";
+    return text + CommentAbove(workspace.LinesOf(symbol.file), symbol.line - 1);
+}
+
+std::string TextAt(Workspace& workspace, const Spot& spot) {
+    if (const korvel::Symbol* symbol = SymbolAt(spot)) return TextOf(workspace, *symbol);
+    const std::string word = WordAt(spot);
+    return word.empty() || EndsInText(spot.before) ? "" : workspace.services.explain(word);
+}
+
+}  // namespace
+
+std::string PathOfDocument(const Json& params) {
+    return PathOfUri(params.at("textDocument").at("uri").get<std::string>());
+}
+
+std::string DeclarationOf(const korvel::Symbol& symbol) {
+    const std::string type = symbol.type.empty() ? "" : ":" + symbol.type;
+    const std::string quote = symbol.kind == Kind::File ? "\"" : "";
+    return WordOf(symbol.kind) + std::string(" ") + quote + symbol.name + quote + type + symbol.parameters;
+}
+
+Json Hover(Workspace& workspace, const Json& params) {
+    const std::string text = TextAt(workspace, workspace.SpotOf(params));
+    if (text.empty()) return nullptr;
+    return {{"contents", {{"kind", "markdown"}, {"value", text}}}};
+}
+
+}  // namespace lsp

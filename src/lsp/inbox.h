@@ -1,0 +1,40 @@
+// What the client sends. Messages are read while others are worked on, so that those which come behind can cancel them.
+#pragma once
+
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+
+#include "lsp/json.h"
+
+// Reads the text of a message behind its head. What has no head that makes sense is passed over. False at the end.
+bool ReadMessage(std::FILE* from, std::string& text);
+
+class Inbox {
+public:
+    explicit Inbox(std::FILE* from);
+    ~Inbox();
+    Inbox(const Inbox&) = delete;
+    Inbox& operator=(const Inbox&) = delete;
+
+    // Waits for the next message; one that is no JSON is "discarded". False when no more will come.
+    bool Take(Json& message);
+    bool IsEmpty();
+    bool IsCancelled(const Json& id);
+
+private:
+    std::FILE* source;
+    std::mutex access;
+    std::condition_variable arrival;
+    std::deque<Json> messages;
+    std::set<Json> cancelled;
+    bool ended = false;
+    std::thread reader;
+
+    void ReadAll();
+    void Put(Json message);
+};

@@ -1,0 +1,102 @@
+// What a file declares.
+#include "base/token_span.h"
+#include "lexer/lexer.h"
+#include "lsp/features.h"
+
+namespace lsp {
+
+namespace {
+
+using Kind = korvel::Symbol::Kind;
+
+// As the protocol numbers them.
+int NumberOf(Kind kind) {
+    switch (kind) {
+        case Kind::File:
+            return 1;
+        case Kind::Type:
+            return 5;
+        case Kind::Element:
+            return 23;
+        case Kind::Field:
+            return 8;
+        case Kind::Method:
+            return 6;
+        case Kind::Function:
+            return 12;
+        case Kind::Const:
+            return 14;
+        default:
+            return 13;
+    }
+}
+
+Keyword CloserOf(Kind kind) {
+    switch (kind) {
+        case Kind::Type:
+            return Keyword::EndType;
+        case Kind::Element:
+            return Keyword::EndElement;
+        case Kind::Method:
+            return Keyword::EndMethod;
+        case Kind::Function:
+            return Keyword::EndFunction;
+        default:
+            return Keyword::None;
+    }
+}
+
+// The line of the client's on which the declaration ends that begins there.
+int LastLine(const Lines& lines, int line, Keyword closer) {
+    if (closer == Keyword::None) return line;
+    Lexer lexer;
+    for (int i = line; i < lines.Count(); ++i) {
+        lexer.Cut(lines.Line(i));
+        for (const Token token : lexer.tokens)
+            if (token->keyword == closer) return i;
+    }
+    return line;
+}
+
+bool IsListed(const korvel::Symbol& symbol) {
+    return symbol.kind != Kind::File && symbol.kind != Kind::Local && symbol.kind != Kind::Parameter;
+}
+
+Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
+    const Lines& lines = workspace.LinesOf(symbol.file);
+    const int last = LastLine(lines, symbol.line - 1, CloserOf(symbol.kind));
+    const Json selection = workspace.RangeOf(symbol);
+    Json range = {{"start", {{"line", symbol.line - 1}, {"character", 0}}},
+                  {"end", {{"line", last}, {"character", UnitOf(lines.Line(last), std::string::npos)}}}};
+    Json entry = {{"name", symbol.name},
+                  {"kind", NumberOf(symbol.kind)},
+                  {"range", range},
+                  {"selectionRange", selection}};
+    const std::string declaration = DeclarationOf(symbol);
+    entry["detail"] = declaration.substr(declaration.find(' ') + 1 + symbol.name.size());
+    return entry;
+}
+
+}  // namespace
+
+Json DocumentSymbols(Workspace& workspace, const Json& params) {
+    const std::string path = PathOfDocument(params);
+    const Program& program = workspace.ProgramOf(path);
+    const std::string file = SpellingOf(program, path);
+    Json entries = Json::array();
+    std::map<std::string, std::size_t> owners;
+    for (const korvel::Symbol& symbol : program.inspection.symbols) {
+        if (!IsListed(symbol) || symbol.file != file || symbol.firstColumn == 0) continue;
+        const Json entry = EntryOf(workspace, symbol);
+        const auto owner = owners.find(symbol.owner);
+        if (owner != owners.end()) {
+            entries[owner->second]["children"].push_back(entry);
+            continue;
+        }
+        if (symbol.kind == Kind::Type || symbol.kind == Kind::Element) owners[symbol.name] = entries.size();
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+}  // namespace lsp

@@ -1,0 +1,82 @@
+// The texts that are being edited, and what the compiler knows of the programs that they belong to.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "library/korvel.h"
+#include "lsp/json.h"
+#include "lsp/positions.h"
+#include "lsp/services.h"
+
+namespace lsp {
+
+struct Document {
+    std::string uri;
+    Json version;
+    Lines lines;
+};
+
+struct Program {
+    std::string main;
+    korvel::Inspection inspection;
+};
+
+// A place in a program that a client asks about, as the compiler counts.
+struct Spot {
+    const Program* program = nullptr;
+    std::string file;  // as the program spells it
+    int line = 0, column = 0;
+    std::string_view before, behind;  // what stands in the line, up to the place and from there on
+};
+
+class Workspace {
+public:
+    const Services& services;
+    std::vector<std::string> roots;  // folders in which programs are looked for
+
+    explicit Workspace(const Services& given) : services(given) {}
+
+    void Open(const Json& document);
+    // Changes of parts of the text, one after the other, or all of it at once.
+    void Change(const Json& document, const Json& changes);
+    void Close(const std::string& uri);
+    // Files may have changed.
+    void Forget();
+
+    const std::map<std::string, Document>& Documents() const { return documents; }
+    // The program that the file is a part of, as it is now.
+    const Program& ProgramOf(const std::string& path);
+    const Lines& LinesOf(const std::string& path);
+    std::string UriOf(const std::string& path) const;
+
+    Spot SpotOf(const Json& params);
+    Json RangeOf(const korvel::Range& range);
+    Json LocationOf(const korvel::Range& range);
+    // What a request to the compiler says of a program, the texts included.
+    korvel::Request RequestFor(const std::string& main) const;
+
+private:
+    std::map<std::string, Document> documents;  // by path
+    std::map<std::string, std::string> mains;   // of files that have been asked about
+    std::map<std::string, Program> programs;    // by main file
+    std::map<std::string, Lines> files;         // that are not being edited
+
+    const std::string& MainOf(const std::string& path);
+    std::string FindMain(const std::string& path);
+};
+
+// The file of a program that the path means, as the program spells it.
+std::string SpellingOf(const Program& program, const std::string& path);
+
+// What the name at the spot means; null without one.
+const korvel::Symbol* SymbolAt(const Spot& spot);
+
+bool IsOfWord(char c);
+// The word in which the spot is, or which it follows.
+std::string WordAt(const Spot& spot);
+// Whether the end of the text is inside of a String or comment.
+bool EndsInText(std::string_view text);
+
+}  // namespace lsp
