@@ -6,7 +6,7 @@
 
 namespace {
 
-const char version[] = "kv-translation 3\n";
+const char version[] = "kv-translation 4\n";
 const char endMark[] = "end";
 
 // A text of the result is a line with its name and size, the text, and a line end.
@@ -30,6 +30,7 @@ struct ListRow {
 const ListRow listRows[] = {
     {"source", &korvel::Result::sources},
     {"declaration", &korvel::Result::declarations},
+    {"missing", &korvel::Result::missing},
     {"flag", &korvel::Result::linkerFlags},
     {"library", &korvel::Result::libraries},
 };

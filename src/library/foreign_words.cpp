@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/run.h"
 #include "base/source_reader.h"
 #include "base/token_span.h"
 #include "lexer/lexer.h"
@@ -93,12 +94,31 @@ const std::unordered_map<std::string_view, const char*>& MeantWords() {
     return index;
 }
 
-bool LineOf(const korvel::Range& range, std::string& line) {
+// The file that was asked about last: mistakes come mostly line by line.
+struct OpenFile {
     SourceReader reader;
-    if (!reader.Open(range.file)) return false;
-    for (int number = 1; number < range.line && !reader.AtEnd(); ++number) reader.TakeLine();
-    line = reader.NextLine();
-    return true;
+    std::string name;
+    bool isOpen = false;
+    int lines = 0;  // so many have been taken
+    std::string_view last;
+};
+OpenFile openFile;
+const PartOfRun partOfRun(openFile);
+
+bool LineOf(const korvel::Range& range, std::string& line) {
+    OpenFile& file = openFile;
+    if (file.name != range.file) {
+        file.name = range.file;
+        file.isOpen = file.reader.Open(file.name);
+        file.lines = 0;
+    }
+    if (file.lines > range.line) {
+        file.reader.Rewind();
+        file.lines = 0;
+    }
+    for (; file.lines < range.line; ++file.lines) file.last = file.reader.TakeLine();
+    line = file.last;
+    return file.isOpen;
 }
 
 bool IsAmong(std::string_view words, std::string_view word) {

@@ -113,6 +113,7 @@ Result Run(const Request& request, const Task& task) {
     for (Diagnostic& diagnostic : result.diagnostics) HintAtForeignWords(diagnostic);
     SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
+    result.missing = symbols.missingFiles;
     for (const std::string& name : symbols.importedNames)
         result.declarations.push_back(FirstOf(PlacesOfUserlib(name)));
     for (const UserlibDll& dll : symbols.userlibDLLs) {

@@ -42,6 +42,8 @@ struct Result {
     std::vector<std::string>
         declarations;  // the declaration files of libraries that it imports, and those that are there
 
+    std::vector<std::string> missing;  // where files that it includes were looked for in vain
+
     // Of a program with nothing wrong in it.
     bool hasCpp = false;                   // in InlineCpp blocks, where only a C++ compiler finds mistakes
     std::string mainFile;                  // path of its main .cpp; empty when headers are all that comes out

@@ -123,9 +123,11 @@ SourceFile* MeetInclude(std::string name) {
     if (!IsFile(path)) {
         RefuseNoFile(path);
         const std::string modules = ModulesLike(name);
+        const std::vector<std::string> places = PlacesOfInclude(name);
+        symbols.missingFiles.insert(symbols.missingFiles.end(), places.begin(), places.end());
         ReportMissing("Include file does not exist." +
                           (modules.empty() ? "" : " The modules of the language are " + modules),
-                      LookedFor(PlacesOfInclude(name)), Tokens{"\"" + name + "\""});
+                      LookedFor(places), Tokens{"\"" + name + "\""});
     }
     const TellOnly first(Telling::First);
     Say(path);

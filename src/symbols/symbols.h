@@ -143,6 +143,7 @@ struct Symbols {
     // Names of files already included or imported, and what the run produces.
     std::unordered_set<std::string> processedNames;
     std::unordered_set<std::string> importedNames;  // those of Import lines
+    std::vector<std::string> missingFiles;          // all places of Includes that are nowhere
     std::vector<std::string> includeHeaders;
     std::vector<std::string> includedSources;
     std::vector<std::string> generatedFiles;

@@ -21,6 +21,7 @@ const std::chrono::milliseconds pause(100);
 class Watched {
 public:
     explicit Watched(const Job& job) : files_(FilesTranslated(job)) {
+        files_.insert(files_.end(), job.translation.missing.begin(), job.translation.missing.end());
         files_.push_back(job.source);
         before_ = Now();
     }
