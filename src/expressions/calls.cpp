@@ -41,13 +41,7 @@ void NeedElement(const ValueType& type) {
 
 // Whether "(" ... ")" holds all arguments of a call statement, and is not the first of several.
 bool ParenthesesHoldAll(const Walk& walk) {
-    int open = 0;
-    std::size_t i = walk.at;
-    for (; i < walk.tokens.size(); ++i) {
-        if (Is(walk.tokens[i], "(")) ++open;
-        if (Is(walk.tokens[i], ")") && --open == 0) break;
-    }
-    const std::string& next = walk.tokens[i + 1];
+    const std::string& next = walk.tokens[walk.tokens.Behind(walk.at)];
     return next.empty() || next == "\\" || next == "." || next == "[" || next == "=";
 }
 

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "base/text.h"
 #include "kv/commands/commands.h"
 
 namespace {
@@ -72,10 +73,6 @@ void Declare(CLI::App& app, const CommandRow& row, Options& options) {
 }
 
 bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
-
-bool EndsInKvl(const std::string& word) {
-    return word.size() > 4 && word.compare(word.size() - 4, 4, ".kvl") == 0;
-}
 
 // "kv run and kv build".
 std::string CommandsOf(const OptionRow& option) {
@@ -169,7 +166,7 @@ bool ParseCommandLine(const std::vector<std::string>& arguments, Options& option
     if (arguments.empty()) return true;
     const CommandRow* const row = FindCommand(arguments[0]);
     if (row == nullptr) {
-        problem = EndsInKvl(arguments[0])
+        problem = EndsWith(arguments[0], ".kvl")
                       ? "what shall be done with " + arguments[0] + "? Try: kv run " + arguments[0]
                       : "unknown command \"" + arguments[0] + "\"";
         return false;
