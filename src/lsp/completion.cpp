@@ -3,6 +3,7 @@
 #include <set>
 
 #include "lsp/features.h"
+#include "lsp/include_paths.h"
 
 namespace lsp {
 
@@ -32,6 +33,8 @@ int NumberOf(Kind kind) {
     }
 }
 
+constexpr int fileNumber = 17, folderNumber = 19;
+
 class Offer {
 public:
     Json items = Json::array();
@@ -40,6 +43,10 @@ public:
         if (!names.insert(symbol.name).second) return;
         items.push_back(
             {{"label", symbol.name}, {"kind", NumberOf(symbol.kind)}, {"detail", DeclarationOf(symbol)}});
+    }
+    void AddFile(const std::string& name) {
+        const bool isFolder = name.back() == '/';
+        items.push_back({{"label", name}, {"kind", isFolder ? folderNumber : fileNumber}});
     }
     void AddWord(const std::string& word) {
         if (names.insert(word).second) items.push_back({{"label", word}, {"kind", keywordNumber}});
@@ -107,6 +114,13 @@ std::size_t StartOfWord(std::string_view before) {
 Json Completion(Workspace& workspace, const Json& params) {
     const Spot spot = workspace.SpotOf(params);
     Offer offer;
+    std::string begun;
+    if (IsIncludedName(spot.before, begun)) {
+        for (const std::string& name :
+             NamesToInclude(spot.program->main, workspace.services.installation, begun))
+            offer.AddFile(name);
+        return offer.items;
+    }
     const std::size_t start = StartOfWord(spot.before);
     const char sign = start == 0 ? ' ' : spot.before[start - 1];
     const bool inHole = spot.before.rfind("{%") != std::string_view::npos ||

@@ -70,13 +70,8 @@ void AddOnce(Json& list, const Json& item) {
 
 std::map<std::string, Json> DiagnosticsOfAll(Workspace& workspace) {
     std::map<std::string, Json> lists;
-    std::map<std::string, const Program*> programs;
-    for (const auto& [path, document] : workspace.Documents()) {
-        lists[document.uri] = Json::array();
-        const Program& program = workspace.ProgramOf(path);
-        programs[program.main] = &program;
-    }
-    for (const auto& [main, program] : programs) {
+    for (const auto& [path, document] : workspace.Documents()) lists[document.uri] = Json::array();
+    for (const Program* program : workspace.OpenPrograms()) {
         for (const korvel::Diagnostic& said : program->inspection.result.diagnostics) {
             const korvel::Range place = PlaceOf(said, *program);
             Json& list = lists.try_emplace(workspace.UriOf(place.file), Json::array()).first->second;

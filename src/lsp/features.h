@@ -22,7 +22,17 @@ Json Rename(Workspace& workspace, const Json& params);
 Json DocumentSymbols(Workspace& workspace, const Json& params);
 Json Completion(Workspace& workspace, const Json& params);
 Json Formatting(Workspace& workspace, const Json& params);
+Json FoldingRanges(Workspace& workspace, const Json& params);
+Json SignatureHelp(Workspace& workspace, const Json& params);
+Json InlayHints(Workspace& workspace, const Json& params);
+Json SemanticTokens(Workspace& workspace, const Json& params);
+Json Highlights(Workspace& workspace, const Json& params);
+Json WorkspaceSymbols(Workspace& workspace, const Json& params);
 Json CodeActions(Workspace& workspace, const Json& params);
+
+// The words that the numbers of semantic tokens stand for.
+Json TokenTypes();
+Json TokenModifiers();
 
 // What is wrong with the programs of all open documents: lists of diagnostics by URI.
 std::map<std::string, Json> DiagnosticsOfAll(Workspace& workspace);

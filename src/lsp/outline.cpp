@@ -79,6 +79,23 @@ Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
 
 }  // namespace
 
+// All names in the programs that hold the letters asked for, in any letter case.
+Json WorkspaceSymbols(Workspace& workspace, const Json& params) {
+    const std::string wanted = Lower(params.at("query").get<std::string>());
+    Json entries = Json::array();
+    for (const Program* program : workspace.OpenPrograms()) {
+        for (const korvel::Symbol& symbol : program->inspection.symbols) {
+            if (!IsListed(symbol) || Lower(symbol.name).find(wanted) == std::string::npos) continue;
+            Json entry = {{"name", symbol.name},
+                          {"kind", NumberOf(symbol.kind)},
+                          {"location", workspace.LocationOf(symbol)}};
+            if (!symbol.owner.empty()) entry["containerName"] = symbol.owner;
+            entries.push_back(entry);
+        }
+    }
+    return entries;
+}
+
 Json DocumentSymbols(Workspace& workspace, const Json& params) {
     const std::string path = PathOfDocument(params);
     const Program& program = workspace.ProgramOf(path);

@@ -32,6 +32,12 @@ constexpr RequestRow requestRows[] = {
     {"textDocument/completion", Completion},
     {"textDocument/formatting", Formatting},
     {"textDocument/codeAction", CodeActions},
+    {"textDocument/foldingRange", FoldingRanges},
+    {"textDocument/signatureHelp", SignatureHelp},
+    {"textDocument/inlayHint", InlayHints},
+    {"textDocument/semanticTokens/full", SemanticTokens},
+    {"textDocument/documentHighlight", Highlights},
+    {"workspace/symbol", WorkspaceSymbols},
 };
 
 void Opened(Workspace& workspace, const Json& params) { workspace.Open(params.at("textDocument")); }
@@ -64,16 +70,24 @@ const auto* RowOf(const Rows& rows, const std::string& method) {
 }
 
 Json Capabilities() {
-    return {{"positionEncoding", "utf-16"},
-            {"textDocumentSync", {{"openClose", true}, {"change", 2}, {"save", true}}},
-            {"hoverProvider", true},
-            {"definitionProvider", true},
-            {"referencesProvider", true},
-            {"renameProvider", {{"prepareProvider", true}}},
-            {"documentSymbolProvider", true},
-            {"completionProvider", {{"triggerCharacters", {"\\", ":"}}}},
-            {"documentFormattingProvider", true},
-            {"codeActionProvider", {{"codeActionKinds", {"quickfix"}}}}};
+    return {
+        {"positionEncoding", "utf-16"},
+        {"textDocumentSync", {{"openClose", true}, {"change", 2}, {"save", true}}},
+        {"hoverProvider", true},
+        {"definitionProvider", true},
+        {"referencesProvider", true},
+        {"renameProvider", {{"prepareProvider", true}}},
+        {"documentSymbolProvider", true},
+        {"completionProvider", {{"triggerCharacters", {"\\", ":", "\"", "/"}}}},
+        {"documentFormattingProvider", true},
+        {"foldingRangeProvider", true},
+        {"signatureHelpProvider", {{"triggerCharacters", {"(", ","}}}},
+        {"inlayHintProvider", true},
+        {"semanticTokensProvider",
+         {{"legend", {{"tokenTypes", TokenTypes()}, {"tokenModifiers", TokenModifiers()}}}, {"full", true}}},
+        {"documentHighlightProvider", true},
+        {"workspaceSymbolProvider", true},
+        {"codeActionProvider", {{"codeActionKinds", {"quickfix"}}}}};
 }
 
 class Server {

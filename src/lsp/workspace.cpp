@@ -97,6 +97,13 @@ const Program& Workspace::ProgramOf(const std::string& path) {
     return entry->second;
 }
 
+std::vector<const Program*> Workspace::OpenPrograms() {
+    for (const auto& [path, document] : documents) ProgramOf(path);
+    std::vector<const Program*> open;
+    for (const auto& [main, program] : programs) open.push_back(&program);
+    return open;
+}
+
 const Lines& Workspace::LinesOf(const std::string& path) {
     const std::string normal = NormalPath(path);
     const auto open = documents.find(normal);

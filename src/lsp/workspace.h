@@ -45,6 +45,8 @@ public:
     // Files may have changed.
     void Forget();
 
+    // The programs of all open documents, each once.
+    std::vector<const Program*> OpenPrograms();
     const std::map<std::string, Document>& Documents() const { return documents; }
     // The program that the file is a part of, as it is now.
     const Program& ProgramOf(const std::string& path);

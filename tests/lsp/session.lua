@@ -127,6 +127,20 @@ edit(12, '    Print ')
 found = labels(12, 11)
 check('what is visible', { true, true, true, true, true }, { found.ball, found['größe'], found.Twice, found.While, found.Sqrt })
 check('locals of others', nil, found.n)
+edit(12, '    Local other = ball\\Move(Twice(1, ')
+local help = ask('signatureHelp', at(12, 38))
+check('the parameters of the call', 'Function Twice:Int(n:Int) n:Int 1', help and help.signatures[1].label .. ' '
+    .. help.signatures[1].parameters[1].label .. ' ' .. help.activeParameter)
+edit(1, 'Include "')
+found = labels(1, 10)
+check('files', { true, true, nil }, { found['lib/'], found['std/'], found['score'] })
+edit(1, 'Include "lib/ball.kvl"')
+edit(12, '    Local other = score * 2.5')
+check('types that are not written', '2:13 :String 12:16 :Double', table.concat(vim.tbl_map(function(hint)
+    return hint.position.line + 1 .. ':' .. hint.position.character + 1 .. ' ' .. hint.label
+end, ask('inlayHint', { range = { start = { line = 1, character = 0 }, ['end'] = { line = 20, character = 0 } } })), ' '))
+check('colours', { 1, 7, 5, 5, 1, 0, 14, 5, 5, 1 }, vim.list_slice(ask('semanticTokens/full', {}).data, 1, 10))
+check('other places', 4, #ask('documentHighlight', at(11, 19)))
 edit(12, 'EndFunction')
 vim.api.nvim_buf_set_lines(0, 12, -1, false, {})
 
@@ -149,6 +163,9 @@ local symbols = ask('documentSymbol', {})
 check('its outline', 'TBall 1:1-6:7 x Schübe', symbols[1].name .. ' ' .. symbols[1].range.start.line + 1 .. ':1-'
     .. symbols[1].range['end'].line + 1 .. ':' .. symbols[1].range['end'].character .. ' '
     .. symbols[1].children[1].name .. ' ' .. symbols[1].children[2].name)
+check('folds', { { startLine = 2, endLine = 3 }, { startLine = 0, endLine = 4 } }, ask('foldingRange', {}))
+local names = vim.lsp.buf_request_sync(0, 'workspace/symbol', { query = 'TWI' }, 5000)[client].result
+check('names of the program', 'Twice', #names == 1 and names[1].name)
 edit(4, 'x=x+by')
 vim.lsp.util.apply_text_edits(ask('formatting', { options = { tabSize = 4, insertSpaces = true } }), ball, 'utf-16')
 check('formatted', '        x = x + by', vim.api.nvim_buf_get_lines(ball, 3, 4, false)[1])
