@@ -3,14 +3,14 @@
 #include "base/journal.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
+#include "prelude/line_marks.h"
 #include "symbols/scopes.h"
 
 namespace {
 
 // Where the statement under way stands: "lib/game.kvl:12". The path counts from the main source.
 Expr& PlaceOfCall() {
-    const std::string &file = settings.currentFile, folder = settings.sourceFolder + "/";
-    const std::string shown = file.compare(0, folder.size(), folder) == 0 ? file.substr(folder.size()) : file;
+    const std::string shown = ShownPath(settings.currentFile);
     Expr& place = NewNode(ExprKind::Fixed, Single(Base::String));
     place.text = WordOf(CppLiteral(shown + ":" + std::to_string(settings.currentLine))).text.c_str();
     place.literal = true;

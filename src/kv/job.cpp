@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "base/paths.h"
 #include "base/utf8.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
@@ -84,6 +85,14 @@ bool PrepareJob(const Options& options, Job& job) {
 }
 
 std::string ProgramSuffix(const Job& job) { return IsForWindows(job.options) ? ".exe" : executableSuffix; }
+
+void TellFolder(const Job& job) {
+    std::string folder = FolderOf(ShortPath(job.source, job.typedFolder));
+    if (!folder.empty()) folder += '/';
+    // What tells of failures takes its own away as the program starts, so that programs which that starts do not have it.
+    for (const char* const variable : {"KORVEL_FOLDER", "KORVEL_TESTS"})
+        PutEnvironmentVariable(variable, folder);
+}
 
 bool PrepareFolder(Job& job) {
     std::string keepCpp;

@@ -34,6 +34,10 @@ bool PrepareJob(const Options& options, Job& job);
 // What the name of the job's program ends in.
 std::string ProgramSuffix(const Job& job);
 
+// Tells the job's program, which is about to be run, the way from where kv was called to its sources: so it names them
+// when it fails (include/kvfailure.cpp, lib/std/test.kvl).
+void TellFolder(const Job& job);
+
 // Gives the job its build folder, in the first possible place from job.build.place on. Returns false after telling the
 // user that there is none.
 bool PrepareFolder(Job& job);

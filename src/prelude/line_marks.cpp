@@ -4,8 +4,7 @@
 #include "base/utf8.h"
 #include "linking/runtime_code.h"
 
-// Modules of the installation are not the program's.
-static std::string ShownPath(const std::string& source) {
+std::string ShownPath(const std::string& source) {
     const auto below = [&source](const std::string& folder) {
         return !folder.empty() && source.compare(0, folder.size() + 1, folder + "/") == 0;
     };

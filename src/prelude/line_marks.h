@@ -4,6 +4,9 @@
 
 #include <string>
 
+// The path of a source from the folder of the main source on. Modules of the installation are not the program's.
+std::string ShownPath(const std::string& source);
+
 // "#line 12 \"lib/game.kvl\"" and a line end: what follows stands in this line of the source. The path counts from the
 // folder of the main source, so that the C++ is the same wherever it lies.
 std::string LineMark(const std::string& source, int line);

@@ -1,8 +1,6 @@
 // kv run, kv build and kv check.
 #include <cstdio>
 
-#include "base/paths.h"
-#include "base/utf8.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/install.h"
@@ -15,13 +13,6 @@ namespace {
 
 const int failure = 1;
 const int attempts = 3;  // to run a program
-
-// The paths of sources that a failing program names count from where kv was called (include/kvfailure.cpp).
-void TellFolder(const Job& job) {
-    if (!TellsPlaces(job.options)) return;
-    const std::string folder = FolderOf(ShortPath(job.source, job.typedFolder));
-    if (!folder.empty()) PutEnvironmentVariable("KORVEL_FOLDER", folder + "/");
-}
 
 int RunProgram(Job& job) {
     ProcessRequest request;

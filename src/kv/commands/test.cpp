@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "base/paths.h"
-#include "base/utf8.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/job.h"
@@ -62,9 +60,7 @@ bool Test(const Options& options, const std::string& source, int seconds) {
     one.source = source;
     const bool isMade = PrepareJob(one, job) && Make(job);
     const std::string shown = job.source.empty() ? source : ShortPath(job.source, job.typedFolder);
-    std::string folder = FolderOf(shown);
-    if (!folder.empty()) folder += '/';
-    PutEnvironmentVariable("KORVEL_FOLDER", folder);
+    TellFolder(job);
     const std::string trouble = isMade ? Run(job, seconds) : "it could not be made";
     if (trouble.empty()) {
         std::printf("passed %s\n", shown.c_str());
