@@ -161,9 +161,15 @@ const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file
                                       "error: string: No such file", "error: vector: No such file",
                                       "cannot find crt1.o"};
 
+// What a module of the language says when it lacks something of the system.
+const char moduleNeeds[] = ": error: #error the module ";
+const std::size_t moduleNeedsFrom = sizeof ": error: #error " - 1;
+
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
-    if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
+    if (contained(moduleNeeds)) {
+        diagnostic.message = line.substr(line.find(moduleNeeds) + moduleNeedsFrom);
+    } else if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
         diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
     } else if (std::any_of(std::begin(wrongFlags), std::end(wrongFlags), contained)) {
         diagnostic.message = "the C++ compiler does not know a flag that it is given: " + line +
