@@ -43,13 +43,26 @@ public:
         const auto found = numbers.find(file);
         return found == numbers.end() ? numbers.size() : found->second;
     }
-    auto Place(const Range& range) const {
-        return std::make_tuple(Of(range.file), range.line, range.firstColumn, range.lastColumn);
+    // The numbers of the ranges in the order of their places, equal ones as they stand.
+    template <class Ranges>
+    std::vector<std::size_t> Arranged(const Ranges& ranges) const {
+        std::vector<std::tuple<std::size_t, int, int, int, std::size_t>> places;
+        places.reserve(ranges.size());
+        for (const Range& range : ranges)
+            places.emplace_back(Of(range.file), range.line, range.firstColumn, range.lastColumn,
+                                places.size());
+        std::sort(places.begin(), places.end());
+        std::vector<std::size_t> numbersInOrder;
+        numbersInOrder.reserve(places.size());
+        for (const auto& place : places) numbersInOrder.push_back(std::get<4>(place));
+        return numbersInOrder;
     }
     template <class Ranges>
     void Sort(Ranges& ranges) const {
-        std::stable_sort(ranges.begin(), ranges.end(),
-                         [this](const Range& a, const Range& b) { return Place(a) < Place(b); });
+        Ranges sorted;
+        sorted.reserve(ranges.size());
+        for (const std::size_t number : Arranged(ranges)) sorted.push_back(std::move(ranges[number]));
+        ranges = std::move(sorted);
     }
 
 private:
@@ -240,11 +253,7 @@ private:
 
     // Sorts symbols and uses; what stands at one place is told once, declarations first.
     void Arrange() {
-        std::vector<std::size_t> at(found.list.size());
-        for (std::size_t i = 0; i < at.size(); ++i) at[i] = i;
-        const auto placeOf = [this](std::size_t i) { return order.Place(found.list[i]); };
-        std::stable_sort(at.begin(), at.end(),
-                         [&](std::size_t a, std::size_t b) { return placeOf(a) < placeOf(b); });
+        const std::vector<std::size_t> at = order.Arranged(found.list);
         std::vector<std::size_t> newNumbers(at.size());
         for (std::size_t i = 0; i < at.size(); ++i) {
             newNumbers[at[i]] = i;
@@ -259,8 +268,11 @@ private:
     }
 
     template <class Ranges>
-    void DropRepeated(Ranges& ranges) const {
-        const auto same = [this](const Range& a, const Range& b) { return order.Place(a) == order.Place(b); };
+    static void DropRepeated(Ranges& ranges) {
+        const auto same = [](const Range& a, const Range& b) {
+            return a.line == b.line && a.firstColumn == b.firstColumn && a.lastColumn == b.lastColumn &&
+                   a.file == b.file;
+        };
         ranges.erase(std::unique(ranges.begin(), ranges.end(), same), ranges.end());
     }
 
