@@ -4,6 +4,7 @@
 
 #include "lsp/features.h"
 #include "lsp/include_paths.h"
+#include "lsp/snippets.h"
 
 namespace lsp {
 
@@ -48,8 +49,11 @@ public:
         const bool isFolder = name.back() == '/';
         items.push_back({{"label", name}, {"kind", isFolder ? folderNumber : fileNumber}});
     }
-    void AddWord(const std::string& word) {
-        if (names.insert(word).second) items.push_back({{"label", word}, {"kind", keywordNumber}});
+    void AddWord(const std::string& word, bool asSnippet = false) {
+        if (!names.insert(word).second) return;
+        items.push_back({{"label", word}, {"kind", keywordNumber}});
+        const std::string snippet = asSnippet ? SnippetOf(word) : "";
+        if (!snippet.empty()) items.back().update({{"insertText", snippet}, {"insertTextFormat", 2}});
     }
 
 private:
@@ -92,7 +96,7 @@ void AddTypes(Offer& offer, const Spot& spot) {
 }
 
 // The nearest first: what is offered first hides what is called the same.
-void AddVisible(Offer& offer, const Spot& spot, const std::vector<std::string>& words) {
+void AddVisible(Offer& offer, const Spot& spot, const Workspace& workspace) {
     const std::vector<korvel::Symbol>& symbols = spot.program->inspection.symbols;
     for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol)
         if (IsLocal(*symbol) && IsInScope(*symbol, spot)) offer.Add(*symbol);
@@ -100,7 +104,7 @@ void AddVisible(Offer& offer, const Spot& spot, const std::vector<std::string>& 
     if (!owner.empty()) AddMembers(offer, spot, owner);
     for (const korvel::Symbol& symbol : symbols)
         if (!IsLocal(symbol) && !IsMember(symbol) && symbol.kind != Kind::File) offer.Add(symbol);
-    for (const std::string& word : words) offer.AddWord(word);
+    for (const std::string& word : workspace.services.words) offer.AddWord(word, workspace.takesSnippets);
 }
 
 // Where the word begins that is being typed.
@@ -133,7 +137,7 @@ Json Completion(Workspace& workspace, const Json& params) {
     } else if (sign == ':') {
         AddTypes(offer, spot);
     } else {
-        AddVisible(offer, spot, workspace.services.words);
+        AddVisible(offer, spot, workspace);
     }
     return offer.items;
 }

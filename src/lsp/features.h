@@ -28,7 +28,11 @@ Json InlayHints(Workspace& workspace, const Json& params);
 Json SemanticTokens(Workspace& workspace, const Json& params);
 Json Highlights(Workspace& workspace, const Json& params);
 Json WorkspaceSymbols(Workspace& workspace, const Json& params);
+Json ExecuteCommand(Workspace& workspace, const Json& params);
 Json CodeActions(Workspace& workspace, const Json& params);
+
+// The command of ExecuteCommand.
+extern const char* const showCppCommand;
 
 // The words that the numbers of semantic tokens stand for.
 Json TokenTypes();

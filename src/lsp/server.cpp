@@ -38,6 +38,7 @@ constexpr RequestRow requestRows[] = {
     {"textDocument/semanticTokens/full", SemanticTokens},
     {"textDocument/documentHighlight", Highlights},
     {"workspace/symbol", WorkspaceSymbols},
+    {"workspace/executeCommand", ExecuteCommand},
 };
 
 void Opened(Workspace& workspace, const Json& params) { workspace.Open(params.at("textDocument")); }
@@ -87,6 +88,7 @@ Json Capabilities() {
          {{"legend", {{"tokenTypes", TokenTypes()}, {"tokenModifiers", TokenModifiers()}}}, {"full", true}}},
         {"documentHighlightProvider", true},
         {"workspaceSymbolProvider", true},
+        {"executeCommandProvider", {{"commands", {showCppCommand}}}},
         {"codeActionProvider", {{"codeActionKinds", {"quickfix"}}}}};
 }
 
@@ -175,6 +177,9 @@ private:
                 workspace.roots.push_back(PathOfUri(folder.at("uri").get<std::string>()));
         else if (params.contains("rootUri") && params["rootUri"].is_string())
             workspace.roots.push_back(PathOfUri(params["rootUri"].get<std::string>()));
+        const Json::json_pointer snippets(
+            "/capabilities/textDocument/completion/completionItem/snippetSupport");
+        workspace.takesSnippets = params.is_object() && params.value(snippets, false);
         isInitialized = true;
         return {{"capabilities", Capabilities()},
                 {"serverInfo", {{"name", "kv lsp"}, {"version", workspace.services.version}}}};

@@ -35,6 +35,7 @@ class Workspace {
 public:
     const Services& services;
     std::vector<std::string> roots;  // folders in which programs are looked for
+    bool takesSnippets = false;      // the client knows texts with places to be filled
 
     explicit Workspace(const Services& given) : services(given) {}
 

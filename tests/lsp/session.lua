@@ -44,7 +44,9 @@ local told = {}
 vim.lsp.handlers['textDocument/publishDiagnostics'] = function(_, result)
     told[result.uri] = result.diagnostics
 end
-local client = vim.lsp.start_client({ cmd = { kv, 'lsp' }, root_dir = work, on_exit = function(status)
+local capabilities = vim.lsp.protocol.make_client_capabilities()
+capabilities.textDocument.completion.completionItem.snippetSupport = true
+local client = vim.lsp.start_client({ capabilities = capabilities, cmd = { kv, 'lsp' }, root_dir = work, on_exit = function(status)
     told.status = status
 end })
 
@@ -82,7 +84,7 @@ end
 local function edit(line, text) vim.api.nvim_buf_set_lines(0, line - 1, line, false, { text }) end
 local function labels(line, unit)
     local found = {}
-    for _, item in ipairs(ask('completion', at(line, unit))) do found[item.label] = true end
+    for _, item in ipairs(ask('completion', at(line, unit))) do found[item.label] = item.insertText or true end
     return found
 end
 
@@ -125,7 +127,7 @@ found = labels(12, 18)
 check('types', { true, true }, { found.TBall, found.String })
 edit(12, '    Print ')
 found = labels(12, 11)
-check('what is visible', { true, true, true, true, true }, { found.ball, found['größe'], found.Twice, found.While, found.Sqrt })
+check('what is visible', { true, true, true, 'While ${1:condition}\n\t$0\nWend', true }, { found.ball, found['größe'], found.Twice, found.While, found.Sqrt })
 check('locals of others', nil, found.n)
 edit(12, '    Local other = ball\\Move(Twice(1, ')
 local help = ask('signatureHelp', at(12, 38))
@@ -171,6 +173,11 @@ vim.lsp.util.apply_text_edits(ask('formatting', { options = { tabSize = 4, inser
 check('formatted', '        x = x + by', vim.api.nvim_buf_get_lines(ball, 3, 4, false)[1])
 edit(4, '        x = "wrong"')
 check('a mistake in the part', 1, #(mistakes('lib/ball.kvl')))
+
+edit(4, '        x = by')
+local cpp = vim.lsp.buf_request_sync(0, 'workspace/executeCommand',
+    { command = 'korvel.showCpp', arguments = { vim.uri_from_bufnr(ball) } }, 5000)[client].result
+check('the C++ of the program', true, cpp:match('int main%(') ~= nil and cpp:match('// [^\n]*ball%.h\n') ~= nil)
 
 vim.lsp.stop_client(client)
 vim.wait(5000, function() return told.status ~= nil end, 5)
