@@ -45,13 +45,6 @@ const SharedName* FindShared(const Word& name) {
 
 bool IsAccessor(char sign) { return sign == '\\' || sign == '.'; }
 
-// Whether the "=" at the position is no part of "<=", ">=", "!=" or "==".
-bool IsLoneEquals(TokenSpan tokens, std::size_t at) {
-    if (tokens.SignAt(at) != '=' || tokens.SignAt(at + 1) == '=') return false;
-    const char before = at > 0 ? tokens.SignAt(at - 1) : '\0';
-    return before != '<' && before != '>' && before != '!' && before != '=';
-}
-
 }  // namespace
 
 // Elements that hold one another have no end, and are refused elsewhere.
@@ -211,8 +204,7 @@ void EffectReader::ReadTarget(TokenSpan tokens) {
 
 void EffectReader::ReadAssignment(TokenSpan tokens) {
     std::size_t begin = 0;
-    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
-        if (!IsLoneEquals(tokens, i)) continue;
+    for (std::size_t i = tokens.FindEquals(); i != noToken; i = tokens.FindEquals(begin)) {
         ReadTarget(tokens.Slice(begin, i));
         begin = i + 1;
     }

@@ -105,7 +105,7 @@ EffectSet Closure(const ReachGraph& graph, int start) {
 
 bool IsMade(TokenSpan tokens, std::size_t at) {
     const Keyword before = at > 0 ? tokens.KeywordAt(at - 1) : Keyword::None;
-    return before == Keyword::Create || before == Keyword::New;
+    return Has(before, trait::creates);
 }
 
 bool MayRun(TokenSpan tokens, std::size_t at) {

@@ -187,8 +187,8 @@ private:
 
     void NoteBlocks(Keyword word, TokenSpan tokens) {
         const bool openIf = word == Keyword::If && !IsOneLine(tokens);
-        if (openIf || Has(word, trait::opensBlock)) ++blocks;
-        if (word == Keyword::EndIf || Has(word, trait::closesBlock)) --blocks;
+        if (openIf || (word != Keyword::If && Has(word, trait::opensBlock))) ++blocks;
+        if (Has(word, trait::closesBlock)) --blocks;
     }
 
     static bool WalksInstances(TokenSpan tokens) {
@@ -233,7 +233,7 @@ private:
     }
 
     static void MentionClass(int node, const ClassInfo& cls, Keyword before) {
-        const bool created = before == Keyword::Create || before == Keyword::New;
+        const bool created = Has(before, trait::creates);
         if (!created && !cls.isElement) return;
         graph.Call(node, graph.NodeOf(graph.construction, &cls));
         if (created) graph.creators[&cls].push_back(node);

@@ -9,8 +9,7 @@ OwnName KindOfLocal(TokenSpan declaration) {
         if (declaration.KeywordAt(2) == Keyword::Sequence || declaration.SignAt(3) == '[')
             return OwnName::Items;
     } else {
-        const Keyword makes = declaration.KeywordAt(2);
-        if (makes == Keyword::Create || makes == Keyword::New) at = 3;
+        if (Has(declaration.KeywordAt(2), trait::creates)) at = 3;
     }
     return IsElement(declaration[at]) ? OwnName::Element : OwnName::Value;
 }

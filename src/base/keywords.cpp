@@ -23,7 +23,7 @@ constexpr Text LowerText(std::string_view name) {
 
 constexpr std::array<Text, keywordCount> texts = {{
     {},
-#define ROW(name, traits) LowerText(#name),
+#define ROW(name, traits, block) LowerText(#name),
 #include "base/keywords.inc"
 #undef ROW
 }};

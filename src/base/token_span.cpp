@@ -22,11 +22,23 @@ std::size_t TokenSpan::Find(Keyword word, std::size_t from) const {
     return noToken;
 }
 
+bool TokenSpan::IsEquals(std::size_t i) const {
+    if (SignAt(i) != '=' || SignAt(i + 1) == '=') return false;
+    const char before = i > 0 ? SignAt(i - 1) : '\0';
+    return before != '<' && before != '>' && before != '!' && before != '=';
+}
+
+std::size_t TokenSpan::FindEquals(std::size_t from) const {
+    for (std::size_t i = from; i < size(); i = OpensBracket(first[i]->sign) ? Behind(i) : i + 1)
+        if (first[i]->sign == '=' && IsEquals(i)) return i;
+    return noToken;
+}
+
 std::vector<TokenSpan> TokenSpan::SplitAt(char separator) const {
     std::vector<TokenSpan> parts;
     std::size_t begin = 0;
-    for (std::size_t i = 0; i < size(); i = Behind(i)) {
-        if (SignAt(i) != separator) continue;
+    for (std::size_t i = 0; i < size(); i = OpensBracket(first[i]->sign) ? Behind(i) : i + 1) {
+        if (first[i]->sign != separator) continue;
         parts.push_back(Slice(begin, i));
         begin = i + 1;
     }

@@ -88,6 +88,10 @@ struct TokenSpan {
     }
     // Position of the first such word from `from` on; noToken without one.
     std::size_t Find(Keyword word, std::size_t from = 0) const;
+    // Whether token i is a "=" that is no part of another operator, and the position of the first one from `from` on
+    // that stands outside of brackets; noToken without one.
+    bool IsEquals(std::size_t i) const;
+    std::size_t FindEquals(std::size_t from = 0) const;
     // The parts between the signs that stand outside of brackets. No tokens give no parts.
     std::vector<TokenSpan> SplitAt(char separator) const;
     // The texts, with the separator between them.

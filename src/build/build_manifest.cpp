@@ -14,11 +14,11 @@
 #include "base/settings.h"
 #include "base/source_reader.h"
 #include "base/text.h"
-#include "base/token_span.h"
 #include "base/utf8.h"
 #include "lexer/lexer.h"
 #include "outputs/atomic_file.h"
 #include "outputs/output_files.h"
+#include "symbols/program_files.h"
 #include "symbols/symbols.h"
 
 namespace fs = std::filesystem;
@@ -75,12 +75,8 @@ std::vector<std::string> IncludesOf(const std::string& path) {
     std::vector<std::string> names;
     SourceReader source;
     source.Open(path);
-    while (!source.AtEnd()) {
-        const Tokens list = Split(source.NextLine());
-        const TokenSpan tokens(list);
-        if (tokens.KeywordAt(0) != Keyword::Include || tokens[1].size() < 2) continue;
-        names.push_back(tokens[1].substr(1, tokens[1].size() - 2));
-    }
+    while (!source.AtEnd())
+        if (const auto name = IncludedName(Split(source.NextLine()))) names.push_back(*name);
     return names;
 }
 

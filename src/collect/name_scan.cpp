@@ -59,12 +59,13 @@ private:
 
     void ScanStatement(TokenSpan tokens, const std::string& path, int line, Place& place) {
         const Keyword keyword = tokens.KeywordAt(0);
+        if (!Has(keyword, trait::collected)) return;
         if (keyword == Keyword::Extern || keyword == Keyword::EndExtern)
             place.inExtern = keyword == Keyword::Extern;
-        if (keyword == Keyword::Function || keyword == Keyword::Method) place.inRoutine = !place.inExtern;
-        if (keyword == Keyword::EndFunction || keyword == Keyword::EndMethod) place.inRoutine = false;
+        if (Has(keyword, trait::routine)) place.inRoutine = !place.inExtern;
+        if (Has(BlockOf(keyword), trait::routine)) place.inRoutine = false;
         if (tokens.size() < 2) return;
-        if (keyword == Keyword::Type || keyword == Keyword::Element) {
+        if (Has(keyword, trait::classes)) {
             AddClass(tokens[1], keyword == Keyword::Element, path, line);
         } else if (const auto name = IncludedName(tokens)) {
             included.push_back({*name, place.inRoutine});

@@ -7,8 +7,6 @@
 
 namespace {
 
-bool MakesObject(Keyword word) { return word == Keyword::Create || word == Keyword::New; }
-
 // An array that nobody takes must be freed all the same.
 void WriteDiscarded(Code& out, const Expr& call) {
     const bool freed = call.form != ArrayForm::Owned || call.byValue;
@@ -31,7 +29,7 @@ bool TranslateCallStatement(TokenSpan tokens, Code& out) {
         ReportFatal("There is no operator '" + next + next + "'. Write the assignment out, as in 'x = x " +
                     next + " 1'");
     }
-    if (!expr.isCall && !MakesObject(tokens.KeywordAt(0))) return false;
+    if (!expr.isCall && !Has(tokens.KeywordAt(0), trait::creates)) return false;
     if (!walk.Done()) FailUnexpected(walk);
     KeepOrder(expr);
     WriteDiscarded(out, expr);

@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdlib>
 #include <unordered_map>
+#include <utility>
 
 #include "base/journal.h"
 #include "base/run.h"
@@ -127,9 +128,7 @@ Value Signed(char sign, const Expr& operand) {
 }
 
 Value Result(const Expr& operation) {
-    const OperatorKind kind = operation.operation->kind;
-    if (kind == OperatorKind::Order || kind == OperatorKind::Equality || kind == OperatorKind::Logic)
-        return {};
+    if (IsComparison(operation.operation) || operation.operation->kind == OperatorKind::Logic) return {};
     const Value left = ConstantOf(*operation.first);
     return left ? Combine(operation.operation->text[0], left, ConstantOf(*operation.first->next)) : left;
 }
@@ -202,11 +201,14 @@ Value ConstantIn(TokenSpan tokens) {
     const FileLevelNames names;
     Chapter untold;
     const OpenChapter nothingIsSaid(untold);
+    Value value;
+    const auto watch = std::exchange(watchOperation, nullptr);
     try {
-        return ConstantOf(TranslateExpression(tokens, ExprMode::Condition));
-    } catch (const Stop&) {
-        return {};
+        value = ConstantOf(TranslateExpression(tokens, ExprMode::Condition));
+    } catch (const Stop&) {  // no value
     }
+    watchOperation = watch;
+    return value;
 }
 
 std::optional<long long> IntegerOf(const Value& value) {

@@ -60,13 +60,6 @@ Expr& UseVariable(const Variable& variable) {
     return expr;
 }
 
-// A Method of the open Type comes first, as it does in C++.
-const Routine* FindCallable(const std::string& name) {
-    const Routine* routine = currentClass ? FindMethod(*currentClass, name) : nullptr;
-    if (routine == nullptr) routine = FindFunction(name);
-    return routine ? routine : FindUserlibFunction(name);
-}
-
 // Where something nearer has the routine's name, C++ has to be told which one is meant.
 const char* CallPrefix(const Routine& routine) {
     if (routine.isUserlib) return "";
@@ -136,7 +129,7 @@ Expr& ParseName(Walk& walk) {
         NoteUse(walk.Taken(), *variable);
         return UseVariable(*variable);
     }
-    if (keyword == Keyword::Create || keyword == Keyword::New) return ParseCreate(walk);
+    if (Has(keyword, trait::creates)) return ParseCreate(walk);
     if (IsInstanceWord(keyword)) return ParseInstanceWord(walk, keyword);
     return called ? ParseCallable(walk, name) : ParseBareName(walk, name);
 }

@@ -11,14 +11,10 @@
 
 namespace {
 
-bool Compares(const Expr& expr) {
-    return expr.operation->kind == OperatorKind::Order || expr.operation->kind == OperatorKind::Equality;
-}
-
 // The left operand. C++ compares no two literals by their texts.
 void WriteLeft(Code& out, const Expr& expr) {
     const Expr& left = *expr.first;
-    const bool bare = left.literal && left.next->literal && Compares(expr);
+    const bool bare = left.literal && left.next->literal && IsComparison(expr.operation);
     Put(out, bare ? "std::string(" : "", AsValue{left}, bare ? ")" : "");
 }
 

@@ -26,5 +26,19 @@ struct UnaryOperator {
 // A lone "=" is an operator only when `comparing`.
 const BinaryOperator* PeekBinary(const Walk& walk, bool comparing, std::size_t& length);
 
+// An operation whose operands have been read, before it is checked.
+struct Operation {
+    const BinaryOperator& op;
+    TokenSpan sign;
+    const Expr &left, &right;
+};
+
+// Is told of each of them; null while nobody looks.
+extern void (*watchOperation)(const Operation& operation);
+
+inline bool IsComparison(const BinaryOperator* op) {
+    return op != nullptr && (op->kind == OperatorKind::Order || op->kind == OperatorKind::Equality);
+}
+
 // The operator before an operand; null when there is none.
 const UnaryOperator* PeekUnary(const Walk& walk);

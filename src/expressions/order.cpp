@@ -53,10 +53,6 @@ bool IsPlace(const Expr& expr) {
     return expr.assignable && !IsBareVariable(expr.source);
 }
 
-bool Compares(const BinaryOperator& op) {
-    return op.kind == OperatorKind::Order || op.kind == OperatorKind::Equality;
-}
-
 // Checks of undefined behaviour look at the right operand of these first.
 bool IsChecked(const BinaryOperator& op) {
     return op.kind == OperatorKind::Divide || op.kind == OperatorKind::Remainder || op.level == Level::Shift;
@@ -105,10 +101,10 @@ bool IsSeen(const Expr& left, Pieces& pieces, const Expr& right) {
 // Makes g++ work out the left operand before the right one, and leave the order inside of either.
 void KeepOperands(Expr& left, Pieces& leftPieces, const BinaryOperator& op, Expr& right,
                   const Pieces& rightPieces) {
-    if (op.level != Level::Sum && !Compares(op)) HideSum(left, leftPieces);
-    if (op.kind != OperatorKind::Add && !Compares(op)) HideSum(right, rightPieces);
+    if (op.level != Level::Sum && !IsComparison(&op)) HideSum(left, leftPieces);
+    if (op.kind != OperatorKind::Add && !IsComparison(&op)) HideSum(right, rightPieces);
     if (leftPieces.spans.empty()) leftPieces.spans.push_back(left.source);
-    const bool leaps = right.effects && (right.leaps || (Compares(op) && HoldsKnownNumber(right)));
+    const bool leaps = right.effects && (right.leaps || (IsComparison(&op) && HoldsKnownNumber(right)));
     const bool stays = StaysInPlace(left, op, right);
     if ((stays && !leaps) || !IsSeen(left, leftPieces, right)) return;
     if (!stays) Hide(left);
@@ -144,7 +140,7 @@ void KeepOperation(Expr& expr, Pieces& pieces) {
     Expr &left = *expr.first, &right = *left.next;
     const Pieces rightPieces = Keep(right);
     const BinaryOperator& op = *expr.operation;
-    const bool compares = Compares(op);
+    const bool compares = IsComparison(&op);
     if (op.kind == OperatorKind::Logic) {
         expr.leaps = true;
     } else if (expr.kind != ExprKind::Operation || (compares && AreTexts(left, right))) {

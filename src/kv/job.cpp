@@ -84,6 +84,12 @@ bool PrepareJob(const Options& options, Job& job) {
     return PrepareFolder(job);
 }
 
+std::vector<std::string> ProgramCommand(const Job& job) {
+    std::vector<std::string> command = {job.build.program};
+    command.insert(command.end(), job.options.arguments.begin(), job.options.arguments.end());
+    return command;
+}
+
 std::string ProgramSuffix(const Job& job) { return IsForWindows(job.options) ? ".exe" : executableSuffix; }
 
 void TellFolder(const Job& job) {

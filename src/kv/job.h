@@ -31,6 +31,9 @@ struct Job {
 // Finds everything that the options name. Returns false after telling the user what is wrong.
 bool PrepareJob(const Options& options, Job& job);
 
+// What runs the job's program: its path and the arguments that it was given.
+std::vector<std::string> ProgramCommand(const Job& job);
+
 // What the name of the job's program ends in.
 std::string ProgramSuffix(const Job& job);
 

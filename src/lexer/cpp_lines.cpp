@@ -64,12 +64,26 @@ std::size_t CppLines::Step(std::string_view line, std::size_t at) {
     }
 }
 
+void CppLines::Tell(std::string_view token) const {
+    if (onToken && !inDirective) onToken(token);
+}
+
+// What makes a string raw belongs to its quote.
+std::size_t CppLines::PassWord(std::string_view line, std::size_t at) const {
+    std::size_t end = at;
+    while (end < line.size() && IsNameByte(line[end])) ++end;
+    if (end == line.size() || line[end] != '"' || !IsRaw(line, end)) Tell(line.substr(at, end - at));
+    return end;
+}
+
 std::size_t CppLines::StepInCode(std::string_view line, std::size_t at) {
     const std::string_view two = line.substr(at, 2);
     if (two == "//" || two == "/*") {
         inside = two == "//" ? Inside::LineComment : Inside::Comment;
         return at + 2;
     }
+    if (IsNameByte(line[at])) return PassWord(line, at);
+    if (line[at] != ' ' && line[at] != '\t') Tell(line.substr(at, 1));
     if (line[at] == '"') return OpenText(line, at);
     if (line[at] == '\'') inside = Inside::Character;
     if (line[at] == '{' && !inDirective) ++depth;

@@ -1,7 +1,8 @@
-// The lines of inline C++, read only as far as it takes to know where their braces are and where a line end is
-// more than a blank.
+// The lines of inline C++, read only as far as it takes to know their tokens, where their braces are and where a line
+// end is more than a blank.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,13 @@
 class CppLines {
 public:
     void Read(std::string_view line);
+
+    // Is called with what stands in code that is no directive: names and numbers, signs of one character, and of
+    // literals their opening quote alone.
+    std::function<void(std::string_view token)> onToken;
+
+    // Whether the last line is, or belongs to, one of the preprocessor's.
+    bool IsDirective() const { return inDirective; }
 
     // How many more braces the last line opened than it closed: those of its code, not of literals, comments and
     // macros. Of the branches of an #if one counts, so that an #else takes back what the branch before it opened.
@@ -29,6 +37,8 @@ private:
 
     void ReadDirective(std::string_view line);
     std::size_t Step(std::string_view line, std::size_t at);
+    void Tell(std::string_view token) const;
+    std::size_t PassWord(std::string_view line, std::size_t at) const;
     std::size_t StepInCode(std::string_view line, std::size_t at);
     std::size_t SkipTo(std::string_view end, std::string_view line, std::size_t at);
     std::size_t OpenText(std::string_view line, std::size_t quote);

@@ -226,17 +226,15 @@ private:
     void AddIncludes() {
         for (const std::string& file : symbols.sourceFiles) {
             const TokenSpan tokens = TokensOf(file);
-            for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-                if (tokens.KeywordAt(i) != Keyword::Include || !IsQuoted(tokens[i + 1])) continue;
-                AddInclude(tokens.first + i + 1);
-            }
+            for (std::size_t i = 0; i < tokens.size(); ++i)
+                if (const auto name = IncludedName(tokens.From(i))) AddInclude(tokens.first + i + 1, *name);
         }
     }
 
-    void AddInclude(const Token* name) {
-        const std::string id = FileId(PathOfInclude(std::string(Unquoted((*name)->text))));
+    void AddInclude(const Token* at, const std::string& name) {
+        const std::string id = FileId(PathOfInclude(name));
         for (const std::string& file : symbols.sourceFiles)
-            if (FileId(file) == id) AddUse({name, -1, -1, &file, false});
+            if (FileId(file) == id) AddUse({at, -1, -1, &file, false});
     }
 
     void AddDeclarations() {

@@ -29,6 +29,27 @@ bool ReadNumber(const std::string& token, double& value) {
     return read.ptr == last && read.ec == std::errc();
 }
 
+struct TableOperator {
+    char sign;
+    Keyword word;
+    TableOp op;
+    int level;
+};
+
+constexpr int loosest = 2;
+const TableOperator operators[] = {
+    {'+', Keyword::None, TableOp::Add, loosest}, {'-', Keyword::None, TableOp::Subtract, loosest},
+    {'*', Keyword::None, TableOp::Multiply, 1},  {'/', Keyword::None, TableOp::Divide, 1},
+    {'\0', Keyword::Mod, TableOp::Modulo, 1},
+};
+
+// Null for what is none of the level.
+const TableOperator* OperatorOf(const Word& word, int level) {
+    for (const TableOperator& op : operators)
+        if (op.sign == word.sign && op.word == word.keyword && op.level == level) return &op;
+    return nullptr;
+}
+
 // Instructions are appended while the tokens are read from left to right, so operands stand before
 // their operator. Every routine leaves `at` behind what it has read. A mistake becomes the last instruction of its
 // statement: `at` goes behind the tokens, and what routines still want to append is dropped.
@@ -43,10 +64,10 @@ public:
         at = 0;
         depth = 0;
         failed = false;
-        const std::string keyword = Lower(tokens[0]);
-        if (keyword == "for") return For();
-        if (keyword == "next") return Next();
-        const bool assigns = (tokens[1] == "[" && Find("=") < tokens.size()) || tokens[1] == "=";
+        if (tokens.KeywordAt(0) == Keyword::For) return For();
+        if (tokens.KeywordAt(0) == Keyword::Next) return Next();
+        const bool hasEquals = std::find(tokens.begin(), tokens.end(), "=") != tokens.end();
+        const bool assigns = (tokens[1] == "[" && hasEquals) || tokens[1] == "=";
         if (!assigns) return FailStatement(0);
         Assignment();
     }
@@ -148,21 +169,14 @@ private:
         if (!IsName(tokens[1]) || (Take(":") && !IsName(tokens[at++])))
             return Fail("PreCalc: For syntax is 'For var:Int = start To end [Step s]'");
         if (!Take("=")) return Fail("PreCalc: For needs '=' (e.g. For i:Int = 0 To 15)");
-        const std::size_t to = Find("to");
-        if (to == tokens.size()) return Fail("PreCalc: For without 'To'");
-        const std::size_t step = Find("step");
+        const std::size_t to = tokens.Find(Keyword::To, at), step = tokens.Find(Keyword::Step, at);
+        if (to == noToken) return Fail("PreCalc: For without 'To'");
         Part(whole.Slice(at, to));
         Part(whole.Slice(to + 1, step));
-        if (step < whole.size())
+        if (step != noToken)
             Part(whole.From(step + 1));
         else
             Constant(1);
-    }
-
-    std::size_t Find(const char* word) const {
-        std::size_t i = at;
-        while (i < tokens.size() && Lower(tokens[i]) != word) ++i;
-        return i;
     }
 
     // One expression that fills the whole window.
@@ -214,40 +228,15 @@ private:
         Emit(TableOp::Address, 1 - static_cast<int>(count)).about = tokens.Slice(begin, at);
     }
 
-    // term {("+" | "-") term}
-    void Expression() {
-        Term();
-        for (;;) {
-            if (Take("+")) {
-                Term();
-                Emit(TableOp::Add, -1);
-            } else if (Take("-")) {
-                Term();
-                Emit(TableOp::Subtract, -1);
-            } else {
-                return;
-            }
-        }
-    }
-
-    // factor {("*" | "/" | "mod") factor}
-    void Term() {
-        Factor();
-        for (;;) {
-            if (Take("*")) {
-                Factor();
-                Emit(TableOp::Multiply, -1);
-            } else if (Take("/")) {
-                const std::size_t divisor = at;
-                Factor();
-                Emit(TableOp::Divide, -1).about = tokens.Slice(divisor, at);
-            } else if (!AtEnd() && Lower(tokens[at]) == "mod") {
-                ++at;
-                Factor();
-                Emit(TableOp::Modulo, -1);
-            } else {
-                return;
-            }
+    // term {("+" | "-") term} , where a term is factor {("*" | "/" | "mod") factor}
+    void Expression(int level = loosest) {
+        if (level == 0) return Factor();
+        Expression(level - 1);
+        while (const TableOperator* op = OperatorOf(tokens.At(at), level)) {
+            const std::size_t operand = ++at;
+            Expression(level - 1);
+            TableInstruction& emitted = Emit(op->op, -1);
+            if (op->op == TableOp::Divide) emitted.about = tokens.Slice(operand, at);
         }
     }
 

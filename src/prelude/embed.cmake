@@ -4,7 +4,7 @@
 set(PRELUDE_TEXTS_DIR ${CMAKE_CURRENT_LIST_DIR}/texts)
 
 if(NOT CMAKE_SCRIPT_MODE_FILE)
-    file(GLOB_RECURSE texts CONFIGURE_DEPENDS ${PRELUDE_TEXTS_DIR}/*.h)
+    file(GLOB_RECURSE texts CONFIGURE_DEPENDS ${PRELUDE_TEXTS_DIR}/*.h ${PRELUDE_TEXTS_DIR}/*.inc)
     set(PRELUDE_GENERATED_SOURCES ${CMAKE_BINARY_DIR}/generated/prelude_texts.cpp)
     add_custom_command(OUTPUT ${PRELUDE_GENERATED_SOURCES}
         COMMAND ${CMAKE_COMMAND} -DOUT=${PRELUDE_GENERATED_SOURCES} -P ${CMAKE_CURRENT_LIST_FILE}
@@ -32,6 +32,13 @@ set(source "#include \"prelude/texts.h\"\n\nnamespace texts {\n")
 foreach(file ${texts})
     constant_name(${file} name)
     file(READ ${file} text)
+    # What several texts share stands in a file of its own.
+    string(REGEX MATCHALL "#include \"prelude/texts/[a-z_]+\\.inc\"\n" shared "${text}")
+    foreach(line ${shared})
+        string(REGEX MATCH "[a-z_]+\\.inc" part "${line}")
+        file(READ ${PRELUDE_TEXTS_DIR}/${part} lines)
+        string(REPLACE "${line}" "${lines}" text "${text}")
+    endforeach()
     string(REPLACE "\\" "\\\\" text "${text}")
     string(REPLACE "\"" "\\\"" text "${text}")
     string(REPLACE "\t" "\\t" text "${text}")

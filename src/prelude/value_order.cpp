@@ -46,7 +46,7 @@ bool MakesElements(const GlobalEntry& entry) {
 bool MayRunCode(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const Word& word = tokens.At(i);
-        const bool creates = word.keyword == Keyword::Create || word.keyword == Keyword::New;
+        const bool creates = Has(word.keyword, trait::creates);
         const bool calls = tokens.SignAt(i + 1) == '(' && word.sign == '\0';
         const bool member = word.sign == '\\' && symbols.fieldOwners.count(tokens[i + 1]) == 0;
         if (creates || calls || member) return true;

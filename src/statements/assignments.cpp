@@ -19,19 +19,6 @@
 
 namespace {
 
-bool IsComparisonSign(char sign) { return sign == '<' || sign == '>' || sign == '=' || sign == '!'; }
-
-// Position of the "=" that assigns; noToken when there is none.
-std::size_t AssignmentSign(TokenSpan tokens) {
-    for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
-        if (tokens.SignAt(i) != '=') continue;
-        const bool compares =
-            (i > 0 && IsComparisonSign(tokens.SignAt(i - 1))) || tokens.SignAt(i + 1) == '=';
-        if (!compares) return i;
-    }
-    return noToken;
-}
-
 void CheckTarget(TokenSpan target, const Expr& expr) {
     const std::string& name = target[0];
     const Variable* variable = VariableOf(expr);
@@ -152,9 +139,8 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
 }
 
 bool IsKnownName(const std::string& name) {
-    const bool method = currentClass != nullptr && FindMethod(*currentClass, name) != nullptr;
-    return method || FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr ||
-           FindVariable(name) != nullptr || IsClass(name) || IsReservedKeyword(name);
+    return FindCallable(name) != nullptr || FindVariable(name) != nullptr || IsClass(name) ||
+           IsReservedKeyword(name);
 }
 
 void CheckFirstWord(TokenSpan tokens) {
@@ -166,7 +152,7 @@ void CheckFirstWord(TokenSpan tokens) {
 
 void TranslateCall(State& state, TokenSpan tokens) {
     CheckFirstWord(tokens);
-    if (tokens.KeywordAt(0) == Keyword::Create || tokens.KeywordAt(0) == Keyword::New) {
+    if (Has(tokens.KeywordAt(0), trait::creates)) {
         EmitLine(state, TranslateExpression(tokens, ExprMode::Condition), ";");
         return;
     }
@@ -182,10 +168,7 @@ bool IsBareCall(TokenSpan tokens) {
     constexpr std::string_view continuing = "=\\.[(:";
     const char sign = tokens.SignAt(1);
     if (tokens.size() < 2 || (sign != '\0' && continuing.find(sign) != std::string_view::npos)) return false;
-    const bool method = currentClass != nullptr && FindMethod(*currentClass, tokens[0]) != nullptr;
-    const bool callable =
-        method || FindFunction(tokens[0]) != nullptr || FindUserlibFunction(tokens[0]) != nullptr;
-    return callable && FindVariable(tokens[0]) == nullptr;
+    return FindCallable(tokens[0]) != nullptr && FindVariable(tokens[0]) == nullptr;
 }
 
 }  // namespace
@@ -193,7 +176,7 @@ bool IsBareCall(TokenSpan tokens) {
 // place = value  |  call
 //     KVL_n = value;
 void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
-    const std::size_t sign = IsBareCall(tokens) ? noToken : AssignmentSign(tokens);
+    const std::size_t sign = IsBareCall(tokens) ? noToken : tokens.FindEquals();
     if (sign == noToken) {
         TranslateCall(state, tokens);
         return;
@@ -203,8 +186,7 @@ void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
     TranslateAssignment(state, tokens, sign);
 }
 
-void CheckNullAssignment(State& state, TokenSpan tokens) {
-    (void)state;
+void CheckNullAssignment(TokenSpan tokens) {
     if (tokens.size() != 3 || tokens.SignAt(1) != '=' || tokens.KeywordAt(2) != Keyword::Null) return;
     const Variable* variable = FindVariable(tokens[0]);
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;

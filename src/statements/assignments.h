@@ -8,4 +8,4 @@
 void TranslateAssignmentOrCall(State& state, TokenSpan tokens);
 
 // Ends the run for `name = Null` where the variable is an Element; every other statement passes.
-void CheckNullAssignment(State& state, TokenSpan tokens);
+void CheckNullAssignment(TokenSpan tokens);

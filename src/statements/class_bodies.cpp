@@ -10,6 +10,7 @@
 //     std::vector<KVL_T*> KVL_T::_instances;
 // and of an Element: a struct with its Fields, Methods and a member-wise operator==.
 #include "statements/class_bodies.h"
+#include "statements/handlers.h"
 
 #include "base/report.h"
 #include "base/settings.h"
@@ -100,23 +101,6 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
     EmitLine(state, "");
 }
 
-// The closers do not compare themselves with the opener: either ends whichever block is open.
-void CloseClass(State& state, const std::string& closer) {
-    if (!state.inType || !state.routine.openParts.empty())
-        ReportFatal("Unexpected '" + closer + "' token.", Tokens{closer});
-    if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
-    if (state.inExtern) {
-        EmitBlankForTrace(state);
-    } else {
-        BeginPiece(*state.out, Piece::Kind::ClassClose, state.cls);
-        if (state.isElement)
-            EmitElementClosing(state, *state.cls);
-        else
-            EmitTypeClosing(state, *state.cls);
-    }
-    CloseClassState(state);
-}
-
 }  // namespace
 
 std::string_view LeavingLines() { return settings.fastMode ? texts::fastClassLeaving : texts::classLeaving; }
@@ -158,14 +142,21 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
     BeginPiece(*state.out, Piece::Kind::ClassLines, cls);
 }
 
-// EndType
-void TranslateEndType(State& state, TokenSpan tokens) {
-    (void)tokens;
-    CloseClass(state, "EndType");
-}
-
-// EndElement
-void TranslateEndElement(State& state, TokenSpan tokens) {
-    (void)tokens;
-    CloseClass(state, "EndElement");
+// EndType | EndElement
+// They do not compare themselves with the opener: either ends whichever block is open.
+void TranslateEndClass(State& state, TokenSpan tokens) {
+    const std::string closer = tokens.KeywordAt(0) == Keyword::EndType ? "EndType" : "EndElement";
+    if (!state.inType || !state.routine.openParts.empty())
+        ReportFatal("Unexpected '" + closer + "' token.", Tokens{closer});
+    if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
+    if (state.inExtern) {
+        EmitBlankForTrace(state);
+    } else {
+        BeginPiece(*state.out, Piece::Kind::ClassClose, state.cls);
+        if (state.isElement)
+            EmitElementClosing(state, *state.cls);
+        else
+            EmitTypeClosing(state, *state.cls);
+    }
+    CloseClassState(state);
 }

@@ -1,13 +1,7 @@
-// Class bodies: Type and Element blocks, emitted inline into the .cpp.
+// The bodies of Types and Elements, emitted inline into the .cpp.
 #pragma once
 
 #include "statements/state.h"
-
-// Type Name / Element Name
-void TranslateTypeOpener(State& state, TokenSpan tokens);
-// EndType: the instance tracking of a Type, the comparison of an Element, and the end of the body.
-void TranslateEndType(State& state, TokenSpan tokens);
-void TranslateEndElement(State& state, TokenSpan tokens);
 
 // What the destructor of a Type does to take its object off the list.
 std::string_view LeavingLines();

@@ -6,7 +6,7 @@
 //     {
 //         ...
 //     }
-#include "statements/conditionals.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

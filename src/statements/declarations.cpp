@@ -2,7 +2,7 @@
 //     int KVL_a = 5;                       Local, and Global in the header
 //      const int KVL_MAX = 10;             Const, in the header
 //      std::string KVL_name = "";          Field
-#include "statements/declarations.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

@@ -98,9 +98,7 @@ Declared Read(TokenSpan tokens, DefinitionKind kind) {
     return declared;
 }
 
-bool IsCreation(TokenSpan value) {
-    return value.KeywordAt(0) == Keyword::Create || value.KeywordAt(0) == Keyword::New;
-}
+bool IsCreation(TokenSpan value) { return Has(value.KeywordAt(0), trait::creates); }
 
 void CheckCreation(TokenSpan value) {
     if (value.KeywordAt(0) != Keyword::Create) return;

@@ -9,111 +9,34 @@
 #include "collect/first_pass.h"
 #include "statements/assignments.h"
 #include "statements/class_bodies.h"
-#include "statements/conditionals.h"
 #include "statements/debug_hooks.h"
-#include "statements/declarations.h"
 #include "statements/end_of_file.h"
-#include "statements/for_loops.h"
-#include "statements/include_statement.h"
-#include "statements/loops.h"
-#include "statements/objects.h"
+#include "statements/handlers.h"
 #include "statements/precalc_block.h"
-#include "statements/print_input.h"
-#include "statements/returns.h"
-#include "statements/routines.h"
 #include "statements/second_pass.h"
 #include "statements/selects.h"
-#include "statements/seq_statements.h"
-#include "statements/simple.h"
-#include "statements/timers.h"
-#include "statements/with.h"
 #include "symbols/scopes.h"
 
-namespace {
-
 // Done by the first pass.
-void NothingToEmit(State& state, TokenSpan tokens) {
-    (void)state;
-    (void)tokens;
-}
+void NothingToEmit(State&, TokenSpan) {}
 
 // Lines that begin with it never come here.
-void RefuseInlineCpp(State& state, TokenSpan tokens) {
-    (void)state;
+void RefuseInlineCpp(State&, TokenSpan tokens) {
     ReportFatal("'" + tokens[0] + "' must stand alone on its line", tokens.Slice(0, 1));
 }
 
 // Whoever reads a block like that has met its closer before.
-void RefuseStrayCloser(State& state, TokenSpan tokens) {
-    (void)state;
+void RefuseStrayCloser(State&, TokenSpan tokens) {
     const std::string block = tokens[0].substr(std::string("End").size());
     ReportFatal("'" + tokens[0] + "' without an open " + block + " block", tokens.Slice(0, 1));
 }
 
-// In the order of comparison.
+namespace {
+
 const DispatchRow dispatchTable[] = {
-    {Keyword::With, TranslateWith, Place::Routine},
-    {Keyword::EndWith, TranslateEndWith, Place::Anywhere},
-    {Keyword::AutoCall, TranslateAutoCall, Place::Routine},
-    {Keyword::StopCall, TranslateStopCall, Place::Routine},
-    {Keyword::Include, TranslateInclude, Place::Anywhere},
-    {Keyword::Import, NothingToEmit, Place::Anywhere},
-    {Keyword::Linker, NothingToEmit, Place::Anywhere},
-    {Keyword::UseConsole, NothingToEmit, Place::Anywhere},
-    {Keyword::Print, TranslatePrint, Place::Routine},
-    {Keyword::Input, TranslateInput, Place::Routine},
-    {Keyword::Function, TranslateFunction, Place::Anywhere},
-    {Keyword::EndFunction, TranslateEndFunction, Place::Anywhere},
-    {Keyword::Method, TranslateMethod, Place::Anywhere},
-    {Keyword::EndMethod, TranslateEndMethod, Place::Anywhere},
-    {Keyword::Return, TranslateReturn, Place::Anywhere},
-    {Keyword::End, TranslateEnd, Place::Anywhere},
-    {Keyword::SeqAdd, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqInsert, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqSet, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqDelete, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqDeleteAt, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqClear, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqAddFirst, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqReverse, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqSort, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqSwap, TranslateSeqStatement, Place::Routine},
-    {Keyword::SeqFromArray, TranslateSeqStatement, Place::Routine},
-    {Keyword::Remove, TranslateRemove, Place::Routine},
-    {Keyword::Exit, TranslateExit, Place::Anywhere},
-    {Keyword::Continue, TranslateContinue, Place::Anywhere},
-    {Keyword::Type, TranslateTypeOpener, Place::Anywhere},
-    {Keyword::Element, TranslateTypeOpener, Place::Anywhere},
-    {Keyword::EndElement, TranslateEndElement, Place::Anywhere},
-    {Keyword::EndType, TranslateEndType, Place::Anywhere},
-    {Keyword::Until, TranslateUntil, Place::Routine},
-    {Keyword::Repeat, TranslateRepeat, Place::Routine},
-    {Keyword::Forever, TranslateForever, Place::Routine},
-    {Keyword::While, TranslateWhile, Place::Routine},
-    {Keyword::Wend, TranslateWend, Place::Routine},
-    {Keyword::EachSeq, TranslateEachSeq, Place::Routine},
-    {Keyword::If, TranslateIf, Place::Routine},
-    {Keyword::ElseIf, TranslateElseIf, Place::Routine},
-    {Keyword::Else, TranslateElse, Place::Routine},
-    {Keyword::EndIf, TranslateEndIf, Place::Routine},
-    {Keyword::Select, TranslateSelect, Place::Routine},
-    {Keyword::EndSelect, TranslateEndSelect, Place::Routine},
-    {Keyword::Case, TranslateCase, Place::Routine},
-    {Keyword::Default, TranslateDefault, Place::Routine},
-    {Keyword::For, TranslateFor, Place::Routine},
-    {Keyword::Next, TranslateNext, Place::Routine},
-    {Keyword::NextSeq, TranslateNext, Place::Routine},
-    {Keyword::Field, TranslateDeclaration, Place::Anywhere},
-    {Keyword::Local, TranslateDeclaration, Place::Anywhere},
-    {Keyword::Global, TranslateDeclaration, Place::Anywhere},
-    {Keyword::Const, TranslateDeclaration, Place::Anywhere},
-    {Keyword::Public, TranslateAccess, Place::Anywhere},
-    {Keyword::Private, TranslateAccess, Place::Anywhere},
-    {Keyword::Extern, TranslateExtern, Place::Anywhere},
-    {Keyword::EndExtern, TranslateEndExtern, Place::Anywhere},
-    {Keyword::EndPreCalc, RefuseStrayCloser, Place::Anywhere},
-    {Keyword::InlineCpp, RefuseInlineCpp, Place::Anywhere},
-    {Keyword::EndInlineCpp, RefuseStrayCloser, Place::Anywhere},
+#define ROW(keyword, handler, place) {Keyword::keyword, handler, Place::place},
+#include "statements/handlers.inc"
+#undef ROW
 };
 
 // A Field may bear the name of a statement; "next = node" in a Method means the Field.
@@ -141,24 +64,8 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
 
 // What stands at the top level or in a class body, and so nowhere in a file that a routine includes.
 void RefuseInPart(const State& state, TokenSpan tokens) {
-    switch (tokens.KeywordAt(0)) {
-        case Keyword::Function:
-        case Keyword::Method:
-        case Keyword::Type:
-        case Keyword::Element:
-        case Keyword::Field:
-        case Keyword::Global:
-        case Keyword::Const:
-        case Keyword::PreCalc:
-        case Keyword::Extern:
-        case Keyword::EndExtern:
-        case Keyword::Public:
-        case Keyword::Private:
-            break;
-        default:
-            return;
-    }
-    if (AssignsOwnField(tokens) || IsNoAccessWord(tokens)) return;
+    if (!Has(tokens.KeywordAt(0), trait::outside) || AssignsOwnField(tokens) || IsNoAccessWord(tokens))
+        return;
     ReportFatal("'" + tokens[0] +
                     "' cannot stand here: " + StripFolder(state.routine.openParts.back()->source) +
                     " is included inside a Function or Method, so it holds statements and Locals only",
@@ -234,7 +141,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     if (watchStatement != nullptr) watchStatement(state, tokens);
     PrepareInSelect(state, keyword);
     if (settings.debugMode && !Has(keyword, trait::declares)) EmitStatementHook(state, keyword);
-    CheckNullAssignment(state, tokens);
+    CheckNullAssignment(tokens);
     if (row != nullptr)
         row->handler(state, tokens);
     else

@@ -4,6 +4,7 @@
 // A loop over a Type whose body may create objects of it walks by index, up to the number of objects at
 // its start, because a growing list would break the iterators. -fast has walks of its own.
 #include "statements/for_loops.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 #include <memory>

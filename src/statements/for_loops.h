@@ -1,10 +1,7 @@
-// Headers of For in its three forms (counted, EachIn, Each ... In) and of EachSeq.
+// What the three forms of For (counted, EachIn, Each ... In) and EachSeq share.
 #pragma once
 
 #include "statements/state.h"
-
-void TranslateFor(State& state, TokenSpan tokens);
-void TranslateEachSeq(State& state, TokenSpan tokens);
 
 // The counted form (counted_for.cpp).
 void TranslateCountedFor(State& state, TokenSpan tokens);

@@ -1,4 +1,4 @@
-#include "statements/include_statement.h"
+#include "statements/handlers.h"
 
 #include "base/paths.h"
 #include "base/report.h"

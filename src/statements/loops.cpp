@@ -3,7 +3,7 @@
 //     __kvSchedPoll();                __kvSchedPoll();
 //         ...                             ...
 //     } while (!(condition));         }
-#include "statements/loops.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "statements/objects.h"
+#include "statements/handlers.h"
 
 #include "base/report.h"
 #include "expressions/sequence_walks.h"

@@ -1,4 +1,4 @@
-#include "statements/print_input.h"
+#include "statements/handlers.h"
 
 #include "analysis/effects.h"
 #include "base/report.h"

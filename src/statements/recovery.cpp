@@ -7,6 +7,7 @@
 #include "statements/dispatch.h"
 #include "statements/second_pass.h"
 #include "statements/with.h"
+#include "symbols/misspelling.h"
 #include "symbols/mistakes.h"
 #include "symbols/scopes.h"
 #include "symbols/uses.h"
@@ -37,11 +38,9 @@ void TakeBack(State& state, const OpenWork& before) {
     currentClass = before.cls;
 }
 
-bool IsRoutineCloser(Keyword keyword) {
-    return keyword == Keyword::EndFunction || keyword == Keyword::EndMethod;
-}
+bool IsRoutineCloser(Keyword keyword) { return Has(BlockOf(keyword), trait::routine); }
 
-bool IsClassCloser(Keyword keyword) { return keyword == Keyword::EndType || keyword == Keyword::EndElement; }
+bool IsClassCloser(Keyword keyword) { return Has(BlockOf(keyword), trait::classes); }
 
 // Closes the open routine, whatever is open in it.
 void CloseRoutineAnyway(State& state) {
@@ -65,19 +64,13 @@ Tokens Substitute(TokenSpan statement) {
             return {"While", "True"};
         case Keyword::Until:
             return {"Until", "True"};
-        case Keyword::Repeat:
-        case Keyword::Forever:
-        case Keyword::Wend:
-        case Keyword::Next:
-        case Keyword::NextSeq:
-        case Keyword::EndIf:
-        case Keyword::EndSelect:
-        case Keyword::EndWith:
-            return {statement.At(0)};
         case Keyword::Select:
             return {"Select", "1"};
+        case Keyword::Repeat:
+        case Keyword::EndWith:
+            return {statement.At(0)};
         default:
-            return {};
+            return Has(statement.KeywordAt(0), trait::closesBlock) ? Tokens{statement.At(0)} : Tokens();
     }
 }
 
@@ -149,12 +142,12 @@ bool FollowsFromEarlier(const State& state, Keyword keyword) {
     return result && state.routine.declared != nullptr && IsDoubtful(WordOf(state.routine.declared->name));
 }
 
-// Whether the wrong statement could open or close a block; one of a single unknown word may be a misspelt closer.
+// Whether the wrong statement could open or close a block.
 bool ConcernsBlocks(TokenSpan statement) {
     const Keyword keyword = statement.KeywordAt(0);
     switch (keyword) {
         case Keyword::None:
-            return statement.size() == 1;
+            return statement.size() == 1 && MayConcernBlocks(statement[0]);
         case Keyword::Print:
         case Keyword::Input:
         case Keyword::Local:

@@ -8,6 +8,7 @@
 //     	_kvDebugLeave();
 //     return (_kvReturn);
 #include "statements/returns.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

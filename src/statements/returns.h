@@ -1,9 +1,7 @@
-// Return, and what has to happen before a routine is left.
+// What has to happen before a routine is left.
 #pragma once
 
 #include "statements/state.h"
-
-void TranslateReturn(State& state, TokenSpan tokens);
 
 // Emits the loops that free the objects of the routine's local arrays.
 void EmitFreeLoops(State& state);

@@ -5,6 +5,7 @@
 //     ...
 //     }
 #include "statements/routines.h"
+#include "statements/handlers.h"
 
 #include <unordered_set>
 #include <utility>

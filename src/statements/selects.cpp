@@ -8,6 +8,7 @@
 // C++ switches over integers only, so a Select over text or Doubles switches over the index of the
 // label that is equal to the subject.
 #include "statements/selects.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,12 +1,7 @@
-// Select, Case, Default, EndSelect.
+// What other statements have to do with the Select around them.
 #pragma once
 
 #include "statements/state.h"
-
-void TranslateSelect(State& state, TokenSpan tokens);
-void TranslateCase(State& state, TokenSpan tokens);
-void TranslateDefault(State& state, TokenSpan tokens);
-void TranslateEndSelect(State& state, TokenSpan tokens);
 
 // What stands before the brace that closes the Select.
 void FinishSelect(State& state, OpenSelect& select);

@@ -1,4 +1,4 @@
-#include "statements/seq_statements.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

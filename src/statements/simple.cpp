@@ -1,4 +1,4 @@
-#include "statements/simple.h"
+#include "statements/handlers.h"
 
 #include "base/report.h"
 #include "statements/words.h"

@@ -1,4 +1,4 @@
-#include "statements/timers.h"
+#include "statements/handlers.h"
 
 #include <unordered_set>
 

@@ -1,4 +1,5 @@
 #include "statements/with.h"
+#include "statements/handlers.h"
 
 #include <algorithm>
 

@@ -4,10 +4,8 @@
 #include "lexer/lexer.h"
 #include "statements/state.h"
 
-void TranslateWith(State& state, TokenSpan tokens);
-// The same for an object of which nothing is known.
+// Opens a With over an object of which nothing is known.
 void OpenUnknownWith(State& state);
-void TranslateEndWith(State& state, TokenSpan tokens);
 
 // True when a token is `its`, or inside a With a string that may name it in a hole.
 bool MentionsIts(const State& state, TokenSpan tokens);

@@ -1,19 +1,18 @@
 #include "symbols/inline_cpp.h"
 
 #include <algorithm>
-#include <cctype>
 #include <initializer_list>
 #include <unordered_map>
 
 #include "base/run.h"
+#include "lexer/cpp_lines.h"
 #include "lexer/source_lines.h"
 #include "symbols/symbols.h"
 
 namespace {
 
-// Names, and signs of one character each; of literals only their opening quote.
 struct Scanned {
-    std::vector<std::string> tokens;
+    std::vector<std::string> tokens;                                              // see CppLines
     std::unordered_map<std::string, std::vector<std::size_t>> beforeParentheses;  // where names stand so
     bool includesFiles = false;
     bool done = false;
@@ -22,99 +21,20 @@ struct Scanned {
 Scanned scanned;
 const PartOfRun partOfRun(scanned);
 
-class Scanner {
-public:
-    explicit Scanner(const std::string& source) : text(source) {}
-
-    void Run() {
-        while (at < text.size()) Step();
-    }
-
-private:
-    const std::string& text;
-    std::size_t at = 0;
-    bool lineStart = true;
-
-    bool Meets(const char* start) const { return text.compare(at, std::string(start).size(), start) == 0; }
-
-    // Goes behind the next `end`.
-    void Pass(const std::string& end) {
-        const std::size_t found = text.find(end, at);
-        at = found == std::string::npos ? text.size() : found + end.size();
-    }
-
-    void Step() {
-        const char c = text[at];
-        if (c == '\n') {
-            lineStart = true;
-            ++at;
-        } else if (std::isspace(static_cast<unsigned char>(c)) != 0) {
-            ++at;
-        } else if (Meets("//")) {
-            Pass("\n");
-            lineStart = true;
-        } else if (Meets("/*")) {
-            at += 2;
-            Pass("*/");
-        } else if (c == '#' && lineStart) {
-            PassDirective();
-        } else {
-            lineStart = false;
-            TakeToken(c);
-        }
-    }
-
-    void PassDirective() {
-        const std::size_t begin = at;
-        do Pass("\n");
-        while (at < text.size() && at > begin + 1 && text[at - 2] == '\\');
-        if (text.substr(begin, at - begin).find("include") != std::string::npos) scanned.includesFiles = true;
-    }
-
-    void TakeToken(char c) {
-        if (c == '"' || c == '\'') {
-            scanned.tokens.emplace_back(1, c);
-            return PassQuoted(c);
-        }
-        const std::size_t begin = at;
-        while (at < text.size() && IsNameByte(text[at])) ++at;
-        const std::string word = text.substr(begin, at - begin);
-        if (!word.empty() && word.back() == 'R' && at < text.size() && text[at] == '"') return PassRaw();
-        if (word.empty()) ++at;
-        scanned.tokens.push_back(word.empty() ? std::string(1, c) : word);
-    }
-
-    void PassQuoted(char quote) {
-        for (++at; at < text.size() && text[at] != quote && text[at] != '\n'; ++at)
-            if (text[at] == '\\') ++at;
-        ++at;
-    }
-
-    // R"mark(...)mark"
-    void PassRaw() {
-        const std::size_t open = text.find('(', at);
-        const std::size_t mark = at + 1;
-        scanned.tokens.emplace_back("\"");
-        if (open == std::string::npos) {
-            at = text.size();
-            return;
-        }
-        const std::string end = ")" + text.substr(mark, open - mark) + "\"";
-        at = open;
-        Pass(end);
-    }
-};
-
 const std::vector<std::string>& ScannedTokens() {
     if (scanned.done) return scanned.tokens;
     scanned.done = true;
     for (const std::string& file : symbols.sourceFiles) {
         SourceLines lines(Reading::Uses);
-        std::string text;
-        lines.onInlineCpp = [&text](const InlineLine& line) { text += line.text + "\n"; };
+        CppLines cpp;
+        cpp.onToken = [](std::string_view token) { scanned.tokens.emplace_back(token); };
+        lines.onInlineCpp = [&cpp](const InlineLine& line) {
+            cpp.Read(line.text);
+            if (cpp.IsDirective() && line.text.find("include") != std::string::npos)
+                scanned.includesFiles = true;
+        };
         if (!lines.Open(file)) continue;
         while (lines.Next()) continue;
-        Scanner(text).Run();
     }
     for (std::size_t i = 1; i < scanned.tokens.size(); ++i)
         if (scanned.tokens[i] == "(") scanned.beforeParentheses[scanned.tokens[i - 1]].push_back(i - 1);

@@ -150,6 +150,13 @@ Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner)
     return AdviceOn(word, nearest.Found(), sought);
 }
 
+bool MayConcernBlocks(const std::string& word) {
+    Nearest nearest(word);
+    OfferAll(nearest, Sought::Statement, nullptr);
+    const Keyword meant = FindKeyword(nearest.Found());
+    return nearest.Found().empty() || BlockOf(meant) != Keyword::None || Has(meant, trait::opens);
+}
+
 std::string SpellingHint(const std::string& name) {
     if (++quotedHints > mostHints) return {};
     Nearest nearest(name);

@@ -272,6 +272,12 @@ const Variable* FindVariable(const std::string& name) {
     return FindGlobal(name);
 }
 
+const Routine* FindCallable(const std::string& name) {
+    const Routine* routine = currentClass != nullptr ? FindMethod(*currentClass, name) : nullptr;
+    if (routine == nullptr) routine = FindFunction(name);
+    return routine != nullptr ? routine : FindUserlibFunction(name);
+}
+
 FileLevelNames::FileLevelNames()
     : textClass(atFileLevel != nullptr ? atFileLevel->textClass : currentClass),
       wasClass(currentClass),

@@ -62,6 +62,9 @@ bool WasInEndedBlock(const std::string& name);
 // The class whose Method is being translated, for bare Field and Method names; null outside.
 extern const ClassInfo* currentClass;
 
+// What is called by the name: a Method of the open Type comes first, as it does in C++. Null when nothing is.
+const Routine* FindCallable(const std::string& name);
+
 // While one lives, names mean what they mean at file level, outside all routines and Types. What is translated
 // still goes to the place of the statement under way, where such a name may be hidden.
 class FileLevelNames {

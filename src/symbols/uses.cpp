@@ -111,12 +111,6 @@ void SubstituteHoles(Statement& statement, const Word& replaced, std::size_t lit
     }
 }
 
-const Routine* FindCallable(const std::string& name) {
-    const Routine* routine = currentClass != nullptr ? FindMethod(*currentClass, name) : nullptr;
-    if (routine == nullptr) routine = FindFunction(name);
-    return routine != nullptr ? routine : FindUserlibFunction(name);
-}
-
 // The value of a Global that has no type yet may be wrong, which is told elsewhere.
 const Variable* FindVariableAnyway(const std::string& name) {
     try {
@@ -139,15 +133,14 @@ const void* MeaningOf(TokenSpan list, std::size_t index) {
 }
 
 bool DeclaresVariable(Keyword keyword) {
-    return keyword == Keyword::Local || keyword == Keyword::Global || keyword == Keyword::Const ||
-           keyword == Keyword::Field || keyword == Keyword::EachSeq;
+    return Has(keyword, trait::variables) || keyword == Keyword::EachSeq;
 }
 
 // Names that are declared here: a wrong declaration must not be taken for a use of another one.
 bool IsNewName(TokenSpan list, std::size_t index) {
     const Keyword keyword = list.KeywordAt(0);
     if (DeclaresVariable(keyword)) return index == 1;
-    if (keyword != Keyword::Function && keyword != Keyword::Method) return false;
+    if (!Has(keyword, trait::routine)) return false;
     return index > 1 && (list.SignAt(index - 1) == '(' || list.SignAt(index - 1) == ',');
 }
 
@@ -177,12 +170,13 @@ void noting::Meaning(const Token* name, const void* meaning) {
     if (index < statement.slots.size()) statement.slots[index].use.meaning = Kept(meaning);
 }
 
-void noting::Declaration(const std::string& name, const void* meaning) {
+void NoteDeclaration(const Variable& variable) {
     if (statements.empty()) return;
     for (Slot& slot : statements.back().slots) {
-        if (slot.use.meaning != nullptr || slot.list[slot.index] != name || IsMember(slot.list, slot.index))
+        if (slot.use.meaning != nullptr || slot.list[slot.index] != variable.name ||
+            IsMember(slot.list, slot.index))
             continue;
-        slot.use.meaning = Kept(meaning);
+        slot.use.meaning = Kept(&variable);
         slot.use.declares = true;
         return;
     }
@@ -192,10 +186,11 @@ void noting::Local(const Variable& variable) {
     NotedLocal& local = notedUses.locals.emplace_back();
     openLocals[&variable] = &local;
     EndLocal(local, variable);
-    Declaration(variable.name, &variable);
+    NoteDeclaration(variable);
 }
 
-void noting::LocalsEnd(const std::vector<Variable*>& variables) {
+void NoteLocalsEnd(const std::vector<Variable*>& variables) {
+    if (openLocals.empty()) return;
     for (const Variable* variable : variables) {
         const auto local = openLocals.find(variable);
         if (local == openLocals.end()) continue;
@@ -204,7 +199,7 @@ void noting::LocalsEnd(const std::vector<Variable*>& variables) {
     }
 }
 
-void noting::AllLocalsEnd() {
+void NoteAllLocalsEnd() {
     for (const auto& [variable, local] : openLocals) EndLocal(*local, *variable);
     openLocals.clear();
 }

@@ -38,38 +38,27 @@ extern NotedUses notedUses;
 
 namespace noting {
 void Meaning(const Token* name, const void* meaning);
-void Declaration(const std::string& name, const void* meaning);
 void Local(const Variable& variable);
-void LocalsEnd(const std::vector<Variable*>& variables);
-void AllLocalsEnd();
 void Type(TokenSpan tokens, const ValueType& type);
 }  // namespace noting
 
 // The name, a window of one token, means this.
-inline void NoteUse(TokenSpan name, const Variable& variable) {
-    if (settings.uses) noting::Meaning(name.first, &variable);
-}
-inline void NoteUse(TokenSpan name, const Routine& routine) {
-    if (settings.uses) noting::Meaning(name.first, &routine);
+template <class Meaning>  // a Variable or Routine
+void NoteUse(TokenSpan name, const Meaning& meaning) {
+    if (settings.uses) noting::Meaning(name.first, &meaning);
 }
 // The value of the tokens has the type.
 inline void NoteType(TokenSpan tokens, const ValueType& type) {
     if (settings.uses) noting::Type(tokens, type);
 }
 // The statement under way declares it.
-inline void NoteDeclaration(const Variable& variable) {
-    if (settings.uses) noting::Declaration(variable.name, &variable);
-}
+void NoteDeclaration(const Variable& variable);
 inline void NoteLocal(const Variable& variable) {
     if (settings.uses) noting::Local(variable);
 }
 // Here their scope ends.
-inline void NoteLocalsEnd(const std::vector<Variable*>& variables) {
-    if (settings.uses) noting::LocalsEnd(variables);
-}
-inline void NoteAllLocalsEnd() {
-    if (settings.uses) noting::AllLocalsEnd();
-}
+void NoteLocalsEnd(const std::vector<Variable*>& variables);
+void NoteAllLocalsEnd();
 
 // While one lives its statement is under way. At its end names that nobody has asked about are looked up as well.
 class StatementUses {

@@ -41,10 +41,7 @@ Words VariablesOf(TokenSpan condition) {
 // A call may End the program.
 bool Calls(TokenSpan statement) {
     for (std::size_t i = 0; i < statement.size(); ++i)
-        if (statement.SignAt(i) == '\\' || FindFunction(statement[i]) != nullptr ||
-            (currentClass != nullptr && FindMethod(*currentClass, statement[i]) != nullptr) ||
-            FindUserlibFunction(statement[i]) != nullptr)
-            return true;
+        if (statement.SignAt(i) == '\\' || FindCallable(statement[i]) != nullptr) return true;
     return false;
 }
 
@@ -96,12 +93,11 @@ void CloseLoop() {
 void WatchLoops(TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     NoteChanges(statement);
-    if (word == Keyword::While || word == Keyword::Repeat || word == Keyword::For ||
-        word == Keyword::EachSeq) {
+    if (Has(word, trait::loop)) {
         loops.emplace_back();
         if (word == Keyword::While) SetCondition(loops.back(), statement.From(1));
         NoteChanges(statement);
-    } else if (Has(word, trait::closesBlock) && word != Keyword::EndSelect && !loops.empty()) {
+    } else if (Has(BlockOf(word), trait::loop) && !loops.empty()) {
         if (word == Keyword::Until) SetCondition(loops.back(), statement.From(1));
         CloseLoop();
     }

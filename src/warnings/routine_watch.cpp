@@ -36,18 +36,13 @@ const PartOfRun partOfRun(watched, declaredAtTop, mentionsInOwnBody);
 
 bool DoesSomething(Keyword word) {
     switch (word) {
-        case Keyword::Case:
-        case Keyword::Default:
-        case Keyword::Else:
-        case Keyword::ElseIf:
-        case Keyword::EndIf:
         case Keyword::Return:  // often written for form's sake behind what never ends
         case Keyword::Exit:
         case Keyword::Continue:
         case Keyword::End:
             return false;
         default:
-            return !Has(word, trait::closesBlock) && !Has(word, trait::declares);
+            return BlockOf(word) == Keyword::None && !Has(word, trait::declares);
     }
 }
 
@@ -63,14 +58,13 @@ void WatchReach(const State& state, TokenSpan statement) {
 // What runs code may be wanted for that alone.
 bool RunsCode(TokenSpan value) {
     return std::any_of(value.first, value.last, [](Token token) {
-        return token->sign == '(' || token->keyword == Keyword::Create || token->keyword == Keyword::New ||
-               token->braced;
+        return token->sign == '(' || Has(token->keyword, trait::creates) || token->braced;
     });
 }
 
 void NoteDeclared(TokenSpan statement, std::vector<Declared>& list) {
     for (const TokenSpan part : statement.From(1).SplitAt(',')) {
-        const std::size_t equals = FindEquals(part);
+        const std::size_t equals = part.FindEquals();
         if (equals == noToken || !RunsCode(part.From(equals + 1)))
             list.push_back({&part.At(0), Kept(part.Slice(0, 1)), "unused-variable"});
     }
@@ -121,7 +115,7 @@ void EndRoutine() {
 void WatchRoutine(const State& state, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     WatchDeclarations(state, statement);
-    if (word == Keyword::Function || word == Keyword::Method) {
+    if (Has(word, trait::routine)) {
         watched = {};
         EndLoops();
         if (word == Keyword::Function) watched.name = &statement.At(1);
@@ -132,7 +126,7 @@ void WatchRoutine(const State& state, TokenSpan statement) {
     WatchReach(state, statement);
     WatchLoops(statement);
     WatchSequences(statement);
-    if (word == Keyword::EndFunction || word == Keyword::EndMethod) EndRoutine();
+    if (Has(BlockOf(word), trait::routine)) EndRoutine();
 }
 
 void WarnOfUnused() {

@@ -1,11 +1,7 @@
 // Slips that a single statement or operator shows.
 #pragma once
 
-#include "symbols/value_type.h"
 #include "warnings/table.h"
-
-// The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
-ValueType TypeOf(TokenSpan place);
 
 // Of statements.
 TokenSpan AssignsTwice(const State& state, TokenSpan statement);

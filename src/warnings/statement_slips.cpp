@@ -44,11 +44,6 @@ TokenSpan MisfitIn(TokenSpan declarations) {
     return {};
 }
 
-bool Declares(Keyword word) {
-    return word == Keyword::Local || word == Keyword::Global || word == Keyword::Const ||
-           word == Keyword::Field;
-}
-
 // A place to assign to: names, members and items, no operator.
 bool IsPlace(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
@@ -67,7 +62,7 @@ struct Counting {
 // For i = start To end [Step step], as far as it is known
 Counting CountingOf(TokenSpan statement) {
     Counting counting;
-    const std::size_t equals = FindEquals(statement), to = statement.Find(Keyword::To);
+    const std::size_t equals = statement.FindEquals(), to = statement.Find(Keyword::To);
     if (equals == noToken || to == noToken || to < equals) return counting;
     const std::size_t step = statement.Find(Keyword::Step, to);
     counting.start = ConstantIn(statement.Slice(equals + 1, to));
@@ -81,8 +76,7 @@ bool IsNegative(TokenSpan tokens) {
     return tokens.SignAt(0) == '-' && tokens.size() == 2 && IsDigit(tokens[1][0]);
 }
 
-}  // namespace
-
+// The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
 ValueType TypeOf(TokenSpan place) {
     const Variable* variable = FindVariable(place[0]);
     ValueType type = variable == nullptr ? ValueType() : variable->type;
@@ -100,12 +94,14 @@ ValueType TypeOf(TokenSpan place) {
     return type;
 }
 
+}  // namespace
+
 // flag = a = b, where a is no Bool that somebody may want to set as well
 TokenSpan AssignsTwice(const State&, TokenSpan statement) {
     if (statement.KeywordAt(0) != Keyword::None) return {};
-    const std::size_t first = FindEquals(statement);
+    const std::size_t first = statement.FindEquals();
     if (first == noToken || first == 0) return {};
-    const std::size_t second = FindEquals(statement, first + 1);
+    const std::size_t second = statement.FindEquals(first + 1);
     const TokenSpan between = statement.Slice(first + 1, second);
     if (second == noToken || !IsPlace(between) || !TypeOf(statement.Slice(0, first)).Is(Base::Bool))
         return {};
@@ -114,8 +110,9 @@ TokenSpan AssignsTwice(const State&, TokenSpan statement) {
 
 // n = n
 TokenSpan AssignsToItself(const State&, TokenSpan statement) {
-    const std::size_t equals = FindEquals(statement);
-    if (equals == noToken || statement.size() != 2 * equals + 1 || Declares(statement.KeywordAt(0)))
+    const std::size_t equals = statement.FindEquals();
+    if (equals == noToken || statement.size() != 2 * equals + 1 ||
+        Has(statement.KeywordAt(0), trait::variables))
         return {};
     const TokenSpan target = statement.Slice(0, equals), value = statement.From(equals + 1);
     const bool same = std::equal(target.first, target.last, value.first);
@@ -126,7 +123,7 @@ TokenSpan AssignsToItself(const State&, TokenSpan statement) {
 
 // Local b:Byte = 300, or b = 300
 TokenSpan ExceedsType(const State&, TokenSpan statement) {
-    if (Declares(statement.KeywordAt(0))) return MisfitIn(statement.From(1));
+    if (Has(statement.KeywordAt(0), trait::variables)) return MisfitIn(statement.From(1));
     if (statement.SignAt(1) != '=' || statement.KeywordAt(0) != Keyword::None) return {};
     const Variable* variable = FindVariable(statement[0]);
     return variable == nullptr ? TokenSpan() : Misfit(variable->type, statement.From(2));
@@ -142,7 +139,7 @@ TokenSpan NamesFileBare(const State&, TokenSpan statement) {
 // Type TPlayer, where there has been one
 TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
-    if ((word != Keyword::Type && word != Keyword::Element) || InRoutine(state)) return {};
+    if (!Has(word, trait::classes) || InRoutine(state)) return {};
     const ClassInfo* first = FindClass(statement[1]);
     if (first == nullptr || statement.size() != 2 || !first->registered) return {};
     const bool isFirst =

@@ -5,7 +5,7 @@
 
 #include "base/report.h"
 #include "base/token_span.h"
-#include "warnings/operations.h"
+#include "expressions/operators.h"
 
 struct State;
 

@@ -25,13 +25,14 @@ void Look(const State& state, TokenSpan statement) {
         const TokenSpan about = row.inStatement(state, statement);
         if (!about.empty()) WarnOf(row, Kept(about));
     }
-    VisitOperations(statement, [](const Operation& operation) {
-        for (const WarningRow& row : AllWarnings()) {
-            if (row.inOperation == nullptr) continue;
-            const TokenSpan about = row.inOperation(operation);
-            if (!about.empty()) WarnOf(row, Kept(about));
-        }
-    });
+}
+
+void LookAtOperation(const Operation& operation) {
+    for (const WarningRow& row : AllWarnings()) {
+        if (row.inOperation == nullptr) continue;
+        const TokenSpan about = row.inOperation(operation);
+        if (!about.empty()) WarnOf(row, Kept(about));
+    }
 }
 
 void Locate(korvel::Diagnostic& warning, const Stop::Subject& about) {
@@ -59,11 +60,15 @@ std::size_t FileNumber(const std::string& file) {
 
 }  // namespace
 
-void BeginWarnings() { watchStatement = settings.warnings ? Look : nullptr; }
+void BeginWarnings() {
+    watchStatement = settings.warnings ? Look : nullptr;
+    watchOperation = settings.warnings ? LookAtOperation : nullptr;
+}
 
 void TellWarnings() {
     if (!settings.warnings) return;
     watchStatement = nullptr;
+    watchOperation = nullptr;
     if (!AnyMistakes()) WarnOfUnused();
     std::vector<korvel::Diagnostic> warnings = SemicolonsBehindPrint();
     for (const Slip& slip : TakeSlips()) {

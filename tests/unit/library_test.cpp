@@ -127,6 +127,21 @@ TEST(Library, TellsWhatAMistakeIsAbout) {
     }
 }
 
+// One word alone may be meant to close the loop, unless it is nearly the name of something else.
+TEST(Library, TellsOfOpenLoopsBesideOtherMistakes) {
+    korvel::Request request = RequestFor("/nowhere/main.kvl");
+    for (const auto& [word, isTold] : {std::pair("Drawn", true), std::pair("Wendd", false)}) {
+        request.overlays = {
+            {request.source, "Function Draw\nEndFunction\nFunction Main\n    Local n:Int = \"x\"\n    " +
+                                 std::string(word) + "\n    While 1 = 1\nEndFunction\n"}};
+        const std::string told = TextOf(korvel::Check(request));
+        EXPECT_EQ(told.find(":6: While loop starting at line 6 is missing 'Wend'") != std::string::npos,
+                  isTold)
+            << told;
+        EXPECT_NE(told.find(":4: Type mismatch"), std::string::npos) << told;
+    }
+}
+
 // Mistakes, the lines and columns of what is declared or opened elsewhere, hints and what is to be written instead.
 TEST(Library, GivesAdvice) {
     korvel::Request request = RequestFor("/nowhere/main.kvl");

@@ -16,9 +16,7 @@ const int attempts = 3;  // to run a program
 
 int RunProgram(Job& job) {
     ProcessRequest request;
-    request.arguments = {job.build.program};
-    request.arguments.insert(request.arguments.end(), job.options.arguments.begin(),
-                             job.options.arguments.end());
+    request.arguments = ProgramCommand(job);
     std::string problem;
     TellFolder(job);
     int status = RunProcess(request, problem);

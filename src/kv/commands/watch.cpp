@@ -56,9 +56,7 @@ private:
 // Runs the program until it ends or a source changes; returns its status.
 int RunUntil(const Job& job, const Watched& watched) {
     ProcessRequest request;
-    request.arguments = {job.build.program};
-    request.arguments.insert(request.arguments.end(), job.options.arguments.begin(),
-                             job.options.arguments.end());
+    request.arguments = ProgramCommand(job);
     request.shallEnd = [&watched] { return watched.HasChanged(); };
     std::string problem;
     const int status = RunProcess(request, problem);

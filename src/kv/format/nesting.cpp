@@ -6,55 +6,15 @@
 
 namespace {
 
-const struct {
-    Keyword closer, opener;
-} closers[] = {
-    {Keyword::EndIf, Keyword::If},
-    {Keyword::Next, Keyword::For},
-    {Keyword::NextSeq, Keyword::EachSeq},
-    {Keyword::Wend, Keyword::While},
-    {Keyword::Until, Keyword::Repeat},
-    {Keyword::Forever, Keyword::Repeat},
-    {Keyword::EndSelect, Keyword::Select},
-    {Keyword::EndWith, Keyword::With},
-    {Keyword::EndFunction, Keyword::Function},
-    {Keyword::EndMethod, Keyword::Method},
-    {Keyword::EndType, Keyword::Type},
-    {Keyword::EndElement, Keyword::Element},
-    {Keyword::EndExtern, Keyword::Extern},
-    {Keyword::EndPreCalc, Keyword::PreCalc},
-};
-
-Keyword OpenerOf(Keyword closer) {
-    for (const auto& row : closers) {
-        if (row.closer == closer) return row.opener;
-    }
-    return Keyword::None;
-}
-
-bool Opens(Keyword keyword) {
-    return std::any_of(std::begin(closers), std::end(closers),
-                       [keyword](const auto& row) { return row.opener == keyword; });
-}
+// What holds no statements that run, or those of a routine.
+bool IsDeclaration(Keyword opener) { return Has(opener, trait::opens) && Has(opener, trait::collected); }
 
 // What stands in no other block; a Method stands in a Type or Element.
-bool IsOutermost(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::Function:
-        case Keyword::Type:
-        case Keyword::Element:
-        case Keyword::Extern:
-        case Keyword::PreCalc:
-            return true;
-        default:
-            return false;
-    }
+bool IsOutermost(Keyword keyword) { return IsDeclaration(keyword) && keyword != Keyword::Method; }
+
+bool Divides(Keyword keyword, Keyword block) {
+    return Has(keyword, trait::divides) && BlockOf(keyword) == block;
 }
-
-bool IsDeclaration(Keyword opener) { return opener == Keyword::Method || IsOutermost(opener); }
-
-bool ContinuesBlock(Keyword keyword) { return keyword == Keyword::Else || keyword == Keyword::ElseIf; }
-bool IsLabel(Keyword keyword) { return keyword == Keyword::Case || keyword == Keyword::Default; }
 
 }  // namespace
 
@@ -62,7 +22,7 @@ std::size_t Nesting::LeftBy(Keyword keyword) const {
     if (IsIn(Keyword::Extern) && keyword != Keyword::EndExtern) return open_.size();
     if (IsOutermost(keyword)) return 0;
     if (keyword == Keyword::Method) return std::min<std::size_t>(open_.size(), 1);
-    const Keyword opener = OpenerOf(keyword);
+    const Keyword opener = Has(keyword, trait::divides) ? Keyword::None : BlockOf(keyword);
     if (opener == Keyword::None) return open_.size();
     const auto found = std::find(open_.rbegin(), open_.rend(), opener);
     if (IsDeclaration(opener)) {
@@ -76,11 +36,11 @@ std::size_t Nesting::LevelOf(TokenSpan firstWords) const {
     const Keyword keyword = OpeningKeyword(firstWords);
     std::size_t left = LeftBy(keyword);
     const bool isInBlock = left > 0 && !IsDeclaration(open_[left - 1]);
-    if (ContinuesBlock(keyword) && isInBlock) --left;
+    if (Divides(keyword, Keyword::If) && isInBlock) --left;
     // The statements of a Select stand one deeper than its labels.
     const auto end = open_.begin() + static_cast<std::ptrdiff_t>(left);
     std::size_t level = left + static_cast<std::size_t>(std::count(open_.begin(), end, Keyword::Select));
-    if (IsLabel(keyword) && left > 0 && open_[left - 1] == Keyword::Select) --level;
+    if (Divides(keyword, Keyword::Select) && left > 0 && open_[left - 1] == Keyword::Select) --level;
     return level;
 }
 
@@ -105,7 +65,7 @@ void Nesting::PassStatement(TokenSpan statement) {
     open_.resize(LeftBy(keyword));
     if (keyword == Keyword::If) {
         PassIf(statement);
-    } else if (Opens(keyword)) {
+    } else if (Has(keyword, trait::opens)) {
         open_.push_back(keyword);
     }
 }

@@ -4,7 +4,7 @@ namespace {
 
 constexpr std::string_view spellings[] = {
     "",
-#define ROW(name, traits) #name,
+#define ROW(name, traits, block) #name,
 #include "base/keywords.inc"
 #undef ROW
 };

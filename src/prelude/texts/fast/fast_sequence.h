@@ -39,47 +39,7 @@ public:
     bool _isDead(const T& v, std::true_type) const { return v == nullptr; }
     bool _isDead(const T&, std::false_type) const { return false; }
     bool _isDead(const T& v) const { return _isDead(v, std::is_pointer<T>()); }
-    void Add(const T& v) { _items.push_back(v); }
-    void InsertAt(int i, const T& v) {
-        if(i < 0) i = 0;
-        if((size_t)i > _items.size()) i = (int)_items.size();
-        _items.insert(_items.begin() + i, v);
-    }
-    void Set(int i, const T& v) { if(i >= 0 && (size_t)i < _items.size()) _items[i] = v; }
-    T Get(int i) { if(i >= 0 && (size_t)i < _items.size()) return _items[i]; return T(); }
-    int Length() { return (int)_items.size(); }
-    void Clear() { _items.clear(); _cursor = 0; }
-    void DeleteAt(int i) { if(i >= 0 && (size_t)i < _items.size()) _items.erase(_items.begin() + i); }
-    void DeleteValue(const T& v) {
-        auto it = std::find(_items.begin(), _items.end(), v);
-        if(it != _items.end()) _items.erase(it);
-    }
-    T First() {
-        for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) { _cursor = i; return _items[i]; }
-        _cursor = _items.size(); return T();
-    }
-    T Last() {
-        for(size_t i = _items.size(); i > 0; i--) if(!_isDead(_items[i-1])) { _cursor = i-1; return _items[i-1]; }
-        _cursor = 0; return T();
-    }
-    T Next() {
-        for(size_t i = _cursor + 1; i < _items.size(); i++) if(!_isDead(_items[i])) { _cursor = i; return _items[i]; }
-        _cursor = _items.size(); return T();
-    }
-    T Before() {
-        for(size_t i = _cursor; i > 0; i--) if(!_isDead(_items[i-1])) { _cursor = i-1; return _items[i-1]; }
-        return T();
-    }
-    // Either end, membership and whole-list operations
-    void AddFirst(const T& v) { _items.insert(_items.begin(), v); }
-    int IsEmpty() { return _items.empty() ? 1 : 0; }
-    int Find(const T& v) { for(size_t i = 0; i < _items.size(); i++) if(_items[i] == v) return (int)i; return -1; }
-    int Contains(const T& v) { return Find(v) >= 0 ? 1 : 0; }
-    T RemoveFirst() { for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) { T v = _items[i]; _items.erase(_items.begin() + i); return v; } return T(); }
-    T RemoveLast() { for(size_t i = _items.size(); i > 0; i--) if(!_isDead(_items[i-1])) { T v = _items[i-1]; _items.erase(_items.begin() + (i-1)); return v; } return T(); }
-    void Reverse() { std::reverse(_items.begin(), _items.end()); }
-    void Swap(KVSeq<T>& other) { _items.swap(other._items); size_t tc = _cursor; _cursor = other._cursor; other._cursor = tc; }
-    std::vector<T> ToArray() { std::vector<T> out; for(size_t i = 0; i < _items.size(); i++) if(!_isDead(_items[i])) out.push_back(_items[i]); return out; }
+#include "prelude/texts/sequence_members.inc"
     template<typename A> void FromArray(const A& arr) { _items.assign(arr.begin(), arr.end()); _cursor = 0; }
     // Sort: the transpiler picks SortNatural (primitives) or SortCompare (Types/Elements)
     void _compactNulls(std::true_type) { _items.erase(std::remove(_items.begin(), _items.end(), (T)nullptr), _items.end()); }

@@ -1,6 +1,0 @@
-// Remove: deletes an object.
-#pragma once
-
-#include "statements/state.h"
-
-void TranslateRemove(State& state, TokenSpan tokens);
