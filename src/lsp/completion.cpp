@@ -4,6 +4,7 @@
 
 #include "lsp/features.h"
 #include "lsp/include_paths.h"
+#include "lsp/kinds.h"
 #include "lsp/snippets.h"
 
 namespace lsp {
@@ -14,26 +15,6 @@ using Kind = korvel::Symbol::Kind;
 
 constexpr int keywordNumber = 14;
 
-// As the protocol numbers them.
-int NumberOf(Kind kind) {
-    switch (kind) {
-        case Kind::Type:
-            return 7;
-        case Kind::Element:
-            return 22;
-        case Kind::Field:
-            return 5;
-        case Kind::Method:
-            return 2;
-        case Kind::Function:
-            return 3;
-        case Kind::Const:
-            return 21;
-        default:
-            return 6;
-    }
-}
-
 constexpr int fileNumber = 17, folderNumber = 19;
 
 class Offer {
@@ -42,8 +23,9 @@ public:
 
     void Add(const korvel::Symbol& symbol) {
         if (!names.insert(symbol.name).second) return;
-        items.push_back(
-            {{"label", symbol.name}, {"kind", NumberOf(symbol.kind)}, {"detail", DeclarationOf(symbol)}});
+        items.push_back({{"label", symbol.name},
+                         {"kind", RowOf(symbol.kind).completion},
+                         {"detail", DeclarationOf(symbol)}});
     }
     void AddFile(const std::string& name) {
         const bool isFolder = name.back() == '/';

@@ -1,5 +1,6 @@
 // What names are, for colours, and the other places of one.
 #include "lsp/features.h"
+#include "lsp/kinds.h"
 #include "lsp/uri.h"
 
 namespace lsp {
@@ -7,26 +8,6 @@ namespace lsp {
 namespace {
 
 using Kind = korvel::Symbol::Kind;
-
-// The place of a kind in TokenTypes.
-int NumberOf(Kind kind) {
-    switch (kind) {
-        case Kind::Type:
-            return 0;
-        case Kind::Element:
-            return 1;
-        case Kind::Field:
-            return 2;
-        case Kind::Method:
-            return 3;
-        case Kind::Function:
-            return 4;
-        case Kind::Parameter:
-            return 6;
-        default:
-            return 5;
-    }
-}
 
 constexpr unsigned declares = 1, isReadOnly = 2;  // bits for TokenModifiers
 
@@ -52,7 +33,7 @@ Json SemanticTokens(Workspace& workspace, const Json& params) {
         const unsigned modifiers =
             (use.declares ? declares : 0U) | (symbol.kind == Kind::Const ? isReadOnly : 0U);
         for (const int number :
-             {use.line - 1 - line, sameLine ? start - unit : start, end - start, NumberOf(symbol.kind)})
+             {use.line - 1 - line, sameLine ? start - unit : start, end - start, RowOf(symbol.kind).token})
             data.push_back(number);
         data.push_back(modifiers);
         line = use.line - 1;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "lsp/features.h"
+#include "lsp/kinds.h"
 #include "lsp/uri.h"
 
 namespace lsp {
@@ -9,32 +10,6 @@ namespace lsp {
 namespace {
 
 using Kind = korvel::Symbol::Kind;
-
-const char* WordOf(Kind kind) {
-    switch (kind) {
-        case Kind::File:
-            return "Include";
-        case Kind::Type:
-            return "Type";
-        case Kind::Element:
-            return "Element";
-        case Kind::Field:
-            return "Field";
-        case Kind::Method:
-            return "Method";
-        case Kind::Function:
-            return "Function";
-        case Kind::Global:
-            return "Global";
-        case Kind::Const:
-            return "Const";
-        case Kind::Local:
-            return "Local";
-        case Kind::Parameter:
-            return "parameter";
-    }
-    return "";
-}
 
 // Without blanks and ";" in front; false where the line is no comment.
 bool TakeComment(std::string_view line, std::string_view& text) {
@@ -75,7 +50,8 @@ std::string PathOfDocument(const Json& params) {
 std::string DeclarationOf(const korvel::Symbol& symbol) {
     const std::string type = symbol.type.empty() ? "" : ":" + symbol.type;
     const std::string quote = symbol.kind == Kind::File ? "\"" : "";
-    return WordOf(symbol.kind) + std::string(" ") + quote + symbol.name + quote + type + symbol.parameters;
+    return RowOf(symbol.kind).word + std::string(" ") + quote + symbol.name + quote + type +
+           symbol.parameters;
 }
 
 Json Hover(Workspace& workspace, const Json& params) {

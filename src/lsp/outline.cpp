@@ -2,34 +2,13 @@
 #include "base/token_span.h"
 #include "lexer/lexer.h"
 #include "lsp/features.h"
+#include "lsp/kinds.h"
 
 namespace lsp {
 
 namespace {
 
 using Kind = korvel::Symbol::Kind;
-
-// As the protocol numbers them.
-int NumberOf(Kind kind) {
-    switch (kind) {
-        case Kind::File:
-            return 1;
-        case Kind::Type:
-            return 5;
-        case Kind::Element:
-            return 23;
-        case Kind::Field:
-            return 8;
-        case Kind::Method:
-            return 6;
-        case Kind::Function:
-            return 12;
-        case Kind::Const:
-            return 14;
-        default:
-            return 13;
-    }
-}
 
 Keyword CloserOf(Kind kind) {
     switch (kind) {
@@ -69,7 +48,7 @@ Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
     Json range = {{"start", {{"line", symbol.line - 1}, {"character", 0}}},
                   {"end", {{"line", last}, {"character", UnitOf(lines.Line(last), std::string::npos)}}}};
     Json entry = {{"name", symbol.name},
-                  {"kind", NumberOf(symbol.kind)},
+                  {"kind", RowOf(symbol.kind).symbol},
                   {"range", range},
                   {"selectionRange", selection}};
     const std::string declaration = DeclarationOf(symbol);
@@ -87,7 +66,7 @@ Json WorkspaceSymbols(Workspace& workspace, const Json& params) {
         for (const korvel::Symbol& symbol : program->inspection.symbols) {
             if (!IsListed(symbol) || Lower(symbol.name).find(wanted) == std::string::npos) continue;
             Json entry = {{"name", symbol.name},
-                          {"kind", NumberOf(symbol.kind)},
+                          {"kind", RowOf(symbol.kind).symbol},
                           {"location", workspace.LocationOf(symbol)}};
             if (!symbol.owner.empty()) entry["containerName"] = symbol.owner;
             entries.push_back(entry);
