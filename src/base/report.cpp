@@ -76,25 +76,25 @@ static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const st
            "\nLine: " + std::to_string(settings.currentLine) + "\n\n";
 }
 
-static Stop StopHere(const std::string& message, const std::vector<UnclosedBlock>& blocks = {}) {
-    const std::string shortened = Shortened(message);
-    Stop stop{MistakesOf(blocks), QuotedHere(blocks, shortened)};
+static Stop StopHere(const Wording& message, const std::vector<UnclosedBlock>& blocks = {}) {
+    Stop stop{MistakesOf(blocks), QuotedHere(blocks, Shortened(message.quoted))};
     stop.openers = OpenersOf(blocks);
-    stop.mistakes.push_back(HereIs(shortened));
+    stop.mistakes.push_back(HereIs(Shortened(message.plain)));
+    stop.mistakes.back().hint = message.hint;
     return stop;
 }
 
-void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks) {
+void ReportFatal(const Wording& message, const std::vector<UnclosedBlock>& blocks) {
     throw StopHere(message, blocks);
 }
 
-static Stop StopHere(const std::string& message, TokenSpan about) {
+static Stop StopHere(const Wording& message, TokenSpan about) {
     Stop stop = StopHere(message);
     stop.subject = {about.first, about.Copy()};
     return stop;
 }
 
-void ReportFatal(const std::string& message, TokenSpan about) { throw StopHere(message, about); }
+void ReportFatal(const Wording& message, TokenSpan about) { throw StopHere(message, about); }
 
 void ReportMissing(const std::string& message, const std::string& lookedFor, TokenSpan about) {
     Stop stop = StopHere(message, about);
@@ -103,19 +103,19 @@ void ReportMissing(const std::string& message, const std::string& lookedFor, Tok
     throw Stop(stop);
 }
 
-void ReportFatal(const std::string& message, TokenSpan about, const Elsewhere& other) {
+void ReportFatal(const Wording& message, TokenSpan about, const Elsewhere& other) {
     Stop stop = StopHere(message, about);
     stop.others.push_back(other);
     throw Stop(stop);
 }
 
-void ReportFatal(const std::string& message, TokenSpan about, Sought sought) {
+void ReportFatal(const Wording& message, TokenSpan about, Sought sought) {
     Stop stop = StopHere(message, about);
     stop.sought = sought;
     throw Stop(stop);
 }
 
-void ReportUnknown(const std::string& message, TokenSpan about, Sought sought, const ClassInfo* owner) {
+void ReportUnknown(const Wording& message, TokenSpan about, Sought sought, const ClassInfo* owner) {
     Stop stop = StopHere(message, about);
     stop.ofUnknown = true;
     stop.sought = sought;

@@ -6,6 +6,7 @@
 
 #include "base/diagnostic.h"
 #include "base/token_span.h"
+#include "base/wording.h"
 
 struct ClassInfo;
 
@@ -61,18 +62,18 @@ struct UnclosedBlock {
 
 // Stops the run at the current line of the current file. Quoted are the open blocks, "Error: " + message, file and
 // line. Very long words are cut.
-[[noreturn]] void ReportFatal(const std::string& message, const std::vector<UnclosedBlock>& blocks = {});
+[[noreturn]] void ReportFatal(const Wording& message, const std::vector<UnclosedBlock>& blocks = {});
 // The same, about these tokens of the statement under way.
-[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about);
-[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about, const Elsewhere& other);
+[[noreturn]] void ReportFatal(const Wording& message, TokenSpan about);
+[[noreturn]] void ReportFatal(const Wording& message, TokenSpan about, const Elsewhere& other);
 // The same about a word that is not known, and used in this way.
-[[noreturn]] void ReportFatal(const std::string& message, TokenSpan about, Sought sought);
+[[noreturn]] void ReportFatal(const Wording& message, TokenSpan about, Sought sought);
 // The same where the blocks are the mistakes and the message only sums them up, with a heading above them.
 [[noreturn]] void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                                    const std::string& message);
 
 // The same where something is not known that a declaration in a file that is read later could tell.
-[[noreturn]] void ReportUnknown(const std::string& message, TokenSpan about, Sought sought = Sought::Nothing,
+[[noreturn]] void ReportUnknown(const Wording& message, TokenSpan about, Sought sought = Sought::Nothing,
                                 const ClassInfo* owner = nullptr);
 // The same for a word at the start of a statement; kvt adds the advice, others find better one.
 [[noreturn]] void ReportUnknownStatement(const std::string& message, TokenSpan about,

@@ -36,7 +36,10 @@ std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) 
 }
 
 std::size_t ReadParameter(TokenSpan tokens, std::size_t at, Parameter& parameter) {
-    if (!IsName(tokens[at])) ReportFatal("Unexpected token in parameter list.");
+    if (!IsName(tokens[at]))
+        ReportFatal("Unexpected token in parameter list." +
+                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
+                    tokens.Slice(at, at + 1));
     parameter.name = tokens[at++];
     parameter.untyped = !Is(tokens[at], ":") && tokens.KeywordAt(at) != Keyword::As;
     if (!parameter.untyped) {
@@ -54,7 +57,10 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
     do {
         at = ReadParameter(tokens, at + 1, routine.parameters.emplace_back());
     } while (Is(tokens[at], ","));
-    if (!Is(tokens[at], ")")) ReportFatal("Unexpected token in parameter list.");
+    if (!Is(tokens[at], ")"))
+        ReportFatal("Unexpected token in parameter list." +
+                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
+                    tokens.Slice(at, at + 1));
     return at + 1;
 }
 
@@ -72,9 +78,9 @@ void SettleDefault(const Routine& routine, Parameter& parameter) {
                           "' must be a number, a text, True, False, Null or a Const",
                       parameter.defaultValue, Sought::Value);
     if (!parameter.untyped && !Assignable(parameter.type, type)) {
-        ReportFatal("Type mismatch: Cannot assign " + CppName(type) + " to " +
-                        ParameterCppName(parameter.type) + " variable '" + parameter.name + "'" +
-                        ConversionHint(parameter.type, type),
+        const Wording expected(ParameterCppName(parameter.type), KorvelName(parameter.type));
+        ReportFatal("Type mismatch: Cannot assign " + InWords(type) + " to " + expected + " variable '" +
+                        parameter.name + "'" + ConversionHint(parameter.type, type),
                     Tokens{parameter.name});
     }
     if (!parameter.untyped) return;
@@ -92,7 +98,10 @@ Routine ParseRoutineHeader(TokenSpan tokens) {
     std::size_t at = ReadResult(tokens, 2, routine);
     at = ReadParameters(tokens, at, routine);
     at = ReadResult(tokens, at, routine);
-    if (at < tokens.size()) ReportFatal("Unexpected token in parameter list.");
+    if (at < tokens.size())
+        ReportFatal("Unexpected token in parameter list." +
+                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
+                    tokens.Slice(at, at + 1));
     return routine;
 }
 

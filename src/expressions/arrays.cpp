@@ -20,7 +20,7 @@ void CheckIndex(const Expr& index, bool isFirst) {
     RequireValue(index);
     if (!index.type.IsKnown() || index.type.Is(Base::Int)) return;
     if (!isFirst && index.type.Is(Base::Double)) return;
-    ReportFatal("Array index must be an integer type, got " + CppName(index.type), index.source);
+    ReportFatal("Array index must be an integer type, got " + InWords(index.type), index.source);
 }
 
 void CheckCount(const Expr& array, const std::string& name, std::size_t indices, bool mayBeRow) {

@@ -11,8 +11,8 @@
 
 namespace {
 
-std::string Spelling(const ValueType& type) {
-    return type.IsArray() ? ParameterCppName(type) : CppName(type);
+Wording InParameter(const ValueType& type) {
+    return {type.IsArray() ? ParameterCppName(type) : CppName(type), KorvelName(type)};
 }
 
 void CheckCount(const std::string& subject, const Routine& routine, std::size_t count) {
@@ -29,9 +29,8 @@ void CheckArgument(const std::string& subject, std::size_t index, const ValueTyp
                    const Expr& argument) {
     RequireValue(argument);
     if (Assignable(type, argument.type)) return;
-    const std::string got = argument.type.IsArray() ? CppName(argument.type) : Spelling(argument.type);
-    ReportFatal(subject + " parameter " + std::to_string(index + 1) + " expects type " + Spelling(type) +
-                    " but got " + got,
+    ReportFatal(subject + " parameter " + std::to_string(index + 1) + " expects type " + InParameter(type) +
+                    " but got " + InWords(argument.type) + Hint{HowToConvert(type, argument.type)},
                 argument.source);
 }
 

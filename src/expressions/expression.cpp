@@ -113,7 +113,9 @@ Expr& ParseUnary(Walk& walk) {
 
 Expr& TranslateExpression(TokenSpan tokens, ExprMode mode) {
     if (settings.verbose) Say(tokens.empty() ? "" : "'" + tokens.Text("', '") + "'");
-    return Translate(tokens, mode);
+    Expr& result = Translate(tokens, mode);
+    if (result.kind != ExprKind::Nothing) About(tokens, [&] { RequireValue(result); });
+    return result;
 }
 
 std::string GetExpressionType(TokenSpan tokens) {

@@ -11,7 +11,7 @@ namespace {
 
 void RequireObject(const Expr& object, const std::string& name) {
     if (object.type.Is(Base::Object) || object.type.Is(Base::Element)) return;
-    ReportFatal("Variable '" + name + "' is type " + CppName(object.type) +
+    ReportFatal("Variable '" + name + "' is type " + InWords(object.type) +
                     ", not a Type/object. Cannot use field accessor '\\'",
                 Tokens{name});
 }

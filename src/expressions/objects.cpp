@@ -100,7 +100,7 @@ Expr& ParseInsert(Walk& walk, const std::string& word) {
 }  // namespace
 
 Expr& ParseCreate(Walk& walk) {
-    if (walk.Done()) ReportFatal("Expected class name after 'Create'");
+    if (walk.Done()) ReportFatal("Expected class name after 'Create'" + Hint{"Write Create TName"});
     const std::string& name = walk.Take();
     const ClassInfo* cls = FindClass(name);
     if (cls == nullptr) {

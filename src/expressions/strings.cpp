@@ -85,10 +85,9 @@ void WriteLiteral(Code& out, const std::string& text, std::size_t from, std::siz
 }
 
 [[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
-    std::string message = std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel +
-                          ") does not match '" + content + "' which is " + CppName(type);
-    if (tag.tag == '$') message += " - use {%" + content + "} or {!" + content + "}";
-    ReportFatal(message);
+    const std::string advice = " - use {%" + content + "} or {!" + content + "}";
+    ReportFatal(std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel + ") does not match '" +
+                content + "' which is " + InWords(type) + (tag.tag == '$' ? advice : ""));
 }
 
 // A variable must be exactly what the tag says; other expressions must be of the right kind.

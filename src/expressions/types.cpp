@@ -83,7 +83,13 @@ void WritePassed(Code& out, const Expr& expr, const ValueType& parameter) {
 }
 
 void RequireValue(const Expr& expr) {
-    if (expr.type.Is(Base::Void)) ReportFatal("A call without a result cannot be used as a value");
+    if (!expr.type.Is(Base::Void)) return;
+    const Routine* routine = RoutineOf(expr);
+    if (routine == nullptr) ReportFatal("This call gives no value", expr.source);
+    ReportFatal("This call gives no value: " + SubjectOf(*routine) + " has no type for its result" +
+                    Hint{"A type behind its name, as in Function " + routine->name +
+                         ":Int, makes Return give a value"},
+                expr.source);
 }
 
 void CheckAssignable(const Expr& target, const Expr& value) {
@@ -100,7 +106,7 @@ void CheckAssignable(const Expr& target, const Expr& value) {
             "        Use a loop to copy elements, or return from a function for deep copy.");
     }
     if (Assignable(target.type, value.type)) return;
-    ReportFatal("Type mismatch: Cannot assign " + CppName(value.type) + " to " + CppName(target.type) +
+    ReportFatal("Type mismatch: Cannot assign " + InWords(value.type) + " to " + InWords(target.type) +
                     " variable '" + target.source.Text("") + "'" + ConversionHint(target.type, value.type),
                 value.source);
 }

@@ -123,7 +123,7 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     }
     const bool chained = right.level == Level::Assignment;
     if (chained && !Assignable(left.type, right.type)) {
-        ReportFatal("Type mismatch: Cannot assign " + CppName(right.type) + " to " + CppName(left.type) +
+        ReportFatal("Type mismatch: Cannot assign " + InWords(right.type) + " to " + InWords(left.type) +
                     " variable '" + target.Text("") +
                     "'\nThe second '=' assigns, too. Put a comparison in parentheses.");
     }

@@ -113,7 +113,9 @@ void EmitAccess(State& state) {
 
 // Type Name | Element Name
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
-    if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration");
+    const char* how = "It begins with a line that holds the word and a name alone: Type TName";
+    if (state.inType) how = "The one before has to end first, with EndType or EndElement";
+    if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration" + Hint{how});
     if (InFunction(state)) ReportFatal("A Type or Element cannot be declared inside a Function");
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);

@@ -35,6 +35,8 @@ struct Parts {
 };
 
 // For [Local] name [: type] = ; returns the index behind the "=".
+const Hint wayToWrite = {"Write For i = 1 To 10, with Step 2 behind it for every other number"};
+
 std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     std::size_t at = 1;
     if (tokens.KeywordAt(at) == Keyword::Local) {
@@ -42,7 +44,7 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
         ++at;
     }
     counter.name = tokens[at++];
-    if (counter.name.empty()) ReportFatal("Expected a loop variable after 'For'");
+    if (counter.name.empty()) ReportFatal("Expected a loop variable after 'For'" + wayToWrite);
     if (Is(tokens[at], ":")) {
         const std::string& type = tokens[at + 1];
         if (type.empty() || type == "=") ReportFatal("Expected type after ':' in For loop");
@@ -51,23 +53,24 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
         counter.declared = counter.typed = true;
         at += 2;
     }
-    if (!Is(tokens[at], "=")) ReportFatal("Expecting assignment operator");
+    if (!Is(tokens[at], "=")) ReportFatal("Expecting assignment operator" + wayToWrite);
     return at + 1;
 }
 
 Parts Cut(TokenSpan tokens, std::size_t at) {
     Parts parts;
     std::size_t to = tokens.Find(Keyword::To, at);
-    if (to == noToken) ReportFatal("Expected 'To' in For loop");
+    if (to == noToken) ReportFatal("Expected 'To' in For loop" + wayToWrite);
     std::size_t step = tokens.Find(Keyword::Step, to);
     parts.stepGiven = step != noToken;
     if (!parts.stepGiven) step = tokens.size();
     parts.start = tokens.Slice(at, to);
     parts.end = tokens.Slice(to + 1, step);
     parts.step = tokens.From(step + 1);
-    if (parts.start.empty()) ReportFatal("Expected a start value in For loop");
-    if (parts.end.empty()) ReportFatal("Expected an end value after 'To' in For loop");
-    if (parts.stepGiven && parts.step.empty()) ReportFatal("Expected a value after 'Step' in For loop");
+    if (parts.start.empty()) ReportFatal("Expected a start value in For loop" + wayToWrite);
+    if (parts.end.empty()) ReportFatal("Expected an end value after 'To' in For loop" + wayToWrite);
+    if (parts.stepGiven && parts.step.empty())
+        ReportFatal("Expected a value after 'Step' in For loop" + wayToWrite);
     return parts;
 }
 

@@ -89,7 +89,8 @@ void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
 }
 
 Declared Read(TokenSpan tokens, DefinitionKind kind) {
-    if (tokens.empty()) ReportFatal("Unexpected end of line");
+    if (tokens.empty())
+        ReportFatal("Unexpected end of line" + Hint{"A name stands here, with its type or value: n:Int = 3"});
     Declared declared;
     declared.name = tokens[0];
     declared.kind = kind;
@@ -102,7 +103,7 @@ bool IsCreation(TokenSpan value) { return Has(value.KeywordAt(0), trait::creates
 
 void CheckCreation(TokenSpan value) {
     if (value.KeywordAt(0) != Keyword::Create) return;
-    if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'");
+    if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'" + Hint{"Write Create TName"});
     if (!IsClass(value[1]))
         ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type",
                     value.Slice(1, 2), Sought::Type);
@@ -110,7 +111,8 @@ void CheckCreation(TokenSpan value) {
 
 void CheckComplete(const Declared& declared) {
     if (declared.hasValue) return;
-    if (declared.kind == DefinitionKind::Const) ReportFatal("Constant must be initialized");
+    if (declared.kind == DefinitionKind::Const)
+        ReportFatal("Constant must be initialized" + Hint{"Write its value behind it: Const MAX = 10"});
     if (!declared.typed)
         ReportFatal(
             "Variable '" + declared.name + "' requires either a type annotation (:Type) or an initial value",
@@ -124,8 +126,6 @@ void InferDeclaredType(Declared& declared, const Expr& value) {
     if (value.type.base == Base::Null)
         ReportFatal("Variable '" + declared.name + "' requires a type annotation (:Type) beside Null",
                     Tokens{declared.name});
-    if (value.type.Is(Base::Void))
-        ReportFatal("The initial value of '" + declared.name + "' has no value", Tokens{declared.name});
 }
 
 void CheckConstType(const Declared& declared) {

@@ -39,6 +39,9 @@ struct EachHeader {
     TokenSpan collection;
 };
 
+const Hint wayToWalk = {
+    "Write For p:TName EachIn TName for all objects of a Type, For n EachIn numbers for items"};
+
 // name [: type] word collection, from index `at` on. The word is EachIn or In.
 EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char* missing) {
     EachHeader header;
@@ -49,9 +52,9 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char
     }
     if (tokens.KeywordAt(at + 1) != word) ReportFatal(missing);
     header.collection = tokens.From(at + 2);
-    if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop");
+    if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop" + wayToWalk);
     for (const Keyword stray : {Keyword::To, Keyword::Step, Keyword::EachIn, Keyword::In})
-        if (header.collection.Find(stray) != noToken) ReportFatal("Unknown end of EachIn loop");
+        if (header.collection.Find(stray) != noToken) ReportFatal("Unknown end of EachIn loop" + wayToWalk);
     return header;
 }
 

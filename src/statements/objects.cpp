@@ -24,7 +24,7 @@ void TranslateRemove(State& state, TokenSpan tokens) {
     const TokenSpan written = tokens.From(1).WithoutParentheses();
     const Expr& object = TranslateExpression(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
-        ReportFatal("Cannot use 'Remove' on primitive type " + CppName(object.type) +
+        ReportFatal("Cannot use 'Remove' on primitive type " + InWords(object.type) +
                     ". Remove only works on objects (custom Types).");
     if (object.type.cls != nullptr) NeedClass(object.type.cls);
     NoteDestruction();

@@ -225,6 +225,12 @@ void BeginMethodPiece(State& state, const Routine& method) {
                 LinesBeforePoll(state, method));
 }
 
+[[noreturn]] void FailNoReturn(const State& state, const Wording& subject) {
+    const Wording result(state.routine.returnType, KorvelName(state.routine.declared->result));
+    ReportFatal(subject + " with return type '" + result + "' must have a Return statement" +
+                Hint{"Return hands the value back: Return 3"});
+}
+
 }  // namespace
 
 void EmitRoutineLeaving(State& state) {
@@ -238,7 +244,9 @@ void EmitRoutineLeaving(State& state) {
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
     if (state.inExtern) return CheckExternParameters(name);
-    if (state.inType || InFunction(state)) ReportFatal("Unexpected 'function' token");
+    if (state.inType || InFunction(state))
+        ReportFatal("Unexpected 'function' token" +
+                    Hint{"Functions stand outside of one another and of Types: close the one before"});
     const bool isMain = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(name, routine, isMain);
@@ -257,8 +265,7 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndFunction");
     if (state.routine.returnType != "void" && !state.routine.isMain && !state.routine.hasReturn)
-        ReportFatal("Function '" + state.routine.name + "' with return type '" + state.routine.returnType +
-                    "' must have a Return statement");
+        FailNoReturn(state, "Function '" + state.routine.name + "'");
     if (state.routine.isMain) CloseMain(state);
     CloseRoutine(state);
     BeginPiece(*state.out, Piece::Kind::Lines);
@@ -266,7 +273,9 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
 
 // Method Name [: Type] [( parameters )] [: Type]
 void TranslateMethod(State& state, TokenSpan tokens) {
-    if (!state.inType || InMethod(state)) ReportFatal("Unexpected 'method' token");
+    if (!state.inType || InMethod(state))
+        ReportFatal("Unexpected 'method' token" +
+                    Hint{"Methods stand in a Type or Element, each behind the EndMethod of the one before"});
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);
@@ -283,12 +292,10 @@ void TranslateMethod(State& state, TokenSpan tokens) {
 void TranslateEndMethod(State& state, TokenSpan tokens) {
     if (state.inExtern && state.inType) return;
     if (!state.inType || !InMethod(state) || !state.routine.openParts.empty())
-        ReportFatal("unexpected 'endmethod' token");
+        ReportFatal("unexpected 'endmethod' token" + Hint{"No Method is open here"});
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndMethod");
-    if (state.routine.returnType != "void" && !state.routine.hasReturn)
-        ReportFatal("Method with return type '" + state.routine.returnType +
-                    "' must have a Return statement");
+    if (state.routine.returnType != "void" && !state.routine.hasReturn) FailNoReturn(state, "Method");
     CloseRoutine(state);
     currentClass = nullptr;
     BeginPiece(*state.out, Piece::Kind::ClassLines, state.cls);

@@ -80,7 +80,9 @@ void ReadStatements(State& state, const std::string& source) {
     }
     NoteOpened(state, opened);
     settings.currentLine = lines.Line();
-    if (lines.InlineCppOpen()) ReportFatal("No EndInlinePHP, unexpected end of file.");
+    if (lines.InlineCppOpen())
+        ReportFatal("No EndInlinePHP, unexpected end of file." +
+                    Hint{"The C++ that InlineCpp begins ends with a line that holds EndInlineCpp alone"});
 }
 
 void RunSecondPass(State& state, const std::string& source) {

@@ -53,14 +53,18 @@ void TranslateContinue(State& state, TokenSpan tokens) {
 
 // public | private
 void TranslateAccess(State& state, TokenSpan tokens) {
-    if (!state.inType) ReportFatal("unexpected '" + tokens[0] + "' keyword.", tokens.Slice(0, 1));
+    if (!state.inType)
+        ReportFatal("unexpected '" + tokens[0] + "' keyword." +
+                        Hint{"It stands in a Type, before Fields and Methods"},
+                    tokens.Slice(0, 1));
     RefuseMore(tokens, 1);
     state.access = tokens[0];
 }
 
 // Extern
 void TranslateExtern(State& state, TokenSpan tokens) {
-    if (state.inExtern) ReportFatal("Extern already declared");
+    if (state.inExtern)
+        ReportFatal("Extern already declared" + Hint{"The Extern before has to end first, with EndExtern"});
     RefuseMore(tokens, 1);
     state.inExtern = true;
     state.externLine = state.place.line;
@@ -68,7 +72,7 @@ void TranslateExtern(State& state, TokenSpan tokens) {
 
 // EndExtern
 void TranslateEndExtern(State& state, TokenSpan tokens) {
-    if (!state.inExtern) ReportFatal("Prior Extern not declared");
+    if (!state.inExtern) ReportFatal("Prior Extern not declared" + Hint{"No Extern is open here"});
     RefuseMore(tokens, 1);
     state.inExtern = false;
 }

@@ -58,8 +58,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
             ReportFatal("With requires a variable that holds an object, not an expression");
     }
     if (!type.Is(Base::Object) && !type.Is(Base::Element)) {
-        const std::string message = "With requires an object (a Type or Element), but '" + Spelling(object) +
-                                    "' is " + (unknownName ? "" : CppName(type));
+        const Wording message = "With requires an object (a Type or Element), but '" + Spelling(object) +
+                                "' is " + (unknownName ? Wording("") : InWords(type));
         if (unknownName) ReportUnknown(message, object);
         ReportFatal(message, object);
     }

@@ -22,7 +22,7 @@ const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keywo
 }
 
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {
-    ReportFatal("Type mismatch: Cannot assign " + CppName(from) + " to " + CppName(to) + " variable '" +
+    ReportFatal("Type mismatch: Cannot assign " + InWords(from) + " to " + InWords(to) + " variable '" +
                     variable + "'" + ConversionHint(to, from),
                 value);
 }

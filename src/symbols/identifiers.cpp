@@ -78,7 +78,9 @@ bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.coun
 bool IsReservedKeyword(const std::string& name) { return wordLists.reservedKeywords.count(Lower(name)) != 0; }
 
 static void FailCppWord(const std::string& name) {
-    ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier", Tokens{name});
+    ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier" +
+                    Hint{"C++ keeps this name for itself; '" + name + "_' would do"},
+                Tokens{name});
 }
 
 void CheckCppWord(const std::string& name) {

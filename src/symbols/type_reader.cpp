@@ -67,7 +67,8 @@ void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
     note.end = at;
     while (Is(tokens[note.end], "[")) {
         const std::size_t close = tokens.Matching(note.end);
-        if (close == noToken) ReportFatal("Array declaration missing closing bracket ]");
+        if (close == noToken)
+            ReportFatal("Array declaration missing closing bracket ]" + Hint{"Write Local a:Int[10]"});
         note.sizes.push_back(tokens.Inside(note.end).Text());
         if (++note.type.dims > mostDimensions)
             ReportFatal("Arrays cannot have more than " + std::to_string(mostDimensions) +

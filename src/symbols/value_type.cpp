@@ -197,11 +197,15 @@ bool Assignable(const ValueType& to, const ValueType& from) {
     }
 }
 
-std::string ConversionHint(const ValueType& to, const ValueType& from) {
-    if (to.Is(Base::String) && from.IsNumber())
-        return "\nUse ToString(...) to turn the number into a String.";
+std::string HowToConvert(const ValueType& to, const ValueType& from) {
+    if (to.Is(Base::String) && from.IsNumber()) return "Use ToString(...) to turn the number into a String.";
     if (!from.Is(Base::String)) return {};
-    if (to.Is(Base::Double)) return "\nUse ToDouble(...) to turn the String into a number.";
-    if (to.IsNumber()) return "\nUse ToInt(...) to turn the String into a number.";
+    if (to.Is(Base::Double)) return "Use ToDouble(...) to turn the String into a number.";
+    if (to.IsNumber()) return "Use ToInt(...) to turn the String into a number.";
     return {};
+}
+
+std::string ConversionHint(const ValueType& to, const ValueType& from) {
+    const std::string how = HowToConvert(to, from);
+    return how.empty() ? how : "\n" + how;
 }

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "base/wording.h"
+
 struct ClassInfo;
 
 enum class Base : unsigned char {
@@ -51,8 +53,11 @@ std::string CppName(const ValueType& type);
 std::string ParameterCppName(const ValueType& type);
 std::string ResultCppName(const ValueType& type);
 
-// The spelling a Korvel programmer uses, for second lines of messages: "Int", "TPlayer", "Sequence Of Int".
+// The spelling a Korvel programmer uses: "Int", "TPlayer", "Sequence Of Int".
 std::string KorvelName(const ValueType& type);
+
+// A type in a message that is quoted with C++ types.
+inline Wording InWords(const ValueType& type) { return {CppName(type), KorvelName(type)}; }
 
 // Whether the name is that of a type of the language: Int, String ...
 bool IsBasicType(const std::string& name);
@@ -75,5 +80,6 @@ std::string DefaultValue(const std::string& cppType);
 // Whether a value of type `from` may be assigned to, passed to or returned as `to`.
 bool Assignable(const ValueType& to, const ValueType& from);
 
-// The second line of a mismatch message ("\nUse ToString(...) ..."), or empty when there is no advice.
+// What turns one into the other ("Use ToString(...) ..."), empty where nothing does; and as the second line of a message.
+std::string HowToConvert(const ValueType& to, const ValueType& from);
 std::string ConversionHint(const ValueType& to, const ValueType& from);
