@@ -113,7 +113,11 @@ Expr& ParseUnary(Walk& walk) {
 
 Expr& TranslateExpression(TokenSpan tokens, ExprMode mode) {
     if (settings.verbose) Say(tokens.empty() ? "" : "'" + tokens.Text("', '") + "'");
-    Expr& result = Translate(tokens, mode);
+    return Translate(tokens, mode);
+}
+
+Expr& TranslateValue(TokenSpan tokens, ExprMode mode) {
+    Expr& result = TranslateExpression(tokens, mode);
     if (result.kind != ExprKind::Nothing) About(tokens, [&] { RequireValue(result); });
     return result;
 }

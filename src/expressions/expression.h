@@ -16,6 +16,8 @@ enum class ExprMode : unsigned char {
 // The tree of all tokens as one expression. Whatever is wrong ends the run. A token that begins with
 // "//" ends the expression. No tokens give an empty text of type Void. The tree lasts until the statement ends.
 Expr& TranslateExpression(TokenSpan tokens, ExprMode mode);
+// The same; calls that give no value are refused.
+Expr& TranslateValue(TokenSpan tokens, ExprMode mode);
 
 // Appends the text of an expression, and the text where a value is wanted: an Element behind a pointer is
 // dereferenced.

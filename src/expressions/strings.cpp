@@ -107,7 +107,7 @@ Expr& ParseHole(const StringPiece& hole) {
     if (hole.content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
     const DepthGuard guard;
     ShowSplit(hole.content);
-    Expr& value = TranslateExpression(hole.tokens, ExprMode::Condition);
+    Expr& value = TranslateValue(hole.tokens, ExprMode::Condition);
     CheckTag(tag, hole.content, value);
     return value;
 }

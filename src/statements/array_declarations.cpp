@@ -43,7 +43,7 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
         ReportFatal("Array declaration missing closing bracket ]\nEach dimension of array '" + array.name +
                         "' needs brackets of its own, like [3][4]",
                     Tokens{array.name});
-    const Expr& size = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& size = TranslateValue(tokens, ExprMode::Condition);
     const std::optional<ConstantValue> constant = ConstantOf(size);
     const std::optional<long long> known = IntegerOf(constant);
     if (known) CheckKnownSize(*known);

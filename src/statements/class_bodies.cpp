@@ -113,9 +113,12 @@ void EmitAccess(State& state) {
 
 // Type Name | Element Name
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
-    const char* how = "It begins with a line that holds the word and a name alone: Type TName";
-    if (state.inType) how = "The one before has to end first, with EndType or EndElement";
-    if (tokens.size() != 2 || state.inType) ReportFatal("Obscure type declaration" + Hint{how});
+    if (state.inType)
+        ReportFatal("Obscure type declaration" +
+                    Hint{"The one before has to end first, with EndType or EndElement"});
+    if (tokens.size() != 2)
+        ReportFatal("Obscure type declaration" +
+                    Hint{"It begins with the word and a name, alone: Type TName"});
     if (InFunction(state)) ReportFatal("A Type or Element cannot be declared inside a Function");
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);

@@ -75,7 +75,7 @@ Parts Cut(TokenSpan tokens, std::size_t at) {
 }
 
 const Expr& Number(TokenSpan tokens, const char* what) {
-    const Expr& expr = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& expr = TranslateValue(tokens, ExprMode::Condition);
     if (expr.type.IsKnown() && !expr.type.IsNumber())
         ReportFatal(std::string("The ") + what + " of a For loop must be a number, got " +
                     KorvelName(expr.type));
@@ -92,7 +92,7 @@ ValueType CounterType(const Expr& start, TokenSpan end, TokenSpan step) {
 
 void CheckDeclaredCounter(Counter& counter) {
     const Token name(counter.name);
-    const Expr& target = TranslateExpression(TokenSpan(&name, &name + 1), ExprMode::Statement);
+    const Expr& target = TranslateValue(TokenSpan(&name, &name + 1), ExprMode::Statement);
     if (target.isConst)
         ReportFatal("Cannot assign to const variable '" + counter.name + "'", Tokens{counter.name});
     if (!target.assignable && target.type.IsKnown())

@@ -315,7 +315,8 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     definition.cppName = CppNameOf(state, declared, tokens);
     if (declared.hasValue) NoteValueType(declared.value);
     const Expr none;
-    const Expr& value = declared.hasValue ? TranslateExpression(declared.value, ExprMode::Condition) : none;
+    const auto translate = declared.typed ? TranslateExpression : TranslateValue;
+    const Expr& value = declared.hasValue ? translate(declared.value, ExprMode::Condition) : none;
     if (declared.hasValue) InferDeclaredType(declared, value);
     CheckConstType(declared);
     NeedTypeComplete(declared);

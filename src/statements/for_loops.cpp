@@ -98,7 +98,7 @@ bool RowsCopy(const State& state, const Expr& table) {
 
 Collection CollectionOf(const State& state, TokenSpan tokens) {
     if (const ClassInfo* cls = NamedClass(tokens)) return InstancesOf(*cls);
-    const Expr& expr = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& expr = TranslateValue(tokens, ExprMode::Condition);
     CheckWalkable(expr);
     Collection collection;
     collection.text = WalkableText(expr);
@@ -246,7 +246,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
         ReportFatal("Expected 'EachSeq item In seq'");
     const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
     if (noVariable) ReportUnknown(noSequence, tokens.From(3));
-    const Expr& sequence = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    const Expr& sequence = TranslateValue(tokens.From(3), ExprMode::Condition);
     if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence, tokens.From(3));
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);

@@ -22,7 +22,7 @@ bool StandsInAList(Keyword word) {
 void TranslateRemove(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected variable name after 'Remove'");
     const TokenSpan written = tokens.From(1).WithoutParentheses();
-    const Expr& object = TranslateExpression(written, ExprMode::Statement);
+    const Expr& object = TranslateValue(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
         ReportFatal("Cannot use 'Remove' on primitive type " + InWords(object.type) +
                     ". Remove only works on objects (custom Types).");

@@ -18,7 +18,7 @@ const char* LineEnd() { return settings.fastMode ? " << '\\n';" : " << std::endl
 // number, not a character.
 bool WriteItem(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode mode) {
     if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
-    const Expr& item = TranslateExpression(tokens, mode);
+    const Expr& item = TranslateValue(tokens, mode);
     if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
         ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
     if (item.type.Is(Base::Null)) {
@@ -79,7 +79,7 @@ InputTarget TargetOf(TokenSpan tokens) {
         if (variable != nullptr && variable->isConst)
             ReportFatal("Cannot assign to const variable '" + target.name + "'", Tokens{target.name});
     }
-    const Expr& expr = TranslateExpression(tokens, ExprMode::Statement);
+    const Expr& expr = TranslateValue(tokens, ExprMode::Statement);
     if (!expr.assignable && expr.type.IsKnown())
         ReportFatal("Input needs a variable after the comma, '" + target.name + "' cannot be assigned to",
                     Tokens{target.name});

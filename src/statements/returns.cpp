@@ -142,7 +142,7 @@ void ReturnNothing(State& state, const ValueType& result) {
 }
 
 void ReturnValue(State& state, const ValueType& result, TokenSpan tokens) {
-    const Expr& value = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& value = TranslateValue(tokens, ExprMode::Condition);
     CheckValue(state, result, value);
     const bool before = IsWorkedOutBefore(state, value);
     const bool introducesNames = before || IsCopied(value);

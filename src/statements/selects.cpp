@@ -83,7 +83,7 @@ std::string Spelling(TokenSpan tokens) {
 // Checks one label and gives its C++ text.
 Code LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
-    const Expr& label = TranslateExpression(tokens, ExprMode::Statement);
+    const Expr& label = TranslateValue(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
     std::optional<ConstantValue> value = ConstantOf(label);
     if (!value) {
@@ -113,7 +113,7 @@ void CompleteSwitch(State& state, const OpenSelect& select) {
 // Select value
 void TranslateSelect(State& state, TokenSpan tokens) {
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Select'");
-    const Expr& subject = TranslateExpression(tokens.From(1), ExprMode::Statement);
+    const Expr& subject = TranslateValue(tokens.From(1), ExprMode::Statement);
     auto opened = std::make_unique<OpenSelect>();
     OpenSelect& select = *opened;
     select.subject = subject.type;

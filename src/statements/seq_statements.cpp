@@ -78,7 +78,7 @@ const Row& RowOf(const std::string& keyword) {
 
 Expr& Translated(TokenSpan tokens, const Row& row) {
     if (tokens.empty()) ReportFatal(row.expects);
-    return TranslateExpression(tokens, ExprMode::Condition);
+    return TranslateValue(tokens, ExprMode::Condition);
 }
 
 Expr& SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keyword) {

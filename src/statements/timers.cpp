@@ -64,7 +64,7 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
         ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'",
                     tokens.Slice(2, 3));
     const std::string& name = tokens[1];
-    const Expr& interval = TranslateExpression(tokens.From(3), ExprMode::Condition);
+    const Expr& interval = TranslateValue(tokens.From(3), ExprMode::Condition);
     if (interval.kind == ExprKind::Nothing)
         ReportFatal("AutoCall needs an interval in milliseconds, e.g. AutoCall " + name + " Every 1000");
     if (interval.type.IsKnown() && !interval.type.IsNumber())

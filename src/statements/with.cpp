@@ -52,7 +52,7 @@ void TranslateWith(State& state, TokenSpan tokens) {
     const bool unknownName =
         object.size() == 1 && FindVariable(object[0]) == nullptr && object[0]->keyword != Keyword::This;
     if (!unknownName) {
-        const Expr& expr = TranslateExpression(object, ExprMode::Statement);
+        const Expr& expr = TranslateValue(object, ExprMode::Statement);
         type = expr.type;
         if (!expr.assignable && object[0]->keyword != Keyword::This && type.IsKnown() && !expr.isConst)
             ReportFatal("With requires a variable that holds an object, not an expression");

@@ -10,7 +10,7 @@ void RefuseMore(TokenSpan tokens, std::size_t from) {
 
 const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keyword) {
     if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
-    const Expr& condition = TranslateExpression(tokens, ExprMode::Condition);
+    const Expr& condition = TranslateValue(tokens, ExprMode::Condition);
     const ValueType& type = condition.type;
     bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer);
     if (!fits)
@@ -22,9 +22,10 @@ const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keywo
 }
 
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {
-    ReportFatal("Type mismatch: Cannot assign " + InWords(from) + " to " + InWords(to) + " variable '" +
-                    variable + "'" + ConversionHint(to, from),
-                value);
+    Wording message = "Type mismatch: Cannot assign " + InWords(from) + " to " + InWords(to) + " variable '" +
+                      variable + "'" + ConversionHint(to, from);
+    if (from.Is(Base::Void)) message.plain = "This call gives no value to assign to '" + variable + "'";
+    ReportFatal(message, value);
 }
 
 Code ConditionText(TokenSpan tokens, const std::string& keyword) {
