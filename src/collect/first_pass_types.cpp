@@ -146,9 +146,8 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
     ClassInfo& open = pass.open;
     if (open.routines.count(name) != 0) {
-        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name +
-                        DeclaredFirst(name, pass.out.source, open.routines[name].line),
-                    Tokens{name});
+        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name, Tokens{name},
+                    MemberOf(open, pass.out.source, name));
     }
     RefuseMemberName(pass, name);
     Routine method = ParseRoutineHeader(tokens);

@@ -204,8 +204,7 @@ Variable& AddVarToScopeList(const std::string& name, const std::string& cppName)
     const bool recorded = !visible.empty() || IsRecordedOutside(name);
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
-    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size())
-        FailDeclaredTwice(name, visible.back().variable->line);
+    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
     Variable& variable = Record(name, cppName, recorded, visible);
     NoteLocal(variable);
     return variable;
