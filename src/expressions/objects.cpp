@@ -38,6 +38,7 @@ const ClassInfo* ParseTypeName(Walk& walk, const std::string& word) {
 
 void RequireObject(const Expr& expr, const std::string& word) {
     if (!expr.type.IsKnown()) return;
+    RequireValue(expr);
     if (!expr.type.Is(Base::Object)) {
         ReportFatal("'" + word + "' expects an object of a Type but got " + KorvelName(expr.type),
                     Tokens{word});

@@ -54,6 +54,7 @@ void RequireSequence(const Expr& expr, const std::string& name) {
         if (expr.type.base == Base::Element) NeedClass(expr.type.cls);
         return;
     }
+    RequireValue(expr);
     ReportFatal("'" + name + "' requires a Sequence argument, got " + KorvelName(expr.type), expr.source);
 }
 
@@ -70,6 +71,7 @@ void CheckValue(const Expr& sequence, const Expr& value, const std::string& name
 }
 
 void CheckIndex(const Expr& index, const std::string& name) {
+    RequireValue(index);
     if (index.type.IsKnown() && !index.type.IsNumber()) {
         ReportFatal("'" + name + "' expects a number as index but got " + KorvelName(index.type),
                     index.source);

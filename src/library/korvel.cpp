@@ -13,7 +13,6 @@
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/write_program.h"
-#include "library/foreign_words.h"
 #include "library/inspect.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
@@ -22,6 +21,7 @@
 #include "prelude/header.h"
 #include "statements/program.h"
 #include "symbols/file_places.h"
+#include "symbols/foreign_words.h"
 #include "symbols/mistakes.h"
 #include "symbols/symbols.h"
 
@@ -109,8 +109,8 @@ Result Run(const Request& request, const Task& task) {
     } catch (const std::bad_alloc&) {
         result.diagnostics.emplace_back().message = "Not enough memory";
     }
-    for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
     for (Diagnostic& diagnostic : result.diagnostics) HintAtForeignWords(diagnostic);
+    for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
     SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
     result.missing = symbols.missingFiles;

@@ -24,7 +24,9 @@ const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keywo
 void FailMismatch(const ValueType& from, const ValueType& to, const std::string& variable, TokenSpan value) {
     Wording message = "Type mismatch: Cannot assign " + InWords(from) + " to " + InWords(to) + " variable '" +
                       variable + "'" + ConversionHint(to, from);
-    if (from.Is(Base::Void)) message.plain = "This call gives no value to assign to '" + variable + "'";
+    if (from.Is(Base::Void))
+        message.plain =
+            "This call gives no value to assign to '" + variable + "': it has no type for its result";
     ReportFatal(message, value);
 }
 

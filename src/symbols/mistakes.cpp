@@ -11,6 +11,7 @@
 #include "base/settings.h"
 #include "lexer/mentions.h"
 #include "lexer/token_places.h"
+#include "symbols/foreign_words.h"
 #include "symbols/identifiers.h"
 #include "symbols/misspelling.h"
 #include "symbols/scopes.h"
@@ -120,6 +121,8 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
     LocateLast(mistakes[blocks], stop, statement);
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
+    const TokenSpan meant(stop.subject.tokens);
+    if (meant.empty() || !IsDeclared(meant[0])) HintAtForeignWords(mistakes[blocks]);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "library/foreign_words.h"
+#include "symbols/foreign_words.h"
 
 #include <algorithm>
 #include <string_view>
@@ -72,11 +72,23 @@ const ForeignRow meantRows[] = {
     {"rnd rand random randint", "Random numbers come from a formula of your own, or from C++"},
 };
 
-// Where a line begins with them, and something behind them is wrong.
-const ForeignRow beginnings[] = {
-    {"exit", "Exit stands alone; Return leaves a Function"},
-    {"select", "Write Select n, without Case"},
-    {"' # / //", "A comment begins with ';'"},
+// Where a line begins with them, something behind them is wrong, and one of the words follows, if any are given.
+struct BeginningRow {
+    const char* words;
+    const char* next;
+    const char* hint;
+};
+const BeginningRow beginnings[] = {
+    {"exit", "", "Exit stands alone; Return leaves a Function"},
+    {"select", "case", "Write Select n, without Case"},
+    {"' # / //", "", "A comment begins with ';'"},
+};
+
+// Anywhere in a line that is wrong as a whole.
+const ForeignRow insideRows[] = {
+    {"extends implements inherits",
+     "Types do not inherit from one another: give this one a Field of the other, Field base:TOther"},
+    {"abstract final static virtual override", "Methods and Types are written without such words"},
 };
 
 const std::unordered_map<std::string_view, const char*>& MeantWords() {
@@ -159,8 +171,13 @@ const char* HintFor(std::string_view line, std::string_view meant) {
     if (const char* hint = HintAtSign(tokens, meant)) return hint;
     const std::string first = tokens.empty() ? "" : Lower(tokens[0]->text);
     if (first != word && !first.empty())
-        for (const ForeignRow& row : beginnings)
-            if (IsAmong(row.words, first)) return row.hint;
+        for (const BeginningRow& row : beginnings)
+            if (IsAmong(row.words, first) && (*row.next == '\0' || IsAmong(row.next, Lower(tokens[1]->text))))
+                return row.hint;
+    if (first == word)
+        for (const Token token : tokens)
+            for (const ForeignRow& row : insideRows)
+                if (IsAmong(row.words, Lower(token->text))) return row.hint;
     const auto found = MeantWords().find(word);
     return found == MeantWords().end() ? nullptr : found->second;
 }
