@@ -29,6 +29,7 @@ enum class Severity : unsigned char { Error, Warning, Note };
 struct Diagnostic : Range {
     Severity severity = Severity::Error;
     std::string message;
+    std::string quoted;  // the message as kvt has it, where that names types of C++
     std::string hint;  // what may help; mostly empty
     std::string name;  // of a warning, by which it is silenced
     std::vector<Related> related;

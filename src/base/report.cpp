@@ -80,6 +80,7 @@ static Stop StopHere(const Wording& message, const std::vector<UnclosedBlock>& b
     Stop stop{MistakesOf(blocks), QuotedHere(blocks, Shortened(message.quoted))};
     stop.openers = OpenersOf(blocks);
     stop.mistakes.push_back(HereIs(Shortened(message.plain)));
+    if (message.quoted != message.plain) stop.mistakes.back().quoted = Shortened(message.quoted);
     stop.mistakes.back().hint = message.hint;
     return stop;
 }

@@ -108,6 +108,10 @@ bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == 
 
 }  // namespace
 
+static bool BeginsStatement(Keyword word) {
+    return word == Keyword::Print || word == Keyword::Return || word == Keyword::Exit || word == Keyword::Continue;
+}
+
 void FailUnexpected(const Walk& walk) {
     const std::string before = walk.at == 0 ? "" : walk.tokens[walk.at - 1];
     if (walk.Done())
@@ -119,7 +123,9 @@ void FailUnexpected(const Walk& walk) {
                         before + " 1'",
                     walk.tokens.Slice(walk.at - 1, walk.at + 1));
     }
-    ReportFatal("Unexpected '" + token + "' in an expression", walk.tokens.Slice(walk.at, walk.at + 1));
+    Wording message = "Unexpected '" + token + "' in an expression";
+    if (BeginsStatement(walk.PeekKeyword())) message = message + Hint{"Behind a condition stands Then: If n = 1 Then Print n"};
+    ReportFatal(message, walk.tokens.Slice(walk.at, walk.at + 1));
 }
 
 namespace {

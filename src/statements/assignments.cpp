@@ -158,7 +158,8 @@ void TranslateCall(State& state, TokenSpan tokens) {
     }
     Code& line = FreshLine();
     if (!TranslateCallStatement(tokens, line))
-        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement");
+        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement" +
+                    Hint{"A statement does something with it: n = 3, Print n, Draw(n)"});
     line += ';';
     EmitLine(state, line);
 }

@@ -35,7 +35,7 @@ void TranslateEnd(State& state, TokenSpan tokens) {
 // Exit
 //     break;
 void TranslateExit(State& state, TokenSpan tokens) {
-    if (!CanBreak(state)) ReportFatal("'Exit' can only be used inside a loop or Select block");
+    if (!CanBreak(state)) ReportFatal("'Exit' can only be used inside a loop or Select block" + Hint{"Return leaves a Function"});
     RefuseMore(tokens, 1);
     EmitLine(state, "break;");
     NoteBreak(state);
@@ -44,7 +44,7 @@ void TranslateExit(State& state, TokenSpan tokens) {
 // Continue
 //     continue;
 void TranslateContinue(State& state, TokenSpan tokens) {
-    if (!CanContinue(state)) ReportFatal("'Continue' can only be used inside a For loop");
+    if (!CanContinue(state)) ReportFatal("'Continue' can only be used inside a For loop" + Hint{"If ... EndIf leaves out the rest of another one"});
     RefuseMore(tokens, 1);
     NoteContinue(state);
     EmitLine(state, "continue;");

@@ -39,7 +39,7 @@ const ForeignRow meantRows[] = {
     {"boolean logical", "The type of True and False is called Bool"},
     {"str text char string$", "The type of texts is called String; ToString(n) makes a text of a number"},
     {"val cint int(", "ToInt(s) makes a whole number of a text, ToDouble(s) one with a point"},
-    {"try catch except throw raise finally",
+    {"try catch except throw raise finally on",
      "There are no exceptions: ask beforehand, or return a value that tells what went wrong"},
     {"redim resize append",
      "An array keeps its size. A Sequence grows: Local s:Sequence Of Int, and SeqAdd s, 3"},
@@ -49,7 +49,14 @@ const ForeignRow meantRows[] = {
      "Write Type TName ... EndType for objects, Element TName ... EndElement for values"},
     {"nil none nothing nullptr undefined", "No object is called Null"},
     {"is isnot", "Compare with = and <>"},
-    {"println printf echo write writeln puts cout console", "Write Print \"n is \" & n"},
+    {"xor", "Write a BitXor b between numbers, a <> b between conditions"},
+    {"div", "Between whole numbers '/' gives a whole number: 7 / 2 is 3"},
+    {"inc incr dec decr swap", "Write the assignments out: n = n + 1"},
+    {"iif", "Write If a = b Then n = 1 Else n = 2"},
+    {"lambda", "Write a Function of its own, and call it by its name"},
+    {"shared byval byref",
+     "Globals are seen everywhere; objects, arrays and Sequences are handed over themselves, the rest as copies"},
+    {"println printf echo write writeln puts cout console system", "Write Print \"n is \" & n"},
     {"input", "Write Input \"Name? \", name"},
     {"call", "Write the Function's name alone: Draw()"},
     {"delete dispose free", "An object goes with Remove p"},
@@ -62,14 +69,16 @@ const ForeignRow meantRows[] = {
     {"pass", "A block may be empty"},
     {"data read restore", "Put the values into an array or a Sequence, or compute them in a PreCalc block"},
     {"option strict", "All names have to be declared anyway; leave the line out"},
-    {"using namespace package module", "Write Include \"file.kvl\" for other files"},
+    {"using namespace package module from", "Write Include \"file.kvl\" for other files"},
     {"#include", "Write Include \"file.kvl\" for other files"},
     {"cls locate color sleep wait delay",
      "There is no such statement; C++ can do it between InlineCpp and EndInlineCpp"},
     {"len length strlen left right mid substr substring instr ucase lcase upper lower trim ltrim rtrim "
      "replace split",
      "Functions for texts come with Include \"std/text.kvl\": Length, Left, Mid, Find, Upper, Split ..."},
-    {"rnd rand random randint", "Random numbers come from a formula of your own, or from C++"},
+    {"rnd rand random randint randomize", "Random numbers come with Include \"std/random.kvl\""},
+    {"open close eof", "Functions for files come with Include \"std/files.kvl\""},
+    {"timer time$ date$ ticks", "Functions for time come with Include \"std/time.kvl\""},
 };
 
 // Where a line begins with them, something behind them is wrong, and one of the words follows, if any are given.
@@ -81,6 +90,8 @@ struct BeginningRow {
 const BeginningRow beginnings[] = {
     {"exit", "", "Exit stands alone; Return leaves a Function"},
     {"select", "case", "Write Select n, without Case"},
+    {"for", "(", "Write For i = 0 To 9, what to do, and Next"},
+    {"line", "input", "Write Input \"Name? \", name"},
     {"' # / //", "", "A comment begins with ';'"},
 };
 
@@ -146,7 +157,7 @@ const char* HintAtQuotes(std::string_view line, std::string_view meant) {
         line.find("\xE2\x80\x99") != std::string_view::npos)
         return "Texts stand between straight quotes: \"text\"";
     if (line.find("\\\"") != std::string_view::npos) return "A quote in a text is written ~q: \"say ~qhi~q\"";
-    return meant == "'" && line.find_first_not_of(" \t") != line.find('\'')
+    return (meant == "'" || meant[0] == '`') && line.find_first_not_of(" \t") != line.find('\'')
                ? "Texts stand between double quotes: \"text\""
                : nullptr;
 }
@@ -157,6 +168,16 @@ const char* HintAtSign(TokenSpan tokens, std::string_view meant) {
     while (at < tokens.size() && tokens[at] != meant) ++at;
     if (meant == ":" && tokens.SignAt(at + 1) == '=') return "An assignment is written with '=' alone: n = 3";
     if (meant == ":") return "Statements in one line stand apart by '|'";
+    const char before = at == 0 ? '\0' : tokens.SignAt(at - 1);
+    if (meant == "*" && before == '*') return "Write Pow(a, b) for a power";
+    if ((meant == "<" || meant == ">") && before == meant[0]) return "Write a Shl b and a Shr b";
+    if (Has(tokens.KeywordAt(0), trait::names)) {
+        if (meant == "(") return "An array has its size in brackets: Local a:Int[10]";
+        if (meant == "[" || meant == "{") return "An array gets its values one by one: a[0] = 3";
+    }
+    if (tokens.SignAt(at + 1) == '$' && IsNameText(meant)) return "Names have no '$' at their end: Chr(65)";
+    if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X" || (meant == "&" && at == 1))
+        return "Hexadecimal numbers begin with '$': $FF";
     if (meant == "," && tokens.KeywordAt(0) == Keyword::Print)
         return "Print joins with '&': Print a & \" \" & b";
     const bool isSuffix = meant.size() == 1 && std::string_view("$#%!").find(meant) != std::string_view::npos;
@@ -174,6 +195,8 @@ const char* HintFor(std::string_view line, std::string_view meant) {
         for (const BeginningRow& row : beginnings)
             if (IsAmong(row.words, first) && (*row.next == '\0' || IsAmong(row.next, Lower(tokens[1]->text))))
                 return row.hint;
+    if (first == word && IsAmong("string int double bool byte short long", word))
+        return "The type stands behind the name: Local s:String";
     if (first == word)
         for (const Token token : tokens)
             for (const ForeignRow& row : insideRows)

@@ -247,8 +247,8 @@ bool SaysTheSame(const korvel::Diagnostic& said, const Case& test) {
     if (wanted.rfind("ERROR: ", 0) == 0) wanted.erase(0, 7);
     const std::size_t hole = wanted.find("{main}");
     if (hole != std::string::npos) wanted.replace(hole, 6, "/nowhere/" + test.mainFile);
-    return said.message == wanted ||
-           said.message + "\nDid you mean '" == wanted.substr(0, said.message.size() + 15);
+    const std::string& quoted = said.quoted.empty() ? said.message : said.quoted;
+    return quoted == wanted || quoted + "\nDid you mean '" == wanted.substr(0, quoted.size() + 15);
 }
 
 // Programs with one mistake in the cases: what follows from it must not be told.
