@@ -30,8 +30,8 @@ struct Diagnostic : Range {
     Severity severity = Severity::Error;
     std::string message;
     std::string quoted;  // the message as kvt has it, where that names types of C++
-    std::string hint;  // what may help; mostly empty
-    std::string name;  // of a warning, by which it is silenced
+    std::string hint;    // what may help; mostly empty
+    std::string name;    // of a warning, by which it is silenced
     std::vector<Related> related;
     std::vector<Fix> fixes;  // all of them together; only where they are likely to be what was meant
 };

@@ -109,7 +109,8 @@ bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == 
 }  // namespace
 
 static bool BeginsStatement(Keyword word) {
-    return word == Keyword::Print || word == Keyword::Return || word == Keyword::Exit || word == Keyword::Continue;
+    return word == Keyword::Print || word == Keyword::Return || word == Keyword::Exit ||
+           word == Keyword::Continue;
 }
 
 void FailUnexpected(const Walk& walk) {
@@ -124,7 +125,8 @@ void FailUnexpected(const Walk& walk) {
                     walk.tokens.Slice(walk.at - 1, walk.at + 1));
     }
     Wording message = "Unexpected '" + token + "' in an expression";
-    if (BeginsStatement(walk.PeekKeyword())) message = message + Hint{"Behind a condition stands Then: If n = 1 Then Print n"};
+    if (BeginsStatement(walk.PeekKeyword()))
+        message = message + Hint{"Behind a condition stands Then: If n = 1 Then Print n"};
     ReportFatal(message, walk.tokens.Slice(walk.at, walk.at + 1));
 }
 

@@ -35,7 +35,9 @@ void TranslateEnd(State& state, TokenSpan tokens) {
 // Exit
 //     break;
 void TranslateExit(State& state, TokenSpan tokens) {
-    if (!CanBreak(state)) ReportFatal("'Exit' can only be used inside a loop or Select block" + Hint{"Return leaves a Function"});
+    if (!CanBreak(state))
+        ReportFatal("'Exit' can only be used inside a loop or Select block" +
+                    Hint{"Return leaves a Function"});
     RefuseMore(tokens, 1);
     EmitLine(state, "break;");
     NoteBreak(state);
@@ -44,7 +46,9 @@ void TranslateExit(State& state, TokenSpan tokens) {
 // Continue
 //     continue;
 void TranslateContinue(State& state, TokenSpan tokens) {
-    if (!CanContinue(state)) ReportFatal("'Continue' can only be used inside a For loop" + Hint{"If ... EndIf leaves out the rest of another one"});
+    if (!CanContinue(state))
+        ReportFatal("'Continue' can only be used inside a For loop" +
+                    Hint{"It goes on with the next round of the innermost loop; there is none here"});
     RefuseMore(tokens, 1);
     NoteContinue(state);
     EmitLine(state, "continue;");

@@ -8,6 +8,7 @@
 #include "base/source_reader.h"
 #include "base/token_span.h"
 #include "lexer/lexer.h"
+#include "symbols/name_characters.h"
 
 namespace {
 
@@ -55,7 +56,8 @@ const ForeignRow meantRows[] = {
     {"iif", "Write If a = b Then n = 1 Else n = 2"},
     {"lambda", "Write a Function of its own, and call it by its name"},
     {"shared byval byref",
-     "Globals are seen everywhere; objects, arrays and Sequences are handed over themselves, the rest as copies"},
+     "Globals are seen everywhere; objects, arrays and Sequences are handed over themselves, the rest as "
+     "copies"},
     {"println printf echo write writeln puts cout console system", "Write Print \"n is \" & n"},
     {"input", "Write Input \"Name? \", name"},
     {"call", "Write the Function's name alone: Draw()"},
@@ -157,7 +159,7 @@ const char* HintAtQuotes(std::string_view line, std::string_view meant) {
         line.find("\xE2\x80\x99") != std::string_view::npos)
         return "Texts stand between straight quotes: \"text\"";
     if (line.find("\\\"") != std::string_view::npos) return "A quote in a text is written ~q: \"say ~qhi~q\"";
-    return (meant == "'" || meant[0] == '`') && line.find_first_not_of(" \t") != line.find('\'')
+    return (meant == "'" || meant.substr(0, 1) == "`") && line.find_first_not_of(" \t") != line.find('\'')
                ? "Texts stand between double quotes: \"text\""
                : nullptr;
 }
@@ -193,7 +195,7 @@ const char* HintFor(std::string_view line, std::string_view meant) {
     const std::string first = tokens.empty() ? "" : Lower(tokens[0]->text);
     if (first != word && !first.empty())
         for (const BeginningRow& row : beginnings)
-            if (IsAmong(row.words, first) && (*row.next == '\0' || IsAmong(row.next, Lower(tokens[1]->text))))
+            if (IsAmong(row.words, first) && (*row.next == '\0' || IsAmong(row.next, Lower(TokenSpan(tokens)[1]))))
                 return row.hint;
     if (first == word && IsAmong("string int double bool byte short long", word))
         return "The type stands behind the name: Local s:String";

@@ -115,8 +115,8 @@ TEST(Translations, ArriveAsTheyWere) {
     result.sources = {"/my games/a.kvl", "b\nc"};
     result.linkerFlags = {"-L\"/x y\"", ""};
     result.diagnostics = {
-        {{"a.kvl", 3, 5, 7}, korvel::Severity::Error, "first\n  second", "hint", "", {}, {}},
-        {{}, korvel::Severity::Warning, "odd", "", "odd-one", {}, {}}};
+        {{"a.kvl", 3, 5, 7}, korvel::Severity::Error, "first\n  second", "", "hint", "", {}, {}},
+        {{}, korvel::Severity::Warning, "odd", "", "", "odd-one", {}, {}}};
     result.diagnostics[0].related = {{{"b.kvl", 1, 2, 3}, "declared here"}};
     result.diagnostics[0].fixes = {{{"a.kvl", 3, 5, 4}, "Then "}, {{"a.kvl", 3, 6, 7}, ""}};
     const std::string packed = PackTranslation(result);
