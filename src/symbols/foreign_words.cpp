@@ -59,7 +59,7 @@ const ForeignRow meantRows[] = {
      "Globals are seen everywhere; objects, arrays and Sequences are handed over themselves, the rest as "
      "copies"},
     {"println printf echo write writeln puts cout console system", "Write Print \"n is \" & n"},
-    {"input", "Write Input \"Name? \", name"},
+    {"input line", "Write Input \"Name? \", name"},
     {"call", "Write the Function's name alone: Draw()"},
     {"delete dispose free", "An object goes with Remove p"},
     {"foreach", "Write For p:TPlayer EachIn list, or EachSeq n In s"},
@@ -93,7 +93,6 @@ const BeginningRow beginnings[] = {
     {"exit", "", "Exit stands alone; Return leaves a Function"},
     {"select", "case", "Write Select n, without Case"},
     {"for", "(", "Write For i = 0 To 9, what to do, and Next"},
-    {"line", "input", "Write Input \"Name? \", name"},
     {"' # / //", "", "A comment begins with ';'"},
 };
 
@@ -170,15 +169,16 @@ const char* HintAtSign(TokenSpan tokens, std::string_view meant) {
     while (at < tokens.size() && tokens[at] != meant) ++at;
     if (meant == ":" && tokens.SignAt(at + 1) == '=') return "An assignment is written with '=' alone: n = 3";
     if (meant == ":") return "Statements in one line stand apart by '|'";
-    const char before = at == 0 ? '\0' : tokens.SignAt(at - 1);
-    if (meant == "*" && before == '*') return "Write Pow(a, b) for a power";
-    if ((meant == "<" || meant == ">") && before == meant[0]) return "Write a Shl b and a Shr b";
+    if (meant.size() == 1 && tokens.SignAt(at + 1) == meant[0]) {
+        if (meant == "*") return "Write Pow(a, b) for a power";
+        if (meant == "<" || meant == ">") return "Write a Shl b and a Shr b";
+    }
     if (Has(tokens.KeywordAt(0), trait::names)) {
         if (meant == "(") return "An array has its size in brackets: Local a:Int[10]";
         if (meant == "[" || meant == "{") return "An array gets its values one by one: a[0] = 3";
     }
     if (tokens.SignAt(at + 1) == '$' && IsNameText(meant)) return "Names have no '$' at their end: Chr(65)";
-    if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X" || (meant == "&" && at == 1))
+    if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X")
         return "Hexadecimal numbers begin with '$': $FF";
     if (meant == "," && tokens.KeywordAt(0) == Keyword::Print)
         return "Print joins with '&': Print a & \" \" & b";
@@ -195,7 +195,8 @@ const char* HintFor(std::string_view line, std::string_view meant) {
     const std::string first = tokens.empty() ? "" : Lower(tokens[0]->text);
     if (first != word && !first.empty())
         for (const BeginningRow& row : beginnings)
-            if (IsAmong(row.words, first) && (*row.next == '\0' || IsAmong(row.next, Lower(TokenSpan(tokens)[1]))))
+            if (IsAmong(row.words, first) &&
+                (*row.next == '\0' || IsAmong(row.next, Lower(TokenSpan(tokens)[1]))))
                 return row.hint;
     if (first == word && IsAmong("string int double bool byte short long", word))
         return "The type stands behind the name: Local s:String";
