@@ -152,7 +152,8 @@ void TranslateTypeOpener(State& state, TokenSpan tokens) {
 void TranslateEndClass(State& state, TokenSpan tokens) {
     const std::string closer = tokens.KeywordAt(0) == Keyword::EndType ? "EndType" : "EndElement";
     if (!state.inType || !state.routine.openParts.empty())
-        ReportFatal("Unexpected '" + closer + "' token.", Tokens{closer});
+        ReportFatal("Unexpected '" + closer + "' token." + Hint{"No Type or Element is open here"},
+                    Tokens{closer});
     if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
     if (state.inExtern) {
         EmitBlankForTrace(state);
