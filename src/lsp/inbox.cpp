@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "base/text.h"
+#include "lexer/lexer.h"
 
 namespace {
 
 constexpr std::size_t longest = std::size_t{1} << 29, piece = std::size_t{1} << 16;
-constexpr int deepest = 100;  // of values in one another
-const std::string_view lengthField = "Content-Length:";
+constexpr int deepest = 100;                             // of values in one another
+const std::string_view lengthField = "content-length:";  // in any letter case
 
 // Without its end of line. False at the end of the stream.
 bool ReadHeadLine(std::FILE* from, std::string& line) {
@@ -55,7 +56,8 @@ std::string MethodOf(const Json& message) {
 bool ReadMessage(std::FILE* from, std::string& text) {
     std::size_t length = 0;
     for (std::string line; ReadHeadLine(from, line);) {
-        if (StartsWith(line, lengthField)) length = std::strtoull(&line[lengthField.size()], nullptr, 10);
+        if (StartsWith(Lower(line), lengthField))
+            length = std::strtoull(&line[lengthField.size()], nullptr, 10);
         if (!line.empty() || length == 0) continue;
         if (length <= longest) return ReadBody(from, length, text);
         length = 0;

@@ -1,5 +1,6 @@
 // Where a name is declared and used, and giving it another one.
 #include <algorithm>
+#include <tuple>
 
 #include "base/text.h"
 #include "lsp/features.h"
@@ -11,15 +12,43 @@ namespace {
 
 using Kind = korvel::Symbol::Kind;
 
-std::size_t NumberOf(const Spot& spot, const korvel::Symbol& symbol) {
-    return static_cast<std::size_t>(&symbol - spot.program->inspection.symbols.data());
+// A name in one of the programs that know it.
+struct Meaning {
+    const Program* program = nullptr;
+    const korvel::Symbol* symbol = nullptr;
+};
+
+// Files may belong to several programs: the name in all open ones that have its declaration.
+std::vector<Meaning> MeaningsOf(Workspace& workspace, const Spot& spot, const korvel::Symbol& symbol) {
+    const std::string file = NormalPath(symbol.file);
+    std::vector<Meaning> meanings = {{spot.program, &symbol}};
+    for (const Program* program : workspace.OpenPrograms()) {
+        for (const korvel::Symbol& other : program->inspection.symbols) {
+            const bool isSame = other.kind == symbol.kind && other.name == symbol.name &&
+                                other.line == symbol.line && other.firstColumn == symbol.firstColumn;
+            if (isSame && program != spot.program && NormalPath(other.file) == file)
+                meanings.push_back({program, &other});
+        }
+    }
+    return meanings;
 }
 
-std::vector<korvel::Use> UsesOf(const Spot& spot, const korvel::Symbol& symbol) {
-    const std::size_t number = NumberOf(spot, symbol);
+// In the order of their places, each once.
+std::vector<korvel::Use> UsesOf(const std::vector<Meaning>& meanings) {
     std::vector<korvel::Use> uses;
-    for (const korvel::Use& use : spot.program->inspection.uses)
-        if (use.symbol == number) uses.push_back(use);
+    for (const auto& [program, symbol] : meanings) {
+        const korvel::Inspection& inspection = program->inspection;
+        for (const korvel::Use& use : inspection.uses) {
+            if (&inspection.symbols[use.symbol] != symbol) continue;
+            uses.push_back(use);
+            uses.back().file = NormalPath(use.file);
+        }
+    }
+    const auto placeOf = [](const korvel::Use& use) { return std::tie(use.file, use.line, use.firstColumn); };
+    const auto isBefore = [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); };
+    const auto isSame = [&](const auto& a, const auto& b) { return placeOf(a) == placeOf(b); };
+    std::sort(uses.begin(), uses.end(), isBefore);
+    uses.erase(std::unique(uses.begin(), uses.end(), isSame), uses.end());
     return uses;
 }
 
@@ -66,8 +95,7 @@ const korvel::Symbol& RenamedAt(const Workspace& workspace, const Spot& spot) {
 }
 
 // Every name has to mean what it meant: the renamed program is looked at as a whole.
-void CheckRenamed(const Spot& spot, const korvel::Request& request, const std::string& name) {
-    const korvel::Inspection& before = spot.program->inspection;
+void CheckRenamed(const korvel::Inspection& before, const korvel::Request& request, const std::string& name) {
     const korvel::Inspection after = korvel::Inspect(request);
     if (CountMistakes(after.result) > CountMistakes(before.result)) {
         const std::string said = CountMistakes(before.result) == 0 ? ": " + FirstMistake(after.result) : "";
@@ -96,7 +124,7 @@ Json References(Workspace& workspace, const Json& params) {
     if (symbol == nullptr) return locations;
     const bool declarations =
         params.contains("context") && params["context"].value("includeDeclaration", true);
-    for (const korvel::Use& use : UsesOf(spot, *symbol))
+    for (const korvel::Use& use : UsesOf(MeaningsOf(workspace, spot, *symbol)))
         if (declarations || !use.declares) locations.push_back(workspace.LocationOf(use));
     return locations;
 }
@@ -110,19 +138,21 @@ Json PrepareRename(Workspace& workspace, const Json& params) {
 Json Rename(Workspace& workspace, const Json& params) {
     const std::string name = params.at("newName").get<std::string>();
     const Spot spot = workspace.SpotOf(params);
-    const korvel::Symbol symbol = RenamedAt(workspace, spot);
+    const std::vector<Meaning> meanings = MeaningsOf(workspace, spot, RenamedAt(workspace, spot));
     const bool isWord = !name.empty() && std::all_of(name.begin(), name.end(), IsOfWord);
     if (!isWord) throw Refusal("'" + name + "' is no name");
     UsesByFile files;
     Json changes = Json::object();
-    for (const korvel::Use& use : UsesOf(spot, *SymbolAt(spot))) {
+    for (const korvel::Use& use : UsesOf(meanings)) {
         files[use.file].push_back(use);
         changes[workspace.UriOf(use.file)].push_back({{"range", workspace.RangeOf(use)}, {"newText", name}});
     }
-    korvel::Request request = workspace.RequestFor(spot.program->main);
-    for (const auto& [file, uses] : files)
-        request.overlays.push_back({file, Renamed(workspace.LinesOf(file), uses, name)});
-    CheckRenamed(spot, request, name);
+    for (const Meaning& meaning : meanings) {
+        korvel::Request request = workspace.RequestFor(meaning.program->main);
+        for (const auto& [file, uses] : files)
+            request.overlays.push_back({file, Renamed(workspace.LinesOf(file), uses, name)});
+        CheckRenamed(meaning.program->inspection, request, name);
+    }
     return {{"changes", changes}};
 }
 

@@ -1,8 +1,12 @@
 // What a file declares.
+#include <set>
+#include <tuple>
+
 #include "base/token_span.h"
 #include "lexer/lexer.h"
 #include "lsp/features.h"
 #include "lsp/kinds.h"
+#include "lsp/uri.h"
 
 namespace lsp {
 
@@ -62,9 +66,11 @@ Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
 Json WorkspaceSymbols(Workspace& workspace, const Json& params) {
     const std::string wanted = Lower(params.at("query").get<std::string>());
     Json entries = Json::array();
+    std::set<std::tuple<std::string, int, std::string>> known;  // a file may belong to several programs
     for (const Program* program : workspace.OpenPrograms()) {
         for (const korvel::Symbol& symbol : program->inspection.symbols) {
             if (!IsListed(symbol) || Lower(symbol.name).find(wanted) == std::string::npos) continue;
+            if (!known.emplace(NormalPath(symbol.file), symbol.line, symbol.name).second) continue;
             Json entry = {{"name", symbol.name},
                           {"kind", RowOf(symbol.kind).symbol},
                           {"location", workspace.LocationOf(symbol)}};

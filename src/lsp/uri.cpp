@@ -54,5 +54,6 @@ std::string UriOfPath(const std::string& path) {
 std::string NormalPath(const std::string& path) {
     if (path.empty()) return path;
     std::error_code ignored;
-    return GenericTextOf(std::filesystem::absolute(PathOf(path), ignored).lexically_normal());
+    const std::filesystem::path normal = std::filesystem::absolute(PathOf(path), ignored).lexically_normal();
+    return GenericTextOf(normal.has_filename() ? normal : normal.parent_path());
 }

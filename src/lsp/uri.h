@@ -7,5 +7,5 @@
 std::string PathOfUri(const std::string& uri);
 std::string UriOfPath(const std::string& path);
 
-// One spelling for each path: absolute, without "." and "..".
+// One spelling for each path: absolute, without "." and "..", and without "/" at the end of a folder.
 std::string NormalPath(const std::string& path);

@@ -26,7 +26,7 @@ std::size_t OffsetOf(const Lines& lines, const Json& position) {
 
 std::string Changed(const Lines& lines, const Json& change) {
     const std::string& text = change.at("text").get_ref<const std::string&>();
-    if (!change.contains("range")) return text;
+    if (change.value("range", Json()).is_null()) return text;
     const std::size_t start = OffsetOf(lines, change["range"].at("start"));
     const std::size_t end = std::max(start, OffsetOf(lines, change["range"].at("end")));
     return lines.Text().substr(0, start) + text + lines.Text().substr(end);

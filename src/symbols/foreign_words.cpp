@@ -73,14 +73,16 @@ const ForeignRow meantRows[] = {
     {"option strict", "All names have to be declared anyway; leave the line out"},
     {"using namespace package module from", "Write Include \"file.kvl\" for other files"},
     {"#include", "Write Include \"file.kvl\" for other files"},
-    {"cls locate color sleep wait delay",
-     "There is no such statement; C++ can do it between InlineCpp and EndInlineCpp"},
+    {"cls locate color inkey$ getkey",
+     "Functions for the terminal come with Include \"std/terminal.kvl\": TerminalClear, TerminalAt, "
+     "TerminalColour, WaitKey ..."},
     {"len length strlen left right mid substr substring instr ucase lcase upper lower trim ltrim rtrim "
      "replace split",
      "Functions for texts come with Include \"std/text.kvl\": Length, Left, Mid, Find, Upper, Split ..."},
     {"rnd rand random randint randomize", "Random numbers come with Include \"std/random.kvl\""},
     {"open close eof", "Functions for files come with Include \"std/files.kvl\""},
-    {"timer time$ date$ ticks", "Functions for time come with Include \"std/time.kvl\""},
+    {"timer time$ date$ ticks sleep wait delay",
+     "Functions for time come with Include \"std/time.kvl\": Milliseconds, TimeNow, TimeFormat, Sleep ..."},
 };
 
 // Where a line begins with them, something behind them is wrong, and one of the words follows, if any are given.

@@ -146,7 +146,10 @@ check('other places', 4, #ask('documentHighlight', at(11, 19)))
 edit(12, 'EndFunction')
 vim.api.nvim_buf_set_lines(0, 12, -1, false, {})
 
--- Other names.
+-- Other names, in all programs that are open.
+write('second.kvl', 'Include "lib/ball.kvl"\nFunction Main\n    Local ball = Create TBall\n    ball\\Move(1)\nEndFunction\n')
+local second = open('second.kvl')
+vim.api.nvim_set_current_buf(game)
 check('a clash', true, ask('rename', at(10, 6, { newName = 'score' })):match('^the program would be wrong') ~= nil)
 check('a capture', "'n' means something else where the name is used",
     (function()
@@ -156,6 +159,7 @@ check('a capture', "'n' means something else where the name is used",
 check('no name', "'a b' is no name", ask('rename', at(10, 6, { newName = 'a b' })))
 vim.lsp.util.apply_workspace_edit(ask('rename', at(10, 12, { newName = 'Schübe' })), 'utf-16')
 check('renamed here', '    ball\\Schübe(Twice(score))', vim.api.nvim_buf_get_lines(game, 9, 10, false)[1])
+check('renamed in the other program', '    ball\\Schübe(1)', vim.api.nvim_buf_get_lines(second, 3, 4, false)[1])
 local ball = open('lib/ball.kvl')
 check('renamed there', '    Method Schübe(by:Int)', vim.api.nvim_buf_get_lines(ball, 2, 3, false)[1])
 
