@@ -3,6 +3,8 @@
 #include <tuple>
 
 #include "base/text.h"
+#include "base/token_span.h"
+#include "lexer/lexer.h"
 #include "lsp/features.h"
 #include "lsp/uri.h"
 
@@ -87,6 +89,35 @@ void RefuseForeign(const Workspace& workspace, const korvel::Symbol& symbol) {
     if (symbol.kind == Kind::File) throw Refusal("files are renamed outside of their texts");
 }
 
+// Whether the declaration stands in a block that tells of functions of C.
+bool IsExtern(const Lines& lines, const korvel::Symbol& symbol) {
+    Lexer lexer;
+    for (int i = symbol.line - 2; i >= 0; --i) {
+        lexer.Cut(lines.Line(i));
+        const Keyword word = TokenSpan(lexer.tokens).KeywordAt(0);
+        if (word == Keyword::Extern || word == Keyword::EndExtern) return word == Keyword::Extern;
+    }
+    return false;
+}
+
+bool HasWord(std::string_view text, const std::string& word) {
+    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+        const std::size_t end = at + word.size();
+        if (end == text.size() || !IsOfWord(text[end])) return true;
+    }
+    return false;
+}
+
+// C++ knows the name, too, and is not looked at.
+void RefuseInCpp(Workspace& workspace, const Meaning& meaning) {
+    const korvel::Symbol& symbol = *meaning.symbol;
+    if (symbol.kind == Kind::Function && IsExtern(workspace.LinesOf(symbol.file), symbol))
+        throw Refusal("'" + symbol.name + "' is the name of a function of C");
+    for (const std::string& source : meaning.program->inspection.result.sources)
+        if (HasWord(workspace.LinesOf(source).Text(), "KVL_" + symbol.name))
+            throw Refusal("inline C++ uses '" + symbol.name + "', as KVL_" + symbol.name);
+}
+
 const korvel::Symbol& RenamedAt(const Workspace& workspace, const Spot& spot) {
     const korvel::Symbol* symbol = SymbolAt(spot);
     if (symbol == nullptr) throw Refusal("there is no name here that the program declares");
@@ -148,6 +179,7 @@ Json Rename(Workspace& workspace, const Json& params) {
         changes[workspace.UriOf(use.file)].push_back({{"range", workspace.RangeOf(use)}, {"newText", name}});
     }
     for (const Meaning& meaning : meanings) {
+        RefuseInCpp(workspace, meaning);
         korvel::Request request = workspace.RequestFor(meaning.program->main);
         for (const auto& [file, uses] : files)
             request.overlays.push_back({file, Renamed(workspace.LinesOf(file), uses, name)});

@@ -147,8 +147,10 @@ edit(12, 'EndFunction')
 vim.api.nvim_buf_set_lines(0, 12, -1, false, {})
 
 -- Other names, in all programs that are open.
-write('second.kvl', 'Include "lib/ball.kvl"\nFunction Main\n    Local ball = Create TBall\n    ball\\Move(1)\nEndFunction\n')
+write('second.kvl', 'Include "lib/ball.kvl"\nFunction Main\n    Local ball = Create TBall\n    ball\\Move(1)\n'
+    .. '    InlineCpp\n    KVL_ball->KVL_x = 1;\n    EndInlineCpp\nEndFunction\n')
 local second = open('second.kvl')
+check('a name in C++', "inline C++ uses 'ball', as KVL_ball", ask('rename', at(3, 12, { newName = 'other' })))
 vim.api.nvim_set_current_buf(game)
 check('a clash', true, ask('rename', at(10, 6, { newName = 'score' })):match('^the program would be wrong') ~= nil)
 check('a capture', "'n' means something else where the name is used",
