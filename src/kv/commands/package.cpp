@@ -101,6 +101,8 @@ bool Pack(const Job& job, const fs::path& folder, const fs::path& target) {
 }
 
 bool Package(const Job& job) {
+    // Before it is seen what is there: another kv may be packing into the same place.
+    const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
     const fs::path target = TargetOf(job);
     const std::string shown = ShortPath(TextOf(target), job.typedFolder);
     std::error_code failed;
@@ -108,7 +110,6 @@ bool Package(const Job& job) {
     const fs::file_status status = fs::symlink_status(target, failed);
     if (fs::exists(status) && !(isArchive && fs::is_regular_file(status)))
         return Refuse(shown + " is there already; remove it, or name another place with -o");
-    const FileLock lock(job.build.lock, Progress("Waiting for another kv").Ticks());
     const fs::path packing = isArchive ? PathOf(job.build.folder) / "package" : target;
     if (isArchive) fs::remove_all(packing, failed);
     const fs::path folder = isArchive ? packing / PathOf(ProgramName(job.source)) : target;
