@@ -14,10 +14,15 @@ bool Calculates(char sign) {
     return sign == '+' || sign == '-' || sign == '*' || sign == '/' || sign == '^' || sign == '&';
 }
 
+// The first of the three tokens of 1e-3.
+bool AwaitsExponent(const std::string& token) {
+    return IsDigit(token[0]) && (token.back() == 'e' || token.back() == 'E');
+}
+
 // A sign between two operands. The first word of a statement may be called with what follows: "Move -1".
 bool IsBetweenOperands(TokenSpan tokens, std::size_t at) {
     const Keyword before = at > 1 ? tokens.KeywordAt(at - 2) : Keyword::Then;
-    if (before == Keyword::Then || before == Keyword::Else) return false;
+    if (before == Keyword::Then || before == Keyword::Else || AwaitsExponent(tokens[at - 1])) return false;
     return Calculates(tokens.SignAt(at)) && at + 1 < tokens.size() && EndsOperand(tokens, at - 1);
 }
 
