@@ -8,6 +8,7 @@
 
 #include "base/edit_distance.h"
 #include "base/text.h"
+#include "base/token_text.h"
 #include "base/utf8.h"
 #include "kv/platform.h"
 
@@ -39,13 +40,13 @@ std::vector<std::string> NamesIn(const std::string& heading) {
     return names;
 }
 
-// "| `Left(text, count)`, `Right(text, count)` | ..." names Left and Right.
+// "| `Left(text, count)`, `Beep` | ..." names Left and Beep.
 void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names) {
     std::istringstream pieces(line.substr(0, line.find('|', 1)));
     bool code = false;
     for (std::string piece; std::getline(pieces, piece, '`'); code = !code) {
-        const std::size_t end = piece.find_first_of(" (");
-        if (code && end != std::string::npos && end > 0) names.push_back(piece.substr(0, end));
+        if (code && !piece.empty() && IsLetterByte(piece[0]))
+            names.push_back(piece.substr(0, piece.find_first_of(" (")));
     }
 }
 
@@ -60,6 +61,7 @@ void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& ent
             inEntry = StartsWith(line, entryMark) || (ofModule && !StartsWith(line, "###"));
             if (inEntry) entries.push_back({TextOf(path.stem()), title, {}, ""});
             if (inEntry && !ofModule) entries.back().names = NamesIn(line.substr(entryMark.size()));
+            if (ofModule && StartsWith(line, "# ")) entries.back().names.push_back(TextOf(path.stem()));
         }
         if (!inEntry) continue;
         if (ofModule && !inCode && StartsWith(line, "|")) AddFunctionsOfRow(line, entries.back().names);
