@@ -452,7 +452,7 @@ char otherStack[64 * 1024];
 // A full stack has no room to say anything.
 void TellOnOtherStack(CONTEXT& thread, void (*tell)()) {
     const auto top = reinterpret_cast<DWORD64>(otherStack + sizeof otherStack);
-    thread.Rsp = top / 16 * 16 - 8;
+    thread.Rsp = top / 16 * 16 - 40;  // a return address, and above it the room that is the callee's
     thread.Rip = reinterpret_cast<DWORD64>(tell);
 }
 

@@ -31,7 +31,9 @@ Number __kvNumber(const char* function, Number (*convert)(const std::string&), c
     } catch (const std::invalid_argument&) {
         throw std::invalid_argument(std::string(function) + ": \"" + text + "\" is no number");
     } catch (const std::out_of_range&) {
-        throw std::out_of_range(std::string(function) + ": \"" + text + "\" is too large a number");
+        const double value = std::strtod(text.c_str(), nullptr);
+        const char* what = value > -1 && value < 1 ? "\" is too small a number" : "\" is too large a number";
+        throw std::out_of_range(std::string(function) + ": \"" + text + what);
     }
 }
 inline int __kvToInt(const std::string& text) {

@@ -9,6 +9,12 @@
 
 namespace {
 
+[[noreturn]] void FailInList(TokenSpan tokens, std::size_t at) {
+    ReportFatal("Unexpected token in parameter list." +
+                    Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
+                tokens.Slice(at, at + 1));
+}
+
 bool IsMain(TokenSpan tokens) {
     return tokens.KeywordAt(0) == Keyword::Function && IsWord(tokens[1], "main");
 }
@@ -36,10 +42,7 @@ std::size_t ReadDefault(TokenSpan tokens, std::size_t at, Parameter& parameter) 
 }
 
 std::size_t ReadParameter(TokenSpan tokens, std::size_t at, Parameter& parameter) {
-    if (!IsName(tokens[at]))
-        ReportFatal("Unexpected token in parameter list." +
-                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
-                    tokens.Slice(at, at + 1));
+    if (!IsName(tokens[at])) FailInList(tokens, at);
     parameter.name = tokens[at++];
     parameter.untyped = !Is(tokens[at], ":") && tokens.KeywordAt(at) != Keyword::As;
     if (!parameter.untyped) {
@@ -57,10 +60,7 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
     do {
         at = ReadParameter(tokens, at + 1, routine.parameters.emplace_back());
     } while (Is(tokens[at], ","));
-    if (!Is(tokens[at], ")"))
-        ReportFatal("Unexpected token in parameter list." +
-                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
-                    tokens.Slice(at, at + 1));
+    if (!Is(tokens[at], ")")) FailInList(tokens, at);
     return at + 1;
 }
 
@@ -98,10 +98,7 @@ Routine ParseRoutineHeader(TokenSpan tokens) {
     std::size_t at = ReadResult(tokens, 2, routine);
     at = ReadParameters(tokens, at, routine);
     at = ReadResult(tokens, at, routine);
-    if (at < tokens.size())
-        ReportFatal("Unexpected token in parameter list." +
-                        Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
-                    tokens.Slice(at, at + 1));
+    if (at < tokens.size()) FailInList(tokens, at);
     return routine;
 }
 

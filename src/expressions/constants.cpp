@@ -159,13 +159,14 @@ Value Converted(const Variable& variable, Value value) {
 
 Value OfConst(const Variable& variable) {
     if (!variable.isConst || variable.initialiser.empty()) return {};
-    const auto [known, isNew] = valuesOfConsts.emplace(&variable, Value());
+    const auto [found, isNew] = valuesOfConsts.emplace(&variable, Value());
+    Value& value = found->second;  // stays where it is when others are added
     if (isNew && depth < deepest) {
         ++depth;
-        known->second = Converted(variable, ConstantIn(variable.initialiser));
+        value = Converted(variable, ConstantIn(variable.initialiser));
         --depth;
     }
-    return known->second;
+    return value;
 }
 
 }  // namespace

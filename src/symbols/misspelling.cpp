@@ -117,7 +117,7 @@ void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
 std::string NothingLike(const std::string& word, Sought sought) {
     if (sought == Sought::Value && WasInEndedBlock(word))
         return "'" + word + "' was declared in a block that has ended; declare it before the block";
-    if (sought == Sought::Value)
+    if (sought == Sought::Value && IsName(word))
         return "nothing that is visible here is called '" + word +
                "'; Local, Global and Const declare variables";
     return {};
