@@ -94,7 +94,7 @@ struct BeginningRow {
 const BeginningRow beginnings[] = {
     {"exit", "", "Exit stands alone; Return leaves a Function"},
     {"select", "case", "Write Select n, without Case"},
-    {"for", "(", "Write For i = 0 To 9, what to do, and Next"},
+    {"for", "(", "Write For Local i = 0 To 9, what to do, and Next"},
     {"' # / //", "", "A comment begins with ';'"},
 };
 
@@ -175,8 +175,9 @@ const char* HintAtSign(TokenSpan tokens, std::string_view meant) {
         if (meant == "*") return "Write Pow(a, b) for a power";
         if (meant == "<" || meant == ">") return "Write a Shl b and a Shr b";
     }
-    if (Has(tokens.KeywordAt(0), trait::names)) {
-        if (meant == "(") return "An array has its size in brackets: Local a:Int[10]";
+    if (Has(tokens.KeywordAt(0), trait::variables)) {
+        if (meant == "(" && at < tokens.FindEquals())
+            return "An array has its size in brackets: Local a:Int[10]";
         if (meant == "[" || meant == "{") return "An array gets its values one by one: a[0] = 3";
     }
     if (tokens.SignAt(at + 1) == '$' && IsNameText(meant)) return "Names have no '$' at their end: Chr(65)";
