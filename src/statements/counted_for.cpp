@@ -35,7 +35,7 @@ struct Parts {
 };
 
 // For [Local] name [: type] = ; returns the index behind the "=".
-const Hint wayToWrite = {"Write For i = 1 To 10, with Step 2 behind it for every other number"};
+const Hint wayToWrite = {"Write For Local i = 1 To 10, with Step 2 behind it for every other number"};
 
 std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     std::size_t at = 1;
