@@ -154,6 +154,7 @@ Value Converted(const Variable& variable, Value value) {
         value->integer = static_cast<long long>(value->real);
         value->kind = ConstantValue::Kind::Integer;
     }
+    if (variable.type.Is(Base::Int)) value->integer = static_cast<int>(value->integer);
     return value;
 }
 
