@@ -155,11 +155,11 @@ bool IsToStay(const Options& options) {
     return options.command == Command::build || options.command == Command::package;
 }
 
-bool IsFast(const Options& options) {
-    return !options.plain && !options.debug && options.command != Command::check;
-}
+bool NeedsCompiler(const Options& options) { return options.command != Command::check || options.checkCpp; }
 
-bool TellsPlaces(const Options& options) { return !options.plain && options.command != Command::check; }
+bool IsFast(const Options& options) { return !options.plain && !options.debug && NeedsCompiler(options); }
+
+bool TellsPlaces(const Options& options) { return !options.plain && NeedsCompiler(options); }
 
 bool ParseCommandLine(const std::vector<std::string>& arguments, Options& options, std::string& problem) {
     problem.clear();

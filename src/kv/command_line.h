@@ -38,6 +38,7 @@ struct Options {
     std::string timeout;                 // test: --timeout, as typed; empty for the usual one
     std::vector<std::string> data;       // package: --data, as typed
     bool onlyCheck = false;              // fmt: --check
+    bool checkCpp = false;               // check: --cpp
     std::string messageFormat;           // --message-format: human (also when empty), short or json
     bool noWarnings = false;             // --no-warnings
     bool warningsAsErrors = false;       // --warnings-as-errors
@@ -49,6 +50,9 @@ bool IsForWindows(const Options& options);
 
 // Whether the program is made to stay, and for speed.
 bool IsToStay(const Options& options);
+
+// Whether there is work for the C++ compiler.
+bool NeedsCompiler(const Options& options);
 
 // Whether the program is translated for speed.
 bool IsFast(const Options& options);

@@ -268,6 +268,12 @@ std::string CompilationOf(const Job& job) {
     return ReadableCommandLine(WholeCommand(job.compiler, CompileJobOf(job)));
 }
 
+bool CheckCpp(Job& job) {
+    ChooseFailureCode(job);  // the flags depend on it
+    CompileJob compile = CompileJobOf(job);
+    return CompileOn(job, compile, SyntaxCommand);
+}
+
 bool Compile(Job& job) {
     if (!CanLinkStatically(job)) return false;
     CompileJob compile = CompileJobOf(job);

@@ -17,6 +17,10 @@ std::string CompilationOf(const Job& job);
 // the build was disturbed.
 bool Compile(Job& job);
 
+// Has the C++ compiler look for mistakes, and make nothing. Returns false after telling the user of some, unless the build
+// was disturbed.
+bool CheckCpp(Job& job);
+
 // The shared libraries that the program loads, by file name or a path below the program's folder, as far as they
 // were found.
 std::vector<std::string> SharedLibraries(const Job& job);

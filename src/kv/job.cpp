@@ -32,7 +32,8 @@ std::string Variant(const Options& options) {
     const std::string mode = checks + (IsFast(options) ? "fast" : checks.empty() ? "plain" : "");
     const std::string kind =
         (options.target.empty() ? "" : "-" + options.target) + (options.isStatic ? "-static" : "");
-    return options.command == Command::check ? "check-" + mode : mode + options.optimisation + kind;
+    const std::string way = NeedsCompiler(options) ? mode + options.optimisation + kind : mode;
+    return options.command == Command::check ? "check-" + way : way;
 }
 
 }  // namespace
@@ -75,7 +76,7 @@ bool PrepareJob(const Options& options, Job& job) {
         job.options.optimisation = IsToStay(options) ? "-O2" : "-O0";
     }
     std::string problem;
-    if (options.command != Command::check)
+    if (NeedsCompiler(options))
         job.compiler = IsForWindows(options) ? FindCompilerForWindows(problem) : FindCompiler(problem);
     if (!problem.empty()) {
         ShowProblem(problem);

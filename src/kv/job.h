@@ -15,7 +15,7 @@ struct Job {
     std::string sourceFolder;
     std::string installation;           // the folder that holds bin/, config/, userlibs/ and include/
     std::string kv;                     // full path of the command itself
-    std::vector<std::string> compiler;  // first words of its command; empty for kv check
+    std::vector<std::string> compiler;  // first words of its command; empty when there is no work for it
     BuildFolder build;
     std::string mainCpp;  // the generated main file
     std::string prelude;  // the precompiled header that served the compilation; empty: none

@@ -118,6 +118,13 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
     return command;
 }
 
+// What of the Linker lines the compiler has to know: C++ of the user's that they name, too.
+void AddCompilingFlags(std::vector<std::string>& command, const CompileJob& job) {
+    for (const std::string& flag : job.linkerFlags) {
+        if (!MeansLinking(flag)) command.push_back(flag);
+    }
+}
+
 void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
     if (!job.failureCode.empty()) command.push_back(ForTool(job, job.failureCode));
     const bool isForWindows = isWindows || job.isForWindows;
@@ -215,11 +222,16 @@ std::vector<std::string> LineTableFlags(bool debug, [[maybe_unused]] bool places
     return {};
 }
 
+std::vector<std::string> SyntaxCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
+    std::vector<std::string> command = Beginning(compiler, job);
+    AddCompilingFlags(command, job);
+    command.insert(command.end(), {"-fsyntax-only", ForTool(job, job.mainCpp)});
+    return command;
+}
+
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job) {
     std::vector<std::string> command = Beginning(compiler, job);
-    for (const std::string& flag : job.linkerFlags) {
-        if (!MeansLinking(flag)) command.push_back(flag);
-    }
+    AddCompilingFlags(command, job);
     command.insert(command.end(), {"-c", "-o", ForTool(job, job.newObject), ForTool(job, job.mainCpp)});
     return command;
 }

@@ -49,7 +49,8 @@ bool CanLinkApart(const std::vector<std::string>& linkerFlags);
 // The flags that make tables of lines: whole ones for debuggers, else the little that failing programs need.
 std::vector<std::string> LineTableFlags(bool debug, bool places);
 
-// The commands that compile, that link, and that do both at once.
+// The commands that only look for mistakes, that compile, that link, and that do both at once.
+std::vector<std::string> SyntaxCommand(const std::vector<std::string>& compiler, const CompileJob& job);
 std::vector<std::string> CompileCommand(const std::vector<std::string>& compiler, const CompileJob& job);
 std::vector<std::string> LinkCommand(const std::vector<std::string>& compiler, const CompileJob& job);
 std::vector<std::string> WholeCommand(const std::vector<std::string>& compiler, const CompileJob& job);

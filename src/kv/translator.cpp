@@ -31,7 +31,7 @@ const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug},
 std::vector<std::string> TranslatorCommand(const Job& job) {
     std::vector<std::string> command = {
         job.kv, commandWord, job.source, job.build.cppFolder, job.build.translation, job.installation};
-    if (job.options.command == Command::check) command.emplace_back(checkWord);
+    if (!NeedsCompiler(job.options)) command.emplace_back(checkWord);
     if (job.options.noWarnings) command.emplace_back(silentWord);
     if (job.options.debug) command.emplace_back("--debug");
     if (job.options.safe) command.emplace_back("--safe");

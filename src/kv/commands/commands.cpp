@@ -72,6 +72,8 @@ const std::vector<OptionRow>& OptionRows() {
         {"--keep-cpp", &Options::keepCppFolder, "DIR", "", making, "write the generated C++ to DIR"},
         {"--check", &Options::onlyCheck, "", "", Bit(Command::format),
          "write nothing, tell which files are not in their usual form (status 1)"},
+        {"--cpp", &Options::checkCpp, "", "", Bit(Command::check),
+         "look for mistakes in inline C++, too: takes the C++ compiler"},
         {"--message-format", &Options::messageFormat, "FORMAT", "human short json", translating,
          "for people; each mistake in one line; or as an object of JSON for programs"},
         {"--no-warnings", &Options::noWarnings, "", "", translating,

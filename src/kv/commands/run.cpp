@@ -1,7 +1,9 @@
 // kv run, kv build and kv check.
 #include <cstdio>
+#include <string>
 
 #include "kv/commands/commands.h"
+#include "kv/compile.h"
 #include "kv/diagnostics.h"
 #include "kv/install.h"
 #include "kv/job.h"
@@ -32,15 +34,33 @@ int RunProgram(Job& job) {
     return failure;
 }
 
+// A file that only lends its declarations has no C++ of its own.
+bool CheckInFolder(Job& job) {
+    if (!BeginBuild(job.build) || !Translate(job)) return false;
+    return !job.options.checkCpp || job.translation.mainFile.empty() || CheckCpp(job);
+}
+
+// What may still be wrong with a program in which no mistake was found; empty when that is nothing.
+std::string LeftUnchecked(const Job& job) {
+    const bool skipsCpp = job.translation.hasCpp && !job.options.checkCpp;
+    const struct {
+        bool applies;
+        const char* what;
+    } rows[] = {{skipsCpp, "inline C++"},
+                {job.translation.hasCpp || !job.linkerFlags.empty(), "linking"},
+                {!job.translation.libraries.empty(), "shared libraries"}};
+    std::string text;
+    for (const auto& row : rows) {
+        if (row.applies) text += (text.empty() ? "; not checked: " : ", ") + std::string(row.what);
+    }
+    return skipsCpp ? text + " (kv check --cpp checks the C++)" : text;
+}
+
 bool Check(const Options& options) {
-    const auto translate = [](Job& given) { return BeginBuild(given.build) && Translate(given); };
     Job job;
-    if (!PrepareJob(options, job) || !WorkInFolder(job, translate)) return false;
-    const bool isLinked = !job.linkerFlags.empty();
-    const char* unchecked = job.translation.hasCpp ? " (but kv build has to look at its C++)"
-                            : isLinked             ? " (but kv build has to look for its libraries)"
-                                                   : "";
-    std::printf("%s: no mistakes found%s\n", ShortPath(job.source, job.typedFolder).c_str(), unchecked);
+    if (!PrepareJob(options, job) || !WorkInFolder(job, CheckInFolder)) return false;
+    const std::string name = ShortPath(job.source, job.typedFolder);
+    std::printf("%s: no mistakes found%s\n", name.c_str(), LeftUnchecked(job).c_str());
     return true;
 }
 
