@@ -65,6 +65,25 @@ bool ReadMessage(std::FILE* from, std::string& text) {
     return false;
 }
 
+#ifdef KORVEL_NO_THREADS
+
+Inbox::Inbox(std::FILE* from) : source(from) {}
+Inbox::~Inbox() = default;
+
+bool Inbox::Take(Json& message) {
+    std::string text;
+    if (ended || !ReadMessage(source, text)) return false;
+    message = Parsed(text);
+    ended = MethodOf(message) == "exit";
+    return true;
+}
+
+// What the client has sent meanwhile cannot be seen.
+bool Inbox::IsEmpty() { return true; }
+bool Inbox::IsCancelled(const Json&) { return false; }
+
+#else
+
 Inbox::Inbox(std::FILE* from) : source(from), reader([this] { ReadAll(); }) {}
 
 Inbox::~Inbox() { reader.join(); }
@@ -110,3 +129,5 @@ bool Inbox::IsCancelled(const Json& id) {
     const std::lock_guard<std::mutex> lock(access);
     return cancelled.count(id) != 0;
 }
+
+#endif

@@ -1,15 +1,22 @@
 // What the client sends. Messages are read while others are worked on, so that those which come behind can cancel them.
 #pragma once
 
-#include <condition_variable>
 #include <cstdio>
+#include <string>
+
+#include "lsp/json.h"
+
+// Some compilers for Windows come without threads: messages are then read when they are asked for, and none can be
+// cancelled.
+#if defined(__GLIBCXX__) && !defined(_GLIBCXX_HAS_GTHREADS)
+#define KORVEL_NO_THREADS
+#else
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <set>
-#include <string>
 #include <thread>
-
-#include "lsp/json.h"
+#endif
 
 // Reads the text of a message behind its head. What has no head that makes sense is passed over. False at the end.
 bool ReadMessage(std::FILE* from, std::string& text);
@@ -28,13 +35,15 @@ public:
 
 private:
     std::FILE* source;
+    bool ended = false;
+#ifndef KORVEL_NO_THREADS
     std::mutex access;
     std::condition_variable arrival;
     std::deque<Json> messages;
     std::set<Json> cancelled;
-    bool ended = false;
     std::thread reader;
 
     void ReadAll();
     void Put(Json message);
+#endif
 };
