@@ -28,10 +28,8 @@ struct ListRow {
     std::vector<std::string> korvel::Result::*list;
 };
 const ListRow listRows[] = {
-    {"source", &korvel::Result::sources},
-    {"declaration", &korvel::Result::declarations},
-    {"missing", &korvel::Result::missing},
-    {"flag", &korvel::Result::linkerFlags},
+    {"source", &korvel::Result::sources},    {"declaration", &korvel::Result::declarations},
+    {"missing", &korvel::Result::missing},   {"flag", &korvel::Result::linkerFlags},
     {"library", &korvel::Result::libraries},
 };
 

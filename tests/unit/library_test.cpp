@@ -167,7 +167,8 @@ TEST(Library, GivesAdvice) {
     }
     EXPECT_EQ(
         told,
-        "5:9 did you mean 'score'? > 5:9 score\n6:9  < 4:12 declared here\n6:21 Use ToInt(...) to turn the String into a number.\n9:8  < 1:7 declared here\n"
+        "5:9 did you mean 'score'? > 5:9 score\n6:9  < 4:12 declared here\n6:21 Use ToInt(...) to turn the "
+        "String into a number.\n9:8  < 1:7 declared here\n"
         "11:12 names are case-sensitive; did you mean 'n'? > 11:12 n\n14:5 did you mean 'Print'? > 14:5 "
         "Print\n"
         "14:23 did you mean 'TPlayer'? > 14:23 TPlayer\n16:14 did you mean 'Square'? > 16:14 Square\n"
