@@ -1,5 +1,6 @@
 #include "statements/translate.h"
 
+#include <optional>
 #include <unordered_set>
 
 #include "base/report.h"
@@ -19,24 +20,20 @@
 
 namespace {
 
-// What a nested translation must leave as it found it.
-class SavedPlace {
+// The output under way, and the one of the file around it behind that. What is found behind the main file is reported at
+// its end, so that its place stays.
+class OpenedOutput {
 public:
-    explicit SavedPlace(FileOutput& out)
-        : file(settings.currentFile), line(settings.currentLine), before(SetOpenOutput(&out)) {}
-    ~SavedPlace() {
-        SetOpenOutput(before);
-        if (before == nullptr) return;  // what is found behind the main file is reported at its end
-        settings.currentFile = file;
-        settings.currentLine = line;
+    explicit OpenedOutput(FileOutput& out) : before(SetOpenOutput(&out)) {
+        if (before != nullptr) around.emplace(settings.currentFile, settings.currentLine);
     }
-    SavedPlace(const SavedPlace&) = delete;
-    SavedPlace& operator=(const SavedPlace&) = delete;
+    ~OpenedOutput() { SetOpenOutput(before); }
+    OpenedOutput(const OpenedOutput&) = delete;
+    OpenedOutput& operator=(const OpenedOutput&) = delete;
 
 private:
-    std::string file;
-    int line;
     FileOutput* before;
+    std::optional<AtPlace> around;
 };
 
 // An included header stands in front of the support code, and so leaves some definitions to the main one.
@@ -151,7 +148,7 @@ void ForgetOpenWork() {
 
 void TranslateFile(SourceFile& file) {
     FileOutput& out = BeginOutput(file);
-    const SavedPlace place(out);
+    const OpenedOutput opened(out);
     const OpenChapter chapter(file.translated);
     EnterFile(file.declarations);
     try {
@@ -169,7 +166,7 @@ void TranslateFile(SourceFile& file) {
 void TranslatePart(State& state, SourceFile& file) {
     const bool isFirst = file.begun == nullptr;
     FileOutput& out = isFirst ? BeginOutput(file) : *file.begun;
-    const SavedPlace place(*state.out);
+    const OpenedOutput opened(*state.out);
     OpenPart part(state, out);
     NoteChapter(file.declared, Telling::Second);
     EnterFile(file.declarations);
