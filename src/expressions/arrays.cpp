@@ -6,6 +6,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/in_order.h"
+#include "expressions/operators.h"
 #include "expressions/order.h"
 #include "expressions/walk.h"
 #include "expressions/writer.h"
@@ -54,6 +55,11 @@ void CheckConstantIndices(const Expr& array, const std::string& name, const Expr
     if (variable == nullptr) return;
     for (std::size_t k = 0; k < variable->sizes.size() && index != nullptr; ++k, index = index->next)
         CheckConstantIndex(name, k, *index, variable->sizes[k]);
+}
+
+void ShowIndices(const Expr& array, const Expr* firstIndex) {
+    const Variable* variable = VariableOrField(array);
+    if (watches.indexing != nullptr && variable != nullptr) watches.indexing({*variable, *firstIndex});
 }
 
 // Whether the array is known by a name of its own here, and with it the constants that hold its sizes.
@@ -235,6 +241,7 @@ Expr& ParseIndices(Walk& walk, Expr& array, const Word& name) {
     const PartList indices = ParseAllIndices(walk);
     CheckCount(array, name.text, indices.size(), MayBeRow(walk, array, wholeArgument));
     CheckConstantIndices(array, name.text, indices.First());
+    ShowIndices(array, indices.First());
     if (array.form == ArrayForm::Owned) CheckTakeOver(array);
 
     Expr& item = NewNode(ExprKind::Index, array.type, array);

@@ -204,12 +204,12 @@ Value ConstantIn(TokenSpan tokens) {
     Chapter untold;
     const OpenChapter nothingIsSaid(untold);
     Value value;
-    const auto watch = std::exchange(watchOperation, nullptr);
+    const auto watch = std::exchange(watches, {});
     try {
         value = ConstantOf(TranslateExpression(tokens, ExprMode::Condition));
     } catch (const Stop&) {  // no value
     }
-    watchOperation = watch;
+    watches = watch;
     return value;
 }
 

@@ -9,7 +9,7 @@
 #include "lexer/lexer.h"
 #include "symbols/uses.h"
 
-void (*watchOperation)(const Operation& operation) = nullptr;
+Watches watches;
 
 namespace {
 
@@ -39,8 +39,8 @@ Expr& ParseBinary(Walk& walk, Level loosest, bool comparing) {
         LimitParts(++walk.operators);
         const auto tighter = static_cast<Level>(static_cast<int>(op->level) - 1);
         Expr& right = ParseBinary(walk, tighter, comparing);
-        if (watchOperation != nullptr)
-            watchOperation({*op, {left->source.last, left->source.last + length}, *left, right});
+        if (watches.operation != nullptr)
+            watches.operation({*op, {left->source.last, left->source.last + length}, *left, right});
         if (op->level == Level::Product && ++wraps > longestChain && settings.safeMode) FailTooDeep();
         left = &Combine(*left, *op, right, texts);
         left->source = walk.Since(begin);

@@ -33,8 +33,18 @@ struct Operation {
     const Expr &left, &right;
 };
 
-// Is told of each of them; null while nobody looks.
-extern void (*watchOperation)(const Operation& operation);
+// An item of an array, with the variable or Field that the array is.
+struct Indexing {
+    const Variable& array;
+    const Expr& firstIndex;
+};
+
+// Are told of each of them; null while nobody looks.
+struct Watches {
+    void (*operation)(const Operation& operation) = nullptr;
+    void (*indexing)(const Indexing& indexing) = nullptr;
+};
+extern Watches watches;
 
 inline bool IsComparison(const BinaryOperator* op) {
     return op != nullptr && (op->kind == OperatorKind::Order || op->kind == OperatorKind::Equality);

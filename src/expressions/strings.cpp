@@ -84,10 +84,19 @@ void WriteLiteral(Code& out, const std::string& text, std::size_t from, std::siz
     out += '"';
 }
 
+// The tag for values of the type, and an expression that has its type: a variable must be exactly what the tag says.
+std::string HoleFor(const std::string& content, const ValueType& type) {
+    for (const Tag& tag : tags)
+        if (type.Is(tag.base)) return std::string("{") + tag.tag + content + "}";
+    return type.IsNumber() ? "{%" + content + " + 0}" : "";
+}
+
 [[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
     const std::string advice = " - use {%" + content + "} or {!" + content + "}";
+    const std::string hole = HoleFor(content, type);
     ReportFatal(std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel + ") does not match '" +
-                content + "' which is " + InWords(type) + (tag.tag == '$' ? advice : ""));
+                content + "' which is " + InWords(type) + (tag.tag == '$' ? advice : "") +
+                Hint{hole.empty() ? "" : "Write " + hole});
 }
 
 // A variable must be exactly what the tag says; other expressions must be of the right kind.

@@ -1,4 +1,4 @@
-// Slips that a single statement or operator shows.
+// Slips that a single statement, operator or array item shows.
 #pragma once
 
 #include "warnings/table.h"
@@ -22,3 +22,6 @@ TokenSpan ComparesComparison(const Operation& operation);
 TokenSpan JoinsNumber(const Operation& operation);
 TokenSpan ComparesInBits(const Operation& operation);
 TokenSpan OrdersNumberTexts(const Operation& operation);
+
+// Of items of arrays.
+TokenSpan IndexesBeyondSize(const Indexing& indexing);

@@ -41,6 +41,9 @@ const WarningRow rows[] = {
      ComparesInBits},
     {"text-order", "'{}' orders letters, where \"10\" comes before \"9\"",
      "Write ToInt(a) to compare numbers", nullptr, OrdersNumberTexts},
+    // items of arrays
+    {"beyond-array", "There is no item '{}' in the array",
+     "The first item has the number 0, the last one the size less 1", nullptr, nullptr, IndexesBeyondSize},
     // more than one statement (routine_watch)
     {"unreachable", "This line is never reached", "What stands before it always leaves"},
     {"unused-variable", "'{}' is never used", "Remove it"},

@@ -27,10 +27,12 @@ void Look(const State& state, TokenSpan statement) {
     }
 }
 
-void LookAtOperation(const Operation& operation) {
+// In an operator, or an item of an array, by the routine of the rows that looks at such.
+template <class Seen, TokenSpan (*WarningRow::*look)(const Seen&)>
+void LookAt(const Seen& seen) {
     for (const WarningRow& row : AllWarnings()) {
-        if (row.inOperation == nullptr) continue;
-        const TokenSpan about = row.inOperation(operation);
+        if (row.*look == nullptr) continue;
+        const TokenSpan about = (row.*look)(seen);
         if (!about.empty()) WarnOf(row, Kept(about));
     }
 }
@@ -62,13 +64,16 @@ std::size_t FileNumber(const std::string& file) {
 
 void BeginWarnings() {
     watchStatement = settings.warnings ? Look : nullptr;
-    watchOperation = settings.warnings ? LookAtOperation : nullptr;
+    if (settings.warnings)
+        watches = {LookAt<Operation, &WarningRow::inOperation>, LookAt<Indexing, &WarningRow::inIndexing>};
+    else
+        watches = {};
 }
 
 void TellWarnings() {
     if (!settings.warnings) return;
     watchStatement = nullptr;
-    watchOperation = nullptr;
+    watches = {};
     if (!AnyMistakes()) WarnOfUnused();
     std::vector<korvel::Diagnostic> warnings = SemicolonsBehindPrint();
     for (const Slip& slip : TakeSlips()) {
