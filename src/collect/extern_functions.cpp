@@ -102,6 +102,15 @@ std::string StringType(const std::string& written) {
     return qualifier + (Contains(written, "unsigned") ? "unsigned char*" : "char*");
 }
 
+// A function that inline C++ defines as static has to be declared so.
+bool IsStatic(const Routine& routine) {
+    if (!symbols.inlineCpp) return false;
+    const std::vector<InlineFunction> functions = FindInlineFunctions(routine.name);
+    return std::any_of(functions.begin(), functions.end(), [&](const InlineFunction& function) {
+        return function.isStatic && function.parameters.size() == routine.parameters.size();
+    });
+}
+
 // Takes the type over where the language has a String; false when it is none in C++.
 bool TakeStringType(const ValueType& korvel, const std::string& written, std::string& type) {
     if (korvel.Is(Base::String)) type = StringType(written);
@@ -128,7 +137,7 @@ Crossing CrossingOf(const Routine& routine) {
     const bool ofHeaders = IsDeclaredByHeaders(routine.name);
     if (!ofHeaders && TakeInlineTypes(routine, crossing)) return crossing;
     // A file that inline C++ includes may declare it with other types than ours.
-    crossing.bound = ofHeaders || InlineCppIncludesFiles();
+    crossing.bound = ofHeaders || (InlineCppIncludesFiles() && !IsStatic(routine));
     if (crossing.bound)
         crossing.symbol =
             (HasStrings(routine) || IsVariadic(routine) ? "__kvC_" : "__kvExtern_") + routine.name;
@@ -195,7 +204,9 @@ void CheckExternName(const std::string& name) {
                     Tokens{name});
 }
 
-ExternTexts TextsOfExtern(const Routine& routine) {
+namespace {
+
+ExternTexts TextsOf(const Routine& routine) {
     const bool ofHeaders = IsDeclaredByHeaders(routine.name) && !AgreesWithHeaders(routine);
     if (!ofHeaders && !HasStrings(routine)) return {routine.name, PrototypeText(routine), "", "", false};
     const Crossing crossing = CrossingOf(routine);
@@ -206,5 +217,13 @@ ExternTexts TextsOfExtern(const Routine& routine) {
     texts.wrapper = "inline " + ResultCppName(routine.result) + " " + texts.cppName +
                     WrapperParameters(routine, crossing);
     texts.body = WrapperBody(routine, crossing);
+    return texts;
+}
+
+}  // namespace
+
+ExternTexts TextsOfExtern(const Routine& routine) {
+    ExternTexts texts = TextsOf(routine);
+    if (!texts.bound && IsStatic(routine)) texts.prototype = "static " + texts.prototype;
     return texts;
 }

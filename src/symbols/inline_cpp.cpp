@@ -11,15 +11,30 @@
 
 namespace {
 
+struct Name {
+    std::size_t at;
+    bool inBraces;
+};
+
 struct Scanned {
-    std::vector<std::string> tokens;                                              // see CppLines
-    std::unordered_map<std::string, std::vector<std::size_t>> beforeParentheses;  // where names stand so
+    std::vector<std::string> tokens;                                       // see CppLines
+    std::unordered_map<std::string, std::vector<Name>> beforeParentheses;  // where names stand so
     bool includesFiles = false;
     bool done = false;
 };
 
 Scanned scanned;
 const PartOfRun partOfRun(scanned);
+
+// The braces of extern "C" { ... } count for nothing.
+void NoteNames(const std::vector<std::string>& tokens) {
+    int depth = 0;
+    for (std::size_t i = 1; i < tokens.size(); ++i) {
+        if (tokens[i] == "{" && tokens[i - 1] != "\"") ++depth;
+        if (tokens[i] == "}" && depth > 0) --depth;
+        if (tokens[i] == "(") scanned.beforeParentheses[tokens[i - 1]].push_back({i - 1, depth > 0});
+    }
+}
 
 const std::vector<std::string>& ScannedTokens() {
     if (scanned.done) return scanned.tokens;
@@ -36,8 +51,7 @@ const std::vector<std::string>& ScannedTokens() {
         if (!lines.Open(file)) continue;
         while (lines.Next()) continue;
     }
-    for (std::size_t i = 1; i < scanned.tokens.size(); ++i)
-        if (scanned.tokens[i] == "(") scanned.beforeParentheses[scanned.tokens[i - 1]].push_back(i - 1);
+    NoteNames(scanned.tokens);
     return scanned.tokens;
 }
 
@@ -97,10 +111,14 @@ bool ReadParameters(const std::vector<std::string>& tokens, std::size_t open, In
 std::vector<InlineFunction> FindInlineFunctions(const std::string& name) {
     const std::vector<std::string>& tokens = ScannedTokens();
     std::vector<InlineFunction> functions;
-    for (const std::size_t at : scanned.beforeParentheses[name]) {
+    for (const auto [at, inBraces] : scanned.beforeParentheses[name]) {
         std::size_t head = at;
         while (head > 0 && MayPrecedeName(tokens[head - 1])) --head;
         InlineFunction function;
+        function.isStatic =
+            !inBraces && std::any_of(tokens.begin() + static_cast<std::ptrdiff_t>(head),
+                                     tokens.begin() + static_cast<std::ptrdiff_t>(at),
+                                     [](const std::string& token) { return token == "static"; });
         function.result = Joined(tokens, head, at);
         if (!function.result.empty() && ReadParameters(tokens, at + 1, function))
             functions.push_back(std::move(function));

@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
-// A function as inline C++ declares or defines it: the C++ types of its parameters and its result.
+// A function as inline C++ declares or defines it: the C++ types of its parameters and its result, and whether it is
+// static at file level, as all other declarations have to be.
 struct InlineFunction {
+    bool isStatic = false;
     std::string result;
     std::vector<std::string> parameters;
 };
