@@ -21,6 +21,7 @@ std::string_view OutputText() {
 
 std::string FastPrelude(bool withTypes) {
     std::string text = FillNames(OutputText());
+    text += programUses.inlineCpp || HasForeignFunctions() ? texts::fastVectorItems : texts::fastItems;
     text += texts::fastSequence;
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;

@@ -17,6 +17,8 @@ extern const std::string_view fastOutput;
 extern const std::string_view fastBeforeFailure;  // in fastOutput, when a program says where it failed
 extern const std::string_view fastLineOutput;     // programs whose output kvt does not know whole
 extern const std::string_view fastUnitOutput;     // programs that part the C++ streams from those of C
+extern const std::string_view fastItems;
+extern const std::string_view fastVectorItems;  // programs with inline C++
 extern const std::string_view fastSequence;
 extern const std::string_view fastScheduler;
 extern const std::string_view fastNoTimers;

@@ -73,7 +73,7 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
 
 // Each with no more in front of it than what it builds on.
 TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
-    const std::string sequence(texts::fastSequence);
+    const std::string sequence = std::string(texts::fastItems) + std::string(texts::fastSequence);
     const std::string lists = sequence +
                               "const bool __kvTidyLists = true;\nconst bool __kvKeepCreated = true;\n" +
                               std::string(texts::fastInstances) +
@@ -86,7 +86,11 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
         {"output", FillNames(texts::fastOutput)},
         {"line_output", std::string(texts::fastLineOutput)},
         {"unit_output", std::string(texts::fastUnitOutput)},
-        {"sequence", sequence},
+        {"sequence", sequence +
+                         "struct Item { int n; bool operator==(const Item& o) const { return n == o.n; } "
+                         "int KVL_Compare(Item o) { return n - o.n; } };\ntemplate struct KVRow<Item>;\n"
+                         "void Sort(KVSeq<Item>& items) { items.SortCompare(true); }\n"},
+        {"vector_items", std::string(texts::fastVectorItems) + std::string(texts::fastSequence)},
         {"scheduler", std::string(texts::fastScheduler)},
         {"no_timers", std::string(texts::fastNoTimers)},
         {"instances", lists + closing +

@@ -14,9 +14,9 @@ template<typename Unused> size_t KVSeqCount<Unused>::live = 0;
 inline void __kvScrubSeqs(void* p) {
     for(size_t i = 0; i < __kvAllSeqs().size(); ++i) __kvAllSeqs()[i]->_scrub(p);
 }
-template<typename T, bool Pointers> struct KVSeqItems { std::vector<T> _items; };
+template<typename T, bool Pointers> struct KVSeqItems { KVItems<T> _items; };
 template<typename T> struct KVSeqItems<T, true> : KVSeqBase {
-    std::vector<T> _items;
+    KVItems<T> _items;
     KVSeqItems() { _place = KVSeqCount<void>::live++; __kvAllSeqs().push_back(this); }
     KVSeqItems(const KVSeqItems& o) : KVSeqBase(), _items(o._items) { _place = (size_t)-1; }
     KVSeqItems& operator=(const KVSeqItems& o) { _items = o._items; return *this; }
@@ -50,14 +50,14 @@ public:
     }
     void _cmpSort(bool asc, std::true_type) {  // pointer element (Type): a->Compare(b)
         _compactNulls(std::true_type());
-        std::sort(_items.begin(), _items.end(), [asc](const T& a, const T& b) { int c = a->KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
+        __kvSort<T>(_items, [asc](const T& a, const T& b) { int c = a->KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
     }
     void _cmpSort(bool asc, std::false_type) {  // value element (Element): a.Compare(b)
-        if(asc) std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c < 0; });
-        else std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c > 0; });
+        if(asc) __kvSort<T>(_items, [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c < 0; });
+        else __kvSort<T>(_items, [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c > 0; });
     }
     void SortCompare(bool asc) { _cmpSort(asc, std::is_pointer<T>()); }
-    typename std::vector<T>::iterator begin() { return _items.begin(); }
-    typename std::vector<T>::iterator end() { return _items.end(); }
+    typename KVItems<T>::iterator begin() { return _items.begin(); }
+    typename KVItems<T>::iterator end() { return _items.end(); }
 };
 
