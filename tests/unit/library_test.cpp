@@ -182,7 +182,7 @@ TEST(Library, TellsWhatNamesMean) {
     korvel::Request request = RequestFor("/nowhere/main.kvl");
     request.overlays = {{request.source,
                          "Include \"part.kvl\"\nGlobal score:Int, best:Double = size\nFunction Main\n"
-                         "    Local count = size + 1, list:TA[size]\n    For Local score = 1 To count\n"
+                         "    Local count = size + 1, list:TA[size + 1]\n    For Local score = 1 To count\n"
                          "        Print \"{%score} {%Add(score)}\" + wrong\n"
                          "        Print \"{%score}{%Add(score, size)}\" + _\n"
                          "            list[size]\\Name(\"\")\n    Next\n    With list[0]\n"
