@@ -62,9 +62,7 @@ PartList ParseList(Walk& walk) {
     do {
         const std::size_t i = arguments.size();
         const bool known = callee != nullptr && i < callee->parameters.size();
-        Expr& argument = ParseArgument(walk, known && callee->parameters[i].type.IsArray());
-        if (known) LeaveAsWritten(argument);
-        arguments.Add(argument);
+        arguments.Add(ParseArgument(walk, known && callee->parameters[i].type.IsArray()));
     } while (walk.Match(','));
     return arguments;
 }

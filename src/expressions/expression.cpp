@@ -51,7 +51,6 @@ Expr& ParseBinary(Walk& walk, Level loosest, bool comparing) {
 Expr& Assign(Expr& target, Expr& value) {
     CheckAssignable(target, value);
     CheckConversion(value, target.type);
-    LeaveAsWritten(value);
     Expr& result = NewNode(ExprKind::Assignment, target.type, target, value);
     result.level = Level::Assignment;
     return result;

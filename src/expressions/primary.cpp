@@ -33,12 +33,16 @@ Base SizeOf(const std::string& text, int radix) {
 
 std::string Hexadecimal(const std::string& token) { return "0x" + token.substr(1); }
 
+bool IsBeyondLong(const std::string& hexadecimal) {
+    return std::strtoull(hexadecimal.c_str(), nullptr, 16) > static_cast<unsigned long long>(LLONG_MAX);
+}
+
 // Where C++ would have it without a sign, which comparisons and sums spread to what stands beside it, it is said to be
 // a Long: 0xFFFFFFFFL , static_cast<long>(0xFFFFFFFFFFFFFFFF)
 const Word& SignedHexadecimal(const std::string& token) {
     const std::string text = Hexadecimal(token);
+    if (IsBeyondLong(text)) return WordOf("static_cast<long>(" + text + ")");
     const unsigned long long value = std::strtoull(text.c_str(), nullptr, 16);
-    if (value > static_cast<unsigned long long>(LLONG_MAX)) return WordOf("static_cast<long>(" + text + ")");
     return WordOf(value > INT_MAX && value <= UINT_MAX ? text + "L" : text);
 }
 
@@ -156,9 +160,15 @@ Expr& ParseOperand(Walk& walk) {
 
 }  // namespace
 
-void LeaveAsWritten(Expr& value) {
+const Word* AsWritten(const Expr& value, const ValueType& to) {
     const std::string& token = value.source[0];
-    if (value.kind == ExprKind::Number && IsHexadecimal(token)) value.word = &WordOf(Hexadecimal(token));
+    if (value.kind != ExprKind::Number || !IsHexadecimal(token)) return nullptr;
+    const std::string text = Hexadecimal(token);
+    return IsBeyondLong(text) && !to.IsInteger() ? nullptr : &WordOf(text);
+}
+
+void LeaveAsWritten(Expr& value) {
+    if (const Word* written = AsWritten(value, {})) value.word = written;
 }
 
 Expr& ParsePrimary(Walk& walk) {

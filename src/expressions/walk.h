@@ -60,8 +60,11 @@ auto InBrackets(Walk& walk, Parse parse) -> decltype(parse(walk)) {
 Expr& ParseAssignment(Walk& walk);  // the same, but a "=" at its top level assigns
 Expr& ParseUnary(Walk& walk);
 Expr& ParsePrimary(Walk& walk);
-// Of a value that goes by itself into something with a type of its own: a hexadecimal number needs no sign there.
+// Of a value that stands by itself: a hexadecimal number that C++ has with a sign anyway, or that spreads the lack of one
+// to nothing else, needs none.
 void LeaveAsWritten(Expr& value);
+// The text of a hexadecimal number that goes by itself into something of the type, where it needs no sign; else null.
+const Word* AsWritten(const Expr& value, const ValueType& to);
 Expr& ParseString(Walk& walk);
 // Goes on from the operand to what follows it: "\" members, "[" indices.
 inline bool BeginsPostfix(char sign) { return sign == '\\' || sign == '.' || sign == '['; }

@@ -65,7 +65,9 @@ void WriteValue(Code& out, const Expr& expr) {
 
 void WriteAs(Code& out, const Expr& expr, const ValueType& to) {
     RequireValue(expr);
-    if (expr.form == ArrayForm::Owned && to.IsArray())
+    if (const Word* written = AsWritten(expr, to))
+        out += written->text;
+    else if (expr.form == ArrayForm::Owned && to.IsArray())
         out += TakeOver(expr, false);
     else
         WriteValue(out, expr);

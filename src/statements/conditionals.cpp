@@ -109,14 +109,14 @@ std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, s
     std::size_t then = tokens.Find(Keyword::Then, at);
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
-    const std::size_t depth = state.blocks.size();
+    const std::size_t depth = state.blocks.size(), withs = state.withs.size();
     const bool outerOneLine = state.place.inOneLineIf;
     state.place.inOneLineIf = true;
     bool elseSeen = false;
     at = then + 1;
     for (;;) {
         at = TranslateBranch(state, tokens, at);
-        if (state.blocks.size() != depth)
+        if (state.blocks.size() != depth || state.withs.size() != withs)
             ReportFatal("A block that opens or closes behind 'Then' must do both on the same line");
         if (at >= tokens.size()) break;
         if (tokens.KeywordAt(at) == Keyword::EndIf) {

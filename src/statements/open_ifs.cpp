@@ -14,12 +14,6 @@ struct IfStatement {
     bool opens = false;  // the last one is left open
 };
 
-bool BeginsStatement(TokenSpan tokens, std::size_t at) {
-    if (at == 0 || tokens.SignAt(at - 1) == '|') return true;
-    const Keyword before = tokens.KeywordAt(at - 1);
-    return before == Keyword::Then || before == Keyword::Else;
-}
-
 IfStatement ReadIfs(TokenSpan tokens) {
     IfStatement found;
     int depth = 0;
@@ -116,6 +110,12 @@ private:
 };
 
 }  // namespace
+
+bool BeginsStatement(TokenSpan line, std::size_t at) {
+    if (at == 0 || line.SignAt(at - 1) == '|') return true;
+    const Keyword before = line.KeywordAt(at - 1);
+    return before == Keyword::Then || before == Keyword::Else;
+}
 
 bool StaysOpen(TokenSpan statement, std::size_t then) {
     if (then == noToken) return true;

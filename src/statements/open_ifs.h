@@ -12,6 +12,9 @@
 // Statements by line and place in the line.
 using StatementPlaces = std::set<std::pair<int, std::size_t>>;
 
+// Whether a statement begins at the position of a line with such an If.
+bool BeginsStatement(TokenSpan line, std::size_t at);
+
 // Whether nothing stands behind the Then at the position, which leaves the If open; noToken for an If without one.
 bool StaysOpen(TokenSpan statement, std::size_t then);
 

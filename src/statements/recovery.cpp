@@ -86,6 +86,8 @@ void Replace(State& state, TokenSpan statement) {
     if (substitute.empty() || EndsOnItsLine(statement)) return;
     DispatchStatement(state, substitute);
     if (statement.KeywordAt(0) == Keyword::Select) state.blocks.back().braces.select->subject = ValueType();
+    if (statement.KeywordAt(0) == Keyword::For) state.blocks.back().opener.word = "For";
+    if (statement.KeywordAt(0) == Keyword::EachSeq) state.blocks.back().opener.word = "EachSeq";
 }
 
 Passing PassingBehind(const State& state, Keyword keyword) {
@@ -169,9 +171,10 @@ void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler tran
         translate(state, statement);
         return;
     } catch (const Stop& stop) {
-        if (!FollowsFromEarlier(state, keyword)) KeepMistake(stop, statement);
+        // What is wrong for a doubtful name's sake opens and closes what is written.
+        const bool only = !FollowsFromEarlier(state, keyword) && !KeepMistake(stop, statement);
         state.mistaken = true;
-        state.blocksAreDoubtful = state.blocksAreDoubtful || ConcernsBlocks(statement);
+        state.blocksAreDoubtful = state.blocksAreDoubtful || (!only && ConcernsBlocks(statement));
     }
     try {
         Recover(state, before, statement);

@@ -11,6 +11,7 @@
 #include "statements/handlers.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <memory>
 #include <utility>
@@ -80,12 +81,18 @@ std::string Spelling(TokenSpan tokens) {
     return text;
 }
 
-// Checks one label and gives its C++ text.
+// C++ takes no label that the subject cannot hold, which does not match anyway.
+bool IsOutOfReach(const OpenSelect& select, const ConstantValue& label) {
+    const bool narrow = select.subject.IsInteger() && !select.subject.Is(Base::Long);
+    return narrow && (label.integer < INT_MIN || label.integer > INT_MAX);
+}
+
+// Checks one label and gives its C++ text; empty for one that never matches.
 Code LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
     const Expr& label = TranslateValue(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
-    std::optional<ConstantValue> value = ConstantOf(label);
+    const std::optional<ConstantValue> value = ConstantOf(label);
     if (!value) {
         // The index form compares at run time, so any Const will do there.
         const bool constant = select.byIndex && (label.isConst || label.kind == ExprKind::Holes);
@@ -95,6 +102,7 @@ Code LabelText(OpenSelect& select, TokenSpan tokens) {
     }
     if (!select.labels.insert(LabelKey(select, *value)).second)
         ReportFatal("Duplicate Case label: " + Spelling(tokens), tokens);
+    if (IsOutOfReach(select, *value)) return {};
     if (select.subject.Is(Base::Double) && !label.type.Is(Base::Double))
         return "(double)" + GuardedText(label, Level::Unary);
     if (value->kind == ConstantValue::Kind::Integer && !value->toCpp) return std::to_string(value->integer);
@@ -142,7 +150,7 @@ void TranslateCase(State& state, TokenSpan tokens) {
             select.labelTexts += (select.labelTexts.empty() ? "" : ", ") + label;
             label = std::to_string(select.labelCount++);
         }
-        EmitLabel(state, select, "case " + label + ":");
+        EmitLabel(state, select, label.empty() ? ";" : "case " + label + ":");
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/report.h"
 #include "lexer/holes.h"
+#include "statements/open_ifs.h"
 #include "statements/words.h"
 #include "symbols/scopes.h"
 
@@ -38,6 +39,42 @@ std::string SubstituteInHoles(const Word& literal, const std::string& object) {
         }
     }
     return result + "\"";
+}
+
+// A With on the line of an If. One that begins a statement of its own is open already when `its` is replaced.
+bool OpensOnLine(TokenSpan tokens, std::size_t at) {
+    return tokens.KeywordAt(at) == Keyword::With && at > 0 && BeginsStatement(tokens, at);
+}
+
+// What the innermost With is over while a statement is gone through, with those on its line; null without one.
+class Objects {
+public:
+    explicit Objects(const State& state)
+        : outer(state.withs.empty() ? nullptr : &state.withs.back().object) {}
+    const Tokens* Innermost() const { return onLine.empty() ? outer : &onLine.back(); }
+    void Open(const Tokens& object) { onLine.push_back(object); }
+    void Close() {
+        if (!onLine.empty()) onLine.pop_back();
+    }
+
+private:
+    const Tokens* outer;
+    std::vector<Tokens> onLine;
+};
+
+// The token with `its` replaced by the object.
+void PutReplaced(Tokens& result, const Word& word, const Tokens* object) {
+    if (object != nullptr && word.keyword == Keyword::Its)
+        result.insert(result.end(), object->begin(), object->end());
+    else if (object != nullptr && HasHoles(word))
+        result.push_back(SubstituteInHoles(word, Spelling(*object)));
+    else
+        result.push_back(word);
+}
+
+// Whether the position ends what stands behind a With on the line.
+bool EndsObject(TokenSpan tokens, std::size_t at) {
+    return at >= tokens.size() || tokens.SignAt(at) == '|' || BlockOf(tokens.KeywordAt(at)) == Keyword::If;
 }
 
 }  // namespace
@@ -76,8 +113,9 @@ void TranslateEndWith(State& state, TokenSpan tokens) {
 }
 
 bool MentionsIts(const State& state, TokenSpan tokens) {
-    const bool open = !state.withs.empty();
-    return std::any_of(tokens.first, tokens.last, [open](const Token& token) {
+    bool open = !state.withs.empty();
+    return std::any_of(tokens.first, tokens.last, [&open](const Token& token) {
+        open = open || token->keyword == Keyword::With;
         return token->keyword == Keyword::Its || (open && HasHoles(*token));
     });
 }
@@ -85,22 +123,17 @@ bool MentionsIts(const State& state, TokenSpan tokens) {
 Tokens SubstituteIts(State& state, TokenSpan tokens) {
     Tokens result;
     result.reserve(tokens.size() + 4);
-    const bool open = !state.withs.empty();
+    Objects objects(state);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const Word& word = tokens.At(i);
-        if (word.keyword == Keyword::Its) {
-            if (open)
-                result.insert(result.end(), state.withs.back().object.begin(),
-                              state.withs.back().object.end());
-            else if (Is(tokens[i + 1], "\\"))
-                ReportFatal("'its' is only valid inside a With ... EndWith block");
-            else
-                result.push_back(word);
-        } else if (open && HasHoles(word)) {
-            result.push_back(SubstituteInHoles(word, Spelling(state.withs.back().object)));
-        } else {
-            result.push_back(word);
-        }
+        const Keyword keyword = tokens.KeywordAt(i);
+        if (keyword == Keyword::Its && objects.Innermost() == nullptr && Is(tokens[i + 1], "\\"))
+            ReportFatal("'its' is only valid inside a With ... EndWith block");
+        PutReplaced(result, tokens.At(i), objects.Innermost());
+        if (keyword == Keyword::EndWith) objects.Close();
+        if (!OpensOnLine(tokens, i)) continue;
+        const std::size_t begin = result.size();
+        for (; !EndsObject(tokens, i + 1); ++i) PutReplaced(result, tokens.At(i + 1), objects.Innermost());
+        objects.Open(TokenSpan(result).From(begin).Copy());
     }
     return result;
 }

@@ -127,9 +127,10 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
 
 }  // namespace
 
-void KeepMistake(const Stop& stop, TokenSpan statement) {
+bool KeepMistake(const Stop& stop, TokenSpan statement) {
     const bool isUnread = stop.ofUnknown && !symbols.complete;
-    if (!isUnread && (kept.empty() || !MentionsDoubtful(statement))) {
+    const bool follows = !kept.empty() && MentionsDoubtful(statement);
+    if (!isUnread && !follows) {
         const std::size_t before = kept.size();
         kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
         if (settings.columns) Explain(&kept[before], stop, statement);
@@ -137,6 +138,7 @@ void KeepMistake(const Stop& stop, TokenSpan statement) {
     }
     DoubtUnknown(stop);
     DoubtDeclared(statement);
+    return !follows;
 }
 
 void Doubt(const Word& name) { (localDefList.size() > 1 ? doubtfulInRoutine : doubtful).insert(&name); }

@@ -9,8 +9,8 @@
 #include "base/token_span.h"
 
 // Called where a mistake has been caught: it is kept, if the statement mentions nothing doubtful, and the
-// statement's own names become doubtful.
-void KeepMistake(const Stop& stop, TokenSpan statement);
+// statement's own names become doubtful. False when it only follows from doubtful names.
+bool KeepMistake(const Stop& stop, TokenSpan statement);
 
 // Doubts the name until the routine under way ends.
 void Doubt(const Word& name);

@@ -133,7 +133,7 @@ TEST(Library, TellsOfOpenLoopsBesideOtherMistakes) {
     for (const auto& [word, isTold] : {std::pair("Drawn", true), std::pair("Wendd", false)}) {
         request.overlays = {
             {request.source, "Function Draw\nEndFunction\nFunction Main\n    Local n:Int = \"x\"\n    " +
-                                 std::string(word) + "\n    While 1 = 1\nEndFunction\n"}};
+                                 std::string(word) + "\n    While n = 1\nEndFunction\n"}};
         const std::string told = TextOf(korvel::Check(request));
         EXPECT_EQ(told.find(":6: While loop starting at line 6 is missing 'Wend'") != std::string::npos,
                   isTold)
@@ -174,7 +174,7 @@ TEST(Library, GivesAdvice) {
         "14:23 did you mean 'TPlayer'? > 14:23 TPlayer\n16:14 did you mean 'Square'? > 16:14 Square\n"
         "20:11 'gone' was declared in a block that has ended; declare it before the block\n"
         "21:11 nothing that is visible here is called 'nosuch'; Local, Global and Const declare variables\n"
-        "22:11  < 15:11 declared here\n");
+        "22:11  < 15:11 declared here\n24:5  < 23:5 opened here\n");
 }
 
 // In a program that is being edited: another file, shadowed names, holes, joined lines, With, a mistake.
