@@ -62,13 +62,6 @@ static std::vector<korvel::Diagnostic> MistakesOf(const std::vector<UnclosedBloc
     return mistakes;
 }
 
-static std::vector<std::string> OpenersOf(const std::vector<UnclosedBlock>& blocks) {
-    std::vector<std::string> words;
-    words.reserve(blocks.size());
-    for (const UnclosedBlock& block : blocks) words.push_back(block.word);
-    return words;
-}
-
 static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const std::string& message) {
     std::string text;
     for (const UnclosedBlock& block : blocks) text += block.report + "\n";
@@ -78,7 +71,7 @@ static std::string QuotedHere(const std::vector<UnclosedBlock>& blocks, const st
 
 static Stop StopHere(const Wording& message, const std::vector<UnclosedBlock>& blocks = {}) {
     Stop stop{MistakesOf(blocks), QuotedHere(blocks, Shortened(message.quoted))};
-    stop.openers = OpenersOf(blocks);
+    stop.blocks = blocks;
     stop.mistakes.push_back(HereIs(Shortened(message.plain)));
     if (message.quoted != message.plain) stop.mistakes.back().quoted = Shortened(message.quoted);
     stop.mistakes.back().hint = message.hint;
@@ -135,7 +128,7 @@ void ReportUnknownStatement(const std::string& message, TokenSpan about, const s
 void ReportOpenBlocks(const std::string& heading, const std::vector<UnclosedBlock>& blocks,
                       const std::string& message) {
     Stop stop{MistakesOf(blocks), heading + QuotedHere(blocks, message)};
-    stop.openers = OpenersOf(blocks);
+    stop.blocks = blocks;
     stop.isElsewhere = true;
     throw Stop(stop);
 }

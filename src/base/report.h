@@ -14,13 +14,22 @@ struct ClassInfo;
 enum class Sought : unsigned char { Nothing, Value, Statement, Member, Type, Function, File };
 
 // Another place that a mistake has to do with: where the name stands, from the line on; without a name the line's first
-// word.
+// word. Where a block begins there that is not closed, the word that would close it.
 struct Elsewhere {
     std::string file;
     int line = 0;
     std::string name, message;
+    std::string closer = {};
 };
 inline constexpr const char *declaredHere = "declared here", *openedHere = "opened here";
+
+// A block that is open, which a report tells before its message, and the line of the current file where it starts.
+struct UnclosedBlock {
+    int line = 0;
+    std::string report;
+    std::string word;    // which opens it
+    std::string closer;  // the word that is missing; empty where several could be
+};
 
 // Thrown where something is wrong. Whoever drives a run catches it.
 struct Stop {
@@ -39,7 +48,7 @@ struct Stop {
     Sought sought = Sought::Nothing;   // the subject is a word that is not known
     const ClassInfo* owner = nullptr;  // and would be a member of this
     std::vector<Elsewhere> others = {};
-    std::vector<std::string> openers = {};  // the words of blocks that those before it are about
+    std::vector<UnclosedBlock> blocks = {};  // those before it are about them
 };
 
 // Does the work; a mistake in it that names nothing nearer is about the tokens.
@@ -52,13 +61,6 @@ auto About(TokenSpan tokens, Work work) {
         throw;
     }
 }
-
-// A block that is open, which a report tells before its message, and the line of the current file where it starts.
-struct UnclosedBlock {
-    int line = 0;
-    std::string report;
-    std::string word;  // which opens it
-};
 
 // Stops the run at the current line of the current file. Quoted are the open blocks, "Error: " + message, file and
 // line. Very long words are cut.

@@ -45,10 +45,12 @@ std::size_t FindBlock(const State& state, BlockKind kind) {
     return none;
 }
 
-void Refuse(State& state, const std::string& closer, const std::string& message, int openLine) {
+void Refuse(State& state, const std::string& closer, const std::string& message,
+            const Opener* open = nullptr) {
     if (!state.place.closerMessage.empty()) return;
     state.place.closerWord = closer;
-    state.place.closerOther = {settings.currentFile, openLine, {}, openedHere};
+    if (open != nullptr)
+        state.place.closerOther = {settings.currentFile, open->line, {}, openedHere, CloserOf(*open)};
     state.place.closerLine = settings.currentLine;
     state.place.closerMessage = message;
 }
@@ -148,7 +150,7 @@ std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string&
     if (at == none || state.blocks.size() == state.place.firstBlock) {
         const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
         if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
-        Refuse(state, closer, stray, 0);
+        Refuse(state, closer, stray);
         return std::nullopt;
     }
     const Opener& meant = state.blocks[at].opener;
@@ -158,7 +160,7 @@ std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string&
         Refuse(state, closer,
                "'" + closer + "' closes the " + Described(meant) + " while the " + Described(inner) +
                    " is still open (missing '" + CloserOf(inner) + "')",
-               inner.line);
+               &inner);
     } else if (at + 1 != state.blocks.size() || meant.kind != kind) {
         WarnOfCrossing(closer, meant, braces);
     }

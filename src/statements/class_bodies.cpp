@@ -114,12 +114,14 @@ void EmitAccess(State& state) {
 // Type Name | Element Name
 void TranslateTypeOpener(State& state, TokenSpan tokens) {
     if (state.inType)
-        ReportFatal("Obscure type declaration" +
-                    Hint{"The one before has to end first, with EndType or EndElement"});
+        ReportFatal(
+            "Obscure type declaration" + Hint{"The one before has to end first, with EndType or EndElement"},
+            {}, OpenAround(state));
     if (tokens.size() != 2)
         ReportFatal("Obscure type declaration" +
                     Hint{"It begins with the word and a name, alone: Type TName"});
-    if (InFunction(state)) ReportFatal("A Type or Element cannot be declared inside a Function");
+    if (InFunction(state))
+        ReportFatal("A Type or Element cannot be declared inside a Function", {}, OpenAround(state));
     const std::string& name = tokens[1];
     ClassInfo* cls = FindClass(name);
     // The first pass registers a class when its block is closed.

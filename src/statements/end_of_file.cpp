@@ -11,28 +11,28 @@ namespace {
                      "Transpilation failed: Unclosed " + block);
 }
 
-// `word` opens the block, which is called after it, and by its name or kind.
-UnclosedBlock Starting(const std::string& word, const std::string& what, int line,
-                       const std::string& missing) {
-    const std::string report =
-        word + " " + what + " starting at line " + std::to_string(line) + " is missing " + missing;
-    return {line, report, word};
+// `word` opens the block, which is called after it, and by its name or kind; `closer` is missing, or another word.
+UnclosedBlock Starting(const std::string& word, const std::string& what, int line, const std::string& closer,
+                       const std::string& other = {}) {
+    const std::string report = word + " " + what + " starting at line " + std::to_string(line) +
+                               " is missing '" + closer + "'" + (other.empty() ? "" : " or '" + other + "'");
+    return {line, report, word, other.empty() ? closer : ""};
 }
 
 UnclosedBlock OpenFunction(const State& state) {
-    return Starting("Function", "'" + state.routine.name + "'", state.routine.line, "'EndFunction'");
+    return Starting("Function", "'" + state.routine.name + "'", state.routine.line, "EndFunction");
 }
 
 UnclosedBlock OpenMethod(const std::string& name, int line) {
-    return Starting("Method", "'" + name + "'", line, "'EndMethod'");
+    return Starting("Method", "'" + name + "'", line, "EndMethod");
 }
 
 UnclosedBlock OpenType(const std::string& name, int line) {
-    return Starting("Type", "'" + name + "'", line, "'EndType'");
+    return Starting("Type", "'" + name + "'", line, "EndType");
 }
 
 UnclosedBlock OpenExtern(const State& state) {
-    return Starting("Extern", "block", state.externLine, "'EndExtern'");
+    return Starting("Extern", "block", state.externLine, "EndExtern");
 }
 
 // The blocks of the kind that the file has left open, in their order.
@@ -46,26 +46,25 @@ std::vector<const Opener*> Unclosed(const State& state, BlockKind kind) {
 void CheckLoops(const State& state) {
     std::vector<UnclosedBlock> findings;
     for (const Opener* loop : Unclosed(state, BlockKind::Repeat))
-        findings.push_back(Starting("Repeat", "loop", loop->line, "'Until' or 'Forever'"));
+        findings.push_back(Starting("Repeat", "loop", loop->line, "Until", "Forever"));
     if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
     for (const Opener* block : Unclosed(state, BlockKind::If))
-        findings.push_back(Starting("If", "block", block->line, "'EndIf'"));
+        findings.push_back(Starting("If", "block", block->line, "EndIf"));
     if (!findings.empty()) FailUnclosed("If block(s)", findings);
     for (const Opener* loop : Unclosed(state, BlockKind::Loop))
-        findings.push_back(
-            Starting(loop->word, "loop", loop->line, "'" + std::string(CloserOf(*loop)) + "'"));
+        findings.push_back(Starting(loop->word, "loop", loop->line, CloserOf(*loop)));
     if (!findings.empty()) FailUnclosed("loop block(s)", findings);
 }
 
 void CheckSelects(const State& state) {
     const std::vector<const Opener*> selects = Unclosed(state, BlockKind::Select);
     if (selects.empty()) return;
-    FailUnclosed("Select block", {Starting("Select", "block", selects.back()->line, "'EndSelect'")});
+    FailUnclosed("Select block", {Starting("Select", "block", selects.back()->line, "EndSelect")});
 }
 
 void CheckWiths(const State& state) {
     if (state.withs.size() <= state.place.firstWith) return;
-    FailUnclosed("With block", {Starting("With", "block", state.withs.back().line, "'EndWith'")});
+    FailUnclosed("With block", {Starting("With", "block", state.withs.back().line, "EndWith")});
 }
 
 }  // namespace
@@ -83,6 +82,14 @@ std::vector<UnclosedBlock> UnclosedExtern(const State& state) {
     return {OpenExtern(state)};
 }
 
+Elsewhere OpenAround(const State& state) {
+    if (!state.routine.openParts.empty()) return {};
+    if (InFunction(state)) return {settings.currentFile, state.routine.line, {}, openedHere, "EndFunction"};
+    if (InMethod(state)) return {settings.currentFile, state.routine.line, {}, openedHere, "EndMethod"};
+    const char* const closer = state.isElement ? "EndElement" : "EndType";
+    return {settings.currentFile, state.inType ? state.typeLine : 0, {}, openedHere, closer};
+}
+
 void CheckBlocksClosed(const State& state) {
     if (InFunction(state)) FailUnclosed("Function block", {OpenFunction(state)});
     if (InMethod(state)) FailUnclosedMethod(state.routine.name, state.routine.line);
@@ -93,7 +100,7 @@ void CheckBlocksClosed(const State& state) {
     }
     CheckLoops(state);
     if (state.inPreCalc)
-        FailUnclosed("PreCalc block", {Starting("PreCalc", "block", state.preCalcLine, "'EndPreCalc'")});
+        FailUnclosed("PreCalc block", {Starting("PreCalc", "block", state.preCalcLine, "EndPreCalc")});
     if (state.inExtern) FailUnclosed("Extern block", {OpenExtern(state)});
     CheckWiths(state);
     CheckClosers(state);

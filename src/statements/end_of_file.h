@@ -18,3 +18,6 @@ void CheckPartClosed(const State& state);
 // "Extern block starting at line 3 is missing 'EndExtern'" when an Extern is open that is never closed; else empty.
 // What stands in such a block may be meant to follow it.
 std::vector<UnclosedBlock> UnclosedExtern(const State& state);
+
+// The routine, or else the Type or Element, that is open; nothing where that began in another file.
+Elsewhere OpenAround(const State& state);

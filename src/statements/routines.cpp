@@ -130,7 +130,7 @@ bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.
 void CheckWithClosed(const State& state, const std::string& closer) {
     if (!state.withs.empty())
         ReportFatal("With block not closed - add EndWith before " + closer, {},
-                    {settings.currentFile, state.withs.back().line, {}, openedHere});
+                    {settings.currentFile, state.withs.back().line, {}, openedHere, "EndWith"});
 }
 
 // The end of the routine, for a run that gets there without a Return.
@@ -246,7 +246,8 @@ void TranslateFunction(State& state, TokenSpan tokens) {
     if (state.inExtern) return CheckExternParameters(name);
     if (state.inType || InFunction(state))
         ReportFatal("Unexpected 'function' token" +
-                    Hint{"Functions stand outside of one another and of Types: close the one before"});
+                        Hint{"Functions stand outside of one another and of Types: close the one before"},
+                    {}, OpenAround(state));
     const bool isMain = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(name, routine, isMain);
@@ -274,8 +275,10 @@ void TranslateEndFunction(State& state, TokenSpan tokens) {
 // Method Name [: Type] [( parameters )] [: Type]
 void TranslateMethod(State& state, TokenSpan tokens) {
     if (!state.inType || InMethod(state))
-        ReportFatal("Unexpected 'method' token" +
-                    Hint{"Methods stand in a Type or Element, each behind the EndMethod of the one before"});
+        ReportFatal(
+            "Unexpected 'method' token" +
+                Hint{"Methods stand in a Type or Element, each behind the EndMethod of the one before"},
+            {}, OpenAround(state));
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);

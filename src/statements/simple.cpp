@@ -1,6 +1,7 @@
 #include "statements/handlers.h"
 
 #include "base/report.h"
+#include "base/settings.h"
 #include "statements/words.h"
 
 namespace {
@@ -68,7 +69,8 @@ void TranslateAccess(State& state, TokenSpan tokens) {
 // Extern
 void TranslateExtern(State& state, TokenSpan tokens) {
     if (state.inExtern)
-        ReportFatal("Extern already declared" + Hint{"The Extern before has to end first, with EndExtern"});
+        ReportFatal("Extern already declared" + Hint{"The Extern before has to end first, with EndExtern"},
+                    {}, {settings.currentFile, state.externLine, {}, openedHere, "EndExtern"});
     RefuseMore(tokens, 1);
     state.inExtern = true;
     state.externLine = state.place.line;

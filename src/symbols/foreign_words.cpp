@@ -1,6 +1,7 @@
 #include "symbols/foreign_words.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <string_view>
 #include <unordered_map>
 
@@ -9,13 +10,14 @@
 #include "base/token_span.h"
 #include "lexer/lexer.h"
 #include "symbols/name_characters.h"
+#include "symbols/scopes.h"
 
 namespace {
 
 // Words in lower case, and signs.
 struct ForeignRow {
     const char* words;
-    const char* hint;
+    const char* hint;  // or what stands in their place
 };
 
 // Of the words that a mistake is about.
@@ -105,19 +107,51 @@ const ForeignRow insideRows[] = {
     {"abstract final static virtual override", "Methods and Types are written without such words"},
 };
 
-const std::unordered_map<std::string_view, const char*>& MeantWords() {
-    static const auto index = [] {
-        std::unordered_map<std::string_view, const char*> words;
-        for (const ForeignRow& row : meantRows) {
-            const std::string_view all = row.words;
-            for (std::size_t at = 0, end = 0; at < all.size(); at = end + 1) {
-                end = std::min(all.find(' ', at), all.size());
-                words.emplace(all.substr(at, end - at), row.hint);
-            }
+// Words in whose place others stand here, if nothing else is wrong with them.
+const ForeignRow sameRows[] = {
+    {"let set call case", ""},
+    {"constant", "Const"},
+    {"rem ' #", ";"},
+    {"endwhile", "Wend"},
+    {"endfor nextfor", "Next"},
+    {"break leave", "Exit"},
+    {"sub proc procedure def func fn", "Function"},
+    {"endsub endproc enddef", "EndFunction"},
+    {"self me", "this"},
+    {"integer int32", "Int"},
+    {"float single real decimal", "Double"},
+    {"boolean logical", "Bool"},
+    {"str text", "String"},
+    {"elif elsif", "ElseIf"},
+    {"nil none nothing nullptr undefined", "Null"},
+    {"is", "="},
+    {"isnot", "<>"},
+    {"div", "/"},
+    {"println echo write writeln puts", "Print"},
+    {"delete dispose free", "Remove"},
+    {"switch", "Select"},
+    {"as", ":"},
+    {"#include", "Include"},
+};
+
+using WordIndex = std::unordered_map<std::string_view, const char*>;
+
+template <class Rows>
+WordIndex IndexOf(const Rows& rows) {
+    WordIndex words;
+    for (const ForeignRow& row : rows) {
+        const std::string_view all = row.words;
+        for (std::size_t at = 0, end = 0; at < all.size(); at = end + 1) {
+            end = std::min(all.find(' ', at), all.size());
+            words.emplace(all.substr(at, end - at), row.hint);
         }
-        return words;
-    }();
-    return index;
+    }
+    return words;
+}
+
+const char* Find(const WordIndex& words, const std::string& word) {
+    const auto found = words.find(word);
+    return found == words.end() ? nullptr : found->second;
 }
 
 // The file that was asked about last: mistakes come mostly line by line.
@@ -169,6 +203,7 @@ const char* HintAtQuotes(std::string_view line, std::string_view meant) {
 const char* HintAtSign(TokenSpan tokens, std::string_view meant) {
     std::size_t at = 0;
     while (at < tokens.size() && tokens[at] != meant) ++at;
+    if (meant == "/" && at == 0 && tokens.SignAt(1) == '/') return "A comment begins with ';'";
     if (meant == ":" && tokens.SignAt(at + 1) == '=') return "An assignment is written with '=' alone: n = 3";
     if (meant == ":") return "Statements in one line stand apart by '|'";
     if (meant.size() == 1 && tokens.SignAt(at + 1) == meant[0]) {
@@ -207,8 +242,62 @@ const char* HintFor(std::string_view line, std::string_view meant) {
         for (const Token token : tokens)
             for (const ForeignRow& row : insideRows)
                 if (IsAmong(row.words, Lower(token->text))) return row.hint;
-    const auto found = MeantWords().find(word);
-    return found == MeantWords().end() ? nullptr : found->second;
+    static const WordIndex index = IndexOf(meantRows);
+    return Find(index, word);
+}
+
+// Adds the change that puts the text in place of a part of the mistake's line.
+void AddFix(korvel::Diagnostic& mistake, std::size_t at, std::size_t size, const std::string& text) {
+    korvel::Fix& fix = mistake.fixes.emplace_back();
+    fix.file = mistake.file;
+    fix.line = mistake.line;
+    fix.firstColumn = static_cast<int>(at) + 1;
+    fix.lastColumn = static_cast<int>(at + size);
+    fix.replacement = text;
+}
+
+// Puts the text in place of each of the others, wherever it stands.
+void ReplaceAll(korvel::Diagnostic& mistake, const std::string& line,
+                std::initializer_list<std::string_view> others, const std::string& text) {
+    for (const std::string_view other : others)
+        for (std::size_t at = line.find(other); at != std::string::npos; at = line.find(other, at + 1))
+            AddFix(mistake, at, other.size(), text);
+}
+
+// Which word stands here for one that is so called elsewhere; null without one.
+const char* SameWord(const std::string& word) {
+    static const WordIndex index = IndexOf(sameRows);
+    if (IsAmong("dim var auto", word)) return localDefList.size() > 1 ? "Local" : "Global";
+    return Find(index, word);
+}
+
+void FixSign(korvel::Diagnostic& mistake, const std::string& line, std::size_t at, std::string_view meant) {
+    if (meant == "/") return AddFix(mistake, at, 2, ";");
+    if (meant == ":") return line[at + 1] == '=' ? AddFix(mistake, at, 2, "=") : AddFix(mistake, at, 1, "|");
+    if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X") return AddFix(mistake, at, 2, "$");
+}
+
+// "End If" is one word.
+void JoinWords(korvel::Diagnostic& mistake, const std::string& line, std::size_t at, TokenSpan tokens) {
+    if (tokens.size() < 2) return;
+    const std::size_t second = line.find_first_not_of(" \t", at + tokens[0].size());
+    const Keyword joined = FindKeyword(tokens[0] + tokens[1]);
+    const bool isApart = second != std::string::npos && second > at + tokens[0].size();
+    if (isApart && (Has(joined, trait::divides) || BlockOf(joined) != Keyword::None))
+        AddFix(mistake, at, second + tokens[1].size() - at, tokens[0] + tokens[1]);
+}
+
+// What to write in place of the foreign word at the place, where that can be told.
+void FixForeignWord(korvel::Diagnostic& mistake, const std::string& line, std::size_t at,
+                    const std::string& meant) {
+    ReplaceAll(mistake, line, {"\xE2\x80\x9C", "\xE2\x80\x9D"}, "\"");
+    ReplaceAll(mistake, line, {"\\\""}, "~q");
+    if (!mistake.fixes.empty() || meant.empty()) return;
+    const char* const word = SameWord(Lower(meant));
+    if (word == nullptr) return FixSign(mistake, line, at, meant);
+    std::size_t end = at + meant.size();
+    if (*word == '\0') end = std::min(line.find_first_not_of(" \t", end), line.size());
+    AddFix(mistake, at, end - at, word);
 }
 
 const char* HintAtEncoding(const std::string& path) {
@@ -222,18 +311,20 @@ const char* HintAtEncoding(const std::string& path) {
 }  // namespace
 
 void HintAtForeignWords(korvel::Diagnostic& mistake) {
-    std::string line;
+    std::string line, word;
     if (mistake.severity != korvel::Severity::Error || mistake.file.empty()) return;
+    const auto first = static_cast<std::size_t>(mistake.firstColumn),
+               last = static_cast<std::size_t>(mistake.lastColumn);
     const char* hint = mistake.line <= 1 ? HintAtEncoding(mistake.file) : nullptr;
     if (hint == nullptr && LineOf(mistake, line)) {
-        const auto first = static_cast<std::size_t>(mistake.firstColumn),
-                   last = static_cast<std::size_t>(mistake.lastColumn);
         const bool isKnown = first > 0 && first <= last && last <= line.size();
-        const std::string meant = isKnown ? line.substr(first - 1, last - first + 1) : "";
-        const Tokens tokens = Cut(meant);
-        hint = HintFor(line, tokens.empty() ? std::string_view() : std::string_view(tokens[0]->text));
+        const Tokens tokens = Cut(isKnown ? line.substr(first - 1, last - first + 1) : "");
+        if (!tokens.empty()) word = tokens[0]->text;
+        JoinWords(mistake, line, first - 1, tokens);
+        hint = HintFor(line, word);
     }
     if (hint == nullptr) return;
     mistake.hint = hint;
     mistake.fixes.clear();
+    FixForeignWord(mistake, line, first - 1, word);
 }

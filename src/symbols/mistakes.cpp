@@ -13,6 +13,7 @@
 #include "lexer/token_places.h"
 #include "symbols/foreign_words.h"
 #include "symbols/identifiers.h"
+#include "symbols/missing_closers.h"
 #include "symbols/misspelling.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
@@ -112,17 +113,22 @@ void AddRelated(korvel::Diagnostic& mistake, const Elsewhere& other) {
     const bool isSame = related.file == mistake.file && related.line == mistake.line &&
                         related.firstColumn == mistake.firstColumn;
     if (!isSame) mistake.related.push_back(related);
+    FixOpenBlock(mistake, other.line, other.closer);
 }
 
 void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement) {
-    const std::size_t blocks = stop.openers.size();
-    for (std::size_t i = 0; i < blocks; ++i) Locate(mistakes[i], Tokens{stop.openers[i]});
+    const std::size_t blocks = stop.blocks.size();
+    for (std::size_t i = 0; i < blocks; ++i) {
+        Locate(mistakes[i], Tokens{stop.blocks[i].word});
+        FixOpenBlock(mistakes[i], mistakes[i].line, stop.blocks[i].closer);
+    }
     if (blocks == stop.mistakes.size()) return;
     LocateLast(mistakes[blocks], stop, statement);
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
     const TokenSpan meant(stop.subject.tokens);
     if (meant.empty() || !IsDeclared(meant[0])) HintAtForeignWords(mistakes[blocks]);
+    if (stop.onErrorStream) FixOpenSign(mistakes[blocks]);
 }
 
 }  // namespace

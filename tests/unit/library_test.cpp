@@ -142,6 +142,17 @@ TEST(Library, TellsOfOpenLoopsBesideOtherMistakes) {
     }
 }
 
+// The last change first, so that the places of the others stay.
+static std::string Fixed(std::string text, const std::vector<korvel::Fix>& fixes) {
+    for (auto fix = fixes.rbegin(); fix != fixes.rend(); ++fix) {
+        std::size_t line = 0;
+        for (int i = 1; i < fix->line; ++i) line = text.find('\n', line) + 1;
+        text.replace(line + static_cast<std::size_t>(fix->firstColumn) - 1,
+                     static_cast<std::size_t>(fix->lastColumn - fix->firstColumn + 1), fix->replacement);
+    }
+    return text;
+}
+
 // Mistakes, the lines and columns of what is declared or opened elsewhere, hints and what is to be written instead.
 TEST(Library, GivesAdvice) {
     korvel::Request request = RequestFor("/nowhere/main.kvl");
@@ -175,6 +186,50 @@ TEST(Library, GivesAdvice) {
         "20:11 'gone' was declared in a block that has ended; declare it before the block\n"
         "21:11 nothing that is visible here is called 'nosuch'; Local, Global and Const declare variables\n"
         "22:11  < 15:11 declared here\n24:5  < 23:5 opened here\n");
+}
+
+// A line for what is wrong, the lines that the fix makes of it, and nothing is wrong with them.
+TEST(Library, FixesMistakes) {
+    const char* const table[][2] = {
+        {"Let n = 3|set a[1] = 2", "n = 3|a[1] = 2"},
+        {"// text", "; text"},
+        {"Local x:Integer = 3|Local f:float = 3", "Local x:Int = 3|Local f:Double = 3"},
+        {"Dim x As Int = 3", "Local x : Int = 3"},
+        {"Println n div 2|delete p", "Print n / 2|Remove p"},
+        {"If p is Nil Then Print 0xFF", "If p = Null Then Print $FF"},
+        {"If n = 1\n    n = 2\nElse If n = 2\nEnd If", "If n = 1\n    n = 2\nElseIf n = 2\nEndIf"},
+        {"While True\n    break\nEndWhile", "While True\n    Exit\nWend"},
+        {"Select Case n\n    Case 1\n        Print 1\nEndSelect",
+         "Select n\n    Case 1\n        Print 1\nEndSelect"},
+        {"n := 4", "n = 4"},
+        {"Print \"a\" : Print n", "Print \"a\" | Print n"},
+        {"Print \xE2\x80\x9C"
+         "a\xE2\x80\x9D",
+         "Print \"a\""},
+        {"Print \"say \\\"hi\\\"\"", "Print \"say ~qhi~q\""},
+        {"Print (3 + a[n] ; text", "Print (3 + a[n]) ; text"},
+        {"Print \"x", "Print \"x\""},
+        {"If n = 1\n    n = 2\nElse\n    n = 3\n\nPrint n",
+         "If n = 1\n    n = 2\nElse\n    n = 3\nEndIf\n\nPrint n"},
+        {"Repeat\n    While n < 3\n        n = 3\nUntil n",
+         "Repeat\n    While n < 3\n        n = 3\n    Wend\nUntil n"},
+        {"EndFunction\nFunction A()\n    Print 1\nFunction B()",
+         "EndFunction\nFunction A()\n    Print 1\nEndFunction\nFunction B()"},
+        {"EndFunction\nType TB\n    Method A()\n        Print 1\nEndType\nFunction B()",
+         "EndFunction\nType TB\n    Method A()\n        Print 1\n    EndMethod\nEndType\nFunction B()"}};
+    const std::string head = "Type TA\nEndType\nFunction Main\nLocal n = 1, p:TA = Create TA, a:Int[3]\n";
+    for (const auto& [wrong, right] : table) {
+        korvel::Request request = RequestFor("/nowhere/main.kvl");
+        request.warnings = false;
+        request.overlays = {{request.source, head + wrong + "\nEndFunction\n"}};
+        std::string& text = request.overlays[0].text;
+        for (int i = 0; i < 5; ++i) {
+            const std::vector<korvel::Diagnostic> mistakes = korvel::Check(request).diagnostics;
+            if (!mistakes.empty()) text = Fixed(text, mistakes[0].fixes);
+        }
+        EXPECT_EQ(text, head + right + "\nEndFunction\n");
+        EXPECT_TRUE(korvel::Check(request).diagnostics.empty()) << text;
+    }
 }
 
 // In a program that is being edited: another file, shadowed names, holes, joined lines, With, a mistake.
