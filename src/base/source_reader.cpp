@@ -63,9 +63,14 @@ void RefuseNoFile(const std::string& path) {
     if (IsNoFile(path)) ReportFatal("'" + path + "' is no file");
 }
 
+std::size_t ByteOrderMarkOf(std::string_view text) {
+    const std::string_view mark = "\xEF\xBB\xBF";
+    return text.substr(0, mark.size()) == mark ? mark.size() : 0;
+}
+
 bool SourceReader::Open(const std::string& path) {
     const bool opened = ReadFile(path, text);
-    begin = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    begin = ByteOrderMarkOf(text);
     Rewind();
     return opened;
 }

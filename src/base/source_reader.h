@@ -33,6 +33,9 @@ bool IsFile(const std::string& path);
 // Reads a whole file as it is. False when it cannot be opened or read, or is no file.
 bool ReadFile(const std::string& path, std::string& text);
 
+// How many bytes of byte order mark a text begins with.
+std::size_t ByteOrderMarkOf(std::string_view text);
+
 // Whether something stands there that is no file: a folder, a pipe, a device. RefuseNoFile ends the run then.
 bool IsNoFile(const std::string& path);
 void RefuseNoFile(const std::string& path);

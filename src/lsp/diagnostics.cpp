@@ -1,5 +1,7 @@
 // What is wrong with the programs, as clients show it, and the changes that would help.
 #include <algorithm>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "lsp/features.h"
@@ -42,12 +44,15 @@ Json DiagnosticOf(Workspace& workspace, const korvel::Diagnostic& said, const ko
 
 Json ActionOf(Workspace& workspace, const korvel::Diagnostic& said, const korvel::Range& place) {
     Json changes = Json::object();
-    std::string title = "Write ";
+    std::string written;
     for (const korvel::Fix& fix : said.fixes) {
         changes[workspace.UriOf(fix.file)].push_back(
             {{"range", workspace.RangeOf(fix)}, {"newText", fix.replacement}});
-        title += (&fix == said.fixes.data() ? "" : " ... ") + fix.replacement;
+        const std::size_t start =
+            std::min(fix.replacement.find_first_not_of(" \t\n"), fix.replacement.size());
+        written += (written.empty() ? "" : " ... ") + fix.replacement.substr(start);
     }
+    const std::string title = written.empty() ? "Leave it out" : "Write " + written;
     return {{"title", title},
             {"kind", "quickfix"},
             {"isPreferred", true},
@@ -62,20 +67,19 @@ bool Touches(const Json& a, const Json& b) {
     return placeOf(a.at("start")) <= placeOf(b.at("end")) && placeOf(b.at("start")) <= placeOf(a.at("end"));
 }
 
-void AddOnce(Json& list, const Json& item) {
-    if (std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);
-}
-
 }  // namespace
 
 std::map<std::string, Json> DiagnosticsOfAll(Workspace& workspace) {
     std::map<std::string, Json> lists;
+    std::set<std::tuple<std::string, int, int, std::string>> known;  // a file may belong to several programs
     for (const auto& [path, document] : workspace.Documents()) lists[document.uri] = Json::array();
     for (const Program* program : workspace.OpenPrograms()) {
         for (const korvel::Diagnostic& said : program->inspection.result.diagnostics) {
             const korvel::Range place = PlaceOf(said, *program);
-            Json& list = lists.try_emplace(workspace.UriOf(place.file), Json::array()).first->second;
-            AddOnce(list, DiagnosticOf(workspace, said, place));  // a file may belong to several programs
+            const std::string uri = workspace.UriOf(place.file);
+            if (!known.emplace(uri, place.line, place.firstColumn, said.message).second) continue;
+            Json& list = lists.try_emplace(uri, Json::array()).first->second;
+            list.push_back(DiagnosticOf(workspace, said, place));
         }
     }
     return lists;

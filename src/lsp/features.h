@@ -17,6 +17,9 @@ struct Refusal : std::runtime_error {
 Json Hover(Workspace& workspace, const Json& params);
 Json Definition(Workspace& workspace, const Json& params);
 Json References(Workspace& workspace, const Json& params);
+Json PrepareCallHierarchy(Workspace& workspace, const Json& params);
+Json IncomingCalls(Workspace& workspace, const Json& params);
+Json OutgoingCalls(Workspace& workspace, const Json& params);
 Json PrepareRename(Workspace& workspace, const Json& params);
 Json Rename(Workspace& workspace, const Json& params);
 Json DocumentSymbols(Workspace& workspace, const Json& params);

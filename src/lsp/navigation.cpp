@@ -1,11 +1,11 @@
 // Where a name is declared and used, and giving it another one.
 #include <algorithm>
-#include <tuple>
 
 #include "base/text.h"
 #include "base/token_span.h"
 #include "lexer/lexer.h"
 #include "lsp/features.h"
+#include "lsp/meanings.h"
 #include "lsp/uri.h"
 
 namespace lsp {
@@ -13,46 +13,6 @@ namespace lsp {
 namespace {
 
 using Kind = korvel::Symbol::Kind;
-
-// A name in one of the programs that know it.
-struct Meaning {
-    const Program* program = nullptr;
-    const korvel::Symbol* symbol = nullptr;
-};
-
-// Files may belong to several programs: the name in all open ones that have its declaration.
-std::vector<Meaning> MeaningsOf(Workspace& workspace, const Spot& spot, const korvel::Symbol& symbol) {
-    const std::string file = NormalPath(symbol.file);
-    std::vector<Meaning> meanings = {{spot.program, &symbol}};
-    for (const Program* program : workspace.OpenPrograms()) {
-        for (const korvel::Symbol& other : program->inspection.symbols) {
-            const bool isSame = other.kind == symbol.kind && other.name == symbol.name &&
-                                other.line == symbol.line && other.firstColumn == symbol.firstColumn;
-            if (isSame && program != spot.program && NormalPath(other.file) == file)
-                meanings.push_back({program, &other});
-        }
-    }
-    return meanings;
-}
-
-// In the order of their places, each once.
-std::vector<korvel::Use> UsesOf(const std::vector<Meaning>& meanings) {
-    std::vector<korvel::Use> uses;
-    for (const auto& [program, symbol] : meanings) {
-        const korvel::Inspection& inspection = program->inspection;
-        for (const korvel::Use& use : inspection.uses) {
-            if (&inspection.symbols[use.symbol] != symbol) continue;
-            uses.push_back(use);
-            uses.back().file = NormalPath(use.file);
-        }
-    }
-    const auto placeOf = [](const korvel::Use& use) { return std::tie(use.file, use.line, use.firstColumn); };
-    const auto isBefore = [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); };
-    const auto isSame = [&](const auto& a, const auto& b) { return placeOf(a) == placeOf(b); };
-    std::sort(uses.begin(), uses.end(), isBefore);
-    uses.erase(std::unique(uses.begin(), uses.end(), isSame), uses.end());
-    return uses;
-}
 
 std::size_t CountMistakes(const korvel::Result& result) {
     const auto isMistake = [](const korvel::Diagnostic& said) {

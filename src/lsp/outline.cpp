@@ -2,8 +2,8 @@
 #include <set>
 #include <tuple>
 
-#include "base/token_span.h"
 #include "lexer/lexer.h"
+#include "lsp/blocks.h"
 #include "lsp/features.h"
 #include "lsp/kinds.h"
 #include "lsp/uri.h"
@@ -14,47 +14,15 @@ namespace {
 
 using Kind = korvel::Symbol::Kind;
 
-Keyword CloserOf(Kind kind) {
-    switch (kind) {
-        case Kind::Type:
-            return Keyword::EndType;
-        case Kind::Element:
-            return Keyword::EndElement;
-        case Kind::Method:
-            return Keyword::EndMethod;
-        case Kind::Function:
-            return Keyword::EndFunction;
-        default:
-            return Keyword::None;
-    }
-}
-
-// The line of the client's on which the declaration ends that begins there.
-int LastLine(const Lines& lines, int line, Keyword closer) {
-    if (closer == Keyword::None) return line;
-    Lexer lexer;
-    for (int i = line; i < lines.Count(); ++i) {
-        lexer.Cut(lines.Line(i));
-        for (const Token token : lexer.tokens)
-            if (token->keyword == closer) return i;
-    }
-    return line;
-}
-
 bool IsListed(const korvel::Symbol& symbol) {
     return symbol.kind != Kind::File && symbol.kind != Kind::Local && symbol.kind != Kind::Parameter;
 }
 
 Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
-    const Lines& lines = workspace.LinesOf(symbol.file);
-    const int last = LastLine(lines, symbol.line - 1, CloserOf(symbol.kind));
-    const Json selection = workspace.RangeOf(symbol);
-    Json range = {{"start", {{"line", symbol.line - 1}, {"character", 0}}},
-                  {"end", {{"line", last}, {"character", UnitOf(lines.Line(last), std::string::npos)}}}};
     Json entry = {{"name", symbol.name},
                   {"kind", RowOf(symbol.kind).symbol},
-                  {"range", range},
-                  {"selectionRange", selection}};
+                  {"range", WholeRange(workspace, symbol)},
+                  {"selectionRange", workspace.RangeOf(symbol)}};
     const std::string declaration = DeclarationOf(symbol);
     entry["detail"] = declaration.substr(declaration.find(' ') + 1 + symbol.name.size());
     return entry;

@@ -11,13 +11,10 @@ namespace lsp {
 
 namespace {
 
-const std::string byteOrderMark = "\xEF\xBB\xBF";
-
 std::string ReadText(const std::string& path) {
     std::string text;
     if (!ReadFile(path, text)) return {};
-    return text.compare(0, byteOrderMark.size(), byteOrderMark) == 0 ? text.substr(byteOrderMark.size())
-                                                                     : text;
+    return text.substr(ByteOrderMarkOf(text));
 }
 
 std::size_t OffsetOf(const Lines& lines, const Json& position) {
@@ -30,6 +27,10 @@ std::string Changed(const Lines& lines, const Json& change) {
     const std::size_t start = OffsetOf(lines, change["range"].at("start"));
     const std::size_t end = std::max(start, OffsetOf(lines, change["range"].at("end")));
     return lines.Text().substr(0, start) + text + lines.Text().substr(end);
+}
+
+void AddOnce(std::vector<const Program*>& list, const Program& program) {
+    if (std::find(list.begin(), list.end(), &program) == list.end()) list.push_back(&program);
 }
 
 Json Position(int line, int unit) { return {{"line", line}, {"character", unit}}; }
@@ -80,14 +81,22 @@ const std::string& Workspace::MainOf(const std::string& path) {
 // A file that has no Main of its own belongs to the first program near it that includes it.
 std::string Workspace::FindMain(const std::string& path) {
     if (DeclaresMain(LinesOf(path).Text())) return path;
-    for (const std::string& main : FilesNear(path, roots)) {
-        const std::string& text = LinesOf(main).Text();
-        if (!DeclaresMain(text) || !MayInclude(text, path)) continue;
+    for (const std::string& main : MainsNear(path)) {
         const korvel::Result result = korvel::Check(RequestFor(main));
         const auto same = [&path](const std::string& source) { return NormalPath(source) == path; };
         if (std::any_of(result.sources.begin(), result.sources.end(), same)) return main;
     }
     return path;
+}
+
+std::vector<std::string> Workspace::MainsNear(const std::string& path) {
+    std::vector<std::string> mains = FilesNear(path, roots);
+    const auto isOther = [&](const std::string& file) {
+        const std::string& text = LinesOf(file).Text();
+        return !MayInclude(text, path) || !DeclaresMain(text);
+    };
+    mains.erase(std::remove_if(mains.begin(), mains.end(), isOther), mains.end());
+    return mains;
 }
 
 const Program& Workspace::ProgramOf(const std::string& path) {
@@ -98,10 +107,15 @@ const Program& Workspace::ProgramOf(const std::string& path) {
 }
 
 std::vector<const Program*> Workspace::OpenPrograms() {
-    for (const auto& [path, document] : documents) ProgramOf(path);
     std::vector<const Program*> open;
-    for (const auto& [main, program] : programs) open.push_back(&program);
+    for (const auto& [path, document] : documents) AddOnce(open, ProgramOf(path));
     return open;
+}
+
+std::vector<const Program*> Workspace::ProgramsNear(const std::string& path) {
+    std::vector<const Program*> near = OpenPrograms();
+    for (const std::string& main : MainsNear(path)) AddOnce(near, ProgramOf(main));
+    return near;
 }
 
 const Lines& Workspace::LinesOf(const std::string& path) {

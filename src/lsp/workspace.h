@@ -48,6 +48,8 @@ public:
 
     // The programs of all open documents, each once.
     std::vector<const Program*> OpenPrograms();
+    // The same, and others near the file that may have it as a part.
+    std::vector<const Program*> ProgramsNear(const std::string& path);
     const std::map<std::string, Document>& Documents() const { return documents; }
     // The program that the file is a part of, as it is now.
     const Program& ProgramOf(const std::string& path);
@@ -68,6 +70,8 @@ private:
 
     const std::string& MainOf(const std::string& path);
     std::string FindMain(const std::string& path);
+    // The sources near the file that are programs and name it.
+    std::vector<std::string> MainsNear(const std::string& path);
 };
 
 // The file of a program that the path means, as the program spells it.

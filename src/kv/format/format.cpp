@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "base/source_reader.h"
 #include "kv/format/line.h"
 #include "kv/format/nesting.h"
 #include "kv/format/spelling.h"
@@ -10,7 +11,6 @@
 namespace {
 
 const std::size_t step = 4, tab = 4;
-const char byteOrderMark[] = "\xEF\xBB\xBF";
 
 std::size_t ColumnOf(std::string_view line) {
     std::size_t column = 0;
@@ -101,7 +101,7 @@ private:
 std::string Formatted(const std::string& text) {
     Formatter formatter;
     std::string result;
-    std::size_t at = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;
+    std::size_t at = ByteOrderMarkOf(text);
     result.append(text, 0, at);
     while (at < text.size()) {
         const std::size_t end = text.find('\n', at);
