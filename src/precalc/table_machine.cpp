@@ -1,5 +1,6 @@
 #include "precalc/table_machine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -9,8 +10,25 @@ namespace {
 constexpr long long stepLimit = 100000000;
 constexpr double tolerance = 0.000000001;  // lets steps such as 0.1 reach their end
 
-bool HasRound(double variable, double end, double step) {
-    return step >= 0 ? variable <= end + tolerance : variable >= end - tolerance;
+// Whether a loop, of which its variable, end and step are kept, has another round.
+bool HasRound(const double* loop) {
+    return loop[2] >= 0 ? loop[0] <= loop[1] + tolerance : loop[0] >= loop[1] - tolerance;
+}
+
+inline double Calculated(const TableInstruction& at, double a, double b) {
+    switch (at.op) {
+        case TableOp::Add:
+            return a + b;
+        case TableOp::Subtract:
+            return a - b;
+        case TableOp::Multiply:
+            return a * b;
+        case TableOp::Modulo:
+            return std::fmod(a, b);
+        default:
+            if (b == 0.0) FailInBlock(at, "PreCalc: division by zero");
+            return a / b;
+    }
 }
 
 // The whole number an index stands for: what is left of the point, after making up for rounding.
@@ -31,6 +49,12 @@ double Position(const TableProgram& program, const TableInstruction& at, const d
         position = position * size + index;
     }
     return position;
+}
+
+std::size_t ItemCount(const TableProgram& program) {
+    std::size_t count = 1;
+    for (const long long size : program.sizes) count *= static_cast<std::size_t>(size);
+    return count;
 }
 
 void CountStep(long long& steps, const TableInstruction& at) {
@@ -54,9 +78,7 @@ std::string NumberText(double value) {
 
 TableValues RunTable(const TableProgram& program) {
     TableValues values;
-    std::size_t count = 1;
-    for (const long long size : program.sizes) count *= static_cast<std::size_t>(size);
-    values.items.resize(count);
+    values.items.resize(ItemCount(program));
 
     std::vector<double> stack(program.stackSize + 1);
     std::vector<double> variables(program.variableCount);
@@ -87,25 +109,12 @@ TableValues RunTable(const TableProgram& program) {
                 CountStep(steps, *at);
                 break;
             case TableOp::Add:
-                --top;
-                top[-1] += top[0];
-                break;
             case TableOp::Subtract:
-                --top;
-                top[-1] -= top[0];
-                break;
             case TableOp::Multiply:
-                --top;
-                top[-1] *= top[0];
-                break;
             case TableOp::Divide:
-                --top;
-                if (top[0] == 0.0) FailInBlock(*at, "PreCalc: division by zero");
-                top[-1] /= top[0];
-                break;
             case TableOp::Modulo:
                 --top;
-                top[-1] = std::fmod(top[-1], top[0]);
+                top[-1] = Calculated(*at, top[-1], top[0]);
                 break;
             case TableOp::Negate:
                 top[-1] = -top[-1];
@@ -117,23 +126,17 @@ TableValues RunTable(const TableProgram& program) {
                 --top;
                 top[-1] = at->two(top[-1], top[0]);
                 break;
-            case TableOp::Enter: {
+            case TableOp::Enter:
                 top -= 3;
-                double* loop = &variables[at->operand];
-                loop[0] = top[0];
-                loop[1] = top[1];
-                loop[2] = top[2];
+                std::copy(top, top + 3, &variables[at->operand]);
                 CountStep(steps, *at);
-                if (!HasRound(loop[0], loop[1], loop[2])) at = code + at->target - 1;
+                if (!HasRound(&variables[at->operand])) at = code + at->target - 1;
                 break;
-            }
-            case TableOp::Next: {
-                double* loop = &variables[at->operand];
-                loop[0] += loop[2];
+            case TableOp::Next:
+                variables[at->operand] += variables[at->operand + 2];
                 CountStep(steps, *at);
-                if (HasRound(loop[0], loop[1], loop[2])) at = code + at->target - 1;
+                if (HasRound(&variables[at->operand])) at = code + at->target - 1;
                 break;
-            }
             case TableOp::Fail:
                 FailInBlock(*at, program.messages[at->operand]);
             case TableOp::End:
