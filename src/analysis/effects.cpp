@@ -38,6 +38,7 @@ struct Facts {
     std::vector<std::vector<std::size_t>> textsOf;  // the routines with statements of a node
     std::unordered_map<int, EffectSet> own;         // of the nodes themselves, as far as they were read
     std::unordered_map<int, EffectSet> closures;    // with all that the nodes may run, as far as asked for
+    std::unordered_map<int, bool> runsItself;       // whether nodes may come back to themselves, as far as asked for
     bool complete = false;
 };
 
@@ -190,6 +191,34 @@ EffectSet Effects(TokenSpan tokens, void (EffectReader::*read)(TokenSpan)) {
     return set;
 }
 
+bool MayRunItself(int node) {
+    const auto [known, isNew] = facts.runsItself.emplace(node, false);
+    if (!isNew) return known->second;
+    const ReachGraph& graph = CompleteGraph();
+    std::unordered_set<int> met;
+    for (std::vector<int> open = {node}; !open.empty() && !known->second;) {
+        const auto at = static_cast<std::size_t>(open.back());
+        open.pop_back();
+        for (const int callee : graph.nodes[at].callees) {
+            known->second = known->second || callee == node;
+            if (met.insert(callee).second) open.push_back(callee);
+        }
+    }
+    return known->second;
+}
+
+// Whether a routine that is called there may run again meanwhile.
+bool MayRunItself(TokenSpan tokens) {
+    bool may = false;
+    WithHoles(tokens, [&may](TokenSpan part) {
+        for (std::size_t i = 0; i < part.size() && !may; ++i) {
+            const Meaning* meaning = MayRun(part, i) ? CompleteGraph().words.Find(part.At(i)) : nullptr;
+            may = meaning != nullptr && meaning->routine >= 0 && MayRunItself(meaning->routine);
+        }
+    });
+    return may;
+}
+
 }  // namespace
 
 EffectSet EffectsOf(TokenSpan tokens) { return Effects(tokens, &EffectReader::ReadValue); }
@@ -226,4 +255,4 @@ bool MayChange(TokenSpan changing, TokenSpan reading) {
     return MayChange(EffectsOf(changing), EffectsOf(reading));
 }
 
-bool MayRepeat(TokenSpan tokens) { return ChangesNothing(EffectsOf(tokens)); }
+bool MayRepeat(TokenSpan tokens) { return ChangesNothing(EffectsOf(tokens)) && !MayRunItself(tokens); }

@@ -27,5 +27,6 @@ bool OrderCanBeSeen(const std::vector<EffectSet>& pieces);
 bool OrderCanBeSeen(const std::vector<TokenSpan>& pieces);
 // Whether working out the one may change what the other reads.
 bool MayChange(TokenSpan changing, TokenSpan reading);
-// Whether nobody could tell that it was worked out more than once.
+// Whether nobody could tell that it was worked out more than once. Who comes back to the same place by its calls could,
+// by the time that it takes: twice as often each time.
 bool MayRepeat(TokenSpan tokens);
