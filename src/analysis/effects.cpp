@@ -38,7 +38,8 @@ struct Facts {
     std::vector<std::vector<std::size_t>> textsOf;  // the routines with statements of a node
     std::unordered_map<int, EffectSet> own;         // of the nodes themselves, as far as they were read
     std::unordered_map<int, EffectSet> closures;    // with all that the nodes may run, as far as asked for
-    std::unordered_map<int, bool> runsItself;       // whether nodes may come back to themselves, as far as asked for
+    std::unordered_map<int, bool>
+        runsItself;  // whether nodes may come back to themselves, as far as asked for
     bool complete = false;
 };
 
