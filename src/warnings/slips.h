@@ -14,6 +14,7 @@ TokenSpan EndsWithWord(const State& state, TokenSpan statement);
 TokenSpan CountsNothing(const State& state, TokenSpan statement);
 TokenSpan CountsForever(const State& state, TokenSpan statement);
 TokenSpan GetsBeyondEnd(const State& state, TokenSpan statement);
+TokenSpan PrintsShifted(const State& state, TokenSpan statement);
 
 // Of operators.
 TokenSpan NegatesOperand(const Operation& operation);

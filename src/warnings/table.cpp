@@ -29,6 +29,8 @@ const WarningRow rows[] = {
     {"loop-forever", "This loop cannot end", "Nothing in it changes what its end depends on", CountsForever},
     {"beyond-end", "There is no item '{}' in the Sequence",
      "The first item has the number 0, the last one SeqLength(s) - 1", GetsBeyondEnd},
+    {"print-shl", "'{}' stands between two items here, as '&' does", "Write it in brackets: Print (a Shl b)",
+     PrintsShifted},
     // operators
     {"not-compared", "'{}' negates only what stands before the comparison", "Write Not (a = b), or a <> b",
      nullptr, NegatesOperand},
