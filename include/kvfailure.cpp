@@ -15,6 +15,8 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <set>
+#include <string>
 #include <typeinfo>
 
 #include <cxxabi.h>
@@ -93,6 +95,11 @@ private:
 void SayError(const char* what) {
     Line line;
     (line << "error: " << what).End();
+}
+
+void SayWarning(const char* what) {
+    Line line;
+    (line << "warning: " << what).End();
 }
 
 // ---- Places ------------------------------------------------------------------------------------------------------
@@ -185,9 +192,15 @@ const char* SourcePath(const char* file) {
     return other ? nullptr : file;
 }
 
-int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine) {
+// Null for what is not of the source.
+const char* PathOf(const char* file, int number, const char* routine) {
     const char* path = file == nullptr ? nullptr : SourcePath(file);
-    if (path == nullptr || number <= 0 || (routine != nullptr && IsOwn(Name(routine)))) return 0;
+    return number <= 0 || (routine != nullptr && IsOwn(Name(routine))) ? nullptr : path;
+}
+
+int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine) {
+    const char* path = PathOf(file, number, routine);
+    if (path == nullptr) return 0;
     Line line;
     line << "  at " << folder << path << ":" << static_cast<unsigned long long>(number);
     if (routine != nullptr) SayRoutine(line, Name(routine));
@@ -221,6 +234,51 @@ struct Walk {
     uintptr_t last = 0;
 };
 
+std::size_t HashOf(const char* text, const char* end) {
+    std::size_t hash = 0;
+    for (; *text != '\0' && text != end; ++text) hash = hash * 31 + static_cast<unsigned char>(*text);
+    return hash;
+}
+
+// Leaves a number that stands for the first place of the source.
+int NotePlace(void* data, uintptr_t, const char* file, int number, const char* routine) {
+    std::size_t& place = *static_cast<std::size_t*>(data);
+    if (place == 0 && PathOf(file, number, routine) != nullptr)
+        place = HashOf(file, nullptr) * 100003 + static_cast<std::size_t>(number);
+    return 0;
+}
+
+_Unwind_Reason_Code FindPlace(_Unwind_Context* context, void* data) {
+    const uintptr_t address = _Unwind_GetIP(context);
+    if (address >= ownCode.begin && address < ownCode.end)
+        backtrace_pcinfo(state, address - 1, NotePlace, IgnoreProblem, data);
+    return *static_cast<std::size_t*>(data) != 0 ? _URC_END_OF_STACK : _URC_NO_REASON;
+}
+
+bool FindTables() {
+    if (state == nullptr) state = backtrace_create_state(nullptr, 0, IgnoreProblem, nullptr);
+    if (state != nullptr) dl_iterate_phdr(NoteOwnCode, nullptr);
+    return state != nullptr;
+}
+
+const std::size_t warningsSaid = 200;
+
+// Whether nothing has been said of what stands in front of the text's colon, at the place under way.
+bool IsNewPlace(const char* text) {
+    static std::size_t told[warningsSaid];
+    static std::size_t count = 0;
+    std::size_t place = 0;
+    if (!FindTables()) return true;
+    _Unwind_Backtrace(FindPlace, &place);
+    place ^= HashOf(text, std::strchr(text, ':'));
+    for (std::size_t i = 0; i < count; ++i) {
+        if (told[i] == place) return false;
+    }
+    if (count == warningsSaid) return false;
+    told[count++] = place;
+    return true;
+}
+
 void SayRepeats(Walk& walk) {
     Line line;
     if (walk.repeats > 0) (line << "     ... and " << walk.repeats << " times more").End();
@@ -247,9 +305,8 @@ _Unwind_Reason_Code Visit(_Unwind_Context* context, void* data) {
 }
 
 void SayPlaces() {
-    if (state == nullptr) state = backtrace_create_state(nullptr, 0, IgnoreProblem, nullptr);
-    if (state == nullptr) return;
-    dl_iterate_phdr(NoteOwnCode, nullptr);
+    if (!FindTables()) return;
+    placesSaid = 0;
     Walk walk;
     _Unwind_Backtrace(Visit, &walk);
     SayRepeats(walk);
@@ -260,6 +317,12 @@ void SayPlaces() {
 #else
 
 void SayPlaces() {}
+
+// Without places each text counts.
+bool IsNewPlace(const char* text) {
+    static std::set<std::string> told;
+    return told.insert(text).second;
+}
 
 #endif
 
@@ -484,6 +547,12 @@ __attribute__((constructor(101))) void Begin() {
 #endif
 
 }  // namespace
+
+extern "C" void __kvWarn(const char* text) {
+    if (!IsNewPlace(text)) return;
+    SayWarning(text);
+    SayPlaces();
+}
 
 extern "C" void __kvFail(int status) {
     SayPlaces();

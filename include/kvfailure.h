@@ -9,7 +9,10 @@
 
 #ifdef KV_NO_FAILURES
 
+#include <cstdio>
+
 static void (*__kvBeforeFailure)();
+inline void __kvWarn(const char* text) { std::fprintf(stderr, "warning: %s\n", text); }
 [[noreturn]] inline void __kvFail(int status) { std::exit(status); }
 
 #else
@@ -19,6 +22,8 @@ extern "C" {
 extern void (*__kvBeforeFailure)();
 // Behind the text of a run-time error: says where it happened and ends the program.
 [[noreturn]] void __kvFail(int status);
+// Tells of what is wrong but does not end the program, and where; each place once.
+void __kvWarn(const char* text);
 }
 
 #endif

@@ -65,14 +65,20 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
 }
 
 // A Const of the program comes first.
-bool IsCallerPlace(TokenSpan value) {
-    return value.size() == 1 && value[0] == "CallerPlace" && FindGlobal(value[0]) == nullptr;
+bool IsOfCall(TokenSpan value, const char* word) {
+    return value.size() == 1 && value[0] == word && FindGlobal(value[0]) == nullptr;
+}
+
+ValueType DefaultType(const Routine& routine, const Parameter& parameter) {
+    if (parameter.placed) return Single(Base::String);
+    return parameter.counted ? Single(Base::Int) : TypeOfDefault(routine, parameter);
 }
 
 void SettleDefault(const Routine& routine, Parameter& parameter) {
     for (const std::string& name : parameter.defaultValue) SettleTypeOf(name);
-    parameter.placed = IsCallerPlace(parameter.defaultValue);
-    const ValueType type = parameter.placed ? Single(Base::String) : TypeOfDefault(routine, parameter);
+    parameter.placed = IsOfCall(parameter.defaultValue, "CallerPlace");
+    parameter.counted = IsOfCall(parameter.defaultValue, "ItemCount");
+    const ValueType type = DefaultType(routine, parameter);
     if (type.base == Base::Void)
         ReportUnknown("The default value of parameter '" + parameter.name +
                           "' must be a number, a text, True, False, Null or a Const",

@@ -69,6 +69,15 @@ bool HasSizes(const Expr& array) {
            (FindLocal(variable->name) == variable || FindGlobal(variable->name) == variable);
 }
 
+// Of an array that has no constants for its sizes here, a Field for instance.
+std::string SizeByDeclaration(const Expr& array) {
+    const Variable* variable = VariableOrField(array);
+    if (variable == nullptr || variable->sizes.empty()) return "-1";
+    if (IsDigitsOnly(variable->sizes[0])) return variable->sizes[0];
+    const bool asks = array.form == ArrayForm::Vector && !array.effects;
+    return asks ? "static_cast<int>(" + TextOf(array).text + ".size())" : "-1";
+}
+
 bool IsCheckWanted(const Expr& array, std::size_t indices) {
     constexpr std::size_t mostDimensions = 3;
     return settings.safeMode && !settings.debugMode && array.type.IsKnown() &&
@@ -221,6 +230,11 @@ void WritePlain(Code& out, const Expr& item) {
 }
 
 }  // namespace
+
+std::string KnownSize(const Expr& array) {
+    if (array.form == ArrayForm::Pointer) return "-1";
+    return HasSizes(array) ? SizeName(array.variable->cppName, 0) : SizeByDeclaration(array);
+}
 
 void WriteIndex(Code& out, const Expr& item) {
     const ArrayForm form = item.first->form;

@@ -130,7 +130,7 @@ void CheckArguments(const std::string& subject, const Routine& routine, PartList
             CheckPassed(*argument, parameter.type);
             argument = argument->next;
         } else {
-            arguments.Add(TranslateDefault(routine, parameter));
+            arguments.Add(TranslateDefault(routine, parameter, arguments.First()));
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "base/journal.h"
 #include "base/settings.h"
+#include "expressions/walk.h"
 #include "linking/runtime_code.h"
 #include "prelude/line_marks.h"
 #include "symbols/scopes.h"
@@ -18,10 +19,19 @@ Expr& PlaceOfCall() {
     return place;
 }
 
+// How many items an array has, as far as that is known here.
+Expr& CountOfItems(const Expr* array) {
+    Expr& count = NewNode(ExprKind::Fixed, Single(Base::Int));
+    count.text = WordOf(array == nullptr ? "-1" : KnownSize(*array)).text.c_str();
+    count.given = false;
+    return count;
+}
+
 }  // namespace
 
-Expr& TranslateDefault(const Routine& routine, const Parameter& parameter) {
+Expr& TranslateDefault(const Routine& routine, const Parameter& parameter, const Expr* firstArgument) {
     if (parameter.placed) return PlaceOfCall();
+    if (parameter.counted) return CountOfItems(firstArgument);
     const FileLevelNames names;
     const AtPlace declaration(routine.file, routine.line);
     Expr& value = TranslateExpression(parameter.defaultValue, ExprMode::Condition);

@@ -36,6 +36,8 @@ const std::array<Row, supportCount> rows = {{
     {texts::askedStep, texts::askedStep, Support::AskedStep},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
     {texts::fastFixedArray, texts::fastFixedArray, Support::FixedArray},
+    {texts::misuse, texts::misuse, Support::Misuse},
+    {texts::noMisuse, texts::noMisuse, Support::NoMisuse},
     {texts::presence, texts::presence, Support::Presence},
 }};
 

@@ -22,6 +22,8 @@ enum class Support : unsigned char {
     AskedStep,     // KVStep, the step of a For that runs code of the program
     SafeOperands,  // checked division and remainder of operands of two types, remainder of Doubles
     FixedArray,    // KVArray, an array inside the frame of its routine; under -fast
+    Misuse,        // what modules say of what they are given and cannot use
+    NoMisuse,      // that they say nothing
     Presence,      // KVPresence, whether a Method's object is still there; debug builds
     Count,
 };

@@ -46,6 +46,8 @@ extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
 extern const std::string_view sequenceWalk;
 extern const std::string_view inputEnd;
+extern const std::string_view misuse;
+extern const std::string_view noMisuse;
 extern const std::string_view safeOperands;
 extern const std::string_view askedStep;
 extern const std::string_view fastFixedArray;  // only programs translated with -fast ask for it

@@ -6,6 +6,7 @@
 #include "expressions/tree.h"
 #include "lexer/source_lines.h"
 #include "prelude/program_uses.h"
+#include "prelude/support.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/recovery.h"
@@ -62,10 +63,14 @@ void NoteOpened(State& state, int opened) {
 void ReadStatements(State& state, const std::string& source) {
     SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
+    const bool isModule = IsModule(source), checked = settings.safeMode && !settings.debugMode;
     int opened = 0;  // braces of inline C++ since the line before
     lines.onInlineCpp = [&](const InlineLine& line) {
         opened += line.braces;
-        if (!IsModule(source)) NoteInlineCpp(line.text);
+        if (isModule)
+            RequireSupport(checked ? Support::Misuse : Support::NoMisuse);
+        else
+            NoteInlineCpp(line.text);
         NoteInlineCppInLoops(line.text);
         NoteInlineJumps(state);
         const std::size_t code = line.text.find_first_not_of(" \t");

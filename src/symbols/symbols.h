@@ -49,9 +49,10 @@ struct Parameter {
     std::string name;
     ValueType type;
     bool hasDefault = false;
-    Tokens defaultValue;   // a literal, a signed number, True/False/Null, a Const or CallerPlace
+    Tokens defaultValue;   // a literal, a signed number, True/False/Null, a Const, CallerPlace or ItemCount
     bool untyped = false;  // takes the type of its default value
     bool placed = false;   // the default value is CallerPlace: where the call stands, "lib/game.kvl:12"
+    bool counted = false;  // ItemCount: how many items the first argument, an array, has; -1 if nobody knows
 };
 
 // A Function, Method or userlib function as calls see it.
