@@ -37,12 +37,37 @@ if(TARGET kv AND NOT CMAKE_CROSSCOMPILING)
     stage_completion(zsh share/zsh/site-functions/_kv)
     stage_completion(fish share/fish/vendor_completions.d/kv.fish)
 endif()
+
+# Files for editors, with the words of the language in them; the package for VS Code where its tools are there.
+set(WORD_TABLES ${PROJECT_SOURCE_DIR}/cmake/editors.cmake ${PROJECT_SOURCE_DIR}/src/base/keywords.inc
+    ${PROJECT_SOURCE_DIR}/src/lsp/snippets.inc ${PROJECT_SOURCE_DIR}/config/keywords.txt)
+function(fill_words_into outputs folder target)
+    file(GLOB_RECURSE templates CONFIGURE_DEPENDS RELATIVE ${folder} ${folder}/*)
+    foreach(name ${templates})
+        add_custom_command(OUTPUT ${target}/${name} DEPENDS ${folder}/${name} ${WORD_TABLES}
+            COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DTEMPLATE=${folder}/${name}
+            -DOUTPUT=${target}/${name} -P ${PROJECT_SOURCE_DIR}/cmake/editors.cmake VERBATIM)
+        list(APPEND made ${target}/${name})
+    endforeach()
+    set(${outputs} ${made} PARENT_SCOPE)
+endfunction()
+fill_words_into(VIM_FILES ${PROJECT_SOURCE_DIR}/editors/vim ${STAGE}/editors/vim)
+fill_words_into(CODE_FILES ${PROJECT_SOURCE_DIR}/editors/vscode ${CMAKE_BINARY_DIR}/vscode)
+list(APPEND STAGE_OUTPUTS ${VIM_FILES} ${CODE_FILES})
+if(EXISTS ${PROJECT_SOURCE_DIR}/out/npm/installed.json)
+    add_custom_command(OUTPUT ${STAGE}/editors/korvel.vsix DEPENDS ${CODE_FILES} editors/package.json
+        COMMAND ${PROJECT_SOURCE_DIR}/editors/package ${CMAKE_BINARY_DIR}/vscode ${STAGE}/editors/korvel.vsix VERBATIM)
+    list(APPEND STAGE_OUTPUTS ${STAGE}/editors/korvel.vsix)
+else()
+    message(STATUS "The package for VS Code is left out (scripts/npm-packages installs what it takes)")
+endif()
+
 add_custom_target(stage ALL DEPENDS ${STAGE_OUTPUTS})
 # The manual as HTML, in out/PRESET/manual; needs pandoc.
 add_custom_target(manual COMMAND ${PROJECT_SOURCE_DIR}/docs/manual/build ${CMAKE_BINARY_DIR}/manual VERBATIM)
 file(MAKE_DIRECTORY ${STAGE}/config ${STAGE}/include ${STAGE}/lib ${STAGE}/userlibs)
 
 install(TARGETS ${KORVEL_PROGRAMS} RUNTIME DESTINATION bin)
-foreach(folder config docs examples include lib share userlibs)
+foreach(folder config docs editors examples include lib share userlibs)
     install(DIRECTORY ${STAGE}/${folder} DESTINATION .)
 endforeach()
