@@ -1,5 +1,8 @@
 #include "base/journal.h"
 
+#include <set>
+#include <utility>
+
 #include "base/run.h"
 
 namespace {
@@ -20,16 +23,21 @@ bool TakesLines(const Chapter::Entry& entry, bool onErrorStream) {
     return entry.when == telling && !entry.text.empty() && entry.onErrorStream == onErrorStream;
 }
 
-void Tell(const Chapter& chapter, Telling as, bool mistakesOnly, Told& told) {
+// `sound` are chapters without mistakes: where many files include one another, each would be met many times.
+using SoundChapters = std::set<std::pair<const Chapter*, Telling>>;
+
+void Tell(const Chapter& chapter, Telling as, bool mistakesOnly, SoundChapters& sound, Told& told) {
+    if (mistakesOnly && sound.count({&chapter, as}) != 0) return;
     for (const Chapter::Entry& entry : chapter.entries) {
         if (entry.when != Telling::Both && entry.when != as) continue;
         if (!mistakesOnly) SayText(entry.text, entry.onErrorStream);
         if (!mistakesOnly && !entry.file.empty()) told.files.push_back(entry.file);
         if (entry.chapter != nullptr)
-            Tell(*entry.chapter, entry.as, mistakesOnly || entry.mistakesOnly, told);
+            Tell(*entry.chapter, entry.as, mistakesOnly || entry.mistakesOnly, sound, told);
         if (entry.mistake != nullptr) told.mistake = entry.mistake.get();
         if (told.mistake != nullptr) return;
     }
+    sound.emplace(&chapter, as);
 }
 
 }  // namespace
@@ -77,6 +85,7 @@ bool NoteText(const std::string& lines, bool onErrorStream) {
 
 Told TellRun() {
     Told told;
-    Tell(whole, Telling::Both, false, told);
+    SoundChapters sound;
+    Tell(whole, Telling::Both, false, sound, told);
     return told;
 }

@@ -195,6 +195,8 @@ void VerboseNote(const std::string& line) {
     if (settings.verbose) Say(line);
 }
 
+void DebugLog(const std::string& message) { VerboseNote("[DEBUG] " + message); }
+
 void Say(const std::string& line) { SayLines(line + "\n", false); }
 
 void SayLines(const std::string& lines, bool onErrorStream) {

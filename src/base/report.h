@@ -115,6 +115,8 @@ bool IsSilent();
 
 // Prints line + end of line on standard output in verbose mode only.
 void VerboseNote(const std::string& line);
+// The same for what concerns the compiler rather than the program: "[DEBUG] " + message.
+void DebugLog(const std::string& message);
 
 // Says line + end of line on standard output, always: at once, or while the program is gone through, at its place
 // in the journal.

@@ -1,6 +1,7 @@
 #include "library/phases.h"
 
 #include "base/journal.h"
+#include "base/report.h"
 #include "base/settings.h"
 #include "collect/name_scan.h"
 #include "library/word_lists.h"
@@ -17,11 +18,15 @@ void GoThroughProgram() {
     LoadWordLists();
     Say("Working on files...\n");
     CollectNames(settings.mainSource);
+    DebugLog("Names of Types and Elements: " + std::to_string(symbols.classes.size()) +
+             ", source files: " + std::to_string(symbols.sourceFiles.size()));
     CollectProgram(settings.mainSource);
+    DebugLog("All declarations read");
     SettleProgram();
     BeginWarnings();
     TranslateFiles();
     TellWarnings();
+    DebugLog("All statements translated");
     if (!AnyMistakes()) FinishProgram();
 }
 

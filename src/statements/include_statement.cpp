@@ -26,21 +26,27 @@ void IncludePart(State& state, SourceFile& file) {
     if (InnermostIs(state, BlockKind::Select)) EmitLine(state, ";");
 }
 
-// Its mistakes count whenever the including file is told.
+// Its mistakes count whenever a file that includes it is told.
+void TellMistakes(const SourceFile& file) {
+    NoteMistakesOf(file.declared, Telling::Second);
+    NoteMistakesOf(file.translated, Telling::Second);
+}
+
 void TellWhereIncluded(const SourceFile& file) {
-    for (const Chapter* chapter : {&file.declared, &file.translated}) {
+    {
         const TellOnly first(Telling::First);
-        NoteMistakesOf(*chapter, Telling::Second);
-        const TellOnly second(Telling::Second);
-        NoteChapter(*chapter, Telling::Second);
+        TellMistakes(file);
     }
+    const TellOnly second(Telling::Second);
+    NoteChapter(file.declared, Telling::Second);
+    NoteChapter(file.translated, Telling::Second);
 }
 
 void IncludeFile(State& state, SourceFile& file) {
     EmitIncludeLine(state, file.output);
     if (file.begun != nullptr) {
         file.begun->metAgain = true;
-        return;
+        return TellMistakes(file);
     }
     NoteInclude(file.output);
     TellWhereIncluded(file);
