@@ -42,6 +42,7 @@ bool HeaderBuiltForOtherTarget(const std::string& cppPath);
 // The quick-build decision with its messages: true when nothing that was read has changed.
 bool CanSkipTranslation();
 
-// Brings the list of included files, unless translation was skipped, and the times up to date and saves the record; the last step of every quick build, when no output
-// changes any more. It does not vouch for a .cpp of the other mode that is still there.
+// Brings the list of included files, unless translation was skipped, and the times up to date and saves the record:
+// the last step of every quick build, when no output changes any more. It does not vouch for a .cpp of the other mode
+// that is still there.
 void UpdateDependencyManifest();

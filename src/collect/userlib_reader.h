@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// Reads one declaration file, which stands at the first of the places that has one, into symbols.userlibDLLs, userlibFunctions and
-// userlibRoutines. A file that cannot be opened, a reserved name and a type that a DLL cannot take end
-// the run; malformed lines are skipped.
+// Reads one declaration file, which stands at the first of the places that has one, into symbols.userlibDLLs,
+// userlibFunctions and userlibRoutines. A file that cannot be opened, a reserved name and a type that a DLL cannot
+// take are mistakes; malformed lines are skipped.
 void ImportUserlib(const std::vector<std::string>& places);
