@@ -1,6 +1,7 @@
 // Korvel in VS Code: starts kv lsp, offers kv's commands as tasks and kv dap as debugger.
 const vscode = require('vscode');
 const { LanguageClient } = require('vscode-languageclient/node');
+const { missingCloser } = require('./blocks');
 
 const setting = name => vscode.workspace.getConfiguration('korvel').get(name);
 const openFile = () => vscode.window.activeTextEditor && vscode.window.activeTextEditor.document;
@@ -45,8 +46,22 @@ async function openCpp(document) {
   await vscode.window.showTextDocument(await vscode.workspace.openTextDocument({ language: 'cpp', content: text }));
 }
 
+// A new line behind one that opens a block has the block closed.
+async function closeBlock({ document, contentChanges, reason }) {
+  const editor = vscode.window.activeTextEditor;
+  const typed = contentChanges.length === 1 && reason === undefined && /^\r?\n[ \t]*$/.test(contentChanges[0].text);
+  if (!typed || !editor || editor.document !== document || document.languageId !== 'korvel' || !setting('closeBlocks')) return;
+  const row = contentChanges[0].range.start.line, lines = document.getText().split(/\r?\n/);
+  const closer = lines[row + 1].trim() === '' ? missingCloser(lines, row) : undefined;
+  if (closer === undefined) return;
+  const end = document.lineAt(row + 1).range.end;
+  await editor.edit(edit => edit.insert(end, '\n' + closer), { undoStopBefore: false, undoStopAfter: false });
+  editor.selection = new vscode.Selection(end, end);
+}
+
 exports.activate = async context => {
   context.subscriptions.push(
+    vscode.workspace.onDidChangeTextDocument(closeBlock),
     vscode.tasks.registerTaskProvider('korvel', tasks),
     vscode.commands.registerCommand('korvel.run', withFile(document => vscode.tasks.executeTask(taskOf('run', document.fileName)))),
     vscode.commands.registerCommand('korvel.debug', withFile(document => vscode.debug.startDebugging(undefined,
