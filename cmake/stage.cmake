@@ -17,7 +17,7 @@ function(stage_completion shell name)
     set(STAGE_OUTPUTS ${STAGE_OUTPUTS} ${STAGE}/${name} PARENT_SCOPE)
 endfunction()
 
-file(GLOB_RECURSE STAGE_INPUTS CONFIGURE_DEPENDS config/* include/* lib/* userlibs/* docs/manual/*.md examples/*.kvl
+file(GLOB_RECURSE STAGE_INPUTS CONFIGURE_DEPENDS config/* include/* lib/* userlibs/* docs/manual/*.md docs/manual/*.svg examples/*.kvl
     examples/*.in examples/expected/*)
 foreach(input ${STAGE_INPUTS})
     if(NOT input MATCHES "/\\.kvbuild/")
