@@ -134,6 +134,7 @@ public:
         byLine = ::isatty(STDOUT_FILENO) != 0;
 #endif
         Own() = this;
+        std::cout.flush();  // included files may have written something before
         std::cout.rdbuf(this);
         Terminate() = std::set_terminate(EndByException);
         HandleSignals();
