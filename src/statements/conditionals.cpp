@@ -9,6 +9,7 @@
 #include "statements/handlers.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/report.h"
 #include "base/settings.h"
@@ -103,47 +104,55 @@ std::size_t TranslateBranch(State& state, TokenSpan tokens, std::size_t at) {
     return at;
 }
 
+// What a branch opens it has to close.
+std::size_t TranslateWholeBranch(State& state, TokenSpan tokens, std::size_t at) {
+    const std::size_t depth = state.blocks.size(), withs = state.withs.size();
+    at = TranslateBranch(state, tokens, at);
+    if (state.blocks.size() != depth || state.withs.size() != withs)
+        ReportFatal("A block that opens or closes behind 'Then' must do both on the same line");
+    return at;
+}
+
+// Opens the branch of the Else or ElseIf at `at`; returns the index of what stands in it.
+std::size_t OpenNextBranch(State& state, TokenSpan tokens, std::size_t at) {
+    CloseBranch(state);
+    BeginBranch(state);
+    if (tokens.KeywordAt(at) == Keyword::ElseIf) {
+        const std::size_t then = tokens.Find(Keyword::Then, at);
+        if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
+        OpenBranch(state, "else if", tokens.Slice(at + 1, then), "ElseIf");
+        return then + 1;
+    }
+    RefuseElseIfAsTwoWords(tokens, at + 1);
+    OpenElse(state);
+    state.blocks.back().braces.elseSeen = true;
+    return at + 1;
+}
+
+// Translates the branches of the If that has been opened; returns the index behind them and their EndIf.
+std::size_t TranslateBranches(State& state, TokenSpan tokens, std::size_t at, bool inOneLineIf) {
+    for (;;) {
+        at = TranslateWholeBranch(state, tokens, at);
+        if (at >= tokens.size()) return at;
+        if (tokens.KeywordAt(at) == Keyword::EndIf) return at + 1;
+        if (state.blocks.back().braces.elseSeen) {
+            if (inOneLineIf) return at;  // the outer If's
+            ReportFatal("'" + tokens[at] + "' after 'Else'");
+        }
+        at = OpenNextBranch(state, tokens, at);
+    }
+}
+
 // Translates the If at `at` with all its branches and closes it, unless the EndIf at `leftOpenBy` is its own;
 // returns the index behind it.
 std::size_t TranslateOneLineIf(State& state, TokenSpan tokens, std::size_t at, std::size_t leftOpenBy) {
-    std::size_t then = tokens.Find(Keyword::Then, at);
+    const std::size_t then = tokens.Find(Keyword::Then, at);
     OpenBranch(state, "if", tokens.Slice(at + 1, then), "If");
     OpenNewBlock(state, BlockKind::If);
-    const std::size_t depth = state.blocks.size(), withs = state.withs.size();
-    const bool outerOneLine = state.place.inOneLineIf;
-    state.place.inOneLineIf = true;
-    bool elseSeen = false;
-    at = then + 1;
-    for (;;) {
-        at = TranslateBranch(state, tokens, at);
-        if (state.blocks.size() != depth || state.withs.size() != withs)
-            ReportFatal("A block that opens or closes behind 'Then' must do both on the same line");
-        if (at >= tokens.size()) break;
-        if (tokens.KeywordAt(at) == Keyword::EndIf) {
-            ++at;
-            break;
-        }
-        if (elseSeen && outerOneLine) break;  // the outer If's
-        if (elseSeen) ReportFatal("'" + tokens[at] + "' after 'Else'");
-        CloseBranch(state);
-        BeginBranch(state);
-        if (tokens.KeywordAt(at) == Keyword::ElseIf) {
-            then = tokens.Find(Keyword::Then, at);
-            if (then == noToken) ReportFatal("Expected 'Then' after 'ElseIf'");
-            OpenBranch(state, "else if", tokens.Slice(at + 1, then), "ElseIf");
-            at = then + 1;
-        } else {
-            RefuseElseIfAsTwoWords(tokens, at + 1);
-            OpenElse(state);
-            elseSeen = state.blocks.back().braces.elseSeen = true;
-            ++at;
-        }
-    }
-    state.place.inOneLineIf = outerOneLine;
-    if (at == leftOpenBy + 1) {
-        state.blocks.back().braces.elseSeen = elseSeen;
-        return at;
-    }
+    const bool outer = std::exchange(state.place.inOneLineIf, true);
+    at = TranslateBranches(state, tokens, then + 1, outer);
+    state.place.inOneLineIf = outer;
+    if (at == leftOpenBy + 1) return at;
     CloseBlock(state, BlockKind::If, "EndIf");
     CloseBranch(state);
     return at;

@@ -17,7 +17,8 @@
 #include "statements/selects.h"
 #include "symbols/scopes.h"
 
-// Done by the first pass.
+// Import "file.decls" | Linker "flags" | UseConsole
+// Nothing comes out: the first pass has done it.
 void NothingToEmit(State&, TokenSpan) {}
 
 // Lines that begin with it never come here.

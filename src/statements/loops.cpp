@@ -92,6 +92,8 @@ void TranslateWend(State& state, TokenSpan tokens) {
 }
 
 // Next [variable] | NextSeq
+//     __kvSchedPoll();
+//     }
 void TranslateNext(State& state, TokenSpan tokens) {
     std::optional<Block> closed = CloseBlock(state, BlockKind::Loop, tokens[0]);
     if (!closed) return;

@@ -138,6 +138,8 @@ void TranslateSelect(State& state, TokenSpan tokens) {
 }
 
 // Case label , ...
+//     case 1:
+// No break follows: a case runs on into the next one unless it Exits.
 void TranslateCase(State& state, TokenSpan tokens) {
     OpenSelect& select = InnermostSelect(state, "Case");
     if (tokens.size() < 2) ReportFatal("Expected a value after 'Case'");

@@ -57,6 +57,7 @@ void TranslateContinue(State& state, TokenSpan tokens) {
 }
 
 // public | private
+//     private:          once the next member comes
 void TranslateAccess(State& state, TokenSpan tokens) {
     if (!state.inType)
         ReportFatal("unexpected '" + tokens[0] + "' keyword." +
@@ -67,6 +68,7 @@ void TranslateAccess(State& state, TokenSpan tokens) {
 }
 
 // Extern
+// Nothing comes out: the first pass has taken the declarations up to EndExtern.
 void TranslateExtern(State& state, TokenSpan tokens) {
     if (state.inExtern)
         ReportFatal("Extern already declared" + Hint{"The Extern before has to end first, with EndExtern"},

@@ -106,6 +106,7 @@ void TranslateWith(State& state, TokenSpan tokens) {
 void OpenUnknownWith(State& state) { state.withs.push_back({{WordOf("its")}, state.place.line}); }
 
 // EndWith
+// Nothing comes out.
 void TranslateEndWith(State& state, TokenSpan tokens) {
     if (state.withs.empty()) ReportFatal("EndWith without a matching With");
     RefuseMore(tokens, 1);
