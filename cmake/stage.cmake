@@ -55,7 +55,7 @@ fill_words_into(VIM_FILES ${PROJECT_SOURCE_DIR}/editors/vim ${STAGE}/editors/vim
 fill_words_into(CODE_FILES ${PROJECT_SOURCE_DIR}/editors/vscode ${CMAKE_BINARY_DIR}/vscode)
 list(APPEND STAGE_OUTPUTS ${VIM_FILES} ${CODE_FILES})
 if(EXISTS ${PROJECT_SOURCE_DIR}/out/npm/installed.json)
-    add_custom_command(OUTPUT ${STAGE}/editors/korvel.vsix DEPENDS ${CODE_FILES} editors/package.json
+    add_custom_command(OUTPUT ${STAGE}/editors/korvel.vsix DEPENDS ${CODE_FILES} editors/package editors/package.json
         COMMAND ${PROJECT_SOURCE_DIR}/editors/package ${CMAKE_BINARY_DIR}/vscode ${STAGE}/editors/korvel.vsix VERBATIM)
     list(APPEND STAGE_OUTPUTS ${STAGE}/editors/korvel.vsix)
 else()

@@ -11,6 +11,7 @@ end
 vim.env.PATH = stage .. '/bin:' .. vim.env.PATH
 vim.opt.runtimepath:prepend(stage .. '/editors/vim')
 vim.cmd('filetype plugin indent on | syntax on')
+vim.g.korvel_lsp = 0
 local function linesOf(buffer) return vim.api.nvim_buf_get_lines(buffer or 0, 0, -1, false) end
 
 -- All examples, without any indentation, are indented as kv fmt does it.
@@ -61,6 +62,14 @@ vim.cmd('silent make')
 check('mistakes', { '2:5 e', '3:19 e' }, vim.tbl_map(function(found)
     return found.lnum .. ':' .. found.col .. ' ' .. found.type
 end, vim.fn.getqflist()))
+
+-- The server starts by itself, one for the files of a folder.
+vim.g.korvel_lsp = 1
+vim.cmd('edit!')
+vim.wait(5000, function() return #vim.diagnostic.get(0) == 2 end, 10)
+check('what the server tells', { 1, 2 }, vim.tbl_map(function(said) return said.lnum end, vim.diagnostic.get(0)))
+vim.cmd('split ' .. work .. '/colours.kvl')
+check('the same server', 1, #vim.lsp.get_active_clients())
 
 print(checks .. ' checks, ' .. failures .. ' failed\n')
 vim.cmd(failures == 0 and 'qall!' or 'cquit!')

@@ -14,6 +14,6 @@ compiler kv
 let b:undo_ftplugin = 'setlocal comments< commentstring< formatoptions< shiftwidth< softtabstop< expandtab< suffixesadd<'
       \ . ' include< makeprg< errorformat<'
 
-if has('nvim-0.8') && get(g:, 'korvel_lsp', 1) && executable('kv')
-  lua vim.lsp.start({ name = 'korvel', cmd = { 'kv', 'lsp' }, root_dir = vim.fn.expand('%:p:h') })
+if has('nvim-0.7') && get(g:, 'korvel_lsp', 1) && executable('kv')
+  lua require('korvel')()
 endif

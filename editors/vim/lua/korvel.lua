@@ -1,0 +1,12 @@
+-- Starts kv lsp for the file in the buffer; files of one folder share a server.
+local clients = {}
+
+return function()
+    local folder = vim.fn.expand('%:p:h')
+    local config = { name = 'korvel', cmd = { 'kv', 'lsp' }, root_dir = folder }
+    if vim.lsp.start then return vim.lsp.start(config) end
+    -- Neovim 0.7
+    config.on_exit = function() clients[folder] = nil end
+    clients[folder] = clients[folder] or vim.lsp.start_client(config)
+    if clients[folder] then vim.lsp.buf_attach_client(0, clients[folder]) end
+end
