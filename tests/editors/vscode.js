@@ -1,6 +1,7 @@
-// node grammar.js STAGE CODE: the grammar of VS Code, filled into the folder CODE, colours each token of all examples as what
-// it is: words by the lists of the language, texts, comments, numbers and names. The package for VS Code holds what it should.
-const fs = require('fs'), path = require('path');
+// node vscode.js STAGE CODE: the extension for VS Code, filled into the folder CODE. Its grammar colours each token of all examples
+// as what it is: words by the lists of the language, texts, comments, numbers and names. Where an editor is needed, a small stand-in
+// takes what the extension hands over. The package holds what it should.
+const fs = require('fs'), path = require('path'), Module = require('module');
 const npm = require('../npm'), textmate = npm('vscode-textmate'), oniguruma = npm('vscode-oniguruma');
 const [stage, code] = process.argv.slice(2);
 let checks = 0, failures = 0;
@@ -50,12 +51,52 @@ function checkLine(file, line, tokens) {
   }
 }
 
+// What the extension registers, and the edits that it makes, in an editor with these lines.
+async function activated(lines) {
+  const seen = { edits: [] };
+  const document = { languageId: 'korvel', fileName: '/w/game.kvl', uri: 'file:///w/game.kvl', save: async () => true, getText: () => lines.join('\n'),
+    lineAt: row => ({ range: { end: [row, lines[row].length] } }) };
+  const editor = { document, edit: async work => work({ insert: (...edit) => seen.edits.push(edit) }) };
+  const note = name => (...given) => { seen[name] = given; };
+  const made = name => class { constructor(...given) { Object.assign(this, { made: name, given }); } };
+  const modules = {
+    vscode: {
+      window: { activeTextEditor: editor },
+      workspace: { getConfiguration: () => ({ get: name => ({ kv: '/k/kv', runOptions: ['--safe'], closeBlocks: true })[name] }), asRelativePath: file => file,
+        onDidChangeTextDocument: note('changed'), createFileSystemWatcher: pattern => pattern },
+      tasks: { registerTaskProvider: note('tasks'), executeTask: note('ran') },
+      commands: { registerCommand: (name, work) => { seen[name] = work; } },
+      debug: { registerDebugConfigurationProvider: note('configurations'), registerDebugAdapterDescriptorFactory: note('adapters'), startDebugging: note('debugged') },
+      Task: made('task'), ProcessExecution: made('process'), DebugAdapterExecutable: made('adapter'), Selection: made('selection'), TaskScope: {}, TaskGroup: {},
+    },
+    'vscode-languageclient/node': { LanguageClient: class { constructor(...given) { seen.client = given; } async start() { seen.started = true; } } },
+  };
+  const load = Module._load;
+  Module._load = (name, ...rest) => modules[name] || load(name, ...rest);
+  delete require.cache[path.resolve(code, 'extension.js')];
+  await require(path.resolve(code, 'extension.js')).activate({ subscriptions: [] });
+  Module._load = load;
+  return { seen, document };
+}
+async function checkExtension() {
+  const { seen, document } = await activated(['Function Main', '    If a', '    ', 'EndFunction']);
+  check('the server', seen.started && JSON.stringify(seen.client[2]) === '{"command":"/k/kv","args":["lsp"]}');
+  check('the debugger', JSON.stringify(seen.adapters[1].createDebugAdapterDescriptor().given) === '["/k/kv",["dap"]]');
+  await seen['korvel.run']();
+  check('running', seen.ran[0].given[4].given.flat().join(' ') === '/k/kv run --message-format short --safe /w/game.kvl');
+  await seen['korvel.debug']();
+  check('debugging', seen.debugged[1].program === '/w/game.kvl');
+  await seen.changed[0]({ document, contentChanges: [{ text: '\n    ', range: { start: { line: 1 } } }] });
+  check('closed: ' + JSON.stringify(seen.edits), JSON.stringify(seen.edits) === '[[[2,4],"\\n    EndIf"]]');
+}
+
 function sourcesIn(folder) {
   return fs.readdirSync(folder, { withFileTypes: true }).flatMap(entry => entry.isDirectory() ? sourcesIn(path.join(folder, entry.name))
     : entry.name.endsWith('.kvl') ? [path.join(folder, entry.name)] : []);
 }
 
-registry.loadGrammar('source.korvel').then(grammar => {
+registry.loadGrammar('source.korvel').then(async grammar => {
+  await checkExtension();
   for (const file of [...sourcesIn(stage + '/examples'), ...sourcesIn(stage + '/lib')]) {
     let state = textmate.INITIAL, isInline = false;
     for (const line of fs.readFileSync(file, 'utf8').split('\n')) {
