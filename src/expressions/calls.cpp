@@ -135,20 +135,21 @@ void CheckArguments(const std::string& subject, const Routine& routine, PartList
     }
 }
 
-// Arrays and Sequences get no names: they stay where they are, since they live to the end of the call only.
 void WriteArguments(Code& out, const Expr& call, const Routine& routine, const char* separator,
                     InOrder* inOrder) {
     const Parameter* parameter = routine.parameters.data();
     for (const Expr& argument : PartsOf(call)) {
         const ValueType& type = parameter++->type;
         if (&argument != call.first) out += separator;
-        if (inOrder == nullptr || !argument.given || !type.IsSingle() || !type.IsKnown()) {
+        if (inOrder == nullptr || !argument.given || !type.IsKnown()) {
             WritePassed(out, argument, type);
-            continue;
+        } else if (!type.IsSingle()) {
+            WritePassed(out, argument, type, *inOrder);
+        } else {
+            Code text;
+            WritePassed(text, argument, type);
+            out += inOrder->Name(type, text);
         }
-        Code text;
-        WritePassed(text, argument, type);
-        out += inOrder->Name(type, text);
     }
 }
 

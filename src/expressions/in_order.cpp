@@ -21,6 +21,12 @@ std::string InOrder::Name(const ValueType& type, const Code& value) {
     return owns ? "std::move(" + name + ")" : name;
 }
 
+std::string InOrder::NamePlace(const Code& place) {
+    const std::string name = "__kv" + std::to_string(count++);
+    Put(values, "auto&& ", name, " = ", place, "; ");
+    return name;
+}
+
 std::string InOrder::NameObject(const Code& object) {
     Put(values, "auto&& __kvObject = ", object, "; ");
     return "__kvObject";

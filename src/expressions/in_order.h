@@ -11,6 +11,8 @@ class InOrder {
 public:
     // Works out the value here, of the type that it is wanted in; returns what stands for it.
     std::string Name(const ValueType& type, const Code& value);
+    // Where an array or Sequence is; what is fresh lives on. Returns what stands for it.
+    std::string NamePlace(const Code& place);
     // The object of a call or the array of an index; returns what stands for it.
     std::string NameObject(const Code& object);
     // Appends `call`, made of what the names stand for, behind the named values.

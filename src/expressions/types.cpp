@@ -1,6 +1,7 @@
 // How a typed expression becomes the text that C++ wants in its place.
 #include "analysis/bool_arrays.h"
 #include "base/report.h"
+#include "expressions/in_order.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
@@ -8,6 +9,13 @@
 namespace {
 
 constexpr int mostDimensions = 3;
+
+// What makes a pointer of the place where an array is.
+struct Passing {
+    const char* before;
+    Code place;
+    const char* behind;
+};
 
 // The number of dimensions at the end of the names of the support routines; one-dimensional ones have none.
 std::string Suffix(const ValueType& type) { return type.dims == 1 ? "" : std::to_string(type.dims); }
@@ -41,19 +49,17 @@ void RequireDimensions(const ValueType& type) {
     if (type.dims > mostDimensions) ReportFatal("Arrays of more than 3 dimensions cannot be handed on");
 }
 
-void WritePassedArray(Code& out, const Expr& expr) {
+Passing PassingOfArray(const Expr& expr) {
     const ValueType& type = expr.type;
     const bool fresh = expr.form == ArrayForm::Owned;
     const bool plain = type.dims == 1 && !fresh && type.base != Base::Element && type.base != Base::Bool;
     const bool asItIs = expr.form == ArrayForm::Pointer || (expr.form == ArrayForm::Fixed && type.dims == 1);
-    if (asItIs || (plain && !expr.isCall)) {
-        return Put(out, expr, asItIs ? "" : ".data()");
-    }
+    if (asItIs || (plain && !expr.isCall)) return {"", TextOf(expr), asItIs ? "" : ".data()"};
     RequireSupport(Support::ArrayPassing);
     if (type.base == Base::Bool) RequireSupport(Support::BoolArray);
     if (type.base == Base::Element) NeedClass(type.cls);
-    Put(out, type.dims == 1 ? "__kvItems(" : "__kvRows(",
-        fresh ? TakeOver(expr, type.base == Base::Element) : TextOf(expr), ")");
+    return {type.dims == 1 ? "__kvItems(" : "__kvRows(",
+            fresh ? TakeOver(expr, type.base == Base::Element) : TextOf(expr), ")"};
 }
 
 }  // namespace
@@ -75,11 +81,20 @@ void CheckPassed(const Expr& expr, const ValueType& parameter) {
 }
 
 void WritePassed(Code& out, const Expr& expr, const ValueType& parameter) {
-    if (parameter.IsArray() && expr.type.IsArray()) return WritePassedArray(out, expr);
+    if (parameter.IsArray() && expr.type.IsArray()) {
+        const Passing passing = PassingOfArray(expr);
+        return Put(out, passing.before, passing.place, passing.behind);
+    }
     // A fresh Sequence lives to the end of the statement, which is all that the reference needs.
     if (!parameter.sequence || expr.assignable) return WriteAs(out, expr, parameter);
     const std::string type = CppName(expr.type);
     Put(out, "const_cast<", type, "&>(static_cast<const ", type, "&>(", expr, "))");
+}
+
+void WritePassed(Code& out, const Expr& expr, const ValueType& parameter, InOrder& inOrder) {
+    if (VariableOf(expr) != nullptr) return WritePassed(out, expr, parameter);
+    const Passing passing = parameter.IsArray() ? PassingOfArray(expr) : Passing{"", ValueText(expr), ""};
+    Put(out, passing.before, inOrder.NamePlace(passing.place), passing.behind);
 }
 
 void RequireValue(const Expr& expr) {

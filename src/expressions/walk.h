@@ -91,8 +91,9 @@ void WriteArguments(Code& out, const Expr& call, const Routine& routine, const c
 void CheckTakeOver(const Expr& expr);
 void CheckConversion(const Expr& expr, const ValueType& to);
 void CheckPassed(const Expr& expr, const ValueType& parameter);
-// Arrays and Sequences are passed by reference.
+// Arrays and Sequences are passed by reference; in order when somebody names where they are.
 void WritePassed(Code& out, const Expr& expr, const ValueType& parameter);
+void WritePassed(Code& out, const Expr& expr, const ValueType& parameter, class InOrder& inOrder);
 
 // Ends the run unless `value` may be assigned to `target` (a variable, Field, array item ...).
 void CheckAssignable(const Expr& target, const Expr& value);
