@@ -55,8 +55,8 @@ fill_words_into(VIM_FILES ${PROJECT_SOURCE_DIR}/editors/vim ${STAGE}/editors/vim
 fill_words_into(CODE_FILES ${PROJECT_SOURCE_DIR}/editors/vscode ${CMAKE_BINARY_DIR}/vscode)
 list(APPEND STAGE_OUTPUTS ${VIM_FILES} ${CODE_FILES})
 if(EXISTS ${PROJECT_SOURCE_DIR}/out/npm/installed.json)
-    add_custom_command(OUTPUT ${STAGE}/editors/korvel.vsix DEPENDS ${CODE_FILES} editors/package editors/package.json
-        COMMAND ${PROJECT_SOURCE_DIR}/editors/package ${CMAKE_BINARY_DIR}/vscode ${STAGE}/editors/korvel.vsix VERBATIM)
+    add_custom_command(OUTPUT ${STAGE}/editors/korvel.vsix DEPENDS ${CODE_FILES} ${PROJECT_SOURCE_DIR}/editors/pack-vscode
+        COMMAND ${PROJECT_SOURCE_DIR}/editors/pack-vscode ${CMAKE_BINARY_DIR}/vscode ${STAGE}/editors/korvel.vsix VERBATIM)
     list(APPEND STAGE_OUTPUTS ${STAGE}/editors/korvel.vsix)
 else()
     message(STATUS "The package for VS Code is left out (scripts/npm-packages installs what it takes)")
