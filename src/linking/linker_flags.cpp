@@ -2,10 +2,15 @@
 
 #include "base/paths.h"
 #include "base/report.h"
+#include "base/run.h"
 #include "base/settings.h"
 #include "base/token_text.h"
+#include "symbols/modules.h"
 #include "symbols/program_files.h"
 #include "symbols/symbols.h"
+
+static bool linksForeign = false;
+static const PartOfRun partOfRun(linksForeign);
 
 static std::string CurrentFolder() {
     const std::string& file = settings.currentFile;
@@ -22,5 +27,8 @@ void AddLinkerFlag(const std::string& token) {
         ReportFatal("'" + LinkerFlagsPath() +
                     "' is a source of this program, and the linker flags would overwrite it. Rename it");
     symbols.linkerFlags.push_back(flag);
+    linksForeign = linksForeign || !IsModule(settings.currentFile);
     Say("  - Adding linker flag: " + flag);
 }
+
+bool LinksForeignCode() { return linksForeign; }

@@ -7,5 +7,8 @@
 // folder of the current source file.
 void AddLinkerFlag(const std::string& token);
 
+// Whether the program links what may call its Functions; the libraries of modules do not.
+bool LinksForeignCode();
+
 // The file for the flags, beside the main source.
 std::string LinkerFlagsPath();

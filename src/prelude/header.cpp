@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "base/settings.h"
+#include "linking/linker_flags.h"
 #include "prelude/fast_prelude.h"
 #include "prelude/line_marks.h"
 #include "prelude/support.h"
@@ -68,7 +69,7 @@ std::string ClassSection(const FileOutput& out, const HeaderContents& contents) 
 
 // All files are compiled as one: Functions that nobody else calls or defines can be fitted into their callers.
 bool StaysInside(const FileOutput& out) {
-    return settings.fastMode && !out.headerOnly && !HasForeignFunctions() && symbols.linkerFlags.empty();
+    return settings.fastMode && !out.headerOnly && !HasForeignFunctions() && !LinksForeignCode();
 }
 
 std::string FunctionSection(const FileOutput& out, const HeaderContents& contents) {
