@@ -128,9 +128,9 @@ void CheckFunctionName(const std::string& name, const Routine* routine, bool isM
 bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }
 
 void CheckWithClosed(const State& state, const std::string& closer) {
-    if (!state.withs.empty())
-        ReportFatal("With block not closed - add EndWith before " + closer, {},
-                    {settings.currentFile, state.withs.back().line, {}, openedHere, "EndWith"});
+    if (state.withs.empty()) return;
+    const Elsewhere opener = {settings.currentFile, state.withs.back().line, {}, openedHere, "EndWith"};
+    ReportFatal("With block not closed - add EndWith before " + closer, {}, opener);
 }
 
 // The end of the routine, for a run that gets there without a Return.

@@ -70,9 +70,10 @@ void TranslateAccess(State& state, TokenSpan tokens) {
 // Extern
 // Nothing comes out: the first pass has taken the declarations up to EndExtern.
 void TranslateExtern(State& state, TokenSpan tokens) {
+    const Elsewhere opener = {settings.currentFile, state.externLine, {}, openedHere, "EndExtern"};
     if (state.inExtern)
         ReportFatal("Extern already declared" + Hint{"The Extern before has to end first, with EndExtern"},
-                    {}, {settings.currentFile, state.externLine, {}, openedHere, "EndExtern"});
+                    {}, opener);
     RefuseMore(tokens, 1);
     state.inExtern = true;
     state.externLine = state.place.line;
