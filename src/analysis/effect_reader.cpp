@@ -19,8 +19,8 @@ struct SharedName {
 std::vector<SharedName> sharedNames;  // by the id of the name
 const PartOfRun partOfRun(sharedNames);
 
-void AddShared(const std::string& called, const Variable& variable) {
-    const std::size_t id = WordOf(called).id;
+void AddShared(const Word& called, const Variable& variable) {
+    const std::size_t id = called.id;
     if (id >= sharedNames.size()) sharedNames.resize(WordCount());
     SharedName& name = sharedNames[id];
     const ValueType& type = variable.type;
@@ -32,10 +32,10 @@ void AddShared(const std::string& called, const Variable& variable) {
 // When all of them are known.
 void NoteSharedNames() {
     sharedNames.resize(WordCount());
-    for (const auto& [name, global] : symbols.globals) AddShared(name, global);
-    for (const auto& [name, constant] : symbols.constants) AddShared(name, constant);
+    for (const auto& [name, global] : symbols.globals) AddShared(*name, global);
+    for (const auto& [name, constant] : symbols.constants) AddShared(*name, constant);
     for (const ClassInfo* cls : symbols.classList)
-        for (const auto& [name, field] : cls->members) AddShared(name, field);
+        for (const auto& [name, field] : cls->members) AddShared(*name, field);
 }
 
 const SharedName* FindShared(const Word& name) {
@@ -51,7 +51,7 @@ bool IsAccessor(char sign) { return sign == '\\' || sign == '.'; }
 void AddFields(const ClassInfo& element, std::vector<Thing>& things, int depth) {
     constexpr int deepest = 16;
     for (const auto& field : element.members) {
-        things.push_back(ThingOf(WordOf(field.first)));
+        things.push_back(ThingOf(*field.first));
         const ClassInfo* inner = field.second.type.cls;
         if (inner != nullptr && field.second.type.base == Base::Element && depth < deepest)
             AddFields(*inner, things, depth + 1);
@@ -65,7 +65,7 @@ OwnName EffectReader::OwnNameOf(const Word& name) const {
         const auto found = names->own.find(&name);
         return found == names->own.end() ? OwnName::None : found->second;
     }
-    const Variable* local = FindLocal(name.text);
+    const Variable* local = FindLocal(name);
     if (local == nullptr || local->slot) return OwnName::None;
     if (local->isItem) return OwnName::Item;
     const OwnName kind = KindOf(local->type);
@@ -140,7 +140,7 @@ void EffectReader::ReadWord(TokenSpan tokens, std::size_t at) {
     switch (tokens.KeywordAt(at)) {
         case Keyword::Create:
         case Keyword::New:
-            if (!IsElement(tokens[at + 1])) set.Change(instances);
+            if (!IsElement(tokens.At(at + 1))) set.Change(instances);
             return;
         case Keyword::Insert:
             return set.Change(instances);

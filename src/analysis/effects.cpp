@@ -57,12 +57,12 @@ void AddForeign(const ReachGraph& graph, const std::string& name) {
     if (IsPureModule(file)) return;
     if (!IsModule(file)) set.Add(EffectsOfOutsideCode());
     set.Change(foreignState);
-    if (symbols.userlibRoutines.count(name) != 0) set.Change(userlibs);
+    if (symbols.userlibRoutines.Has(name)) set.Change(userlibs);
     set.changesPassed = true;
 }
 
 void Complete(ReachGraph& graph) {
-    for (const std::string& name : symbols.externFunctions) AddForeign(graph, name);
+    for (const auto& function : symbols.externFunctions) AddForeign(graph, function.first);
     for (const auto& routine : symbols.userlibRoutines) AddForeign(graph, routine.first);
     for (std::size_t i = 0; i < graph.nodes.size(); ++i)
         if (graph.nodes[i].holdsInlineCpp) OwnEffectsOf(static_cast<int>(i)).Add(EffectsOfOutsideCode());
@@ -187,7 +187,7 @@ EffectSet Effects(TokenSpan tokens, void (EffectReader::*read)(TokenSpan)) {
     WithHoles(tokens, [&set](TokenSpan part) { AddCalls(part, set); });
     set.Settle();
     for (const Word* name : reader.handedOn)
-        if (IsChanged(set, *FindLocal(name->text))) set.ownChanges.push_back(ThingOf(*name));
+        if (IsChanged(set, *FindLocal(*name))) set.ownChanges.push_back(ThingOf(*name));
     set.Settle();
     return set;
 }

@@ -29,7 +29,7 @@ void AddNames() {
     }
     for (const auto& routine : symbols.userlibRoutines) graph.NodeOf(graph.routines, routine.first);
     for (const auto& routine : graph.routines) graph.words.Of(WordOf(routine.first)).routine = routine.second;
-    for (const auto& cls : symbols.classIndex) graph.words.Of(WordOf(cls.first)).cls = cls.second;
+    for (const auto& cls : symbols.classIndex) graph.words.Of(*cls.first).cls = cls.second;
 }
 
 // Reads one file and adds what its routines and loops mention.
@@ -95,7 +95,7 @@ private:
                 return;
             case Keyword::Type:
             case Keyword::Element:
-                cls = FindClass(tokens[1]);
+                cls = FindClass(tokens.At(1));
                 return;
             case Keyword::EndType:
             case Keyword::EndElement:

@@ -11,7 +11,7 @@ OwnName KindOfLocal(TokenSpan declaration) {
     } else {
         if (Has(declaration.KeywordAt(2), trait::creates)) at = 3;
     }
-    return IsElement(declaration[at]) ? OwnName::Element : OwnName::Value;
+    return IsElement(declaration.At(at)) ? OwnName::Element : OwnName::Value;
 }
 
 void AddLocals(TokenSpan statement, RoutineNames& names) {

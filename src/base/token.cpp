@@ -4,9 +4,11 @@
 #include "base/token_text.h"
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <memory>
 
 namespace {
 
@@ -49,10 +51,11 @@ inline std::uint64_t HashOf(std::string_view text) {
     return hash;
 }
 
-// A table with open addressing: a word stands in the first free slot from that of its hash on.
+// A table with open addressing: a word stands in the first free slot from that of its hash on. Threads may look for
+// words at the same time: none waits for another one unless it has to add a word.
 class Pool {
 public:
-    Pool() : slots(1024) {
+    Pool() : table(&tables.emplace_back(1024)) {
         for (int c = 0; c < 256; ++c) {
             const char character = static_cast<char>(c);
             single[static_cast<std::size_t>(c)] =
@@ -63,54 +66,90 @@ public:
     const Word& Find(char character) const { return *single[static_cast<unsigned char>(character)]; }
 
     bool Knows(std::string_view text) {
-        return text.size() == 1 || SlotOf(HashOf(text), text).word != nullptr;
+        return text.size() == 1 || CurrentTable().SlotOf(HashOf(text), text).word.load() != nullptr;
     }
 
     const Word& Find(std::string_view text) {
         if (text.size() == 1) return Find(text[0]);
         const std::uint64_t hash = HashOf(text);
-        Slot& slot = SlotOf(hash, text);
-        if (slot.word != nullptr) return *slot.word;
-        const Word& word = words.emplace_back(MakeWord(text, words.size()));
-        slot = {hash, &word};
-        if (++used * 2 > slots.size()) Grow();
-        return word;
+        const Word* known = CurrentTable().SlotOf(hash, text).word.load(std::memory_order_acquire);
+        return known != nullptr ? *known : Add(hash, text);
     }
 
     std::size_t Count() const { return words.size(); }
 
 private:
+    // The hash is there before the word.
     struct Slot {
         std::uint64_t hash = 0;
-        const Word* word = nullptr;
+        std::atomic<const Word*> word{nullptr};
     };
-    std::deque<Word> words;  // in order of appearance, which is why they never move
-    std::vector<Slot> slots;
+    struct Table {
+        std::vector<Slot> slots;
+
+        explicit Table(std::size_t size) : slots(size) {}
+
+        Slot& SlotOf(std::uint64_t hash, std::string_view text) {
+            const std::size_t mask = slots.size() - 1;
+            std::size_t at = hash & mask;
+            for (;; at = (at + 1) & mask) {
+                const Word* word = slots[at].word.load(std::memory_order_acquire);
+                if (word == nullptr || (slots[at].hash == hash && word->text == text)) return slots[at];
+            }
+        }
+    };
+    std::deque<Word> words;    // in order of appearance, which is why they never move
+    std::deque<Table> tables;  // those before the last one may still be looked through
+    std::atomic<Table*> table;
+    std::atomic_flag adding = ATOMIC_FLAG_INIT;
     std::size_t used = 0;
     std::array<const Word*, 256> single{};
 
-    Slot& SlotOf(std::uint64_t hash, std::string_view text) {
-        const std::size_t mask = slots.size() - 1;
-        std::size_t at = hash & mask;
-        while (slots[at].word != nullptr && (slots[at].hash != hash || slots[at].word->text != text))
-            at = (at + 1) & mask;
-        return slots[at];
+    Table& CurrentTable() { return *table.load(std::memory_order_acquire); }
+
+    // One thread at a time. Another one may have added the word by then.
+    const Word& Add(std::uint64_t hash, std::string_view text) {
+        while (adding.test_and_set(std::memory_order_acquire)) {
+        }
+        Slot& slot = CurrentTable().SlotOf(hash, text);
+        const Word* word = slot.word.load(std::memory_order_relaxed);
+        if (word == nullptr) {
+            word = &words.emplace_back(MakeWord(text, words.size()));
+            Put(slot, hash, word);
+            if (++used * 2 > tables.back().slots.size()) Grow();
+        }
+        adding.clear(std::memory_order_release);
+        return *word;
+    }
+
+    static void Put(Slot& slot, std::uint64_t hash, const Word* word) {
+        slot.hash = hash;
+        slot.word.store(word, std::memory_order_release);
     }
 
     void Grow() {
-        std::vector<Slot> old(slots.size() * 2);
-        old.swap(slots);
+        const std::vector<Slot>& old = tables.back().slots;
+        Table& larger = tables.emplace_back(old.size() * 2);
         for (const Slot& slot : old)
-            if (slot.word != nullptr) SlotOf(slot.hash, slot.word->text) = slot;
+            if (const Word* word = slot.word.load())
+                Put(larger.SlotOf(slot.hash, word->text), slot.hash, word);
+        table.store(&larger, std::memory_order_release);
     }
 };
 
-Pool& ThePool() {
-    static Pool& pool = *new Pool;  // never destroyed: tokens may outlive everything else
+// The pool of the run.
+struct RunPool {
+    std::unique_ptr<Pool> pool = std::make_unique<Pool>();
+};
+
+RunPool& TheRunPool() {
+    static RunPool& pool = *new RunPool;  // never destroyed: tokens may outlive everything else
     return pool;
 }
 
-const PartOfRun partOfRun(ThePool());
+Pool& ThePool() { return *TheRunPool().pool; }
+
+const PartOfRun partOfRun(TheRunPool());
 
 }  // namespace
 

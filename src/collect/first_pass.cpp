@@ -67,8 +67,8 @@ void CollectUnknownRoutine(FirstPass& pass, TokenSpan tokens) {
     routine.cppName = SafeName(routine.name);
     routine.file = pass.out.source;
     routine.line = pass.line;
-    if (keyword == Keyword::Function && !pass.inType) symbols.functions.emplace(routine.name, routine);
-    if (keyword == Keyword::Method && pass.inType && pass.open.routines.emplace(routine.name, routine).second)
+    if (keyword == Keyword::Function && !pass.inType) symbols.functions.Add(routine.name, routine);
+    if (keyword == Keyword::Method && pass.inType && pass.open.routines.Add(routine.name, routine).second)
         pass.open.methods.push_back(routine.name);
 }
 

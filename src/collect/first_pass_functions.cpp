@@ -11,7 +11,7 @@
 namespace {
 
 void RegisterExtern(const std::string& name) {
-    symbols.externFunctions.insert(name);
+    symbols.externFunctions.Add(name);
     VerboseNote("  - Registered extern C function: " + name);
 }
 
@@ -33,9 +33,8 @@ bool SameSignature(const Routine& a, const Routine& b) {
 // Enters the Function and tells the prototype whether the name is taken. One C function may be declared in
 // several Extern blocks; the first declaration counts.
 void Register(const Routine& routine, Prototype& prototype) {
-    const auto entered = symbols.functions.emplace(routine.name, routine);
-    Routine& known = entered.first->second;
-    if (entered.second) return;
+    const auto [known, isNew] = symbols.functions.Add(routine.name, routine);
+    if (isNew) return;
     if (known.isExtern && routine.isExtern) {
         prototype.again = known.file != routine.file || known.line != routine.line;
         prototype.clashes = !SameSignature(known, routine);

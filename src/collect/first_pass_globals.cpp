@@ -19,17 +19,17 @@ constexpr Kind globalKind = {"Global variable", "global", false};
 constexpr Kind constKind = {"Const", "const", true};
 
 void RefuseFieldName(const std::string& name, const Kind& kind) {
-    const auto owner = symbols.fieldOwners.find(name);
-    if (owner == symbols.fieldOwners.end()) return;
+    const ClassInfo* const* owner = symbols.fieldOwners.Find(name);
+    if (owner == nullptr) return;
     FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name +
-                          "' conflicts with already-declared Field '" + name + "' in Type " +
-                          owner->second->name + "\n  First come first served - the Field was declared first.",
+                          "' conflicts with already-declared Field '" + name + "' in Type " + (*owner)->name +
+                          "\n  First come first served - the Field was declared first.",
                       Tokens{name});
 }
 
 bool IsTaken(const std::string& name) {
-    return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
-           symbols.functions.count(name) != 0 || symbols.userlibFunctions.count(name) != 0 || IsClass(name);
+    return symbols.globals.Has(name) || symbols.constants.Has(name) || symbols.functions.Has(name) ||
+           symbols.userlibRoutines.Has(name) || IsClass(name);
 }
 
 void RememberName(FirstPass& pass, const std::string& name, const Kind& kind) {
@@ -50,7 +50,7 @@ void SayFound(const Variable& variable, const std::string& annotation, const Kin
 void Register(Variable&& variable, const Kind& kind) {
     if (IsTaken(variable.name)) FailAlreadyDefined(variable.name);
     variable.isConst = kind.isConst;
-    (kind.isConst ? symbols.constants : symbols.globals).emplace(variable.name, std::move(variable));
+    (kind.isConst ? symbols.constants : symbols.globals).Add(variable.name, std::move(variable));
 }
 
 void Collect(FirstPass& pass, TokenSpan tokens, const Kind& kind) {
@@ -122,5 +122,5 @@ void CollectPreCalc(FirstPass& pass, TokenSpan tokens) {
     CheckName(table.name);
     if (pass.globals.insert(table.name).second) pass.out.globalNames.push_back(table.name);
     if (IsTaken(table.name)) FailAlreadyDefined(table.name);
-    symbols.globals.emplace(table.name, std::move(table));
+    symbols.globals.Add(table.name, std::move(table));
 }

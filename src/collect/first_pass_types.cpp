@@ -28,18 +28,16 @@ std::string MethodCppName(const ClassInfo& cls, const std::string& name) {
 
 // The member of an open Type, if there is one.
 Elsewhere MemberOf(const ClassInfo& open, const std::string& file, const std::string& name) {
-    const auto field = open.members.find(name);
-    const auto method = open.routines.find(name);
-    const int line = field != open.members.end()     ? field->second.line
-                     : method != open.routines.end() ? method->second.line
-                                                     : 0;
+    const Variable* field = open.members.Find(name);
+    const Routine* method = open.routines.Find(name);
+    const int line = field != nullptr ? field->line : method != nullptr ? method->line : 0;
     return {file, line, name, declaredHere};
 }
 
 // A member may not take the name of another one or, in C++, that of a class.
 void RefuseMemberName(const FirstPass& pass, const std::string& name) {
     const ClassInfo& open = pass.open;
-    const bool taken = IsClass(name) || open.members.count(name) != 0 || open.routines.count(name) != 0;
+    const bool taken = IsClass(name) || open.members.Has(name) || open.routines.Has(name);
     if (taken) FailAlreadyDefined(name, MemberOf(open, pass.out.source, name));
     CheckCppWord(name);
     CheckValueWord(name);
@@ -59,7 +57,7 @@ void AddField(FirstPass& pass, TokenSpan tokens) {
     if (tokens.empty()) return;
     const std::string& name = tokens[0];
     ClassInfo& open = pass.open;
-    if (open.members.count(name) != 0) {
+    if (open.members.Has(name)) {
         ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name, Tokens{name},
                     MemberOf(open, pass.out.source, name));
     }
@@ -70,7 +68,7 @@ void AddField(FirstPass& pass, TokenSpan tokens) {
     field.isPrivate = pass.isPrivate;
     open.fields.push_back(name);
     if (field.typed) open.fieldTypes[name] = FieldTypeText(field);
-    open.members.emplace(name, std::move(field));
+    open.members.Add(name, std::move(field));
 }
 
 void SayRegistered(const ClassInfo& cls) {
@@ -92,7 +90,7 @@ void Register(ClassInfo& cls, ClassInfo&& read) {
     cls = std::move(read);
     cls.registered = true;
     for (auto& routine : cls.routines) routine.second.owner = &cls;
-    for (const std::string& field : cls.fields) symbols.fieldOwners.emplace(field, &cls);
+    for (const std::string& field : cls.fields) symbols.fieldOwners.Add(field, &cls);
     symbols.classList.push_back(&cls);
     {
         const TellOnly first(Telling::First);
@@ -106,7 +104,7 @@ ClassInfo& ClassNamed(const std::string& name) {
     if (ClassInfo* cls = FindClass(name)) return *cls;
     ClassInfo& cls = symbols.classes.emplace_back();
     cls.name = name;
-    symbols.classIndex.emplace(name, &cls);
+    symbols.classIndex.Add(name, &cls);
     return cls;
 }
 
@@ -145,7 +143,7 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     const std::string& name = tokens[1];
     if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
     ClassInfo& open = pass.open;
-    if (open.routines.count(name) != 0) {
+    if (open.routines.Has(name)) {
         ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name, Tokens{name},
                     MemberOf(open, pass.out.source, name));
     }
@@ -156,7 +154,7 @@ void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     method.file = pass.out.source;
     method.line = pass.line;
     open.methods.push_back(name);
-    open.routines.emplace(name, std::move(method));
+    open.routines.Add(name, std::move(method));
 }
 
 // Only the lower-case spellings are access keywords.

@@ -78,8 +78,6 @@ void SettleType(Variable& variable, const ClassInfo* owner) {
 }
 
 void SettleTypeOf(const std::string& name) {
-    for (auto* variables : {&symbols.globals, &symbols.constants}) {
-        const auto found = variables->find(name);
-        if (found != variables->end()) return SettleType(found->second, nullptr);
-    }
+    for (auto* variables : {&symbols.globals, &symbols.constants})
+        if (Variable* variable = variables->Find(name)) return SettleType(*variable, nullptr);
 }

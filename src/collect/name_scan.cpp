@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "base/paths.h"
 #include "base/report.h"
@@ -29,6 +30,7 @@ public:
             for (const TokenSpan statement : lines.Statements())
                 ScanStatement(statement, path, lines.Line(), place);
             if (included.empty()) continue;
+            if (!std::exchange(place.cutAhead, true)) CutIncluded(path);
             const std::vector<Included> files = std::move(included);
             included.clear();
             for (const Included& file : files) FollowInclude(file, path, lines.Line());
@@ -46,6 +48,7 @@ private:
     // Where a file has got to.
     struct Place {
         bool inExtern = false, inRoutine = false;
+        bool cutAhead = false;  // the files that it includes have been cut
     };
     struct Included {
         std::string name;
@@ -56,6 +59,15 @@ private:
     std::unordered_set<std::string> atTopLevel;  // files included there
     std::vector<Included> included;              // by the current line
     int partCount = 0;
+
+    static void CutIncluded(const std::string& path) {
+        SourceLines lines(Reading::Names);
+        std::vector<std::string> paths;
+        for (lines.Open(path); lines.Next();)
+            for (const TokenSpan statement : lines.Statements())
+                if (const auto name = IncludedName(statement)) paths.push_back(PathOfInclude(*name));
+        CutFiles(paths);
+    }
 
     void ScanStatement(TokenSpan tokens, const std::string& path, int line, Place& place) {
         const Keyword keyword = tokens.KeywordAt(0);
@@ -80,7 +92,7 @@ private:
         cls.cppName = SafeName(name);
         cls.sourceFile = path;
         cls.line = line;
-        symbols.classIndex.emplace(name, &cls);
+        symbols.classIndex.Add(name, &cls);
     }
 
     void NotePlace(const std::string& id, bool inRoutine) {

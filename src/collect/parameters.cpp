@@ -66,7 +66,7 @@ std::size_t ReadParameters(TokenSpan tokens, std::size_t at, Routine& routine) {
 
 // A Const of the program comes first.
 bool IsOfCall(TokenSpan value, const char* word) {
-    return value.size() == 1 && value[0] == word && FindGlobal(value[0]) == nullptr;
+    return value.size() == 1 && value[0] == word && FindGlobal(value.At(0)) == nullptr;
 }
 
 ValueType DefaultType(const Routine& routine, const Parameter& parameter) {

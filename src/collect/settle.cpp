@@ -44,7 +44,7 @@ void DeclareExtern(Prototype& prototype, Routine& routine) {
 
 void SettleFunction(Prototype& prototype) {
     if (prototype.clashes) return;
-    Routine& routine = symbols.functions.at(prototype.name);
+    Routine& routine = *symbols.functions.Find(prototype.name);
     Settle(routine);
     if (routine.isExtern)
         DeclareExtern(prototype, routine);
@@ -56,7 +56,7 @@ void SettleMethods(const ClassInfo& declared, const std::string& source) {
     if (!declared.registered || declared.sourceFile != source) return;
     ClassInfo& cls = *FindClass(declared.name);
     for (const std::string& method : cls.methods)
-        KeepMistakesOf(method, [&] { Settle(cls.routines.at(method)); });
+        KeepMistakesOf(method, [&] { Settle(*cls.routines.Find(method)); });
 }
 
 void CheckFunctionName(const Prototype& function) {
@@ -64,9 +64,8 @@ void CheckFunctionName(const Prototype& function) {
     CheckCppWord(function.name);
     CheckKeyword(function.name);
     if (function.isExtern) CheckExternName(function.name);
-    const bool taken =
-        function.clashes || IsClass(function.name) || symbols.globals.count(function.name) != 0 ||
-        symbols.constants.count(function.name) != 0 || symbols.userlibFunctions.count(function.name) != 0;
+    const bool taken = function.clashes || IsClass(function.name) || symbols.globals.Has(function.name) ||
+                       symbols.constants.Has(function.name) || symbols.userlibRoutines.Has(function.name);
     if (taken) FailAlreadyDefined(function.name);
     CheckName(function.name);
 }
@@ -80,7 +79,7 @@ void SayRegistered(const char* kind, const std::vector<std::string>& names) {
 void SettleRoutines(Declarations& declarations) {
     settings.currentFile = declarations.source;
     const std::string& main = declarations.mainName;
-    if (!main.empty()) KeepMistakesOf(main, [&] { Settle(symbols.functions.at(main)); });
+    if (!main.empty()) KeepMistakesOf(main, [&] { Settle(*symbols.functions.Find(main)); });
     for (Prototype& function : declarations.functions)
         KeepMistakesOf(function.name, [&] { SettleFunction(function); });
     for (const ClassInfo* declared : declarations.classes) SettleMethods(*declared, declarations.source);
@@ -107,10 +106,8 @@ void SayNames(const Declarations& declarations) {
 namespace {
 
 void SettleMembers(ClassInfo& cls, const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
-        const auto field = cls.members.find(name);
-        if (field != cls.members.end()) SettleType(field->second, &cls);
-    }
+    for (const std::string& name : names)
+        if (Variable* field = cls.members.Find(name)) SettleType(*field, &cls);
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ std::vector<UserlibParameter> TakeParameters(Cursor& line) {
 void CheckFunctionName(const std::string& name) {
     CheckCppWord(name);
     CheckKeyword(name);
-    if (IsClass(name) || symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0) {
+    if (IsClass(name) || symbols.globals.Has(name) || symbols.constants.Has(name)) {
         ReportFatal("Identifier '" + name + "' is already defined.");
     }
 }
@@ -106,7 +106,6 @@ void Register(const UserlibFunction& function) {
     routine.file = function.declsFile;
     routine.line = function.line;
     symbols.userlibRoutines[function.name] = routine;
-    symbols.userlibFunctions[function.name] = function.cppReturn;
 }
 
 // Name [type] [( parameters )] [: Alias]

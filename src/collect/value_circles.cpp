@@ -16,15 +16,10 @@ struct Valued {
     const ClassInfo* owner = nullptr;  // Fields
 };
 
-const Variable* FindIn(const std::unordered_map<std::string, Variable>& variables, const std::string& name) {
-    const auto found = variables.find(name);
-    return found == variables.end() ? nullptr : &found->second;
-}
-
-const Variable* Meant(const std::string& name, const ClassInfo* owner) {
-    if (owner != nullptr) return FindIn(owner->members, name);
-    const Variable* global = FindIn(symbols.globals, name);
-    return global != nullptr ? global : FindIn(symbols.constants, name);
+const Variable* Meant(Token name, const ClassInfo* owner) {
+    if (owner != nullptr) return owner->members.Find(name);
+    const Variable* global = symbols.globals.Find(name);
+    return global != nullptr ? global : symbols.constants.Find(name);
 }
 
 void AddMentioned(TokenSpan value, const ClassInfo* owner, std::vector<const Variable*>& used) {
@@ -33,7 +28,7 @@ void AddMentioned(TokenSpan value, const ClassInfo* owner, std::vector<const Var
     for (std::size_t i = 0; i < span.size(); ++i) {
         const bool member = i > 0 && (span.SignAt(i - 1) == '\\' || span.SignAt(i - 1) == '.');
         if (member || span.SignAt(i + 1) == '(') continue;
-        if (const Variable* variable = Meant(span[i], owner)) used.push_back(variable);
+        if (const Variable* variable = Meant(span.At(i), owner)) used.push_back(variable);
     }
 }
 
@@ -45,8 +40,7 @@ bool ComesFirst(const Valued& a, const Valued& b) {
 // All variables whose declaration says more than a type.
 std::vector<Valued> AllValued() {
     std::vector<Valued> all;
-    const auto add = [&all](const std::unordered_map<std::string, Variable>& variables,
-                            const ClassInfo* owner) {
+    const auto add = [&all](const NameTable<Variable>& variables, const ClassInfo* owner) {
         for (const auto& entry : variables) {
             const Variable& variable = entry.second;
             if (!variable.initialiser.empty() || (!variable.sizes.empty() && !variable.isPreCalc))

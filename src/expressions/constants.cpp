@@ -219,6 +219,5 @@ std::optional<long long> IntegerOf(const Value& value) {
 }
 
 void SettleConstant(const std::string& name) {
-    const auto found = symbols.constants.find(name);
-    if (found != symbols.constants.end()) OfConst(found->second);
+    if (const Variable* constant = symbols.constants.Find(name)) OfConst(*constant);
 }

@@ -36,18 +36,19 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
     const std::string& accessor = walk.Take();
     if (!IsIdentifier(walk.Peek()))
         ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
-    const std::string& member = walk.Take();
+    const Word& word = walk.tokens.At(walk.at++);
+    const std::string& member = word.text;
     if (!object.type.IsKnown())
         ReportUnknown("'" + member + "' does not exist in any accessible class", walk.Taken());
     RequireObject(object, name);
     const ClassInfo& cls = *object.type.cls;
     NeedClass(&cls);
-    if (const Variable* field = FindField(cls, member)) {
+    if (const Variable* field = FindField(cls, word)) {
         RequireAccess(field->isPrivate, cls, member);
         NoteUse(walk.Taken(), *field);
         return UseField(object, *field);
     }
-    if (const Routine* method = FindMethod(cls, member)) {
+    if (const Routine* method = FindMethod(cls, word)) {
         RequireAccess(method->isPrivate, cls, member);
         return ParseCall(walk, *method, "", &object);
     }

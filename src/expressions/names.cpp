@@ -67,19 +67,12 @@ const char* CallPrefix(const Routine& routine) {
     return IsHidden(routine.name) ? "::" : "";
 }
 
-Expr& ParseCallable(Walk& walk, const std::string& name) {
-    const Routine* routine = FindCallable(name);
-    if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
-    if (FindVariable(name) != nullptr)
-        ReportFatal("'" + name + "' is not a Function and cannot be called", walk.Taken());
-    FailUnknownName(walk, name);
-}
-
 // Calls without parentheses are statements; elsewhere the parentheses are missing.
-Expr& ParseBareName(Walk& walk, const std::string& name) {
-    const Routine* routine = FindCallable(name);
-    if (routine != nullptr) return ParseCall(walk, *routine, CallPrefix(*routine));
-    FailUnknownName(walk, name);
+Expr& ParseCallable(Walk& walk, const Word& name, bool called) {
+    if (const Routine* routine = FindCallable(name)) return ParseCall(walk, *routine, CallPrefix(*routine));
+    if (called && FindVariable(name) != nullptr)
+        ReportFatal("'" + name.text + "' is not a Function and cannot be called", walk.Taken());
+    FailUnknownName(walk, name.text);
 }
 
 }  // namespace
@@ -113,23 +106,23 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
 
 Expr& ParseName(Walk& walk) {
     const Keyword keyword = walk.PeekKeyword();
-    const std::string& name = walk.Take();
+    const Word& name = walk.tokens.At(walk.at++);
     const bool called = walk.PeekSign() == '(';
     if (called) {
-        const std::string lower = Lower(name);
+        const std::string lower = Lower(name.text);
         if (IsBuiltin(lower)) return ParseBuiltin(walk, lower);
     }
 
     if (IsValueWord(keyword)) return ValueOfWord(keyword);
-    if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name);
+    if (called && FindCallable(name) != nullptr) return ParseCallable(walk, name, called);
 
     const Variable* variable = FindVariable(name);
-    TraceLookup(name, variable);
+    TraceLookup(name.text, variable);
     if (variable != nullptr && !called) {
         NoteUse(walk.Taken(), *variable);
         return UseVariable(*variable);
     }
     if (Has(keyword, trait::creates)) return ParseCreate(walk);
     if (IsInstanceWord(keyword)) return ParseInstanceWord(walk, keyword);
-    return called ? ParseCallable(walk, name) : ParseBareName(walk, name);
+    return ParseCallable(walk, name, called);
 }

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <unordered_map>
 
+#include "base/parallel.h"
 #include "base/run.h"
 #include "base/settings.h"
 #include "base/utf8.h"
@@ -22,17 +23,23 @@ std::shared_ptr<CutFile> Cut(const std::string& path) {
     return file;
 }
 
-std::shared_ptr<CutFile> FindOrCut(const std::string& path) {
-    const auto found = cutFiles.find(path);
-    if (found != cutFiles.end()) return found->second;
-    return cutFiles.emplace(path, Cut(path)).first->second;
-}
-
 }  // namespace
+
+void CutFiles(const std::vector<std::string>& paths) {
+    std::vector<std::pair<const std::string, std::shared_ptr<CutFile>>*> added;
+    for (const std::string& path : paths)
+        if (const auto [file, isNew] = cutFiles.emplace(path, nullptr); isNew) added.push_back(&*file);
+    const auto cut = [&added](std::size_t i) { added[i]->second = Cut(added[i]->first); };
+    if (added.size() > 1)
+        InParallel(added.size(), cut);
+    else if (!added.empty())
+        cut(0);
+}
 
 bool SourceLines::Open(const std::string& name) {
     path = name;
-    file = FindOrCut(path);
+    CutFiles({path});
+    file = cutFiles.at(path);
     return file != nullptr;
 }
 

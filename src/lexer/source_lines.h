@@ -97,6 +97,9 @@ private:
     void Enter(const CutLine& entered);
 };
 
+// Cuts files on both cores, before they are opened one after the other.
+void CutFiles(const std::vector<std::string>& paths);
+
 // All tokens of a file that has been read; none for other files.
 TokenSpan TokensOf(const std::string& file);
 

@@ -10,8 +10,7 @@
 namespace {
 
 bool IsVariable(const std::string& name) {
-    return symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
-           symbols.fieldOwners.count(name) != 0;
+    return symbols.globals.Has(name) || symbols.constants.Has(name) || symbols.fieldOwners.Has(name);
 }
 
 void AddNames(TokenSpan tokens, GlobalEntry& entry) {
@@ -27,7 +26,7 @@ void AddNames(TokenSpan tokens, GlobalEntry& entry) {
 
 // Whether making the Element runs code or gives a Field a value.
 bool HasInitialValues(const ClassInfo& cls) {
-    if (cls.routines.count("constructor") != 0) return true;
+    if (cls.routines.Has("constructor")) return true;
     return std::any_of(cls.members.begin(), cls.members.end(), [](const auto& member) {
         const ValueType& type = member.second.type;
         const bool nested = type.base == Base::Element && !type.sequence && type.cls != nullptr;
@@ -48,7 +47,7 @@ bool MayRunCode(TokenSpan tokens) {
         const Word& word = tokens.At(i);
         const bool creates = Has(word.keyword, trait::creates);
         const bool calls = tokens.SignAt(i + 1) == '(' && word.sign == '\0';
-        const bool member = word.sign == '\\' && symbols.fieldOwners.count(tokens[i + 1]) == 0;
+        const bool member = word.sign == '\\' && !symbols.fieldOwners.Has(tokens[i + 1]);
         if (creates || calls || member) return true;
         if (word.text[0] == '"' && MayRunCode(HoleTokens(word))) return true;
     }

@@ -29,7 +29,7 @@ void CheckTarget(TokenSpan target, const Expr& expr) {
 }
 
 void CheckConstTarget(TokenSpan target) {
-    const Variable* variable = FindVariable(target[0]);
+    const Variable* variable = FindVariable(target.At(0));
     if (variable != nullptr && variable->isConst)
         ReportFatal("Cannot assign to const variable '" + target[0] + "'", target.Slice(0, 1));
 }
@@ -169,7 +169,7 @@ bool IsBareCall(TokenSpan tokens) {
     constexpr std::string_view continuing = "=\\.[(:";
     const char sign = tokens.SignAt(1);
     if (tokens.size() < 2 || (sign != '\0' && continuing.find(sign) != std::string_view::npos)) return false;
-    return FindCallable(tokens[0]) != nullptr && FindVariable(tokens[0]) == nullptr;
+    return FindCallable(tokens.At(0)) != nullptr && FindVariable(tokens.At(0)) == nullptr;
 }
 
 }  // namespace
@@ -189,7 +189,7 @@ void TranslateAssignmentOrCall(State& state, TokenSpan tokens) {
 
 void CheckNullAssignment(TokenSpan tokens) {
     if (tokens.size() != 3 || tokens.SignAt(1) != '=' || tokens.KeywordAt(2) != Keyword::Null) return;
-    const Variable* variable = FindVariable(tokens[0]);
+    const Variable* variable = FindVariable(tokens.At(0));
     if (variable == nullptr || !variable->type.Is(Base::Element)) return;
     ReportFatal("'" + tokens[0] +
                     "' is an Element (a value) - Null applies to Types, not Elements. Elements need no "

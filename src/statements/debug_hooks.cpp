@@ -39,8 +39,8 @@ std::string Report(const Variable& variable, const std::string& name, int kind) 
 
 void ReportLocals(State& state) {
     for (const ScopeBlock& block : localDefList.back().leaves)
-        for (const Variable* variable : block.variables)
-            if (variable->name != "this" && FindLocal(variable->name) == variable)
+        for (const auto& [variable, visible, before] : block.variables)
+            if (variable->name != "this" && visible->variable == variable)
                 EmitLine(state, Report(*variable, variable->cppName, 1));
 }
 

@@ -104,7 +104,7 @@ bool IsCreation(TokenSpan value) { return Has(value.KeywordAt(0), trait::creates
 void CheckCreation(TokenSpan value) {
     if (value.KeywordAt(0) != Keyword::Create) return;
     if (!IsName(value[1])) ReportFatal("Expected class name after 'Create'" + Hint{"Write Create TName"});
-    if (!IsClass(value[1]))
+    if (!IsClass(value.At(1)))
         ReportFatal("Type '" + value[1] + "' is not defined. Cannot create instance of non-existent Type",
                     value.Slice(1, 2), Sought::Type);
 }

@@ -43,7 +43,7 @@ const DispatchRow dispatchTable[] = {
 // A Field may bear the name of a statement; "next = node" in a Method means the Field.
 bool AssignsOwnField(TokenSpan tokens) {
     return tokens.SignAt(1) == '=' && currentClass != nullptr &&
-           FindField(*currentClass, tokens[0]) != nullptr;
+           FindField(*currentClass, tokens.At(0)) != nullptr;
 }
 
 // Access words are words of the language in lower case only.

@@ -59,8 +59,8 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char
 }
 
 const ClassInfo* NamedClass(TokenSpan tokens) {
-    if (tokens.size() != 1 || FindVariable(tokens[0]) != nullptr) return nullptr;
-    return FindClass(tokens[0]);
+    if (tokens.size() != 1 || FindVariable(tokens.At(0)) != nullptr) return nullptr;
+    return FindClass(tokens.At(0));
 }
 
 Collection InstancesOf(const ClassInfo& cls) {
@@ -244,7 +244,7 @@ void TranslateFor(State& state, TokenSpan tokens) {
 void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
         ReportFatal("Expected 'EachSeq item In seq'");
-    const bool noVariable = tokens.size() == 4 && FindVariable(tokens[3]) == nullptr;
+    const bool noVariable = tokens.size() == 4 && FindVariable(tokens.At(3)) == nullptr;
     if (noVariable) ReportUnknown(noSequence, tokens.From(3));
     const Expr& sequence = TranslateValue(tokens.From(3), ExprMode::Condition);
     if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence, tokens.From(3));

@@ -19,11 +19,14 @@ namespace {
 // The first name of a condition that is a Local of the block about to be closed; null when there is none.
 const std::string* LocalOfBlock(TokenSpan condition) {
     if (localDefList.empty() || localDefList.back().leaves.empty()) return nullptr;
-    const std::vector<Variable*>& locals = localDefList.back().leaves.back().variables;
-    if (locals.empty()) return nullptr;
-    const Tokens mentioned = MentionedTokens(condition);
-    for (const std::string& token : TokenSpan(mentioned))
-        if (std::find(locals.begin(), locals.end(), FindLocal(token)) != locals.end()) return &token;
+    const ScopeBlock& block = localDefList.back().leaves.back();
+    if (block.variables.empty()) return nullptr;
+    for (const Token token : MentionedTokens(condition)) {
+        const auto isIt = [local = FindLocal(token)](const ScopeBlock::Declaration& declared) {
+            return declared.variable == local;
+        };
+        if (std::any_of(block.variables.begin(), block.variables.end(), isIt)) return &token->text;
+    }
     return nullptr;
 }
 

@@ -72,7 +72,7 @@ InputTarget TargetOf(TokenSpan tokens) {
     InputTarget target;
     target.name = tokens[0];
     if (tokens.size() == 1) {
-        const Variable* variable = FindVariable(tokens[0]);
+        const Variable* variable = FindVariable(tokens.At(0));
         if (variable == nullptr)
             ReportUnknown("Variable '" + target.name + "' not found in Input statement", Tokens{target.name},
                           Sought::Value);

@@ -79,9 +79,9 @@ std::vector<Code> SizesOf(const Expr& value) {
 // Declarations that take the array are checked against its sizes.
 void RecordSizes(const State& state, const Expr& value) {
     auto& table = InMethod(state) ? state.cls->routines : symbols.functions;
-    const auto found =
-        state.routine.declared != nullptr ? table.find(state.routine.declared->name) : table.end();
-    if (found != table.end()) RecordResultSizes(found->second, value, !state.routine.hasReturn);
+    const Routine* declared = state.routine.declared;
+    if (Routine* routine = declared != nullptr ? table.Find(declared->name) : nullptr)
+        RecordResultSizes(*routine, value, !state.routine.hasReturn);
 }
 
 std::string CopyOfArray(State& state, const Expr& value) {

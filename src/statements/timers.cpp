@@ -42,8 +42,8 @@ const PartOfRun partOfRun(functionNames);
 
 void ListFunctionNames() {
     functionNames.emplace();
-    for (const auto& function : symbols.functions) functionNames->insert(Lower(function.first));
-    for (const auto& function : symbols.userlibRoutines) functionNames->insert(Lower(function.first));
+    for (const auto& function : symbols.functions) functionNames->insert(Lower(function.first->text));
+    for (const auto& function : symbols.userlibRoutines) functionNames->insert(Lower(function.first->text));
 }
 
 // Whether some Function has the name in any letter case. Any other name stops nothing, which the language

@@ -61,8 +61,7 @@ constexpr char typeNamingHint[] =
 }  // namespace
 
 bool IsReservedCppName(const std::string& name) {
-    return !IsNeverPrefixed(name) && symbols.externFunctions.count(name) == 0 &&
-           symbols.userlibFunctions.count(name) == 0;
+    return !IsNeverPrefixed(name) && !symbols.externFunctions.Has(name) && !symbols.userlibRoutines.Has(name);
 }
 
 std::string SafeName(const std::string& name) {

@@ -66,7 +66,7 @@ void OfferVariables(Nearest& nearest) {
     if (!localDefList.empty()) {
         std::vector<std::string> locals;
         for (const auto& [name, visible] : localDefList.back().visible)
-            if (!visible.empty()) locals.push_back(name);
+            if (visible.variable != nullptr) locals.push_back(name);
         std::sort(locals.begin(), locals.end());
         nearest.OfferList(locals);
     }

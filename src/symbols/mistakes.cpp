@@ -27,8 +27,8 @@ const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine);
 
 bool IsDeclared(const std::string& name) {
     return FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr || IsClass(name) ||
-           symbols.globals.count(name) != 0 || symbols.constants.count(name) != 0 ||
-           symbols.fieldOwners.count(name) != 0 || FindLocal(name) != nullptr;
+           symbols.globals.Has(name) || symbols.constants.Has(name) || symbols.fieldOwners.Has(name) ||
+           FindLocal(name) != nullptr;
 }
 
 bool IsNameOfProgram(const Word& word) {

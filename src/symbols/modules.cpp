@@ -39,11 +39,10 @@ std::string OwnFileFor(const std::string& module) {
 }
 
 bool HasForeignFunctions() {
-    return std::any_of(symbols.externFunctions.begin(), symbols.externFunctions.end(),
-                       [](const std::string& name) {
-                           const Routine* routine = FindFunction(name);
-                           return routine == nullptr || !IsModule(routine->file);
-                       });
+    return std::any_of(symbols.externFunctions.begin(), symbols.externFunctions.end(), [](const auto& entry) {
+        const Routine* routine = FindFunction(entry.first);
+        return routine == nullptr || !IsModule(routine->file);
+    });
 }
 
 std::string ModulesLike(const std::string& includeName) {

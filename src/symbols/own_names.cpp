@@ -13,8 +13,7 @@ namespace {
 // Names written in the program are known before anything is emitted: every name is a word of some line. One that
 // is merely mentioned counts, too; a program that declares it nowhere is refused anyway.
 bool IsNameOfProgram(const std::string& cppName) {
-    if (symbols.externFunctions.count(cppName) != 0 || symbols.userlibFunctions.count(cppName) != 0)
-        return true;
+    if (symbols.externFunctions.Has(cppName) || symbols.userlibRoutines.Has(cppName)) return true;
     const std::string start = SafeName("");
     if (cppName.compare(0, start.size(), start) != 0) return false;
     const std::string written = cppName.substr(start.size());

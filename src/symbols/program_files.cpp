@@ -20,7 +20,9 @@ namespace {
 std::unordered_map<std::string, int> baseNames;
 // The sources by file name, in lower case.
 std::unordered_multimap<std::string, std::string> sourcesByName;
-const PartOfRun partOfRun(baseNames, sourcesByName);
+// The paths of Includes that have been looked for, by what they are written like.
+std::unordered_map<std::string, std::string> includePaths;
+const PartOfRun partOfRun(baseNames, sourcesByName, includePaths);
 
 // As far as header guards tell names apart.
 std::string BaseName(const std::string& source) {
@@ -46,7 +48,11 @@ std::optional<std::string> IncludedName(TokenSpan statement) {
     return std::string(Unquoted(statement[1]));
 }
 
-std::string PathOfInclude(const std::string& name) { return FirstOf(PlacesOfInclude(name)); }
+std::string PathOfInclude(const std::string& name) {
+    std::string& path = includePaths[name];
+    if (path.empty()) path = FirstOf(PlacesOfInclude(name));
+    return path;
+}
 
 bool IsPart(const std::string& source) {
     return !symbols.parts.empty() && symbols.parts.count(FileId(source)) != 0;

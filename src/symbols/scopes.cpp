@@ -56,19 +56,19 @@ struct Match {
     std::size_t block = 0;
 };
 
-bool IsVisibleIn(const ScopeBranch& branch, const std::string& name) {
-    const auto found = branch.visible.find(name);
-    return found != branch.visible.end() && !found->second.empty();
+Variable* FindIn(const ScopeBranch& branch, Token name) {
+    const VisibleVariable* visible = branch.visible.Find(name);
+    return visible == nullptr ? nullptr : visible->variable;
 }
 
-bool IsRecorded(const std::string& name) {
+bool IsRecorded(Token name) {
     return std::any_of(localDefList.begin(), localDefList.end(),
-                       [&name](const ScopeBranch& branch) { return IsVisibleIn(branch, name); });
+                       [name](const ScopeBranch& branch) { return FindIn(branch, name) != nullptr; });
 }
 
-bool IsRecordedOutside(const std::string& name) {
+bool IsRecordedOutside(Token name) {
     return std::any_of(localDefList.begin(), std::prev(localDefList.end()),
-                       [&name](const ScopeBranch& branch) { return IsVisibleIn(branch, name); });
+                       [name](const ScopeBranch& branch) { return FindIn(branch, name) != nullptr; });
 }
 
 Match FindRecord(const std::string& name) {
@@ -100,18 +100,17 @@ bool StandsBefore(const Variable& constant) {
            (constant.line <= settings.currentLine && constant.file == settings.currentFile);
 }
 
-void RefuseConstName(const std::string& name) {
-    const auto found = symbols.constants.find(name);
-    if (found == symbols.constants.end()) return;
-    Variable& constant = found->second;
-    if (StandsBefore(constant))
-        ReportFatal("Syntax error: Variable '" + name +
+void RefuseConstName(Token name) {
+    Variable* constant = symbols.constants.Find(name);
+    if (constant == nullptr) return;
+    if (StandsBefore(*constant))
+        ReportFatal("Syntax error: Variable '" + name->text +
                         "' conflicts with an already-declared Const (first come first served)",
                     Tokens{name}, DeclarationOf(name));
-    constant.isTakenEarlier = true;
+    constant->isTakenEarlier = true;
 }
 
-bool IsStored(const std::string& name) { return IsRecorded(name) || IsRecorded("kvl_" + name); }
+bool IsStored(Token name) { return IsRecorded(name) || IsRecorded("kvl_" + name->text); }
 
 std::string Joined(const std::vector<const Variable*>& variables) {
     std::string text;
@@ -141,22 +140,21 @@ void TraceResult(const std::string& name) {
 
 // Makes the record in the current block. The variable is listed once, where it was met first; `visible` is what
 // it means in the routine.
-Variable& Record(const std::string& name, const std::string& cppName, bool recorded,
-                 std::vector<VisibleVariable>& visible) {
+Variable& Record(Token name, const std::string& cppName, bool recorded, VisibleVariable& visible) {
     ScopeBranch& branch = localDefList.back();
     Variable& variable = branch.storage.emplace_back();
-    variable.name = name;
+    variable.name = name->text;
     variable.cppName = cppName;
     variable.line = settings.currentLine;
     if (!recorded) branch.leaves.back().listed.push_back(&variable);
-    branch.leaves.back().variables.push_back(&variable);
-    visible.push_back({&variable, branch.leaves.size() - 1});
+    branch.leaves.back().variables.push_back({&variable, &visible, visible});
+    visible = {&variable, branch.leaves.size() - 1};
     return variable;
 }
 
-bool IsTypedGlobal(const std::string& name) {
-    const auto found = symbols.globals.find(name);
-    return found != symbols.globals.end() && (found->second.typed || found->second.isPreCalc);
+bool IsTypedGlobal(Token name) {
+    const Variable* global = symbols.globals.Find(name);
+    return global != nullptr && (global->typed || global->isPreCalc);
 }
 
 }  // namespace
@@ -184,14 +182,17 @@ void PushBlock() {
 void PopBlock() {
     if (BlockCount() < 2) return;
     ScopeBranch& branch = localDefList.back();
-    NoteLocalsEnd(branch.leaves.back().variables);
-    for (const Variable* variable : branch.leaves.back().variables) branch.visible[variable->name].pop_back();
+    std::vector<ScopeBlock::Declaration>& ended = branch.leaves.back().variables;
+    for (; !ended.empty(); ended.pop_back()) {
+        NoteLocalEnds(*ended.back().variable);
+        *ended.back().visible = ended.back().before;
+    }
     branch.leaves.pop_back();
 }
 
 std::size_t BlockCount() { return localDefList.empty() ? 0 : localDefList.back().leaves.size(); }
 
-Variable& AddVarToScopeList(const std::string& name, const std::string& cppName) {
+Variable& AddVarToScopeList(Token name, const std::string& cppName) {
     DumpScopes(name);
     CheckCppWord(name);
     CheckKeyword(name);
@@ -200,29 +201,29 @@ Variable& AddVarToScopeList(const std::string& name, const std::string& cppName)
     if (IsClass(name)) FailAlreadyDefined(name);
 
     ScopeBranch& branch = localDefList.back();
-    std::vector<VisibleVariable>& visible = branch.visible[name];
-    const bool recorded = !visible.empty() || IsRecordedOutside(name);
+    VisibleVariable& visible = branch.visible[name];
+    const bool isShadowing = visible.variable != nullptr;
+    const bool recorded = isShadowing || IsRecordedOutside(name);
     if (recorded) DumpMatch(name);
     if (branch.leaves.empty()) branch.leaves.emplace_back();
-    if (!visible.empty() && visible.back().block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
+    if (isShadowing && visible.block + 1 == branch.leaves.size()) FailDeclaredTwice(name);
     Variable& variable = Record(name, cppName, recorded, visible);
     NoteLocal(variable);
     return variable;
 }
 
-Variable& AddOwnName(const std::string& name) {
+Variable& AddOwnName(Token name) {
     if (localDefList.back().leaves.empty()) localDefList.back().leaves.emplace_back();
     return Record(name, SafeName(name), IsRecorded(name), localDefList.back().visible[name]);
 }
 
-Elsewhere DeclarationOf(const std::string& name) {
+Elsewhere DeclarationOf(Token name) {
     if (const Variable* local = FindLocal(name))
         return {settings.currentFile, local->line, name, declaredHere};
     if (const ClassInfo* cls = FindClass(name)) return {cls->sourceFile, cls->line, name, declaredHere};
-    for (const auto* variables : {&symbols.globals, &symbols.constants}) {
-        const auto found = variables->find(name);
-        if (found != variables->end()) return {found->second.file, found->second.line, name, declaredHere};
-    }
+    for (const auto* variables : {&symbols.globals, &symbols.constants})
+        if (const Variable* variable = variables->Find(name))
+            return {variable->file, variable->line, name, declaredHere};
     const Routine* routine = FindFunction(name);
     if (routine == nullptr) routine = FindUserlibFunction(name);
     if (routine == nullptr) return {};
@@ -248,22 +249,19 @@ void ReachConst(const std::string& name) {
     constant.isReached = true;
 }
 
-bool IsVariableInScope(const std::string& name) {
-    const bool traced = settings.verbose && name == tracedName;
+bool IsVariableInScope(Token name) {
+    const bool traced = settings.verbose && name->text == tracedName;
     if (traced) TraceBlocks(name);
     if (traced) TraceResult(name);
-    return IsTypedGlobal(name) || symbols.constants.count(name) != 0 || IsStored(name);
+    return IsTypedGlobal(name) || symbols.constants.Has(name) || IsStored(name);
 }
 
-const Variable* FindLocal(const std::string& name) {
+const Variable* FindLocal(Token name) {
     if (localDefList.empty() || atFileLevel != nullptr) return nullptr;
-    const ScopeBranch& branch = localDefList.back();
-    const auto found = branch.visible.find(name);
-    if (found == branch.visible.end() || found->second.empty()) return nullptr;
-    return found->second.back().variable;
+    return FindIn(localDefList.back(), name);
 }
 
-const Variable* FindVariable(const std::string& name) {
+const Variable* FindVariable(Token name) {
     if (const Variable* local = FindLocal(name)) return local;
     if (currentClass) {
         if (const Variable* field = FindField(*currentClass, name)) return field;
@@ -272,7 +270,7 @@ const Variable* FindVariable(const std::string& name) {
     return FindGlobal(name);
 }
 
-const Routine* FindCallable(const std::string& name) {
+const Routine* FindCallable(Token name) {
     const Routine* routine = currentClass != nullptr ? FindMethod(*currentClass, name) : nullptr;
     if (routine == nullptr) routine = FindFunction(name);
     return routine != nullptr ? routine : FindUserlibFunction(name);
@@ -293,12 +291,12 @@ FileLevelNames::~FileLevelNames() {
 
 bool FileLevelNames::InForce() { return atFileLevel != nullptr; }
 
-bool IsHidden(const std::string& name) {
-    if (!localDefList.empty() && IsVisibleIn(localDefList.back(), name)) return true;
+bool IsHidden(Token name) {
+    if (!localDefList.empty() && FindIn(localDefList.back(), name) != nullptr) return true;
     const ClassInfo* cls = atFileLevel != nullptr ? atFileLevel->TextClass() : currentClass;
     if (cls == nullptr) return false;
-    return cls->members.count(name) != 0 || cls->routines.count(name) != 0 || name == "InsertAfter" ||
-           name == "InsertBefore";  // members that every Type has
+    return cls->members.Has(name) || cls->routines.Has(name) || name->text == "InsertAfter" ||
+           name->text == "InsertBefore";  // members that every Type has
 }
 
 bool WasInEndedBlock(const std::string& name) {
@@ -307,6 +305,6 @@ bool WasInEndedBlock(const std::string& name) {
     const HasName named{name};
     std::ptrdiff_t open = 0;
     for (const ScopeBlock& block : branch.leaves)
-        open += std::count_if(block.variables.begin(), block.variables.end(), named);
+        for (const ScopeBlock::Declaration& declared : block.variables) open += named(*declared.variable);
     return std::count_if(branch.storage.begin(), branch.storage.end(), named) > open;
 }

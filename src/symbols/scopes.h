@@ -3,24 +3,29 @@
 
 #include <deque>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "base/report.h"
 #include "symbols/symbols.h"
 
-struct ScopeBlock {
-    std::vector<const Variable*> listed;  // as the scope rules see them
-    std::vector<Variable*> variables;     // what each declaration in the block is, shadowing ones included
-};
+// What a name means in a routine.
 struct VisibleVariable {
-    Variable* variable = nullptr;
-    std::size_t block = 0;  // index of its block in `leaves`
+    Variable* variable = nullptr;  // null where the block of each that had it has ended
+    std::size_t block = 0;         // index of its block in `leaves`
+};
+struct ScopeBlock {
+    struct Declaration {
+        Variable* variable;
+        VisibleVariable* visible;  // of its name
+        VisibleVariable before;    // what that was
+    };
+    std::vector<const Variable*> listed;  // as the scope rules see them
+    std::vector<Declaration> variables;   // shadowing ones included
 };
 struct ScopeBranch {
     std::vector<ScopeBlock> leaves;  // open blocks, the last is the current one
     std::deque<Variable> storage;    // every variable of the routine, ended blocks included
-    std::unordered_map<std::string, std::vector<VisibleVariable>> visible;  // by name, innermost last
+    NameTable<VisibleVariable> visible;
 };
 
 extern std::deque<ScopeBranch> localDefList;  // one branch per open routine, the last is the current one
@@ -34,12 +39,12 @@ std::size_t BlockCount();
 
 // Declares a variable in the current block after the identifier and scope checks, each of which ends
 // the run. Returns the record that look-ups find from here on, for the caller to fill in.
-Variable& AddVarToScopeList(const std::string& name, const std::string& cppName);
+Variable& AddVarToScopeList(Token name, const std::string& cppName);
 // The same without any check, for names that the compiler declares itself ("this").
-Variable& AddOwnName(const std::string& name);
+Variable& AddOwnName(Token name);
 
 // Where the name is declared that is in force here; line 0 when it is not.
-Elsewhere DeclarationOf(const std::string& name);
+Elsewhere DeclarationOf(Token name);
 
 [[noreturn]] void FailDeclaredTwice(const std::string& name);
 // The other declaration is that of the name, unless it is given.
@@ -49,13 +54,13 @@ Elsewhere DeclarationOf(const std::string& name);
 // no variable may take it.
 void ReachConst(const std::string& name);
 
-bool IsVariableInScope(const std::string& name);
+bool IsVariableInScope(Token name);
 
 // The Local, parameter or loop variable that the name means here; null when there is none.
-const Variable* FindLocal(const std::string& name);
+const Variable* FindLocal(Token name);
 // Local, then Field of the Type whose Method is open, then Global, Const or PreCalc table. Null where the bare
 // name means a Method of that Type.
-const Variable* FindVariable(const std::string& name);
+const Variable* FindVariable(Token name);
 // True when a block of the current routine that has ended declared the name.
 bool WasInEndedBlock(const std::string& name);
 
@@ -63,7 +68,7 @@ bool WasInEndedBlock(const std::string& name);
 extern const ClassInfo* currentClass;
 
 // What is called by the name: a Method of the open Type comes first, as it does in C++. Null when nothing is.
-const Routine* FindCallable(const std::string& name);
+const Routine* FindCallable(Token name);
 
 // While one lives, names mean what they mean at file level, outside all routines and Types. What is translated
 // still goes to the place of the statement under way, where such a name may be hidden.
@@ -86,4 +91,4 @@ private:
 
 // Whether a Local or a member stands between the place of the statement under way and what the name means at
 // file level.
-bool IsHidden(const std::string& name);
+bool IsHidden(Token name);

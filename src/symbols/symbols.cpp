@@ -6,36 +6,27 @@
 Symbols symbols;
 static const PartOfRun partOfRun(symbols);
 
-ClassInfo* FindClass(const std::string& name) {
-    const auto found = symbols.classIndex.find(name);
-    return found == symbols.classIndex.end() ? nullptr : found->second;
+ClassInfo* FindClass(Token name) {
+    ClassInfo* const* found = symbols.classIndex.Find(name);
+    return found == nullptr ? nullptr : *found;
 }
 
-bool IsClass(const std::string& name) { return FindClass(name) != nullptr; }
+bool IsClass(Token name) { return FindClass(name) != nullptr; }
 
-bool IsElement(const std::string& name) {
+bool IsElement(Token name) {
     const ClassInfo* cls = FindClass(name);
     return cls && cls->isElement;
 }
 
-const Routine* FindFunction(const std::string& name) {
-    const auto found = symbols.functions.find(name);
-    return found == symbols.functions.end() ? nullptr : &found->second;
-}
+const Routine* FindFunction(Token name) { return symbols.functions.Find(name); }
 
-const Routine* FindUserlibFunction(const std::string& name) {
-    const auto found = symbols.userlibRoutines.find(name);
-    return found == symbols.userlibRoutines.end() ? nullptr : &found->second;
-}
+const Routine* FindUserlibFunction(Token name) { return symbols.userlibRoutines.Find(name); }
 
-const Routine* FindMethod(const ClassInfo& cls, const std::string& name) {
-    const auto found = cls.routines.find(name);
-    return found == cls.routines.end() ? nullptr : &found->second;
-}
+const Routine* FindMethod(const ClassInfo& cls, Token name) { return cls.routines.Find(name); }
 
 bool HasMainFunction() {
     return std::any_of(symbols.functions.begin(), symbols.functions.end(), [](const auto& entry) {
-        return !entry.second.isExtern && Lower(entry.first) == "main";
+        return !entry.second.isExtern && Lower(entry.first->text) == "main";
     });
 }
 

@@ -1,5 +1,5 @@
 // All process-wide tables of a run, in one place. The first pass fills them file by file; they are
-// never emptied during a run. Look-ups by name go through the indexes, the lists keep the order.
+// never emptied during a run.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "lexer/lexer.h"
+#include "symbols/name_table.h"
 #include "symbols/value_type.h"
 
 // How the C++ text of an array is held.
@@ -88,10 +89,9 @@ struct ClassInfo {
 
     std::string cppName;
     int line = 0;
-    bool registered = false;                            // on classList
-    std::unordered_map<std::string, Variable> members;  // Fields by name
-    std::unordered_map<std::string, Routine>
-        routines;  // Methods by name ("constructor", "destructor" included)
+    bool registered = false;      // on classList
+    NameTable<Variable> members;  // Fields
+    NameTable<Routine> routines;  // Methods ("constructor", "destructor" included)
 };
 
 struct UserlibParameter {
@@ -110,20 +110,20 @@ struct UserlibDll {
 
 struct Symbols {
     // Types and Elements. Written by the name scan (names) and the first pass (the rest).
-    std::deque<ClassInfo> classes;                           // every name declared anywhere, stable addresses
-    std::unordered_map<std::string, ClassInfo*> classIndex;  // by exact name, first declaration
-    std::vector<ClassInfo*> classList;                       // registered ones, in order of registration
+    std::deque<ClassInfo> classes;      // every name declared anywhere, stable addresses
+    NameTable<ClassInfo*> classIndex;   // the first declaration of each
+    std::vector<ClassInfo*> classList;  // registered ones, in order of registration
 
     // Functions, Extern functions included. Written by the first pass, read by calls.
-    std::unordered_map<std::string, Routine> functions;
-    std::unordered_set<std::string> externFunctions;
+    NameTable<Routine> functions;
+    NameSet externFunctions;
 
     // Globals, Consts and PreCalc tables. Written by the first pass, read by every look-up.
-    std::unordered_map<std::string, Variable> globals;
-    std::unordered_map<std::string, Variable> constants;
+    NameTable<Variable> globals;
+    NameTable<Variable> constants;
 
     // Every Field name, with the first class that has it: for the clash with Globals and Consts.
-    std::unordered_map<std::string, const ClassInfo*> fieldOwners;
+    NameTable<const ClassInfo*> fieldOwners;
 
     // Whether all declarations have been read, those of included files too. Written when that is done.
     bool complete = false;
@@ -132,8 +132,7 @@ struct Symbols {
 
     // Userlibs. Written by Import, read by calls and by the runtime-linking code.
     std::deque<UserlibDll> userlibDLLs;
-    std::unordered_map<std::string, std::string> userlibFunctions;  // name -> C++ return type
-    std::unordered_map<std::string, Routine> userlibRoutines;  // name -> signature of the later declaration
+    NameTable<Routine> userlibRoutines;  // the later declaration of each
 
     // Paths of the program's source files, the main one first. Written by the name scan.
     std::vector<std::string> sourceFiles;
@@ -156,18 +155,18 @@ struct Symbols {
 extern Symbols symbols;
 
 // Exact, case-sensitive. Null when there is none.
-ClassInfo* FindClass(const std::string& name);
-bool IsClass(const std::string& name);                 // declared anywhere
-bool IsElement(const std::string& name);               // false when there is no such class
-const Routine* FindFunction(const std::string& name);  // Functions and Extern functions
-bool HasMainFunction();                                // "main" in any letter case
-const Routine* FindUserlibFunction(const std::string& name);
-const Routine* FindMethod(const ClassInfo& cls, const std::string& name);
+ClassInfo* FindClass(Token name);
+bool IsClass(Token name);                 // declared anywhere
+bool IsElement(Token name);               // false when there is no such class
+const Routine* FindFunction(Token name);  // Functions and Extern functions
+bool HasMainFunction();                   // "main" in any letter case
+const Routine* FindUserlibFunction(Token name);
+const Routine* FindMethod(const ClassInfo& cls, Token name);
 // The Field's type is settled like that of a Global.
-const Variable* FindField(const ClassInfo& cls, const std::string& name);
+const Variable* FindField(const ClassInfo& cls, Token name);
 
 // A Global, Const or PreCalc table, its type settled (an untyped one takes that of its initialiser).
-const Variable* FindGlobal(const std::string& name);
+const Variable* FindGlobal(Token name);
 
 // Adds text to a list of `symbols` unless it was added before.
 void AddOnce(std::vector<std::string>& list, const std::string& text);

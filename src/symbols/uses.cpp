@@ -189,14 +189,12 @@ void noting::Local(const Variable& variable) {
     NoteDeclaration(variable);
 }
 
-void NoteLocalsEnd(const std::vector<Variable*>& variables) {
+void NoteLocalEnds(const Variable& variable) {
     if (openLocals.empty()) return;
-    for (const Variable* variable : variables) {
-        const auto local = openLocals.find(variable);
-        if (local == openLocals.end()) continue;
-        EndLocal(*local->second, *variable);
-        openLocals.erase(local);
-    }
+    const auto local = openLocals.find(&variable);
+    if (local == openLocals.end()) return;
+    EndLocal(*local->second, variable);
+    openLocals.erase(local);
 }
 
 void NoteAllLocalsEnd() {

@@ -57,7 +57,7 @@ inline void NoteLocal(const Variable& variable) {
     if (settings.uses) noting::Local(variable);
 }
 // Here their scope ends.
-void NoteLocalsEnd(const std::vector<Variable*>& variables);
+void NoteLocalEnds(const Variable& variable);
 void NoteAllLocalsEnd();
 
 // While one lives its statement is under way. At its end names that nobody has asked about are looked up as well.

@@ -19,10 +19,9 @@ const Variable* WithType(Variable& variable, const ClassInfo* owner) {
     return &variable;
 }
 
-const Variable* FindIn(std::unordered_map<std::string, Variable>& variables, const std::string& name,
-                       const ClassInfo* owner) {
-    const auto found = variables.find(name);
-    return found == variables.end() ? nullptr : WithType(found->second, owner);
+const Variable* FindIn(NameTable<Variable>& variables, Token name, const ClassInfo* owner) {
+    Variable* found = variables.Find(name);
+    return found == nullptr ? nullptr : WithType(*found, owner);
 }
 
 }  // namespace
@@ -36,15 +35,14 @@ void KeepType(const Variable& variable) {
 
 void KeepWrongValue(const Variable& variable, const Stop& stop) { untyped[&variable] = stop; }
 
-const Variable* FindGlobal(const std::string& name) {
+const Variable* FindGlobal(Token name) {
     const Variable* global = FindIn(symbols.globals, name, nullptr);
     return global ? global : FindIn(symbols.constants, name, nullptr);
 }
 
-const Variable* FindField(const ClassInfo& cls, const std::string& name) {
-    const auto found = cls.members.find(name);
-    if (found == cls.members.end()) return nullptr;
-    if (found->second.type.IsKnown()) return &found->second;
+const Variable* FindField(const ClassInfo& cls, Token name) {
+    const Variable* found = cls.members.Find(name);
+    if (found == nullptr || found->type.IsKnown()) return found;
     ClassInfo* owner = FindClass(cls.name);
     return owner ? FindIn(owner->members, name, owner) : nullptr;
 }

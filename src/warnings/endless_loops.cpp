@@ -30,8 +30,8 @@ Words VariablesOf(TokenSpan condition) {
         if (word.sign != '\0' || word.keyword != Keyword::None || IsQuoted(word.text) ||
             IsDigit(word.text[0]))
             continue;
-        const Variable* local = FindLocal(word.text);
-        if (local == nullptr && symbols.constants.count(word.text) != 0) continue;
+        const Variable* local = FindLocal(word);
+        if (local == nullptr && symbols.constants.Has(word.text)) continue;
         if (local == nullptr || !local->type.IsSingle() || local->type.cls != nullptr) return {};
         variables.insert(&word);
     }
@@ -41,7 +41,7 @@ Words VariablesOf(TokenSpan condition) {
 // A call may End the program.
 bool Calls(TokenSpan statement) {
     for (std::size_t i = 0; i < statement.size(); ++i)
-        if (statement.SignAt(i) == '\\' || FindCallable(statement[i]) != nullptr) return true;
+        if (statement.SignAt(i) == '\\' || FindCallable(statement.At(i)) != nullptr) return true;
     return false;
 }
 

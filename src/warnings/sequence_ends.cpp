@@ -27,7 +27,7 @@ std::vector<Getting> gettings;
 const PartOfRun partOfRun(fillings, gettings);
 
 bool IsSeqWord(const Word& word) {
-    return IsWord(std::string_view(word.text).substr(0, 3), "seq") && FindFunction(word.text) == nullptr;
+    return IsWord(std::string_view(word.text).substr(0, 3), "seq") && FindFunction(word) == nullptr;
 }
 
 // Of two that have one name nobody can tell which is meant.

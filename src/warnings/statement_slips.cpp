@@ -78,7 +78,7 @@ bool IsNegative(TokenSpan tokens) {
 
 // The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
 ValueType TypeOf(TokenSpan place) {
-    const Variable* variable = FindVariable(place[0]);
+    const Variable* variable = FindVariable(place.At(0));
     ValueType type = variable == nullptr ? ValueType() : variable->type;
     for (std::size_t i = 1; i < place.size() && type.IsKnown();) {
         if (place.SignAt(i) == '[' && type.dims > 0) {
@@ -87,7 +87,7 @@ ValueType TypeOf(TokenSpan place) {
             continue;
         }
         const ClassInfo* cls = place.SignAt(i) == '\\' && type.IsSingle() ? type.cls : nullptr;
-        const Variable* field = cls == nullptr ? nullptr : FindField(*cls, place[i + 1]);
+        const Variable* field = cls == nullptr ? nullptr : FindField(*cls, place.At(i + 1));
         type = field == nullptr ? ValueType() : field->type;
         i += 2;
     }
@@ -125,7 +125,7 @@ TokenSpan AssignsToItself(const State&, TokenSpan statement) {
 TokenSpan ExceedsType(const State&, TokenSpan statement) {
     if (Has(statement.KeywordAt(0), trait::variables)) return MisfitIn(statement.From(1));
     if (statement.SignAt(1) != '=' || statement.KeywordAt(0) != Keyword::None) return {};
-    const Variable* variable = FindVariable(statement[0]);
+    const Variable* variable = FindVariable(statement.At(0));
     return variable == nullptr ? TokenSpan() : Misfit(variable->type, statement.From(2));
 }
 
@@ -140,7 +140,7 @@ TokenSpan NamesFileBare(const State&, TokenSpan statement) {
 TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     if (!Has(word, trait::classes) || InRoutine(state)) return {};
-    const ClassInfo* first = FindClass(statement[1]);
+    const ClassInfo* first = FindClass(statement.At(1));
     if (first == nullptr || statement.size() != 2 || !first->registered) return {};
     const bool isFirst =
         first->line == settings.currentLine && FileId(first->sourceFile) == FileId(settings.currentFile);
