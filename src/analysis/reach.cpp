@@ -28,8 +28,8 @@ void AddNames() {
         for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
     }
     for (const auto& routine : symbols.userlibRoutines) graph.NodeOf(graph.routines, routine.first);
-    for (const auto& routine : graph.routines) graph.words.Of(WordOf(routine.first)).routine = routine.second;
-    for (const auto& cls : symbols.classIndex) graph.words.Of(*cls.first).cls = cls.second;
+    for (const auto& routine : graph.routines) graph.words[routine.first].routine = routine.second;
+    for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
 }
 
 // Reads one file and adds what its routines and loops mention.

@@ -19,38 +19,15 @@ struct ReachNode {
     bool removes = false;
 };
 
-// What a word of the program may stand for.
+// What a name of the program may stand for.
 struct Meaning {
     int routine = -1;
     const ClassInfo* cls = nullptr;
 };
 
-// The names of routines, Types and Elements, by the ids of their words.
-class Meanings {
-public:
-    Meaning& Of(const Word& word) {
-        if (word.id >= places.size()) places.resize(WordCount());
-        std::uint32_t& place = places[word.id];
-        if (place == 0) {
-            meanings.emplace_back();
-            place = static_cast<std::uint32_t>(meanings.size());
-        }
-        return meanings[place - 1];
-    }
-    // Null for any other word.
-    const Meaning* Find(const Word& word) const {
-        const std::uint32_t place = word.id < places.size() ? places[word.id] : 0;
-        return place == 0 ? nullptr : &meanings[place - 1];
-    }
-
-private:
-    std::vector<std::uint32_t> places;  // by id: behind the meaning; 0 for words without one
-    std::vector<Meaning> meanings;
-};
-
 struct ReachGraph {
     std::vector<ReachNode> nodes;
-    Meanings words;
+    NameTable<Meaning> words;                       // the names of routines, Types and Elements
     std::unordered_map<std::string, int> routines;  // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
     std::unordered_map<std::string, int> loops;  // by place

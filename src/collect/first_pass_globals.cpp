@@ -18,16 +18,16 @@ struct Kind {
 constexpr Kind globalKind = {"Global variable", "global", false};
 constexpr Kind constKind = {"Const", "const", true};
 
-void RefuseFieldName(const std::string& name, const Kind& kind) {
+void RefuseFieldName(Token name, const Kind& kind) {
     const ClassInfo* const* owner = symbols.fieldOwners.Find(name);
     if (owner == nullptr) return;
-    FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name +
-                          "' conflicts with already-declared Field '" + name + "' in Type " + (*owner)->name +
-                          "\n  First come first served - the Field was declared first.",
+    FailOnErrorStream("ERROR: " + std::string(kind.title) + " '" + name->text +
+                          "' conflicts with already-declared Field '" + name->text + "' in Type " +
+                          (*owner)->name + "\n  First come first served - the Field was declared first.",
                       Tokens{name});
 }
 
-bool IsTaken(const std::string& name) {
+bool IsTaken(Token name) {
     return symbols.globals.Has(name) || symbols.constants.Has(name) || symbols.functions.Has(name) ||
            symbols.userlibRoutines.Has(name) || IsClass(name);
 }
@@ -55,7 +55,7 @@ void Register(Variable&& variable, const Kind& kind) {
 
 void Collect(FirstPass& pass, TokenSpan tokens, const Kind& kind) {
     if (tokens.empty()) return;
-    RefuseFieldName(tokens[0], kind);
+    RefuseFieldName(tokens.At(0), kind);
     CheckName(tokens[0]);
     RememberName(pass, tokens[0], kind);
     Variable variable = ReadDeclaration(pass, tokens);

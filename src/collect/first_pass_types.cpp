@@ -27,7 +27,7 @@ std::string MethodCppName(const ClassInfo& cls, const std::string& name) {
 }
 
 // The member of an open Type, if there is one.
-Elsewhere MemberOf(const ClassInfo& open, const std::string& file, const std::string& name) {
+Elsewhere MemberOf(const ClassInfo& open, const std::string& file, Token name) {
     const Variable* field = open.members.Find(name);
     const Routine* method = open.routines.Find(name);
     const int line = field != nullptr ? field->line : method != nullptr ? method->line : 0;
@@ -35,7 +35,7 @@ Elsewhere MemberOf(const ClassInfo& open, const std::string& file, const std::st
 }
 
 // A member may not take the name of another one or, in C++, that of a class.
-void RefuseMemberName(const FirstPass& pass, const std::string& name) {
+void RefuseMemberName(const FirstPass& pass, Token name) {
     const ClassInfo& open = pass.open;
     const bool taken = IsClass(name) || open.members.Has(name) || open.routines.Has(name);
     if (taken) FailAlreadyDefined(name, MemberOf(open, pass.out.source, name));
@@ -55,10 +55,10 @@ std::string FieldTypeText(const Variable& field) {
 
 void AddField(FirstPass& pass, TokenSpan tokens) {
     if (tokens.empty()) return;
-    const std::string& name = tokens[0];
+    const Token name = tokens.At(0);
     ClassInfo& open = pass.open;
     if (open.members.Has(name)) {
-        ReportFatal("Syntax error: Duplicate field '" + name + "' in Type " + open.name, Tokens{name},
+        ReportFatal("Syntax error: Duplicate field '" + name->text + "' in Type " + open.name, Tokens{name},
                     MemberOf(open, pass.out.source, name));
     }
     RefuseTaken(pass, name, pass.globals.count(name) != 0, "Global variable");
@@ -140,11 +140,11 @@ void CollectField(FirstPass& pass, TokenSpan tokens) {
 
 void CollectMethod(FirstPass& pass, TokenSpan tokens) {
     if (!pass.inType) ReportFatal("Syntax error: 'Method' can only be declared inside a Type");
-    const std::string& name = tokens[1];
-    if (name.empty()) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
+    if (tokens.size() < 2) ReportFatal("Expected a name after '" + tokens[0] + "'", tokens.Slice(0, 1));
+    const Token name = tokens.At(1);
     ClassInfo& open = pass.open;
     if (open.routines.Has(name)) {
-        ReportFatal("Syntax error: Duplicate method '" + name + "' in Type " + open.name, Tokens{name},
+        ReportFatal("Syntax error: Duplicate method '" + name->text + "' in Type " + open.name, Tokens{name},
                     MemberOf(open, pass.out.source, name));
     }
     RefuseMemberName(pass, name);

@@ -40,6 +40,9 @@ bool SourceLines::Open(const std::string& name) {
     path = name;
     CutFiles({path});
     file = cutFiles.at(path);
+    const bool hasReports = file != nullptr && (!file->lexed.empty() || file->trouble.message != nullptr ||
+                                                file->splitTrouble.message != nullptr);
+    reports = hasReports && (reading == Reading::FirstPass || reading == Reading::SecondPass);
     return file != nullptr;
 }
 
@@ -68,12 +71,16 @@ void SourceLines::ReportTrouble(const CutTrouble& trouble) const {
     FailInLine(path, trouble.count, trouble.message, trouble.text);
 }
 
+void SourceLines::Report() {
+    ShowLexed();
+    ReportTrouble(file->trouble);
+    if (reading == Reading::SecondPass) ReportTrouble(file->splitTrouble);
+}
+
 bool SourceLines::Next() {
     metInlineCpp = false;
     for (bool found = line.isEnd; !found; ++next) {
-        if (Reports()) ShowLexed();
-        if (Reports()) ReportTrouble(file->trouble);
-        if (reading == Reading::SecondPass) ReportTrouble(file->splitTrouble);
+        if (reports) Report();
         const CutLine& entered = file->lines[next];
         metInlineCpp = metInlineCpp || entered.afterInline;
         found = IsWanted(entered);

@@ -86,9 +86,11 @@ private:
     CutLine line;                                    // the current one
     std::size_t statementsRead = 0, inlineRead = 0;  // of the file, up to the current line
     bool metInlineCpp = false;
+    bool reports = false;  // there may be something to say
     LineStatements statements;
 
-    bool Reports() const { return reading == Reading::FirstPass || reading == Reading::SecondPass; }
+    // What is to be said before the next line is read.
+    void Report();
     // Shows what was lexed for the line that comes next.
     void ShowLexed();
     // Ends the run when the trouble lies in that line.

@@ -26,8 +26,10 @@ namespace {
 
 // A declaration as it was read.
 struct Declared {
-    std::string name;
-    DefinitionKind kind = DefinitionKind::Local;
+    Declared(Token called, DefinitionKind what) : name(called), kind(what) {}
+
+    Token name;
+    DefinitionKind kind;
     bool typed = false;  // a type or sizes are written
     TypeNote note;
     bool hasValue = false;
@@ -41,7 +43,7 @@ void ListTokens(TokenSpan tokens) {
 }
 
 void CheckNewName(const Declared& declared) {
-    const std::string& name = declared.name;
+    const Token name = declared.name;
     if (declared.kind == DefinitionKind::Field) return;
     if (declared.kind != DefinitionKind::Local) CheckGlobalName(name);
     if (declared.kind == DefinitionKind::Const) ReachConst(name);
@@ -49,15 +51,14 @@ void CheckNewName(const Declared& declared) {
     CheckCppWord(name);
     // A Local may hide a Function: calls of it are told apart.
     if (IsClass(name)) FailAlreadyDefined(name);
-    if (FindDispatchRow(FindKeyword(name)) != nullptr) CheckKeyword(name);
+    if (FindDispatchRow(name->keyword) != nullptr) CheckKeyword(name);
     CheckName(name);
 }
 
 // In a Local an unknown type is an unknown type, however its name looks.
 void CheckLocalType(TokenSpan tokens) {
     const std::string& name = tokens[2];
-    if (name.empty() || IsWord(name, "sequence") || FindClass(name) != nullptr) return;
-    if (HasTypeName(name)) FailUnknownType(name);
+    if (HasTypeName(name) && FindClass(tokens.At(2)) == nullptr) FailUnknownType(name);
 }
 
 std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
@@ -66,7 +67,8 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
         if (declared.kind == DefinitionKind::Local) CheckLocalType(tokens);
         declared.note = ReadType(tokens, 2);
         if (declared.note.type.sequence && Is(tokens[declared.note.end], "["))
-            ReportFatal("An array cannot hold Sequences: '" + declared.name + "'", Tokens{declared.name});
+            ReportFatal("An array cannot hold Sequences: '" + declared.name->text + "'",
+                        Tokens{declared.name});
     } else if (Is(tokens[1], "[")) {
         declared.note.type = Single(Base::Int);
         ReadSizes(tokens, 1, declared.note);
@@ -79,21 +81,19 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
     if (!Is(tokens[at], "="))
-        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name + "'",
+        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name->text + "'",
                     tokens.Slice(at, at + 1));
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);
     if (declared.value.empty())
-        ReportFatal("Missing value after '=' in the declaration of '" + declared.name + "'",
+        ReportFatal("Missing value after '=' in the declaration of '" + declared.name->text + "'",
                     Tokens{declared.name});
 }
 
 Declared Read(TokenSpan tokens, DefinitionKind kind) {
     if (tokens.empty())
         ReportFatal("Unexpected end of line" + Hint{"A name stands here, with its type or value: n:Int = 3"});
-    Declared declared;
-    declared.name = tokens[0];
-    declared.kind = kind;
+    Declared declared(tokens.At(0), kind);
     CheckNewName(declared);
     ReadValue(tokens, ReadAnnotation(tokens, declared), declared);
     return declared;
@@ -114,9 +114,9 @@ void CheckComplete(const Declared& declared) {
     if (declared.kind == DefinitionKind::Const)
         ReportFatal("Constant must be initialized" + Hint{"Write its value behind it: Const MAX = 10"});
     if (!declared.typed)
-        ReportFatal(
-            "Variable '" + declared.name + "' requires either a type annotation (:Type) or an initial value",
-            Tokens{declared.name});
+        ReportFatal("Variable '" + declared.name->text +
+                        "' requires either a type annotation (:Type) or an initial value",
+                    Tokens{declared.name});
 }
 
 // The type an untyped variable takes from its value.
@@ -124,7 +124,7 @@ void InferDeclaredType(Declared& declared, const Expr& value) {
     if (declared.typed) return;
     declared.note.type = value.type;
     if (value.type.base == Base::Null)
-        ReportFatal("Variable '" + declared.name + "' requires a type annotation (:Type) beside Null",
+        ReportFatal("Variable '" + declared.name->text + "' requires a type annotation (:Type) beside Null",
                     Tokens{declared.name});
 }
 
@@ -132,9 +132,9 @@ void CheckConstType(const Declared& declared) {
     const ValueType& type = declared.note.type;
     if (declared.kind != DefinitionKind::Const || !type.IsKnown()) return;
     if (!type.IsNumber() && !type.Is(Base::String))
-        ReportFatal(
-            "Const '" + declared.name + "' must hold a number, a Bool or a String, got " + KorvelName(type),
-            Tokens{declared.name});
+        ReportFatal("Const '" + declared.name->text + "' must hold a number, a Bool or a String, got " +
+                        KorvelName(type),
+                    Tokens{declared.name});
 }
 
 // Statements before the class may have named the Field already.
@@ -191,7 +191,7 @@ void DefineSingle(const Declared& declared, const Expr& value, Definition& defin
         return;
     }
     if (settings.verbose && type.Is(Base::Object))
-        Say("Registering object variable: " + declared.name + " of type " + type.cls->name);
+        Say("Registering object variable: " + declared.name->text + " of type " + type.cls->name);
     if (declared.kind == DefinitionKind::Field) return;
     if (declared.kind == DefinitionKind::Local) {
         if (IsCreation(declared.value) && value.type.Is(Base::Object))
@@ -275,7 +275,7 @@ void DefineArray(State& state, const Declared& declared, const Expr& value, Defi
     array.handsOnBools = HandsOn(declared);
     definition.handsOnBools = array.handsOnBools;
     if (!declared.hasValue && !AnySizeWritten(array.sizes))
-        ReportFatal("Array '" + declared.name + "' requires a size or an initial value",
+        ReportFatal("Array '" + declared.name->text + "' requires a size or an initial value",
                     Tokens{declared.name});
     if (declared.hasValue && !AnySizeWritten(array.sizes)) array.sizes.clear();
     const ArrayPlace place = PlaceOf(state, declared.kind);

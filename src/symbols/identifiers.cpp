@@ -61,7 +61,9 @@ constexpr char typeNamingHint[] =
 }  // namespace
 
 bool IsReservedCppName(const std::string& name) {
-    return !IsNeverPrefixed(name) && !symbols.externFunctions.Has(name) && !symbols.userlibRoutines.Has(name);
+    if (IsNeverPrefixed(name)) return false;
+    const bool foreign = symbols.externFunctions.size() + symbols.userlibRoutines.size() != 0;
+    return !foreign || !(symbols.externFunctions.Has(name) || symbols.userlibRoutines.Has(name));
 }
 
 std::string SafeName(const std::string& name) {
