@@ -26,12 +26,19 @@ bool IsBetweenOperands(TokenSpan tokens, std::size_t at) {
     return Calculates(tokens.SignAt(at)) && at + 1 < tokens.size() && EndsOperand(tokens, at - 1);
 }
 
+// Two signs that are one operator: "a && b", "a != b".
+bool IsPair(TokenSpan tokens, std::size_t at) {
+    const char before = at > 0 ? tokens.SignAt(at - 1) : '\0', sign = tokens.SignAt(at);
+    return (before == '&' && sign == '&') || (before == '!' && sign == '=');
+}
+
 // Whether a blank stands between token `at` and the one before it; `had` is whether there is one now.
 bool IsBlankBefore(TokenSpan tokens, std::size_t at, bool had) {
     const char before = tokens.SignAt(at - 1), sign = tokens.SignAt(at);
     if (sign == ',' || ClosesBracket(sign) || OpensBracket(before)) return false;
     if (before == ',' || sign == '|' || before == '|') return true;
-    if (Compares(sign) && Compares(before)) return had;
+    if (IsPair(tokens, at) || (Compares(sign) && Compares(before))) return had;
+    if (IsPair(tokens, at - 1) || IsPair(tokens, at + 1)) return true;
     if (Compares(sign) || Compares(before)) return true;
     return had || IsBetweenOperands(tokens, at) || IsBetweenOperands(tokens, at - 1);
 }
