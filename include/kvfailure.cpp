@@ -48,6 +48,7 @@ int backtrace_pcinfo(backtrace_state* state, uintptr_t address, backtrace_full_c
 
 extern "C" {
 void (*__kvBeforeFailure)() = nullptr;
+void (*__kvAtFailure)(const char* text) = nullptr;
 }
 
 namespace {
@@ -62,6 +63,9 @@ void Say(const char* text, std::size_t size) {
         size -= static_cast<std::size_t>(written);
     }
 }
+
+const char failureMark[] = "error: ";
+char failure[2000] = "";  // the line that has told what failed
 
 class Line {
 public:
@@ -82,6 +86,10 @@ public:
         return *this;
     }
     void End() {
+        if (std::strncmp(bytes, failureMark, sizeof failureMark - 1) == 0) {
+            std::memcpy(failure, bytes, used);
+            failure[used] = '\0';
+        }
         bytes[used++] = '\n';
         Say(bytes, used);
         used = 0;
@@ -326,6 +334,11 @@ bool IsNewPlace(const char* text) {
 
 #endif
 
+// All has been said, and the routines are still there to be looked at.
+void TellDebugger() {
+    if (__kvAtFailure != nullptr) __kvAtFailure(failure);
+}
+
 // ---- Exceptions --------------------------------------------------------------------------------------------------
 
 bool said = false;  // what ends the program now has been told
@@ -381,6 +394,7 @@ void SayException() {
         else
             SayError("an exception of C++ ended the program");
         SayPlaces();
+        TellDebugger();
     }
     std::abort();
 }
@@ -456,6 +470,7 @@ void EndBySignal(int number, siginfo_t* info, void*) {
         said = true;
         SayError(TextOf(number, info));
         SayPlaces();
+        TellDebugger();
     }
     raise(number);  // comes when this one returns
 }
@@ -556,5 +571,6 @@ extern "C" void __kvWarn(const char* text) {
 
 extern "C" void __kvFail(int status) {
     SayPlaces();
+    TellDebugger();
     std::exit(status);
 }

@@ -20,6 +20,9 @@ inline void __kvWarn(const char* text) { std::fprintf(stderr, "warning: %s\n", t
 extern "C" {
 // Called before anything is said of a signal: terminal, output that waits. Only what a signal handler may do.
 extern void (*__kvBeforeFailure)();
+// Called when all has been said, before the program ends: a debugger's (kvdebugger.cpp). The text is what was said of the
+// failure, or empty where the program has said it.
+extern void (*__kvAtFailure)(const char* text);
 // Behind the text of a run-time error: says where it happened and ends the program.
 [[noreturn]] void __kvFail(int status);
 // Tells of what is wrong but does not end the program, and where; each place once.

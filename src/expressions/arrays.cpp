@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/in_order.h"
@@ -80,8 +81,8 @@ std::string SizeByDeclaration(const Expr& array) {
 
 bool IsCheckWanted(const Expr& array, std::size_t indices) {
     constexpr std::size_t mostDimensions = 3;
-    return settings.safeMode && !settings.debugMode && array.type.IsKnown() &&
-           array.form != ArrayForm::Pointer && indices <= mostDimensions;
+    return ChecksValues() && array.type.IsKnown() && array.form != ArrayForm::Pointer &&
+           indices <= mostDimensions;
 }
 
 // Whether the indices are all there may be: an argument for an array parameter may be a row.
@@ -238,7 +239,7 @@ std::string KnownSize(const Expr& array) {
 
 void WriteIndex(Code& out, const Expr& item) {
     const ArrayForm form = item.first->form;
-    if (!item.ordered && (!settings.safeMode || settings.debugMode)) return WritePlain(out, item);
+    if (!item.ordered && !ChecksValues()) return WritePlain(out, item);
     const Texts indices = IndexTexts(item);
     if (!item.ordered)
         WriteChecked(out, item, indices);

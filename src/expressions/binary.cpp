@@ -1,4 +1,5 @@
 // Types of operators.
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/operators.h"
@@ -25,7 +26,7 @@ Base CommonNumber(const Expr& a, const Expr& b) {
     return a.type.base == Base::Long || b.type.base == Base::Long ? Base::Long : Base::Int;
 }
 
-bool Checked() { return settings.safeMode && !settings.debugMode; }
+bool Checked() { return ChecksValues(); }
 
 [[noreturn]] void FailOperands(const Expr& left, const BinaryOperator& op, const Expr& right) {
     std::string message = std::string("Operator '") + op.korvel + "' cannot be used between " +

@@ -108,7 +108,9 @@ std::string EmptyValue(const Options& options, const CLI::App& app) {
     return "";
 }
 
-bool TakesArguments(Command command) { return command == Command::run || command == Command::watch; }
+bool TakesArguments(Command command) {
+    return command == Command::run || command == Command::watch || command == Command::debug;
+}
 
 // What is left over when CLI11 has taken the options.
 std::string TakeNames(const CommandRow& row, const std::vector<std::string>& words, Options& options) {
@@ -156,6 +158,10 @@ bool IsToStay(const Options& options) {
 }
 
 bool NeedsCompiler(const Options& options) { return options.command != Command::check || options.checkCpp; }
+
+bool IsForDebugger(const Options& options) {
+    return options.command == Command::debug || options.command == Command::dap;
+}
 
 bool IsFast(const Options& options) { return !options.plain && !options.debug && NeedsCompiler(options); }
 

@@ -14,6 +14,8 @@ enum class Command {
     create,
     format,
     lsp,
+    debug,
+    dap,
     watch,
     package,
     clean,
@@ -53,6 +55,9 @@ bool IsToStay(const Options& options);
 
 // Whether there is work for the C++ compiler.
 bool NeedsCompiler(const Options& options);
+
+// Whether the program is made for the debugger, which looks at it while it runs.
+bool IsForDebugger(const Options& options);
 
 // Whether the program is translated for speed.
 bool IsFast(const Options& options);

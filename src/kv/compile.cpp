@@ -85,6 +85,7 @@ CompileJob CompileJobOf(const Job& job) {
     compile.isStatic = job.options.isStatic;
     compile.places = TellsPlaces(job.options);
     compile.failureCode = job.failureCode;
+    compile.debuggerCode = job.debuggerCode;
     compile.cppFolder = job.build.cppFolder;
     compile.linkerFlags = job.linkerFlags;
     return compile;
@@ -260,8 +261,9 @@ std::vector<std::string> SharedLibraries(const Job& job) {
     return libraries;
 }
 
-void ChooseFailureCode(Job& job) {
+void ChooseRuntimeCode(Job& job) {
     if (TellsPlaces(job.options)) job.failureCode = PrepareFailureCode(PrecompileJobOf(job));
+    if (IsForDebugger(job.options)) job.debuggerCode = PrepareDebuggerCode(PrecompileJobOf(job));
 }
 
 std::string CompilationOf(const Job& job) {
@@ -269,7 +271,7 @@ std::string CompilationOf(const Job& job) {
 }
 
 bool CheckCpp(Job& job) {
-    ChooseFailureCode(job);  // the flags depend on it
+    ChooseRuntimeCode(job);  // the flags depend on it
     CompileJob compile = CompileJobOf(job);
     return CompileOn(job, compile, SyntaxCommand);
 }

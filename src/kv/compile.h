@@ -6,8 +6,8 @@
 
 #include "kv/job.h"
 
-// Finds or makes what tells of the failures of the job's program.
-void ChooseFailureCode(Job& job);
+// Finds or makes what tells of the failures of the job's program, and the debugger's side in it.
+void ChooseRuntimeCode(Job& job);
 
 // How the job's generated files are compiled, in one line that differs for different ways.
 std::string CompilationOf(const Job& job);

@@ -28,7 +28,10 @@ bool FindInstallation(Job& job) {
 
 // Ways of building that must not overwrite one another's files.
 std::string Variant(const Options& options) {
-    const std::string checks = options.debug ? "debug" : options.safe ? "safe" : "";
+    const std::string checks = IsForDebugger(options) ? "debugger"
+                               : options.debug        ? "debug"
+                               : options.safe         ? "safe"
+                                                      : "";
     const std::string mode = checks + (IsFast(options) ? "fast" : checks.empty() ? "plain" : "");
     const std::string kind =
         (options.target.empty() ? "" : "-" + options.target) + (options.isStatic ? "-static" : "");
@@ -71,6 +74,10 @@ bool PrepareJob(const Options& options, Job& job) {
         return false;
     }
     if (!FindSource(options.source, job.typedFolder, job.source) || !FindInstallation(job)) return false;
+    if (IsForDebugger(options)) {
+        job.options.debug = true;
+        job.options.plain = false;  // failures are to be met
+    }
     job.sourceFolder = TextOf(PathOf(job.source).parent_path());
     if (job.options.optimisation.empty()) {
         job.options.optimisation = IsToStay(options) ? "-O2" : "-O0";

@@ -20,7 +20,8 @@ struct Job {
     std::string mainCpp;  // the generated main file
     std::string prelude;  // the precompiled header that served the compilation; empty: none
 
-    std::string failureCode;  // what tells of the program's failures, to be linked; empty: none
+    std::string failureCode;   // what tells of the program's failures, to be linked; empty: none
+    std::string debuggerCode;  // the debugger's side in the program, the same way
 
     // Set by the translation, or by the last one when nothing has changed since:
     korvel::Result translation;

@@ -46,7 +46,7 @@ void Remember(const Job& job, const std::string& commands) {
 }
 
 bool MakeInFolder(Job& job) {
-    ChooseFailureCode(job);
+    ChooseRuntimeCode(job);
     const std::string commands = ReadableCommandLine(TranslatorCommand(job)) + " && " + CompilationOf(job);
     if (StampHolds(job.build.stamp, commands) && LoadTranslation(job)) {
         if (job.options.verbose) std::fprintf(stderr, "kv: nothing has changed\n");

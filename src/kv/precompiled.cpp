@@ -128,6 +128,21 @@ Words WithFlags(const PrecompileJob& job, const Words& flags) {
 
 void Add(Words& command, const Words& more) { command.insert(command.end(), more.begin(), more.end()); }
 
+std::string IncludedFile(const PrecompileJob& job, const char* name) {
+    return TextOf(PathOf(job.includeFolder) / name);
+}
+
+// Makes an object of a source to be linked to programs.
+Words ObjectCommand(const PrecompileJob& job, const std::string& source, const std::string& target,
+                    const Words& kind, const Words& libraries) {
+    const std::string folder = target.empty() ? "" : FolderOf(target);
+    Words words = WithFlags(job, {"-O2", "-w"});
+    Add(words, kind);
+    Add(words, {PathForTool(source, folder), "-o", PathForTool(target, folder)});
+    Add(words, libraries);
+    return words;
+}
+
 }  // namespace
 
 std::string PreludesFolder() {
@@ -142,7 +157,7 @@ std::string PreparePrelude(const PrecompileJob& job) {
     task.text = job.places ? std::string(failureInclude) + preludeText : preludeText;
     task.work = "Compiling the standard headers, once for all programs";
     for (const char* const header : {"conio.h", "kvfailure.h"})
-        task.reads.push_back(TextOf(PathOf(job.includeFolder) / header));
+        task.reads.push_back(IncludedFile(job, header));
     task.commands = {[&job, &task](const std::string& target) {
         const std::string folder = target.empty() ? "" : FolderOf(target);
         Words command = WithFlags(job, {job.optimisation, "-pipe", "-w"});
@@ -162,25 +177,32 @@ void DropPrelude(const std::string& header) {
 }
 
 std::string PrepareFailureCode(const PrecompileJob& job) {
-    const std::string source = TextOf(PathOf(job.includeFolder) / "kvfailure.cpp");
-    const auto command = [&](const std::string& target, const Words& kind, const Words& libraries) {
-        const std::string folder = target.empty() ? "" : FolderOf(target);
-        Words words = WithFlags(job, {"-O2", "-w"});
-        if (job.debug) words.push_back("-DKV_STACK");
-        Add(words, kind);
-        Add(words, {PathForTool(source, folder), "-o", PathForTool(target, folder)});
-        Add(words, libraries);
-        return words;
-    };
+    const std::string source = IncludedFile(job, "kvfailure.cpp");
     Task task;
     task.kind = "failure";
     task.name = "failure.o";
     task.work = "Compiling what tells of failures, once for all programs";
-    task.reads = {source, TextOf(PathOf(job.includeFolder) / "kvfailure.h")};
+    task.reads = {source, IncludedFile(job, "kvfailure.h")};
+    const char* const stack = job.debug ? "-DKV_STACK" : "-UKV_STACK";
     // With the library that reads line tables inside, where there is one.
     task.commands = {[&](const std::string& target) {
-                         return command(target, {"-DKV_BACKTRACE", "-r", "-nostdlib"}, {"-lbacktrace"});
+                         return ObjectCommand(job, source, target,
+                                              {stack, "-DKV_BACKTRACE", "-r", "-nostdlib"}, {"-lbacktrace"});
                      },
-                     [&](const std::string& target) { return command(target, {"-c"}, {}); }};
+                     [&](const std::string& target) {
+                         return ObjectCommand(job, source, target, {stack, "-c"}, {});
+                     }};
+    return Prepare(task, job);
+}
+
+std::string PrepareDebuggerCode(const PrecompileJob& job) {
+    const std::string source = IncludedFile(job, "kvdebugger.cpp");
+    Task task;
+    task.kind = "debugger";
+    task.name = "debugger.o";
+    task.work = "Compiling the debugger, once for all programs";
+    task.reads = {source, IncludedFile(job, "kvdebugger.h"), IncludedFile(job, "kvdebug.h")};
+    task.commands = {
+        [&](const std::string& target) { return ObjectCommand(job, source, target, {"-c"}, {}); }};
     return Prepare(task, job);
 }

@@ -28,3 +28,5 @@ void DropPrelude(const std::string& header);
 
 // The object to link to programs that tell of their failures, made in the same way. Empty when that is not possible.
 std::string PrepareFailureCode(const PrecompileJob& job);
+// The same for programs that are made for the debugger.
+std::string PrepareDebuggerCode(const PrecompileJob& job);

@@ -126,7 +126,8 @@ void AddCompilingFlags(std::vector<std::string>& command, const CompileJob& job)
 }
 
 void AddLibraries(std::vector<std::string>& command, const CompileJob& job) {
-    if (!job.failureCode.empty()) command.push_back(ForTool(job, job.failureCode));
+    for (const std::string& object : {job.failureCode, job.debuggerCode})
+        if (!object.empty()) command.push_back(ForTool(job, object));
     const bool isForWindows = isWindows || job.isForWindows;
     if (isForWindows || job.isStatic)
         command.push_back("-static");  // the program runs where no compiler is installed

@@ -20,6 +20,7 @@ struct CompileJob {
     bool isStatic = false;        // linked with nothing that the system would have to have
     bool places = false;          // failing programs say where
     std::string failureCode;      // what says it: an object to link; empty: none
+    std::string debuggerCode;     // the debugger's side in the program: an object to link; empty: none
     std::string cppFolder;        // of the generated files
     bool loadsLibraries = false;  // while it runs
     std::vector<std::string> linkerFlags;

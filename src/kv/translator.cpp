@@ -22,6 +22,7 @@ struct FlagRow {
     bool korvel::Request::*flag;
 };
 const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug},
+                            {"--debugger", &korvel::Request::debugger},
                             {"--safe", &korvel::Request::safe},
                             {"--fast", &korvel::Request::fast},
                             {"--places", &korvel::Request::places}};
@@ -34,6 +35,7 @@ std::vector<std::string> TranslatorCommand(const Job& job) {
     if (!NeedsCompiler(job.options)) command.emplace_back(checkWord);
     if (job.options.noWarnings) command.emplace_back(silentWord);
     if (job.options.debug) command.emplace_back("--debug");
+    if (IsForDebugger(job.options)) command.emplace_back("--debugger");
     if (job.options.safe) command.emplace_back("--safe");
     if (IsFast(job.options)) command.emplace_back("--fast");
     if (TellsPlaces(job.options)) command.emplace_back("--places");

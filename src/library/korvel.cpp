@@ -4,6 +4,7 @@
 #include <new>
 #include <optional>
 
+#include "base/debugger.h"
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/report.h"
@@ -38,6 +39,7 @@ void Begin(const Request& request) {
     settings.traceMode = request.traced;
     settings.outputComments = request.commented;
     settings.debugMode = request.debug;
+    forDebugger = request.debugger;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
     settings.warnings = request.warnings;

@@ -25,6 +25,7 @@ struct Request {
     // The flags of kvt.
     bool warnings = true;  // -warn
     bool debug = false;
+    bool debugger = false;  // with debug: for include/kvdebugger.h
     bool safe = false;
     bool fast = false;
     bool places = false;     // the C++ leads back to the source: #line, and failures tell their place

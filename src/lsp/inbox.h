@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "lsp/framing.h"
 #include "lsp/json.h"
 
 // Some compilers for Windows come without threads: messages are then read when they are asked for, and none can be
@@ -17,9 +18,6 @@
 #include <set>
 #include <thread>
 #endif
-
-// Reads the text of a message behind its head. What has no head that makes sense is passed over. False at the end.
-bool ReadMessage(std::FILE* from, std::string& text);
 
 class Inbox {
 public:

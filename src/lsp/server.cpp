@@ -119,11 +119,7 @@ private:
 
     void Send(Json message) {
         message["jsonrpc"] = "2.0";
-        const std::string text = message.dump(-1, ' ', false, Json::error_handler_t::replace);
-        const std::string head = "Content-Length: " + std::to_string(text.size()) + "\r\n\r\n";
-        std::fwrite(head.data(), 1, head.size(), output);
-        std::fwrite(text.data(), 1, text.size(), output);
-        std::fflush(output);
+        WriteMessage(output, message.dump(-1, ' ', false, Json::error_handler_t::replace));
     }
     void SendError(const Json& id, int number, const std::string& text) {
         Send({{"id", id}, {"error", {{"code", number}, {"message", text}}}});

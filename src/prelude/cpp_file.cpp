@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
@@ -52,6 +53,7 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
     PutLine(out, "#include \"" + out.base + ".h\"");
     if (settings.debugMode) {
         PutLine(out, IsBaseName("kvdebug") ? "#include <kvdebug.h>" : "#include \"kvdebug.h\"");
+        if (forDebugger) PutLine(out, "#include <kvdebugger.h>");
         if (out.isMain) PutLine(out, "void __kvReportGlobals();");
     }
     PutLine(out, "");

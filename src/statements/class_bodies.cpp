@@ -10,6 +10,7 @@
 //     std::vector<KVL_T*> KVL_T::_instances;
 // and of an Element: a struct with its Fields, Methods and a member-wise operator==.
 #include "statements/class_bodies.h"
+#include "base/debugger.h"
 #include "statements/handlers.h"
 
 #include "base/report.h"
@@ -18,6 +19,7 @@
 #include "prelude/support.h"
 #include "prelude/texts.h"
 #include "statements/debug_hooks.h"
+#include "statements/debugger_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "symbols/identifiers.h"
@@ -53,6 +55,7 @@ void EmitPublic(State& state) {
 
 void EmitTypeClosing(State& state, const ClassInfo& cls) {
     EmitPublic(state);
+    if (forDebugger) EmitFieldList(state, cls);
     EmitLines(state, texts::classTracking);
     if (!HasPlainConstructor(cls)) EmitLines(state, Fill(texts::classConstructor, {{"C", cls.cppName}}));
     if (FindMethod(cls, "destructor") == nullptr) {
@@ -94,6 +97,7 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
         comparison += (comparison.empty() ? "" : " && ") + FieldComparison(cls, field);
     if (comparison.empty()) comparison = "true";
     EmitPublic(state);
+    if (forDebugger) EmitFieldList(state, cls);
     if (FindMethod(cls, "constructor") != nullptr && !HasPlainConstructor(cls))
         EmitLine(state, " " + cls.cppName + "() {}");
     EmitLine(state, " bool operator==(const " + cls.cppName + "& o) const { return " + comparison + "; }");

@@ -4,9 +4,11 @@
 #include <unordered_set>
 
 #include "analysis/reach.h"
+#include "base/debugger.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
 #include "prelude/line_marks.h"
+#include "statements/debugger_hooks.h"
 #include "statements/program.h"
 #include "symbols/scopes.h"
 
@@ -162,4 +164,5 @@ void EmitTypeEnumeration(FileOutput& out) {
     PutEnumeration(out, types);
     PutFieldReader(out, types);
     PutGlobalReporter(out);
+    if (forDebugger) EmitDebuggerTables(out, types);
 }

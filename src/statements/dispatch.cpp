@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "base/debugger.h"
 #include "base/paths.h"
 #include "base/report.h"
 #include "base/settings.h"
@@ -10,6 +11,7 @@
 #include "statements/assignments.h"
 #include "statements/class_bodies.h"
 #include "statements/debug_hooks.h"
+#include "statements/debugger_hooks.h"
 #include "statements/end_of_file.h"
 #include "statements/handlers.h"
 #include "statements/precalc_block.h"
@@ -141,7 +143,10 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     CheckPlace(state, row, tokens);
     if (watchStatement != nullptr) watchStatement(state, tokens);
     PrepareInSelect(state, keyword);
-    if (settings.debugMode && !Has(keyword, trait::declares)) EmitStatementHook(state, keyword);
+    if (forDebugger)
+        EmitDebuggerHook(state, keyword);
+    else if (settings.debugMode && !Has(keyword, trait::declares))
+        EmitStatementHook(state, keyword);
     CheckNullAssignment(tokens);
     if (row != nullptr)
         row->handler(state, tokens);

@@ -1,5 +1,6 @@
 #include "statements/precalc_block.h"
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "lexer/lexer.h"
@@ -28,7 +29,7 @@ void CollectBodyLine(State& state, TokenSpan tokens) {
 // Safe builds check indices against constants like those of declared arrays.
 std::string SizeConstants(const PreCalcTable& table) {
     std::string lines;
-    if (!settings.safeMode || settings.debugMode) return lines;
+    if (!ChecksValues()) return lines;
     for (std::size_t k = 0; k < table.sizes.size(); ++k)
         lines += "\nconst int " + SizeName(SafeName(table.name), static_cast<int>(k)) + " = " +
                  std::to_string(table.sizes[k]) + ";";

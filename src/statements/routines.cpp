@@ -17,6 +17,7 @@
 #include "prelude/line_marks.h"
 #include "statements/class_bodies.h"
 #include "statements/debug_hooks.h"
+#include "statements/debugger_hooks.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
@@ -117,6 +118,7 @@ void EmitEnter(State& state, const std::string& name) {
         EmitLine(state, "\t_kvDebugInit();");
         EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
     }
+    BeginDebuggerRoutine();
     EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
 }
 

@@ -1,5 +1,6 @@
 #include "statements/second_pass.h"
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/sequence_walks.h"
@@ -63,7 +64,7 @@ void NoteOpened(State& state, int opened) {
 void ReadStatements(State& state, const std::string& source) {
     SourceLines lines(Reading::SecondPass);
     if (!lines.Open(source)) ReportFatal("Cannot read '" + source + "'.");
-    const bool isModule = IsModule(source), checked = settings.safeMode && !settings.debugMode;
+    const bool isModule = IsModule(source), checked = ChecksValues();
     int opened = 0;  // braces of inline C++ since the line before
     lines.onInlineCpp = [&](const InlineLine& line) {
         opened += line.braces;

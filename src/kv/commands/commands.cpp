@@ -5,7 +5,7 @@ namespace {
 const std::size_t any = static_cast<std::size_t>(-1);
 constexpr unsigned leaving = Bit(Command::build) | Bit(Command::package);
 constexpr unsigned making = Bit(Command::run) | Bit(Command::watch) | leaving;
-constexpr unsigned compiling = making | Bit(Command::test);
+constexpr unsigned compiling = making | Bit(Command::test) | Bit(Command::debug);
 constexpr unsigned translating = compiling | Bit(Command::check);
 
 }  // namespace
@@ -41,6 +41,11 @@ const std::vector<CommandRow>& CommandRows() {
         {Command::lsp, "lsp", "", "", 0, 0, "",
          "serve an editor with mistakes, names and texts while you type (language server protocol)",
          LspCommand},
+        {Command::debug, "debug", "PROGRAM [OPTIONS] [-- ARGUMENTS]", "program", 1, 1,
+         "which program? Name its main file: kv debug game.kvl",
+         "run a program step by step, and look at its variables", DebugCommand},
+        {Command::dap, "dap", "", "", 0, 0, "",
+         "serve an editor that runs programs step by step (debug adapter protocol)", DapCommand},
         {Command::completion, "completion", "SHELL", "shell", 1, 1, "which shell? kv completion bash",
          "write what makes bash, zsh or fish complete the words of kv", CompletionCommand},
         {Command::help, "help", "[COMMAND]", "command", 0, 1, "", "tell how kv, or a command, is used",

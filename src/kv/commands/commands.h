@@ -48,6 +48,8 @@ int DocCommand(const Options& options);
 int ExplainCommand(const Options& options);
 int FmtCommand(const Options& options);
 int LspCommand(const Options& options);
+int DebugCommand(const Options& options);
+int DapCommand(const Options& options);
 int NewCommand(const Options& options);
 int WatchCommand(const Options& options);
 int PackageCommand(const Options& options);

@@ -1,0 +1,32 @@
+// The debugger of Korvel: runs programs that kv has made for it (include/kvdebugger.cpp), step by step.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace debug {
+
+// A program that can be run.
+struct Launch {
+    std::vector<std::string> command;
+    std::string source;        // its main file
+    std::string typedFolder;   // where paths that people type begin
+    std::string installation;  // no step leads into the modules there
+};
+
+// Why this system has no debugger; empty where it has one.
+extern const char* const noDebugger;
+
+// Serves somebody at a terminal. Returns the exit status of kv.
+int DebugInTerminal(const Launch& launch);
+
+// What kv dap takes from the program that it is a part of: makes a program of a source, with arguments for it. False
+// when that has mistakes in it; these have been said on the error stream.
+using Maker =
+    std::function<bool(const std::string& source, const std::vector<std::string>& arguments, Launch& launch)>;
+
+// Serves an editor, with the Debug Adapter Protocol on the standard streams. Returns the exit status of kv.
+int ServeEditor(const Maker& make);
+
+}  // namespace debug
