@@ -9,6 +9,7 @@
 #include "base/run.h"
 #include "expressions/expression.h"
 #include "expressions/operators.h"
+#include "expressions/walk.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -105,13 +106,12 @@ Value Combine(char operation, const Value& a, const Value& b) {
     return result;
 }
 
-// As C++ has it.
-Value Number(const std::string& word) {
-    const std::size_t hexadecimal = word.find("0x");
-    if (hexadecimal != std::string::npos)
-        return Integer(Wrapped(std::strtoull(word.c_str() + hexadecimal, nullptr, 16)));
-    if (word.find_first_of(".eE") != std::string::npos) return Real(std::strtod(word.c_str(), nullptr));
-    return Integer(std::strtoll(word.c_str(), nullptr, 10));
+Value Number(const Expr& number) {
+    const std::string hexadecimal = HexadecimalDigits(number);
+    if (!hexadecimal.empty()) return Integer(Wrapped(std::strtoull(hexadecimal.c_str(), nullptr, 16)));
+    const char* text = number.word->text.c_str();
+    return number.type.Is(Base::Double) ? Real(std::strtod(text, nullptr))
+                                        : Integer(std::strtoll(text, nullptr, 10));
 }
 
 Value Text(const std::string& literal) {
@@ -175,7 +175,7 @@ Value OfConst(const Variable& variable) {
 Value ConstantOf(const Expr& expr) {
     switch (expr.kind) {
         case ExprKind::Number:
-            return Number(expr.word->text);
+            return Number(expr);
         case ExprKind::Text:
             return Text(expr.word->text);
         case ExprKind::Fixed:

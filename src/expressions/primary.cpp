@@ -160,10 +160,14 @@ Expr& ParseOperand(Walk& walk) {
 
 }  // namespace
 
+std::string HexadecimalDigits(const Expr& value) {
+    if (value.kind != ExprKind::Number || !IsHexadecimal(value.source[0])) return "";
+    return value.source[0].substr(1);
+}
+
 const Word* AsWritten(const Expr& value, const ValueType& to) {
-    const std::string& token = value.source[0];
-    if (value.kind != ExprKind::Number || !IsHexadecimal(token)) return nullptr;
-    const std::string text = Hexadecimal(token);
+    if (HexadecimalDigits(value).empty()) return nullptr;
+    const std::string text = Hexadecimal(value.source[0]);
     return IsBeyondLong(text) && !to.IsInteger() ? nullptr : &WordOf(text);
 }
 
@@ -172,11 +176,12 @@ void LeaveAsWritten(Expr& value) {
 }
 
 Expr& ParsePrimary(Walk& walk) {
-    if (StandsAlone(walk)) return ParseAlone(walk);
+    const bool alone = StandsAlone(walk);
     const Word& name = walk.tokens.At(walk.at);
     const std::size_t begin = walk.at;
-    Expr& operand = ParseOperand(walk);
+    Expr& operand = alone ? ParseAlone(walk) : ParseOperand(walk);
     operand.source = walk.Since(begin);
+    if (alone) return operand;
     NoteType(operand.source, operand.type);
     walk.operandAt = begin;
     const bool goesOn = operand.level == Level::Primary && BeginsPostfix(walk.PeekSign());

@@ -63,6 +63,8 @@ Expr& ParsePrimary(Walk& walk);
 // Of a value that stands by itself: a hexadecimal number that C++ has with a sign anyway, or that spreads the lack of one
 // to nothing else, needs none.
 void LeaveAsWritten(Expr& value);
+// The digits of a hexadecimal number, as the source has them; empty for anything else.
+std::string HexadecimalDigits(const Expr& value);
 // The text of a hexadecimal number that goes by itself into something of the type, where it needs no sign; else null.
 const Word* AsWritten(const Expr& value, const ValueType& to);
 Expr& ParseString(Walk& walk);
