@@ -1,5 +1,7 @@
 #include "prelude/fast_prelude.h"
 
+#include <algorithm>
+
 #include "base/settings.h"
 #include "prelude/program_uses.h"
 #include "prelude/support.h"
@@ -17,11 +19,22 @@ std::string_view OutputText() {
     return foreign ? texts::fastLineOutput : texts::fastOutput;
 }
 
+bool HasElementsWithDestructor() {
+    return std::any_of(symbols.classList.begin(), symbols.classList.end(), [](const ClassInfo* cls) {
+        return cls->isElement && FindMethod(*cls, "destructor") != nullptr;
+    });
+}
+
+// What can tell which container holds the items of a Sequence.
+bool SeesContainers() {
+    return programUses.inlineCpp || HasForeignFunctions() || HasElementsWithDestructor();
+}
+
 }  // namespace
 
 std::string FastPrelude(bool withTypes) {
     std::string text = FillNames(OutputText());
-    text += programUses.inlineCpp || HasForeignFunctions() ? texts::fastVectorItems : texts::fastItems;
+    text += SeesContainers() ? texts::fastVectorItems : texts::fastItems;
     text += texts::fastSequence;
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;

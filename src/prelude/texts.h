@@ -18,7 +18,7 @@ extern const std::string_view fastBeforeFailure;  // in fastOutput, when a progr
 extern const std::string_view fastLineOutput;     // programs whose output kvt does not know whole
 extern const std::string_view fastUnitOutput;     // programs that part the C++ streams from those of C
 extern const std::string_view fastItems;
-extern const std::string_view fastVectorItems;  // programs with inline C++
+extern const std::string_view fastVectorItems;  // programs that can tell what holds the items
 extern const std::string_view fastSequence;
 extern const std::string_view fastScheduler;
 extern const std::string_view fastNoTimers;

@@ -15,6 +15,7 @@ public:
     KVRow(const KVRow& o) : _first(_new(o._used)), _used(0), _room(o._used) {
         for(; _used < _room; ++_used) new(_first + _used) T(o._first[_used]);
     }
+    KVRow(KVRow&& o) : KVRow() { swap(o); }
     KVRow& operator=(KVRow o) { swap(o); return *this; }
     ~KVRow() { clear(); ::operator delete(_first); }
     size_t size() const { return _used; }
