@@ -200,9 +200,8 @@ TokenSpan GetsBeyondEnd(const State&, TokenSpan statement) {
 
 // Print a Shl b
 TokenSpan PrintsShifted(const State&, TokenSpan statement) {
-    const std::size_t print = statement.Find(Keyword::Print);
-    if (print == noToken) return {};
-    for (std::size_t i = print + 1; i < statement.size(); i = statement.Behind(i))
+    if (statement.KeywordAt(0) != Keyword::Print) return {};
+    for (std::size_t i = 1; i < statement.size(); i = statement.Behind(i))
         if (statement.KeywordAt(i) == Keyword::Shl) return statement.Slice(i, i + 1);
     return {};
 }
