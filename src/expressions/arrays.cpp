@@ -70,11 +70,11 @@ bool HasSizes(const Expr& array) {
            (FindLocal(variable->name) == variable || FindGlobal(variable->name) == variable);
 }
 
-// Of an array that has no constants for its sizes here, a Field for instance.
-std::string SizeByDeclaration(const Expr& array) {
-    const Variable* variable = VariableOrField(array);
-    if (variable == nullptr || variable->sizes.empty()) return "-1";
-    if (IsDigitsOnly(variable->sizes[0])) return variable->sizes[0];
+// Of an array of which `whole` has no constants for its sizes here, a Field for instance.
+std::string SizeByDeclaration(const Expr& array, const Expr& whole, std::size_t dimension) {
+    const Variable* variable = VariableOrField(whole);
+    if (variable == nullptr || dimension >= variable->sizes.size()) return "-1";
+    if (IsDigitsOnly(variable->sizes[dimension])) return variable->sizes[dimension];
     const bool asks = array.form == ArrayForm::Vector && !array.effects;
     return asks ? "static_cast<int>(" + TextOf(array).text + ".size())" : "-1";
 }
@@ -233,8 +233,14 @@ void WritePlain(Code& out, const Expr& item) {
 }  // namespace
 
 std::string KnownSize(const Expr& array) {
-    if (array.form == ArrayForm::Pointer) return "-1";
-    return HasSizes(array) ? SizeName(array.variable->cppName, 0) : SizeByDeclaration(array);
+    const bool isRow = array.kind == ExprKind::Index;
+    const Expr& whole = isRow ? *array.first : array;
+    std::size_t dimension = 0;
+    if (isRow)
+        for (const Expr* index = whole.next; index != nullptr; index = index->next) ++dimension;
+    if (whole.form == ArrayForm::Pointer) return "-1";
+    return HasSizes(whole) ? SizeName(whole.variable->cppName, static_cast<int>(dimension))
+                           : SizeByDeclaration(array, whole, dimension);
 }
 
 void WriteIndex(Code& out, const Expr& item) {

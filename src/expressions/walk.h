@@ -102,7 +102,7 @@ void CheckAssignable(const Expr& target, const Expr& value);
 
 // The indices behind an array, which the program calls `name`.
 Expr& ParseIndices(Walk& walk, Expr& array, const Word& name);
-// The C++ of the number of items in an array's first dimension; "-1" where nobody knows it.
+// The C++ of the number of items in an array's, or a row's, first dimension; "-1" where nobody knows it.
 std::string KnownSize(const Expr& array);
 
 bool IsBuiltin(const std::string& lowerName);  // a name that means a built-in when "(" follows
