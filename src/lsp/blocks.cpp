@@ -9,32 +9,37 @@ namespace {
 
 using Kind = korvel::Symbol::Kind;
 
-Keyword CloserOf(Kind kind) {
+Keyword OpenerOf(Kind kind) {
     switch (kind) {
         case Kind::Type:
-            return Keyword::EndType;
         case Kind::Element:
-            return Keyword::EndElement;
+            return Keyword::Type;
         case Kind::Method:
-            return Keyword::EndMethod;
+            return Keyword::Method;
         case Kind::Function:
-            return Keyword::EndFunction;
+            return Keyword::Function;
         default:
             return Keyword::None;
     }
 }
 
+// A Type may end with EndElement, and the other way round.
+Keyword AsOne(Keyword opener) { return opener == Keyword::Element ? Keyword::Type : opener; }
+
 }  // namespace
 
 int LastLine(const Lines& lines, const korvel::Symbol& symbol) {
-    const Keyword closer = CloserOf(symbol.kind);
+    const int first = symbol.line - 1;
+    const Keyword opener = OpenerOf(symbol.kind);
     Lexer lexer;
-    for (int i = symbol.line - 1; closer != Keyword::None && i < lines.Count(); ++i) {
+    for (int i = first; opener != Keyword::None && i < lines.Count(); ++i) {
         lexer.Cut(lines.Line(i));
+        const Keyword begun = TokenSpan(lexer.tokens).KeywordAt(0);
+        if (begun == Keyword::EndExtern || (i > first && AsOne(begun) == opener)) break;
         for (const Token token : lexer.tokens)
-            if (token->keyword == closer) return i;
+            if (AsOne(BlockOf(token->keyword)) == opener) return i;
     }
-    return symbol.line - 1;
+    return first;
 }
 
 Json WholeRange(Workspace& workspace, const korvel::Symbol& symbol) {

@@ -29,18 +29,38 @@ Json ItemOf(Workspace& workspace, const korvel::Symbol& symbol) {
             {"selectionRange", workspace.RangeOf(symbol)}};
 }
 
-// The routine that the use stands in, or else its file; symbols stand in the order of their places.
-const korvel::Symbol* Around(Workspace& workspace, const Program& program, const korvel::Use& use) {
-    const korvel::Symbol *file = nullptr, *routine = nullptr;
-    const std::string path = NormalPath(use.file);
-    for (const korvel::Symbol& symbol : program.inspection.symbols) {
-        if (NormalPath(symbol.file) != path) continue;
-        if (symbol.kind == Kind::File) file = &symbol;
-        if (IsRoutine(symbol) && symbol.line <= use.line) routine = &symbol;
+// Where the routines of a program stand.
+class Routines {
+public:
+    Routines(Workspace& given, const Program& program) : workspace(given) {
+        for (const korvel::Symbol& symbol : program.inspection.symbols) {
+            if (symbol.kind == Kind::File) files[NormalPath(symbol.file)].whole = &symbol;
+            if (IsRoutine(symbol)) files[NormalPath(symbol.file)].routines[symbol.line].symbol = &symbol;
+        }
     }
-    const bool isInside = routine != nullptr && use.line <= LastLine(workspace.LinesOf(path), *routine) + 1;
-    return isInside ? routine : file;
-}
+    // The routine that the use stands in, or else its file.
+    const korvel::Symbol* Around(const korvel::Use& use) {
+        const auto file = files.find(NormalPath(use.file));
+        if (file == files.end()) return nullptr;
+        auto next = file->second.routines.upper_bound(use.line);
+        if (next == file->second.routines.begin()) return file->second.whole;
+        Routine& routine = (--next)->second;
+        if (routine.last == 0) routine.last = LastLine(workspace.LinesOf(file->first), *routine.symbol) + 1;
+        return use.line <= routine.last ? routine.symbol : file->second.whole;
+    }
+
+private:
+    struct Routine {
+        const korvel::Symbol* symbol = nullptr;
+        int last = 0;  // once somebody has asked
+    };
+    struct File {
+        const korvel::Symbol* whole = nullptr;
+        std::map<int, Routine> routines;  // by their first line
+    };
+    Workspace& workspace;
+    std::map<std::string, File> files;
+};
 
 // Calls by what is at their other end, in the order in which that is met first.
 class Calls {
@@ -82,9 +102,12 @@ Json IncomingCalls(Workspace& workspace, const Json& params) {
     Calls calls(workspace, "from");
     if (symbol == nullptr || !IsRoutine(*symbol)) return calls.list;
     const std::vector<Meaning> meanings = MeaningsOf(workspace, spot, *symbol);
+    std::vector<Routines> programs;
+    programs.reserve(meanings.size());
+    for (const Meaning& meaning : meanings) programs.emplace_back(workspace, *meaning.program);
     for (const korvel::Use& use : UsesOf(meanings)) {
-        for (const Meaning& meaning : meanings) {
-            const korvel::Symbol* caller = use.declares ? nullptr : Around(workspace, *meaning.program, use);
+        for (Routines& routines : programs) {
+            const korvel::Symbol* caller = use.declares ? nullptr : routines.Around(use);
             if (caller == nullptr) continue;
             calls.Add(*caller, use);
             break;

@@ -20,6 +20,10 @@ Function Main
     AutoCall Tick Every 10
     Print "😀 {%score}" & größe & Upper("a") & wide
 EndFunction
+Extern
+    Function labs:Long(n:Long)
+EndExtern
+Global four:Int = Twice(2)
 `,
   'lib/ball.kvl': '\ufeffType TBall\r\n    Field x:Int\r\n    Method Move(by:Int, times:Int = 1)\r\n        x = x + by * times\r\n    EndMethod\r\nEndType\r\n',
   'other.kvl': 'Include "lib/ball.kvl"\nFunction Main\n    Local b = Create TBall\n    b\\Move(1)\nEndFunction\n',
@@ -107,19 +111,19 @@ const steps = [
   ['definition', [b + ' 3:12-15'], async () => places(await ask('definition', m, 'Mov|e'))],
   ['definition behind letters of two units', [m + ' 4:19-23'], async () => places(await ask('definition', m, '& grö|ße'))],
   ['definition of a file', [b + ' 1:1-0'], async () => places(await ask('definition', m, 'ball|.kvl'))],
-  ['references', [m + ' 5:10-14', m + ' 9:13-17', m + ' 9:28-32', m + ' 13:15-19'],
+  ['references', [m + ' 5:10-14', m + ' 9:13-17', m + ' 9:28-32', m + ' 13:15-19', m + ' 20:19-23'],
     async () => places(await ask('references', m, 'Twi|ce:', { context: { includeDeclaration: true } }))],
   ['references in a program that is not open', [m + ' 13:10-13', 'other.kvl 4:7-10'],
     async () => places(await ask('references', m, '\\Mo|ve', { context: { includeDeclaration: false } }))],
   ['highlights', 5, async () => (await ask('documentHighlight', m, '{%sc|ore')).length],
-  ['what calls', ['Tick 9:13-17,9:28-32', 'Main 13:15-19'], () => calls('incoming', 'from', m, 'Twi|ce:')],
+  ['what calls', ['Tick 9:13-17,9:28-32', 'Main 13:15-19', 'main.kvl 20:19-23'], () => calls('incoming', 'from', m, 'Twi|ce:')],
   ['what calls a Method', ['Main 13:10-13', 'Main 4:7-10'], () => calls('incoming', 'from', m, '\\Mo|ve')],
   ['a timer calls', ['Main 14:14-17'], () => calls('incoming', 'from', m, 'Tic|k()')],
   ['what is called', ['Move 13:10-13', 'Twice 13:15-19', 'Tick 14:14-17', 'Upper 15:35-39'], () => calls('outgoing', 'to', m, 'Ma|in')],
   ['no routine', undefined, () => calls('incoming', 'from', m, 'sco|re')],
-  ['outline', ['score', 'größe', 'Twice', 'Tick', 'Main'], async () => (await ask('documentSymbol', m)).map(entry => entry.name)],
+  ['outline', ['score', 'größe', 'Twice', 'Tick', 'Main', 'labs', 'four'], async () => (await ask('documentSymbol', m)).map(entry => entry.name)],
   ['names of the program', ['TBall'], async () => (await client.sendRequest('workspace/symbol', { query: 'tbal' })).map(entry => entry.name)],
-  ['folds', [4, 7, 10], async () => (await ask('foldingRange', m)).map(fold => fold.startLine)],
+  ['folds', [4, 7, 10, 16], async () => (await ask('foldingRange', m)).map(fold => fold.startLine)],
   ['types that are not written', ['4:24 :String', '12:42 :Double'], async () => (await ask('inlayHint', m, null, { range: { start: at(m, 'Include'), end: at(m, 'Print') } }))
     .map(hint => `${hint.position.line + 1}:${hint.position.character + 1} ${hint.label}`)],
   ['colours', [3, 7, 5, 5, 1], async () => (await ask('semanticTokens/full', m)).data.slice(0, 5)],
