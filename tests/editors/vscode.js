@@ -118,9 +118,9 @@ registry.loadGrammar('source.korvel').then(async grammar => {
   check('snippets', JSON.parse(fs.readFileSync(code + '/snippets.json', 'utf8')).While.body === 'While ${1:condition}\n\t$0\nWend');
   const { pattern } = JSON.parse(fs.readFileSync(code + '/package.json', 'utf8')).contributes.problemMatchers[0];
   const { missingCloser } = require(path.resolve(code, 'blocks.js'));
-  for (const [text, wanted] of [['    If a\n\nEndFunction', '    EndIf'], ['While a\n', 'Wend'], ['Repeat\n\nPrint', 'Forever'], ['If a Then Print 1\n'], ['If a\n\nElse'],
-    ['If a\n\n    Print 1'], ['For Local i = 1 To 3\n\nNext'], ['type = 3\n'], ['Function F() ; If\n\nFunction G()', 'EndFunction'], ['Print "If"\n']])
-    check(`the closer of ${text} is ${missingCloser(text.split('\n'), 0)}`, missingCloser(text.split('\n'), 0) === wanted);
+  for (const [text, wanted, row = 0] of [['    If a\n\nEndFunction', '    EndIf'], ['While a\n', 'Wend'], ['Repeat\n\nPrint', 'Forever'], ['If a Then Print 1\n'], ['If a\n\nElse'],
+    ['If a\n\n    Print 1'], ['For Local i = 1 To 3\n\nNext'], ['type = 3\n'], ['Function F() ; If\n\nFunction G()', 'EndFunction'], ['Print "If"\n'], ['InlineCpp\nif (a) {\n', undefined, 1]])
+    check(`the closer of ${text} is ${missingCloser(text.split('\n'), row)}`, missingCloser(text.split('\n'), row) === wanted);
   check('the problem matcher', new RegExp(pattern.regexp).exec('/a b/c.kvl:2:5: error: no').slice(1).join('|') === '/a b/c.kvl|2|5|error|no');
   const packed = fs.readFileSync(stage + '/editors/korvel.vsix', 'latin1');  // where names stand as they are
   for (const name of ['extension.js', 'package.json', 'syntaxes/korvel.tmLanguage.json', 'snippets.json', 'language-configuration.json'])
