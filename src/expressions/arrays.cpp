@@ -22,7 +22,11 @@ void CheckIndex(const Expr& index, bool isFirst) {
     RequireValue(index);
     if (!index.type.IsKnown() || index.type.Is(Base::Int)) return;
     if (!isFirst && index.type.Is(Base::Double)) return;
-    ReportFatal("Array index must be an integer type, got " + InWords(index.type), index.source);
+    ReportFatal("Array index must be an integer type, got " + InWords(index.type) +
+                    Hint{index.type.Is(Base::String)
+                             ? "A TStringMap finds values by texts. It comes with Include \"std/maps.kvl\""
+                             : ""},
+                index.source);
 }
 
 void CheckCount(const Expr& array, const std::string& name, std::size_t indices, bool mayBeRow) {

@@ -29,10 +29,10 @@ Base CommonNumber(const Expr& a, const Expr& b) {
 bool Checked() { return ChecksValues(); }
 
 [[noreturn]] void FailOperands(const Expr& left, const BinaryOperator& op, const Expr& right) {
-    std::string message = std::string("Operator '") + op.korvel + "' cannot be used between " +
-                          KorvelName(left.type) + " and " + KorvelName(right.type);
-    if (IsText(left) && right.type.IsNumber()) message += ConversionHint(right.type, left.type);
-    if (left.type.IsNumber() && IsText(right)) message += ConversionHint(left.type, right.type);
+    Wording message = std::string("Operator '") + op.korvel + "' cannot be used between " +
+                      KorvelName(left.type) + " and " + KorvelName(right.type);
+    if (IsText(left) && right.type.IsNumber()) message = message + ConversionHint(right.type, left.type);
+    if (left.type.IsNumber() && IsText(right)) message = message + ConversionHint(left.type, right.type);
     const bool known = !left.source.empty() && !right.source.empty();
     ReportFatal(message, known ? TokenSpan(left.source.first, right.source.last) : TokenSpan());
 }

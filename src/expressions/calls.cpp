@@ -20,8 +20,10 @@ void CheckCount(const std::string& subject, const Routine& routine, std::size_t 
     for (const Parameter& parameter : routine.parameters) required += parameter.hasDefault ? 0 : 1;
     const std::size_t most = routine.parameters.size();
     if (count >= required && count <= most) return;
-    ReportFatal(subject + " expects " + std::to_string(most) + " parameter(s) but " + std::to_string(count) +
-                    " provided",
+    const std::string number = std::to_string(most),
+                      range = required == most ? number : std::to_string(required) + " to " + number;
+    ReportFatal(subject + " expects " + Wording{number, range} + " parameter(s) but " +
+                    std::to_string(count) + " provided",
                 {}, {routine.file, routine.line, routine.name, declaredHere});
 }
 
@@ -74,7 +76,7 @@ PartList ParseCallArguments(Walk& walk, const Routine& routine) {
         return ParseArguments(walk);
     }
     if (walk.callStatement) return ParseBareArguments(walk);
-    ReportFatal(SubjectOf(routine) + " is called with parentheses: " + routine.name + "(...)");
+    ReportFatal(SubjectOf(routine) + " is called with parentheses: " + routine.name + "(...)", walk.Taken());
 }
 
 // "KVL_a -> KVL_Draw ( 1 , 2 )", in order where that could be seen. The object comes before the arguments.

@@ -91,7 +91,8 @@ DepthGuard::~DepthGuard() { --depth; }
 void Walk::Expect(char sign) {
     if (Match(sign)) return;
     const std::string found = Done() ? "the end of the statement" : "'" + Peek() + "'";
-    ReportFatal(std::string("Expected '") + sign + "' but found " + found);
+    ReportFatal(std::string("Expected '") + sign + "' but found " + found + MissingBefore(*this),
+                Done() ? Taken() : tokens.Slice(at, at + 1));
 }
 
 Expr& ParseValue(Walk& walk) { return ParseBinary(walk, Level::Or, true); }

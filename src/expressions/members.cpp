@@ -3,16 +3,36 @@
 #include "expressions/walk.h"
 #include "expressions/writer.h"
 #include "prelude/output.h"
+#include "symbols/foreign_words.h"
 #include "symbols/identifiers.h"
+#include "symbols/module_names.h"
 #include "symbols/scopes.h"
 #include "symbols/uses.h"
 
 namespace {
 
-void RequireObject(const Expr& object, const std::string& name) {
+// A Function of the language, or of a module that may have to be included, which does what a member does elsewhere.
+Hint UseInstead(const std::string& function, const std::string& arguments) {
+    const std::string include = IncludeFor(function);
+    return Hint{"Write " + function + "(" + arguments + ")" +
+                (include.empty() ? "" : ". It comes with " + include)};
+}
+
+// For those who write s\Length.
+Hint HintAtMember(const ValueType& type, const std::string& name, const std::string& member) {
+    if (type.sequence)
+        return Hint{"What can be done with a Sequence begins with Seq: SeqAdd " + name + ", 1"};
+    if (type.IsArray()) return Hint{"An array has no members, and keeps the size that it was declared with"};
+    if (!type.Is(Base::String)) return Hint{};
+    const std::string function = FunctionCalledElsewhere(member);
+    return function.empty() ? Hint{} : UseInstead(function, name);
+}
+
+void RequireObject(const Expr& object, const std::string& name, const std::string& member) {
     if (object.type.Is(Base::Object) || object.type.Is(Base::Element)) return;
     ReportFatal("Variable '" + name + "' is type " + InWords(object.type) +
-                    ", not a Type/object. Cannot use field accessor '\\'",
+                    ", not a Type/object. Cannot use field accessor '\\'" +
+                    HintAtMember(object.type, name, member),
                 Tokens{name});
 }
 
@@ -35,12 +55,14 @@ Expr& UseField(Expr& object, const Variable& field) {
 Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
     const std::string& accessor = walk.Take();
     if (!IsIdentifier(walk.Peek()))
-        ReportFatal("Expected the name of a Field or Method after '" + accessor + "'");
+        ReportFatal("Expected the name of a Field or Method after '" + accessor + "'" +
+                        Hint{"Whole numbers are divided with '/', texts are joined with '&'"},
+                    walk.Taken());
     const Word& word = walk.tokens.At(walk.at++);
     const std::string& member = word.text;
     if (!object.type.IsKnown())
         ReportUnknown("'" + member + "' does not exist in any accessible class", walk.Taken());
-    RequireObject(object, name);
+    RequireObject(object, name, member);
     const ClassInfo& cls = *object.type.cls;
     NeedClass(&cls);
     if (const Variable* field = FindField(cls, word)) {
@@ -61,7 +83,8 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
         ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)",
                     Tokens{name});
     }
-    ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed",
+    ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed" +
+                    (expr.type.Is(Base::String) ? UseInstead("CharAt", name + ", 0") : Hint{}),
                 Tokens{name});
 }
 

@@ -67,11 +67,19 @@ const char* CallPrefix(const Routine& routine) {
     return IsHidden(routine.name) ? "::" : "";
 }
 
+// For those who write a(1).
+std::string HowToGetItem(const std::string& name, const ValueType& type) {
+    if (type.sequence) return "Its items are read with SeqGet(" + name + ", index)";
+    return type.IsArray() ? "An item of an array is named in brackets: " + name + "[0]" : "";
+}
+
 // Calls without parentheses are statements; elsewhere the parentheses are missing.
 Expr& ParseCallable(Walk& walk, const Word& name, bool called) {
     if (const Routine* routine = FindCallable(name)) return ParseCall(walk, *routine, CallPrefix(*routine));
-    if (called && FindVariable(name) != nullptr)
-        ReportFatal("'" + name.text + "' is not a Function and cannot be called", walk.Taken());
+    if (const Variable* variable = called ? FindVariable(name) : nullptr)
+        ReportFatal("'" + name.text + "' is not a Function and cannot be called" +
+                        Hint{HowToGetItem(name.text, variable->type)},
+                    walk.Taken());
     FailUnknownName(walk, name.text);
 }
 
@@ -94,11 +102,14 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     if (walk.mode == ExprMode::Input)
         ReportUnknown("Variable '" + name + "' not found in Input statement", word, Sought::Value);
     if (walk.mode == ExprMode::Print) {
-        ReportUnknown("Variable '" + name + "' used out of scope in Print statement " + Place(), word,
-                      Sought::Value);
+        const std::string message = "Variable '" + name + "' used out of scope in Print statement";
+        ReportUnknown({message + " " + Place(), message}, word,
+                      walk.PeekSign() == '(' ? Sought::Function : Sought::Value);
     }
-    if (WasInEndedBlock(name))
-        ReportUnknown("Variable '" + name + "' used out of scope " + Place(), word, Sought::Value);
+    if (WasInEndedBlock(name)) {
+        const std::string message = "Variable '" + name + "' used out of scope";
+        ReportUnknown({message + " " + Place(), message}, word, Sought::Value);
+    }
     if (walk.PeekSign() == '\\') ReportUnknown("Variable '" + name + "' is not defined", word, Sought::Value);
     ReportUnknown("Identifier not found - " + name, word,
                   walk.PeekSign() == '(' ? Sought::Function : Sought::Value);

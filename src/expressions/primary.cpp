@@ -7,6 +7,7 @@
 
 #include "base/report.h"
 #include "expressions/walk.h"
+#include "symbols/identifiers.h"
 #include "symbols/uses.h"
 
 namespace {
@@ -108,6 +109,7 @@ Expr& ParseParentheses(Walk& walk) {
     return result;
 }
 
+bool IsComparison(const std::string& sign) { return sign == "<" || sign == ">" || sign == "="; }
 bool IsCompound(const std::string& op) { return op == "+" || op == "-" || op == "*" || op == "/"; }
 
 }  // namespace
@@ -117,18 +119,33 @@ static bool BeginsStatement(Keyword word) {
            word == Keyword::Continue;
 }
 
+// Behind which nothing stands: n = 1 +
+[[noreturn]] static void FailWithoutOperand(const Walk& walk) {
+    if (walk.at == 0) ReportFatal("Missing expression", walk.tokens.Slice(0, 0));
+    const bool isPair =
+        walk.at > 1 && IsComparison(walk.tokens[walk.at - 1]) && IsComparison(walk.tokens[walk.at - 2]);
+    const TokenSpan sign = walk.tokens.Slice(walk.at - (isPair ? 2 : 1), walk.at);
+    ReportFatal("Missing operand after '" + Wording{sign[sign.size() - 1], sign.Text("")} + "'", sign);
+}
+
+Hint MissingBefore(const Walk& walk) {
+    const std::string& token = walk.Peek();
+    const bool isOperand = token[0] == '"' || IsDigit(token[0]) || (IsName(token) && !IsCppWord(token));
+    return Hint{walk.at > 0 && isOperand && walk.PeekKeyword() == Keyword::None
+                    ? "A comma or an operator is missing before it"
+                    : ""};
+}
+
 void FailUnexpected(const Walk& walk) {
     const std::string before = walk.at == 0 ? "" : walk.tokens[walk.at - 1];
-    if (walk.Done())
-        ReportFatal(before.empty() ? "Missing expression" : "Missing operand after '" + before + "'",
-                    walk.tokens.Slice(walk.at - (before.empty() ? 0 : 1), walk.at));
+    if (walk.Done()) FailWithoutOperand(walk);
     const std::string& token = walk.Peek();
     if (Is(token, "=") && IsCompound(before)) {
         ReportFatal("There is no operator '" + before + "='. Write the assignment out, as in 'x = x " +
                         before + " 1'",
                     walk.tokens.Slice(walk.at - 1, walk.at + 1));
     }
-    Wording message = "Unexpected '" + token + "' in an expression";
+    Wording message = "Unexpected '" + token + "' in an expression" + MissingBefore(walk);
     if (BeginsStatement(walk.PeekKeyword()))
         message = message + Hint{"Behind a condition stands Then: If n = 1 Then Print n"};
     ReportFatal(message, walk.tokens.Slice(walk.at, walk.at + 1));

@@ -119,6 +119,8 @@ Expr& ParseName(Walk& walk);
 bool IsIdentifier(const std::string& token);
 [[noreturn]] void FailUnknownName(const Walk& walk, const std::string& name);
 [[noreturn]] void FailUnexpected(const Walk& walk);
+// What to say of an operand that stands right behind another one.
+Hint MissingBefore(const Walk& walk);
 // Ends the run when the expression is no value (Void, a Type without object ...).
 void RequireValue(const Expr& expr);
 // The Strings are more than a C++ compiler joins without using up all memory.

@@ -115,7 +115,8 @@ bool TakesArguments(Command command) {
 // What is left over when CLI11 has taken the options.
 std::string TakeNames(const CommandRow& row, const std::vector<std::string>& words, Options& options) {
     for (const std::string& word : words) {
-        if (IsOption(word)) return UnknownOption(word);
+        const bool isAskedFor = row.command == Command::doc;  // kv doc --safe
+        if (IsOption(word) && !isAskedFor) return UnknownOption(word);
         if (options.names.size() == row.most) {
             if (row.most == 0) return std::string("kv ") + row.word + " stands alone";
             return std::string("one ") + row.noun + " at a time: " + options.names[0] + " or " + word + "?" +

@@ -64,6 +64,9 @@ bool RunCompiler(const Job& job, const std::vector<std::string>& command, const 
     output = problem.empty() ? ReadWhole(request.errorFile) : "cannot execute " + command[0] + ": " + problem;
     if (!problem.empty()) std::ofstream(PathOf(request.errorFile), std::ios::binary) << output << "\n";
     if (job.options.verbose) std::fprintf(stderr, "%s", output.c_str());
+    constexpr int signalsFrom = 128, lastSignal = 64;
+    if (status > signalsFrom && status <= signalsFrom + lastSignal)
+        output += "it was ended by signal " + std::to_string(status - signalsFrom) + "\n";
     return problem.empty() && status == 0;
 }
 

@@ -157,20 +157,26 @@ const char* const troubles[] = {"No space left on device",    "Cannot create tem
 // What a word in CXX, or behind it, brings about.
 const char* const wrongFlags[] = {"unrecognized command-line option", "unrecognized command line option",
                                   "unknown argument", "unrecognized argument in option"};
-const char* const missingLibrary[] = {"iostream: No such file", "'iostream' file not found",
+const char* const missingLibrary[] = {"iostream: No such file",      "'iostream' file not found",
                                       "error: string: No such file", "error: vector: No such file",
-                                      "cannot find crt1.o"};
+                                      "cannot find crt1.o",          "undefined reference to `std::"};
 
 // What a module of the language says when it lacks something of the system.
 const char moduleNeeds[] = ": error: #error the module ";
 const std::size_t moduleNeedsFrom = sizeof ": error: #error " - 1;
+
+Diagnostic StandardLibraryIsMissing() {
+    Diagnostic diagnostic;
+    diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
+    return diagnostic;
+}
 
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
     if (contained(moduleNeeds)) {
         diagnostic.message = line.substr(line.find(moduleNeeds) + moduleNeedsFrom);
     } else if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
-        diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
+        diagnostic = StandardLibraryIsMissing();
     } else if (std::any_of(std::begin(wrongFlags), std::end(wrongFlags), contained)) {
         diagnostic.message = "the C++ compiler does not know a flag that it is given: " + line +
                              "\nFlags come from CXX and from Linker lines.";
@@ -231,6 +237,31 @@ bool ExplainErrorLine(const std::string& line, const SourceLines& sources, Gener
     return true;
 }
 
+bool BlamesCpp(const std::string& line) {
+    Place place;
+    std::string message;
+    return ParseErrorLine(line, place, message) || line.find("undefined reference") != std::string::npos ||
+           line.find("undefined symbol") != std::string::npos ||
+           line.find("multiple definition") != std::string::npos;
+}
+
+// Where the compiler complains of no C++, what it could not do is no fault of whoever wrote that.
+Diagnostic TroubleOfItsOwn(const std::string& output) {
+    Diagnostic trouble;
+    std::istringstream lines(output);
+    std::string first;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(": fatal error: ") != std::string::npos &&
+            line.find("No such file or directory") != std::string::npos)
+            return StandardLibraryIsMissing();
+        if (BlamesCpp(line)) return trouble;
+        if (first.empty()) first = Trimmed(line);
+    }
+    trouble.message = first.empty() ? "the C++ compiler could not do its work, and does not say why"
+                                    : "the C++ compiler could not do its work: " + first;
+    return trouble;
+}
+
 }  // namespace
 
 std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
@@ -253,5 +284,7 @@ std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
         });
         if (!known) found.push_back(diagnostic);
     }
+    if (found.empty()) found.push_back(TroubleOfItsOwn(output));
+    if (found.back().message.empty()) found.pop_back();
     return found;
 }

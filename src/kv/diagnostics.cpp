@@ -100,11 +100,11 @@ std::string Excerpts(const Diagnostic& diagnostic, const char* colour) {
     for (const korvel::Related& related : diagnostic.related) {
         const bool sameFile = related.file == diagnostic.file;
         const std::string excerpt =
-            Excerpt(related, related.message, colour == nullptr ? nullptr : noteColour);
+            Excerpt(related, sameFile ? related.message : "", colour == nullptr ? nullptr : noteColour);
         if (sameFile && related.line < diagnostic.line)
             before += excerpt;
         else
-            behind += (sameFile ? "" : "  " + Place(related) + "\n") + excerpt;
+            behind += (sameFile ? "" : "  " + Place(related) + related.message + "\n") + excerpt;
     }
     return before + Excerpt(diagnostic, "", colour) + behind;
 }

@@ -40,13 +40,16 @@ std::vector<std::string> NamesIn(const std::string& heading) {
     return names;
 }
 
-// "| `Left(text, count)`, `Beep` | ..." names Left and Beep.
-void AddFunctionsOfRow(const std::string& line, std::vector<std::string>& names) {
-    std::istringstream pieces(line.substr(0, line.find('|', 1)));
+// "| `Left(text, count)`, `Beep` | ..." names Left and Beep, a paragraph that begins with "`WaitKey()` waits" WaitKey.
+void AddFunctionsOfLine(const std::string& line, std::vector<std::string>& names) {
+    const bool isRow = StartsWith(line, "|");
+    std::istringstream pieces(isRow ? line.substr(0, line.find('|', 1)) : line);
     bool code = false;
     for (std::string piece; std::getline(pieces, piece, '`'); code = !code) {
-        if (code && !piece.empty() && IsLetterByte(piece[0]))
-            names.push_back(piece.substr(0, piece.find_first_of(" (")));
+        const std::size_t end = piece.find_first_of(" (");
+        const bool isCall = end != std::string::npos && piece[end] == '(';
+        if (code && !piece.empty() && IsLetterByte(piece[0]) && (isRow || isCall))
+            names.push_back(piece.substr(0, end));
     }
 }
 
@@ -64,7 +67,8 @@ void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& ent
             if (ofModule && StartsWith(line, "# ")) entries.back().names.push_back(TextOf(path.stem()));
         }
         if (!inEntry) continue;
-        if (ofModule && !inCode && StartsWith(line, "|")) AddFunctionsOfRow(line, entries.back().names);
+        if (ofModule && !inCode && (StartsWith(line, "|") || StartsWith(line, "`")))
+            AddFunctionsOfLine(line, entries.back().names);
         entries.back().text += line + "\n";
     }
 }

@@ -233,7 +233,7 @@ void LineCutter::CheckSplit(const CutLine& line, std::size_t from, std::size_t t
         brackets += (sign == '[') - (sign == ']');
     }
     if (file.splitTrouble.message != nullptr || (parentheses <= 0 && brackets <= 0)) return;
-    const char* message = parentheses > 0 ? "Unclosed parenthesis '('" : "Unclosed bracket '['";
+    const char* message = parentheses > 0 ? unclosedParenthesis : unclosedBracket;
     file.splitTrouble = {message, file.lines.size(), line.start, std::string(text), 0, {}};
     if (places != nullptr) file.splitTrouble.where = PlaceOfTrouble(parentheses > 0 ? '(' : '[', from, to);
 }

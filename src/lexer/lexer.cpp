@@ -190,7 +190,7 @@ private:
     }
 };
 
-constexpr char unclosedParenthesis[] = "Unclosed parenthesis '('";
+constexpr char unclosedString[] = "Unclosed string literal";
 
 const char* BoolText(bool value) { return value ? "true" : "false"; }
 
@@ -199,9 +199,9 @@ LexTrouble ProblemOf(const ScanResult& found, bool continues) {
     if (found.unmatched == ')') return {"Unmatched closing parenthesis ')'", open, ')'};
     if (found.unmatched == ']') return {"Unmatched closing bracket ']'", open, ']'};
     if (continues) return {nullptr, open};
-    if (found.openString) return {"Unclosed string literal", open, '"'};
+    if (found.openString) return {unclosedString, open, '"'};
     if (open > 0) return {unclosedParenthesis, open, '('};
-    return found.bracketDepth > 0 ? LexTrouble{"Unclosed bracket '['", open, '['} : LexTrouble{nullptr, open};
+    return found.bracketDepth > 0 ? LexTrouble{unclosedBracket, open, '['} : LexTrouble{nullptr, open};
 }
 
 bool IsContinued(TokenSpan tokens) {
@@ -273,11 +273,19 @@ std::string Lexer::GetToken(std::int32_t i) const {
 
 std::uint32_t Lexer::GetIndent() const { return indent; }
 
+static const char* HowToClose(const char* message) {
+    if (message == unclosedString) return "A String ends with '\"' on its line; a quote in it is written ~q";
+    if (message == unclosedParenthesis || message == unclosedBracket)
+        return "It has to be closed in the same statement; a line that ends in '_' goes on in the next one";
+    return "";
+}
+
 void FailInLine(const std::string& file, int number, const char* message, std::string_view line) {
     korvel::Diagnostic mistake;
     mistake.file = file;
     mistake.line = number;
     mistake.message = message;
+    mistake.hint = HowToClose(message);
     FailOnErrorStream(mistake, "Error in " + file + " (line " + std::to_string(number) + "): " + message +
                                    "\nLine: " + std::string(line));
 }

@@ -40,6 +40,10 @@ public:
     std::uint32_t GetIndent() const;
 };
 
+// What is not closed, for what else cuts lines apart.
+inline constexpr char unclosedParenthesis[] = "Unclosed parenthesis '('",
+                      unclosedBracket[] = "Unclosed bracket '['";
+
 // Ends the run with the report of such a line.
 [[noreturn]] void FailInLine(const std::string& file, int number, const char* message, std::string_view line);
 

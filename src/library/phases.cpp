@@ -46,6 +46,7 @@ void RunPhases() {
 void CheckMainFunction() {
     if (HasMainFunction()) return;
     ReportFatal(
-        "Error: No 'Main' function found. Every Korvel program must have a Main function as the entry "
-        "point.");
+        Wording{"Error: ", ""} +
+        "No 'Main' function found. Every Korvel program must have a Main function as the entry point." +
+        Hint{"Write Function Main, what to do, and EndFunction"});
 }

@@ -74,12 +74,13 @@ std::string CalledName(TokenSpan call) {
 void CheckArrayResult(const std::string& name, const ValueType& type,
                       const std::vector<std::string>& declared, TokenSpan call, const Expr& value,
                       const Routine* open) {
+    const Routine* called = RoutineOf(value);
     if (type.dims != value.type.dims)
         ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
-                        std::to_string(type.dims) + " dimensions, but " + CalledName(call) + "() returns " +
+                        std::to_string(type.dims) + " dimensions, but " + CalledName(call) +
+                        (called != nullptr ? Wording("() returns ") : Wording("() returns ", " has ")) +
                         std::to_string(value.type.dims) + " dimensions",
                     Tokens{name});
-    const Routine* called = RoutineOf(value);
     if (called == nullptr || declared.empty()) return;
     if (IsComplete(*called, open))
         CheckResultSizes(name, declared, *called);

@@ -45,7 +45,8 @@ void CloseBranch(State& state) {
 
 void RefuseElseIfAsTwoWords(TokenSpan tokens, std::size_t afterElse) {
     if (tokens.KeywordAt(afterElse) == Keyword::If)
-        ReportFatal("Syntax error: Use 'ElseIf' instead of 'Else If'");
+        ReportFatal("Syntax error: Use 'ElseIf' instead of 'Else If'",
+                    tokens.Slice(afterElse - 1, afterElse + 1));
 }
 
 // The open If that an Else or ElseIf continues.

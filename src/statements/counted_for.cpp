@@ -77,8 +77,9 @@ Parts Cut(TokenSpan tokens, std::size_t at) {
 const Expr& Number(TokenSpan tokens, const char* what) {
     const Expr& expr = TranslateValue(tokens, ExprMode::Condition);
     if (expr.type.IsKnown() && !expr.type.IsNumber())
-        ReportFatal(std::string("The ") + what + " of a For loop must be a number, got " +
-                    KorvelName(expr.type));
+        ReportFatal(
+            std::string("The ") + what + " of a For loop must be a number, got " + KorvelName(expr.type),
+            tokens);
     return expr;
 }
 

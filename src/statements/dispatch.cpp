@@ -54,6 +54,18 @@ bool IsNoAccessWord(TokenSpan tokens) {
     return (keyword == Keyword::Public || keyword == Keyword::Private) && tokens[0] != TextOf(keyword);
 }
 
+[[noreturn]] void FailMisplaced(const State& state, TokenSpan tokens, bool isStatement) {
+    const std::string message = "'" + tokens[0] + "' can only be used inside a Function or Method";
+    const std::vector<UnclosedBlock> blocks = UnclosedExtern(state);
+    const TokenSpan word = tokens.Slice(0, 1);
+    if (!blocks.empty()) ReportFatal(message, blocks);
+    if (state.inType && tokens.SignAt(1) == ':')
+        ReportFatal(message + Hint{"A Field begins with Field: Field " + tokens.Text("")}, word);
+    const bool isKnown = isStatement || tokens.SignAt(1) == '=' || FindFunction(tokens[0]) != nullptr;
+    if (!isKnown) ReportFatal(message, word, Sought::Statement);
+    ReportFatal(message + Hint{"What the program does stands between Function Main and EndFunction"}, word);
+}
+
 // Code at the top level or in a class body outside its Methods would never run.
 void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     if (InRoutine(state)) return;
@@ -61,8 +73,7 @@ void CheckPlace(const State& state, const DispatchRow* row, TokenSpan tokens) {
     if (state.inType && tokens.size() == 1 && IsNoAccessWord(tokens))
         ReportFatal("'" + word + "' is written in lower case here: " + Lower(word), Tokens{word});
     const bool misplaced = row == nullptr || row->place == Place::Routine;
-    if (misplaced)
-        ReportFatal("'" + word + "' can only be used inside a Function or Method", UnclosedExtern(state));
+    if (misplaced) FailMisplaced(state, tokens, row != nullptr);
 }
 
 // What stands at the top level or in a class body, and so nowhere in a file that a routine includes.

@@ -50,6 +50,9 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char
         header.annotation = tokens[at + 2];
         at += 2;
     }
+    if (tokens.KeywordAt(at) == Keyword::Local)
+        ReportFatal(missing + Hint{"Such a loop declares its variable without Local: For p EachIn list"},
+                    tokens.Slice(at, at + 1));
     if (tokens.KeywordAt(at + 1) != word) ReportFatal(missing);
     header.collection = tokens.From(at + 2);
     if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop" + wayToWalk);

@@ -20,7 +20,7 @@ bool WriteItem(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode
     if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
     const Expr& item = TranslateValue(tokens, mode);
     if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
-        ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type));
+        ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type), tokens);
     if (item.type.Is(Base::Null)) {
         out += "static_cast<void*>(nullptr)";
     } else if (item.type.Is(Base::Byte)) {

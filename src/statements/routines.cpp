@@ -242,6 +242,15 @@ void EmitRoutineLeaving(State& state) {
     EmitLine(state, "}");
 }
 
+[[noreturn]] void FailStrayEnd(const std::string& message, const State& state, TokenSpan tokens) {
+    const std::vector<UnclosedBlock> blocks = UnclosedExtern(state);
+    if (!blocks.empty()) ReportFatal(message, blocks);
+    const char* const hint = InMethod(state) ? "A Method ends with EndMethod"
+                             : state.inType  ? "A Type ends with EndType, an Element with EndElement"
+                                             : "No Function is open here";
+    ReportFatal(message + Hint{hint}, tokens.Slice(0, 1), OpenAround(state));
+}
+
 // Function Name [: Type] [( parameters )] [: Type]
 void TranslateFunction(State& state, TokenSpan tokens) {
     const std::string name = RoutineName(tokens);
@@ -249,7 +258,7 @@ void TranslateFunction(State& state, TokenSpan tokens) {
     if (state.inType || InFunction(state))
         ReportFatal("Unexpected 'function' token" +
                         Hint{"Functions stand outside of one another and of Types: close the one before"},
-                    {}, OpenAround(state));
+                    tokens.Slice(0, 1), OpenAround(state));
     const bool isMain = Lower(name) == "main";
     const Routine* routine = FindFunction(name);
     CheckFunctionName(name, routine, isMain);
@@ -264,7 +273,7 @@ void TranslateFunction(State& state, TokenSpan tokens) {
 // EndFunction
 void TranslateEndFunction(State& state, TokenSpan tokens) {
     if (state.inType || !InFunction(state) || !state.routine.openParts.empty())
-        ReportFatal("unexpected 'endfunction' token", UnclosedExtern(state));
+        FailStrayEnd("unexpected 'endfunction' token", state, tokens);
     RefuseMore(tokens, 1);
     CheckWithClosed(state, "EndFunction");
     if (state.routine.returnType != "void" && !state.routine.isMain && !state.routine.hasReturn)
@@ -280,7 +289,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
         ReportFatal(
             "Unexpected 'method' token" +
                 Hint{"Methods stand in a Type or Element, each behind the EndMethod of the one before"},
-            {}, OpenAround(state));
+            tokens.Slice(0, 1), OpenAround(state));
     if (state.inExtern) return;
     const std::string name = RoutineName(tokens);
     const Routine* method = FindMethod(*state.cls, name);

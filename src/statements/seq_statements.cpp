@@ -84,7 +84,7 @@ Expr& Translated(TokenSpan tokens, const Row& row) {
 Expr& SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keyword) {
     Expr& sequence = Translated(tokens, row);
     if (sequence.type.IsKnown() && !sequence.type.sequence)
-        ReportFatal("'" + keyword + "' works on a Sequence, got " + KorvelName(sequence.type));
+        ReportFatal("'" + keyword + "' works on a Sequence, got " + KorvelName(sequence.type), tokens);
     if (sequence.type.cls != nullptr) NeedClass(sequence.type.cls);
     return sequence;
 }
@@ -93,7 +93,8 @@ Expr& NumberArgument(TokenSpan tokens, const Row& row, const std::string& keywor
     Expr& number = Translated(tokens, row);
     if (number.type.IsKnown() && !number.type.IsNumber())
         ReportFatal("The " + std::string(what) + " of '" + keyword + "' must be a number, got " +
-                    KorvelName(number.type));
+                        KorvelName(number.type),
+                    tokens);
     return number;
 }
 
@@ -102,7 +103,8 @@ Expr& ValueArgument(const Expr& sequence, TokenSpan tokens, const Row& row, cons
     ValueType item = sequence.type.Item();
     if (sequence.type.IsKnown() && value.type.IsKnown() && !Assignable(item, value.type))
         ReportFatal("'" + keyword + "' needs a value of type " + KorvelName(item) + ", got " +
-                    KorvelName(value.type) + ConversionHint(item, value.type));
+                        KorvelName(value.type) + ConversionHint(item, value.type),
+                    tokens);
     return value;
 }
 

@@ -68,7 +68,8 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
     if (interval.kind == ExprKind::Nothing)
         ReportFatal("AutoCall needs an interval in milliseconds, e.g. AutoCall " + name + " Every 1000");
     if (interval.type.IsKnown() && !interval.type.IsNumber())
-        ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type));
+        ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type),
+                    tokens.From(3));
     programUses.timers = true;
     EmitLine(state, "__kvAutoCall(\"" + name + "\", [](){ " + HandlerCall(name) + "; }, (long long)(" +
                         TextOf(interval) + "), " + (every ? "true" : "false") + ");");

@@ -21,7 +21,7 @@ std::vector<std::string> PlacesOfInclude(const std::string& includeName) {
     std::string name = includeName;
     std::replace(name.begin(), name.end(), '\\', '/');
     std::vector<std::string> places = {settings.sourceFolder + "/" + name};
-    const std::string module = PathOfModule(name);
+    const std::string module = PlaceOfModule(name);
     if (!module.empty()) places.push_back(module);
     places.push_back(settings.sourceFolder + "/" + userlibs + name);
     places.push_back(InstallationPath(userlibs + name));

@@ -1,7 +1,12 @@
 // What people write who come from other languages, and what to write here instead.
 #pragma once
 
+#include <string>
+
 #include "base/diagnostic.h"
 
 // Gives a mistake about such words a hint, in place of other advice.
 void HintAtForeignWords(korvel::Diagnostic& mistake);
+
+// The Function of a module, or of the language, that other languages call so, in any letter case; empty for other words.
+std::string FunctionCalledElsewhere(const std::string& word);

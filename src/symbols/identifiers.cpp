@@ -55,7 +55,7 @@ bool IsNeverPrefixed(std::string_view name) {
 constexpr std::string_view prefix = "KVL_";
 
 constexpr char typeNamingHint[] =
-    "\nCustom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, "
+    "Custom Type names must start with 'T' followed by an uppercase letter (e.g., TPlayer, TEnemy, "
     "TMyType)";
 
 }  // namespace
@@ -79,8 +79,11 @@ bool IsCppWord(const std::string& name) { return wordLists.reservedCppWords.coun
 bool IsReservedKeyword(const std::string& name) { return wordLists.reservedKeywords.count(Lower(name)) != 0; }
 
 static void FailCppWord(const std::string& name) {
+    const bool isOurs = IsReservedKeyword(name);
+    const char* const whose =
+        isOurs ? "It is a word of the language, in any letter case" : "C++ keeps this name for itself";
     ReportFatal("This is a reserved C++ identifier '" + name + "', use another identifier" +
-                    Hint{"C++ keeps this name for itself; '" + name + "_' would do"},
+                    Hint{std::string(whose) + "; '" + name + "_' would do"},
                 Tokens{name});
 }
 
@@ -122,5 +125,8 @@ void CheckName(const std::string& name) {
 
 void FailUnknownType(const std::string& name) {
     const bool calledForHint = !name.empty() && name[0] >= 'A' && name[0] <= 'Z' && name[0] != 'T';
-    ReportFatal("Unknown type: " + name + (calledForHint ? typeNamingHint : ""), Tokens{name}, Sought::Type);
+    Wording message = "Unknown type: " + name;
+    if (calledForHint) message = message + Wording{std::string("\n") + typeNamingHint, ""};
+    if (calledForHint || IsClass(name)) message = message + Hint{typeNamingHint};
+    ReportFatal(message, Tokens{name}, Sought::Type);
 }

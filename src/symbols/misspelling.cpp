@@ -8,9 +8,12 @@
 #include "base/paths.h"
 #include "base/run.h"
 #include "base/settings.h"
+#include "base/source_reader.h"
 #include "base/utf8.h"
 #include "lexer/lexer.h"
 #include "symbols/identifiers.h"
+#include "symbols/module_names.h"
+#include "symbols/modules.h"
 #include "symbols/scopes.h"
 #include "symbols/symbols.h"
 
@@ -49,6 +52,9 @@ public:
         for (const std::string& word : words) Offer(word);
     }
     const std::string& Found() const { return nearest; }
+    bool IsNearerThan(const Nearest& other) const {
+        return !nearest.empty() && (other.nearest.empty() || best < other.best);
+    }
 
 private:
     std::string lower;
@@ -117,27 +123,48 @@ void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
 std::string NothingLike(const std::string& word, Sought sought) {
     if (sought == Sought::Value && WasInEndedBlock(word))
         return "'" + word + "' was declared in a block that has ended; declare it before the block";
-    if (sought == Sought::Value && IsName(word))
-        return "nothing that is visible here is called '" + word +
-               "'; Local, Global and Const declare variables";
-    return {};
+    if (!IsName(word)) return {};
+    const std::string nothing = "nothing that is visible here is called '" + word + "'; ";
+    if (sought == Sought::Value) return nothing + "Local, Global and Const declare variables";
+    return sought == Sought::Function ? nothing + "Function ... EndFunction declares a Function" : "";
+}
+
+std::string DidYouMean(const std::string& word, const std::string& nearest) {
+    const bool sameLetters = Lower(nearest) == Lower(word);
+    return (sameLetters ? "names are case-sensitive; did you mean '" : "did you mean '") + nearest + "'?";
 }
 
 Advice AdviceOn(const std::string& word, const std::string& nearest, Sought sought) {
     if (nearest.empty() || nearest == word) return {NothingLike(word, sought), {}};
-    const bool sameLetters = Lower(nearest) == Lower(word);
-    return {std::string(sameLetters ? "names are case-sensitive; " : "") + "did you mean '" + nearest + "'?",
-            nearest};
+    return {DidYouMean(word, nearest), nearest};
+}
+
+// What a module has that the program does not include.
+Advice AdviceOnModule(const std::string& word, const std::string& nearest) {
+    const std::string from = " comes with " + IncludeFor(nearest);
+    return {nearest == word ? "'" + word + "'" + from : DidYouMean(word, nearest) + " It" + from, {}};
+}
+
+std::string InQuotes(const std::string& text) { return "\"" + text + "\""; }
+
+// The file in the same folder, with the usual ending, or among the modules.
+std::string FileLike(const std::string& name) {
+    const std::string folder = FolderOf(name), file = StripFolder(name);
+    Nearest nearest(file), module(file);
+    OfferFiles(nearest, settings.sourceFolder + "/" + folder);
+    if (nearest.Found().empty() && IsFile(settings.sourceFolder + "/" + name + ".kvl")) return name + ".kvl";
+    if (!nearest.Found().empty()) return (folder.empty() ? "" : folder + "/") + nearest.Found();
+    for (const std::string& path : AllModules()) {
+        module.Offer(StripFolder(path));
+        if (StripExtension(StripFolder(path)) == Lower(file)) return path;
+    }
+    return module.Found().empty() ? "" : "std/" + module.Found();
 }
 
 Advice AdviceOnFile(const std::string& literal) {
-    const std::string name(Unquoted(literal));
-    const std::string folder = FolderOf(name);
-    Nearest nearest(StripFolder(name));
-    OfferFiles(nearest, settings.sourceFolder + "/" + folder);
-    if (nearest.Found().empty()) return {};
-    const std::string found = (folder.empty() ? "" : folder + "/") + nearest.Found();
-    return {"did you mean \"" + found + "\"?", "\"" + found + "\""};
+    const std::string found = FileLike(std::string(Unquoted(literal)));
+    if (found.empty()) return {};
+    return {"did you mean " + InQuotes(found) + "?", InQuotes(found)};
 }
 
 }  // namespace
@@ -147,7 +174,11 @@ Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner)
     if (sought == Sought::File) return AdviceOnFile(word);
     Nearest nearest(word);
     OfferAll(nearest, sought, owner);
-    return AdviceOn(word, nearest.Found(), sought);
+    if (sought == Sought::Member) return AdviceOn(word, nearest.Found(), sought);
+    Nearest inModules(word);
+    inModules.OfferKeys(ModuleNames());
+    return inModules.IsNearerThan(nearest) ? AdviceOnModule(word, inModules.Found())
+                                           : AdviceOn(word, nearest.Found(), sought);
 }
 
 bool MayConcernBlocks(const std::string& word) {

@@ -116,6 +116,16 @@ void AddRelated(korvel::Diagnostic& mistake, const Elsewhere& other) {
     FixOpenBlock(mistake, other.line, other.closer);
 }
 
+// Words that the program knows, or spells like one that it knows but for capital letters, are its own, as are names that
+// it wants and C++ has.
+bool MayBeForeign(const korvel::Diagnostic& mistake, const Stop& stop) {
+    const TokenSpan meant(stop.subject.tokens);
+    if (meant.empty()) return true;
+    const bool isSpelt = !mistake.fixes.empty() && Lower(mistake.fixes[0].replacement) == Lower(meant[0]);
+    const bool isTaken = stop.sought == Sought::Nothing && !mistake.hint.empty() && IsCppWord(meant[0]);
+    return !isSpelt && !isTaken && !IsDeclared(meant[0]);
+}
+
 void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement) {
     const std::size_t blocks = stop.blocks.size();
     for (std::size_t i = 0; i < blocks; ++i) {
@@ -126,8 +136,7 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
     LocateLast(mistakes[blocks], stop, statement);
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
-    const TokenSpan meant(stop.subject.tokens);
-    if (meant.empty() || !IsDeclared(meant[0])) HintAtForeignWords(mistakes[blocks]);
+    if (MayBeForeign(mistakes[blocks], stop)) HintAtForeignWords(mistakes[blocks]);
     if (stop.onErrorStream) FixOpenSign(mistakes[blocks]);
 }
 

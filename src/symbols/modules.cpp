@@ -22,9 +22,12 @@ bool NamesModule(const std::string& name) {
 
 }  // namespace
 
+std::string PlaceOfModule(const std::string& includeName) {
+    return NamesModule(includeName) ? InstallationPath(library + includeName) : std::string();
+}
+
 std::string PathOfModule(const std::string& includeName) {
-    if (!NamesModule(includeName)) return {};
-    const std::string module = InstallationPath(library + includeName);
+    const std::string module = PlaceOfModule(includeName);
     return IsFile(module) ? module : std::string();
 }
 
@@ -45,17 +48,21 @@ bool HasForeignFunctions() {
     });
 }
 
-std::string ModulesLike(const std::string& includeName) {
-    std::string name = includeName;
-    std::replace(name.begin(), name.end(), '\\', '/');
-    if (!NamesModule(name)) return {};
+std::set<std::string> AllModules() {
     std::set<std::string> found;
     std::error_code failed;
     const std::string folder = InstallationPath(std::string(library) + modules);
     for (std::filesystem::directory_iterator entry(PathOf(folder), failed), end; !failed && entry != end;
          entry.increment(failed))
         found.insert(modules + TextOf(entry->path().filename()));
+    return found;
+}
+
+std::string ModulesLike(const std::string& includeName) {
+    std::string name = includeName;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    if (!NamesModule(name)) return {};
     std::string text;
-    for (const std::string& module : found) text += (text.empty() ? "" : ", ") + module;
+    for (const std::string& module : AllModules()) text += (text.empty() ? "" : ", ") + module;
     return text;
 }

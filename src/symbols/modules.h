@@ -3,8 +3,11 @@
 // it stands in the way of what programs without inline C++ get.
 #pragma once
 
+#include <set>
 #include <string>
 
+// Where the module of an Include's name would lie; empty when the name cannot mean one.
+std::string PlaceOfModule(const std::string& includeName);
 // The path of the module that an Include names, with slashes; empty when it names none that is there.
 std::string PathOfModule(const std::string& includeName);
 
@@ -18,5 +21,7 @@ std::string OwnFileFor(const std::string& module);
 // Whether the program declares functions of C itself.
 bool HasForeignFunctions();
 
-// The names of all modules, for a message; empty when the name means none of them.
+// The names by which the modules are included.
+std::set<std::string> AllModules();
+// The same for a message; empty when the name means none of them.
 std::string ModulesLike(const std::string& includeName);

@@ -205,7 +205,10 @@ std::string HowToConvert(const ValueType& to, const ValueType& from) {
     return {};
 }
 
-std::string ConversionHint(const ValueType& to, const ValueType& from) {
+Wording ConversionHint(const ValueType& to, const ValueType& from) {
     const std::string how = HowToConvert(to, from);
-    return how.empty() ? how : "\n" + how;
+    if (how.empty()) return "";
+    const bool isAnswer = to.Is(Base::Bool) && from.Is(Base::String);
+    return Wording{"\n" + how, ""} +
+           Hint{isAnswer ? "A Bool takes what a comparison gives: answer = \"yes\"" : how};
 }

@@ -80,6 +80,7 @@ std::string DefaultValue(const std::string& cppType);
 // Whether a value of type `from` may be assigned to, passed to or returned as `to`.
 bool Assignable(const ValueType& to, const ValueType& from);
 
-// What turns one into the other ("Use ToString(...) ..."), empty where nothing does; and as the second line of a message.
+// What turns one into the other ("Use ToString(...) ..."), empty where nothing does; and behind a message, whose second
+// line it is when quoted.
 std::string HowToConvert(const ValueType& to, const ValueType& from);
-std::string ConversionHint(const ValueType& to, const ValueType& from);
+Wording ConversionHint(const ValueType& to, const ValueType& from);

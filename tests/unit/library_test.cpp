@@ -232,6 +232,132 @@ TEST(Library, FixesMistakes) {
     }
 }
 
+// What is written in other languages, one line each, and a part of what is said to write here instead.
+TEST(Library, AdvisesOnOtherLanguages) {
+    const struct {
+        std::string line, hint;
+    } rows[] = {{"Dim i", "Local in a Function"},
+                {"Let n = 2", "needs no word in front"},
+                {"Constant x = 1", "Write Const MAX"},
+                {"Rem x", "begins with ';'"},
+                {"# comment", "begins with ';'"},
+                {"// comment", "begins with ';'"},
+                {"Print 3 // comment", "begins with ';'"},
+                {"Print 3 ' comment", "begins with ';'"},
+                {"Do", "Loops are Repeat"},
+                {"Do While n < 3", "Loops are Repeat"},
+                {"EndWhile", "ends with Wend"},
+                {"EndFor", "ends with Next"},
+                {"Break", "Exit leaves"},
+                {"Goto top", "no jumps"},
+                {"Sub Foo", "Write Function Name"},
+                {"EndSub", "ends with EndFunction"},
+                {"Enum Color", "a Const for each"},
+                {"Self.x = 1", "is called this"},
+                {"Local i:Integer", "called Int"},
+                {"Local f:Float", "called Double"},
+                {"Local b:Boolean", "called Bool"},
+                {"Local s:Text", "called String"},
+                {"Print Str$(3)", "called String"},
+                {"n = Val(\"3\")", "ToInt(s)"},
+                {"Try", "no exceptions"},
+                {"ReDim a", "keeps its size"},
+                {"Switch n", "Write Select n, Case 1"},
+                {"Elif n = 1", "Write ElseIf"},
+                {"Class Foo", "Write Type TName"},
+                {"Print Nil", "called Null"},
+                {"If n Is Null Then Print 1", "Compare with ="},
+                {"Println n", "Write Print"},
+                {"Call Foo()", "Function's name alone"},
+                {"Delete n", "goes with Remove"},
+                {"Foreach x In a", "For p:TPlayer EachIn"},
+                {"If n = 1 {", "Blocks begin"},
+                {"n = n ? 1 : 2", "no operator '?'"},
+                {"Local i As Int", "stands behind a colon"},
+                {"Local t$ = \"a\"", "stands behind a colon"},
+                {"pass", "may be empty"},
+                {"Data 1, 2", "into an array"},
+                {"Option Explicit", "leave the line out"},
+                {"using std", "for other files"},
+                {"Print nosuch", "nothing that is visible"},
+                {"Print Undefined()", "Function ... EndFunction declares"},
+                {"Select Case n", "without Case"},
+                {"Input n", "Write Input"},
+                {"Print \"say \\\"hi\\\"\"", "~qhi~q"},
+                {"Print \"say \"hi\"\"", "~qhi~q"},
+                {"Print 'a'", "double quotes"},
+                {"n := 3", "'=' alone"},
+                {"Print 1: Print 2", "apart by '|'"},
+                {"Print n, n", "joins with '&'"},
+                {"Print “a”", "straight quotes"},
+                {"Type TFoo Extends TBar", "do not inherit"},
+                {"n = n Xor 2", "a BitXor b"},
+                {"String s = \"a\"", "behind the name"},
+                {"Print 0xFF", "begin with '$'"},
+                {"If n = 1 Print 2", "stands Then"},
+                {"abstract Foo", "without such words"},
+                {"n = 1 << 2", "a Shl b"},
+                {"n = 1 >> 2", "a Shr b"},
+                {"n = 2 ** 3", "Pow(a, b)"},
+                {"If n => 2 Then Print n", "Write >="},
+                {"If n =< 2 Then Print n", "Write <="},
+                {"n->x = 3", "p\\hp"},
+                {"Local a(10)", "size in brackets"},
+                {"Local a:Int[3] = [1, 2]", "one by one"},
+                {"Print Chr$(65)", "no '$' at their end"},
+                {"n = 7 Div 2", "7 / 2 is 3"},
+                {"Inc n", "the assignment out"},
+                {"Swap n, n", "Local old = a"},
+                {"n = Iif(n = 1, 2, 3)", "Write If a"},
+                {"n = Lambda", "Function of its own"},
+                {"ByRef n", "Globals are seen"},
+                {"For (i = 0; i < 3; i++)", "For Local i = 0"},
+                {"For i = 1 To 3", "For Local i = 1"},
+                {"Select n\n        Case 1 To 5\n    EndSelect", "For a range"},
+                {"Print Len(\"a\")", "called Length. It comes with Include \"std/text.kvl\""},
+                {"Print Mid$(\"a\", 1)", "called Mid. It"},
+                {"Print Rnd(5)", "called RandomDouble. It"},
+                {"Cls", "called TerminalClear. It"},
+                {"Open \"file\"", "called FileOpen. It"},
+                {"Print SeqLen(n)", "called SeqLength"},
+                {"DrawShow", "'DrawShow' comes with Include \"std/draw.kvl\""},
+                {"Local m:TCountMap", "'TCountMap' comes with"},
+                {"Print Lenght(\"a\")", "did you mean 'Length'? It comes with"},
+                {"Local a:Int[3] | a(1) = 5", "brackets: a[0]"},
+                {"Local q:Sequence Of Int | Print q(1)", "SeqGet(q, index)"},
+                {"Local q:Sequence Of Int | q.Add(1)", "begins with Seq"},
+                {"Local a:Int[3] | Print a.Length", "An array has no members"},
+                {"Local s:String | Print s.length", "Length(s). It comes"},
+                {"Local s:String | Print s[1]", "CharAt(s, 0)"},
+                {"Local a:Int[3] | a[\"x\"] = 1", "TStringMap"},
+                {"Print 5 \\ 2", "divided with '/'"},
+                {"Print Min(1 2)", "comma or an operator"},
+                {"Print n 3", "comma or an operator"},
+                {"Print \"abc", "ends with '\"'"},
+                {"Print (1 + 2", "in the same statement"},
+                {"Local a:Int[3", "in the same statement"},
+                {"Local b:Bool = \"yes\"", "A Bool takes"},
+                {"For Local p EachIn list", "without Local"},
+                {"Local string = 1", "in any letter case"},
+                {"Local NULL = 1", "in any letter case"},
+                {"Local class = 1", "keeps this name"},
+                {"EndFunction | EndFunction", "No Function is open"},
+                {"Function Inner", "outside of one another"},
+                {"EndFunction\nType TA\n    Method A\n    Method B\n    EndMethod\nEndType", "Methods stand"}};
+    for (const auto& row : rows) {
+        korvel::Request request = RequestFor("/nowhere/main.kvl");
+        request.overlays = {
+            {request.source, "Function Main\n    Local n = 1\n    " + row.line + "\nEndFunction\n"}};
+        request.warnings = false;
+        const korvel::Result result = korvel::Check(request);
+        ASSERT_FALSE(result.diagnostics.empty()) << row.line;
+        const korvel::Diagnostic& said = result.diagnostics[0];
+        EXPECT_NE(said.hint.find(row.hint), std::string::npos)
+            << row.line << ": " << said.message << said.hint;
+        EXPECT_GT(said.firstColumn, 0) << row.line;
+    }
+}
+
 // In a program that is being edited: another file, shadowed names, holes, joined lines, With, a mistake.
 TEST(Library, TellsWhatNamesMean) {
     korvel::Request request = RequestFor("/nowhere/main.kvl");

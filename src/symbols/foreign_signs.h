@@ -1,0 +1,12 @@
+// Signs and quotes as other languages have them, and what to write here instead.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "base/token_span.h"
+
+// What may help where a line is wrong at the token with the number, which may lie beyond its end; null when nothing is
+// known.
+const char* HintAtQuotes(std::string_view line, TokenSpan tokens, std::size_t at);
+const char* HintAtSign(TokenSpan tokens, std::size_t at);
