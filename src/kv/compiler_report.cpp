@@ -165,18 +165,12 @@ const char* const missingLibrary[] = {"iostream: No such file",      "'iostream'
 const char moduleNeeds[] = ": error: #error the module ";
 const std::size_t moduleNeedsFrom = sizeof ": error: #error " - 1;
 
-Diagnostic StandardLibraryIsMissing() {
-    Diagnostic diagnostic;
-    diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
-    return diagnostic;
-}
-
 bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     const auto contained = [&](const char* text) { return line.find(text) != std::string::npos; };
     if (contained(moduleNeeds)) {
         diagnostic.message = line.substr(line.find(moduleNeeds) + moduleNeedsFrom);
     } else if (std::any_of(std::begin(missingLibrary), std::end(missingLibrary), contained)) {
-        diagnostic = StandardLibraryIsMissing();
+        diagnostic.message = "the C++ compiler has no standard library. " + std::string(compilerAdvice);
     } else if (std::any_of(std::begin(wrongFlags), std::end(wrongFlags), contained)) {
         diagnostic.message = "the C++ compiler does not know a flag that it is given: " + line +
                              "\nFlags come from CXX and from Linker lines.";
@@ -245,15 +239,21 @@ bool BlamesCpp(const std::string& line) {
            line.find("multiple definition") != std::string::npos;
 }
 
+bool MissesHeader(const std::string& line) {
+    return line.find(": fatal error: ") != std::string::npos &&
+           line.find("No such file or directory") != std::string::npos;
+}
+
 // Where the compiler complains of no C++, what it could not do is no fault of whoever wrote that.
 Diagnostic TroubleOfItsOwn(const std::string& output) {
     Diagnostic trouble;
     std::istringstream lines(output);
     std::string first;
     for (std::string line; std::getline(lines, line);) {
-        if (line.find(": fatal error: ") != std::string::npos &&
-            line.find("No such file or directory") != std::string::npos)
-            return StandardLibraryIsMissing();
+        if (MissesHeader(line)) {
+            first = Trimmed(line);
+            break;
+        }
         if (BlamesCpp(line)) return trouble;
         if (first.empty()) first = Trimmed(line);
     }
