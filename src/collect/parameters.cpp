@@ -10,9 +10,13 @@
 namespace {
 
 [[noreturn]] void FailInList(TokenSpan tokens, std::size_t at) {
+    const bool hasWordBefore = at > 0 && IsName(tokens[at - 1]) && IsName(tokens[at]);  // int x, ByRef x
+    const std::size_t word = hasWordBefore ? at - 1 : at;
+    const bool isType = IsBasicType(tokens[word]) || IsClass(tokens[word]);
     ReportFatal("Unexpected token in parameter list." +
-                    Hint{"Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
-                tokens.Slice(at, at + 1));
+                    Hint{isType ? "The type stands behind the name: n:Int"
+                                : "Parameters stand apart by commas: Function Add:Int(a:Int, b:Int = 1)"},
+                tokens.Slice(word, word + 1));
 }
 
 bool IsMain(TokenSpan tokens) {

@@ -4,6 +4,7 @@
 
 #include "base/report.h"
 #include "base/source_reader.h"
+#include "base/text.h"
 #include "base/token_span.h"
 #include "lexer/lexer.h"
 #include "linking/interface_type.h"
@@ -180,12 +181,17 @@ void ReadLine(const std::string& raw, bool& inDll, const Place& place) {
 
 }  // namespace
 
+static std::string HowToInclude(const std::string& path) {
+    return EndsWith(path, ".decls") ? "" : "Sources and modules come with Include \"std/text.kvl\"\n";
+}
+
 void ImportUserlib(const std::vector<std::string>& places) {
     const std::string path = FirstOf(places);
     SourceReader reader;
     if (!reader.Open(path)) {
         RefuseNoFile(path);
-        ReportMissing("Cannot open userlib declaration file: " + path, LookedFor(places));
+        ReportMissing("Cannot open userlib declaration file: " + path,
+                      HowToInclude(path) + LookedFor(places));
     }
     bool inDll = false;  // a section of an earlier file does not carry on in this one
     for (int line = 1; !reader.AtEnd(); ++line) ReadLine(reader.NextLine(), inDll, Place{path, line});

@@ -33,6 +33,12 @@ bool Checked() { return ChecksValues(); }
                       KorvelName(left.type) + " and " + KorvelName(right.type);
     if (IsText(left) && right.type.IsNumber()) message = message + ConversionHint(right.type, left.type);
     if (left.type.IsNumber() && IsText(right)) message = message + ConversionHint(left.type, right.type);
+    const bool isText = IsText(left) || IsText(right);
+    const std::string_view sign = op.text;
+    if (isText && sign == "&")
+        message.hint = "Texts are joined with '+'; '&' stands between the items of a Print";
+    if (isText && sign == "*")
+        message.hint = "Write Repeated(text, 3). It comes with Include \"std/text.kvl\"";
     const bool known = !left.source.empty() && !right.source.empty();
     ReportFatal(message, known ? TokenSpan(left.source.first, right.source.last) : TokenSpan());
 }

@@ -22,9 +22,11 @@ void CheckCount(const std::string& subject, const Routine& routine, std::size_t 
     if (count >= required && count <= most) return;
     const std::string number = std::to_string(most),
                       range = required == most ? number : std::to_string(required) + " to " + number;
-    ReportFatal(subject + " expects " + Wording{number, range} + " parameter(s) but " +
-                    std::to_string(count) + " provided",
-                {}, {routine.file, routine.line, routine.name, declaredHere});
+    ReportFatal(
+        subject + " expects " + Wording{number, range} + " parameter(s) but " + std::to_string(count) +
+            " provided" +
+            Hint{routine.name.empty() ? "The Type has no Method constructor, written in small letters" : ""},
+        {}, {routine.file, routine.line, routine.name, declaredHere});
 }
 
 void CheckArgument(const std::string& subject, std::size_t index, const ValueType& type,

@@ -91,7 +91,9 @@ DepthGuard::~DepthGuard() { --depth; }
 void Walk::Expect(char sign) {
     if (Match(sign)) return;
     const std::string found = Done() ? "the end of the statement" : "'" + Peek() + "'";
-    ReportFatal(std::string("Expected '") + sign + "' but found " + found + MissingBefore(*this),
+    const bool isSecondIndex = sign == ']' && PeekSign() == ',';
+    ReportFatal(std::string("Expected '") + sign + "' but found " + found + MissingBefore(*this) +
+                    Hint{isSecondIndex ? "Each index has brackets of its own: table[1][2]" : ""},
                 Done() ? Taken() : tokens.Slice(at, at + 1));
 }
 

@@ -92,11 +92,18 @@ bool InsideRoutine() { return localDefList.size() > 1 && !FileLevelNames::InForc
 
 bool IsIdentifier(const std::string& token) { return !token.empty() && IsLetterByte(token[0]); }
 
+[[noreturn]] static void FailClassAsValue(const ClassInfo& cls, TokenSpan word) {
+    ReportFatal("'" + cls.name + "' is a Type and cannot be used as a value" +
+                    Hint{cls.isElement ? "A variable of it is one from the beginning: Local p:" + cls.name
+                                       : "Create " + cls.name + " makes an object of it"},
+                word);
+}
+
 void FailUnknownName(const Walk& walk, const std::string& name) {
     const TokenSpan word = walk.Taken();
     const std::string lower = Lower(name);
     if (Has(FindKeyword(name), trait::operation)) ReportFatal("Missing operand before '" + name + "'", word);
-    if (IsClass(name)) ReportFatal("'" + name + "' is a Type and cannot be used as a value", word);
+    if (const ClassInfo* cls = FindClass(name)) FailClassAsValue(*cls, word);
     if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)", word);
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression", word);
     if (walk.mode == ExprMode::Input)

@@ -101,7 +101,11 @@ void CheckPreCalcHeader(TokenSpan header, bool topLevel) {
     if (header.size() < 7 || header[2] != ":" || header[4] != "[") FailHeader();
     std::size_t i = 4;
     for (; header[i] == "["; i += 3) {
-        if (ReadSize(header[i + 1]) < 1) ReportFatal("PreCalc array size must be a positive whole number");
+        if (ReadSize(header[i + 1]) < 1)
+            ReportFatal(
+                "PreCalc array size must be a positive whole number" +
+                    Hint{IsName(header[i + 1]) ? "No Const is known here yet: write the number itself" : ""},
+                header.Slice(i + 1, i + 2));
         if (header[i + 2] != "]") ReportFatal("PreCalc header: missing ']'");
     }
     if (i < header.size()) FailHeader();

@@ -20,16 +20,19 @@ namespace {
 void CheckPlace(const State& state, DefinitionKind kind) {
     const bool inRoutine = InRoutine(state);
     if (kind == DefinitionKind::Local && !inRoutine)
-        ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method",
+        ReportFatal("Syntax error: 'Local' can only be declared inside a Function or Method" +
+                        Hint{state.inType ? "Here it is a Field" : "What all Functions know is a Global"},
                     UnclosedExtern(state));
     if (kind == DefinitionKind::Global && (inRoutine || state.inType))
         ReportFatal(
             "Syntax error: 'Global' can only be declared in global scope (outside Functions, Methods, and "
-            "Types)");
+            "Types)" +
+            Hint{"Functions know all Globals. A variable of their own is a Local"});
     if (kind == DefinitionKind::Const && state.inType)
         ReportFatal("Syntax error: 'Const' cannot be declared inside a Type");
     if (kind == DefinitionKind::Const && InFunction(state))
-        ReportFatal("Syntax error: 'Const' cannot be declared inside a Function");
+        ReportFatal("Syntax error: 'Const' cannot be declared inside a Function" +
+                    Hint{"Write it outside, for all Functions; or Local"});
     if (kind == DefinitionKind::Field && (!state.inType || InMethod(state)))
         ReportFatal("Syntax error: 'Field' can only be declared inside a Type");
 }

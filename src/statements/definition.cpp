@@ -81,7 +81,10 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
     if (!Is(tokens[at], "="))
-        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name->text + "'",
+        ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name->text + "'" +
+                        Hint{IsBasicType(tokens[at])
+                                 ? "The type stands behind a colon: " + declared.name->text + ":" + tokens[at]
+                                 : "A name is one word of letters, digits and '_': my_name"},
                     tokens.Slice(at, at + 1));
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);
@@ -115,7 +118,9 @@ void CheckComplete(const Declared& declared) {
         ReportFatal("Constant must be initialized" + Hint{"Write its value behind it: Const MAX = 10"});
     if (!declared.typed)
         ReportFatal("Variable '" + declared.name->text +
-                        "' requires either a type annotation (:Type) or an initial value",
+                        "' requires either a type annotation (:Type) or an initial value" +
+                        Hint{"Each variable has its own: " + declared.name->text + ":Int, or " +
+                             declared.name->text + " = 1"},
                     Tokens{declared.name});
 }
 

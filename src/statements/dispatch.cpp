@@ -61,6 +61,8 @@ bool IsNoAccessWord(TokenSpan tokens) {
     if (!blocks.empty()) ReportFatal(message, blocks);
     if (state.inType && tokens.SignAt(1) == ':')
         ReportFatal(message + Hint{"A Field begins with Field: Field " + tokens.Text("")}, word);
+    if (state.inType && tokens.KeywordAt(1) == Keyword::As)
+        ReportFatal(message + Hint{"A Field begins with Field: Field " + tokens[0] + ":Int"}, word);
     const bool isKnown = isStatement || tokens.SignAt(1) == '=' || FindFunction(tokens[0]) != nullptr;
     if (!isKnown) ReportFatal(message, word, Sought::Statement);
     ReportFatal(message + Hint{"What the program does stands between Function Main and EndFunction"}, word);

@@ -124,7 +124,9 @@ void EmitEnter(State& state, const std::string& name) {
 
 void CheckFunctionName(const std::string& name, const Routine* routine, bool isMain) {
     if (routine == nullptr || IsClass(name)) FailAlreadyDefined(name);
-    if (isMain && !routine->parameters.empty()) ReportFatal("Function Main takes no parameters");
+    if (isMain && !routine->parameters.empty())
+        ReportFatal("Function Main takes no parameters" +
+                    Hint{"What stands behind the program's name gives Argument(1) of std/system.kvl"});
 }
 
 bool KeepsInstances(const State& state) { return state.cls != nullptr && !state.cls->isElement; }

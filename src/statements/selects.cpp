@@ -97,7 +97,9 @@ Code LabelText(OpenSelect& select, TokenSpan tokens) {
         // The index form compares at run time, so any Const will do there.
         const bool constant = select.byIndex && (label.isConst || label.kind == ExprKind::Holes);
         if (!constant)
-            ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not", tokens);
+            ReportUnknown("A Case label must be a constant, '" + Spelling(tokens) + "' is not" +
+                              Hint{"A Case has literals and Consts. For all else write If"},
+                          tokens);
         return ValueText(label);
     }
     if (!select.labels.insert(LabelKey(select, *value)).second)

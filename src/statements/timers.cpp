@@ -58,11 +58,14 @@ bool NamesFunction(const std::string& name) {
 // AutoCall Function Every | Once milliseconds
 //     __kvAutoCall("Tick", [](){ KVL_Tick(); }, (long long)(interval), true);
 void TranslateAutoCall(State& state, TokenSpan tokens) {
-    if (tokens.size() < 4) ReportFatal("AutoCall syntax: AutoCall <function> Every|Once <milliseconds>");
+    const Hint form{"Write AutoCall Tick Every 1000, with the name of the Function alone"};
+    if (tokens.size() < 4)
+        ReportFatal("AutoCall syntax: AutoCall <function> Every|Once <milliseconds>" + form);
     const bool every = IsWord(tokens[2], "every");
     if (!every && !IsWord(tokens[2], "once"))
-        ReportFatal("AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'",
-                    tokens.Slice(2, 3));
+        ReportFatal(
+            "AutoCall expects 'Every' or 'Once' after the function name, got '" + tokens[2] + "'" + form,
+            tokens.Slice(2, 3));
     const std::string& name = tokens[1];
     const Expr& interval = TranslateValue(tokens.From(3), ExprMode::Condition);
     if (interval.kind == ExprKind::Nothing)

@@ -92,7 +92,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
         const Expr& expr = TranslateValue(object, ExprMode::Statement);
         type = expr.type;
         if (!expr.assignable && object[0]->keyword != Keyword::This && type.IsKnown() && !expr.isConst)
-            ReportFatal("With requires a variable that holds an object, not an expression");
+            ReportFatal("With requires a variable that holds an object, not an expression" +
+                        Hint{"Put it into a Local first"});
     }
     if (!type.Is(Base::Object) && !type.Is(Base::Element)) {
         const Wording message = "With requires an object (a Type or Element), but '" + Spelling(object) +

@@ -30,6 +30,9 @@ bool Has(std::string_view line, std::string_view part) { return line.find(part) 
 bool IsText(const std::string& token) { return !token.empty() && token[0] == '"'; }
 
 const char* HintAtPair(TokenSpan tokens, std::size_t at) {
+    const bool isResult = tokens.SignAt(at) == '-' && tokens.SignAt(at + 1) == '>';
+    if (isResult && tokens.KeywordAt(0) == Keyword::Function)
+        return "The type of what it gives stands behind its name: Function Add:Int(a:Int, b:Int)";
     for (const PairRow& row : pairRows) {
         const bool begins = tokens.SignAt(at) == row.signs[0] && tokens.SignAt(at + 1) == row.signs[1];
         const bool ends =
@@ -44,6 +47,8 @@ const char* HintAtBracket(TokenSpan tokens, std::size_t at) {
     if (!Has(tokens.KeywordAt(0), trait::variables)) return nullptr;
     const char sign = tokens.SignAt(at);
     const bool isValue = at > 0 && tokens.SignAt(at - 1) == '=';
+    if (isValue && sign == '{' && tokens.SignAt(at + 1) == '}')
+        return "A TStringMap finds values by texts. It comes with Include \"std/maps.kvl\"";
     if (sign == '(' && at < tokens.FindEquals()) return "An array has its size in brackets: Local a:Int[10]";
     return isValue && (sign == '[' || sign == '{') ? "An array gets its values one by one: a[0] = 3"
                                                    : nullptr;
@@ -70,6 +75,8 @@ const char* HintAtQuotes(std::string_view line, TokenSpan tokens, std::size_t at
     const bool isBetweenTexts = at > 0 && IsText(tokens[at - 1]) && !IsText(meant) && IsText(tokens[at + 1]);
     const bool isWord = isBetweenTexts && IsNameText(meant) && FindKeyword(meant) == Keyword::None;
     if (Has(line, "\\\"") || isWord) return "A quote in a text is written ~q: \"say ~qhi~q\"";
+    if ((meant == "f" || meant == "F") && IsText(tokens[at + 1]))
+        return "A text may have holes as it stands: \"{%count} times {$name}\"";
     if (meant != "'" && meant.substr(0, 1) != "`") return nullptr;
     const bool isPair = std::count(line.begin(), line.end(), meant[0]) > 1;
     return at > 0 && isPair ? "Texts stand between double quotes: \"text\"" : "A comment begins with ';'";
@@ -79,6 +86,8 @@ const char* HintAtQuotes(std::string_view line, TokenSpan tokens, std::size_t at
 const char* HintAtSign(TokenSpan tokens, std::size_t at) {
     if (const char* hint = HintAtPair(tokens, at)) return hint;
     if (const char* hint = HintAtBracket(tokens, at)) return hint;
+    const bool isMember = tokens.SignAt(at) == '.' || tokens.SignAt(at) == '\\';
+    if (isMember && at == 0) return "Inside of With the object is called its: its\\x";
     if (tokens.SignAt(at) == ':') return "Statements in one line stand apart by '|'";
     const std::string_view meant = tokens[at];
     if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X")

@@ -66,6 +66,9 @@ const ForeignRow meantRows[] = {
     {"?", "There is no operator '?': use If"},
     {"as", "The type stands behind a colon: Local n:Int"},
     {"pass", "A block may be empty"},
+    {"stop quit halt", "End ends the program"},
+    {"ubound lbound sizeof", "An array keeps the size that it was declared with: put that into a Const"},
+    {"in", "SeqContains(s, 3) tells whether a Sequence has a value"},
     {"data read restore", "Put the values into an array or a Sequence, or compute them in a PreCalc block"},
     {"option strict", "All names have to be declared anyway; leave the line out"},
     {"using namespace package module from", "Write Include \"file.kvl\" for other files"},
@@ -125,6 +128,13 @@ const ForeignRow moduleRows[] = {
     {"drawimage", "ImageDraw"},
     {"keydown keyhit", "KeyIsDown"},
     {"assert", "Check"},
+    {"seqpush seqappend seqinsertlast", "SeqAdd"},
+    {"sqr", "Sqrt"},
+    {"ceiling", "Ceil"},
+    {"fix", "Trunc"},
+    {"ln", "Log"},
+    {"atn arctan", "ATan"},
+    {"ord", "Asc"},
     {"map hashmap dict dictionary", "TStringMap"},
 };
 
@@ -146,7 +156,7 @@ const BeginningRow beginnings[] = {
 const ForeignRow insideRows[] = {
     {"extends implements inherits",
      "Types do not inherit from one another: give this one a Field of the other, Field base:TOther"},
-    {"abstract final static virtual override", "Methods and Types are written without such words"},
+    {"abstract final virtual override", "Methods and Types are written without such words"},
 };
 
 // The file that was asked about last: mistakes come mostly line by line.
@@ -200,6 +210,8 @@ const char* HintAtBeginning(TokenSpan tokens, const std::string& word, std::size
                 (*row.meant == '\0' || IsAmong(row.meant, word)))
                 return row.hint;
     if (first == "for" && at == 1 && tokens.SignAt(2) == '=') return "Write For Local i = 1 To 10";
+    if (first == word && (IsDigit(word[0]) || (tokens.size() == 2 && tokens.SignAt(1) == ':')))
+        return "Lines have no numbers and no labels: use loops, Functions, Exit and Continue";
     if (first != word) return nullptr;
     if (IsAmong("string int double bool byte short long", word))
         return "The type stands behind the name: Local s:String";

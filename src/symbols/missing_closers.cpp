@@ -37,6 +37,18 @@ bool Divides(std::string_view line) {
     return Has(TokenSpan(tokens).KeywordAt(0), trait::divides);
 }
 
+// "End While" ends the program.
+bool IsEndOfTwoWords(std::string_view line) {
+    const Tokens tokens = Cut(line);
+    return tokens.size() == 2 && TokenSpan(tokens).KeywordAt(0) == Keyword::End;
+}
+
+void PutInPlace(korvel::Diagnostic& mistake, int line, std::size_t begin, std::size_t end,
+                const std::string& text) {
+    AddBehind(mistake, line, begin, text);
+    mistake.fixes.back().lastColumn = static_cast<int>(end);
+}
+
 }  // namespace
 
 void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& closer) {
@@ -50,6 +62,10 @@ void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& 
         const std::string_view line = reader.TakeLine();
         const std::size_t start = line.find_first_not_of(blanks);
         if (start == std::string_view::npos) continue;
+        if (start == indentation && IsEndOfTwoWords(line)) {
+            mistake.hint = "End ends the program, with whatever word behind it: write " + closer;
+            return PutInPlace(mistake, number, start, line.size(), closer);
+        }
         if (start <= indentation && !Divides(line)) break;
         last = number;
         size = line.size();

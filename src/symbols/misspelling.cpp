@@ -119,6 +119,19 @@ void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
     }
 }
 
+// All that a small Type has.
+std::string MembersOf(const ClassInfo& cls) {
+    constexpr std::size_t most = 8;
+    std::vector<std::string> names;
+    for (const auto& [name, field] : cls.members) names.push_back(name);
+    for (const auto& [name, method] : cls.routines) names.push_back(name + "()");
+    if (names.empty() || names.size() > most) return {};
+    std::sort(names.begin(), names.end());
+    std::string all;
+    for (const std::string& name : names) all += (all.empty() ? "" : ", ") + name;
+    return cls.name + " has " + all;
+}
+
 // Where nothing is like it, that is what there is to say.
 std::string NothingLike(const std::string& word, Sought sought) {
     if (sought == Sought::Value && WasInEndedBlock(word))
@@ -174,6 +187,8 @@ Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner)
     if (sought == Sought::File) return AdviceOnFile(word);
     Nearest nearest(word);
     OfferAll(nearest, sought, owner);
+    if (sought == Sought::Member && nearest.Found().empty() && owner != nullptr)
+        return {MembersOf(*owner), {}};
     if (sought == Sought::Member) return AdviceOn(word, nearest.Found(), sought);
     Nearest inModules(word);
     inModules.OfferKeys(ModuleNames());
