@@ -123,8 +123,8 @@ void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
 std::string MembersOf(const ClassInfo& cls) {
     constexpr std::size_t most = 8;
     std::vector<std::string> names;
-    for (const auto& [name, field] : cls.members) names.push_back(name);
-    for (const auto& [name, method] : cls.routines) names.push_back(name + "()");
+    for (const auto& [name, field] : cls.members) names.push_back(name->text);
+    for (const auto& [name, method] : cls.routines) names.push_back(name->text + "()");
     if (names.empty() || names.size() > most) return {};
     std::sort(names.begin(), names.end());
     std::string all;

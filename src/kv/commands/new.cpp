@@ -58,6 +58,7 @@ int NewCommand(const Options& options) {
         (!keepsIgnored && !WriteOver(ignored, IgnoredFiles(name))))
         return Refuse("cannot write in " + TextOf(named));
     const std::string typed = TextOf(PathOf(options.source) / PathOf(name + ".kvl"));
-    std::printf("made %s; try: kv run %s\n", typed.c_str(), typed.c_str());
+    const char* const quote = typed.find(' ') == std::string::npos ? "" : "\"";
+    std::printf("made %s; try: kv run %s%s%s\n", typed.c_str(), quote, typed.c_str(), quote);
     return 0;
 }
