@@ -158,6 +158,7 @@ const char* const troubles[] = {"No space left on device",    "Cannot create tem
 const char* const wrongFlags[] = {"unrecognized command-line option", "unrecognized command line option",
                                   "unknown argument", "unrecognized argument in option"};
 const char* const missingLibrary[] = {"iostream: No such file",      "'iostream' file not found",
+                                      "cstdlib: No such file",       "'cstdlib' file not found",
                                       "error: string: No such file", "error: vector: No such file",
                                       "cannot find crt1.o",          "undefined reference to `std::"};
 
