@@ -34,7 +34,7 @@ void CheckArgument(const std::string& subject, std::size_t index, const ValueTyp
     RequireValue(argument);
     if (Assignable(type, argument.type)) return;
     ReportFatal(subject + " parameter " + std::to_string(index + 1) + " expects type " + InParameter(type) +
-                    " but got " + InWords(argument.type) + Hint{HowToConvert(type, argument.type)},
+                    " but got " + InWords(argument.type) + Hint{ConversionHint(type, argument.type).hint},
                 argument.source);
 }
 

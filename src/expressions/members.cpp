@@ -83,8 +83,11 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
         ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)",
                     Tokens{name});
     }
+    const ClassInfo* cls = expr.type.cls;
+    const bool isMap = cls != nullptr && cls->routines.Has("Get") && cls->routines.Has("Set");
+    const Hint atMap{isMap ? "Write " + name + "\\Get(key) and " + name + "\\Set(key, value)" : ""};
     ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed" +
-                    (expr.type.Is(Base::String) ? UseInstead("CharAt", name + ", 0") : Hint{}),
+                    (expr.type.Is(Base::String) ? UseInstead("CharAt", name + ", 0") : atMap),
                 Tokens{name});
 }
 

@@ -55,7 +55,9 @@ void RequireSequence(const Expr& expr, const std::string& name) {
         return;
     }
     RequireValue(expr);
-    ReportFatal("'" + name + "' requires a Sequence argument, got " + KorvelName(expr.type), expr.source);
+    ReportFatal("'" + name + "' requires a Sequence argument, got " + KorvelName(expr.type) +
+                    HintAtSequence(expr.type),
+                expr.source);
 }
 
 void CheckValue(const Expr& sequence, const Expr& value, const std::string& name) {

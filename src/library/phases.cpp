@@ -48,5 +48,6 @@ void CheckMainFunction() {
     ReportFatal(
         Wording{"Error: ", ""} +
         "No 'Main' function found. Every Korvel program must have a Main function as the entry point." +
-        Hint{"Write Function Main, what to do, and EndFunction"});
+        Hint{"Write Function Main, what to do, and EndFunction. A file that others include is checked with "
+             "them"});
 }

@@ -243,8 +243,10 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
     return text;
 }
 
-void FailArrayAssignment() {
+void FailArrayAssignment(const ValueType& to, const Expr& value) {
     ReportFatal(
         "Cannot assign arrays directly. Arrays are reference types.\n"
-        "        Use a loop to copy elements, or return from a function for deep copy.");
+        "        Use a loop to copy elements, or return from a function for deep copy." +
+            Hint{ConversionHint(to, value.type).hint},
+        value.source);
 }

@@ -45,5 +45,5 @@ ArrayText TakeOverArray(const Variable& array, ArrayPlace place, const Expr& val
 // The expression that takes over the array a call returns.
 Code TakenArray(const Expr& value, ArrayPlace place);
 
-// Ends the run with the message for one array given to another.
-[[noreturn]] void FailArrayAssignment();
+// Ends the run with the message for one array, or what is none, given to another.
+[[noreturn]] void FailArrayAssignment(const ValueType& to, const Expr& value);

@@ -79,7 +79,8 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
         ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
                         std::to_string(type.dims) + " dimensions, but " + CalledName(call) +
                         (called != nullptr ? Wording("() returns ") : Wording("() returns ", " has ")) +
-                        std::to_string(value.type.dims) + " dimensions",
+                        std::to_string(value.type.dims) + " dimensions" +
+                        Hint{ConversionHint(type, value.type).hint},
                     Tokens{name});
     if (called == nullptr || declared.empty()) return;
     if (IsComplete(*called, open))

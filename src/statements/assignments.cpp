@@ -41,7 +41,7 @@ void AssignArrayResult(State& state, const Expr& target, const Expr& value) {
     const ValueType& type = target.type;
     const bool fixed = target.form == ArrayForm::Fixed && VariableOf(target) != nullptr;
     const bool keeps = fixed || target.form == ArrayForm::Vector;
-    if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment();
+    if (!keeps || value.form != ArrayForm::Owned) FailArrayAssignment(type, value);
     if (type != value.type) FailMismatch(value.type, type, TextOf(target).text, value.source);
     const Code array = TextOf(target);
     EmitLine(state, "{ " +

@@ -35,6 +35,7 @@ struct Parts {
 };
 
 // For [Local] name [: type] = ; returns the index behind the "=".
+const Hint wayToWalk = {"Write For word EachIn words for items of a list, For Local i = 0 To 9 to count"};
 const Hint wayToWrite = {"Write For Local i = 1 To 10, with Step 2 behind it for every other number"};
 
 std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
@@ -53,7 +54,9 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
         counter.declared = counter.typed = true;
         at += 2;
     }
-    if (!Is(tokens[at], "=")) ReportFatal("Expecting assignment operator" + wayToWrite);
+    if (!Is(tokens[at], "="))
+        ReportFatal("Expecting assignment operator" +
+                    (tokens.KeywordAt(at) == Keyword::In ? wayToWalk : wayToWrite));
     return at + 1;
 }
 

@@ -229,7 +229,7 @@ ArrayText TextOfArray(State& state, const Declared& declared, const Variable& ar
     if (!declared.hasValue) return DeclareArray(array, place, state.routine.frameRoom);
     const ValueType& type = declared.note.type;
     if (!value.type.IsArray() && !value.isCall) FailMismatch(value.type, type, declared.name, declared.value);
-    if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment();
+    if (!value.isCall || value.form != ArrayForm::Owned) FailArrayAssignment(type, value);
     CheckArrayResult(declared.name, type, array.sizes, declared.value, value, state.routine.declared);
     if (type != value.type) FailMismatch(value.type, type, declared.name, declared.value);
     return TakeOverArray(array, place, value,

@@ -53,7 +53,7 @@ EachHeader ReadHeader(TokenSpan tokens, std::size_t at, Keyword word, const char
     if (tokens.KeywordAt(at) == Keyword::Local)
         ReportFatal(missing + Hint{"Such a loop declares its variable without Local: For p EachIn list"},
                     tokens.Slice(at, at + 1));
-    if (tokens.KeywordAt(at + 1) != word) ReportFatal(missing);
+    if (tokens.KeywordAt(at + 1) != word) ReportFatal(missing + wayToWalk);
     header.collection = tokens.From(at + 2);
     if (header.collection.empty()) ReportFatal("Missing value section within EachIn loop" + wayToWalk);
     for (const Keyword stray : {Keyword::To, Keyword::Step, Keyword::EachIn, Keyword::In})
@@ -80,10 +80,20 @@ Collection InstancesOf(const ClassInfo& cls) {
     return collection;
 }
 
+// For those who walk over texts, numbers or maps.
+Hint HintAtWalk(const ValueType& type) {
+    if (type.Is(Base::String)) return Hint{"Write For Local i = 0 To Length(s) - 1, and CharAt(s, i)"};
+    if (type.IsNumber()) return Hint{"Write For Local i = 0 To n - 1"};
+    const bool isMap = type.Is(Base::Object) && type.cls != nullptr && type.cls->routines.Has("Keys");
+    return isMap ? Hint{"Write For key EachIn m\\Keys(), and m\\Get(key)"} : wayToWalk;
+}
+
 void CheckWalkable(const Expr& expr) {
     if (!expr.type.IsKnown()) return;
     if (expr.type.IsSingle())
-        ReportFatal("EachIn works over Types, arrays and Sequences, got " + KorvelName(expr.type));
+        ReportFatal("EachIn works over Types, arrays and Sequences, got " + KorvelName(expr.type) +
+                        HintAtWalk(expr.type),
+                    expr.source);
     if (expr.form == ArrayForm::Pointer)
         ReportFatal(
             "EachIn needs an array whose size is known. An array parameter does not carry its size: "

@@ -84,7 +84,9 @@ Expr& Translated(TokenSpan tokens, const Row& row) {
 Expr& SequenceArgument(TokenSpan tokens, const Row& row, const std::string& keyword) {
     Expr& sequence = Translated(tokens, row);
     if (sequence.type.IsKnown() && !sequence.type.sequence)
-        ReportFatal("'" + keyword + "' works on a Sequence, got " + KorvelName(sequence.type), tokens);
+        ReportFatal("'" + keyword + "' works on a Sequence, got " + KorvelName(sequence.type) +
+                        HintAtSequence(sequence.type),
+                    tokens);
     if (sequence.type.cls != nullptr) NeedClass(sequence.type.cls);
     return sequence;
 }

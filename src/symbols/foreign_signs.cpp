@@ -88,6 +88,8 @@ const char* HintAtSign(TokenSpan tokens, std::size_t at) {
     if (const char* hint = HintAtBracket(tokens, at)) return hint;
     const bool isMember = tokens.SignAt(at) == '.' || tokens.SignAt(at) == '\\';
     if (isMember && at == 0) return "Inside of With the object is called its: its\\x";
+    if (tokens.SignAt(at) == ':' && Has(tokens.KeywordAt(0), trait::opens))
+        return "Lines that begin blocks end without ':'; on one line write If n = 1 Then Print n";
     if (tokens.SignAt(at) == ':') return "Statements in one line stand apart by '|'";
     const std::string_view meant = tokens[at];
     if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X")

@@ -197,7 +197,7 @@ bool Assignable(const ValueType& to, const ValueType& from) {
     }
 }
 
-std::string HowToConvert(const ValueType& to, const ValueType& from) {
+static std::string HowToConvert(const ValueType& to, const ValueType& from) {
     if (to.Is(Base::String) && from.IsNumber()) return "Use ToString(...) to turn the number into a String.";
     if (!from.Is(Base::String)) return {};
     if (to.Is(Base::Double)) return "Use ToDouble(...) to turn the String into a number.";
@@ -205,10 +205,26 @@ std::string HowToConvert(const ValueType& to, const ValueType& from) {
     return {};
 }
 
+// For those who take the one list for the other.
+static Hint HintAtLists(const ValueType& to, const ValueType& from) {
+    if (to.sequence && from.IsArray())
+        return Hint{"SeqFromArray s, a puts the items of an array into a Sequence"};
+    if (to.IsArray() && from.sequence) return Hint{"It is a Sequence: Local words:Sequence Of String"};
+    if (from.sequence && to.Is(Base::String))
+        return Hint{"What can be done with a Sequence begins with Seq: SeqLength(s), SeqGet(s, 0)"};
+    return from.IsArray() ? Hint{"Items of an array are named one by one: a[0]. Hold its size in a Const"}
+                          : Hint{};
+}
+
 Wording ConversionHint(const ValueType& to, const ValueType& from) {
     const std::string how = HowToConvert(to, from);
-    if (how.empty()) return "";
+    if (how.empty()) return Wording{""} + HintAtLists(to, from);
     const bool isAnswer = to.Is(Base::Bool) && from.Is(Base::String);
     return Wording{"\n" + how, ""} +
            Hint{isAnswer ? "A Bool takes what a comparison gives: answer = \"yes\"" : how};
+}
+
+Hint HintAtSequence(const ValueType& type) {
+    if (!type.IsArray()) return Hint{"The Sequence stands first: SeqAdd s, 3"};
+    return Hint{"An array keeps its size: hold that in a Const. A Sequence grows: Local s:Sequence Of Int"};
 }

@@ -80,7 +80,8 @@ std::string DefaultValue(const std::string& cppType);
 // Whether a value of type `from` may be assigned to, passed to or returned as `to`.
 bool Assignable(const ValueType& to, const ValueType& from);
 
-// What turns one into the other ("Use ToString(...) ..."), empty where nothing does; and behind a message, whose second
-// line it is when quoted.
-std::string HowToConvert(const ValueType& to, const ValueType& from);
+// What turns one into the other ("Use ToString(...) ..."), behind a message, whose second line it is when quoted.
 Wording ConversionHint(const ValueType& to, const ValueType& from);
+
+// For those who hand something else than a Sequence to what works on one.
+Hint HintAtSequence(const ValueType& type);
