@@ -1,8 +1,11 @@
 // Memory for a translation: hundreds of thousands of short texts and small records that live for a line or for
 // the whole run. Blocks are cut from large chunks and kept by size when they are freed, one list per size and
-// thread; nothing goes back to the system before the end. The largest blocks are left to malloc.
+// pool; nothing goes back to the system before the end. The largest blocks are left to malloc.
+// A thread has a pool to itself, and the next thread takes it over. Blocks go back to the pool that they are from,
+// whoever frees them: what one thread makes for another one, again and again, is the same memory each time.
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -32,9 +35,12 @@ constexpr std::size_t finest = 65;      // up to so many units every size has it
 constexpr std::size_t largest = 65536;  // and up to so many every power of two has four
 constexpr std::size_t largestPower = 16;
 
+struct Pool;
+
 // In front of every block, in the unit before it.
 struct alignas(unit) Header {
-    std::size_t units = 0;  // size of the block with its header; 0 when malloc has given it
+    Pool* pool = nullptr;   // null when malloc has given it
+    std::size_t units = 0;  // size of the block with its header
 };
 
 struct FreeBlock {
@@ -47,9 +53,40 @@ struct Pool {
     char* at = nullptr;  // what is left of the chunk
     std::size_t left = 0;
     bool begun = false;
+    std::atomic<FreeBlock*> returned{nullptr};  // by other threads
+    std::atomic<bool> isTaken{false};
+    Pool* next = nullptr;  // of all pools
 };
 
-thread_local Pool pool;
+Pool firstPool;
+std::atomic<Pool*> pools{&firstPool};
+thread_local Pool* own = nullptr;  // of the thread, from its first block on
+
+// Gives the thread's pool back when the thread ends.
+struct PoolOwner {
+    PoolOwner() = default;
+    ~PoolOwner() {
+        Pool* const pool = own;
+        own = nullptr;
+        pool->isTaken.store(false, std::memory_order_release);
+    }
+    PoolOwner(const PoolOwner&) = delete;
+    PoolOwner& operator=(const PoolOwner&) = delete;
+};
+
+// One that nobody has any more, or a new one. Null when there is no memory.
+Pool* TakePool() {
+    for (Pool* pool = pools.load(std::memory_order_acquire); pool != nullptr; pool = pool->next)
+        if (!pool->isTaken.exchange(true, std::memory_order_acquire)) return pool;
+    void* const memory = std::malloc(sizeof(Pool));
+    if (memory == nullptr) return nullptr;
+    Pool* const pool = new (memory) Pool;
+    pool->isTaken.store(true, std::memory_order_relaxed);
+    pool->next = pools.load(std::memory_order_relaxed);
+    while (!pools.compare_exchange_weak(pool->next, pool, std::memory_order_release)) {
+    }
+    return pool;
+}
 
 // The exponent of the first power of two that is not below the number.
 std::size_t PowerFor(std::size_t units) {
@@ -64,23 +101,23 @@ std::size_t LargeSize(std::size_t units) {
     return (units + eighth - 1) / eighth * eighth;
 }
 
-FreeBlock*& FreedOf(std::size_t units) {
+FreeBlock*& FreedOf(Pool& pool, std::size_t units) {
     if (units <= finest) return pool.freed[units];
     const std::size_t power = PowerFor(units);
     return pool.freedLarge[power][units * 8 / (std::size_t{1} << power) - 5];
 }
 
-void* BehindHeader(void* memory, std::size_t units) {
+void* BehindHeader(void* memory, Pool* pool, std::size_t units) {
     if (memory == nullptr) {
         if (const std::new_handler report = std::get_new_handler()) report();
         throw std::bad_alloc();
     }
-    return new (memory) Header{units} + 1;
+    return new (memory) Header{pool, units} + 1;
 }
 
 // Small programs get along with the first chunk. Those that need more need much more, and being given one large
 // page by the system takes a fraction of the time of five hundred small ones.
-char* NewChunk(std::size_t wanted, std::size_t& size) {
+char* NewChunk(Pool& pool, std::size_t wanted, std::size_t& size) {
     size = std::max(firstChunk, wanted);
 #if defined(__linux__)
     if (pool.begun) {
@@ -94,11 +131,11 @@ char* NewChunk(std::size_t wanted, std::size_t& size) {
     return static_cast<char*>(std::malloc(size));
 }
 
-void* FromChunk(std::size_t units) {
+void* FromChunk(Pool& pool, std::size_t units) {
     const std::size_t size = units * unit;
     if (pool.left < size) {
         std::size_t got = 0;
-        char* chunk = NewChunk(size, got);
+        char* chunk = NewChunk(pool, size, got);
         if (chunk == nullptr) return nullptr;
         pool.at = chunk;
         pool.left = got;
@@ -109,15 +146,37 @@ void* FromChunk(std::size_t units) {
     return memory;
 }
 
+void TakeBack(Pool& pool) {
+    for (FreeBlock* block = pool.returned.exchange(nullptr, std::memory_order_acquire); block != nullptr;) {
+        FreeBlock* const following = block->next;
+        FreeBlock*& first = FreedOf(pool, (reinterpret_cast<Header*>(block) - 1)->units);
+        block->next = first;
+        first = block;
+        block = following;
+    }
+}
+
+// The thread has no pool yet. Whoever asks for memory behind its end takes one more for good.
+Pool* BeginThread() {
+    Pool* const pool = TakePool();
+    if (pool == nullptr) return nullptr;
+    own = pool;
+    thread_local const PoolOwner owner;
+    return pool;
+}
+
 void* Allocate(std::size_t size) {
     if (size > (largest - 1) * unit) {
         const bool possible = size <= SIZE_MAX - sizeof(Header);
-        return BehindHeader(possible ? std::malloc(size + sizeof(Header)) : nullptr, 0);
+        return BehindHeader(possible ? std::malloc(size + sizeof(Header)) : nullptr, nullptr, 0);
     }
     std::size_t units = (size + sizeof(Header) + unit - 1) / unit;
     if (units > finest) units = LargeSize(units);
-    FreeBlock*& first = FreedOf(units);
-    if (first == nullptr) return BehindHeader(FromChunk(units), units);
+    Pool* const pool = own != nullptr ? own : BeginThread();
+    if (pool == nullptr) return BehindHeader(nullptr, nullptr, 0);
+    FreeBlock*& first = FreedOf(*pool, units);
+    if (first == nullptr && pool->returned.load(std::memory_order_relaxed) != nullptr) TakeBack(*pool);
+    if (first == nullptr) return BehindHeader(FromChunk(*pool, units), pool, units);
     FreeBlock* block = first;
     first = block->next;
     return block;
@@ -126,9 +185,16 @@ void* Allocate(std::size_t size) {
 void Free(void* block) {
     if (block == nullptr) return;
     Header* header = static_cast<Header*>(block) - 1;
-    if (header->units == 0) return std::free(header);
-    FreeBlock*& first = FreedOf(header->units);
-    first = new (block) FreeBlock{first};
+    Pool* const pool = header->pool;
+    if (pool == nullptr) return std::free(header);
+    if (pool == own) {
+        FreeBlock*& first = FreedOf(*pool, header->units);
+        first = new (block) FreeBlock{first};
+        return;
+    }
+    FreeBlock* const freed = new (block) FreeBlock{pool->returned.load(std::memory_order_relaxed)};
+    while (!pool->returned.compare_exchange_weak(freed->next, freed, std::memory_order_release)) {
+    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "base/parallel.h"
 
 #include <atomic>
+#include <exception>
 #include <system_error>
 #include <thread>
 
@@ -26,8 +27,16 @@ static void OnBothCores(const std::function<void()>& work) {
 
 void InParallel(std::size_t count, const std::function<void(std::size_t)>& job) {
     std::atomic<std::size_t> next{0};
+    std::atomic_flag hasFailed = ATOMIC_FLAG_INIT;
+    std::exception_ptr failure;
     const auto work = [&] {
-        for (std::size_t i = next++; i < count; i = next++) job(i);
+        try {
+            for (std::size_t i = next++; i < count; i = next++) job(i);
+        } catch (...) {
+            if (!hasFailed.test_and_set()) failure = std::current_exception();
+            next = count;
+        }
     };
     OnBothCores(work);
+    if (failure != nullptr) std::rethrow_exception(failure);
 }

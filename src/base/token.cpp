@@ -107,10 +107,22 @@ private:
 
     Table& CurrentTable() { return *table.load(std::memory_order_acquire); }
 
+    // Ends when it goes, also when there is no memory left.
+    struct Turn {
+        std::atomic_flag& taken;
+
+        explicit Turn(std::atomic_flag& flag) : taken(flag) {
+            while (taken.test_and_set(std::memory_order_acquire)) {
+            }
+        }
+        ~Turn() { taken.clear(std::memory_order_release); }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+    };
+
     // One thread at a time. Another one may have added the word by then.
     const Word& Add(std::uint64_t hash, std::string_view text) {
-        while (adding.test_and_set(std::memory_order_acquire)) {
-        }
+        const Turn turn(adding);
         Slot& slot = CurrentTable().SlotOf(hash, text);
         const Word* word = slot.word.load(std::memory_order_relaxed);
         if (word == nullptr) {
@@ -118,7 +130,6 @@ private:
             Put(slot, hash, word);
             if (++used * 2 > tables.back().slots.size()) Grow();
         }
-        adding.clear(std::memory_order_release);
         return *word;
     }
 
