@@ -18,7 +18,8 @@ class Items;
 
 // What can be done with values of a C++ type.
 struct Handler {
-    // Kinds: 'n' number, 'b' Bool, 's' String, 'o' object of a Type, 'e' Element, 'l' list of items, '?' anything else.
+    // Kinds: 'n' whole number, 'd' Double, 'b' Bool, 's' String, 'o' object of a Type, 'e' Element, 'l' list of items,
+    // '?' anything else.
     char (*show)(void* at, std::string& text);
     void (*list)(void* at, Items& items);
     bool (*set)(void* at, const char* text);  // false: it cannot be changed
@@ -150,9 +151,9 @@ struct Values : OfClass<T, decltype(KindOfClass<T>(Rank<4>()))> {};
 template <class T>
 struct OfNumber {
     static char Show(T& value, std::string& text) {
-        text =
-            std::is_floating_point<T>::value ? NumberText(static_cast<double>(value)) : std::to_string(value);
-        return 'n';
+        const bool isDouble = std::is_floating_point<T>::value;
+        text = isDouble ? NumberText(static_cast<double>(value)) : std::to_string(value);
+        return isDouble ? 'd' : 'n';
     }
     static void List(T&, Items&) {}
     static bool Set(T& value, const char* text) {

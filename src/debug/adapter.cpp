@@ -8,6 +8,16 @@ namespace debug {
 
 namespace {
 constexpr int thread = 1;  // programs have one
+
+// Messages may be anything.
+std::string TextAt(const Json& message, const char* name) {
+    const bool has = message.is_object() && message.contains(name) && message[name].is_string();
+    return has ? message[name].get<std::string>() : std::string();
+}
+Json ArgumentsOf(const Json& request) {
+    const auto found = request.find("arguments");
+    return found != request.end() && found->is_object() ? *found : Json::object();
+}
 }  // namespace
 
 int Adapter::Run() {
@@ -64,20 +74,28 @@ void Adapter::TakeRequest() {
         return;
     }
     const Json request = Json::parse(text, nullptr, false);
-    if (!request.is_object() || request.value("type", "") != "request") return;
-    const std::string command = request.value("command", "");
-    Json answer = {{"type", "response"}, {"request_seq", request.value("seq", 0)}, {"command", command}};
+    if (TextAt(request, "type") != "request") return;
+    const std::string command = TextAt(request, "command");
+    const auto number = request.find("seq");
+    const bool isNumbered = number != request.end() && number->is_number_integer();
+    Json answer = {
+        {"type", "response"}, {"request_seq", isNumbered ? *number : Json(0)}, {"command", command}};
+    std::string problem;
+    bool isGone = false;
     try {
-        answer["body"] = Answer(command, request.value("arguments", Json::object()));
-        answer["success"] = true;
+        answer["body"] = Answer(command, ArgumentsOf(request));
     } catch (const Refusal& refusal) {
-        answer["success"] = false;
-        answer["message"] = refusal.text;
-    } catch (const Json::exception& problem) {
-        answer["success"] = false;
-        answer["message"] = problem.what();
+        problem = refusal.text;
+    } catch (const Json::exception& wrong) {
+        problem = wrong.what();
+    } catch (const Gone&) {
+        problem = "the program has ended";
+        isGone = true;
     }
+    answer["success"] = problem.empty();
+    if (!problem.empty()) answer["message"] = problem;
     Send(answer);
+    if (isGone) TellEnd();
     for (const std::string& event : after) SendEvent(event.c_str());
     after.clear();
     if (!goesOn.empty()) Go();
@@ -123,7 +141,13 @@ void Adapter::TellEnd() {
     SendEvent("terminated");
 }
 
+void Adapter::NeedsSession() const {
+    if (session == nullptr) throw Refusal{"launch comes first"};
+}
+
 void Adapter::NeedsStop() const {
+    NeedsSession();
+    if (!session->target.IsRunning()) throw Refusal{"the program has ended"};
     if (!stands) throw Refusal{"the program runs"};
 }
 
@@ -160,6 +184,7 @@ void Adapter::Start() {
 }
 
 Json Adapter::LaunchIt(const Json& arguments) {
+    Kill();
     launched = arguments;
     Start();
     after = {"initialized"};
@@ -167,19 +192,26 @@ Json Adapter::LaunchIt(const Json& arguments) {
 }
 
 Json Adapter::Configured(const Json&) {
+    NeedsSession();
     stopsAtEntry = launched.value("stopOnEntry", false);
     goesOn = stopsAtEntry ? "into" : "go";
     return nullptr;
 }
 
+void Adapter::Kill() {
+    if (session != nullptr) session->target.End(true);
+    stands = false;
+}
+
 Json Adapter::Restart(const Json&) {
-    if (session->target.IsRunning()) session->target.End(true);
+    NeedsSession();
+    Kill();
     Start();
     return Configured({});
 }
 
 Json Adapter::Terminate(const Json&) {
-    if (session != nullptr && session->target.IsRunning()) session->target.End(true);
+    Kill();
     after = {"terminated"};
     return nullptr;
 }

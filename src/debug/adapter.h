@@ -46,11 +46,13 @@ private:
     void Go();
     void TakeStop(const std::string& line);
     void TellEnd();
+    void NeedsSession() const;
     void NeedsStop() const;
 
     // The life of a program.
     Json Initialize(const Json&);
     void Start();
+    void Kill();
     Json LaunchIt(const Json& arguments);
     Json Configured(const Json&);
     Json Restart(const Json&);

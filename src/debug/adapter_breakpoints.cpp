@@ -31,7 +31,7 @@ void Adapter::Forget(const std::function<bool(const Breakpoint&)>& is) {
 }
 
 Json Adapter::SetBreakpoints(const Json& arguments) {
-    if (session == nullptr) throw Refusal{"launch comes first"};
+    NeedsSession();
     const std::string file = session->FindFile(arguments.at("source").at("path").get<std::string>());
     Forget([&](const Breakpoint& one) { return one.file == file && !one.ofRoutine; });
     return SetAll(arguments.value("breakpoints", Json::array()),
@@ -42,7 +42,7 @@ Json Adapter::SetBreakpoints(const Json& arguments) {
 }
 
 Json Adapter::SetFunctionBreakpoints(const Json& arguments) {
-    if (session == nullptr) throw Refusal{"launch comes first"};
+    NeedsSession();
     Forget([](const Breakpoint& one) { return one.ofRoutine; });
     return SetAll(arguments.at("breakpoints"), [&](const Json& one, Breakpoint& breakpoint) {
         breakpoint.ofRoutine = true;

@@ -27,17 +27,14 @@ Value Truth(bool isTrue) { return Plain('b', isTrue ? "True" : "False"); }
 Value Number(double number, bool isWhole) {
     char text[40];
     std::snprintf(text, sizeof text, isWhole ? "%.0f" : "%.15g", number);
-    return Plain('n', text);
+    return Plain(isWhole ? 'n' : 'd', text);
 }
 
-bool IsWhole(const Value& value) {
-    return value.type == "Int" || value.type == "Long" ||
-           value.text.find_first_of(".en") == std::string::npos;
-}
+bool IsWhole(const Value& value) { return value.kind != 'd'; }
 
 double NumberOf(const Value& value) {
     if (value.kind == 'b') return IsTrue(value) ? 1 : 0;
-    if (value.kind != 'n') throw Refusal{"\"" + value.text + "\" is no number"};
+    if (!IsNumber(value)) throw Refusal{"\"" + value.text + "\" is no number"};
     return std::strtod(value.text.c_str(), nullptr);
 }
 
@@ -57,6 +54,8 @@ private:
     std::size_t frame;
     const std::string& text;
     std::size_t at = 0;
+    int deeper = 0;
+    static constexpr int deepest = 200;
 
     void Skip() {
         while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) ++at;
@@ -79,6 +78,10 @@ private:
         at = before;
         return false;
     }
+    // Before brackets and signs, each of which the reading goes into.
+    void GoDeeper() {
+        if (++deeper > deepest) throw Refusal{"these are too many brackets and signs"};
+    }
     void Need(const char* sign) {
         if (!Take(sign)) throw Refusal{std::string("'") + sign + "' is missing"};
     }
@@ -100,7 +103,10 @@ private:
         return value;
     }
     Value Negated() {
-        if (TakeWord("not")) return Truth(!IsTrue(Negated()));
+        if (TakeWord("not")) {
+            GoDeeper();
+            return Truth(!IsTrue(Negated()));
+        }
         const Value left = Sum();
         for (const char* sign : {"<>", "<=", ">=", "=", "<", ">"})
             if (Take(sign)) return Truth(Compare(left, sign, Sum()));
@@ -108,7 +114,7 @@ private:
     }
 
     static bool Compare(const Value& left, const std::string& sign, const Value& right) {
-        const bool texts = left.kind == right.kind && left.kind != 'n' && left.kind != 'b';
+        const bool texts = left.kind == right.kind && !IsNumber(left) && left.kind != 'b';
         const double a = texts ? left.text.compare(right.text) : NumberOf(left),
                      b = texts ? 0 : NumberOf(right);
         if (sign == "=") return a == b;
@@ -164,6 +170,7 @@ private:
 
     Value Signed() {
         if (Take("-")) {
+            GoDeeper();
             const Value value = Signed();
             return Number(-NumberOf(value), IsWhole(value));
         }
@@ -181,6 +188,7 @@ private:
     Value Single() {
         Skip();
         if (Take("(")) {
+            GoDeeper();
             Value value = Either();
             Need(")");
             return value;
@@ -238,6 +246,7 @@ private:
     }
 
     Value Item(const Value& of) {
+        GoDeeper();
         const double index = NumberOf(Either());
         Need("]");
         if (of.kind != 'l') throw Refusal{"only arrays and Sequences whose size is known have items here"};
@@ -262,11 +271,14 @@ Value Evaluate(Session& session, std::size_t frame, const std::string& text) {
     return Reader(session, frame, text).Whole();
 }
 
+bool IsNumber(const Value& value) { return value.kind == 'n' || value.kind == 'd'; }
+
 bool IsTrue(const Value& value) {
     switch (value.kind) {
         case 'b':
             return value.text == "True";
         case 'n':
+        case 'd':
             return std::strtod(value.text.c_str(), nullptr) != 0;
         case 's':
             return !value.text.empty();

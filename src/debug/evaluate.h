@@ -16,6 +16,7 @@ struct Refusal {
 // In the frame with this number, the innermost being 0. Throws a Refusal.
 Value Evaluate(Session& session, std::size_t frame, const std::string& text);
 
+bool IsNumber(const Value& value);
 bool IsTrue(const Value& value);
 
 }  // namespace debug

@@ -76,6 +76,7 @@ bool Session::Start(bool catches, std::string& problem) {
         break;
     }
     target.Send("skip\t" + launch.installation + "/lib/");
+    ForgetEnds();  // that the run before has not met
     for (Breakpoint& breakpoint : breakpoints) breakpoint.hits = 0;
     SendBreakpoints();
     return true;
@@ -175,12 +176,16 @@ bool Session::TakesStop(const std::string& line, Stop& stop, std::string& logged
         target.Send("again");
         return false;
     }
-    const auto ends = [](const Breakpoint& one) { return one.once; };
-    if (std::any_of(breakpoints.begin(), breakpoints.end(), ends)) {
-        breakpoints.erase(std::remove_if(breakpoints.begin(), breakpoints.end(), ends), breakpoints.end());
-        SendBreakpoints();
-    }
+    if (ForgetEnds()) SendBreakpoints();
     return true;
+}
+
+bool Session::ForgetEnds() {
+    const auto isEnd = [](const Breakpoint& one) { return one.once; };
+    const auto ends = std::remove_if(breakpoints.begin(), breakpoints.end(), isEnd);
+    const bool any = ends != breakpoints.end();
+    breakpoints.erase(ends, breakpoints.end());
+    return any;
 }
 
 Json Session::Ask(const std::string& question) {
@@ -242,8 +247,8 @@ std::vector<TypeCount> Session::Types() {
 
 bool Session::Set(const Value& place, const Value& value) {
     const bool isText = place.kind == 's' && value.kind == 's';
-    const bool isNumber =
-        (place.kind == 'n' || place.kind == 'b') && (value.kind == 'n' || value.kind == 'b');
+    const auto counts = [](const Value& one) { return one.kind == 'b' || IsNumber(one); };
+    const bool isNumber = counts(place) && counts(value);
     if (place.ref < 0 || (!isText && !isNumber)) return false;
     if (value.text.find_first_of("\t\n") != std::string::npos) return false;
     const std::string text = value.kind == 'b' ? (value.text == "True" ? "1" : "0") : value.text;

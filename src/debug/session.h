@@ -103,6 +103,7 @@ private:
     Json Ask(const std::string& question);
     Part AskForPart(const std::string& question);
     bool Stops(Breakpoint& breakpoint, std::string& logged);
+    bool ForgetEnds();  // where a step was given its end; false when there are none
 };
 
 // How a value is shown: Strings in quotes.

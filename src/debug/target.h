@@ -30,7 +30,7 @@ public:
     void Send(const std::string& line) const;
     // Waits for what comes next; of `client`, a descriptor, too, unless that is -1.
     Event Wait(int client, std::string& text);
-    // Returns the exit status, 128 + n when signal n ended it.
+    // Returns the exit status, 128 + n when signal n ended it; 0 when it does not run.
     int End(bool kills);
 
 private:

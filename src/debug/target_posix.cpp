@@ -41,9 +41,7 @@ void TakeAs(int descriptor, int from) {
 
 }  // namespace
 
-Target::~Target() {
-    if (IsRunning()) End(true);
-}
+Target::~Target() { End(true); }
 
 bool Target::Start(const std::vector<std::string>& command, bool catches, std::string& problem) {
     std::vector<char*> words;
@@ -115,6 +113,7 @@ Target::Event Target::Wait(int client, std::string& text) {
         }
         pollfd all[] = {{output, POLLIN, 0}, {errors, POLLIN, 0}, {line, POLLIN, 0}, {client, POLLIN, 0}};
         const bool isKnown = unread.find('\n') != std::string::npos;
+        if (line == -1 && !isKnown) return Event::Ended;
         if (poll(all, 4, isKnown ? 0 : -1) < 0) continue;
         if (all[0].revents != 0 && Read(output, text)) return Event::Output;
         if (all[1].revents != 0 && Read(errors, text)) return Event::Errors;
@@ -125,6 +124,7 @@ Target::Event Target::Wait(int client, std::string& text) {
 }
 
 int Target::End(bool kills) {
+    if (!IsRunning()) return 0;
     if (kills) kill(process, SIGKILL);
     int status = 0;
     while (waitpid(process, &status, 0) < 0 && errno == EINTR) {

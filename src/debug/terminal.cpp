@@ -124,7 +124,8 @@ void Terminal::Until(const std::string& rest) {
 
 void Terminal::Restart(const std::string&) {
     session.target.End(true);
-    if (Begin()) std::printf("the program stands before its beginning\n");
+    leaves = !Begin();
+    if (!leaves) std::printf("the program stands before its beginning\n");
 }
 
 // ---- Where it is ----------------------------------------------------------------------------------------------------
