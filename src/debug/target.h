@@ -27,7 +27,7 @@ public:
     // it has no input, and what it writes comes as events.
     bool Start(const std::vector<std::string>& command, bool catches, std::string& problem);
     bool IsRunning() const { return process != 0; }
-    void Send(const std::string& line) const;
+    void Send(const std::string& text) const;
     // Waits for what comes next; of `client`, a descriptor, too, unless that is -1.
     Event Wait(int client, std::string& text);
     // Returns the exit status, 128 + n when signal n ended it; 0 when it does not run.

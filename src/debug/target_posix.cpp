@@ -45,6 +45,7 @@ Target::~Target() { End(true); }
 
 bool Target::Start(const std::vector<std::string>& command, bool catches, std::string& problem) {
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
     int sockets[2], out[2] = {-1, -1}, err[2] = {-1, -1};
