@@ -56,7 +56,7 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
     const std::string& accessor = walk.Take();
     if (!IsIdentifier(walk.Peek()))
         ReportFatal("Expected the name of a Field or Method after '" + accessor + "'" +
-                        Hint{"Whole numbers are divided with '/', texts are joined with '&'"},
+                        Hint{"Whole numbers are divided with '/', texts are joined with '+'"},
                     walk.Taken());
     const Word& word = walk.tokens.At(walk.at++);
     const std::string& member = word.text;
