@@ -66,13 +66,13 @@ public:
     const Word& Find(char character) const { return *single[static_cast<unsigned char>(character)]; }
 
     bool Knows(std::string_view text) {
-        return text.size() == 1 || CurrentTable().SlotOf(HashOf(text), text).word.load() != nullptr;
+        return text.size() == 1 || CurrentTable().Find(HashOf(text), text) != nullptr;
     }
 
     const Word& Find(std::string_view text) {
         if (text.size() == 1) return Find(text[0]);
         const std::uint64_t hash = HashOf(text);
-        const Word* known = CurrentTable().SlotOf(hash, text).word.load(std::memory_order_acquire);
+        const Word* known = CurrentTable().Find(hash, text);
         return known != nullptr ? *known : Add(hash, text);
     }
 
@@ -89,13 +89,21 @@ private:
 
         explicit Table(std::size_t size) : slots(size) {}
 
-        Slot& SlotOf(std::uint64_t hash, std::string_view text) {
+        // Null for a word that is not there. A slot is looked at once: another thread may fill a free one meanwhile.
+        const Word* Find(std::uint64_t hash, std::string_view text) const {
+            const std::size_t mask = slots.size() - 1;
+            for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
+                const Word* word = slots[at].word.load(std::memory_order_acquire);
+                if (word == nullptr || (slots[at].hash == hash && word->text == text)) return word;
+            }
+        }
+        // For a word that is not there. One thread at a time.
+        void Put(std::uint64_t hash, const Word* word) {
             const std::size_t mask = slots.size() - 1;
             std::size_t at = hash & mask;
-            for (;; at = (at + 1) & mask) {
-                const Word* word = slots[at].word.load(std::memory_order_acquire);
-                if (word == nullptr || (slots[at].hash == hash && word->text == text)) return slots[at];
-            }
+            while (slots[at].word.load(std::memory_order_relaxed) != nullptr) at = (at + 1) & mask;
+            slots[at].hash = hash;
+            slots[at].word.store(word, std::memory_order_release);
         }
     };
     std::deque<Word> words;    // in order of appearance, which is why they never move
@@ -123,27 +131,20 @@ private:
     // One thread at a time. Another one may have added the word by then.
     const Word& Add(std::uint64_t hash, std::string_view text) {
         const Turn turn(adding);
-        Slot& slot = CurrentTable().SlotOf(hash, text);
-        const Word* word = slot.word.load(std::memory_order_relaxed);
+        const Word* word = CurrentTable().Find(hash, text);
         if (word == nullptr) {
             word = &words.emplace_back(MakeWord(text, words.size()));
-            Put(slot, hash, word);
+            CurrentTable().Put(hash, word);
             if (++used * 2 > tables.back().slots.size()) Grow();
         }
         return *word;
-    }
-
-    static void Put(Slot& slot, std::uint64_t hash, const Word* word) {
-        slot.hash = hash;
-        slot.word.store(word, std::memory_order_release);
     }
 
     void Grow() {
         const std::vector<Slot>& old = tables.back().slots;
         Table& larger = tables.emplace_back(old.size() * 2);
         for (const Slot& slot : old)
-            if (const Word* word = slot.word.load())
-                Put(larger.SlotOf(slot.hash, word->text), slot.hash, word);
+            if (const Word* word = slot.word.load()) larger.Put(slot.hash, word);
         table.store(&larger, std::memory_order_release);
     }
 };

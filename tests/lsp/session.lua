@@ -102,7 +102,7 @@ check('references', 'g2:22-26 g10:21-25 g11:17-21 g11:35-39',
 -- Mistakes come and go with the text.
 edit(11, '    Print "😀" & skore & größe')
 local said, whole = mistakes('game.kvl')
-check('a mistake', { "11:18-22 Variable 'skore' used out of scope in Print statement (line 11 in " .. work .. '/game.kvl)' }, said)
+check('a mistake', { "11:18-22 Variable 'skore' used out of scope in Print statement" }, said)
 local actions = ask('codeAction', { range = whole[1].range, context = { diagnostics = whole } })
 check('a quick fix', 'Write score', actions[1].title)
 vim.lsp.util.apply_workspace_edit(actions[1].edit, 'utf-16')
