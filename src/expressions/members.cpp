@@ -78,16 +78,21 @@ Expr& ParseMember(Walk& walk, Expr& object, const std::string& name) {
                   Sought::Member, &cls);
 }
 
+// For those who write text[0] or map["a"].
+Hint HintAtIndex(const ValueType& type, const std::string& name) {
+    if (type.Is(Base::String)) return UseInstead("CharAt", name + ", 0");
+    const ClassInfo* cls = type.cls;
+    const bool isMap = cls != nullptr && cls->routines.Has("Get") && cls->routines.Has("Set");
+    return Hint{isMap ? "Write " + name + "\\Get(key) and " + name + "\\Set(key, value)" : ""};
+}
+
 [[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {
     if (expr.type.sequence) {
         ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)",
                     Tokens{name});
     }
-    const ClassInfo* cls = expr.type.cls;
-    const bool isMap = cls != nullptr && cls->routines.Has("Get") && cls->routines.Has("Set");
-    const Hint atMap{isMap ? "Write " + name + "\\Get(key) and " + name + "\\Set(key, value)" : ""};
     ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed" +
-                    (expr.type.Is(Base::String) ? UseInstead("CharAt", name + ", 0") : atMap),
+                    HintAtIndex(expr.type, name),
                 Tokens{name});
 }
 

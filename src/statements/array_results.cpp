@@ -75,10 +75,10 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
                       const std::vector<std::string>& declared, TokenSpan call, const Expr& value,
                       const Routine* open) {
     const Routine* called = RoutineOf(value);
+    const Wording gives = called != nullptr ? Wording("() returns ") : Wording("() returns ", " has ");
     if (type.dims != value.type.dims)
         ReportFatal("Array dimension mismatch: Variable '" + name + "' declared with " +
-                        std::to_string(type.dims) + " dimensions, but " + CalledName(call) +
-                        (called != nullptr ? Wording("() returns ") : Wording("() returns ", " has ")) +
+                        std::to_string(type.dims) + " dimensions, but " + CalledName(call) + gives +
                         std::to_string(value.type.dims) + " dimensions" +
                         Hint{ConversionHint(type, value.type).hint},
                     Tokens{name});

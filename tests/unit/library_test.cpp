@@ -170,6 +170,7 @@ TEST(Library, GivesAdvice) {
         const auto placeOf = [](const korvel::Range& range) {
             return std::to_string(range.line) + ":" + std::to_string(range.firstColumn);
         };
+        std::cout << said.message << "\n" << said.hint << "\n";
         told += placeOf(said) + " " + said.hint;
         for (const korvel::Related& other : said.related)
             told += " < " + placeOf(other) + " " + other.message;
@@ -225,7 +226,9 @@ TEST(Library, FixesMistakes) {
         std::string& text = request.overlays[0].text;
         for (int i = 0; i < 5; ++i) {
             const std::vector<korvel::Diagnostic> mistakes = korvel::Check(request).diagnostics;
-            if (!mistakes.empty()) text = Fixed(text, mistakes[0].fixes);
+            if (mistakes.empty()) break;
+            std::cout << mistakes[0].hint << "\n";
+            text = Fixed(text, mistakes[0].fixes);
         }
         EXPECT_EQ(text, head + right + "\nEndFunction\n");
         EXPECT_TRUE(korvel::Check(request).diagnostics.empty()) << text;
@@ -381,6 +384,9 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"EndFunction\nPreCalc t:Int[N]", "the number itself"},
         {"EndFunction | Import \"std/text.kvl\"", "come with Include"},
         {"EndFunction | EndFunction", "No Function is open"},
+        {"EndFunction\nType TA\n    EndFunction\nEndType\nFunction B", "A Type ends"},
+        {"EndFunction\nType TA\nMethod A\nEndFunction\nEndMethod\nEndType\nFunction B", "A Method ends"},
+        {"}", "Blocks end with a word"},
         {"Function Inner", "outside of one another"},
         {"EndFunction\nType TA\n    Method A\n    Method B\n    EndMethod\nEndType", "Methods stand"}};
     for (const auto& row : rows) {
@@ -391,6 +397,7 @@ TEST(Library, AdvisesOnOtherLanguages) {
         const korvel::Result result = korvel::Check(request);
         ASSERT_FALSE(result.diagnostics.empty()) << row.line;
         const korvel::Diagnostic& said = result.diagnostics[0];
+        std::cout << said.message << "\n" << said.hint << "\n";  // counts as provoked
         EXPECT_NE(said.hint.find(row.hint), std::string::npos)
             << row.line << ": " << said.message << said.hint;
         EXPECT_GT(said.firstColumn, 0) << row.line;
