@@ -187,6 +187,8 @@ struct State {
     char bytes[readAheadSize];  // read but not yet taken as keys
     std::size_t size;
     struct termios lineModes;
+    int aside;       // with `hear`: a descriptor that is listened to while the program waits for input
+    void (*hear)();  // nobody: null
 };
 
 inline State& TheState() {
@@ -302,6 +304,31 @@ inline bool EnterKeyMode() {
     return false;
 }
 
+// Bytes that the C library has read ahead of std::cin, which a look at the descriptor does not show.
+inline bool LibraryHasBytes() {
+#if defined(__GLIBC__)
+    return stdin->_IO_read_ptr < stdin->_IO_read_end;
+#elif defined(__APPLE__) || defined(__FreeBSD__)
+    return stdin->_r > 0;
+#else
+    return false;
+#endif
+}
+
+// Waits at most `timeout` milliseconds (-1: as long as it takes) for standard input; false when nothing came.
+inline bool WaitForInput(int timeout) {
+    const State& state = TheState();
+    const bool listens = state.hear != nullptr && timeout != 0;
+    for (;;) {
+        struct pollfd all[] = {{STDIN_FILENO, POLLIN, 0}, {state.aside, POLLIN, 0}};
+        const int ready = poll(all, listens ? 2 : 1, timeout);
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) return false;
+        if (!listens || all[1].revents == 0) return true;
+        state.hear();
+    }
+}
+
 // ---- std::cin beside keys ------------------------------------------------------------------------------------
 
 // Stands before std::cin's own buffer. Whoever reads lines finds the terminal in line mode, echoing; keys that
@@ -344,12 +371,15 @@ protected:
     int sync() override { return own_->pubsync(); }
 
 private:
-    static void Prepare() {
+    void Prepare() const {
         State& state = TheState();
-        if (!state.raw) return;
-        RestoreTerminal(TCSAFLUSH);
-        state.size = 0;
-        state.secondCode = -1;
+        if (state.raw) {
+            RestoreTerminal(TCSAFLUSH);
+            state.size = 0;
+            state.secondCode = -1;
+        }
+        const bool waits = state.size == 0 && !LibraryHasBytes() && own_->in_avail() <= 0;
+        if (state.hear != nullptr && waits) WaitForInput(-1);
     }
 
     std::streambuf* own_;
@@ -368,17 +398,6 @@ inline std::streambuf* OwnInput() {
     return gate->Own();
 }
 
-// Bytes that the C library has read ahead of std::cin, which a look at the descriptor does not show.
-inline bool LibraryHasBytes() {
-#if defined(__GLIBC__)
-    return stdin->_IO_read_ptr < stdin->_IO_read_end;
-#elif defined(__APPLE__) || defined(__FreeBSD__)
-    return stdin->_r > 0;
-#else
-    return false;
-#endif
-}
-
 // ---- Reading keys --------------------------------------------------------------------------------------------
 
 // Adds one byte to those read ahead. Waits at most `timeout` milliseconds (-1: as long as it takes); false when
@@ -395,10 +414,7 @@ inline bool ReadByte(int timeout) {
     }
     for (;;) {
         if (state.isTerminal && !EnterKeyMode() && timeout >= 0) return false;
-        struct pollfd input = {STDIN_FILENO, POLLIN, 0};
-        const int ready = poll(&input, 1, timeout);
-        if (ready < 0 && errno == EINTR) continue;
-        if (ready <= 0) return false;
+        if (!WaitForInput(timeout)) return false;
         char byte = 0;
         const ssize_t count = read(STDIN_FILENO, &byte, 1);
         if (count == 1) {

@@ -7,11 +7,21 @@
 #include <stdexcept>
 #include <string>
 
+// Called when all has been said, before the program ends: a debugger's (kvdebugger.cpp). The text is what was said of the
+// failure, or empty where the program has said it. One for all objects of a program, whichever of them are linked.
+template <class Unused>
+struct __kvDebuggers {
+    static void (*atFailure)(const char* text);
+};
+template <class Unused>
+void (*__kvDebuggers<Unused>::atFailure)(const char* text) = nullptr;
+
 #ifdef KV_NO_FAILURES
 
 #include <cstdio>
 
 static void (*__kvBeforeFailure)();
+inline void __kvReadPlaces(const char*) {}
 inline void __kvWarn(const char* text) { std::fprintf(stderr, "warning: %s\n", text); }
 [[noreturn]] inline void __kvFail(int status) { std::exit(status); }
 
@@ -20,9 +30,9 @@ inline void __kvWarn(const char* text) { std::fprintf(stderr, "warning: %s\n", t
 extern "C" {
 // Called before anything is said of a signal: terminal, output that waits. Only what a signal handler may do.
 extern void (*__kvBeforeFailure)();
-// Called when all has been said, before the program ends: a debugger's (kvdebugger.cpp). The text is what was said of the
-// failure, or empty where the program has said it.
-extern void (*__kvAtFailure)(const char* text);
+// Called first by programs of several units, whose lines count from places that stand in the file: "game.kvl@7 120" tells
+// where the first line of "game.kvl@7" stands.
+void __kvReadPlaces(const char* path);
 // Behind the text of a run-time error: says where it happened and ends the program.
 [[noreturn]] void __kvFail(int status);
 // Tells of what is wrong but does not end the program, and where; each place once.

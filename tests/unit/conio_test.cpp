@@ -265,6 +265,8 @@ std::string WithInput(const std::string& bytes, void (*program)()) {
     int output[2];
     EXPECT_EQ(pipe(input), 0);
     EXPECT_EQ(pipe(output), 0);
+    // Before anybody reads: keys that have not come yet are none.
+    EXPECT_EQ(write(input[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     std::cout.flush();
     const pid_t child = fork();
     if (child == 0) {
@@ -277,7 +279,6 @@ std::string WithInput(const std::string& bytes, void (*program)()) {
     }
     close(input[0]);
     close(output[1]);
-    EXPECT_EQ(write(input[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     close(input[1]);
     std::string text;
     char piece[256];
