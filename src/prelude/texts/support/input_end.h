@@ -27,5 +27,3 @@ private:
 struct KVInputWatch {
     KVInputWatch() { std::cin.rdbuf(new KVInputEnd(std::cin.rdbuf())); }
 };
-static KVInputWatch __kvInputWatch;
-

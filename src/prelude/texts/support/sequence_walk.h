@@ -1,7 +1,7 @@
 // A loop over a Sequence that changes meanwhile. The item of a round is a copy, written back when the body
 // has altered it. Who inserts or removes in the body tells the walk first; around calls of routines that may
 // do so the walk is away, and finds its place again by the items. Every item that stays is met once; items
-// that are new at the end are not met.
+// that the body adds at the end or in front of those to come are not met.
 template<typename T>
 class KVSeqWalk {
 public:
@@ -11,12 +11,16 @@ public:
         ~Absence() { walk.Back(); }
     };
     explicit KVSeqWalk(KVSeq<T>& walked)
-        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false) {
+        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false), _added() {
         _load();
     }
     ~KVSeqWalk() { Store(); }
     bool HasItem() const { return _index < _end && _index < _seq.Length(); }
-    void Next() { Store(); ++_index; _load(); }
+    void Next() {
+        Store();
+        do ++_index; while(!_added.empty() && std::find(_added.begin(), _added.end(), _index) != _added.end());
+        _load();
+    }
     void Store() {
         Back();
         if(!_here || item == _original) return;
@@ -44,9 +48,11 @@ public:
         }
         _follow(more);
     }
-    void Leave() { Store(); _here = false; }
+    void Leave() { Store(); _added.clear(); _here = false; }
     int Inserting(int at) {
         Store();
+        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] >= at) ++_added[i];
+        if(at > _index && at < _end) _added.push_back(at);
         if(at <= _index) ++_index;
         if(at < _end) ++_end;
         ++_length;
@@ -56,9 +62,12 @@ public:
     int Removing(int at) {
         Store();
         if(at < 0 || at >= _seq.Length()) return at;
+        _added.resize(std::remove(_added.begin(), _added.end(), at) - _added.begin());
+        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] > at) --_added[i];
         if(at == _index) _here = false;
         if(at <= _index) --_index;
         if(at < _end) --_end;
+        if(at == _end && _end > 0) _last = _seq._items[_end - 1];
         --_length;
         return at;
     }
@@ -78,6 +87,7 @@ private:
     T _original, _next, _last;  // the item as the Sequence has it, the one behind it, the last one to be met
     int _index, _end, _length;
     bool _here;  // the item still has its place in the Sequence
+    std::vector<int> _added;  // places of what was put in front of items to come
     bool _holds(int at, const T& value) const { return at >= 0 && at < _seq.Length() && _seq._items[at] == value; }
     void _mark() {
         if(_index + 1 < _end && _index + 1 < _seq.Length()) _next = _seq._items[_index + 1];
@@ -107,8 +117,9 @@ private:
         return more < 0 && _here ? was - 1 : was;
     }
     void _follow(int more) {
+        _added.clear();
         _length = _seq.Length();
-        if(!_holds(_end - 1, _last) && (more < 0 || _holds(_end - 1 + more, _last))) _end += more;
+        if(_end > 0 && !_holds(_end - 1, _last) && (more < 0 || _holds(_end - 1 + more, _last))) _end += more;
         _mark();
     }
     KVSeqWalk(const KVSeqWalk&);

@@ -1,0 +1,2 @@
+static KVInputWatch __kvInputWatch;
+
