@@ -43,6 +43,7 @@ struct State {
     std::size_t depth;             // routines entered, also those beyond namesKept
     void (*reportGlobals)();
     const Listener* listener;
+    void (*sleep)(double milliseconds);  // a debugger's, who may want the program meanwhile
 };
 
 // One for all files of a program.

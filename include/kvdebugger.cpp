@@ -1,125 +1,25 @@
 // The debugger's side in the program: stops it where it is told to, and answers questions about it while it stands. kv
 // compiles this once and links it to programs that kv debug and kv dap run.
 //
-// The environment variable KV_DEBUG_LISTENS has the number of an open socket to kv. Questions are lines of words with
+// The environment variable KV_DEBUG_LISTENS names the line to kv (kvdebugger_line.cpp). Questions are lines of words with
 // tabs between them; events and answers are lines of JSON, one object each. A question comes while the program stands,
-// a command ("breaks", "pause") at any time: the system then sends a signal, and the next statement looks.
-#include "kvdebugger.h"
+// a command ("breaks", "pause") at any time: the next statement looks, or whoever waits for input or sleeps.
+#include "kvdebugger_talk.h"
+#include "kvfailure.h"
 
-#include <cerrno>
-#include <climits>
+#include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
-#include <set>
-
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-// Of kvfailure.cpp, where that is linked.
-extern "C" __attribute__((weak)) void (*__kvAtFailure)(const char* text);
 
 namespace kvdebug {
 
-std::string NumberText(double value) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.15g", value);
-    return text;
-}
-
-bool ReadNumber(const char* text, double& value) {
-    char* end = nullptr;
-    value = std::strtod(text, &end);
-    return end != text && *end == '\0';
-}
-
-namespace {
-
-class Parts : public Items {
-public:
-    Parts() : Items(0, ULONG_MAX) {}
-    std::string text;
-
-    void Take(const Value& value, std::size_t) override {
-        std::string part;
-        const bool isText = value.handler->show(value.at, part) == 's';
-        const char* const quote = isText ? "\"" : "";
-        text += (text.empty() ? "" : ", ") + std::string(value.name) + " = " + quote + part + quote;
-    }
-    void TakeText(std::size_t, char, const std::string&) override {}
-};
-
-}  // namespace
-
-std::string PartsOf(void* at, void (*list)(void* at, Items& items)) {
-    Parts parts;
-    list(at, parts);
-    return " {" + parts.text + "}";
-}
-
-namespace {
-
-typedef std::vector<std::string> Words;
-
-const std::size_t longestText = 10000;  // bytes of a String that are told
-
-// A text as JSON has it. Bytes that are no UTF-8 are kv's to mend.
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text.substr(0, longestText)) {
-        char escape[8];
-        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(c));
-        if (c == '"' || c == '\\')
-            (quoted += '\\') += c;
-        else if (static_cast<unsigned char>(c) < ' ')
-            quoted += escape;
-        else
-            quoted += c;
-    }
-    return quoted + "\"";
-}
-
-struct Frame {
-    const char* routine;
-    const char* file;
-    int line;
-    std::size_t locals;  // of the routines outside of it
-};
-
-enum class Mode { Run, Into, Over, Out };
-
-struct Debugger {
-    int socket;
-    std::string unread;
-    std::vector<Frame> frames;  // outermost first
-    std::vector<Value> locals;
-    std::vector<Value> told;  // values that kv may ask about, by number, while the program stands
-
-    std::map<std::string, std::set<int>> breaks;  // by file
-    std::vector<bool> breakLines;                 // of any file
-    std::vector<std::string> skipped;             // folders whose files no step leads into
-    Mode mode;
-    Frame from;         // where the step began
-    std::size_t depth;  // and how deep
-
-    volatile sig_atomic_t hasMail;
-    bool pauses;
-};
 Debugger* debugger = nullptr;
 
 // ---- Lines ----------------------------------------------------------------------------------------------------------
 
-void Say(const std::string& line) {
-    const std::string text = line + "\n";
-    for (std::size_t at = 0; at < text.size();) {
-        const ssize_t written = write(debugger->socket, text.data() + at, text.size() - at);
-        if (written < 0 && errno != EINTR) return;
-        if (written > 0) at += static_cast<std::size_t>(written);
-    }
-}
+namespace {
 
 bool TakeLine(Words& words) {
     const std::size_t end = debugger->unread.find('\n');
@@ -133,120 +33,6 @@ bool TakeLine(Words& words) {
     }
     debugger->unread.erase(0, end + 1);
     return true;
-}
-
-// Without kv the program goes no further.
-void ReadMore() {
-    char bytes[4096];
-    const ssize_t count = read(debugger->socket, bytes, sizeof bytes);
-    if (count > 0) debugger->unread.append(bytes, static_cast<std::size_t>(count));
-    if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN)) _exit(1);
-}
-
-bool HasMore() {
-    char byte;
-    return recv(debugger->socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
-}
-
-std::size_t NumberAt(const Words& words, std::size_t at) {
-    return at < words.size() ? std::strtoul(words[at].c_str(), nullptr, 10) : 0;
-}
-
-// ---- Answers --------------------------------------------------------------------------------------------------------
-
-class Told : public Items {
-public:
-    Told(std::size_t from, std::size_t atMost) : Items(from, atMost) {}
-
-    void Take(const Value& value, std::size_t number) override {
-        std::string text;
-        const char kind = value.handler->show(value.at, text);
-        Put(value.name, value.type, number, kind, text, std::to_string(debugger->told.size()));
-        debugger->told.push_back(value);
-    }
-    void TakeText(std::size_t number, char kind, const std::string& text) override {
-        Put(nullptr, nullptr, number, kind, text, "-1");
-    }
-    void Answer() const { Say("{\"items\":[" + json + "],\"total\":" + std::to_string(total) + "}"); }
-
-private:
-    std::string json;
-
-    void Put(const char* name, const char* type, std::size_t number, char kind, const std::string& text,
-             const std::string& ref) {
-        json += std::string(json.empty() ? "" : ",") +
-                "{\"name\":" + Quoted(name != nullptr ? name : "[" + std::to_string(number) + "]") +
-                ",\"type\":" + Quoted(type != nullptr ? type : "") + ",\"kind\":\"" + kind +
-                "\",\"value\":" + Quoted(text) + ",\"ref\":" + ref + "}";
-    }
-};
-
-std::string Place(const Frame& frame) {
-    return "\"routine\":" + Quoted(frame.routine) + ",\"file\":" + Quoted(frame.file) +
-           ",\"line\":" + std::to_string(frame.line);
-}
-
-void TellStack(const Words& words) {
-    const std::size_t total = debugger->frames.size();
-    std::string json;
-    for (std::size_t i = NumberAt(words, 1), n = 0; i < total && n < NumberAt(words, 2); ++i, ++n)
-        json += (n == 0 ? "{" : ",{") + Place(debugger->frames[total - 1 - i]) + "}";
-    Say("{\"frames\":[" + json + "],\"total\":" + std::to_string(total) + "}");
-}
-
-// Of the frame with this number, the innermost being 0.
-void TellLocals(const Words& words) {
-    Told told(0, ULONG_MAX);
-    const std::size_t total = debugger->frames.size(), number = NumberAt(words, 1);
-    if (number < total) {
-        const std::size_t at = total - 1 - number;
-        const std::size_t end = number == 0 ? debugger->locals.size() : debugger->frames[at + 1].locals;
-        for (std::size_t i = debugger->frames[at].locals; i < end; ++i) told.Take(debugger->locals[i], i);
-    }
-    told.Answer();
-}
-
-void TellGlobals(const Words&) {
-    Told told(0, ULONG_MAX);
-    program.listGlobals(told);
-    told.Answer();
-}
-
-void TellItems(const Words& words) {
-    Told told(NumberAt(words, 2), NumberAt(words, 3));
-    if (NumberAt(words, 1) < debugger->told.size()) {
-        const Value value = debugger->told[NumberAt(words, 1)];  // told grows
-        value.handler->list(value.at, told);
-    }
-    told.Answer();
-}
-
-void TellObjects(const Words& words) {
-    Told told(NumberAt(words, 2), NumberAt(words, 3));
-    for (const TypeRow* type = program.types; type->name != nullptr; ++type)
-        if (words[1] == type->name) type->list(told);
-    told.Answer();
-}
-
-void TellTypes(const Words&) {
-    std::string json;
-    for (const TypeRow* type = program.types; type->name != nullptr; ++type) {
-        Told none(0, 0);
-        type->list(none);
-        json += std::string(json.empty() ? "" : ",") + "{\"name\":" + Quoted(type->name) +
-                ",\"count\":" + std::to_string(none.total) + "}";
-    }
-    Say("{\"types\":[" + json + "]}");
-}
-
-void SetValueOf(const Words& words) {
-    const std::size_t number = NumberAt(words, 1);
-    bool done = false;
-    if (number < debugger->told.size() && words.size() > 2) {
-        const Value& value = debugger->told[number];
-        done = value.handler->set(value.at, words[2].c_str());
-    }
-    Say(done ? "{\"done\":true}" : "{\"done\":false}");
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
@@ -267,21 +53,13 @@ void TakeBreaks(const Words& words) {
 
 const struct {
     const char* word;
-    void (*answer)(const Words& words);
-} questions[] = {
-    {"stack", TellStack}, {"locals", TellLocals},   {"globals", TellGlobals}, {"items", TellItems},
-    {"types", TellTypes}, {"objects", TellObjects}, {"set", SetValueOf},      {"breaks", TakeBreaks},
-};
-
-const struct {
-    const char* word;
     Mode mode;
 } leaving[] = {{"go", Mode::Run}, {"into", Mode::Into}, {"over", Mode::Over}, {"out", Mode::Out}};
 
 // Whether the program goes on. "again" does what the command before has begun.
 bool Obey(const Words& words) {
-    for (const auto& row : questions)
-        if (words[0] == row.word) row.answer(words);
+    Answer(words);
+    if (words[0] == "breaks") TakeBreaks(words);
     if (words[0] == "skip") debugger->skipped.push_back(words[1]);
     if (words[0] == "pause") debugger->pauses = true;
     for (const auto& row : leaving) {
@@ -300,14 +78,15 @@ void Stand() {
         while (!TakeLine(words)) ReadMore();
     } while (!Obey(words));
     debugger->told.clear();
+    debugger->pauses = false;
 }
+
+const Frame nowhere = {"", "", 0, 0};
 
 // A step may end at a breakpoint that kv then takes no notice of.
 void Stop(const char* reason, const char* text, bool stepped = false) {
     std::cout.flush();
     std::fflush(stdout);
-    debugger->pauses = false;
-    const Frame nowhere = {"", "", 0, 0};
     Say(std::string("{\"event\":\"stop\",\"reason\":\"") + reason + "\",\"text\":" + Quoted(text) + "," +
         Place(debugger->frames.empty() ? nowhere : debugger->frames.back()) +
         (stepped ? ",\"stepped\":true}" : ",\"stepped\":false}"));
@@ -317,11 +96,24 @@ void Stop(const char* reason, const char* text, bool stepped = false) {
 // What has come while the program ran.
 void ReadMail() {
     debugger->hasMail = 0;
-    while (HasMore()) ReadMore();
+    while (HasMore(0)) ReadMore();
     for (Words words; TakeLine(words);) Obey(words);
 }
 
-void NoteMail(int) { debugger->hasMail = 1; }
+// While the program waits for input or sleeps, where it can be looked at as well.
+void HearWaiting() {
+    ReadMail();
+    if (debugger->pauses) Stop("pause", "");
+}
+
+void SleepHearing(double milliseconds) {
+    typedef std::chrono::steady_clock Clock;
+    const auto end = Clock::now() + std::chrono::nanoseconds(static_cast<long long>(milliseconds * 1e6));
+    for (Clock::duration left; (left = end - Clock::now()).count() > 0;) {
+        const double rest = std::chrono::duration<double, std::milli>(left).count();
+        if (HasMore(static_cast<int>(std::ceil(rest)))) HearWaiting();
+    }
+}
 
 // ---- What the program does ------------------------------------------------------------------------------------------
 
@@ -350,7 +142,13 @@ bool EndsStep(const char* file, int line) {
     return !IsSkipped(file);
 }
 
-void Enter(const char* name) { debugger->frames.push_back({name, "", 0, debugger->locals.size()}); }
+// Until its first statement it stands where it is called.
+void Enter(const char* name) {
+    Frame entered = debugger->frames.empty() ? nowhere : debugger->frames.back();
+    entered.routine = name;
+    entered.locals = debugger->locals.size();
+    debugger->frames.push_back(entered);
+}
 
 void Leave(const char*) {
     if (!debugger->frames.empty()) debugger->frames.pop_back();
@@ -389,21 +187,14 @@ const Listener listener = {Enter, Leave, Statement, Variable, Pause, End};
 
 // Before anything of the program runs, but behind what tells of failures.
 __attribute__((constructor(102))) void Begin() {
-    const char* number = std::getenv("KV_DEBUG_LISTENS");
-    if (number == nullptr) return;
+    const char* name = std::getenv("KV_DEBUG_LISTENS");
+    if (name == nullptr) return;
+    static const std::ios_base::Init streams;  // which are there later only
     debugger = new Debugger();
-    debugger->socket = std::atoi(number);
-    unsetenv("KV_DEBUG_LISTENS");
-    struct sigaction noted;
-    std::memset(&noted, 0, sizeof noted);
-    noted.sa_handler = NoteMail;
-    noted.sa_flags = SA_RESTART;
-    sigaction(SIGIO, &noted, nullptr);
-    signal(SIGINT, SIG_IGN);  // kv makes a pause of it
-    fcntl(debugger->socket, F_SETFD, FD_CLOEXEC);
-    fcntl(debugger->socket, F_SETOWN, getpid());
-    fcntl(debugger->socket, F_SETFL, fcntl(debugger->socket, F_GETFL) | O_ASYNC);
-    if (&__kvAtFailure != nullptr) __kvAtFailure = AtFailure;
+    OpenLine(name);
+    __kvDebuggers<void>::atFailure = AtFailure;
+    HearBesideInput(HearWaiting);
+    TheState().sleep = SleepHearing;
     TheState().listener = &listener;
     TellTables();
     Stand();

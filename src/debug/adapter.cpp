@@ -1,7 +1,9 @@
 #include "debug/adapter.h"
 
+#include <algorithm>
 #include <cstdio>
 
+#include "debug/streams.h"
 #include "lsp/framing.h"
 
 namespace debug {
@@ -9,21 +11,38 @@ namespace debug {
 namespace {
 constexpr int thread = 1;  // programs have one
 
-// Messages may be anything.
-std::string TextAt(const Json& message, const char* name) {
-    const bool has = message.is_object() && message.contains(name) && message[name].is_string();
-    return has ? message[name].get<std::string>() : std::string();
-}
 Json ArgumentsOf(const Json& request) {
     const auto found = request.find("arguments");
     return found != request.end() && found->is_object() ? *found : Json::object();
 }
+
+// At the end: those of a letter whose other bytes are missing.
+std::size_t UnfinishedBytes(const std::string& text) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - back]);
+        if ((byte & 0xC0) == 0x80) continue;
+        const std::size_t wanted = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        return wanted > back ? back : 0;
+    }
+    return 0;
+}
 }  // namespace
 
+std::string TextAt(const Json& message, const char* name) {
+    const bool has = message.is_object() && message.contains(name) && message[name].is_string();
+    return has ? message[name].get<std::string>() : std::string();
+}
+
 int Adapter::Run() {
-    std::setvbuf(stdin, nullptr, _IONBF, 0);  // what is there is seen by whoever waits
+    PrepareInput();
     std::string text;
     while (!leaves) {
+        if (!waiting.empty()) {
+            const Json request = waiting.front();
+            waiting.pop_front();
+            Serve(request);
+            continue;
+        }
         const bool runs = session != nullptr && session->target.IsRunning();
         const Target::Event event = runs ? session->target.Wait(0, text) : Target::Event::Client;
         try {
@@ -46,8 +65,13 @@ void Adapter::SendEvent(const char* event, const Json& body) {
     Send({{"type", "event"}, {"event", event}, {"body", body}});
 }
 
+// A piece of what the program writes may end within a letter.
 void Adapter::SendOutput(const char* category, const std::string& text) {
-    if (!text.empty()) SendEvent("output", {{"category", category}, {"output", text}});
+    std::string& begun = cut[category];
+    const std::string whole = begun + text;
+    const std::size_t size = whole.size() - UnfinishedBytes(whole);
+    begun = whole.substr(size);
+    if (size > 0) SendEvent("output", {{"category", category}, {"output", whole.substr(0, size)}});
 }
 
 void Adapter::Take(Target::Event event, const std::string& text) {
@@ -60,21 +84,30 @@ void Adapter::Take(Target::Event event, const std::string& text) {
             return TakeStop(text);
         case Target::Event::Ended:
             return TellEnd();
-        case Target::Event::Interrupted:
+        case Target::Event::Interrupted:  // Ctrl-C in the program's terminal
+            if (!stands) session->target.Pause();
             return;
+        case Target::Event::Late:
+            return SendOutput("console", std::string(waitsText) + "\n");
         case Target::Event::Client:
             return TakeRequest();
     }
 }
 
-void Adapter::TakeRequest() {
+// False when it was no request; at the end of all it leaves.
+bool Adapter::ReadRequest(Json& request) {
     std::string text;
-    if (!ReadMessage(stdin, text)) {
-        leaves = true;
-        return;
-    }
-    const Json request = Json::parse(text, nullptr, false);
-    if (TextAt(request, "type") != "request") return;
+    leaves = leaves || !ReadMessage(stdin, text);
+    request = Json::parse(text, nullptr, false);
+    return !leaves && TextAt(request, "type") == "request";
+}
+
+void Adapter::TakeRequest() {
+    Json request;
+    if (ReadRequest(request)) Serve(request);
+}
+
+void Adapter::Serve(const Json& request) {
     const std::string command = TextAt(request, "command");
     const auto number = request.find("seq");
     const bool isNumbered = number != request.end() && number->is_number_integer();
@@ -137,6 +170,10 @@ void Adapter::TakeStop(const std::string& line) {
 
 void Adapter::TellEnd() {
     stands = false;
+    holders.clear();
+    for (const auto& [category, bytes] : cut)
+        if (!bytes.empty()) SendEvent("output", {{"category", category}, {"output", bytes}});
+    cut.clear();
     SendEvent("exited", {{"exitCode", session->target.End(false)}});
     SendEvent("terminated");
 }
@@ -149,76 +186,6 @@ void Adapter::NeedsStop() const {
     NeedsSession();
     if (!session->target.IsRunning()) throw Refusal{"the program has ended"};
     if (!stands) throw Refusal{"the program runs"};
-}
-
-// ---- The life of a program ------------------------------------------------------------------------------------------
-
-Json Adapter::Initialize(const Json&) {
-    return {{"supportsConfigurationDoneRequest", true},
-            {"supportsFunctionBreakpoints", true},
-            {"supportsConditionalBreakpoints", true},
-            {"supportsHitConditionalBreakpoints", true},
-            {"supportsLogPoints", true},
-            {"supportsSetVariable", true},
-            {"supportsEvaluateForHovers", true},
-            {"supportsTerminateRequest", true},
-            {"supportsRestartRequest", true},
-            {"exceptionBreakpointFilters",
-             {{{"filter", "failures"}, {"label", "Run-time errors"}, {"default", true}}}}};
-}
-
-void Adapter::Start() {
-    Launch launch;
-    bool made = false;
-    const std::string said = ErrorsOf([&] {
-        made = make(launched.at("program").get<std::string>(),
-                    launched.value("args", std::vector<std::string>()), launch);
-    });
-    SendOutput("stderr", said);
-    if (!made) throw Refusal{"the program cannot be made: " + said};
-    std::unique_ptr<Session> next = std::make_unique<Session>(launch);
-    if (session != nullptr) next->breakpoints = session->breakpoints;
-    std::string problem;
-    if (!next->Start(true, problem)) throw Refusal{"the program cannot be run: " + problem};
-    session = std::move(next);
-}
-
-Json Adapter::LaunchIt(const Json& arguments) {
-    Kill();
-    launched = arguments;
-    Start();
-    after = {"initialized"};
-    return nullptr;
-}
-
-Json Adapter::Configured(const Json&) {
-    NeedsSession();
-    stopsAtEntry = launched.value("stopOnEntry", false);
-    goesOn = stopsAtEntry ? "into" : "go";
-    return nullptr;
-}
-
-void Adapter::Kill() {
-    if (session != nullptr) session->target.End(true);
-    stands = false;
-}
-
-Json Adapter::Restart(const Json&) {
-    NeedsSession();
-    Kill();
-    Start();
-    return Configured({});
-}
-
-Json Adapter::Terminate(const Json&) {
-    Kill();
-    after = {"terminated"};
-    return nullptr;
-}
-
-Json Adapter::Disconnect(const Json&) {
-    leaves = true;
-    return nullptr;
 }
 
 // ---- Going on -------------------------------------------------------------------------------------------------------
@@ -242,7 +209,8 @@ Json Adapter::StepIn(const Json&) { return StepBy("into"); }
 Json Adapter::StepOut(const Json&) { return StepBy("out"); }
 
 Json Adapter::Pause(const Json&) {
-    if (session != nullptr && !stands) session->target.Send("pause");
+    NeedsSession();
+    if (session->target.IsRunning() && !stands) session->target.Pause();
     return nullptr;
 }
 

@@ -1,6 +1,8 @@
 // kv dap: the debugger for editors, by the Debug Adapter Protocol. A routine for each request; adapter.cpp has the table.
 #pragma once
 
+#include <deque>
+#include <map>
 #include <memory>
 
 #include "debug/evaluate.h"
@@ -13,6 +15,9 @@ struct Holder {
     std::size_t frame = 0;
     Value value;  // Parts: of which; Objects: the name of the Type
 };
+
+// A text in a message, which may be anything; else empty.
+std::string TextAt(const Json& message, const char* name);
 
 class Adapter {
 public:
@@ -30,9 +35,13 @@ private:
     Maker make;
     std::unique_ptr<Session> session;
     std::vector<Holder> holders;
-    Json launched;  // what was asked for
+    Json launched;             // what was asked for
+    std::deque<Json> waiting;  // requests that came while a program was awaited
+    bool clientHasTerminals = false;
     int sequence = 0;
-    bool leaves = false, stands = false, stopsAtFailures = true, stopsAtEntry = false;
+    bool leaves = false, begins = false, stands = false, stopsAtFailures = true, stopsAtEntry = false;
+    std::map<std::string, std::string>
+        cut;                         // by category: bytes that a letter begins with, whose rest has not come
     std::vector<std::string> after;  // events that follow the answer
     std::string goesOn;              // how, behind the answer
 
@@ -41,7 +50,9 @@ private:
     void SendEvent(const char* event, const Json& body = Json::object());
     void SendOutput(const char* category, const std::string& text);
     void Take(Target::Event event, const std::string& text);
+    bool ReadRequest(Json& request);
     void TakeRequest();
+    void Serve(const Json& request);
     Json Answer(const std::string& command, const Json& arguments);
     void Go();
     void TakeStop(const std::string& line);
@@ -50,18 +61,21 @@ private:
     void NeedsStop() const;
 
     // The life of a program.
-    Json Initialize(const Json&);
+    Json Initialize(const Json& arguments);
     void Start();
+    Launch MakeIt();
+    std::string FolderOf(const Launch& launch) const;
+    void StartInTerminal(Session& next);
     void Kill();
     Json LaunchIt(const Json& arguments);
     Json Configured(const Json&);
-    Json Restart(const Json&);
+    Json Restart(const Json& arguments);
     Json Terminate(const Json&);
     Json Disconnect(const Json&);
 
     // Breakpoints.
-    Json SetAll(const Json& wanted, const std::function<void(const Json& one, Breakpoint& breakpoint)>& find);
-    void Forget(const std::function<bool(const Breakpoint&)>& is);
+    Json SetAll(const Json& wanted, const std::function<bool(const Breakpoint&)>& are,
+                const std::function<void(const Json& one, Breakpoint& breakpoint)>& find);
     Json SetBreakpoints(const Json& arguments);
     Json SetFunctionBreakpoints(const Json& arguments);
     Json SetExceptionBreakpoints(const Json& arguments);
@@ -82,8 +96,10 @@ private:
     Json Told(const Value& value);
     Part PartOf(const Holder& holder, std::size_t first, std::size_t count);
     const Holder& HolderOf(const Json& arguments);
+    Json TypesTold();
     Json Variables(const Json& arguments);
     Json EvaluateIt(const Json& arguments);
+    void Type(const std::string& text);
     Json SetVariable(const Json& arguments);
 };
 

@@ -44,12 +44,14 @@ Json Adapter::Scopes(const Json& arguments) {
 }
 
 Json Adapter::Told(const Value& value) {
-    const bool opens = value.ref >= 0 && value.text != "Null" && value.text != "[0]" &&
-                       (value.kind == 'o' || value.kind == 'e' || value.kind == 'l');
-    return {{"name", value.name},
-            {"value", Shown(value)},
-            {"type", value.type},
-            {"variablesReference", opens ? Hold({Holder::Kind::Parts, 0, value}) : 0}};
+    const bool hasParts = value.kind == 'o' || value.kind == 'e' || ItemCount(value) > 0;
+    const bool opens = value.ref >= 0 && value.text != "Null" && hasParts;
+    Json told = {{"name", value.name},
+                 {"value", Shown(value)},
+                 {"type", value.type},
+                 {"variablesReference", opens ? Hold({Holder::Kind::Parts, 0, value}) : 0}};
+    if (ItemCount(value) > 0) told["indexedVariables"] = ItemCount(value);
+    return told;
 }
 
 Part Adapter::PartOf(const Holder& holder, std::size_t first, std::size_t count) {
@@ -72,29 +74,51 @@ const Holder& Adapter::HolderOf(const Json& arguments) {
     return holders[number - 1];
 }
 
-Json Adapter::Variables(const Json& arguments) {
-    const Holder holder = HolderOf(arguments);
+Json Adapter::TypesTold() {
     Json variables = Json::array();
-    if (holder.kind == Holder::Kind::Types) {
-        for (const TypeCount& type : session->Types())
-            variables.push_back(
-                {{"name", type.name},
-                 {"value", std::to_string(type.count)},
-                 {"variablesReference",
-                  type.count == 0 ? 0 : Hold({Holder::Kind::Objects, 0, {type.name, "", '?', "", -1}})}});
-        return {{"variables", variables}};
-    }
-    const std::size_t first = arguments.value("start", std::size_t{0});
-    const std::size_t count = arguments.value("count", std::size_t{0});
-    for (const Value& value : PartOf(holder, first, count == 0 ? mostItems : count).items)
-        variables.push_back(Told(value));
+    for (const TypeCount& type : session->Types())
+        variables.push_back(
+            {{"name", type.name},
+             {"value", std::to_string(type.count)},
+             {"indexedVariables", type.count},
+             {"variablesReference",
+              type.count == 0 ? 0 : Hold({Holder::Kind::Objects, 0, {type.name, "", '?', "", -1}})}});
     return {{"variables", variables}};
 }
 
+// Editors that do not ask for pages get the first one, and are told that there is more.
+Json Adapter::Variables(const Json& arguments) {
+    const Holder holder = HolderOf(arguments);
+    if (holder.kind == Holder::Kind::Types) return TypesTold();
+    const std::size_t first = arguments.value("start", std::size_t{0});
+    const std::size_t count = arguments.value("count", std::size_t{0});
+    const bool hasNames = holder.kind != Holder::Kind::Objects && ItemCount(holder.value) == 0;
+    Json variables = Json::array();
+    if (arguments.value("filter", "") == (hasNames ? "indexed" : "named")) return {{"variables", variables}};
+    const Part part = PartOf(holder, first, count == 0 ? mostItems : count);
+    for (const Value& value : part.items) variables.push_back(Told(value));
+    if (count == 0 && part.total > first + mostItems)
+        variables.push_back({{"name", "..."},
+                             {"value", std::to_string(part.total - first - mostItems) + " more"},
+                             {"variablesReference", 0}});
+    return {{"variables", variables}};
+}
+
+// What is typed into the editor's console while the program runs is for the program.
+void Adapter::Type(const std::string& text) {
+    if (begins) NeedsStop();
+    if (!session->target.Type(text + "\n")) throw Refusal{"the program takes no input here"};
+}
+
 Json Adapter::EvaluateIt(const Json& arguments) {
+    const std::string expression = arguments.at("expression").get<std::string>();
+    const bool runs = session != nullptr && session->target.IsRunning() && !stands;
+    if (runs && arguments.value("context", "") == "repl") {
+        Type(expression);
+        return {{"result", ""}, {"variablesReference", 0}};
+    }
     NeedsStop();
-    Value value = Evaluate(*session, arguments.value("frameId", std::size_t{0}),
-                           arguments.at("expression").get<std::string>());
+    const Value value = Evaluate(*session, arguments.value("frameId", std::size_t{0}), expression);
     Json told = Told(value);
     told["result"] = told["value"];
     return told;

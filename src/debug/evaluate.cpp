@@ -1,41 +1,35 @@
-// expression:  and { Or and }
-// and:         not { And not }
-// not:         [Not] sum [ (= | <> | < | <= | > | >=) sum ]
-// sum:         product { (+ | - | &) product }
-// product:     sign { (* | / | Mod) sign }
-// sign:        [-] value { \name | [ expression ] }
+// expression:  signed { operator signed }    (operators.cpp has these, and which of them come first)
+// signed:      { sign } value { \name | [ expression ] }
 // value:       number | "text" | True | False | Null | name | TName#number | ( expression )
 #include "debug/evaluate.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include "base/text.h"
+#include "base/token_text.h"
 #include "lexer/lexer.h"
 
 namespace debug {
 
 namespace {
 
-bool IsNameByte(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || (c & 0x80) != 0;
+// Of "Int[]" and "Sequence Of Int", "Int".
+std::string TypeOfItems(const std::string& type) {
+    const std::string word = "Sequence Of ";
+    if (StartsWith(type, word)) return type.substr(word.size());
+    return EndsWith(type, "[]") ? type.substr(0, type.size() - 2) : "";
 }
 
-Value Plain(char kind, const std::string& text) { return {"", "", kind, text, -1}; }
-Value Truth(bool isTrue) { return Plain('b', isTrue ? "True" : "False"); }
-Value Number(double number, bool isWhole) {
-    char text[40];
-    std::snprintf(text, sizeof text, isWhole ? "%.0f" : "%.15g", number);
-    return Plain(isWhole ? 'n' : 'd', text);
-}
-
-bool IsWhole(const Value& value) { return value.kind != 'd'; }
-
-double NumberOf(const Value& value) {
-    if (value.kind == 'b') return IsTrue(value) ? 1 : 0;
-    if (!IsNumber(value)) throw Refusal{"\"" + value.text + "\" is no number"};
-    return std::strtod(value.text.c_str(), nullptr);
+// Behind a tilde in a text; 0 where the tilde is one.
+char Meant(char letter) {
+    static const struct {
+        char letter, meant;
+    } rows[] = {{'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'q', '"'}, {'~', '~'}, {'{', '{'}, {'}', '}'}};
+    for (const auto& row : rows)
+        if (row.letter == letter) return row.meant;
+    return '\0';
 }
 
 class Reader {
@@ -43,8 +37,9 @@ public:
     Reader(Session& of, std::size_t at, const std::string& what) : session(of), frame(at), text(what) {}
 
     Value Whole() {
-        Value value = Either();
+        Value value = From(Level::Or);
         Skip();
+        if (value.ref == -1) value.type.clear();
         if (at < text.size()) throw Refusal{"what is \"" + text.substr(at) + "\"?"};
         return value;
     }
@@ -55,6 +50,7 @@ private:
     const std::string& text;
     std::size_t at = 0;
     int deeper = 0;
+    bool isLeftOut = false;  // what is read is not worked out
     static constexpr int deepest = 200;
 
     void Skip() {
@@ -72,12 +68,6 @@ private:
         while (at < text.size() && IsNameByte(text[at])) ++at;
         return text.substr(from, at - from);
     }
-    bool TakeWord(const char* word) {
-        const std::size_t before = at;
-        if (Lower(Word()) == word) return true;
-        at = before;
-        return false;
-    }
     // Before brackets and signs, each of which the reading goes into.
     void GoDeeper() {
         if (++deeper > deepest) throw Refusal{"these are too many brackets and signs"};
@@ -86,97 +76,40 @@ private:
         if (!Take(sign)) throw Refusal{std::string("'") + sign + "' is missing"};
     }
 
-    Value Either() {
-        Value value = Both();
-        while (TakeWord("or")) {
-            const bool other = IsTrue(Both());
-            value = Truth(IsTrue(value) || other);
-        }
-        return value;
+    // An operand that decides alone leaves the other one out.
+    static bool Decides(Level level, const Value& left) {
+        return level == Level::And ? !IsTrue(left) : level == Level::Or && IsTrue(left);
     }
-    Value Both() {
-        Value value = Negated();
-        while (TakeWord("and")) {
-            const bool other = IsTrue(Negated());
-            value = Truth(IsTrue(value) && other);
-        }
-        return value;
-    }
-    Value Negated() {
-        if (TakeWord("not")) {
-            GoDeeper();
-            return Truth(!IsTrue(Negated()));
-        }
-        const Value left = Sum();
-        for (const char* sign : {"<>", "<=", ">=", "=", "<", ">"})
-            if (Take(sign)) return Truth(Compare(left, sign, Sum()));
-        return left;
-    }
-
-    static bool Compare(const Value& left, const std::string& sign, const Value& right) {
-        const bool texts = left.kind == right.kind && !IsNumber(left) && left.kind != 'b';
-        const double a = texts ? left.text.compare(right.text) : NumberOf(left),
-                     b = texts ? 0 : NumberOf(right);
-        if (sign == "=") return a == b;
-        if (sign == "<>") return a != b;
-        if (sign == "<") return a < b;
-        if (sign == "<=") return a <= b;
-        return sign == ">" ? a > b : a >= b;
-    }
-
-    Value Sum() {
-        Value value = Product();
+    // Of operators of this level, and of higher ones.
+    Value From(Level lowest) {
+        Value left = Signed();
         for (;;) {
-            if (Take("+")) {
-                const Value other = Product();
-                const bool joins = value.kind == 's' || other.kind == 's';
-                value = joins ? Plain('s', value.text + other.text)
-                              : Number(NumberOf(value) + NumberOf(other), IsWhole(value) && IsWhole(other));
-            } else if (Take("-")) {
-                const Value other = Product();
-                value = Number(NumberOf(value) - NumberOf(other), IsWhole(value) && IsWhole(other));
-            } else if (Take("&")) {
-                value = Together(value, Product());
-            } else {
-                return value;
-            }
-        }
-    }
-
-    // As between the items of a Print, or of whole numbers their bits.
-    static Value Together(const Value& left, const Value& right) {
-        if (left.kind != 'n' || right.kind != 'n') return Plain('s', left.text + right.text);
-        const auto bits = [](const Value& value) { return static_cast<long long>(NumberOf(value)); };
-        return Number(static_cast<double>(bits(left) & bits(right)), true);
-    }
-
-    Value Product() {
-        Value value = Signed();
-        for (;;) {
-            const bool times = Take("*"), over = !times && Take("/");
-            if (!times && !over && !TakeWord("mod")) return value;
-            const Value other = Signed();
-            const double a = NumberOf(value), b = NumberOf(other);
-            const bool isWhole = IsWhole(value) && IsWhole(other);
-            if (!times && b == 0) throw Refusal{"division by zero"};
-            if (times)
-                value = Number(a * b, isWhole);
-            else if (over)
-                value = Number(isWhole ? std::trunc(a / b) : a / b, isWhole);
-            else
-                value = Number(std::fmod(a, b), isWhole);
+            Skip();
+            const Operator* const found = FindOperator(text, at);
+            if (found == nullptr || found->level < lowest) return left;
+            at += std::strlen(found->word);
+            const bool leavesOut = !isLeftOut && Decides(found->level, left);
+            if (leavesOut) isLeftOut = true;
+            const Value right = From(static_cast<Level>(static_cast<int>(found->level) + 1));
+            if (leavesOut) isLeftOut = false;
+            if (leavesOut)
+                left = Truth(IsTrue(left));
+            else if (!isLeftOut)
+                left = found->apply(left, right);
         }
     }
 
     Value Signed() {
-        if (Take("-")) {
+        Skip();
+        if (const Operator* const sign = FindSign(text, at)) {
             GoDeeper();
+            at += std::strlen(sign->word);
             const Value value = Signed();
-            return Number(-NumberOf(value), IsWhole(value));
+            return isLeftOut ? value : sign->apply(Plain('n', "0"), value);
         }
         Value value = Single();
         for (;;) {
-            if (Take("\\"))
+            if (Take("\\") || Take("."))
                 value = Member(value, Word());
             else if (Take("["))
                 value = Item(value);
@@ -189,19 +122,12 @@ private:
         Skip();
         if (Take("(")) {
             GoDeeper();
-            Value value = Either();
+            Value value = From(Level::Or);
             Need(")");
             return value;
         }
         if (Take("\"")) return Text();
-        if (at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0) {
-            const char* const from = &text[at];
-            char* end = nullptr;
-            const double number = std::strtod(from, &end);
-            const std::string digits(from, static_cast<std::size_t>(end - from));
-            at += digits.size();
-            return Number(number, digits.find_first_of(".eE") == std::string::npos);
-        }
+        if (at < text.size() && (IsDigit(text[at]) || text[at] == '$')) return Number();
         const std::string name = Word(), lower = Lower(name);
         if (name.empty())
             throw Refusal{at < text.size() ? "what is \"" + text.substr(at) + "\"?" : "a value is missing"};
@@ -211,10 +137,26 @@ private:
         return Variable(name);
     }
 
+    Value Number() {
+        const bool isHex = Take("$");
+        const char* const from = &text[at];
+        char *end = nullptr, *endOfWhole = nullptr;
+        const unsigned long long whole = std::strtoull(from, &endOfWhole, isHex ? 16 : 10);
+        const double broken = isHex ? 0 : std::strtod(from, &end);
+        const bool isWhole = isHex || end <= endOfWhole;
+        at += static_cast<std::size_t>((isWhole ? endOfWhole : end) - from);
+        return isWhole ? WholeNumber(static_cast<long long>(whole)) : Double(broken);
+    }
+
     Value Text() {
         const std::size_t end = text.find('"', at);
         if (end == std::string::npos) throw Refusal{"the closing quote is missing"};
-        const std::string inside = text.substr(at, end - at);
+        std::string inside;
+        for (; at < end; ++at) {
+            const char meant = text[at] == '~' ? Meant(text[at + 1]) : '\0';
+            inside += meant != '\0' ? meant : text[at];
+            if (meant != '\0') ++at;
+        }
         at = end + 1;
         return Plain('s', inside);
     }
@@ -225,8 +167,9 @@ private:
         return found == part.items.end() ? nullptr : &*found;
     }
 
-    // As the program sees it: Locals, the object's own Fields, Globals.
+    // As the program sees it: Locals, the object's own Fields, Globals, Consts.
     Value Variable(const std::string& name) {
+        if (isLeftOut) return {};
         const Part locals = session.Locals(frame);
         if (const Value* local = Named(locals, name)) return *local;
         if (const Value* self = Named(locals, "this")) {
@@ -235,10 +178,13 @@ private:
         }
         const Part globals = session.Globals();
         if (const Value* global = Named(globals, name)) return *global;
+        const Part consts = session.Consts();
+        if (const Value* constant = Named(consts, name)) return *constant;
         throw Refusal{"there is no " + name + " here"};
     }
 
     Value Member(const Value& of, const std::string& name) {
+        if (isLeftOut) return {};
         if (of.text == "Null") throw Refusal{"what stands before \\" + name + " is Null"};
         const Part fields = session.Items(of, 0, all);
         if (const Value* field = Named(fields, name)) return *field;
@@ -247,16 +193,21 @@ private:
 
     Value Item(const Value& of) {
         GoDeeper();
-        const double index = NumberOf(Either());
+        const Value index = From(Level::Or);
         Need("]");
+        if (isLeftOut) return {};
         if (of.kind != 'l') throw Refusal{"only arrays and Sequences whose size is known have items here"};
-        const Part part = index < 0 ? Part() : session.Items(of, static_cast<std::size_t>(index), 1);
+        const long long number = WholeOf(index);
+        const Part part = number < 0 ? Part() : session.Items(of, static_cast<std::size_t>(number), 1);
         if (part.items.empty())
-            throw Refusal{"index " + Number(index, true).text + " is outside of " + of.text};
-        return part.items.front();
+            throw Refusal{"index " + std::to_string(number) + " is outside of " + of.text};
+        Value item = part.items.front();
+        if (item.type.empty()) item.type = TypeOfItems(of.type);
+        return item;
     }
 
     Value Object(const std::string& type, const std::string& number) {
+        if (isLeftOut) return {};
         const Part objects = session.Objects(type, 0, all);
         if (const Value* object = Named(objects, "[" + number + "]")) return *object;
         throw Refusal{"there is no " + type + "#" + number};
@@ -269,22 +220,6 @@ private:
 
 Value Evaluate(Session& session, std::size_t frame, const std::string& text) {
     return Reader(session, frame, text).Whole();
-}
-
-bool IsNumber(const Value& value) { return value.kind == 'n' || value.kind == 'd'; }
-
-bool IsTrue(const Value& value) {
-    switch (value.kind) {
-        case 'b':
-            return value.text == "True";
-        case 'n':
-        case 'd':
-            return std::strtod(value.text.c_str(), nullptr) != 0;
-        case 's':
-            return !value.text.empty();
-        default:
-            return value.text != "Null";
-    }
 }
 
 }  // namespace debug

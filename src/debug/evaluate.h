@@ -4,19 +4,11 @@
 
 #include <string>
 
-#include "debug/session.h"
+#include "debug/operators.h"
 
 namespace debug {
 
-// What is wrong with an expression, in words.
-struct Refusal {
-    std::string text;
-};
-
 // In the frame with this number, the innermost being 0. Throws a Refusal.
 Value Evaluate(Session& session, std::size_t frame, const std::string& text);
-
-bool IsNumber(const Value& value);
-bool IsTrue(const Value& value);
 
 }  // namespace debug

@@ -13,18 +13,21 @@ struct Launch {
     std::string source;        // its main file
     std::string typedFolder;   // where paths that people type begin
     std::string installation;  // no step leads into the modules there
+    std::string kv;            // the command itself
 };
 
-// Why this system has no debugger; empty where it has one.
-extern const char* const noDebugger;
-
-// Serves somebody at a terminal. Returns the exit status of kv.
-int DebugInTerminal(const Launch& launch);
+// Serves somebody at a terminal. `remake` makes the program once more, from its source as it is then; false when that has
+// mistakes in it, which have been told. Returns the exit status of kv.
+int DebugInTerminal(const Launch& launch, const std::function<bool(Launch& launch)>& remake);
 
 // What kv dap takes from the program that it is a part of: makes a program of a source, with arguments for it. False
 // when that has mistakes in it; these have been said on the error stream.
 using Maker =
     std::function<bool(const std::string& source, const std::vector<std::string>& arguments, Launch& launch)>;
+
+// What kv is called with in a terminal of the editor's, where it runs a program for kv dap. Returns the program's status.
+bool IsDebuggeeCommand(const std::vector<std::string>& words);
+int RunDebuggee(const std::vector<std::string>& words);
 
 // Serves an editor, with the Debug Adapter Protocol on the standard streams. Returns the exit status of kv.
 int ServeEditor(const Maker& make);

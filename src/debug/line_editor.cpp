@@ -3,12 +3,24 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <unistd.h>
+
 #ifdef KORVEL_LINE_EDITING
 #include <histedit.h>
-#include <unistd.h>
 #endif
 
 namespace debug {
+
+namespace {
+
+// What comes from a pipe is no typing, and the rest of it may be for the program.
+bool IsTyped() {
+    if (isatty(STDIN_FILENO) != 0) return true;
+    std::setvbuf(stdin, nullptr, _IONBF, 0);
+    return false;
+}
+
+}  // namespace
 
 #ifdef KORVEL_LINE_EDITING
 
@@ -23,9 +35,8 @@ struct LineEditor::Library {
     HistEvent event = {};
 };
 
-// What comes from a pipe is no typing.
 LineEditor::LineEditor() : library(new Library()) {
-    if (isatty(STDIN_FILENO) == 0) return;
+    if (!IsTyped()) return;
     library->editor = el_init("kv", stdin, stdout, stderr);
     library->history = history_init();
     if (library->editor == nullptr || library->history == nullptr) return;
@@ -47,7 +58,7 @@ LineEditor::~LineEditor() {
 struct LineEditor::Library {
     void* editor = nullptr;
 };
-LineEditor::LineEditor() : library(new Library()) {}
+LineEditor::LineEditor() : library(new Library()) { IsTyped(); }
 LineEditor::~LineEditor() = default;
 
 #endif

@@ -1,6 +1,7 @@
 #include "debug/session.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <sstream>
@@ -54,10 +55,19 @@ std::string WithValues(Session& session, const std::string& text) {
 
 }  // namespace
 
+const char* const waitsText = "the program waits for something, and stands when that has come";
+
+std::size_t ItemCount(const Value& value) {
+    return value.kind == 'l' ? std::strtoul(value.text.c_str() + 1, nullptr, 10) : 0;
+}
+
 std::string Shown(const Value& value) { return value.kind == 's' ? "\"" + value.text + "\"" : value.text; }
 
-bool Session::Start(bool catches, std::string& problem) {
-    if (!target.Start(launch.command, catches, problem)) return false;
+bool Session::Start(const std::string& folder, bool catches, std::string& problem) {
+    return target.Start(launch.command, folder, catches, problem) && Begin(problem);
+}
+
+bool Session::Begin(std::string& problem) {
     for (std::string text;;) {
         const Target::Event event = target.Wait(-1, text);
         if (event == Target::Event::Ended) {
@@ -83,11 +93,16 @@ bool Session::Start(bool catches, std::string& problem) {
 }
 
 std::string Session::FindFile(const std::string& name) const {
-    const std::string typed = TextOf((PathOf(launch.typedFolder) / PathOf(name)).lexically_normal());
+    const std::filesystem::path typed = (PathOf(launch.typedFolder) / PathOf(name)).lexically_normal();
+    const std::string end = "/" + GenericTextOf(PathOf(name));
     std::string found;
+    std::error_code ignored;
     for (const Places& row : places) {
-        if (row.file == typed || row.file == name) return row.file;
-        if (EndsWith(row.file, "/" + name)) found = row.file;
+        const std::filesystem::path file = PathOf(row.file);
+        if (file == typed) return row.file;
+        const bool isSame =
+            EndsWith(GenericTextOf(file), end) || std::filesystem::equivalent(file, typed, ignored);
+        if (isSame) found = row.file;
     }
     return found;
 }
@@ -113,19 +128,23 @@ bool Session::FindRoutine(const std::string& name, std::string& file, int& line)
 }
 
 int Session::Add(Breakpoint breakpoint) {
-    breakpoint.number = ++lastNumber;
+    breakpoint.number = NewNumber();
     breakpoints.push_back(std::move(breakpoint));
     SendBreakpoints();
     return lastNumber;
+}
+
+void Session::TakeBreakpoints(const Session& other) {
+    breakpoints = other.breakpoints;
+    lastNumber = other.lastNumber;
 }
 
 bool Session::Remove(int number) {
     const auto found = std::find_if(breakpoints.begin(), breakpoints.end(),
                                     [number](const Breakpoint& one) { return one.number == number; });
     if (found == breakpoints.end()) return false;
-    found->line = 0;
-    SendBreakpoints();
     breakpoints.erase(found);
+    SendBreakpoints();
     return true;
 }
 
@@ -229,6 +248,8 @@ Part Session::Locals(std::size_t frame) {
 
 Part Session::Globals() { return AskForPart("globals"); }
 
+Part Session::Consts() { return AskForPart("consts"); }
+
 Part Session::Items(const Value& value, std::size_t first, std::size_t count) {
     return value.ref < 0 ? Part() : AskForPart("items\t" + std::to_string(value.ref) + Range(first, count));
 }
@@ -256,8 +277,10 @@ bool Session::Set(const Value& place, const Value& value) {
 }
 
 std::string Session::ShortPath(const std::string& file) const {
-    const std::string folder = launch.typedFolder + "/";
-    return StartsWith(file, folder) ? file.substr(folder.size()) : file;
+    const std::string& folder = launch.typedFolder;
+    const bool isInside =
+        StartsWith(file, folder) && file.find_first_of("/\\", folder.size()) == folder.size();
+    return isInside ? file.substr(folder.size() + 1) : file;
 }
 
 }  // namespace debug

@@ -58,12 +58,13 @@ class Session {
 public:
     explicit Session(const Launch& what) : launch(what) {}
 
-    const Launch launch;
+    Launch launch;
     Target target;
     std::vector<Breakpoint> breakpoints;
 
-    // The program stands before its first statement then.
-    bool Start(bool catches, std::string& problem);
+    // The program stands before its first statement then. Begin: its target is there already.
+    bool Start(const std::string& folder, bool catches, std::string& problem);
+    bool Begin(std::string& problem);
 
     // Where statements stand. The full path of a file of the program that is named by its way or the end of its path; a
     // line that a run can stop at, from this one on; the first one of a routine. Empty, or 0, where there is none.
@@ -71,6 +72,8 @@ public:
     int FindLine(const std::string& file, int line) const;
     bool FindRoutine(const std::string& name, std::string& file, int& line) const;
 
+    int NewNumber() { return ++lastNumber; }
+    void TakeBreakpoints(const Session& other);
     int Add(Breakpoint breakpoint);
     bool Remove(int number);
     void SendBreakpoints();
@@ -85,6 +88,7 @@ public:
     std::vector<Frame> Stack(std::size_t first, std::size_t count, std::size_t& total);
     Part Locals(std::size_t frame);
     Part Globals();
+    Part Consts();
     Part Items(const Value& value, std::size_t first, std::size_t count);
     Part Objects(const std::string& type, std::size_t first, std::size_t count);
     std::vector<TypeCount> Types();
@@ -105,6 +109,12 @@ private:
     bool Stops(Breakpoint& breakpoint, std::string& logged);
     bool ForgetEnds();  // where a step was given its end; false when there are none
 };
+
+// Said when a program that is to stand does not.
+extern const char* const waitsText;
+
+// How many items a list has, "[3]".
+std::size_t ItemCount(const Value& value);
 
 // How a value is shown: Strings in quotes.
 std::string Shown(const Value& value);

@@ -36,7 +36,7 @@ int Terminal::Run() {
 bool Terminal::Begin() {
     std::string problem;
     stands = failed = false;
-    if (session.Start(false, problem)) return true;
+    if (session.Start("", false, problem)) return true;
     std::printf("cannot run the program: %s\n", problem.c_str());
     return false;
 }
@@ -69,7 +69,8 @@ void Terminal::Go(const char* how) {
     std::string text, logged;
     for (;;) {
         const Target::Event event = session.target.Wait(-1, text);
-        if (event == Target::Event::Interrupted) session.target.Send("pause");
+        if (event == Target::Event::Interrupted) session.target.Pause();
+        if (event == Target::Event::Late) std::printf("\n%s\n", waitsText);
         if (event == Target::Event::Ended) return TellEnd();
         if (event != Target::Event::Line) continue;
         const bool stopped = session.TakesStop(text, stop, logged);
@@ -90,6 +91,7 @@ void Terminal::End() {
 }
 
 void Terminal::TellStop(const Stop& stop) {
+    if (stop.reason == "pause") std::printf("\n");  // behind ^C
     if (stop.reason == "failure") std::printf("the program has failed and will end\n");
     if (stop.reason == "breakpoint") std::printf("breakpoint %d, ", stop.breakpoint);
     TellFrame();
@@ -122,8 +124,12 @@ void Terminal::Until(const std::string& rest) {
     Go("go");
 }
 
+// The source may have been mended meanwhile; where it cannot be made, the program stays where it is.
 void Terminal::Restart(const std::string&) {
+    Launch made;
+    if (!remake(made)) throw Refusal{"the program stays where it is"};
     session.target.End(true);
+    session.launch = made;
     leaves = !Begin();
     if (!leaves) std::printf("the program stands before its beginning\n");
 }
@@ -197,7 +203,7 @@ const std::vector<Terminal::Row>& Terminal::Rows() {
         {"step", "s", "", "go to the next line, into calls", &Terminal::Step},
         {"out", "o", "", "go to where this routine was called", &Terminal::Finish},
         {"until", "u", "PLACE", "go to a place", &Terminal::Until},
-        {"restart", "", "", "begin anew", &Terminal::Restart},
+        {"restart", "", "", "make the program and begin anew", &Terminal::Restart},
         {"break", "b", "[PLACE [if CONDITION] [hit N] [log TEXT]]", "stop there; alone: list the breakpoints",
          &Terminal::Break},
         {"delete", "d", "NUMBER", "forget a breakpoint", &Terminal::Delete},
@@ -219,6 +225,8 @@ const std::vector<Terminal::Row>& Terminal::Rows() {
     return rows;
 }
 
-int DebugInTerminal(const Launch& launch) { return Terminal(launch).Run(); }
+int DebugInTerminal(const Launch& launch, const std::function<bool(Launch& launch)>& remake) {
+    return Terminal(launch, remake).Run();
+}
 
 }  // namespace debug

@@ -8,7 +8,8 @@ namespace debug {
 
 class Terminal {
 public:
-    explicit Terminal(const Launch& launch) : session(launch) {}
+    Terminal(const Launch& launch, const std::function<bool(Launch& launch)>& maker)
+        : remake(maker), session(launch) {}
 
     int Run();
 
@@ -19,6 +20,7 @@ private:
     };
     static const std::vector<Row>& Rows();
 
+    std::function<bool(Launch& launch)> remake;
     Session session;
     LineEditor editor;
     TerminalTurns turns;

@@ -51,7 +51,10 @@ void Terminal::TellBreakpoint(const Breakpoint& one) {
     if (!one.condition.empty()) std::printf(" if %s", one.condition.c_str());
     if (one.wanted > 0) std::printf(" hit %d", one.wanted);
     if (!one.log.empty()) std::printf(" log %s", one.log.c_str());
-    std::printf("%s\n", one.hits > 0 ? (", met " + std::to_string(one.hits) + " times").c_str() : "");
+    std::printf("%s\n",
+                one.hits > 0
+                    ? (", met " + std::to_string(one.hits) + (one.hits == 1 ? " time" : " times")).c_str()
+                    : "");
 }
 
 void Terminal::TellBreakpoints() {

@@ -11,19 +11,14 @@
 namespace {
 
 bool MakeForDebugger(const Options& options, debug::Launch& launch) {
-    if (*debug::noDebugger != '\0') {
-        ShowProblem(debug::noDebugger);
-        return false;
-    }
     Job job;
     if (!PrepareJob(options, job) || !Make(job)) return false;
     if (job.debuggerCode.empty()) {
-        ShowProblem("the debugger's side in the program cannot be made: there is no room for it in " +
-                    UserCacheFolder());
-        return false;
+        return Refuse("the debugger's side in the program cannot be made: there is no room for it in " +
+                      UserCacheFolder());
     }
     TellFolder(job);
-    launch = {ProgramCommand(job), job.source, job.typedFolder, job.installation};
+    launch = {ProgramCommand(job), job.source, job.typedFolder, job.installation, job.kv};
     return true;
 }
 
@@ -31,8 +26,12 @@ bool MakeForDebugger(const Options& options, debug::Launch& launch) {
 
 int DebugCommand(const Options& options) {
     debug::Launch launch;
-    return MakeForDebugger(options, launch) ? debug::DebugInTerminal(launch) : 1;
+    const auto remake = [&options](debug::Launch& made) { return MakeForDebugger(options, made); };
+    return remake(launch) ? debug::DebugInTerminal(launch, remake) : 1;
 }
+
+bool IsDebuggeeCommand(const std::vector<std::string>& words) { return debug::IsDebuggeeCommand(words); }
+int RunDebuggee(const std::vector<std::string>& words) { return debug::RunDebuggee(words); }
 
 int DapCommand(const Options& options) {
     UseBinaryStreams();
@@ -50,13 +49,14 @@ int DapCommand(const Options& options) {
 namespace {
 
 int NeedsJson() {
-    ShowProblem("this kv was built without JSON, which the debugger speaks (Debian: nlohmann-json3-dev)");
-    return 1;
+    return Fail("this kv was built without JSON, which the debugger speaks (Debian: nlohmann-json3-dev)");
 }
 
 }  // namespace
 
 int DebugCommand(const Options&) { return NeedsJson(); }
 int DapCommand(const Options&) { return NeedsJson(); }
+bool IsDebuggeeCommand(const std::vector<std::string>&) { return false; }
+int RunDebuggee(const std::vector<std::string>&) { return 1; }
 
 #endif
