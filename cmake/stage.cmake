@@ -17,8 +17,8 @@ function(stage_completion shell name)
     set(STAGE_OUTPUTS ${STAGE_OUTPUTS} ${STAGE}/${name} PARENT_SCOPE)
 endfunction()
 
-file(GLOB_RECURSE STAGE_INPUTS CONFIGURE_DEPENDS config/* include/* lib/* userlibs/* docs/manual/*.md docs/manual/*.svg examples/*.kvl
-    examples/*.in examples/expected/*)
+file(GLOB_RECURSE STAGE_INPUTS CONFIGURE_DEPENDS config/* include/* lib/* userlibs/* docs/manual/*.md docs/manual/*.svg docs/manual/*.png
+    examples/*.kvl examples/*.in examples/expected/*)
 foreach(input ${STAGE_INPUTS})
     if(NOT input MATCHES "/\\.kvbuild/")
         file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${input})

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -26,6 +28,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* sourceExtension = ".kvl";
+
+// Those of files that often come again are left to the end of the run.
+constexpr std::string_view extensionsThatComeAgain[] = {".cpp", ".h", ".units", ".places"};
 
 std::string ManifestPath(const std::string& outputPath) {
     return outputPath + "/." + StripFolder(settings.mainSource) + ".manifest";
@@ -59,9 +64,12 @@ std::string ExtensionOf(const std::string& path) {
     return dot == std::string::npos ? std::string() : name.substr(dot);
 }
 
-bool IsGenerated(const std::string& extension) {
-    return extension == ".cpp" || extension == ".h" || extension == ".js";
+bool ComesAgain(const std::string& extension) {
+    const auto end = std::end(extensionsThatComeAgain);
+    return std::find(std::begin(extensionsThatComeAgain), end, extension) != end;
 }
+
+bool IsGenerated(const std::string& extension) { return ComesAgain(extension) || extension == ".js"; }
 
 bool SameFile(const std::string& a, const std::string& b) {
     std::error_code failed;
@@ -191,7 +199,7 @@ private:
         if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(PathOf(line), failed))) return;
         if (IsGenerated(ExtensionOf(line)) && !IsOurs(line)) return;
         if (IsPutOff(line)) return;  // counted already
-        const bool mayComeAgain = EndsWith(line, ".cpp") || EndsWith(line, ".h");
+        const bool mayComeAgain = ComesAgain(ExtensionOf(line));
         if (mayComeAgain && PutOffDeletion(line)) {
             ++count;
         } else if (fs::remove(PathOf(line), failed) && !failed) {

@@ -5,10 +5,12 @@
 
 #include "base/parallel.h"
 #include "base/report.h"
+#include "base/settings.h"
 #include "base/utf8.h"
 #include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "prelude/units.h"
 #include "statements/program.h"
 
 namespace {
@@ -50,13 +52,53 @@ void WriteAll(const std::vector<const FileOutput*>& files) {
         if (!failure.empty()) ReportFatal(failure);
 }
 
+// Writes files on both cores, some hundreds at a time.
+class BatchWriter {
+public:
+    void Add(ProgramFile&& file) {
+        AddOnce(symbols.generatedFiles, file.path);
+        if (!ReserveOutput(file.path)) Fail(file.path);
+        files.push_back(std::move(file));
+        if (files.size() == filesOfBatch) Write();
+    }
+
+    void Write() {
+        std::vector<char> failed(files.size());
+        InParallel(files.size(), [&](std::size_t i) {
+            if (!WriteOutput(files[i].path, files[i].text)) failed[i] = 1;
+        });
+        for (std::size_t i = 0; i < files.size(); ++i)
+            if (failed[i] != 0) Fail(files[i].path);
+        files.clear();
+    }
+
+private:
+    static constexpr std::size_t filesOfBatch = 500;
+    std::vector<ProgramFile> files;
+
+    [[noreturn]] static void Fail(const std::string& path) {
+        ReportFatal("Cannot write modified cpp file: " + path);
+    }
+};
+
+void WriteUnits() {
+    std::error_code failed;
+    if (!settings.checkOnly)
+        std::filesystem::create_directories(PathOf(program.main->folder + "/" + folderOfUnits), failed);
+    BatchWriter writer;
+    MakeUnits(program, [&writer](ProgramFile&& file) { writer.Add(std::move(file)); });
+    writer.Write();
+}
+
 }  // namespace
 
 void WriteFinished(const std::vector<std::string>& sources) {
+    if (settings.units) return;
     for (const std::string& source : sources) WriteOutputs(*FindSourceFile(source)->begun);
 }
 
 void WriteProgram() {
+    if (settings.units) return WriteUnits();
     std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)
         if (!file.isMain) included.push_back(&file);

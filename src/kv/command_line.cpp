@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "base/edit_distance.h"
 #include "base/text.h"
 #include "kv/commands/commands.h"
 
@@ -16,6 +17,36 @@ const struct {
     const char* word;
     const char* command;
 } shortWords[] = {{"--help", "help"}, {"-h", "help"}, {"--version", "version"}, {"-V", "version"}};
+
+// What commands and options are called elsewhere.
+const struct {
+    const char *word, *here;
+} elsewhere[] = {{"compile", "build"}, {"make", "build"},    {"exec", "run"},
+                 {"start", "run"},     {"init", "new"},      {"create", "new"},
+                 {"format", "fmt"},    {"lint", "check"},    {"man", "doc"},
+                 {"--output", "-o"},   {"-v", "--verbose"},  {"-g", "--debug"},
+                 {"--release", "-O2"}, {"--optimize", "-O"}, {"--windows", "--target windows"}};
+
+// "; did you mean check?", of the words that there are; empty where none is like it.
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& known) {
+    std::string nearest;
+    std::size_t best = word.size() < 5 ? 1 : 2;
+    for (const std::string& other : known) {
+        const std::size_t distance = EditDistance(word, other, best);
+        if (distance > best || (distance == best && !nearest.empty())) continue;
+        best = distance;
+        nearest = other;
+    }
+    for (const auto& row : elsewhere)
+        if (word == row.word) nearest = row.here;
+    return nearest.empty() ? "" : "; did you mean " + nearest + "?";
+}
+
+std::string UnknownCommand(const std::string& word) {
+    std::vector<std::string> known;
+    for (const CommandRow& row : CommandRows()) known.emplace_back(row.word);
+    return "unknown command \"" + word + "\"" + DidYouMean(word, known);
+}
 
 const CommandRow* FindCommand(std::string word) {
     for (const auto& row : shortWords) {
@@ -88,14 +119,23 @@ std::string CommandsOf(const OptionRow& option) {
 }
 
 std::string UnknownOption(const std::string& word) {
+    std::vector<std::string> known;
     for (const OptionRow& row : OptionRows()) {
         if (word.substr(0, word.find('=')) == row.names) return word + " belongs to " + CommandsOf(row);
+        known.emplace_back(row.names);
     }
-    return "unknown option \"" + word + "\"";
+    return "unknown option \"" + word + "\"" + DidYouMean(word.substr(0, word.find('=')), known);
 }
 
 std::string NeedsValue(const OptionRow& row) {
     return std::string(row.names) + " needs a " + row.value + " behind it";
+}
+
+// "mac not in {windows}", as CLI11 puts it.
+std::string WrongChoice(const OptionRow& row, const std::string& problem) {
+    std::string choices;
+    for (const std::string& choice : WordsOf(row.choices)) choices += (choices.empty() ? "" : ", ") + choice;
+    return std::string(row.names) + " is one of " + choices + ", not " + problem.substr(0, problem.find(' '));
 }
 
 // An option whose value is empty.
@@ -106,6 +146,11 @@ std::string EmptyValue(const Options& options, const CLI::App& app) {
         if (option != nullptr && option->count() > 0 && (options.**value).empty()) return NeedsValue(row);
     }
     return "";
+}
+
+bool IsCount(const std::string& word) {
+    return word.find_first_not_of("0123456789") == std::string::npos &&
+           word.find_first_of("123456789") != std::string::npos;
 }
 
 bool TakesArguments(Command command) {
@@ -143,6 +188,9 @@ std::string Read(const CommandRow& row, std::vector<std::string> words, Options&
         for (const OptionRow& option : OptionRows()) {
             if (text == std::string(option.names) + ": 1 required " + option.value + " missing")
                 return NeedsValue(option);
+            const std::string start = std::string(option.names) + ": ";
+            if (*option.choices != '\0' && text.compare(0, start.size(), start) == 0)
+                return WrongChoice(option, text.substr(start.size()));
         }
         return text;
     }
@@ -175,18 +223,22 @@ bool ParseCommandLine(const std::vector<std::string>& arguments, Options& option
     if (row == nullptr) {
         problem = EndsWith(arguments[0], ".kvl")
                       ? "what shall be done with " + arguments[0] + "? Try: kv run " + arguments[0]
-                      : "unknown command \"" + arguments[0] + "\"";
+                      : UnknownCommand(arguments[0]);
         return false;
     }
     options.command = row->command;
     const auto end = std::find(arguments.begin() + 1, arguments.end(), "--");
     if (end != arguments.end()) options.arguments.assign(end + 1, arguments.end());
     problem = Read(*row, {arguments.begin() + 1, end}, options);
+    if (row->command == Command::help && !options.names.empty() && FindCommand(options.names[0]) == nullptr)
+        problem = UnknownCommand(options.names[0]);
     if (options.command == Command::help || !problem.empty()) return problem.empty();
     if (!options.names.empty()) options.source = options.names[0];
     if (!options.optimisation.empty()) options.optimisation.insert(0, "-O");
     if (!options.arguments.empty() && !TakesArguments(options.command))
         problem = "arguments after \"--\" belong to kv run";
+    if (!options.jobs.empty() && !IsCount(options.jobs))
+        problem = "--jobs takes a number from 1 on, not \"" + options.jobs + "\"";
     return problem.empty();
 }
 

@@ -37,6 +37,7 @@ struct Options {
     bool verbose = false;                // --verbose
     std::string target;                  // --target: "windows"; empty for this system
     bool isStatic = false;               // --static
+    std::string jobs;                    // --jobs, as typed; empty for as many as there are cores
     std::string timeout;                 // test: --timeout, as typed; empty for the usual one
     std::vector<std::string> data;       // package: --data, as typed
     bool onlyCheck = false;              // fmt: --check

@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 
+#include "base/command_quoting.h"
 #include "base/utf8.h"
-#include "kv/command_quoting.h"
-#include "kv/compiler_report.h"
+#include "kv/compile_units.h"
+#include "kv/compiler_call.h"
 #include "kv/diagnostics.h"
 #include "kv/inputs.h"
-#include "kv/platform.h"
+#include "kv/link.h"
 #include "kv/precompiled.h"
-#include "kv/progress.h"
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
 #include "kv/write_file.h"
@@ -20,90 +19,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-// What the user can mend of what the compiler said.
-std::vector<Diagnostic> Mistakes(const Job& job, const std::string& output) {
-    return ExplainCompilerOutput(output, job.translation.sources, job.build.cppFolder, job.sourceFolder);
-}
-
-// A mistake in the Korvel source never gets here: the compiler refuses it. What remains is C++ written by the user, a
-// library that is missing, or a fault of the translation.
-void ShowFailure(const Job& job, const std::string& output) {
-    const std::vector<Diagnostic> mistakes = Mistakes(job, output);
-    for (Diagnostic diagnostic : mistakes) {
-        if (!diagnostic.file.empty()) diagnostic.file = ShortPath(diagnostic.file, job.typedFolder);
-        Show(diagnostic);
-    }
-    Diagnostic summary;
-    summary.file = ShortPath(job.source, job.typedFolder);
-    summary.severity = mistakes.empty() ? Severity::Error : Severity::Note;
-    summary.message = mistakes.empty()
-                          ? "the program was translated, but the C++ compiler refused the result. This is "
-                            "a fault of the\nKorvel compiler (or of C++ in an InlineCpp block), not of "
-                            "your Korvel code.\n"
-                          : "";
-    summary.message += "all that the C++ compiler said: " + job.build.compilerErrors;
-    if (!job.options.verbose) summary.message += " (--verbose shows it)";
-    Show(summary);
-}
-
-// One call of the compiler. `output` receives what it said on its error stream.
-bool RunCompiler(const Job& job, const std::vector<std::string>& command, const std::string& work,
-                 std::string& output) {
-    ProcessRequest request;
-    request.arguments = command;
-    request.workingFolder = job.sourceFolder;  // -L and the like in Linker lines count from there
-    request.outputFile = job.build.compilerOutput;
-    request.errorFile = job.build.compilerErrors;
-    if (job.options.verbose) std::fprintf(stderr, "%s\n", ReadableCommandLine(request.arguments).c_str());
-    Progress progress(work);
-    request.whileWaiting = progress.Ticks();
-    std::string problem;
-    const int status = RunProcess(request, problem);
-    progress.End();
-    output = problem.empty() ? ReadWhole(request.errorFile) : "cannot execute " + command[0] + ": " + problem;
-    if (!problem.empty()) std::ofstream(PathOf(request.errorFile), std::ios::binary) << output << "\n";
-    if (job.options.verbose) std::fprintf(stderr, "%s", output.c_str());
-    constexpr int signalsFrom = 128, lastSignal = 64;
-    if (status > signalsFrom && status <= signalsFrom + lastSignal)
-        output += "it was ended by signal " + std::to_string(status - signalsFrom) + "\n";
-    return problem.empty() && status == 0;
-}
-
-CompileJob CompileJobOf(const Job& job) {
-    CompileJob compile;
-    compile.mainCpp = job.mainCpp;
-    // What was made before stays until the new results are complete.
-    compile.object = job.build.object;
-    compile.newObject = job.build.object + ".new";
-    // A name that every compiler can be told, however the program is called.
-    compile.newProgram = TextOf(PathOf(job.build.folder) / ("program.new" + ProgramSuffix(job)));
-    compile.newDependencies = job.build.dependencies + ".new";
-    compile.includeFolder = TextOf(PathOf(job.installation) / "include");
-    compile.sourceFolder = job.sourceFolder;
-    compile.optimisation = job.options.optimisation;
-    compile.debug = job.options.debug;
-    compile.safe = job.options.safe;
-    compile.isForWindows = IsForWindows(job.options);
-    compile.isStatic = job.options.isStatic;
-    compile.places = TellsPlaces(job.options);
-    compile.failureCode = job.failureCode;
-    compile.debuggerCode = job.debuggerCode;
-    compile.cppFolder = job.build.cppFolder;
-    compile.linkerFlags = job.linkerFlags;
-    return compile;
-}
-
-PrecompileJob PrecompileJobOf(const Job& job) {
-    PrecompileJob precompile;
-    precompile.compiler = job.compiler;
-    precompile.includeFolder = TextOf(PathOf(job.installation) / "include");
-    precompile.optimisation = job.options.optimisation;
-    precompile.debug = job.options.debug;
-    precompile.places = TellsPlaces(job.options);
-    precompile.verbose = job.options.verbose;
-    return precompile;
-}
 
 // Finds or makes the precompiled header that serves the job's compilation, if any.
 void ChoosePrelude(Job& job) {
@@ -113,10 +28,6 @@ void ChoosePrelude(Job& job) {
 
 using CommandBuilder = std::vector<std::string> (*)(const std::vector<std::string>& compiler,
                                                     const CompileJob& job);
-
-void ShowFailureUnlessDisturbed(Job& job, const std::string& output) {
-    if (!IsDisturbed(job.build) && !GiveUpPlace(job.build)) ShowFailure(job, output);
-}
 
 // Begins a compilation: what an earlier one has left does not count any more.
 bool RunCompilation(const Job& job, const CompileJob& compile, CommandBuilder commandOf,
@@ -145,14 +56,6 @@ bool CompileOn(Job& job, CompileJob& compile, CommandBuilder commandOf) {
     }
     if (!done) ShowFailureUnlessDisturbed(job, output);
     return done;
-}
-
-// Puts a complete result into its place.
-bool Finish(const Job& job, const std::string& newFile, const std::string& file) {
-    std::error_code failed;
-    fs::rename(PathOf(newFile), PathOf(file), failed);
-    if (failed && !IsDisturbed(job.build)) ShowProblem("cannot write " + file + ": " + failed.message());
-    return !failed;
 }
 
 // Puts the record of what was read into its place; a compiler may not have written one.
@@ -185,48 +88,12 @@ bool MakeObject(Job& job, CompileJob& compile) {
     return true;
 }
 
-// The flags that are worth a try when the program is linked.
-std::vector<std::string> QuickLinking(const Job& job) {
-    if (!job.linkerFlags.empty())
-        return LinkerRecordFlags(PathForTool(job.build.linkDependencies, job.sourceFolder));
-    // Linkers differ in small ways: for a program that is to stay, the usual one.
-    return job.options.optimisation == "-O0" && !IsForWindows(job.options) ? QuickLinkerFlags()
-                                                                           : std::vector<std::string>();
-}
-
-bool RunLinker(const Job& job, const CompileJob& compile, std::string& output) {
-    std::error_code ignored;
-    fs::remove(PathOf(job.build.linkDependencies), ignored);
-    fs::remove(PathOf(compile.newProgram), ignored);
-    return RunCompiler(job, LinkCommand(job.compiler, compile), "Linking " + ProgramName(job.source), output);
-}
-
-bool Link(Job& job, CompileJob& compile) {
+bool MakeFromOneUnit(Job& job, CompileJob& compile) {
+    if (!MakeObject(job, compile)) return false;
     std::string output;
-    compile.quickLinking = QuickLinking(job);
-    if (RunLinker(job, compile, output)) return true;
-    if (!compile.quickLinking.empty()) {
-        compile.quickLinking.clear();
-        if (RunLinker(job, compile, output)) return true;
-    }
-    ShowFailureUnlessDisturbed(job, output);
+    if (MakeProgram(job, compile, output)) return true;
+    if (!output.empty()) ShowFailureUnlessDisturbed(job, output);
     return false;
-}
-
-// Links unless the program was linked from this very object before.
-bool MakeProgram(Job& job, CompileJob& compile) {
-    const std::string command = ReadableCommandLine(LinkCommand(job.compiler, compile));
-    if (StampHolds(job.build.linkStamp, command)) return true;
-    std::error_code ignored;
-    fs::remove(PathOf(job.build.linkStamp), ignored);
-    if (!Link(job, compile) || !Finish(job, compile.newProgram, job.build.program)) return false;
-    StampFiles files;
-    files.sources = FilesReadByLinker(job);
-    if (files.sources.empty() && !job.linkerFlags.empty()) return true;
-    for (const std::string& program : CompilerFiles(job.compiler)) files.sources.push_back(program);
-    files.products = {job.build.object, job.build.program};
-    WriteStamp(job.build.linkStamp, job.build.started, command, files);
-    return true;
 }
 
 bool CopyLibraries(const Job& job) {
@@ -284,7 +151,9 @@ bool Compile(Job& job) {
     CompileJob compile = CompileJobOf(job);
     compile.loadsLibraries = !job.translation.libraries.empty();
     if (CanLinkApart(job.linkerFlags)) {
-        if (!MakeObject(job, compile) || !MakeProgram(job, compile)) return false;
+        const bool isMade = MakeFromUnits(job, compile);
+        if (IsDisturbed(job.build)) return false;
+        if (!isMade && !MakeFromOneUnit(job, compile)) return false;
     } else {
         std::error_code ignored;
         fs::remove(PathOf(job.build.linkDependencies), ignored);

@@ -7,36 +7,16 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <set>
 #include <sstream>
-#include <unordered_map>
 
 #include "base/utf8.h"
+#include "kv/linker_report.h"
 #include "kv/platform.h"
+#include "kv/source_traces.h"
 
 namespace {
 
 const std::size_t errorsShown = 10;
-
-struct Place {
-    std::string file;
-    int line = 0;
-};
-
-std::string Trimmed(const std::string& text) {
-    const char blanks[] = " \t\r";
-    const std::size_t first = text.find_first_not_of(blanks);
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::string FirstWord(const std::string& line) {
-    std::string word;
-    for (const char c : line) {
-        if (!std::isalnum(static_cast<unsigned char>(c))) break;
-        word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    return word;
-}
 
 bool IsFile(const std::string& path) {
     std::error_code failed;
@@ -48,60 +28,6 @@ bool IsWithin(const std::string& path, const std::string& folder) {
         PathOf(path).lexically_normal().lexically_relative(PathOf(folder).lexically_normal());
     return !relative.empty() && *relative.begin() != "..";
 }
-
-// What of the Korvel sources can turn up in a message about the C++: lines of inline C++ by their place or, where the
-// generated C++ does not lead there (--plain), by their text, and where blocks of C declarations and Linker lines stand.
-class SourceLines {
-public:
-    explicit SourceLines(const std::vector<std::string>& sources) {
-        for (const std::string& source : sources) Read(source);
-    }
-
-    const Place* InlineLine(const std::string& text) const {
-        const auto found = inlineLines_.find(Trimmed(text));
-        return found != inlineLines_.end() ? &found->second : nullptr;
-    }
-
-    bool IsSource(const std::string& file) const { return linesInline_.count(file) != 0; }
-    bool IsInline(const Place& place) const {
-        const auto file = linesInline_.find(place.file);
-        return file != linesInline_.end() && file->second.count(place.line) != 0;
-    }
-
-    // The first Linker line or line of an Extern block that contains the text; its file is empty if there is none.
-    Place LineWith(const std::string& text) const {
-        for (const auto& line : linkingLines_) {
-            if (line.first.find(text) != std::string::npos) return line.second;
-        }
-        return Place();
-    }
-
-private:
-    void Read(const std::string& source) {
-        std::ifstream stream(PathOf(source), std::ios::binary);
-        bool inInline = false;
-        bool inExtern = false;
-        Place place;
-        place.file = source;
-        std::set<int>& linesInline = linesInline_[source];
-        for (std::string line; std::getline(stream, line);) {
-            ++place.line;
-            line = Trimmed(line);
-            const std::string word = FirstWord(line);
-            if (word == "endinlinecpp") inInline = false;
-            if (word == "endextern") inExtern = false;
-            if (inInline && !line.empty()) inlineLines_.emplace(line, place);
-            if (inInline) linesInline.insert(place.line);
-            if (inExtern || word == "linker") linkingLines_.emplace_back(line, place);
-            if (word == "inlinecpp") inInline = true;
-            if (word == "extern") inExtern = true;
-        }
-    }
-
-    std::unordered_map<std::string, Place> inlineLines_;
-    std::map<std::string, std::set<int>> linesInline_;  // of each source
-    std::vector<std::pair<std::string, Place>> linkingLines_;
-};
 
 // The lines of the generated files that messages point at; each file is read once.
 class GeneratedLines {
@@ -123,7 +49,7 @@ private:
 };
 
 // "path:12:5: error: message"; a path may hold a colon (C:\...).
-bool ParseErrorLine(const std::string& text, Place& place, std::string& message) {
+bool ParseErrorLine(const std::string& text, TracePlace& place, std::string& message) {
     for (const std::string mark : {": error: ", ": fatal error: "}) {
         const std::size_t end = text.find(mark);
         if (end == std::string::npos) continue;
@@ -138,14 +64,6 @@ bool ParseErrorLine(const std::string& text, Place& place, std::string& message)
         return place.line > 0;
     }
     return false;
-}
-
-// What stands between the mark and the closing character; empty when the mark does not occur.
-std::string TextAfter(const std::string& line, const std::string& mark, const char* closers) {
-    const std::size_t start = line.find(mark);
-    if (start == std::string::npos) return "";
-    const std::size_t from = start + mark.size();
-    return line.substr(from, line.find_first_of(closers, from) - from);
 }
 
 // Trouble that has nothing to do with the program.
@@ -181,28 +99,6 @@ bool ExplainTrouble(const std::string& line, Diagnostic& diagnostic) {
     return !diagnostic.message.empty();
 }
 
-bool ExplainLinkerLine(const std::string& line, const SourceLines& sources, Diagnostic& diagnostic) {
-    std::string library = TextAfter(line, "cannot find -l", ": \r");
-    if (library.empty()) library = TextAfter(line, "library not found for -l", ": \r");
-    if (library.empty()) library = TextAfter(line, "unable to find library -l", ": \r");
-    Place place;
-    if (!library.empty()) {
-        place = sources.LineWith("-l" + library);
-        diagnostic.message = "the library " + library + " was not found (Linker \"-l" + library + "\")";
-    } else {
-        std::string name = TextAfter(line, "undefined reference to `", "'(");
-        if (name.empty()) name = TextAfter(line, "undefined symbol: ", " (\r");
-        if (name.empty()) return false;
-        place = sources.LineWith(name);
-        if (place.file.empty()) return false;
-        diagnostic.message =
-            "no library defines the Extern function " + name + " (a Linker line names libraries)";
-    }
-    diagnostic.file = place.file;
-    diagnostic.line = place.line;
-    return true;
-}
-
 struct Folders {
     const std::string& generated;
     const std::string& user;
@@ -210,15 +106,15 @@ struct Folders {
 
 // An error in a generated file counts where its line was copied from an InlineCpp block, one in a source where inline C++
 // stands; in another file of the user's it counts as it is.
-bool ExplainErrorLine(const std::string& line, const SourceLines& sources, GeneratedLines& generated,
+bool ExplainErrorLine(const std::string& line, const SourceTraces& sources, GeneratedLines& generated,
                       const Folders& folders, Diagnostic& diagnostic) {
-    Place place;
+    TracePlace place;
     std::string message;
     if (!ParseErrorLine(line, place, message)) return false;
     place.file =
         TextOf((PathOf(folders.user) / PathOf(place.file)).lexically_normal());  // where compilers run
     if (IsWithin(place.file, folders.generated)) {
-        const Place* inlined = sources.InlineLine(generated.Line(place.file, place.line));
+        const TracePlace* inlined = sources.InlineLine(generated.Line(place.file, place.line));
         if (inlined == nullptr) return false;
         place = *inlined;
     } else if (sources.IsSource(place.file)) {
@@ -233,7 +129,7 @@ bool ExplainErrorLine(const std::string& line, const SourceLines& sources, Gener
 }
 
 bool BlamesCpp(const std::string& line) {
-    Place place;
+    TracePlace place;
     std::string message;
     return ParseErrorLine(line, place, message) || line.find("undefined reference") != std::string::npos ||
            line.find("undefined symbol") != std::string::npos ||
@@ -267,15 +163,17 @@ Diagnostic TroubleOfItsOwn(const std::string& output) {
 
 std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
                                               const std::vector<std::string>& sources,
-                                              const std::string& cppFolder, const std::string& sourceFolder) {
-    const SourceLines sourceLines(sources);
+                                              const std::string& cppFolder, const std::string& sourceFolder,
+                                              bool isStatic) {
+    const SourceTraces sourceLines(sources);
     const Folders folders = {cppFolder, sourceFolder};
     GeneratedLines generatedLines;
     std::vector<Diagnostic> found;
     std::istringstream lines(output);
     for (std::string line; found.size() < errorsShown && std::getline(lines, line);) {
         Diagnostic diagnostic;
-        if (!ExplainTrouble(line, diagnostic) && !ExplainLinkerLine(line, sourceLines, diagnostic) &&
+        if (!ExplainTrouble(line, diagnostic) &&
+            !ExplainLinkerLine(line, sourceLines, isStatic, diagnostic) &&
             !ExplainErrorLine(line, sourceLines, generatedLines, folders, diagnostic)) {
             continue;
         }
@@ -285,6 +183,8 @@ std::vector<Diagnostic> ExplainCompilerOutput(const std::string& output,
         });
         if (!known) found.push_back(diagnostic);
     }
+    if (Diagnostic lack; found.empty() && ExplainLackOfLibrary(output, sourceLines, isStatic, lack))
+        found.push_back(lack);
     if (found.empty()) found.push_back(TroubleOfItsOwn(output));
     if (found.back().message.empty()) found.pop_back();
     return found;

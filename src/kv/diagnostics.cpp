@@ -174,6 +174,11 @@ static void ShowOwn(Severity severity, const std::string& message) {
 
 void ShowProblem(const std::string& message) { ShowOwn(Severity::Error, message); }
 
+bool Refuse(const std::string& problem) {
+    ShowProblem(problem);
+    return false;
+}
+
 void ShowNote(const std::string& message) { ShowOwn(Severity::Note, message); }
 
 std::string ShortPath(const std::string& path, const std::string& folder) {

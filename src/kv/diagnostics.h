@@ -29,6 +29,8 @@ void Show(const Diagnostic& diagnostic);
 
 // "kv: error: message", for what concerns no source.
 void ShowProblem(const std::string& message);
+// The same, for those who give up then: false.
+bool Refuse(const std::string& problem);
 
 // "kv: note: message".
 void ShowNote(const std::string& message);

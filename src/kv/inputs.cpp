@@ -15,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using Paths = std::vector<std::string>;
+
 // Tools run in the source's folder.
 std::string FullPath(const Job& job, const std::string& file) {
     return TextOf((PathOf(job.sourceFolder) / PathOf(file)).lexically_normal());
@@ -27,6 +29,11 @@ bool IsBelow(const std::string& path, const std::string& folder) {
 
 bool Contains(const std::vector<std::string>& paths, const std::string& path) {
     return std::find(paths.begin(), paths.end(), path) != paths.end();
+}
+
+std::vector<Compilation> CompilationsOf(const Job& job) {
+    if (!job.compilations.empty()) return job.compilations;
+    return {{job.mainCpp, job.build.dependencies}};
 }
 
 // Where the compiler looks for headers before it comes to the system's.
@@ -113,20 +120,29 @@ bool FilesReadByCompiler(const Job& job, FilesRead& files) {
     const std::string preludes = PreludesFolder();
     const std::vector<std::string> settled = CompilerFolders(job.compiler);
     const std::vector<std::string> searched = SearchedFolders(job);
-    std::set<std::string> rivals;
-    for (const std::string& file : FilesInMakeRule(ReadWhole(job.build.dependencies))) {
-        const std::string path = FullPath(job, file);
-        if (!preludes.empty() && IsBelow(path, preludes)) continue;
-        const bool isSettled = std::any_of(settled.begin(), settled.end(),
-                                           [&](const std::string& folder) { return IsBelow(path, folder); });
-        const bool isGenerated = IsBelow(path, job.build.cppFolder) || IsBelow(path, job.build.folder);
-        if (!isSettled) (isGenerated ? files.generated : files.headers).push_back(path);
-        // Of the compiler's many headers nobody means to replace those in folders of their own.
-        const bool canHaveRivals = !isSettled || Contains(settled, TextOf(PathOf(path).parent_path()));
-        if (canHaveRivals && !isGenerated) AddRivals(path, searched, rivals);
+    std::set<std::string> rivals, seen;
+    bool isSound = true;
+    for (const Compilation& compilation : CompilationsOf(job)) {
+        bool namesMain = compilation.main.empty();
+        for (const std::string& file : FilesInMakeRule(ReadWhole(compilation.dependencies))) {
+            namesMain = namesMain || file == compilation.main;
+            if (!seen.insert(file).second) continue;
+            const std::string path = FullPath(job, file);
+            namesMain = namesMain || path == compilation.main;
+            if (!preludes.empty() && IsBelow(path, preludes)) continue;
+            const bool isSettled =
+                std::any_of(settled.begin(), settled.end(),
+                            [&](const std::string& folder) { return IsBelow(path, folder); });
+            const bool isGenerated = IsBelow(path, job.build.cppFolder) || IsBelow(path, job.build.folder);
+            if (!isSettled) (isGenerated ? files.generated : files.headers).push_back(path);
+            // Of the compiler's many headers nobody means to replace those in folders of their own.
+            const bool canHaveRivals = !isSettled || Contains(settled, TextOf(PathOf(path).parent_path()));
+            if (canHaveRivals && !isGenerated) AddRivals(path, searched, rivals);
+        }
+        isSound = isSound && namesMain;
     }
     files.rivals.assign(rivals.begin(), rivals.end());
-    return Contains(files.generated, job.mainCpp);
+    return isSound;
 }
 
 std::vector<std::string> FilesReadByLinker(const Job& job) {
@@ -134,7 +150,8 @@ std::vector<std::string> FilesReadByLinker(const Job& job) {
     for (const std::string& file : FilesOfLinker(ReadWhole(job.build.linkDependencies))) {
         paths.push_back(FullPath(job, file));
     }
-    if (!Contains(paths, job.build.object)) return {};
+    for (const std::string& object : job.objects.empty() ? Paths{job.build.object} : job.objects)
+        if (!Contains(paths, object)) return {};
     std::vector<std::string> files;
     for (const std::string& path : paths) {
         if (!IsBelow(path, job.build.folder)) files.push_back(path);

@@ -23,7 +23,7 @@ struct FilesRead {
     std::vector<std::string> headers;
     std::vector<std::string> rivals;  // what the compiler would have taken for a header, were it there
 };
-// Returns false when its record cannot be that of the last compilation: it does not name the main file.
+// Returns false when a record cannot be that of the last compilation: it does not name the file that was compiled.
 bool FilesReadByCompiler(const Job& job, FilesRead& files);
 
 // What the linker read, and the folders where it looked for the user's libraries; empty if it kept no record, or one

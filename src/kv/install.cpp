@@ -21,11 +21,6 @@ struct Delivery {
     fs::path to;
 };
 
-bool Refuse(const std::string& problem) {
-    ShowProblem(problem);
-    return false;
-}
-
 fs::path TargetOf(const Job& job) {
     fs::path target = job.options.outputFile.empty()
                           ? PathOf(job.sourceFolder) / PathOf(ProgramName(job.source))

@@ -22,8 +22,7 @@ bool FindInstallation(Job& job) {
     std::error_code failed;
     const fs::path config = PathOf(job.installation) / "config";
     if (!job.kv.empty() && fs::is_directory(config, failed)) return true;
-    ShowProblem("the installation is not whole: there is no " + TextOf(config));
-    return false;
+    return Refuse("the installation is not whole: there is no " + TextOf(config));
 }
 
 // Ways of building that must not overwrite one another's files.
@@ -49,8 +48,7 @@ bool FindSource(const std::string& name, const std::string& typedFolder, std::st
     const bool isWhole = hasExtension && fs::exists(source, failed);
     if (!isWhole && fs::is_regular_file(PathOf(TextOf(source) + ".kvl"), failed)) source += ".kvl";
     if (!fs::exists(source, failed)) {
-        ShowProblem("cannot find " + name + (hasExtension ? "" : " or " + name + ".kvl"));
-        return false;
+        return Refuse("cannot find " + name + (hasExtension ? "" : " or " + name + ".kvl"));
     }
     if (!fs::is_regular_file(source, failed)) {
         ShowProblem(name + " is no file; name the main file of a program");
@@ -70,8 +68,7 @@ bool PrepareJob(const Options& options, Job& job) {
     job.options = options;
     job.typedFolder = TextOf(fs::current_path(failed));
     if (failed) {
-        ShowProblem("the folder in which kv was called does not exist any more");
-        return false;
+        return Refuse("the folder in which kv was called does not exist any more");
     }
     if (!FindSource(options.source, job.typedFolder, job.source) || !FindInstallation(job)) return false;
     if (IsForDebugger(options)) {
@@ -86,8 +83,7 @@ bool PrepareJob(const Options& options, Job& job) {
     if (NeedsCompiler(options))
         job.compiler = IsForWindows(options) ? FindCompilerForWindows(problem) : FindCompiler(problem);
     if (!problem.empty()) {
-        ShowProblem(problem);
-        return false;
+        return Refuse(problem);
     }
     return PrepareFolder(job);
 }
@@ -116,8 +112,7 @@ bool PrepareFolder(Job& job) {
     std::string problem;
     if (!PrepareBuildFolder(job.source, Variant(job.options), keepCpp, ProgramSuffix(job), job.build,
                             problem)) {
-        ShowProblem(problem);
-        return false;
+        return Refuse(problem);
     }
     const std::string mainFile = ProgramName(job.source) + (job.options.debug ? ".debug.cpp" : ".cpp");
     job.mainCpp = TextOf(PathOf(job.build.cppFolder) / PathOf(mainFile));
@@ -142,6 +137,5 @@ bool WorkInFolder(Job& job, bool (*work)(Job&)) {
         if (!IsDisturbed(job.build)) return false;
         if (!PrepareFolder(job)) return false;
     }
-    ShowProblem("somebody removes " + job.build.folder + " while kv works there");
-    return false;
+    return Refuse("somebody removes " + job.build.folder + " while kv works there");
 }

@@ -8,6 +8,12 @@
 #include "kv/command_line.h"
 #include "library/korvel.h"
 
+// One call of the compiler that made an object.
+struct Compilation {
+    std::string main;          // the file that was compiled; empty: it is not known any more
+    std::string dependencies;  // the record of what was read
+};
+
 struct Job {
     Options options;
     std::string typedFolder;  // where kv was called
@@ -17,8 +23,10 @@ struct Job {
     std::string kv;                     // full path of the command itself
     std::vector<std::string> compiler;  // first words of its command; empty when there is no work for it
     BuildFolder build;
-    std::string mainCpp;  // the generated main file
-    std::string prelude;  // the precompiled header that served the compilation; empty: none
+    std::string mainCpp;                    // the generated main file
+    std::vector<Compilation> compilations;  // that made the objects; none: the usual one of the main file
+    std::vector<std::string> objects;       // that were linked; none: the usual one
+    std::string prelude;                    // the precompiled header that served the compilation; empty: none
 
     std::string failureCode;   // what tells of the program's failures, to be linked; empty: none
     std::string debuggerCode;  // the debugger's side in the program, the same way

@@ -14,9 +14,6 @@
 
 namespace {
 
-const int failure = 1;
-const int wrongUsage = 2;
-
 // An exception would take memory as well.
 [[noreturn]] void EndWithoutMemory() {
     EraseErrorLine();
@@ -24,10 +21,18 @@ const int wrongUsage = 2;
     std::_Exit(failure);
 }
 
+// Before anything else takes memory: tables are made before main begins.
+__attribute__((constructor(101))) void BeginMemory() { std::set_new_handler(EndWithoutMemory); }
+
 int Main(int argc, char** argv) {
     const Utf8Console console;
     const std::vector<std::string> words = CommandLineWords(argc, argv);
-    if (IsTranslatorCommand(words)) return TranslateAsCommanded(words);
+    if (IsTranslatorCommand(words)) {
+        const int status = TranslateAsCommanded(words);
+        std::fflush(nullptr);
+        std::_Exit(status);  // freeing the tables one by one would take up to a tenth of the run
+    }
+    if (IsDebuggeeCommand(words)) return RunDebuggee(words);
     Options options;
     std::string problem;
     if (!ParseCommandLine(words, options, problem)) {
@@ -49,7 +54,6 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::set_new_handler(EndWithoutMemory);
     WriteBeyondLimits();
     try {
         return Main(argc, argv);

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "base/command_quoting.h"
 #include "base/utf8.h"
-#include "kv/command_quoting.h"
 #include "kv/compile.h"
 #include "kv/diagnostics.h"
 #include "kv/inputs.h"

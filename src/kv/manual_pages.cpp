@@ -18,11 +18,15 @@ namespace {
 
 const std::size_t width = 78;
 const std::string entryMark = "### ", fence = "```";
+const std::string wordsMark = "<!-- words: ", wordsEnd = " -->";
 
-// Without dashes in front, in lower case.
+// Without dashes in front, in lower case; "std/text.kvl" is text.
 std::string Key(const std::string& word) {
+    const std::string modules = "std/", ending = ".kvl";
     const std::size_t from = word.find_first_not_of('-');
     std::string key = from == std::string::npos ? word : word.substr(from);
+    if (StartsWith(key, modules)) key.erase(0, modules.size());
+    if (EndsWith(key, ending)) key.erase(key.size() - ending.size());
     std::transform(key.begin(), key.end(), key.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return key;
@@ -53,6 +57,14 @@ void AddFunctionsOfLine(const std::string& line, std::vector<std::string>& names
     }
 }
 
+// "| `Left(text, count)` | the first characters |" ends in "the first characters".
+std::string LastCell(const std::string& row) {
+    const std::size_t end = row.rfind(" |");
+    if (end == std::string::npos || end == 0) return {};
+    const std::size_t begin = row.rfind("| ", end - 1);
+    return begin == std::string::npos ? std::string() : row.substr(begin + 2, end - begin - 2);
+}
+
 void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& entries) {
     std::ifstream page(path, std::ios::binary);
     std::string title;
@@ -69,6 +81,12 @@ void ReadPage(const fs::path& path, bool ofModule, std::vector<ManualEntry>& ent
         if (!inEntry) continue;
         if (ofModule && !inCode && (StartsWith(line, "|") || StartsWith(line, "`")))
             AddFunctionsOfLine(line, entries.back().names);
+        if (!inCode && StartsWith(line, wordsMark)) {
+            for (std::string& name :
+                 NamesIn(line.substr(wordsMark.size(), line.find(wordsEnd) - wordsMark.size())))
+                entries.back().names.push_back(std::move(name));
+            continue;
+        }
         entries.back().text += line + "\n";
     }
 }
@@ -153,9 +171,26 @@ std::string PlainLine(const std::string& line, bool inCode) {
 
 }  // namespace
 
+std::string PageAbout(const std::string& word) {
+    const fs::path page = PathOf(ManualFolder()) / PathOf(Key(word) + ".md");
+    std::error_code failed;
+    const bool isPage = word.find_first_of("/\\.") == std::string::npos && fs::is_regular_file(page, failed);
+    return isPage ? TextOf(page) : "";
+}
+
+std::string FirstSentence(const ManualEntry& entry) {
+    const std::size_t text = entry.text.find("\n\n");
+    if (text == std::string::npos) return {};
+    std::string paragraph = entry.text.substr(text + 2, entry.text.find("\n\n", text + 2) - text - 2);
+    std::replace(paragraph.begin(), paragraph.end(), '\n', ' ');
+    return WithoutMarks(paragraph.substr(0, paragraph.find(". ")));
+}
+
 std::string ManualFolder() {
     return TextOf(PathOf(OwnExecutable()).parent_path().parent_path() / "docs" / "manual");
 }
+
+std::string NoManual() { return "the installation is not whole: there is no manual in " + ManualFolder(); }
 
 std::vector<ManualEntry> ReadManual(const std::string& folder) {
     std::vector<ManualEntry> entries;
@@ -173,6 +208,23 @@ const ManualEntry* FindEntry(const std::vector<ManualEntry>& entries, const std:
         }
     }
     return found;
+}
+
+std::string RowAbout(const std::vector<ManualEntry>& entries, const std::string& module,
+                     const std::string& owner, const std::string& name) {
+    std::string about;
+    for (const ManualEntry& entry : entries) {
+        const bool isMeant = entry.page == module &&
+                             std::find(entry.names.begin(), entry.names.end(), name) != entry.names.end() &&
+                             (owner.empty() || entry.text.find("`" + owner + "`") != std::string::npos);
+        std::istringstream lines(isMeant ? entry.text : std::string());
+        for (std::string line; std::getline(lines, line);) {
+            std::vector<std::string> names;
+            if (StartsWith(line, "|")) AddFunctionsOfLine(line, names);
+            if (std::find(names.begin(), names.end(), name) != names.end()) about = LastCell(line);
+        }
+    }
+    return about;
 }
 
 std::vector<std::string> SimilarNames(const std::vector<ManualEntry>& entries, const std::string& word) {

@@ -1,6 +1,7 @@
 // The calls to the operating system that kv needs beside std::filesystem. One implementation per system.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,6 +20,24 @@ struct ProcessRequest {
 // programs that it has started. Every status is passed on unchanged, negative ones too: whether the program could be
 // started is told by `problem`, which is empty then.
 int RunProcess(const ProcessRequest& request, std::string& problem);
+
+// How a tool has ended: as RunProcess tells it.
+struct ProcessEnd {
+    int status = -1;
+    std::string problem;
+
+    bool IsGood() const { return status == 0 && problem.empty(); }
+};
+
+// Runs tools (whose streams are caught) side by side, at most `atOnce` of them, begun in their order. When one has failed
+// those at work are ended and no further one is begun. `whileWaiting` is told how many have done their work; it may be
+// empty. Returns false if one has failed, whose number and end are `failed` and `end`.
+bool RunTools(const std::vector<ProcessRequest>& tools, std::size_t atOnce,
+              const std::function<void(std::size_t)>& whileWaiting, std::size_t& failed, ProcessEnd& end);
+
+// How many tools the machine can run side by side without slowing one another down, and how many RunTools takes.
+std::size_t CoreCount();
+constexpr std::size_t mostAtOnce = 64;
 
 // From now on a file that would grow beyond the limit of its size cannot be written, and kv lives on. Programs that it
 // starts have the signal again as kv had it.

@@ -13,59 +13,15 @@
 #include <filesystem>
 
 #include "base/utf8.h"
-#include "kv/command_quoting.h"
 #include "kv/platform.h"
+#include "kv/windows_handles.h"
 
 const char* const executableSuffix = ".exe";
 const char searchPathSeparator = ';';
-const int interruptedStatus = static_cast<int>(0xC000013A);
 const char* const compilerAdvice =
     "On Windows: install MinGW-w64 (www.mingw-w64.org) and put its bin folder on PATH";
 
 namespace {
-
-std::string LastProblem() { return "Windows error " + std::to_string(GetLastError()); }
-
-HANDLE OpenForChild(const std::string& path, DWORD access, DWORD disposition) {
-    SECURITY_ATTRIBUTES inheritable = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    return CreateFileW(Wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
-                       disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-}
-
-void CloseIfOpen(HANDLE handle) {
-    if (handle != nullptr && handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
-}
-
-// A tool and all the programs that it starts: they end when kv ends, however that comes about.
-class ToolGroup {
-public:
-    explicit ToolGroup(bool wanted) : job_(wanted ? CreateJobObjectW(nullptr, nullptr) : nullptr) {
-        EndWithKv(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
-    }
-    ~ToolGroup() {
-        EndWithKv(0);  // what a tool that has done its work has left behind may stay
-        CloseIfOpen(job_);
-    }
-    ToolGroup(const ToolGroup&) = delete;
-    ToolGroup& operator=(const ToolGroup&) = delete;
-
-    void Add(HANDLE process) const {
-        if (job_ != nullptr) AssignProcessToJobObject(job_, process);
-    }
-    void End() const {
-        if (job_ != nullptr) TerminateJobObject(job_, 1);
-    }
-
-private:
-    void EndWithKv(DWORD flags) const {
-        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-        limits.BasicLimitInformation.LimitFlags = flags;
-        if (job_ != nullptr)
-            SetInformationJobObject(job_, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-    }
-
-    HANDLE job_;
-};
 
 // The user under whose name kv runs, as a SID; empty if it cannot be had.
 std::string UserNumber() {
@@ -92,10 +48,6 @@ std::filesystem::path ShortName(const std::filesystem::path& path) {
     return size > 0 && size < 4096 ? std::filesystem::path(std::wstring(name, size)) : path;
 }
 
-BOOL WINAPI IgnoreCtrlC(DWORD) { return TRUE; }
-
-const DWORD tickMilliseconds = 100;
-
 // Whether a line of progress stands in the console. Ctrl-C is handled in a thread of its own.
 volatile LONG lineShown = 0;
 
@@ -111,49 +63,6 @@ BOOL WINAPI EraseAtCtrlC(DWORD) {
 }
 
 }  // namespace
-
-int RunProcess(const ProcessRequest& request, std::string& problem) {
-    problem.clear();
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    const bool captured = !request.outputFile.empty();
-    if (captured) {
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdInput = OpenForChild("NUL", GENERIC_READ, OPEN_EXISTING);
-        startup.hStdOutput = OpenForChild(request.outputFile, GENERIC_WRITE, CREATE_ALWAYS);
-        startup.hStdError = OpenForChild(request.errorFile, GENERIC_WRITE, CREATE_ALWAYS);
-    }
-    std::wstring line = Wide(WindowsCommandLine(request.arguments));
-    const std::wstring folder = Wide(request.workingFolder);
-    PROCESS_INFORMATION process = {};
-    if (!captured) SetConsoleCtrlHandler(IgnoreCtrlC, TRUE);
-    const ToolGroup group(captured);
-    const BOOL started =
-        CreateProcessW(Wide(request.arguments[0]).c_str(), &line[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED,
-                       nullptr, folder.empty() ? nullptr : folder.c_str(), &startup, &process);
-    int status = -1;
-    if (started) {
-        group.Add(process.hProcess);
-        ResumeThread(process.hThread);
-        while (WaitForSingleObject(process.hProcess, tickMilliseconds) == WAIT_TIMEOUT) {
-            if (request.whileWaiting) request.whileWaiting();
-            if (request.shallEnd && request.shallEnd()) TerminateProcess(process.hProcess, 1);
-        }
-        DWORD code = 1;
-        GetExitCodeProcess(process.hProcess, &code);
-        status = static_cast<int>(code);
-        if (status != 0) group.End();
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-    } else {
-        problem = LastProblem();
-    }
-    if (!captured) SetConsoleCtrlHandler(IgnoreCtrlC, FALSE);
-    CloseIfOpen(startup.hStdInput);
-    CloseIfOpen(startup.hStdOutput);
-    CloseIfOpen(startup.hStdError);
-    return status;
-}
 
 void WriteBeyondLimits() {}
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <functional>
 
+#include "base/command_quoting.h"
 #include "base/paths.h"
 #include "base/utf8.h"
-#include "kv/command_quoting.h"
 #include "kv/hash.h"
 #include "kv/platform.h"
 #include "kv/private_folder.h"
@@ -132,13 +132,14 @@ std::string IncludedFile(const PrecompileJob& job, const char* name) {
     return TextOf(PathOf(job.includeFolder) / name);
 }
 
-// Makes an object of a source to be linked to programs.
-Words ObjectCommand(const PrecompileJob& job, const std::string& source, const std::string& target,
+// Makes an object of sources to be linked to programs.
+Words ObjectCommand(const PrecompileJob& job, const Words& sources, const std::string& target,
                     const Words& kind, const Words& libraries) {
     const std::string folder = target.empty() ? "" : FolderOf(target);
     Words words = WithFlags(job, {"-O2", "-w"});
     Add(words, kind);
-    Add(words, {PathForTool(source, folder), "-o", PathForTool(target, folder)});
+    for (const std::string& source : sources) words.push_back(PathForTool(source, folder));
+    Add(words, {"-o", PathForTool(target, folder)});
     Add(words, libraries);
     return words;
 }
@@ -176,33 +177,43 @@ void DropPrelude(const std::string& header) {
     fs::remove(PathOf(header + compiledSuffix), ignored);
 }
 
+// An object that is made of files among the headers of the installation; they are named first.
+static Task ObjectTask(const PrecompileJob& job, const std::string& kind, const std::string& work,
+                       const Words& read) {
+    Task task;
+    task.kind = kind;
+    task.name = kind + ".o";
+    task.work = "Compiling " + work + ", once for all programs";
+    for (const std::string& file : read) task.reads.push_back(IncludedFile(job, file.c_str()));
+    return task;
+}
+
 std::string PrepareFailureCode(const PrecompileJob& job) {
     const std::string source = IncludedFile(job, "kvfailure.cpp");
-    Task task;
-    task.kind = "failure";
-    task.name = "failure.o";
-    task.work = "Compiling what tells of failures, once for all programs";
-    task.reads = {source, IncludedFile(job, "kvfailure.h")};
     const char* const stack = job.debug ? "-DKV_STACK" : "-UKV_STACK";
+    Task task = ObjectTask(
+        job, "failure", "what tells of failures",
+        {"kvfailure.cpp", "kvfailure.h", "kvfailure_causes.h", "kvfailure_exceptions.h", "kvfailure_lines.h",
+         "kvfailure_names.h", "kvfailure_places.h", "kvfailure_signals.h", "kvfailure_windows.h"});
     // With the library that reads line tables inside, where there is one.
     task.commands = {[&](const std::string& target) {
-                         return ObjectCommand(job, source, target,
+                         return ObjectCommand(job, {source}, target,
                                               {stack, "-DKV_BACKTRACE", "-r", "-nostdlib"}, {"-lbacktrace"});
                      },
                      [&](const std::string& target) {
-                         return ObjectCommand(job, source, target, {stack, "-c"}, {});
+                         return ObjectCommand(job, {source}, target, {stack, "-c"}, {});
                      }};
     return Prepare(task, job);
 }
 
 std::string PrepareDebuggerCode(const PrecompileJob& job) {
-    const std::string source = IncludedFile(job, "kvdebugger.cpp");
-    Task task;
-    task.kind = "debugger";
-    task.name = "debugger.o";
-    task.work = "Compiling the debugger, once for all programs";
-    task.reads = {source, IncludedFile(job, "kvdebugger.h"), IncludedFile(job, "kvdebug.h")};
-    task.commands = {
-        [&](const std::string& target) { return ObjectCommand(job, source, target, {"-c"}, {}); }};
+    Words read = {"kvdebugger.cpp", "kvdebugger_answers.cpp", "kvdebugger_line.cpp"}, sources;
+    for (const std::string& source : read) sources.push_back(IncludedFile(job, source.c_str()));
+    Add(read,
+        {"kvdebugger_talk.h", "kvdebugger.h", "kvdebugger_values.h", "kvdebug.h", "kvfailure.h", "conio.h"});
+    Task task = ObjectTask(job, "debugger", "the debugger", read);
+    task.commands = {[&](const std::string& target) {
+        return ObjectCommand(job, sources, target, {"-r", "-nostdlib"}, {});
+    }};
     return Prepare(task, job);
 }

@@ -17,6 +17,9 @@ public:
     // To be called while the work goes on; empty when there is no terminal.
     std::function<void()> Ticks();
 
+    // What is being done now.
+    void Tell(const std::string& work) { work_ = work; }
+
     // The work is done.
     void End();
 

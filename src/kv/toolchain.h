@@ -6,14 +6,15 @@
 
 struct CompileJob {
     std::string mainCpp;
-    std::string object;           // the compiled form to link
-    std::string newObject;        // the compiled form to write
-    std::string newProgram;       // the executable to write
-    std::string newDependencies;  // receives the files that were read, as a rule for make
-    std::string includeFolder;    // conio.h and kvdebug.h
-    std::string sourceFolder;     // where C++ written by the user finds its headers
-    std::string prelude;          // header to read first, compiled ahead; empty: none
-    std::string optimisation;     // "-O0"
+    std::vector<std::string> objects;    // the compiled forms to link
+    std::string newObject;               // the compiled form to write
+    std::string newProgram;              // the executable to write
+    std::string newDependencies;         // receives the files that were read, as a rule for make
+    std::string includeFolder;           // conio.h and kvdebug.h
+    std::string sourceFolder;            // where C++ written by the user finds its headers
+    std::string prelude;                 // header to read first, compiled ahead; empty: none
+    std::vector<std::string> unitFlags;  // of a part of the program that is compiled on its own
+    std::string optimisation;            // "-O0"
     bool debug = false;
     bool safe = false;
     bool isForWindows = false;    // which this system need not be
@@ -25,6 +26,7 @@ struct CompileJob {
     bool loadsLibraries = false;  // while it runs
     std::vector<std::string> linkerFlags;
     std::vector<std::string> quickLinking;  // flags that are not needed
+    bool isTrial = false;                   // linking may well fail, and something else is done then
 };
 
 // The compiler as the first words of a command, its program as a full path: $CXX, else g++, clang++ or c++.
@@ -36,6 +38,9 @@ std::vector<std::string> FindCompilerForWindows(std::string& problem);
 
 // The files that a changed compiler changes: all the programs among the words of its command.
 std::vector<std::string> CompilerFiles(const std::vector<std::string>& compiler);
+
+// Whether it is g++, or seems to be: clang++ knows other flags.
+bool IsGnu(const std::vector<std::string>& compiler);
 
 // The folders of the headers that change only with the compiler or the system.
 std::vector<std::string> CompilerFolders(const std::vector<std::string>& compiler);

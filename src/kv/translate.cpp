@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "base/command_quoting.h"
 #include "base/utf8.h"
-#include "kv/command_quoting.h"
 #include "kv/diagnostics.h"
 #include "kv/platform.h"
 #include "kv/progress.h"
@@ -91,10 +91,9 @@ bool Translate(Job& job) {
         return false;
     }
     if (job.options.command != Command::check && job.translation.mainFile.empty()) {
-        ShowProblem(
+        return Refuse(
             ShortPath(job.source, job.typedFolder) +
             " makes no program: files in a folder whose name ends in .kvh only lend their declarations");
-        return false;
     }
     return ShowWarnings(job);
 }

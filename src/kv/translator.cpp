@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "base/utf8.h"
+#include "kv/compile_units.h"
 #include "kv/platform.h"
 #include "kv/translation.h"
 #include "kv/write_file.h"
@@ -21,11 +22,9 @@ struct FlagRow {
     const char* word;
     bool korvel::Request::*flag;
 };
-const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug},
-                            {"--debugger", &korvel::Request::debugger},
-                            {"--safe", &korvel::Request::safe},
-                            {"--fast", &korvel::Request::fast},
-                            {"--places", &korvel::Request::places}};
+const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug}, {"--debugger", &korvel::Request::debugger},
+                            {"--safe", &korvel::Request::safe},   {"--fast", &korvel::Request::fast},
+                            {"--units", &korvel::Request::units}, {"--places", &korvel::Request::places}};
 
 }  // namespace
 
@@ -38,6 +37,7 @@ std::vector<std::string> TranslatorCommand(const Job& job) {
     if (IsForDebugger(job.options)) command.emplace_back("--debugger");
     if (job.options.safe) command.emplace_back("--safe");
     if (IsFast(job.options)) command.emplace_back("--fast");
+    if (ComesInUnits(job.options)) command.emplace_back("--units");
     if (TellsPlaces(job.options)) command.emplace_back("--places");
     return command;
 }

@@ -45,8 +45,7 @@ bool CopyOver(const fs::path& from, const fs::path& to) {
     std::string problem;
     const bool isWritten = CopyToNewFile(TextOf(from), TextOf(unfinished), problem);
     if (MoveOver(unfinished, to, isWritten, problem)) return true;
-    ShowProblem("cannot write " + TextOf(to) + ": " + problem);
-    return false;
+    return Refuse("cannot write " + TextOf(to) + ": " + problem);
 }
 
 bool RewriteFile(const fs::path& path, const std::string& text) {
@@ -63,6 +62,5 @@ bool RewriteFile(const fs::path& path, const std::string& text) {
         isWritten = stream.good();
     }
     if (MoveOver(unfinished, file, isWritten, problem)) return true;
-    ShowProblem("cannot write " + TextOf(path) + (problem.empty() ? "" : ": " + problem));
-    return false;
+    return Refuse("cannot write " + TextOf(path) + (problem.empty() ? "" : ": " + problem));
 }

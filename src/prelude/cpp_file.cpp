@@ -59,6 +59,7 @@ void OpenCpp(FileOutput& out, const std::vector<const ClassInfo*>& classes) {
     PutLine(out, "");
     if (out.isMain && !symbols.userlibDLLs.empty()) out.pieces.back().text += GenerateUserlibCode();
     if (!classes.empty()) {
+        BeginPiece(out, Piece::Kind::Lists);
         PutLine(out, "// Type instance lists");
         for (const ClassInfo* cls : classes)
             PutLine(out, CreatedListType(*cls) + " __" + cls->cppName + "_list__;");

@@ -11,12 +11,17 @@
 
 namespace {
 
+struct Output {
+    std::string_view text, object;
+};
+
 // Code that kvt does not see, or that writes past the C++ streams, has its share in the output of some programs.
-std::string_view OutputText() {
-    if (programUses.unsyncedOutput) return texts::fastUnitOutput;
+Output OutputOfProgram() {
+    if (programUses.unsyncedOutput) return {texts::fastUnitOutput, texts::fastUnitOutputObject};
     const bool foreign = programUses.foreignOutput || settings.debugMode || HasForeignFunctions() ||
                          !symbols.userlibDLLs.empty();
-    return foreign ? texts::fastLineOutput : texts::fastOutput;
+    if (foreign) return {texts::fastLineOutput, texts::fastLineOutputObject};
+    return {texts::fastOutput, texts::fastOutputObject};
 }
 
 bool HasElementsWithDestructor() {
@@ -30,16 +35,24 @@ bool SeesContainers() {
     return programUses.inlineCpp || HasForeignFunctions() || HasElementsWithDestructor();
 }
 
+// What can walk over the lists of Types, or ask them for an object by its number.
+bool SeesLists() { return programUses.inlineCpp || settings.debugMode; }
+
 }  // namespace
 
 std::string FastPrelude(bool withTypes) {
-    std::string text = FillNames(OutputText());
+    const Output output = OutputOfProgram();
+    std::string text = FillNames(output.text);
+    if (!settings.units) text += output.object;
     text += SeesContainers() ? texts::fastVectorItems : texts::fastItems;
     text += texts::fastSequence;
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;
     text += std::string("const bool __kvTidyLists = ") + (programUses.inserts ? "false" : "true") + ";\n";
-    text += std::string("const bool __kvKeepCreated = ") + (programUses.inlineCpp ? "true" : "false") + ";\n";
     text += texts::fastInstances;
+    text += SeesLists() ? texts::fastSeenLists : texts::fastUnseenLists;
+    text += texts::fastTracked;
     return text;
 }
+
+std::string FastObjects() { return std::string(OutputOfProgram().object) + SupportObjects(); }

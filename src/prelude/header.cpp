@@ -16,17 +16,29 @@ namespace {
 
 // Guards of the headers behind the standard includes and of our own, as far as a source may be called so.
 const std::unordered_set<std::string_view> foreignGuards = {
-    "KV_CONIO_H",     "KV_DEBUG_H", "_ALLOCATOR_H",       "_ALLOCA_H",   "_ASSERT_H",    "_ATOMIC_H",
-    "_BASIC_IOS_H",   "_CODECVT_H", "_COMPLEX_H",         "_CONIO_H",    "_CTYPE_H",     "_DLFCN_H",
-    "_ENDIAN_H",      "_ERRNO_H",   "_FCNTL_H",           "_FEATURES_H", "_FENV_H",      "_FLOAT_H",
-    "_FUNCTEXCEPT_H", "_GETOPT_H",  "_HASH_BYTES_H",      "_INTTYPES_H", "_IOS_BASE_H",  "_LIBINTL_H",
-    "_LIMITS_H",      "_LOCALE_H",  "_LOCALE_FWD_H",      "_MATH_H",     "_MEMORY_H",    "_MEMORYFWD_H",
-    "_MOVE_H",        "_NEW_H",     "_OSTREAM_INSERT_H",  "_POLL_H",     "_POSTYPES_H",  "_PTHREAD_H",
-    "_RANDOM_H",      "_REGEX_H",   "_SCHED_H",           "_SEARCH_H",   "_SEMAPHORE_H", "_SETJMP_H",
-    "_SIGNAL_H",      "_STDARG_H",  "_STDBOOL_H",         "_STDDEF_H",   "_STDEXCEPT_H", "_STDINT_H",
-    "_STDIO_H",       "_STDLIB_H",  "_STREAM_ITERATOR_H", "_STRING_H",   "_STRINGFWD_H", "_STRINGS_H",
-    "_TERMIOS_H",     "_TGMATH_H",  "_THREADS_H",         "_TIME_H",     "_TYPEINFO_H",  "_UCHAR_H",
-    "_UNISTD_H",      "_UTILITY_H", "_WCHAR_H",           "_WCHAR_T_H",  "_WCTYPE_H",    "__EXCEPTION_H",
+    "KV_CONIO_H",         "KV_DEBUG_H",     "KV_UNITS_PRELUDE_H",
+    "_ALLOCATOR_H",       "_ALLOCA_H",      "_ASSERT_H",
+    "_ATOMIC_H",          "_BASIC_IOS_H",   "_CODECVT_H",
+    "_COMPLEX_H",         "_CONIO_H",       "_CTYPE_H",
+    "_DLFCN_H",           "_ENDIAN_H",      "_ERRNO_H",
+    "_FCNTL_H",           "_FEATURES_H",    "_FENV_H",
+    "_FLOAT_H",           "_FUNCTEXCEPT_H", "_GETOPT_H",
+    "_HASH_BYTES_H",      "_INTTYPES_H",    "_IOS_BASE_H",
+    "_LIBINTL_H",         "_LIMITS_H",      "_LOCALE_H",
+    "_LOCALE_FWD_H",      "_MATH_H",        "_MEMORY_H",
+    "_MEMORYFWD_H",       "_MOVE_H",        "_NEW_H",
+    "_OSTREAM_INSERT_H",  "_POLL_H",        "_POSTYPES_H",
+    "_PTHREAD_H",         "_RANDOM_H",      "_REGEX_H",
+    "_SCHED_H",           "_SEARCH_H",      "_SEMAPHORE_H",
+    "_SETJMP_H",          "_SIGNAL_H",      "_STDARG_H",
+    "_STDBOOL_H",         "_STDDEF_H",      "_STDEXCEPT_H",
+    "_STDINT_H",          "_STDIO_H",       "_STDLIB_H",
+    "_STREAM_ITERATOR_H", "_STRING_H",      "_STRINGFWD_H",
+    "_STRINGS_H",         "_TERMIOS_H",     "_TGMATH_H",
+    "_THREADS_H",         "_TIME_H",        "_TYPEINFO_H",
+    "_UCHAR_H",           "_UNISTD_H",      "_UTILITY_H",
+    "_WCHAR_H",           "_WCHAR_T_H",     "_WCTYPE_H",
+    "__EXCEPTION_H",
 };
 
 }  // namespace
@@ -85,7 +97,7 @@ std::string FunctionSection(const FileOutput& out, const HeaderContents& content
     if (!contents.externLines.empty() || !contents.externWrappers.empty()) text += "\n";
     if (!contents.functionLines.empty()) {
         text += "// Function declarations\n";
-        const char* linkage = StaysInside(out) ? "static " : "";
+        const char* linkage = settings.units ? routineMark : StaysInside(out) ? "static " : "";
         for (const std::string& line : contents.functionLines) text += linkage + line + "\n";
         text += "\n";
     }
@@ -108,6 +120,10 @@ std::string GlobalSection(const FileOutput& out) {
 
 }  // namespace
 
+std::string SupportCode() {
+    return (settings.fastMode ? FastPrelude(!symbols.classList.empty()) : std::string()) + SupportText();
+}
+
 void OpenHeader(FileOutput& out, const HeaderContents& contents) {
     out.headerOpening = "#ifndef " + out.guard + "\n#define " + out.guard + "\n\n";
     if (settings.lineMarks) out.headerOpening += "#include <kvfailure.h>\n";
@@ -127,8 +143,7 @@ std::string HeaderText(const FileOutput& out, const std::vector<std::string>& in
     if (out.isMain)
         for (const std::string& include : includes) text += "#include \"" + include + "\"\n";
     text += "\n" + out.headerPrelude;
-    if (out.isMain && settings.fastMode) text += FastPrelude(!symbols.classList.empty());
-    if (out.isMain) text += SupportText();
+    if (out.isMain) text += SupportCode();
     text += out.headerClasses + out.headerFunctions + GlobalSection(out) + out.headerLate;
     if (settings.lineMarks) text += OwnCodeMark();
     return text + "\n#endif\n";

@@ -16,6 +16,9 @@ struct HeaderContents {
     std::vector<std::string> functionLines;       // prototypes of the other functions
 };
 
+// In a program of several units it stands in front of every declaration of a routine.
+constexpr const char* routineMark = "KV_ROUTINE ";
+
 // The guard of a base name: MY_GAME_H for my-game, _3D_H for 3d.
 std::string HeaderGuard(const std::string& base);
 
@@ -24,6 +27,9 @@ std::string CreatedListType(const ClassInfo& cls);
 
 // Writes all header sections up to the function declarations into `out`.
 void OpenHeader(FileOutput& out, const HeaderContents& contents);
+
+// What all programs have and what this one needs, behind the standard headers.
+std::string SupportCode();
 
 // The whole header; `includes` are the headers that the main header includes.
 std::string HeaderText(const FileOutput& out, const std::vector<std::string>& includes);

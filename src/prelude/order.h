@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 
 #include "prelude/output.h"
 
@@ -12,6 +13,11 @@ struct Program {
     FileOutput* main = nullptr;
     std::vector<FileOutput*> headers;  // in the order in which the main header includes them, main last
 };
+
+// Calls visit(file, piece) for every piece in the order in which the C++ compiler sees them.
+void ForEachPiece(Program& program, const std::function<void(FileOutput&, Piece&)>& visit);
+// What is left of a Method in its class is the declaration; returns the definition, which stands outside.
+Piece TakeMethodBody(Piece& method);
 
 // Moves class bodies before those that hold them by value; Method bodies, Functions and definitions of
 // Globals behind the class bodies that they use.

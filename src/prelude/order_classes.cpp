@@ -15,23 +15,16 @@ using Kind = Piece::Kind;
 using ClassSet = std::unordered_set<const ClassInfo*>;
 using FilesBySource = std::unordered_map<std::string, FileOutput*>;
 
+using PieceVisit = std::function<void(FileOutput&, Piece&)>;
+
 // `unseen` holds the files that have not been visited yet.
-template <typename Visit>
-void ForEachPiece(FileOutput& file, FilesBySource& unseen, Visit& visit) {
+void ForEachPiece(FileOutput& file, FilesBySource& unseen, const PieceVisit& visit) {
     if (unseen.erase(file.source) == 0 || file.headerOnly) return;
     for (Piece& piece : file.pieces) {
         const auto included = piece.kind == Kind::Include ? unseen.find(piece.file) : unseen.end();
         if (included != unseen.end()) ForEachPiece(*included->second, unseen, visit);
         visit(file, piece);
     }
-}
-
-// Calls visit(file, piece) for every piece in the order in which the C++ compiler sees them.
-template <typename Visit>
-void ForEachPiece(Program& program, Visit visit) {
-    FilesBySource unseen;
-    for (FileOutput& file : program.files) unseen.emplace(file.source, &file);
-    ForEachPiece(*program.main, unseen, visit);
 }
 
 bool InClassBody(const Piece& piece) {
@@ -133,18 +126,6 @@ bool AllDefined(const Piece& piece, const ClassSet& defined) {
     });
 }
 
-// A Method whose body has to wait leaves its declaration behind.
-Piece TakeMethodBody(Piece& piece) {
-    Piece body;
-    body.kind = Kind::Function;
-    body.text = piece.definitionHead + "\n" + piece.text.substr(piece.braceAt);
-    body.partPaths = std::move(piece.partPaths);
-    for (PartPath& part : body.partPaths) part.at += piece.definitionHead.size() + 1 - piece.braceAt;
-    piece.text.resize(piece.signatureEnd);
-    piece.text += ";\n";
-    return body;
-}
-
 // A file that gives its header only leaves its class bodies out.
 void RefuseDroppedClasses(Program& program) {
     ClassSet dropped;
@@ -167,6 +148,23 @@ void RefuseDroppedClasses(Program& program) {
 }
 
 }  // namespace
+
+void ForEachPiece(Program& program, const PieceVisit& visit) {
+    FilesBySource unseen;
+    for (FileOutput& file : program.files) unseen.emplace(file.source, &file);
+    ForEachPiece(*program.main, unseen, visit);
+}
+
+Piece TakeMethodBody(Piece& method) {
+    Piece body;
+    body.kind = Kind::Function;
+    body.text = method.definitionHead + "\n" + method.text.substr(method.braceAt);
+    body.partPaths = std::move(method.partPaths);
+    for (PartPath& part : body.partPaths) part.at += method.definitionHead.size() + 1 - method.braceAt;
+    method.text.resize(method.signatureEnd);
+    method.text += ";\n";
+    return body;
+}
 
 void OrderClasses(Program& program) {
     RefuseDroppedClasses(program);

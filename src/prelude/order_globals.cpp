@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "prelude/order.h"
+#include "prelude/texts.h"
 #include "prelude/value_order.h"
 
 namespace {
@@ -121,6 +122,7 @@ private:
             if (place != Place::Header) {
                 Append(place, global.mark + global.definition);
                 global.plain = global.declaration;
+                global.moved = true;
                 effects.changes.insert(ThingOf(*entry.Name()));
             }
         }
@@ -160,10 +162,11 @@ void AddForward(FileOutput& file, const ClassInfo* cls) {
 
 // Names of the prelude in types.
 struct PreludeNames {
-    bool sequence = false, slot = false, boolItem = false;
+    bool sequence = false, slot = false, boolItem = false, anyObject = false;
 
     void Add(const ValueType& type, bool global) {
         sequence = sequence || type.sequence;
+        anyObject = anyObject || type.base == Base::AnyObject;
         slot = slot || (global && type.IsArray() && type.base == Base::Element);
     }
 };
@@ -182,6 +185,7 @@ void AddPreludeNames(FileOutput& file) {
             names.boolItem = names.boolItem || variable->handsOnBools;
         }
     if (names.sequence) file.headerClasses += "template<typename T> class KVSeq;\n";
+    if (names.anyObject) file.headerClasses += texts::anyObject;
     if (names.slot) file.headerClasses += "template<typename T> class KVSlot;\n";
     if (names.boolItem) file.headerClasses += "struct KVBool;\n";
 }

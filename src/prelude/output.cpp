@@ -44,6 +44,12 @@ void PutLine(FileOutput& out, std::string_view line) {
     text += '\n';
 }
 
+// What was begun for lines that did not come.
+static bool HoldsNothing(const Piece& piece) {
+    const bool isForLines = piece.kind == Piece::Kind::Lines || piece.kind == Piece::Kind::ClassLines;
+    return isForLines && piece.text.empty() && piece.needs.empty();
+}
+
 // The text of the piece before is kept in a string of its size; the room that it grew in is the next one's.
 Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
     std::string room;
@@ -51,6 +57,7 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
         room = out.pieces.back().text;
         room.swap(out.pieces.back().text);
         room.clear();
+        if (HoldsNothing(out.pieces.back())) out.pieces.pop_back();
     }
     Piece& piece = out.pieces.emplace_back();
     piece.text = std::move(room);
@@ -61,7 +68,7 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
 
 void PutGlobal(FileOutput& out, GlobalDefinition definition) {
     definition.number = ++globalCount;
-    definition.mark = MarkOfPlace();
+    definition.mark = MarkOfPlace(out);
     out.globals.push_back(std::move(definition));
 }
 

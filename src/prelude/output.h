@@ -3,6 +3,7 @@
 // (main, and what uses a class before its body) are moved as wholes, never by reading text again.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@ struct PartPath {
 struct Piece {
     enum class Kind : unsigned char {
         Opening,     // the opening lines of the .cpp
+        Lists,       // definitions of the created lists
         Lines,       // whatever stands between the others
         ClassOpen,   // the opening lines of a class body
         ClassLines,  // Fields and other lines inside a class body
@@ -29,15 +31,17 @@ struct Piece {
         Include,     // the #include line of an included .cpp
         Definition,  // of a Global that the header declares extern
     };
-    Kind kind = Kind::Lines;
     std::string text;
-    const ClassInfo* cls = nullptr;       // the class that the piece belongs to
-    std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
-    std::string file;                     // Include: the included source as opened
     std::string definitionHead;           // Method: the signature line outside the class
-    std::size_t signatureEnd = 0;         // routines: where the text of the signature ends
-    std::size_t braceAt = 0, bodyAt = 0;  // routines: where the line of the opening brace begins and ends
+    std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
     std::vector<PartPath> partPaths;      // routines: in order
+    const ClassInfo* cls = nullptr;       // the class that the piece belongs to
+    Token file;                           // Include: the included source as opened
+    // Routines: where the text of the signature begins and ends, and the line of the opening brace.
+    std::uint32_t signatureAt = 0, signatureEnd = 0, braceAt = 0, bodyAt = 0;
+    int anchor = 0;  // the number of that of its marks, see line_marks.h; 0 without one
+    int anchorLine = 0;
+    Kind kind = Kind::Lines;
 };
 
 // A Global, Const or PreCalc table as the header gets it.
@@ -55,6 +59,7 @@ struct GlobalDefinition {
     std::string empty;                    // its definition without a value, when it needs one before that
     std::size_t number = 0;               // its place among those of all files, Includes where they stand
     bool isPreCalc = false;               // written without the comment line before it
+    bool moved = false;  // `plain` is the declaration, the definition stands in a later place
 };
 
 // One file's outputs. Filled by the first pass (header sections) and the second (globals, pieces).
@@ -65,6 +70,7 @@ struct FileOutput {
     std::string base;    // base name, ".debug" included for the main file of a debug build
     std::string guard;   // of its header
     bool isMain = false;
+    bool isModule = false;      // of the installation
     bool headerOnly = false;    // from a .kvh folder: its .cpp is dropped
     bool metAgain = false;      // included more than once: its text must count once
     bool isSettled = false;     // a part whose text is there
@@ -78,6 +84,7 @@ struct FileOutput {
     std::vector<const ClassInfo*> classesInHeader;  // that prototypes and globals mention
     std::vector<std::string> functionNames;         // with prototypes in headerFunctions, as written
     std::deque<Piece> pieces;
+    std::vector<int> anchors;  // the lines of the source where they stand
 };
 
 std::string HeaderPath(const FileOutput& out);

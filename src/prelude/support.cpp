@@ -3,11 +3,13 @@
 #include <array>
 #include <string_view>
 
+#include "base/debugger.h"
 #include "base/run.h"
 #include "base/settings.h"
 #include "prelude/fill.h"
 #include "prelude/texts.h"
 #include "symbols/own_names.h"
+#include "symbols/value_type.h"
 
 namespace {
 
@@ -16,7 +18,8 @@ constexpr std::size_t supportCount = static_cast<std::size_t>(Support::Count);
 struct Row {
     const std::string_view& text;
     const std::string_view& fastText;
-    Support builtOn;  // itself when it stands alone
+    Support builtOn;                           // itself when it stands alone
+    const std::string_view* object = nullptr;  // behind the text, once in the program
 };
 
 // In the order of the enum; a row stands behind the one that it builds on.
@@ -32,12 +35,14 @@ const std::array<Row, supportCount> rows = {{
     {texts::safeIndex, texts::fastSafeIndex, Support::SafeIndex},
     {texts::indexInOrder, texts::indexInOrder, Support::SafeIndex},
     {texts::sequenceWalk, texts::sequenceWalk, Support::SequenceWalk},
-    {texts::inputEnd, texts::inputEnd, Support::InputEnd},
+    {texts::inputEnd, texts::inputEnd, Support::InputEnd, &texts::inputEndObject},
     {texts::askedStep, texts::askedStep, Support::AskedStep},
     {texts::safeOperands, texts::safeOperands, Support::SafeOperands},
     {texts::fastFixedArray, texts::fastFixedArray, Support::FixedArray},
     {texts::misuse, texts::misuse, Support::Misuse},
     {texts::noMisuse, texts::noMisuse, Support::NoMisuse},
+    {texts::anyObject, texts::anyObject, Support::AnyObject},
+    {texts::takenObject, texts::takenObject, Support::AnyObject},
     {texts::presence, texts::presence, Support::Presence},
 }};
 
@@ -61,9 +66,23 @@ void RequireSupport(Support support) {
 bool SupportUsed(Support support) { return used[IndexOf(support)]; }
 
 std::string SupportText() {
+    if (NamesAnyObject()) {
+        if (ChecksValues()) RequireSupport(Support::Misuse);
+        RequireSupport(Support::TakenObject);
+    }
+    std::string text;
+    for (std::size_t i = 0; i < supportCount; ++i) {
+        if (!used[i]) continue;
+        text += FillNames(settings.fastMode ? rows[i].fastText : rows[i].text);
+        if (rows[i].object != nullptr && !settings.units) text += *rows[i].object;
+    }
+    return text;
+}
+
+std::string SupportObjects() {
     std::string text;
     for (std::size_t i = 0; i < supportCount; ++i)
-        if (used[i]) text += FillNames(settings.fastMode ? rows[i].fastText : rows[i].text);
+        if (used[i] && rows[i].object != nullptr) text += *rows[i].object;
     return text;
 }
 

@@ -24,6 +24,8 @@ enum class Support : unsigned char {
     FixedArray,    // KVArray, an array inside the frame of its routine; under -fast
     Misuse,        // what modules say of what they are given and cannot use
     NoMisuse,      // that they say nothing
+    AnyObject,     // KVAnyObject, an object of any Type, which it knows
+    TakenObject,   // what is done with one
     Presence,      // KVPresence, whether a Method's object is still there; debug builds
     Count,
 };
@@ -37,8 +39,10 @@ bool SupportUsed(Support support);
 void NotePreludeUse();
 std::size_t PreludeUses();
 
-// The text of all marked support code, in the order of the enum.
+// The text of all marked support code, in the order of the enum; of a program in several units without the objects that
+// it makes, which one of them has.
 std::string SupportText();
+std::string SupportObjects();
 
 // A text with the names of the checked division and remainder, and of what ends a program that has failed, in their
 // places.

@@ -17,12 +17,19 @@ extern const std::string_view fastOutput;
 extern const std::string_view fastBeforeFailure;  // in fastOutput, when a program says where it failed
 extern const std::string_view fastLineOutput;     // programs whose output kvt does not know whole
 extern const std::string_view fastUnitOutput;     // programs that part the C++ streams from those of C
+// The object that each of these three makes, once in the program.
+extern const std::string_view fastOutputObject;
+extern const std::string_view fastLineOutputObject;
+extern const std::string_view fastUnitOutputObject;
 extern const std::string_view fastItems;
 extern const std::string_view fastVectorItems;  // programs that can tell what holds the items
 extern const std::string_view fastSequence;
 extern const std::string_view fastScheduler;
 extern const std::string_view fastNoTimers;
 extern const std::string_view fastInstances;
+extern const std::string_view fastSeenLists;  // programs with code that may look at the lists of Types
+extern const std::string_view fastUnseenLists;
+extern const std::string_view fastTracked;
 extern const std::string_view fastSafeIndex;  // for Support::SafeIndex
 
 // The closing part of a class, hole C: its C++ name (see fill.h).
@@ -46,11 +53,14 @@ extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
 extern const std::string_view sequenceWalk;
 extern const std::string_view inputEnd;
+extern const std::string_view inputEndObject;
 extern const std::string_view misuse;
 extern const std::string_view noMisuse;
 extern const std::string_view safeOperands;
 extern const std::string_view askedStep;
 extern const std::string_view fastFixedArray;  // only programs translated with -fast ask for it
+extern const std::string_view anyObject;       // its class, which included headers have as well
+extern const std::string_view takenObject;
 extern const std::string_view presence;
 
 }  // namespace texts

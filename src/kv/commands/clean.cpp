@@ -13,16 +13,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const int failure = 1;
-
 // Removes a folder that is no link, with all that is in it.
 bool RemoveFolder(const std::string& folder) {
     std::error_code failed;
     if (!fs::is_directory(fs::symlink_status(PathOf(folder), failed))) return true;
     const auto removed = fs::remove_all(PathOf(folder), failed);
     if (failed) {
-        ShowProblem("cannot remove " + folder + ": " + failed.message());
-        return false;
+        return Refuse("cannot remove " + folder + ": " + failed.message());
     }
     std::printf("removed %s (%llu files and folders)\n", folder.c_str(),
                 static_cast<unsigned long long>(removed));

@@ -1,14 +1,22 @@
 #include "kv/commands/commands.h"
 
+#include "kv/diagnostics.h"
+
 namespace {
 
 const std::size_t any = static_cast<std::size_t>(-1);
 constexpr unsigned leaving = Bit(Command::build) | Bit(Command::package);
 constexpr unsigned making = Bit(Command::run) | Bit(Command::watch) | leaving;
 constexpr unsigned compiling = making | Bit(Command::test) | Bit(Command::debug);
+constexpr unsigned starting = Bit(Command::run) | Bit(Command::watch) | Bit(Command::test);
 constexpr unsigned translating = compiling | Bit(Command::check);
 
 }  // namespace
+
+int Fail(const std::string& problem) {
+    ShowProblem(problem);
+    return failure;
+}
 
 const std::vector<CommandRow>& CommandRows() {
     static const std::vector<CommandRow> rows = {
@@ -59,6 +67,8 @@ const std::vector<OptionRow>& OptionRows() {
     static const std::vector<OptionRow> rows = {
         {"-o", &Options::outputFile, "FILE", "", leaving,
          "the program to make; the folder, .tar.gz or .zip to pack it into"},
+        {"--jobs", &Options::jobs, "NUMBER", "", starting,
+         "how many calls of the C++ compiler to make side by side (one for each core)"},
         {"--timeout", &Options::timeout, "SECONDS", "", Bit(Command::test),
          "a program that runs longer has failed (60)"},
         {"--data", &Options::data, "PATH", "", Bit(Command::package), "a file or folder to pack as well"},

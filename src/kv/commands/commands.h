@@ -37,6 +37,12 @@ const std::vector<OptionRow>& OptionRows();
 
 constexpr unsigned Bit(Command command) { return 1U << static_cast<unsigned>(command); }
 
+// Exit statuses of kv itself.
+inline constexpr int failure = 1, wrongUsage = 2;
+
+// Shows why a command gives up; its exit status.
+int Fail(const std::string& problem);
+
 inline constexpr char versionText[] = "kv 1.2e";
 
 // The commands themselves.
@@ -50,6 +56,9 @@ int FmtCommand(const Options& options);
 int LspCommand(const Options& options);
 int DebugCommand(const Options& options);
 int DapCommand(const Options& options);
+// kv as kv dap has it called in an editor's terminal; see debug/launch.h.
+bool IsDebuggeeCommand(const std::vector<std::string>& words);
+int RunDebuggee(const std::vector<std::string>& words);
 int NewCommand(const Options& options);
 int WatchCommand(const Options& options);
 int PackageCommand(const Options& options);

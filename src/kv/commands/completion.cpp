@@ -115,6 +115,5 @@ int CompletionCommand(const Options& options) {
         std::fputs(row.script().c_str(), stdout);
         return 0;
     }
-    ShowProblem("kv completion knows bash, zsh and fish, not " + options.source);
-    return 1;
+    return Fail("kv completion knows bash, zsh and fish, not " + options.source);
 }

@@ -5,6 +5,7 @@
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/manual_pages.h"
+#include "library/korvel.h"
 
 namespace {
 
@@ -30,21 +31,22 @@ std::string Contents(const std::vector<ManualEntry>& entries) {
     return text + line + "\n\nkv doc WORD shows the entry of a word.\n";
 }
 
-// "; did you mean a or b?"
-std::string Question(const std::vector<std::string>& names) {
+// Where else to look for a word without an entry.
+std::string NearestTo(const std::vector<ManualEntry>& entries, const std::string& word) {
+    const std::string page = PageAbout(word), advice = korvel::AdviceOnWord(word);
+    if (!page.empty()) return "; its page is " + page;
+    if (!advice.empty()) return ". " + advice;
     std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "; did you mean " : " or ") + name;
-    return names.empty() ? " (kv doc lists all entries)" : text + "?";
+    for (const std::string& name : SimilarNames(entries, word))
+        text += (text.empty() ? "; did you mean " : " or ") + name;
+    return text.empty() ? " (kv doc lists all entries)" : text + "?";
 }
 
 }  // namespace
 
 int DocCommand(const Options& options) {
     const std::vector<ManualEntry> entries = ReadManual(ManualFolder());
-    if (entries.empty()) {
-        ShowProblem("the installation is not whole: there is no manual in " + ManualFolder());
-        return 1;
-    }
+    if (entries.empty()) return Fail(NoManual());
     if (options.names.empty()) {
         std::fputs(Contents(entries).c_str(), stdout);
         return 0;
@@ -54,6 +56,5 @@ int DocCommand(const Options& options) {
         std::fputs(PlainText(entry->text).c_str(), stdout);
         return 0;
     }
-    ShowProblem("the manual has no entry for \"" + word + "\"" + Question(SimilarNames(entries, word)));
-    return 1;
+    return Fail("the manual has no entry for \"" + word + "\"" + NearestTo(entries, word));
 }

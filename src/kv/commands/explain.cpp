@@ -6,17 +6,17 @@
 #include "kv/diagnostics.h"
 #include "kv/manual_pages.h"
 
+static constexpr int nameWidth = 16;
+
 int ExplainCommand(const Options& options) {
     std::vector<ManualEntry> entries = ReadManual(ManualFolder());
     entries.erase(std::remove_if(entries.begin(), entries.end(),
                                  [](const ManualEntry& entry) { return entry.page != "warnings"; }),
                   entries.end());
-    if (entries.empty()) {
-        ShowProblem("the installation is not whole: there is no manual in " + ManualFolder());
-        return 1;
-    }
+    if (entries.empty()) return Fail(NoManual());
     if (options.names.empty()) {
-        for (const ManualEntry& entry : entries) std::printf("%s\n", entry.names[0].c_str());
+        for (const ManualEntry& entry : entries)
+            std::printf("%-*s %s\n", nameWidth, entry.names[0].c_str(), FirstSentence(entry).c_str());
         return 0;
     }
     const std::string& name = options.names[0];
@@ -25,7 +25,6 @@ int ExplainCommand(const Options& options) {
         return 0;
     }
     const std::vector<std::string> similar = SimilarNames(entries, name);
-    ShowProblem("there is no warning called \"" + name + "\"" +
+    return Fail("there is no warning called \"" + name + "\"" +
                 (similar.empty() ? " (kv explain lists all of them)" : "; did you mean " + similar[0] + "?"));
-    return 1;
 }

@@ -13,7 +13,6 @@
 
 namespace {
 
-const int failure = 1;
 const char standardInput[] = "-";
 
 bool IsText(const std::string& text) { return text.find('\0') == std::string::npos; }
@@ -22,8 +21,7 @@ bool IsText(const std::string& text) { return text.find('\0') == std::string::np
 bool FormatFile(const std::string& file, bool onlyCheck) {
     std::string text;
     if (!ReadFile(file, text)) {
-        ShowProblem("cannot read " + file);
-        return false;
+        return Refuse("cannot read " + file);
     }
     if (!IsText(text)) {
         ShowProblem(file + " is no text of ASCII or UTF-8 letters; it stays as it is");

@@ -30,8 +30,7 @@ bool IsWord(const std::string& name) {
     return std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) != 0; });
 }
 
-std::vector<ManualEntry> EntriesOfLanguage() {
-    std::vector<ManualEntry> entries = ReadManual(ManualFolder());
+std::vector<ManualEntry> EntriesOfLanguage(std::vector<ManualEntry> entries) {
     entries.erase(std::remove_if(entries.begin(), entries.end(),
                                  [](const ManualEntry& entry) { return !IsOfLanguage(entry); }),
                   entries.end());
@@ -41,7 +40,8 @@ std::vector<ManualEntry> EntriesOfLanguage() {
 }  // namespace
 
 int LspCommand(const Options&) {
-    const std::vector<ManualEntry> entries = EntriesOfLanguage();
+    const std::vector<ManualEntry> manual = ReadManual(ManualFolder());
+    const std::vector<ManualEntry> entries = EntriesOfLanguage(manual);
     lsp::Services services;
     services.installation = TextOf(PathOf(OwnExecutable()).parent_path().parent_path());
     services.version = versionText;
@@ -50,6 +50,8 @@ int LspCommand(const Options&) {
         const ManualEntry* entry = FindEntry(entries, word);
         return entry == nullptr ? std::string() : entry->text;
     };
+    services.describe = [&manual](const std::string& module, const std::string& owner,
+                                  const std::string& name) { return RowAbout(manual, module, owner, name); };
     for (const ManualEntry& entry : entries)
         std::copy_if(entry.names.begin(), entry.names.end(), std::back_inserter(services.words), IsWord);
     UseBinaryStreams();
@@ -59,8 +61,7 @@ int LspCommand(const Options&) {
 #else
 
 int LspCommand(const Options&) {
-    ShowProblem("this kv was built without JSON, which editors speak (Debian: nlohmann-json3-dev)");
-    return 1;
+    return Fail("this kv was built without JSON, which editors speak (Debian: nlohmann-json3-dev)");
 }
 
 #endif

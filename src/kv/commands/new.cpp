@@ -12,8 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const int failure = 1;
-
 std::string ProgramText(const std::string& name) {
     return "; " + name + ": kv run " + name +
            ".kvl\n"
@@ -34,11 +32,6 @@ std::string IgnoredFiles(const std::string& name) {
     return ".kvbuild/\n/" + name + "\n/" + name + ".exe\n*.linkflags\n";
 }
 
-int Refuse(const std::string& problem) {
-    ShowProblem(problem);
-    return failure;
-}
-
 }  // namespace
 
 int NewCommand(const Options& options) {
@@ -46,17 +39,17 @@ int NewCommand(const Options& options) {
     const fs::path folder = (fs::current_path(failed) / PathOf(options.source)).lexically_normal();
     const fs::path named = folder.has_filename() ? folder : folder.parent_path();
     std::string name = TextOf(named.filename());
-    if (named.extension() == ".kvl") return Refuse("kv new takes the name of a program, without .kvl");
+    if (named.extension() == ".kvl") return Fail("kv new takes the name of a program, without .kvl");
     if (name.empty() || name.find_first_of("\r\n") != std::string::npos)
-        return Refuse("\"" + options.source + "\" is no name of a program");
+        return Fail("\"" + options.source + "\" is no name of a program");
     const fs::path program = named / PathOf(name + ".kvl"), ignored = named / ".gitignore";
     if (fs::exists(fs::symlink_status(program, failed)))
-        return Refuse(TextOf(program) + " is there already; it stays as it is");
+        return Fail(TextOf(program) + " is there already; it stays as it is");
     fs::create_directories(named, failed);
     const bool keepsIgnored = fs::exists(fs::symlink_status(ignored, failed));
     if (!fs::is_directory(named, failed) || !WriteOver(program, ProgramText(name)) ||
         (!keepsIgnored && !WriteOver(ignored, IgnoredFiles(name))))
-        return Refuse("cannot write in " + TextOf(named));
+        return Fail("cannot write in " + TextOf(named));
     const std::string typed = TextOf(PathOf(options.source) / PathOf(name + ".kvl"));
     const char* const quote = typed.find(' ') == std::string::npos ? "" : "\"";
     std::printf("made %s; try: kv run %s%s%s\n", typed.c_str(), quote, typed.c_str(), quote);

@@ -23,8 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const int failure = 1;
-
 // Archives by the end of their names, and what makes them: the folder to pack stands behind the archive.
 const struct {
     const char* suffix;
@@ -39,9 +37,11 @@ const auto* ArchiveOf(const std::string& name) {
     });
 }
 
-bool Refuse(const std::string& problem) {
-    ShowProblem(problem);
-    return false;
+// The end of the name of an archive of another kind; null for all else.
+const char* OtherArchive(const std::string& name) {
+    for (const char* suffix : {".7z", ".bz2", ".deb", ".gz", ".rar", ".tar", ".xz"})
+        if (EndsWith(name, suffix) && ArchiveOf(name) == noArchive) return suffix;
+    return nullptr;
 }
 
 // Beside the source, unless -o says where.
@@ -123,5 +123,9 @@ bool Package(const Job& job) {
 
 int PackageCommand(const Options& options) {
     Job job;
+    if (const char* other = OtherArchive(options.outputFile)) {
+        Refuse(std::string("kv packs into folders, .tar.gz and .zip, not into ") + other);
+        return failure;
+    }
     return PrepareJob(options, job) && Make(job) && Package(job) ? 0 : failure;
 }

@@ -13,7 +13,6 @@
 
 namespace {
 
-const int failure = 1;
 const int attempts = 3;  // to run a program
 
 int RunProgram(Job& job) {
@@ -30,8 +29,7 @@ int RunProgram(Job& job) {
         status = RunProcess(request, problem);
     }
     if (problem.empty()) return status;
-    ShowProblem("cannot run " + job.build.program + ": " + problem);
-    return failure;
+    return Fail("cannot run " + job.build.program + ": " + problem);
 }
 
 // A file that only lends its declarations has no C++ of its own.

@@ -14,8 +14,6 @@
 
 namespace {
 
-const int failure = 1;
-const int wrongUsage = 2;
 const char testEnding[] = "_test.kvl";
 const char usualTimeout[] = "60";
 const std::size_t linesShown = 50;
@@ -89,8 +87,7 @@ int TestCommand(const Options& options) {
     for (const std::string& name : names) {
         const std::vector<std::string> found = SourcesOf(name, testEnding);
         if (found.empty()) {
-            ShowProblem("there is no program *" + std::string(testEnding) + " in " + name);
-            return failure;
+            return Fail("there is no program *" + std::string(testEnding) + " in " + name);
         }
         sources.insert(sources.end(), found.begin(), found.end());
     }

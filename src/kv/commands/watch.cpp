@@ -13,7 +13,6 @@
 
 namespace {
 
-const int failure = 1;
 const std::chrono::milliseconds pause(100);
 
 // The files that a program is made from, as they were last. They are looked at ten times a second, which costs nothing

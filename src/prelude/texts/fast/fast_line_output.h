@@ -9,5 +9,3 @@ struct KVLineOutput {
 #endif
     }
 };
-static KVLineOutput __kvLineOutput;
-

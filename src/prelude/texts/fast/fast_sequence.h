@@ -48,15 +48,15 @@ public:
         if(asc) std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { return a < b; });
         else std::sort(_items.begin(), _items.end(), [](const T& a, const T& b) { return b < a; });
     }
-    void _cmpSort(bool asc, std::true_type) {  // pointer element (Type): a->Compare(b)
-        _compactNulls(std::true_type());
-        __kvSort<T>(_items, [asc](const T& a, const T& b) { int c = a->KVL_Compare(b); return asc ? (c < 0) : (c > 0); });
+    struct _Compare {
+        static int Of(T& a, const T& b, std::true_type) { return a->KVL_Compare(b); }  // pointer element (Type)
+        static int Of(T& a, const T& b, std::false_type) { return a.KVL_Compare(b); }  // value element (Element)
+        static int Of(T& a, const T& b) { return Of(a, b, std::is_pointer<T>()); }
+    };
+    void SortCompare(bool asc) {
+        _compactNulls(std::is_pointer<T>());
+        __kvSort<T, _Compare>(_items, asc, KVSortsItems<T>());
     }
-    void _cmpSort(bool asc, std::false_type) {  // value element (Element): a.Compare(b)
-        if(asc) __kvSort<T>(_items, [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c < 0; });
-        else __kvSort<T>(_items, [](const T& a, const T& b) { T tmp = a; int c = tmp.KVL_Compare(b); return c > 0; });
-    }
-    void SortCompare(bool asc) { _cmpSort(asc, std::is_pointer<T>()); }
     typename KVItems<T>::iterator begin() { return _items.begin(); }
     typename KVItems<T>::iterator end() { return _items.end(); }
 };

@@ -2,5 +2,3 @@
 struct KVUnitOutput {
     KVUnitOutput() { std::cout << std::unitbuf; }
 };
-static KVUnitOutput __kvUnitOutput;
-

@@ -1,4 +1,4 @@
-#include "kv/command_quoting.h"
+#include "base/command_quoting.h"
 
 std::vector<std::string> SplitFlags(const std::string& text) {
     std::vector<std::string> flags;

@@ -1,0 +1,2 @@
+static KVLineOutput __kvLineOutput;
+

@@ -1,0 +1,2 @@
+static KVUnitOutput __kvUnitOutput;
+

@@ -1,0 +1,199 @@
+#include "prelude/units.h"
+
+#include "base/platform.h"
+#include "base/settings.h"
+#include "linking/runtime_code.h"
+#include "prelude/fast_prelude.h"
+#include "prelude/header.h"
+#include "prelude/line_marks.h"
+#include "prelude/texts.h"
+#include "symbols/symbols.h"
+
+namespace {
+
+using Kind = Piece::Kind;
+
+constexpr std::size_t routinesOfUnit = 6;
+
+constexpr const char* weakRoutines =
+    "#ifdef KV_BATCH\n"
+    "#define KV_ROUTINE __attribute__((weak))\n"
+    "#else\n"
+    "#define KV_ROUTINE\n"
+    "#endif\n\n";
+
+std::string Opened(const std::string& guard) { return "#ifndef " + guard + "\n#define " + guard + "\n\n"; }
+
+constexpr const char* closing = "\n#endif\n";
+
+std::string Including(const std::string& path) { return "#include \"" + path + "\"\n"; }
+
+// Constants of known value have it in every unit, so that labels and sizes can be made of them.
+bool IsKnownEverywhere(const GlobalDefinition& global) {
+    const Variable* variable = FindGlobal(global.name);
+    return global.declaration.empty() ||
+           (global.constant && variable != nullptr && variable->isConst && !global.moved);
+}
+
+// The files under way. Each is handed over as soon as it is whole, and what has been taken of a piece is freed: at their end
+// the pieces are most of what there is in memory.
+class UnitMaker {
+public:
+    UnitMaker(Program& p, const std::function<void(ProgramFile&&)>& takes) : program(p), take(takes) {}
+
+    void Run() {
+        header = Opened(program.main->guard) + Including(folderOfUnits + std::string("prelude.h")) + "\n" +
+                 weakRoutines;
+        header.reserve(SizeOfPieces());
+        for (const FileOutput* file : program.headers) Declare(*file);
+        globals = ReadingAnchors() + FastObjects();
+        ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Take(file, piece); });
+        EndUnit();
+        HandOverRest();
+    }
+
+private:
+    Program& program;
+    const std::function<void(ProgramFile&&)>& take;
+    std::string modules, header, globals, lastDefinitions, mainText;
+    std::string unit;                    // the last one
+    std::size_t units = 0;               // how many have been handed over
+    const FileOutput* unitOf = nullptr;  // the file whose routines the last one has
+    std::size_t routines = 0;            // how many it has
+
+    // More than any file will have; what is not used of it costs nothing.
+    std::size_t SizeOfPieces() const {
+        std::size_t size = 0;
+        for (const FileOutput& file : program.files)
+            for (const Piece& piece : file.pieces) size += piece.text.size();
+        return size;
+    }
+
+    void HandOver(const std::string& name, std::string&& text) const {
+        take({program.main->folder + "/" + name, std::move(text)});
+    }
+
+    static std::string PathOfUnit(const std::string& name) { return folderOfUnits + name + ".cpp"; }
+
+    void HandOverUnit(const std::string& name, const std::string& text) const {
+        HandOver(PathOfUnit(name), Including("../" + program.main->base + ".h") + "\n" + text);
+    }
+
+    void EndUnit() {
+        if (routines != 0) HandOverUnit(std::to_string(++units), unit);
+        unit.clear();
+        routines = 0;
+    }
+
+    // Units do not hear of what comes behind them.
+    void HandOverRest() {
+        const FileOutput& main = *program.main;
+        HandOver(folderOfUnits + std::string("prelude.h"), PreludeText(main));
+        header += OwnMark() + closing;
+        HandOver(main.base + ".h", std::move(header));
+        HandOverUnit("globals", globals + Definitions() + lastDefinitions + mainText);
+        std::string whole, list;
+        const auto add = [&](const std::string& path) {
+            whole += Including(path);
+            list += path + "\n";
+        };
+        add(PathOfUnit("globals"));
+        for (std::size_t i = 1; i <= units; ++i) add(PathOfUnit(std::to_string(i)));
+        if (settings.lineMarks) HandOver(main.base + ".places", Anchors());
+        HandOver(main.base + ".cpp", std::move(whole));
+        HandOver(UnitListPath(main).substr(main.folder.size() + 1), std::move(list));
+    }
+
+    static std::string OwnMark() { return settings.lineMarks ? OwnCodeMark() : std::string(); }
+
+    // Before anything can fail, and before another translation writes over them.
+    std::string ReadingAnchors() const {
+        if (!settings.lineMarks) return {};
+        const std::string path = AbsolutePath(program.main->folder) + "/" + program.main->base + ".places";
+        return "static const bool __kvPlacesRead = (__kvReadPlaces(" + CppLiteral(path) + "), true);\n";
+    }
+
+    std::string Anchors() const {
+        std::string lines;
+        for (const FileOutput& file : program.files) lines += AnchorLines(file);
+        return lines;
+    }
+
+    // What modules have in C++ needs nothing of the program, so it is compiled beforehand with the support code.
+    std::string PreludeText(const FileOutput& main) const {
+        const std::string failure = settings.lineMarks ? "#include <kvfailure.h>\n" : "";
+        return Opened("KV_UNITS_PRELUDE_H") + failure + std::string(texts::includes) +
+               "using namespace std;\n\n" + main.headerPrelude + SupportCode() + modules + OwnMark() +
+               closing;
+    }
+
+    void Declare(const FileOutput& file) {
+        header += file.headerClasses + file.headerFunctions;
+        for (const GlobalDefinition& global : file.globals)
+            header += (IsKnownEverywhere(global) ? global.mark + global.plain : global.declaration) + "\n";
+    }
+
+    // Globals in today's order: those of the headers, then those that had to leave them.
+    std::string Definitions() const {
+        std::string text;
+        for (const FileOutput* file : program.headers)
+            for (const GlobalDefinition& global : file->globals)
+                if (!global.moved && !IsKnownEverywhere(global))
+                    text += global.mark + global.definition + "\n";
+        return text + program.main->headerLate;
+    }
+
+    void AddRoutine(const FileOutput& file, const std::string& text) {
+        if (unitOf != &file || routines == routinesOfUnit) EndUnit();
+        unitOf = &file;
+        unit += text;
+        ++routines;
+    }
+
+    void Take(const FileOutput& file, Piece& piece) {
+        switch (piece.kind) {
+            case Kind::Method: {
+                AddRoutine(file, TakeMethodBody(piece).text);
+                header += piece.text.insert(piece.signatureAt, routineMark);
+                break;
+            }
+            case Kind::Function:
+                AddRoutine(file, piece.text);
+                break;
+            case Kind::Main:
+                mainText += piece.text;
+                break;
+            case Kind::Lists:
+                globals += piece.text;
+                break;
+            case Kind::Definition:
+                lastDefinitions += piece.text;
+                break;
+            case Kind::ClassOpen:
+            case Kind::ClassLines:
+            case Kind::ClassClose:
+                header += piece.text;
+                break;
+            case Kind::Lines:
+                (file.isModule ? modules : header) += piece.text;
+                break;
+            case Kind::Opening:
+            case Kind::Include:
+                break;
+        }
+        std::string().swap(piece.text);
+    }
+};
+
+}  // namespace
+
+bool CanComeInUnits() {
+    return settings.fastMode && !settings.debugMode && !symbols.inlineCpp && symbols.userlibDLLs.empty() &&
+           symbols.parts.empty();
+}
+
+std::string UnitListPath(const FileOutput& main) { return main.folder + "/" + main.base + ".units"; }
+
+void MakeUnits(Program& program, const std::function<void(ProgramFile&&)>& take) {
+    UnitMaker(program, take).Run();
+}
