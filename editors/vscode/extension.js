@@ -36,8 +36,8 @@ const withFile = work => async () => {
 
 const debugConfigurations = {
   resolveDebugConfiguration(folder, configuration) {
-    if (configuration.type) return configuration;
-    return { type: 'korvel', request: 'launch', name: 'Debug this program', program: '${file}' };
+    const wanted = configuration.type ? configuration : { type: 'korvel', request: 'launch', name: 'Debug this program', program: '${file}' };
+    return { console: 'integratedTerminal', ...wanted };
   },
 };
 
@@ -73,7 +73,6 @@ exports.activate = async context => {
     }));
   client = new LanguageClient('korvel', 'Korvel', { command: setting('kv'), args: ['lsp'] }, {
     documentSelector: [{ language: 'korvel' }],
-    synchronize: { fileEvents: vscode.workspace.createFileSystemWatcher('**/*.kvl') },
   });
   try {
     await client.start();

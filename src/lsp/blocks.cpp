@@ -46,7 +46,7 @@ Json WholeRange(Workspace& workspace, const korvel::Symbol& symbol) {
     const Lines& lines = workspace.LinesOf(symbol.file);
     const int last = LastLine(lines, symbol);
     return {{"start", {{"line", symbol.line - 1}, {"character", 0}}},
-            {"end", {{"line", last}, {"character", UnitOf(lines.Line(last), std::string::npos)}}}};
+            {"end", {{"line", last}, {"character", lines.UnitOf(last, std::string::npos)}}}};
 }
 
 }  // namespace lsp

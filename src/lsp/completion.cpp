@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <set>
 
+#include "base/keywords.h"
+#include "lexer/lexer.h"
+#include "lsp/code.h"
 #include "lsp/features.h"
 #include "lsp/include_paths.h"
 #include "lsp/kinds.h"
@@ -42,9 +45,6 @@ private:
     std::set<std::string> names;
 };
 
-bool IsType(const korvel::Symbol& symbol) {
-    return symbol.kind == Kind::Type || symbol.kind == Kind::Element;
-}
 bool IsMember(const korvel::Symbol& symbol) {
     return symbol.kind == Kind::Field || symbol.kind == Kind::Method;
 }
@@ -71,12 +71,6 @@ void AddMembers(Offer& offer, const Spot& spot, const std::string& owner) {
         if (IsMember(symbol) && symbol.owner == owner) offer.Add(symbol);
 }
 
-void AddTypes(Offer& offer, const Spot& spot) {
-    for (const char* word : {"Int", "Long", "Short", "Byte", "Bool", "Double", "String"}) offer.AddWord(word);
-    for (const korvel::Symbol& symbol : spot.program->inspection.symbols)
-        if (IsType(symbol)) offer.Add(symbol);
-}
-
 // The nearest first: what is offered first hides what is called the same.
 void AddVisible(Offer& offer, const Spot& spot, const Workspace& workspace) {
     const std::vector<korvel::Symbol>& symbols = spot.program->inspection.symbols;
@@ -89,10 +83,39 @@ void AddVisible(Offer& offer, const Spot& spot, const Workspace& workspace) {
     for (const std::string& word : workspace.services.words) offer.AddWord(word, workspace.takesSnippets);
 }
 
-// Where the word begins that is being typed.
-std::size_t StartOfWord(std::string_view before) {
-    return static_cast<std::size_t>(std::find_if_not(before.rbegin(), before.rend(), IsOfWord).base() -
-                                    before.begin());
+void AddKind(Offer& offer, const Spot& spot, Kind kind) {
+    for (const korvel::Symbol& symbol : spot.program->inspection.symbols)
+        if (symbol.kind == kind) offer.Add(symbol);
+}
+
+// What Sequences can hold.
+void AddItems(Offer& offer, const Spot& spot) {
+    for (const char* word : {"Int", "Long", "Short", "Byte", "Bool", "Double", "String"}) offer.AddWord(word);
+    AddKind(offer, spot, Kind::Element);
+}
+
+void AddTypes(Offer& offer, const Spot& spot) {
+    AddItems(offer, spot);
+    AddKind(offer, spot, Kind::Type);
+    offer.AddWord("Sequence");
+}
+
+// What may follow the word or sign in front of the place; `column` is that of the sign.
+void AddBehind(Offer& offer, const Spot& spot, const Workspace& workspace, std::string_view before,
+               std::size_t column) {
+    const char sign = before.empty() ? ' ' : before.back();
+    const Keyword word = FindKeyword(Lower(LastWord(before)));
+    if (sign == '\\')
+        AddMembers(offer, spot,
+                   korvel::TypeAt(spot.program->inspection, spot.file, spot.line, static_cast<int>(column)));
+    else if (word == Keyword::Of)
+        AddItems(offer, spot);
+    else if (sign == ':' || word == Keyword::As)
+        AddTypes(offer, spot);
+    else if (word == Keyword::Create || word == Keyword::New)
+        AddKind(offer, spot, Kind::Type);
+    else
+        AddVisible(offer, spot, workspace);
 }
 
 }  // namespace
@@ -107,20 +130,11 @@ Json Completion(Workspace& workspace, const Json& params) {
             offer.AddFile(name);
         return offer.items;
     }
-    const std::size_t start = StartOfWord(spot.before);
-    const char sign = start == 0 ? ' ' : spot.before[start - 1];
-    const bool inHole = spot.before.rfind("{%") != std::string_view::npos ||
-                        spot.before.rfind("{$") != std::string_view::npos;
-    if (EndsInText(spot.before) && !inHole) return offer.items;
-    if (sign == '\\') {
-        const std::string type =
-            korvel::TypeAt(spot.program->inspection, spot.file, spot.line, static_cast<int>(start));
-        AddMembers(offer, spot, type);
-    } else if (sign == ':') {
-        AddTypes(offer, spot);
-    } else {
-        AddVisible(offer, spot, workspace);
-    }
+    const Code code = CodeAt(workspace, spot);
+    const std::size_t start = StartOfWord(code.before);
+    if (code.isCode)
+        AddBehind(offer, spot, workspace, std::string_view(code.before).substr(0, start),
+                  code.column + start);
     return offer.items;
 }
 

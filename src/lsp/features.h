@@ -46,6 +46,8 @@ std::map<std::string, Json> DiagnosticsOfAll(Workspace& workspace);
 
 // "Method Hit:Int(damage:Int)"
 std::string DeclarationOf(const korvel::Symbol& symbol);
+// The comment above a declaration, or what the manual says of a name of the library.
+std::string DescriptionOf(Workspace& workspace, const korvel::Symbol& symbol);
 std::string PathOfDocument(const Json& params);
 
 }  // namespace lsp

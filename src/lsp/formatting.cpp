@@ -11,7 +11,7 @@ Json Formatting(Workspace& workspace, const Json& params) {
     const Lines formatted(workspace.services.format(lines.Text()));
     for (int i = 0; i < lines.Count(); ++i) {
         if (lines.Line(i) == formatted.Line(i)) continue;
-        const int end = UnitOf(lines.Line(i), std::string::npos);
+        const int end = lines.UnitOf(i, std::string::npos);
         const Json range = {{"start", {{"line", i}, {"character", 0}}},
                             {"end", {{"line", i}, {"character", end}}}};
         edits.push_back({{"range", range}, {"newText", formatted.Line(i)}});

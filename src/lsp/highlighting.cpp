@@ -21,14 +21,14 @@ Json SemanticTokens(Workspace& workspace, const Json& params) {
     const std::string path = PathOfDocument(params);
     const Program& program = workspace.ProgramOf(path);
     const std::string file = SpellingOf(program, path);
+    const Lines& lines = workspace.LinesOf(path);
     Json data = Json::array();
     int line = 0, unit = 0;
     for (const korvel::Use& use : program.inspection.uses) {
         const korvel::Symbol& symbol = program.inspection.symbols[use.symbol];
         if (use.file != file || use.firstColumn == 0 || symbol.kind == Kind::File) continue;
-        const std::string_view text = workspace.LinesOf(path).Line(use.line - 1);
-        const int start = UnitOf(text, static_cast<std::size_t>(use.firstColumn) - 1);
-        const int end = UnitOf(text, static_cast<std::size_t>(use.lastColumn));
+        const int start = lines.UnitOf(use.line - 1, static_cast<std::size_t>(use.firstColumn) - 1);
+        const int end = lines.UnitOf(use.line - 1, static_cast<std::size_t>(use.lastColumn));
         const bool sameLine = use.line - 1 == line;
         const unsigned modifiers =
             (use.declares ? declares : 0U) | (symbol.kind == Kind::Const ? isReadOnly : 0U);

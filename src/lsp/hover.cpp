@@ -1,6 +1,7 @@
 // What a name means: its declaration and the comment above it, or what the manual says.
 #include <algorithm>
 
+#include "lsp/code.h"
 #include "lsp/features.h"
 #include "lsp/kinds.h"
 #include "lsp/uri.h"
@@ -28,17 +29,27 @@ std::string CommentAbove(const Lines& lines, int line) {
     return comment;
 }
 
+// What the manual says of a name of the library.
+std::string InManual(const Workspace& workspace, const korvel::Symbol& symbol) {
+    const std::string modules = NormalPath(workspace.services.installation + "/lib/std") + "/";
+    const std::string file = NormalPath(symbol.file);
+    const bool isRoutine = symbol.kind == Kind::Function || symbol.kind == Kind::Method;
+    if (!isRoutine || file.compare(0, modules.size(), modules) != 0) return {};
+    const std::string module = file.substr(modules.size(), file.rfind('.') - modules.size());
+    return workspace.services.describe(module, symbol.owner, symbol.name);
+}
+
 std::string TextOf(Workspace& workspace, const korvel::Symbol& symbol) {
     std::string text = "```korvel\n" + DeclarationOf(symbol) + "\n```\n";
     const bool isMember = symbol.kind == Kind::Field || symbol.kind == Kind::Method;
     if (isMember) text += "of " + symbol.owner + "\n\n";
-    return text + CommentAbove(workspace.LinesOf(symbol.file), symbol.line - 1);
+    return text + DescriptionOf(workspace, symbol);
 }
 
 std::string TextAt(Workspace& workspace, const Spot& spot) {
     if (const korvel::Symbol* symbol = SymbolAt(spot)) return TextOf(workspace, *symbol);
     const std::string word = WordAt(spot);
-    return word.empty() || EndsInText(spot.before) ? "" : workspace.services.explain(word);
+    return word.empty() || !CodeAt(workspace, spot).isCode ? "" : workspace.services.explain(word);
 }
 
 }  // namespace
@@ -52,6 +63,11 @@ std::string DeclarationOf(const korvel::Symbol& symbol) {
     const std::string quote = symbol.kind == Kind::File ? "\"" : "";
     return RowOf(symbol.kind).word + std::string(" ") + quote + symbol.name + quote + type +
            symbol.parameters;
+}
+
+std::string DescriptionOf(Workspace& workspace, const korvel::Symbol& symbol) {
+    const std::string comment = CommentAbove(workspace.LinesOf(symbol.file), symbol.line - 1);
+    return comment.empty() ? InManual(workspace, symbol) : comment;
 }
 
 Json Hover(Workspace& workspace, const Json& params) {

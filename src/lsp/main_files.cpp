@@ -17,13 +17,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t mostFiles = 500, foldersAbove = 2;
+constexpr std::size_t mostFiles = 500, mostBelow = 5000, foldersAbove = 2;
+
+bool IsSource(const fs::path& file) { return file.extension() == ".kvl"; }
 
 void AddSources(const fs::path& folder, std::vector<std::string>& found) {
     std::error_code ignored;
     std::vector<std::string> sources;
     for (const auto& entry : fs::directory_iterator(folder, ignored))
-        if (entry.path().extension() == ".kvl") sources.push_back(NormalPath(TextOf(entry.path())));
+        if (IsSource(entry.path())) sources.push_back(NormalPath(TextOf(entry.path())));
     std::sort(sources.begin(), sources.end());
     found.insert(found.end(), sources.begin(), sources.end());
 }
@@ -32,9 +34,10 @@ bool IsRoot(const fs::path& folder, const std::vector<std::string>& roots) {
     return std::find(roots.begin(), roots.end(), GenericTextOf(folder)) != roots.end();
 }
 
-bool IsBelowRoot(const std::string& path, const std::vector<std::string>& roots) {
+// Not of a root that is the file's own folder: some editors know no other.
+bool IsBelowRoot(const std::string& folder, const std::vector<std::string>& roots) {
     return std::any_of(roots.begin(), roots.end(),
-                       [&path](const std::string& root) { return StartsWith(path, root + "/"); });
+                       [&folder](const std::string& root) { return StartsWith(folder, root + "/"); });
 }
 
 }  // namespace
@@ -56,14 +59,32 @@ bool MayInclude(const std::string& text, const std::string& path) {
 
 std::vector<std::string> FilesNear(const std::string& path, const std::vector<std::string>& roots) {
     std::vector<std::string> found;
-    const bool bounded = IsBelowRoot(path, roots);
     fs::path folder = PathOf(path).parent_path();
+    const bool bounded = IsBelowRoot(GenericTextOf(folder), roots);
     for (std::size_t i = 0; found.size() < mostFiles && (bounded || i <= foldersAbove); ++i) {
         AddSources(folder, found);
-        if (IsRoot(folder, roots) || folder == folder.parent_path()) break;
+        if ((bounded && IsRoot(folder, roots)) || folder == folder.parent_path()) break;
         folder = folder.parent_path();
     }
     found.erase(std::remove(found.begin(), found.end(), path), found.end());
+    return found;
+}
+
+std::vector<std::string> SourcesBelow(const std::vector<std::string>& folders) {
+    std::vector<std::string> found;
+    std::error_code failed;
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (const std::string& root : folders) {
+        fs::recursive_directory_iterator entry(PathOf(root), options, failed);
+        for (; !failed && entry != fs::end(entry) && found.size() < mostBelow; entry.increment(failed)) {
+            if (TextOf(entry->path().filename())[0] == '.')
+                entry.disable_recursion_pending();
+            else if (IsSource(entry->path()))
+                found.push_back(NormalPath(TextOf(entry->path())));
+        }
+    }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 

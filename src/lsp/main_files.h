@@ -15,4 +15,7 @@ bool MayInclude(const std::string& text, const std::string& path);
 // one in two folders more.
 std::vector<std::string> FilesNear(const std::string& path, const std::vector<std::string>& roots);
 
+// All sources in the folders and those below them; hidden ones are left out, and what is beyond a few thousand.
+std::vector<std::string> SourcesBelow(const std::vector<std::string>& folders);
+
 }  // namespace lsp

@@ -78,6 +78,19 @@ void RefuseInCpp(Workspace& workspace, const Meaning& meaning) {
             throw Refusal("inline C++ uses '" + symbol.name + "', as KVL_" + symbol.name);
 }
 
+void RefuseAsName(const std::string& name) {
+    const bool isWord = !name.empty() && std::all_of(name.begin(), name.end(), IsOfWord);
+    if (!isWord) throw Refusal("'" + name + "' is no name");
+    if (FindKeyword(Lower(name)) != Keyword::None) throw Refusal("'" + name + "' is a word of the language");
+}
+
+// Whether the use is by its name: there are others, `its`.
+bool IsWritten(const Lines& lines, const korvel::Use& use, const std::string& name) {
+    const std::string_view line = lines.Line(use.line - 1);
+    const std::size_t from = std::min(static_cast<std::size_t>(use.firstColumn) - 1, line.size());
+    return line.substr(from, name.size()) == name;
+}
+
 const korvel::Symbol& RenamedAt(const Workspace& workspace, const Spot& spot) {
     const korvel::Symbol* symbol = SymbolAt(spot);
     if (symbol == nullptr) throw Refusal("there is no name here that the program declares");
@@ -130,11 +143,11 @@ Json Rename(Workspace& workspace, const Json& params) {
     const std::string name = params.at("newName").get<std::string>();
     const Spot spot = workspace.SpotOf(params);
     const std::vector<Meaning> meanings = MeaningsOf(workspace, spot, RenamedAt(workspace, spot));
-    const bool isWord = !name.empty() && std::all_of(name.begin(), name.end(), IsOfWord);
-    if (!isWord) throw Refusal("'" + name + "' is no name");
+    RefuseAsName(name);
     UsesByFile files;
     Json changes = Json::object();
     for (const korvel::Use& use : UsesOf(meanings)) {
+        if (!IsWritten(workspace.LinesOf(use.file), use, meanings[0].symbol->name)) continue;
         files[use.file].push_back(use);
         changes[workspace.UriOf(use.file)].push_back({{"range", workspace.RangeOf(use)}, {"newText", name}});
     }

@@ -2,6 +2,7 @@
 #include <set>
 #include <tuple>
 
+#include "base/text.h"
 #include "lexer/lexer.h"
 #include "lsp/blocks.h"
 #include "lsp/features.h"
@@ -30,22 +31,25 @@ Json EntryOf(Workspace& workspace, const korvel::Symbol& symbol) {
 
 }  // namespace
 
-// All names in the programs that hold the letters asked for, in any letter case.
+// All names in the programs of the folders that hold the letters asked for, in any letter case; not those of modules.
 Json WorkspaceSymbols(Workspace& workspace, const Json& params) {
     const std::string wanted = Lower(params.at("query").get<std::string>());
+    const std::string modules = NormalPath(workspace.services.installation) + "/lib/";
     Json entries = Json::array();
     std::set<std::tuple<std::string, int, std::string>> known;  // a file may belong to several programs
-    for (const Program* program : workspace.OpenPrograms()) {
-        for (const korvel::Symbol& symbol : program->inspection.symbols) {
-            if (!IsListed(symbol) || Lower(symbol.name).find(wanted) == std::string::npos) continue;
-            if (!known.emplace(NormalPath(symbol.file), symbol.line, symbol.name).second) continue;
-            Json entry = {{"name", symbol.name},
-                          {"kind", RowOf(symbol.kind).symbol},
-                          {"location", workspace.LocationOf(symbol)}};
-            if (!symbol.owner.empty()) entry["containerName"] = symbol.owner;
-            entries.push_back(entry);
-        }
-    }
+    const auto add = [&](const korvel::Symbol& symbol) {
+        if (!IsListed(symbol) || Lower(symbol.name).find(wanted) == std::string::npos) return;
+        const std::string file = NormalPath(symbol.file);
+        if (StartsWith(file, modules) || !known.emplace(file, symbol.line, symbol.name).second) return;
+        Json entry = {{"name", symbol.name},
+                      {"kind", RowOf(symbol.kind).symbol},
+                      {"location", workspace.LocationOf(symbol)}};
+        if (!symbol.owner.empty()) entry["containerName"] = symbol.owner;
+        entries.push_back(entry);
+    };
+    for (const Program* program : workspace.OpenPrograms())
+        for (const korvel::Symbol& symbol : program->inspection.symbols) add(symbol);
+    for (const korvel::Symbol& symbol : workspace.SymbolsElsewhere()) add(symbol);
     return entries;
 }
 

@@ -73,9 +73,26 @@ const auto* RowOf(const Rows& rows, const std::string& method) {
     return static_cast<decltype(&*std::begin(rows))>(nullptr);
 }
 
-Json Capabilities() {
+struct UnitsRow {
+    const char* name;
+    Units units;
+};
+
+constexpr UnitsRow unitsRows[] = {{"utf-16", Units::Utf16}, {"utf-8", Units::Utf8}, {"utf-32", Units::Utf32}};
+
+// What the client likes best of what both know; all know UTF-16.
+const UnitsRow& UnitsOf(const Json& params) {
+    const Json::json_pointer known("/capabilities/general/positionEncodings");
+    const Json names = params.is_object() ? params.value(known, Json::array()) : Json::array();
+    for (const Json& name : names)
+        for (const UnitsRow& row : unitsRows)
+            if (name == row.name) return row;
+    return unitsRows[0];
+}
+
+Json Capabilities(const char* positions) {
     return {
-        {"positionEncoding", "utf-16"},
+        {"positionEncoding", positions},
         {"textDocumentSync", {{"openClose", true}, {"change", 2}, {"save", true}}},
         {"hoverProvider", true},
         {"definitionProvider", true},
@@ -116,6 +133,7 @@ private:
     std::FILE* output;
     std::map<std::string, Json> told;  // diagnostics by URI
     bool isInitialized = false, isShutDown = false, leaves = false, changed = false;
+    bool watches = false;  // the client can tell of changes on disk
 
     void Send(Json message) {
         message["jsonrpc"] = "2.0";
@@ -162,6 +180,7 @@ private:
 
     void Notification(const std::string& method, const Json& params) {
         if (method == "exit") leaves = true;
+        if (method == "initialized" && watches) AskToWatch();
         const NotificationRow* row = RowOf(notificationRows, method);
         if (row == nullptr || !isInitialized || isShutDown) return;
         try {
@@ -169,6 +188,15 @@ private:
             changed = true;
         } catch (const std::exception&) {  // there is nobody to tell
         }
+    }
+
+    void AskToWatch() {
+        const Json options = {{"watchers", {{{"globPattern", "**/*.kvl"}}}}};
+        const Json registration = {
+            {"id", "sources"}, {"method", "workspace/didChangeWatchedFiles"}, {"registerOptions", options}};
+        Send({{"id", "watch"},
+              {"method", "client/registerCapability"},
+              {"params", {{"registrations", Json::array({registration})}}}});
     }
 
     Json Initialize(const Json& params) {
@@ -180,8 +208,13 @@ private:
         const Json::json_pointer snippets(
             "/capabilities/textDocument/completion/completionItem/snippetSupport");
         workspace.takesSnippets = params.is_object() && params.value(snippets, false);
+        const Json::json_pointer watching(
+            "/capabilities/workspace/didChangeWatchedFiles/dynamicRegistration");
+        watches = params.is_object() && params.value(watching, false);
+        const UnitsRow& row = UnitsOf(params);
+        CountIn(row.units);
         isInitialized = true;
-        return {{"capabilities", Capabilities()},
+        return {{"capabilities", Capabilities(row.name)},
                 {"serverInfo", {{"name", "kv lsp"}, {"version", workspace.services.version}}}};
     }
 

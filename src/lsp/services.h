@@ -14,6 +14,9 @@ struct Services {
     std::function<std::string(const std::string& text)> format;
     // What the manual says of a word of the language, in Markdown; empty where it says nothing.
     std::function<std::string(const std::string& word)> explain;
+    // What it says of a function of a module of the library or, with an owner, of a Method of that Type.
+    std::function<std::string(const std::string& module, const std::string& owner, const std::string& name)>
+        describe;
     std::vector<std::string> words;  // of the language, as they are spelt
 };
 

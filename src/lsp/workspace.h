@@ -1,7 +1,9 @@
 // The texts that are being edited, and what the compiler knows of the programs that they belong to.
 #pragma once
 
+#include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -50,6 +52,8 @@ public:
     std::vector<const Program*> OpenPrograms();
     // The same, and others near the file that may have it as a part.
     std::vector<const Program*> ProgramsNear(const std::string& path);
+    // What the other programs in the folders declare.
+    const std::vector<korvel::Symbol>& SymbolsElsewhere();
     const std::map<std::string, Document>& Documents() const { return documents; }
     // The program that the file is a part of, as it is now.
     const Program& ProgramOf(const std::string& path);
@@ -63,11 +67,25 @@ public:
     korvel::Request RequestFor(const std::string& main) const;
 
 private:
+    // A file that is not being edited.
+    struct ReadFile {
+        Lines lines;
+        std::filesystem::file_time_type time;
+    };
     std::map<std::string, Document> documents;  // by path
     std::map<std::string, std::string> mains;   // of files that have been asked about
+    std::set<std::string> orphans;              // those of them that no program has
     std::map<std::string, Program> programs;    // by main file
-    std::map<std::string, Lines> files;         // that are not being edited
+    std::map<std::string, ReadFile> files;
+    std::vector<korvel::Symbol> elsewhere;
+    bool knowsElsewhere = false;
 
+    // What a change of texts may have made wrong.
+    void ForgetTexts();
+    const Program& ProgramWith(const std::string& main);
+    // Where mistakes keep the compiler from most of what it could know, and it knows what to write in their place.
+    void LookPastMistakes(Program& program);
+    void MendIn(korvel::Request& request, const korvel::Fix& fix);
     const std::string& MainOf(const std::string& path);
     std::string FindMain(const std::string& path);
     // The sources near the file that are programs and name it.
@@ -83,7 +101,5 @@ const korvel::Symbol* SymbolAt(const Spot& spot);
 bool IsOfWord(char c);
 // The word in which the spot is, or which it follows.
 std::string WordAt(const Spot& spot);
-// Whether the end of the text is inside of a String or comment.
-bool EndsInText(std::string_view text);
 
 }  // namespace lsp

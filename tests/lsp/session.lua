@@ -1,167 +1,103 @@
--- A session of Neovim's own client with `kv lsp`. $KV is the server, $WORK an empty folder. What fails is printed, and the
--- number of checks.
-local kv, work = os.getenv('KV'), os.getenv('WORK')
-local checks, failures = 0, 0
+-- A program is written in Neovim as the manual's page on editors sets it up: typed line by line, mistakes are shown and mended, a
+-- Method gets another name, and what the program does wrong is found by kv dap. $STAGE is the installation, $WORK an empty folder.
+local stage, work = os.getenv('STAGE'), os.getenv('WORK')
+local here = vim.fn.fnamemodify(debug.getinfo(1, 'S').source:sub(2), ':p:h')
+local check, finish = dofile(here .. '/../checks.lua')
+local page = table.concat(vim.fn.readfile(stage .. '/docs/manual/editors.md'), '\n')
 
-local function check(name, wanted, got)
-    checks = checks + 1
-    if vim.deep_equal(wanted, got) then return end
-    failures = failures + 1
-    print('FAILED: ' .. name .. '\n  wanted ' .. vim.inspect(wanted) .. '\n  got    ' .. vim.inspect(got) .. '\n')
+-- init.lua is what the page tells.
+vim.env.PATH = stage .. '/bin:' .. vim.env.PATH
+local setup = ''
+for line in page:gmatch('\n    (vim%.[^\n]*)') do setup = setup .. line .. '\n' end
+assert(loadstring((setup:gsub('~/korvel', stage))))()
+vim.cmd('filetype plugin indent on | syntax on | edit ' .. work .. '/bakery.kvl')
+vim.ui.select = function(items, _, choose) choose(items[1], 1) end
+vim.ui.input = function(_, take) take('HandOver') end
+
+local function keys(text) vim.api.nvim_feedkeys(vim.api.nvim_replace_termcodes(text, true, false, true), 'xt', false) end
+local function buffer() return vim.api.nvim_buf_get_lines(0, 0, -1, false) end
+-- What is told of a line, its first mistake, when there is something.
+local function mistake(line)
+    local found
+    vim.wait(3000, function()
+        found = vim.diagnostic.get(0, { lnum = line - 1 })[1]
+        return found
+    end, 5)
+    return found or { message = 'nothing', col = 0 }
 end
 
-local function write(name, text)
-    local file = assert(io.open(work .. '/' .. name, 'w'))
-    file:write(text)
-    file:close()
+-- The program is an example, with mistakes: what is typed in place of a line, what is told and whether a fix mends it.
+local wanted = vim.fn.readfile(stage .. '/examples/bakery.kvl')
+local planted, counted = 31, 'served = served + 2'
+local mistakes = {
+    [12] = { 'Field wants:Integer', 'Unknown type: Integer', true },
+    [37] = { 'Return (seeed / 16) Mod limit', 'Identifier not found - seeed', true },
+    [44] = { 'Return Nil', 'Identifier not found - Nil', true },
+    [51] = { 'Local customer:Customer = SeqRemoveFist(waiting)', 'Identifier not found - SeqRemoveFist', true },
+    [54] = { 'EndWhile', 'Identifier not found - EndWhile', true },
+    [60] = { 'counter\\label = Chr(64 + i', "Unclosed parenthesis '('", true },
+    [75] = { 'End If', "'End If' ends the whole program", true },
+    [77] = { 'longest = ToInt(Max(longest))', "'Max' expects 2 argument(s), got 1", false },
+    [80] = { 'Print "arrived " & arived & ", served " & SeqLength(done) & ", longest queue " & longest', "Variable 'arived' used out of scope in Print statement", true },
+    [86] = { 'Print "counters agree: " & (served = SeqLegnth(done))', "Variable 'SeqLegnth' used out of scope in Print statement", true },
+}
+for i, line in ipairs(wanted) do
+    local wrong, told, hasFix = unpack(mistakes[i] or {})
+    keys((i == 1 and 'i' or 'o') .. (wrong or i == planted and counted or line:gsub('^ +', '')) .. '<Esc>')
+    if wrong then
+        local said = mistake(i)
+        check('line ' .. i, told, said.message:match('[^\n]*'))
+        vim.fn.cursor(i, said.col + 1)
+        keys(hasFix and '<F4>' or 'cc' .. vim.trim(line) .. '<Esc>')
+        vim.wait(2000, function() return vim.trim(buffer()[i]) == vim.trim(line) end, 5)
+        keys('==')
+        check('line ' .. i .. ' mended', line, buffer()[i])
+        keys('G')
+    end
 end
+vim.wait(5000, function() return #vim.diagnostic.get(0) == 0 end, 5)
+check('no mistakes are left', {}, vim.diagnostic.get(0))
+wanted[planted] = '        ' .. counted
+check('the text, indented as it was typed', wanted, buffer())
 
-write('game.kvl', [[
-Include "lib/ball.kvl"
-Global größe = "😀", score:Int
-; Doubles a number.
-; It is a whole one.
-Function Twice:Int(n:Int)
-    Return n * 2
-EndFunction
-Function Main
-    Local ball:TBall = Create TBall
-    ball\Move(Twice(score))
-    Print "😀 {%score}" & größe & score
-EndFunction
-]])
-vim.fn.mkdir(work .. '/lib')
-write('lib/ball.kvl', [[
-Type TBall
-    Field x:Int
-    Method Move(by:Int)
-        x = x + by
-    EndMethod
-EndType
-]])
+-- Another name for the Method, where there is a Function of its old one.
+vim.fn.cursor(29, 12)
+keys('<F2>')
+wanted[29], wanted[52] = wanted[29]:gsub('Serve', 'HandOver'), wanted[52]:gsub('Serve', 'HandOver')
+vim.wait(5000, function() return buffer()[52] == wanted[52] end, 5)
+check('renamed', wanted, buffer())
 
-local told = {}
-vim.lsp.handlers['textDocument/publishDiagnostics'] = function(_, result)
-    told[result.uri] = result.diagnostics
+-- It is run, and does not do what it should.
+local function run()
+    vim.cmd('silent write')
+    return vim.fn.systemlist({ 'kv', 'run', vim.fn.expand('%') })
 end
-local capabilities = vim.lsp.protocol.make_client_capabilities()
-capabilities.textDocument.completion.completionItem.snippetSupport = true
-local client = vim.lsp.start_client({ capabilities = capabilities, cmd = { kv, 'lsp' }, root_dir = work, on_exit = function(status)
-    told.status = status
-end })
+local output = vim.fn.readfile(stage .. '/examples/expected/bakery.txt')
+output[3] = 'counters agree: 0'
+check('a fault', output, run())
 
-local function open(name)
-    vim.cmd('edit! ' .. work .. '/' .. name)
-    vim.lsp.buf_attach_client(0, client)
-    return vim.api.nvim_get_current_buf()
-end
+-- The debugger stops where customers are counted.
+local debugger = dofile(here .. '/dap.lua')('kv')
+local ask, event = debugger.ask, debugger.event
+ask('initialize', { adapterID = 'korvel' })
+ask('launch', { program = vim.fn.expand('%:p') })
+event('initialized')
+ask('setBreakpoints', { source = { path = vim.fn.expand('%:p') }, breakpoints = { { line = planted } } })
+ask('configurationDone')
+event('stopped')
+local function value(expression) return ask('evaluate', { expression = expression, frameId = 0 }).result end
+local before = value('served')
+ask('next')
+event('stopped')
+check('one customer counts as two', { '0', '2', 'Serve:53' }, { before, value('counter\\served'), (debugger.top()) })
+ask('disconnect')
 
-local function ask(method, params)
-    params.textDocument = vim.lsp.util.make_text_document_params()
-    local answers = vim.lsp.buf_request_sync(0, 'textDocument/' .. method, params, 5000)
-    local answer = answers and answers[client] or {}
-    return answer.error and answer.error.message or answer.result
-end
-local function at(line, unit, more)
-    return vim.tbl_extend('force', { position = { line = line - 1, character = unit - 1 } }, more or {})
-end
--- "line:unit-unit", all from 1 on, the last one belongs to it
-local function place(range)
-    return range.start.line + 1 .. ':' .. range.start.character + 1 .. '-' .. range['end'].character
-end
-local function places(locations)
-    return table.concat(vim.tbl_map(function(location)
-        return location.uri:match('[^/]*$'):sub(1, 1) .. place(location.range)
-    end, locations), ' ')
-end
-local function mistakes(name)
-    local uri = vim.uri_from_fname(work .. '/' .. name)
-    told[uri] = nil
-    vim.wait(5000, function() return told[uri] ~= nil end, 5)
-    return vim.tbl_map(function(said) return place(said.range) .. ' ' .. said.message:match('[^\n]*') end,
-        told[uri] or { 'nothing told' }), told[uri]
-end
-local function edit(line, text) vim.api.nvim_buf_set_lines(0, line - 1, line, false, { text }) end
-local function labels(line, unit)
-    local found = {}
-    for _, item in ipairs(ask('completion', at(line, unit))) do found[item.label] = item.insertText or true end
-    return found
-end
+vim.fn.cursor(planted, 1)
+keys('f2r1')
+output[3] = 'counters agree: 1'
+check('mended', output, run())
 
--- Names, with letters of several bytes and units in the line.
-local game = open('game.kvl')
-check('all is well', {}, (mistakes('game.kvl')))
-local hover = ask('hover', at(10, 16)).contents.value
-check('hover', '```korvel\nFunction Twice:Int(n:Int)\n```\nDoubles a number.\nIt is a whole one.\n', hover)
-check('hover over a word', true, vim.startswith(ask('hover', at(11, 6)).contents.value, '### Print'))
-check('no hover in a text', vim.NIL, ask('hover', at(2, 18)) or vim.NIL)
-check('definition', 'b3:12-15', places({ ask('definition', at(10, 12)) }))
-check('references', 'g2:22-26 g10:21-25 g11:17-21 g11:35-39',
-    places(ask('references', at(11, 17, { context = { includeDeclaration = true } }))))
-
--- Mistakes come and go with the text.
-edit(11, '    Print "😀" & skore & größe')
-local said, whole = mistakes('game.kvl')
-check('a mistake', { "11:18-22 Variable 'skore' used out of scope in Print statement" }, said)
-local actions = ask('codeAction', { range = whole[1].range, context = { diagnostics = whole } })
-check('a quick fix', 'Write score', actions[1].title)
-vim.lsp.util.apply_workspace_edit(actions[1].edit, 'utf-16')
-check('mended', {}, (mistakes('game.kvl')))
-edit(10, '    ball\\Move()')
-said, whole = mistakes('game.kvl')
-check('the other place', 'b3:12-15 declared here',
-    places({ whole[1].relatedInformation[1].location }) .. ' ' .. whole[1].relatedInformation[1].message)
-edit(10, '    ball\\Move(Twice(score))')
-edit(12, '    ball\\')
-vim.api.nvim_buf_set_lines(0, -1, -1, false, { 'EndFunction' })
-local found = labels(12, 10)
-check('members', { true, true }, { found.Move, found.x })
-check('nothing else', nil, found.score or found.Print)
-edit(12, '    Print ')
-found = labels(12, 11)
-check('what is visible', { true, true, true, 'While ${1:condition}\n\t$0\nWend', true }, { found.ball, found['größe'], found.Twice, found.While, found.Sqrt })
-check('locals of others', nil, found.n)
-edit(12, '    Local other = ball\\Move(Twice(1, ')
-local help = ask('signatureHelp', at(12, 38))
-check('the parameters of the call', 'Function Twice:Int(n:Int) n:Int 1', help and help.signatures[1].label .. ' '
-    .. help.signatures[1].parameters[1].label .. ' ' .. help.activeParameter)
-edit(12, '    Local other = score * 2.5')
-edit(12, 'EndFunction')
-vim.api.nvim_buf_set_lines(0, 12, -1, false, {})
-
--- Other names, in all programs that are open.
-write('second.kvl', 'Include "lib/ball.kvl"\nFunction Main\n    Local ball = Create TBall\n    ball\\Move(1)\n'
-    .. '    InlineCpp\n    KVL_ball->KVL_x = 1;\n    EndInlineCpp\nEndFunction\n')
-local second = open('second.kvl')
-check('a name in C++', "inline C++ uses 'ball', as KVL_ball", ask('rename', at(3, 12, { newName = 'other' })))
-vim.api.nvim_set_current_buf(game)
-check('a clash', true, ask('rename', at(10, 6, { newName = 'score' })):match('^the program would be wrong') ~= nil)
-check('a capture', "'n' means something else where the name is used",
-    (function()
-        edit(6, '    Return n * score')
-        return ask('rename', at(2, 24, { newName = 'n' }))
-    end)())
-check('no name', "'a b' is no name", ask('rename', at(10, 6, { newName = 'a b' })))
-vim.lsp.util.apply_workspace_edit(ask('rename', at(10, 12, { newName = 'Schübe' })), 'utf-16')
-check('renamed here', '    ball\\Schübe(Twice(score))', vim.api.nvim_buf_get_lines(game, 9, 10, false)[1])
-check('renamed in the other program', '    ball\\Schübe(1)', vim.api.nvim_buf_get_lines(second, 3, 4, false)[1])
-local ball = open('lib/ball.kvl')
-check('renamed there', '    Method Schübe(by:Int)', vim.api.nvim_buf_get_lines(ball, 2, 3, false)[1])
-
--- A file that belongs to a program.
-check('no mistakes in the part', {}, (mistakes('lib/ball.kvl')))
-local symbols = ask('documentSymbol', {})
-check('its outline', 'TBall 1:1-6:7 x Schübe', symbols[1].name .. ' ' .. symbols[1].range.start.line + 1 .. ':1-'
-    .. symbols[1].range['end'].line + 1 .. ':' .. symbols[1].range['end'].character .. ' '
-    .. symbols[1].children[1].name .. ' ' .. symbols[1].children[2].name)
-edit(4, 'x=x+by')
-vim.lsp.util.apply_text_edits(ask('formatting', { options = { tabSize = 4, insertSpaces = true } }), ball, 'utf-16')
-check('formatted', '        x = x + by', vim.api.nvim_buf_get_lines(ball, 3, 4, false)[1])
-edit(4, '        x = "wrong"')
-check('a mistake in the part', 1, #(mistakes('lib/ball.kvl')))
-
-vim.lsp.stop_client(client)
-vim.wait(5000, function() return told.status ~= nil end, 5)
-check('it leaves in peace', 0, told.status)
-print(checks .. ' checks, ' .. failures .. ' failed\n')
-vim.cmd(failures == 0 and 'qall!' or 'cquit!')
+vim.lsp.stop_client(vim.lsp.get_active_clients())
+vim.wait(5000, function() return #vim.lsp.get_active_clients() == 0 end, 5)
+check('the server leaves', 0, #vim.lsp.get_active_clients())
+finish()

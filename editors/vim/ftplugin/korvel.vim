@@ -16,4 +16,6 @@ let b:undo_ftplugin = 'setlocal comments< commentstring< formatoptions< shiftwid
 
 if has('nvim-0.7') && get(g:, 'korvel_lsp', 1) && executable('kv')
   lua require('korvel')()
+  command! -buffer KorvelCpp lua require('korvel_cpp')()
+  let b:undo_ftplugin .= ' | silent! delcommand -buffer KorvelCpp'
 endif

@@ -3,7 +3,9 @@ if exists('b:did_indent')
   finish
 endif
 let b:did_indent = 1
-setlocal indentexpr=KorvelIndent(v:lnum) indentkeys=!^F,o,O,=~end,=~else,=~case,=~default,=~next,=~wend,=~until,=~forever
+setlocal indentexpr=KorvelIndent(v:lnum)
+" The line is indented again when one of these words is complete.
+let &l:indentkeys = '!^F,o,O,=~' . substitute('@CLOSERS@|EndInlineCpp|@DIVIDERS@', '|', ',=~', 'g')
 let b:undo_indent = 'setlocal indentexpr< indentkeys<'
 if exists('*KorvelIndent')
   finish
