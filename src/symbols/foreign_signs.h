@@ -10,3 +10,6 @@
 // known.
 const char* HintAtQuotes(std::string_view line, TokenSpan tokens, std::size_t at);
 const char* HintAtSign(TokenSpan tokens, std::size_t at);
+
+// Whether the line ends in an operator or comma, as one does elsewhere that goes on in the next line.
+bool EndsOpen(TokenSpan tokens);

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "base/edit_distance.h"
 #include "base/run.h"
 #include "base/source_reader.h"
 #include "base/token_span.h"
@@ -43,6 +44,27 @@ bool IsEndOfTwoWords(std::string_view line) {
     return tokens.size() == 2 && TokenSpan(tokens).KeywordAt(0) == Keyword::End;
 }
 
+// Of "While n < 3", or "Loop Until n = 3", that is meant to end a Repeat: what does.
+std::string EndOfRepeat(std::string_view line) {
+    const Tokens tokens = Cut(line.substr(0, CommentStart(line)));
+    const TokenSpan words = TokenSpan(tokens).From(IsWord(TokenSpan(tokens)[0], "loop") ? 1 : 0);
+    if (words.size() < 2) return {};
+    const std::size_t at = line.find(words[0]) + words[0].size();
+    const std::string_view rest = line.substr(0, CommentStart(line)).substr(at);
+    const std::size_t first = rest.find_first_not_of(blanks), last = rest.find_last_not_of(blanks);
+    const std::string condition(rest.substr(first, last + 1 - first));
+    if (words.KeywordAt(0) == Keyword::Until) return "Until " + condition;
+    return words.KeywordAt(0) == Keyword::While ? "Until Not (" + condition + ")" : "";
+}
+
+// "EnMethod" for EndMethod
+bool IsMisspelt(std::string_view line, const std::string& closer) {
+    constexpr std::size_t most = 2;
+    const Tokens tokens = Cut(line);
+    return closer.size() > 3 && tokens.size() == 1 && tokens[0]->keyword == Keyword::None &&
+           EditDistance(Lower(tokens[0]->text), Lower(closer), most) <= most;
+}
+
 void PutInPlace(korvel::Diagnostic& mistake, int line, std::size_t begin, std::size_t end,
                 const std::string& text) {
     AddBehind(mistake, line, begin, text);
@@ -54,7 +76,8 @@ void PutInPlace(korvel::Diagnostic& mistake, int line, std::size_t begin, std::s
 void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& closer) {
     SourceReader reader;
     std::string_view opener;
-    if (closer.empty() || !GoTo(reader, mistake, openLine, opener)) return;
+    if (!GoTo(reader, mistake, openLine, opener)) return;
+    const bool isRepeat = closer.empty() && TokenSpan(Cut(opener)).KeywordAt(0) == Keyword::Repeat;
     const std::size_t indentation = opener.find_first_not_of(blanks);
     int last = 0;
     std::size_t size = 0;
@@ -66,11 +89,21 @@ void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& 
             mistake.hint = "End ends the program, with whatever word behind it: write " + closer;
             return PutInPlace(mistake, number, start, line.size(), closer);
         }
+        if (start == indentation && IsMisspelt(line, closer)) {
+            mistake.hint = "did you mean '" + closer + "' in line " + std::to_string(number) + "?";
+            return PutInPlace(mistake, number, start, line.size(), closer);
+        }
+        const std::string end = isRepeat && start <= indentation ? EndOfRepeat(line) : std::string();
+        if (!end.empty()) {
+            mistake.hint = "A Repeat ends with Until and the condition to end, or with Forever: write " + end;
+            return PutInPlace(mistake, number, start, line.size(), end);
+        }
         if (start <= indentation && !Divides(line)) break;
         last = number;
         size = line.size();
     }
-    if (last != 0) AddBehind(mistake, last, size, "\n" + std::string(opener.substr(0, indentation)) + closer);
+    if (last != 0 && !closer.empty())
+        AddBehind(mistake, last, size, "\n" + std::string(opener.substr(0, indentation)) + closer);
 }
 
 void FixOpenSign(korvel::Diagnostic& mistake) {

@@ -27,11 +27,12 @@ const PartOfRun partOfRun(hints, quotedHints);
 // Finds the word among those offered that is spelt most like another one. What is offered first wins.
 class Nearest {
 public:
-    explicit Nearest(const std::string& word)
+    // Among few names, such as those of one Type, a word of `shortest` letters may be meant for another one.
+    explicit Nearest(const std::string& word, std::size_t most = 2, std::size_t shortest = 4)
         : lower(Lower(word)),
-          best(word.size() < 4   ? 0
-               : word.size() < 6 ? 1
-                                 : 2) {}
+          best(word.size() < shortest ? 0
+               : word.size() < 6      ? std::min<std::size_t>(most, 1)
+                                      : most) {}
 
     void Offer(const std::string& word) {
         const std::size_t distance = word.empty() ? best + 1 : EditDistance(lower, Lower(word), best);
@@ -113,6 +114,7 @@ void OfferAll(Nearest& nearest, Sought sought, const ClassInfo* owner) {
             OfferCallables(nearest);
             return nearest.OfferList(wordLists.spellings);
         default:
+            if (localDefList.size() < 2) nearest.OfferList(wordLists.spellings);  // outside of routines
             OfferCallables(nearest);
             nearest.OfferList(wordLists.spellings);
             return OfferVariables(nearest);
@@ -138,6 +140,9 @@ std::string NothingLike(const std::string& word, Sought sought) {
         return "'" + word + "' was declared in a block that has ended; declare it before the block";
     if (!IsName(word)) return {};
     const std::string nothing = "nothing that is visible here is called '" + word + "'; ";
+    if (sought == Sought::Type) return HasTypeName(word) ? nothing + "Type ... EndType declares a Type" : "";
+    if (sought == Sought::Statement)
+        return nothing + "a line begins with a word of the language, a variable or a Function";
     if (sought == Sought::Value) return nothing + "Local, Global and Const declare variables";
     return sought == Sought::Function ? nothing + "Function ... EndFunction declares a Function" : "";
 }
@@ -185,12 +190,12 @@ Advice AdviceOnFile(const std::string& literal) {
 Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner) {
     if (++hints > mostHints) return {};
     if (sought == Sought::File) return AdviceOnFile(word);
-    Nearest nearest(word);
+    Nearest nearest(word, 2, sought == Sought::Member ? 3 : 4);
     OfferAll(nearest, sought, owner);
     if (sought == Sought::Member && nearest.Found().empty() && owner != nullptr)
         return {MembersOf(*owner), {}};
     if (sought == Sought::Member) return AdviceOn(word, nearest.Found(), sought);
-    Nearest inModules(word);
+    Nearest inModules(word, sought == Sought::Type ? 1 : 2);  // TPlayer is no TPlaces
     inModules.OfferKeys(ModuleNames());
     return inModules.IsNearerThan(nearest) ? AdviceOnModule(word, inModules.Found())
                                            : AdviceOn(word, nearest.Found(), sought);

@@ -6,12 +6,15 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/edit_distance.h"
 #include "base/journal.h"
 #include "base/run.h"
 #include "base/settings.h"
 #include "lexer/mentions.h"
 #include "lexer/token_places.h"
+#include "symbols/foreign_signs.h"
 #include "symbols/foreign_words.h"
+#include "symbols/hole_fixes.h"
 #include "symbols/identifiers.h"
 #include "symbols/missing_closers.h"
 #include "symbols/misspelling.h"
@@ -23,7 +26,8 @@ namespace {
 std::vector<korvel::Diagnostic> kept;
 std::unordered_set<const Word*> doubtful;           // everywhere
 std::unordered_set<const Word*> doubtfulInRoutine;  // until it ends
-const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine);
+korvel::Range openEnd;  // of the last mistake's line, if it ends in an operator or comma
+const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine, openEnd);
 
 bool IsDeclared(const std::string& name) {
     return FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr || IsClass(name) ||
@@ -58,6 +62,13 @@ void DoubtUnknown(const Stop& stop) {
 bool MentionsDoubtful(TokenSpan statement) {
     const Tokens mentioned = MentionedTokens(statement);
     return std::any_of(mentioned.begin(), mentioned.end(), [](Token token) { return IsDoubtful(*token); });
+}
+
+// What people write who take the line before for one that goes on in this one.
+bool GoesOn(const korvel::Range& mistake, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    return openEnd.line > 0 && mistake.line == openEnd.line + 1 && mistake.file == openEnd.file &&
+           (word == Keyword::None || Has(word, trait::operation) || word == Keyword::Then);
 }
 
 // Where nothing nearer is meant it is about the statement, unless that only made an earlier one count.
@@ -116,12 +127,14 @@ void AddRelated(korvel::Diagnostic& mistake, const Elsewhere& other) {
     FixOpenBlock(mistake, other.line, other.closer);
 }
 
-// Words that the program knows, or spells like one that it knows but for capital letters, are its own, as are names that
+// Words that the program knows, or spells like one that it knows but for capital letters or a slip, are its own, as are names that
 // it wants and C++ has.
 bool MayBeForeign(const korvel::Diagnostic& mistake, const Stop& stop) {
     const TokenSpan meant(stop.subject.tokens);
     if (meant.empty()) return true;
-    const bool isSpelt = !mistake.fixes.empty() && Lower(mistake.fixes[0].replacement) == Lower(meant[0]);
+    const std::string meantName = mistake.fixes.empty() ? "" : mistake.fixes[0].replacement;
+    const std::size_t most = !meantName.empty() && IsDeclared(meantName) ? 1 : 0;
+    const bool isSpelt = EditDistance(Lower(meantName), Lower(meant[0]), most) <= most;
     const bool isTaken = stop.sought == Sought::Nothing && !mistake.hint.empty() && IsCppWord(meant[0]);
     return !isSpelt && !isTaken && !IsDeclared(meant[0]);
 }
@@ -136,7 +149,9 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
     LocateLast(mistakes[blocks], stop, statement);
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
-    if (MayBeForeign(mistakes[blocks], stop)) HintAtForeignWords(mistakes[blocks]);
+    const bool isOfHole =
+        stop.subject.tokens.size() == 1 && FixHole(mistakes[blocks], *stop.subject.tokens[0]);
+    if (!isOfHole && MayBeForeign(mistakes[blocks], stop)) HintAtForeignWords(mistakes[blocks]);
     if (stop.onErrorStream) FixOpenSign(mistakes[blocks]);
 }
 
@@ -144,13 +159,15 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
 
 bool KeepMistake(const Stop& stop, TokenSpan statement) {
     const bool isUnread = stop.ofUnknown && !symbols.complete;
-    const bool follows = !kept.empty() && MentionsDoubtful(statement);
+    const bool goesOn = GoesOn(stop.mistakes.back(), statement);
+    const bool follows = !kept.empty() && (goesOn || MentionsDoubtful(statement));
     if (!isUnread && !follows) {
         const std::size_t before = kept.size();
         kept.insert(kept.end(), stop.mistakes.begin(), stop.mistakes.end());
         if (settings.columns) Explain(&kept[before], stop, statement);
         NoteMistake(stop);
     }
+    openEnd = EndsOpen(statement) ? static_cast<korvel::Range>(stop.mistakes.back()) : korvel::Range();
     DoubtUnknown(stop);
     DoubtDeclared(statement);
     return !follows;

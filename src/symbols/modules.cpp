@@ -54,7 +54,7 @@ std::set<std::string> AllModules() {
     const std::string folder = InstallationPath(std::string(library) + modules);
     for (std::filesystem::directory_iterator entry(PathOf(folder), failed), end; !failed && entry != end;
          entry.increment(failed))
-        found.insert(modules + TextOf(entry->path().filename()));
+        if (EndsWith(TextOf(entry->path()), ".kvl")) found.insert(modules + TextOf(entry->path().filename()));
     return found;
 }
 

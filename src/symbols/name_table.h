@@ -11,6 +11,20 @@
 
 #include "base/token.h"
 
+// The tables of the program that are asked about nearly every name, a bit of Word::tables for each.
+namespace mark {
+constexpr unsigned char none = 0;
+constexpr unsigned char classes = 1;
+constexpr unsigned char functions = 2;
+constexpr unsigned char externFunctions = 4;
+constexpr unsigned char globals = 8;
+constexpr unsigned char constants = 16;
+constexpr unsigned char fields = 32;
+constexpr unsigned char userlibs = 64;
+constexpr unsigned char meanings = 128;
+}  // namespace mark
+
+// A table with a mark of its own knows most names that it does not have by a look at the word.
 template <class Value>
 class NameTable {
     using Entry = std::pair<const Token, Value>;
@@ -40,6 +54,9 @@ public:
         typename Entries::const_iterator at;
     };
 
+    NameTable() = default;
+    explicit NameTable(unsigned char itsMark) : ownMark(itsMark) {}
+
     // Null when there is none.
     Value* Find(Token name) {
         const std::size_t i = IndexOf(*name);
@@ -55,6 +72,7 @@ public:
     std::pair<Value&, bool> Add(Token name, Given&& value = Value()) {
         if (Value* known = Find(name)) return {*known, false};
         names.push_back(&*name);
+        name->tables = static_cast<unsigned char>(name->tables | ownMark);
         entries.push_back(std::make_unique<Entry>(name, std::forward<Given>(value)));
         if (names.size() * 2 > places.size() && names.size() > few)
             Spread();
@@ -78,6 +96,7 @@ private:
     static constexpr std::size_t missing = static_cast<std::size_t>(-1);
     static constexpr std::size_t few = 8;  // are looked through one by one
 
+    unsigned char ownMark = mark::none;
     std::vector<const Word*> names;  // of the entries
     Entries entries;
     std::vector<std::uint32_t> places;  // where there are more: behind the number of the entry in the first
@@ -88,6 +107,7 @@ private:
     }
 
     std::size_t IndexOf(const Word& name) const {
+        if ((name.tables & ownMark) != ownMark) return missing;
         if (places.empty()) {
             for (std::size_t i = 0; i < names.size(); ++i)
                 if (names[i] == &name) return i;

@@ -38,7 +38,7 @@ struct Variable {
     bool slot = false;          // an Element reached through a pointer (EachIn over an array of Elements)
     bool isItem = false;        // refers to an item of a Sequence (EachSeq)
     bool isPrivate = false;     // Fields only
-    std::string file;           // where it was declared; of Locals and the like only the line is kept
+    Token file;                 // where it was declared; of Locals and the like only the line is kept
     int line = 0;
     Tokens initialiser;           // Globals, Consts and Fields; the type of untyped ones is inferred from it
     bool typed = false;           // declared with a ":" type
@@ -67,7 +67,7 @@ struct Routine {
     bool isUserlib = false;
     bool isPrivate = false;
     const ClassInfo* owner = nullptr;  // Methods
-    std::string file;
+    Token file;
     int line = 0;
 };
 
@@ -80,12 +80,13 @@ inline bool NeedsNoArguments(const Routine& routine) {
 // pass when its block is closed, which also puts it on classList.
 struct ClassInfo {
     std::string name;
-    std::string sourceFile;
+    Token sourceFile;
     bool isElement = false;
-    std::vector<std::string> fields;                // in declaration order
-    std::vector<std::string> methods;               // in declaration order
-    std::vector<std::string> third;                 // kept empty; part of the record's layout
-    std::map<std::string, std::string> fieldTypes;  // typed Fields only, C++ spelling, "int[10]" for arrays
+    Tokens fields;                   // in declaration order
+    Tokens methods;                  // in declaration order
+    std::vector<std::string> third;  // kept empty; part of the record's layout
+    // For verbose runs: typed Fields only, C++ spelling, "int[10]" for arrays.
+    std::map<std::string, std::string> fieldTypes;
 
     std::string cppName;
     int line = 0;
@@ -110,20 +111,20 @@ struct UserlibDll {
 
 struct Symbols {
     // Types and Elements. Written by the name scan (names) and the first pass (the rest).
-    std::deque<ClassInfo> classes;      // every name declared anywhere, stable addresses
-    NameTable<ClassInfo*> classIndex;   // the first declaration of each
-    std::vector<ClassInfo*> classList;  // registered ones, in order of registration
+    std::deque<ClassInfo> classes;                    // every name declared anywhere, stable addresses
+    NameTable<ClassInfo*> classIndex{mark::classes};  // the first declaration of each
+    std::vector<ClassInfo*> classList;                // registered ones, in order of registration
 
     // Functions, Extern functions included. Written by the first pass, read by calls.
-    NameTable<Routine> functions;
-    NameSet externFunctions;
+    NameTable<Routine> functions{mark::functions};
+    NameSet externFunctions{mark::externFunctions};
 
     // Globals, Consts and PreCalc tables. Written by the first pass, read by every look-up.
-    NameTable<Variable> globals;
-    NameTable<Variable> constants;
+    NameTable<Variable> globals{mark::globals};
+    NameTable<Variable> constants{mark::constants};
 
     // Every Field name, with the first class that has it: for the clash with Globals and Consts.
-    NameTable<const ClassInfo*> fieldOwners;
+    NameTable<const ClassInfo*> fieldOwners{mark::fields};
 
     // Whether all declarations have been read, those of included files too. Written when that is done.
     bool complete = false;
@@ -132,7 +133,7 @@ struct Symbols {
 
     // Userlibs. Written by Import, read by calls and by the runtime-linking code.
     std::deque<UserlibDll> userlibDLLs;
-    NameTable<Routine> userlibRoutines;  // the later declaration of each
+    NameTable<Routine> userlibRoutines{mark::userlibs};  // the later declaration of each
 
     // Paths of the program's source files, the main one first. Written by the name scan.
     std::vector<std::string> sourceFiles;

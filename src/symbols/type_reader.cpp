@@ -48,7 +48,9 @@ ValueType ItemType(const std::string& name, bool isArray) {
 }
 
 TypeNote Read(TokenSpan tokens, std::size_t at, bool voidAllowed) {
-    if (at >= tokens.size()) ReportFatal("Type annotation incomplete - expected type after ':'");
+    if (at >= tokens.size())
+        ReportFatal("Type annotation incomplete - expected type after ':'" +
+                    Hint{"A type stands behind ':', and no line ends with it"});
     if (tokens.KeywordAt(at) == Keyword::Sequence) return ReadSequence(tokens, at);
     TypeNote note;
     note.name = tokens[at];
@@ -80,3 +82,8 @@ void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note) {
 TypeNote ReadType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, false); }
 
 TypeNote ReadResultType(TokenSpan tokens, std::size_t at) { return Read(tokens, at, true); }
+
+Hint HintAtAnyObject(const ValueType& type) {
+    return Hint{type.Is(Base::AnyObject) ? "Hand it to a variable of its Type first: Local p:TPlayer = ..."
+                                         : ""};
+}

@@ -24,3 +24,6 @@ TypeNote ReadResultType(TokenSpan tokens, std::size_t at);
 
 // Reads the "[size]" groups from `at` on, adding to sizes and dimensions; note.end moves behind them.
 void ReadSizes(TokenSpan tokens, std::size_t at, TypeNote& note);
+
+// For those who want of an AnyObject what objects of a known Type have; empty for other types.
+Hint HintAtAnyObject(const ValueType& type);

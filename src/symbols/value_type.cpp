@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/report.h"
+#include "base/run.h"
 #include "base/token_text.h"
 #include "lexer/lexer.h"
 #include "symbols/identifiers.h"
@@ -17,7 +18,7 @@ struct BasicType {
     const char* cpp;
 };
 
-constexpr std::array<BasicType, 11> basicTypes = {{
+constexpr std::array<BasicType, 12> basicTypes = {{
     {Base::Unknown, "", "unknown", "unknown"},
     {Base::Void, "", "nothing", "void"},
     {Base::Int, "int", "Int", "int"},
@@ -29,7 +30,11 @@ constexpr std::array<BasicType, 11> basicTypes = {{
     {Base::Bool, "bool", "Bool", "bool"},
     {Base::Pointer, "void*", "void*", "void*"},
     {Base::Null, "", "Null", "std::nullptr_t"},
+    {Base::AnyObject, "anyobject", "AnyObject", "KVAnyObject"},
 }};
+
+bool namesAnyObject = false;
+const PartOfRun partOfRun(namesAnyObject);
 
 const BasicType* FindBasic(const std::string& annotation) {
     for (const BasicType& type : basicTypes) {
@@ -56,8 +61,13 @@ ValueType ClassType(const ClassInfo* cls) {
 }
 
 ValueType ParseSingle(const std::string& name) {
-    if (const BasicType* basic = FindBasic(name)) return Single(basic->base);
+    const BasicType* basic = FindBasic(name);
+    if (basic && basic->base != Base::AnyObject) return Single(basic->base);
     const ClassInfo* cls = FindClass(name);
+    if (basic && !cls) {
+        namesAnyObject = true;
+        return Single(basic->base);
+    }
     if (cls && cls->isElement) return ClassType(cls);
     if (!HasTypeName(name)) return Single(Base::Void);
     if (!cls) FailUndefinedType(name);
@@ -67,7 +77,8 @@ ValueType ParseSingle(const std::string& name) {
 // Inside an array every class is reached by any name it was given, so an unknown one can only be a mistake.
 ValueType ParseArrayItem(const std::string& name) {
     const BasicType* basic = FindBasic(name);
-    if (basic && basic->base != Base::Pointer && basic->base != Base::Void) return Single(basic->base);
+    if (basic && basic->base != Base::Pointer && basic->base != Base::Void && basic->base != Base::AnyObject)
+        return Single(basic->base);
     const ClassInfo* cls = FindClass(name);
     if (!cls) FailUndefinedType(name);
     return ClassType(cls);
@@ -113,6 +124,8 @@ bool ValueType::IsNumber() const {
             return false;
     }
 }
+
+bool ValueType::IsReference() const { return Is(Base::Object) || Is(Base::Pointer) || Is(Base::AnyObject); }
 
 ValueType ValueType::Item() const {
     ValueType item = *this;
@@ -179,6 +192,8 @@ std::string DefaultValue(const std::string& cppType) {
     return cppType.find('*') != std::string::npos ? "nullptr" : "{}";
 }
 
+bool NamesAnyObject() { return namesAnyObject; }
+
 bool Assignable(const ValueType& to, const ValueType& from) {
     if (!to.IsKnown() || !from.IsKnown()) return true;
     if (!to.IsSingle() || !from.IsSingle()) return to == from;
@@ -187,11 +202,13 @@ bool Assignable(const ValueType& to, const ValueType& from) {
         case Base::String:
             return from.base == Base::String;
         case Base::Object:
-            return from.base == Base::Null || to == from;
+            return from.base == Base::Null || from.base == Base::AnyObject || to == from;
         case Base::Element:
             return to == from;
         case Base::Pointer:
             return from.base == Base::Pointer || from.base == Base::Null || from.base == Base::Object;
+        case Base::AnyObject:
+            return from.base == Base::AnyObject || from.base == Base::Null || from.base == Base::Object;
         default:
             return false;
     }
@@ -210,7 +227,12 @@ static Hint HintAtLists(const ValueType& to, const ValueType& from) {
     if (to.sequence && from.IsArray())
         return Hint{"SeqFromArray s, a puts the items of an array into a Sequence"};
     if (to.IsArray() && from.sequence) return Hint{"It is a Sequence: Local words:Sequence Of String"};
-    if (from.sequence && to.Is(Base::String))
+    if (to.IsArray() && from.IsArray()) return Hint{"The items of both have to be of one type"};
+    if (to.IsArray())
+        return Hint{
+            "A whole array is named without brackets, one of its items with its number: Draw(a), a[0] = 3"};
+    if (to.sequence && !from.sequence) return Hint{"SeqAdd s, 3 puts an item at the end of a Sequence"};
+    if (from.sequence && !to.sequence)
         return Hint{"What can be done with a Sequence begins with Seq: SeqLength(s), SeqGet(s, 0)"};
     return from.IsArray() ? Hint{"Items of an array are named one by one: a[0]. Hold its size in a Const"}
                           : Hint{};

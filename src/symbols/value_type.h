@@ -19,8 +19,9 @@ enum class Base : unsigned char {
     Bool,
     Pointer,  // void*
     Null,
-    Object,   // a Type: C++ handles it through KVL_T*
-    Element,  // an Element: a C++ value KVL_T
+    Object,     // a Type: C++ handles it through KVL_T*
+    Element,    // an Element: a C++ value KVL_T
+    AnyObject,  // an object whose Type is known when the program runs: KVAnyObject
 };
 
 struct ValueType {
@@ -36,6 +37,8 @@ struct ValueType {
     // Int, Double, Byte, Short, Long and Bool, which convert into each other.
     bool IsNumber() const;
     bool IsInteger() const;  // a number other than Double
+    // What may be Null: an object of a known Type or any, a pointer.
+    bool IsReference() const;
     ValueType Item() const;  // what one index, one round of EachIn or SeqGet yields
 };
 
@@ -69,6 +72,9 @@ bool HasTypeName(const std::string& name);
 // and Elements are known from the start of the run, wherever they are declared. An unknown name gives
 // Base::Void for "anything else" and ends the run for T-names, like MapType.
 ValueType ParseType(const std::string& annotation);
+
+// Whether this run has met the type AnyObject, which takes support code.
+bool NamesAnyObject();
 
 // C++ spelling of a Korvel annotation; "void" for a name that is no type. A T-name that is declared
 // nowhere ends the run.

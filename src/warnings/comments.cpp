@@ -25,7 +25,7 @@ Keyword FirstWord(std::string_view line) {
     return FindKeyword(line.substr(begin, end - begin));
 }
 
-// Calls `visit` with the number of each line, the line and where its comment begins.
+// Calls `visit` with the number of each line, the line and where its comment begins. Most lines have none.
 template <class Visit>
 void ForEachComment(const std::string& file, Visit visit) {
     SourceReader reader;
@@ -33,9 +33,10 @@ void ForEachComment(const std::string& file, Visit visit) {
     bool inInline = false;
     for (int number = 1; !reader.AtEnd(); ++number) {
         const std::string_view line = reader.TakeLine();
-        const Keyword word = FirstWord(line);
+        const Keyword word = symbols.inlineCpp ? FirstWord(line) : Keyword::None;
         inInline = word == Keyword::InlineCpp || (inInline && word != Keyword::EndInlineCpp);
-        const std::size_t comment = inInline ? std::string_view::npos : CommentStart(line);
+        if (inInline || line.find(';') == std::string_view::npos) continue;
+        const std::size_t comment = CommentStart(line);
         if (comment != std::string_view::npos) visit(number, line, comment);
     }
 }

@@ -17,6 +17,7 @@ struct Loop {
     Words variables;          // in it
     Words changed;            // in the body
     bool mayEnd = false;      // by another way
+    bool counts = false;      // what its body does, for itself or for one around it
 };
 std::vector<Loop> loops;  // of the open routine, the innermost last
 const PartOfRun partOfRun(loops);
@@ -46,7 +47,7 @@ bool Calls(TokenSpan statement) {
 }
 
 void NoteChanges(TokenSpan statement) {
-    if (loops.empty()) return;
+    if (loops.empty() || !loops.back().counts) return;
     Loop& loop = loops.back();
     switch (statement.KeywordAt(0)) {
         case Keyword::None:
@@ -75,6 +76,16 @@ void SetCondition(Loop& loop, TokenSpan condition) {
     loop.variables = VariablesOf(condition);
 }
 
+// Of a Repeat nobody knows yet what it will end by; a For goes on by itself.
+void OpenLoop(TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    const bool isInner = !loops.empty() && loops.back().counts;
+    Loop& loop = loops.emplace_back();
+    if (word == Keyword::While) SetCondition(loop, statement.From(1));
+    loop.counts = isInner || word == Keyword::Repeat || !loop.variables.empty();
+    NoteChanges(statement);
+}
+
 void CloseLoop() {
     const Loop loop = loops.back();
     loops.pop_back();
@@ -94,11 +105,9 @@ void WatchLoops(TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     NoteChanges(statement);
     if (Has(word, trait::loop)) {
-        loops.emplace_back();
-        if (word == Keyword::While) SetCondition(loops.back(), statement.From(1));
-        NoteChanges(statement);
+        OpenLoop(statement);
     } else if (Has(BlockOf(word), trait::loop) && !loops.empty()) {
-        if (word == Keyword::Until) SetCondition(loops.back(), statement.From(1));
+        if (word == Keyword::Until && loops.back().counts) SetCondition(loops.back(), statement.From(1));
         CloseLoop();
     }
 }

@@ -20,19 +20,41 @@ struct Declared {
     const char* warning;
 };
 
+// How often words are mentioned, by their numbers. Beginning anew costs nothing.
+class Mentions {
+public:
+    void Begin() { ++round; }
+    void Add(const Word& word) {
+        if (word.id >= counts.size()) counts.resize(std::max(WordCount(), word.id + std::size_t{1}));
+        Count& count = counts[word.id];
+        if (count.round != round) count = {round, 0};
+        ++count.times;
+    }
+    std::size_t Of(const Word& word) const {
+        return word.id < counts.size() && counts[word.id].round == round ? counts[word.id].times : 0;
+    }
+
+private:
+    struct Count {
+        std::uint32_t round = 0, times = 0;
+    };
+    std::vector<Count> counts;
+    std::uint32_t round = 1;
+};
+
 // What is known of the open routine.
 struct Watched {
     const Word* name = nullptr;
     bool wasReachable = true;
-    std::unordered_map<const Word*, std::size_t> mentions;
-    TokenSpan counted;  // for them: the last statement
+    TokenSpan counted;  // for the mentions: the last statement
     std::vector<Declared> locals;
 };
 Watched watched;
+Mentions mentioned;  // in it
 
 std::vector<Declared> declaredAtTop;                             // of the main file
-std::unordered_map<const Word*, std::size_t> mentionsInOwnBody;  // of Functions
-const PartOfRun partOfRun(watched, declaredAtTop, mentionsInOwnBody);
+std::unordered_map<const Word*, std::size_t> mentionsInOwnBody;  // of its Functions
+const PartOfRun partOfRun(watched, mentioned, declaredAtTop, mentionsInOwnBody);
 
 bool DoesSomething(Keyword word) {
     switch (word) {
@@ -80,15 +102,16 @@ void CountMentions(TokenSpan statement) {
     watched.counted = statement;
     WithHoles(statement, [](TokenSpan tokens) {
         for (const Token* token = tokens.first; token != tokens.last; ++token)
-            if ((*token)->sign == '\0') ++watched.mentions[&**token];
+            if ((*token)->sign == '\0') mentioned.Add(**token);
     });
 }
 
 void WarnOfUnusedLocals() {
+    if (watched.locals.empty()) return;
     std::unordered_map<const Word*, std::size_t> declared;
     for (const Declared& local : watched.locals) ++declared[local.name];
     for (const Declared& local : watched.locals)
-        if (watched.mentions[local.name] == declared[local.name]) WarnOf(local.warning, local.about);
+        if (mentioned.Of(*local.name) == declared[local.name]) WarnOf(local.warning, local.about);
 }
 
 bool IsInMainFile() { return FileId(settings.currentFile) == FileId(settings.mainSource); }
@@ -102,12 +125,18 @@ void WatchDeclarations(const State& state, TokenSpan statement) {
         declaredAtTop.push_back({&statement.At(1), Kept(statement.Slice(1, 2)), "unused-function"});
 }
 
+void BeginRoutine() {
+    watched = {};
+    mentioned.Begin();
+}
+
 void EndRoutine() {
     if (!symbols.inlineCpp && !AnyMistakes()) WarnOfUnusedLocals();
     EndSequences();
     EndLoops();
-    if (watched.name != nullptr) mentionsInOwnBody[watched.name] += watched.mentions[watched.name];
-    watched = {};
+    if (watched.name != nullptr && IsInMainFile())
+        mentionsInOwnBody[watched.name] += mentioned.Of(*watched.name);
+    BeginRoutine();
 }
 
 }  // namespace
@@ -116,7 +145,7 @@ void WatchRoutine(const State& state, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     WatchDeclarations(state, statement);
     if (Has(word, trait::routine)) {
-        watched = {};
+        BeginRoutine();
         EndLoops();
         if (word == Keyword::Function) watched.name = &statement.At(1);
         return CountMentions(statement);
@@ -130,14 +159,14 @@ void WatchRoutine(const State& state, TokenSpan statement) {
 }
 
 void WarnOfUnused() {
-    if (symbols.inlineCpp) return;
-    std::unordered_map<const Word*, std::size_t> mentions;
+    if (symbols.inlineCpp || declaredAtTop.empty()) return;
+    mentioned.Begin();
     for (const std::string& file : symbols.sourceFiles)
         WithHoles(TokensOf(file), [&](TokenSpan tokens) {
-            for (const Token* token = tokens.first; token != tokens.last; ++token) ++mentions[&**token];
+            for (const Token* token = tokens.first; token != tokens.last; ++token) mentioned.Add(**token);
         });
     for (const Declared& declared : declaredAtTop) {
         const std::size_t own = std::max<std::size_t>(1, mentionsInOwnBody[declared.name]);
-        if (mentions[declared.name] <= own) WarnOf(declared.warning, declared.about);
+        if (mentioned.Of(*declared.name) <= own) WarnOf(declared.warning, declared.about);
     }
 }

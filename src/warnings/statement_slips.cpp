@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <limits>
 
 #include "base/settings.h"
 #include "expressions/constants.h"
@@ -10,40 +9,6 @@
 
 namespace {
 
-struct Range {
-    Base base;
-    double least, most;
-};
-const Range ranges[] = {
-    {Base::Byte, 0, 255},
-    {Base::Short, -32768, 32767},
-    {Base::Int, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()},
-};
-
-bool Fits(const ValueType& type, double value) {
-    return std::all_of(std::begin(ranges), std::end(ranges), [&](const Range& range) {
-        return !type.Is(range.base) || (value >= range.least && value <= range.most);
-    });
-}
-
-// The value where it is a number that does not fit.
-TokenSpan Misfit(const ValueType& type, TokenSpan value) {
-    const bool isSigned = value.SignAt(0) == '-';
-    if (value.size() != (isSigned ? 2U : 1U) || !IsDigit(value[isSigned ? 1 : 0][0])) return {};
-    const auto number = ConstantIn(value);
-    return number && !Fits(type, number->AsReal()) ? value : TokenSpan();
-}
-
-// name:Type = value [, ...]
-TokenSpan MisfitIn(TokenSpan declarations) {
-    for (const TokenSpan part : declarations.SplitAt(',')) {
-        if (part.SignAt(1) != ':' || part.SignAt(3) != '=' || !IsBasicType(part[2])) continue;
-        const TokenSpan found = Misfit(ParseType(part[2]), part.From(4));
-        if (!found.empty()) return found;
-    }
-    return {};
-}
-
 // A place to assign to: names, members and items, no operator.
 bool IsPlace(TokenSpan tokens) {
     for (std::size_t i = 0; i < tokens.size(); i = tokens.Behind(i)) {
@@ -52,6 +17,26 @@ bool IsPlace(TokenSpan tokens) {
         if (Has(tokens.KeywordAt(i), trait::operation)) return false;
     }
     return !tokens.empty() && IsNameByte(tokens[0][0]) && !IsDigit(tokens[0][0]);
+}
+
+bool JoinsConditions(TokenSpan tokens) {
+    return std::any_of(tokens.begin(), tokens.end(), [](const std::string& token) {
+        const Keyword word = FindKeyword(token);
+        return word == Keyword::And || word == Keyword::Or;
+    });
+}
+
+// "a\nb" of C, which C:\news and data\new.txt are not.
+bool IsEscaped(std::string_view text) {
+    constexpr std::string_view letters = "ntr";
+    bool found = false;
+    for (std::size_t at = text.find('\\'); at < text.size(); at = text.find('\\', at + 1)) {
+        if (at + 1 == text.size() || letters.find(text[at + 1]) == std::string_view::npos) return false;
+        found = true;
+    }
+    const bool isPath =
+        text.find(":\\") != std::string_view::npos || text.find('.', text.rfind('\\')) < text.size() - 1;
+    return found && !isPath;
 }
 
 struct Counting {
@@ -108,6 +93,19 @@ TokenSpan AssignsTwice(const State&, TokenSpan statement) {
     return TypeOf(between).Is(Base::Bool) ? TokenSpan() : between;
 }
 
+// Local a = b = 2, where a is not called a Bool
+TokenSpan ComparesInstead(const State&, TokenSpan statement) {
+    if (!Has(statement.KeywordAt(0), trait::variables)) return {};
+    for (const TokenSpan declared : statement.From(1).SplitAt(',')) {
+        const std::size_t first = declared.FindEquals();
+        if (first == noToken || (first > 2 && IsWord(declared[2], "bool"))) continue;
+        const TokenSpan value = declared.From(first + 1);
+        const std::size_t second = value.FindEquals();
+        if (second != noToken && IsPlace(value.Slice(0, second)) && !JoinsConditions(value)) return value;
+    }
+    return {};
+}
+
 // n = n
 TokenSpan AssignsToItself(const State&, TokenSpan statement) {
     const std::size_t equals = statement.FindEquals();
@@ -119,14 +117,6 @@ TokenSpan AssignsToItself(const State&, TokenSpan statement) {
     const bool runsCode =
         std::any_of(target.first, target.last, [](Token token) { return token->sign == '('; });
     return same && IsPlace(target) && !runsCode ? statement : TokenSpan();
-}
-
-// Local b:Byte = 300, or b = 300
-TokenSpan ExceedsType(const State&, TokenSpan statement) {
-    if (Has(statement.KeywordAt(0), trait::variables)) return MisfitIn(statement.From(1));
-    if (statement.SignAt(1) != '=' || statement.KeywordAt(0) != Keyword::None) return {};
-    const Variable* variable = FindVariable(statement.At(0));
-    return variable == nullptr ? TokenSpan() : Misfit(variable->type, statement.From(2));
 }
 
 // Include util.kvl
@@ -145,6 +135,15 @@ TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement) {
     const bool isFirst =
         first->line == settings.currentLine && FileId(first->sourceFile) == FileId(settings.currentFile);
     return isFirst ? TokenSpan() : statement.Slice(1, 2);
+}
+
+// Method New(hp:Int), in a Type without the Method that Create calls
+TokenSpan NamesConstructor(const State& state, TokenSpan statement) {
+    if (statement.KeywordAt(0) != Keyword::Method || state.cls == nullptr) return {};
+    const std::string name = Lower(statement[1]);
+    const bool isLike =
+        name == "new" || name == "constructor" || name == "__init__" || name == Lower(state.cls->name);
+    return isLike && !state.cls->routines.Has("constructor") ? statement.Slice(1, 2) : TokenSpan();
 }
 
 // A Case or Default that the one before it runs into
@@ -203,5 +202,14 @@ TokenSpan PrintsShifted(const State&, TokenSpan statement) {
     if (statement.KeywordAt(0) != Keyword::Print) return {};
     for (std::size_t i = 1; i < statement.size(); i = statement.Behind(i))
         if (statement.KeywordAt(i) == Keyword::Shl) return statement.Slice(i, i + 1);
+    return {};
+}
+
+// Print "a\nb"
+TokenSpan EscapesByBackslash(const State&, TokenSpan statement) {
+    const Keyword word = statement.KeywordAt(0);
+    if (word == Keyword::Include || word == Keyword::Import || word == Keyword::Linker) return {};
+    for (std::size_t i = 0; i < statement.size(); ++i)
+        if (IsQuoted(statement[i]) && IsEscaped(Unquoted(statement[i]))) return statement.Slice(i, i + 1);
     return {};
 }

@@ -14,13 +14,20 @@ const WarningRow rows[] = {
     // statements
     {"assign-twice", "This line assigns to '{}' as well", "To compare, write it in brackets: a = (b = c)",
      AssignsTwice},
+    {"compared-value", "'{}' compares here and assigns nothing",
+     "Only the first '=' of a declaration gives a value. Where a comparison is meant: Local same:Bool = a = "
+     "b",
+     ComparesInstead},
     {"assign-itself", "'{}' changes nothing",
      "In a Method a parameter hides a Field of its name: write This\\name for the Field", AssignsToItself},
-    {"number-size", "'{}' does not fit the type", "Use a larger type, such as Int, Long or Double",
+    {"number-size", "'{}' does not fit the type",
+     "Use a type that holds it: Int or Long, or Double for a fraction", DefaultExceedsType, nullptr, nullptr,
      ExceedsType},
     {"bare-file", "The file name '{}' stands without quotes", "Write Include \"file.kvl\"", NamesFileBare},
     {"type-again", "'{}' is declared once before; this declaration does not count", "Give it another name",
      DeclaresTypeAgain},
+    {"constructor-name", "'{}' is a Method like others, which Create does not call",
+     "Create calls the one that is named constructor, in small letters", NamesConstructor},
     {"case-runs-on", "The Case before this line runs on into it",
      "Write 'Exit' at the end of the Case before, as nothing else ends it", RunsIntoLabel},
     {"end-of-block", "'{}' ends the whole program",
@@ -32,6 +39,8 @@ const WarningRow rows[] = {
      "The first item has the number 0, the last one SeqLength(s) - 1", GetsBeyondEnd},
     {"print-shl", "'{}' stands between two items here, as '&' does", "Write it in brackets: Print (a Shl b)",
      PrintsShifted},
+    {"backslash", "A backslash in a text means itself", "A new line is written ~n, a tab ~t, a quote ~q",
+     EscapesByBackslash},
     // operators
     {"not-compared", "'{}' negates only what stands before the comparison", "Write Not (a = b), or a <> b",
      nullptr, NegatesOperand},
@@ -47,12 +56,16 @@ const WarningRow rows[] = {
     // items of arrays
     {"beyond-array", "There is no item '{}' in the array",
      "The first item has the number 0, the last one the size less 1", nullptr, nullptr, IndexesBeyondSize},
+    // calls
+    {"lost-result", "'{}' only gives a value, which is lost", "Put it to use: s = Upper(s), Print Upper(s)",
+     nullptr, nullptr, nullptr, nullptr, LosesResult},
     // more than one statement (routine_watch)
     {"unreachable", "This line is never reached", "What stands before it always leaves"},
     {"unused-variable", "'{}' is never used", "Remove it"},
     {"unused-function", "Nothing calls '{}'", "Remove it, or call it"},
     // source lines (comments)
-    {"print-semicolon", "Behind ';' everything is a comment", "Print joins with '&': Print a & b"},
+    {"print-semicolon", "Behind ';' everything is a comment",
+     "Print joins with '&': Print a & b. Lines end without ';'"},
     // said where they are met
     {"stop-call", "", "Write its name as in its declaration, or All"},
     {"before-case", "", "Move it before the Select, or behind a Case"},

@@ -13,12 +13,15 @@ struct WarningRow {
     const char* name;  // for the comment that silences it, and its page in the manual
     const char* text;  // "{}" stands for the words that it is about
     const char* hint;
-    // What looks for it: each statement before it is translated, or each operator or array item of its expressions. They
+    // What looks for it: each statement before it is translated, each operator or array item of its expressions, each value
+    // that is given to something with a type, or each statement that is a call. They
     // return the words that it is about, none where all is well. Rows without such a routine are met by walks over more than one
     // statement, or by the statement itself (Warn).
     TokenSpan (*inStatement)(const State& state, TokenSpan statement) = nullptr;
     TokenSpan (*inOperation)(const Operation& operation) = nullptr;
     TokenSpan (*inIndexing)(const Indexing& indexing) = nullptr;
+    TokenSpan (*inGiving)(const Giving& giving) = nullptr;
+    TokenSpan (*inCall)(const CallStatement& statement) = nullptr;
 };
 
 struct WarningRows {

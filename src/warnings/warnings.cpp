@@ -65,7 +65,8 @@ std::size_t FileNumber(const std::string& file) {
 void BeginWarnings() {
     watchStatement = settings.warnings ? Look : nullptr;
     if (settings.warnings)
-        watches = {LookAt<Operation, &WarningRow::inOperation>, LookAt<Indexing, &WarningRow::inIndexing>};
+        watches = {LookAt<Operation, &WarningRow::inOperation>, LookAt<Indexing, &WarningRow::inIndexing>,
+                   LookAt<Giving, &WarningRow::inGiving>, LookAt<CallStatement, &WarningRow::inCall>};
     else
         watches = {};
 }

@@ -1,0 +1,52 @@
+#include "symbols/hole_fixes.h"
+
+#include "lexer/holes.h"
+#include "symbols/identifiers.h"
+#include "symbols/scopes.h"
+
+namespace {
+
+// Puts the text in place of the bytes [from, to) of the literal; true, for the caller to hand on.
+bool AddFix(korvel::Diagnostic& mistake, std::size_t from, std::size_t to, const std::string& text) {
+    korvel::Fix& fix = mistake.fixes.emplace_back();
+    static_cast<korvel::Range&>(fix) = mistake;
+    fix.firstColumn += static_cast<int>(from);
+    fix.lastColumn = mistake.firstColumn + static_cast<int>(to) - 1;
+    fix.replacement = text;
+    return true;
+}
+
+// "{n}" is about n, and so is "{%n}".
+std::string ContentOf(const StringPiece& piece, const std::string& literal) {
+    if (piece.kind == StringPiece::Kind::Hole) return piece.content;
+    const bool isClosed = piece.to > piece.from + 2 && literal[piece.to - 1] == '}';
+    return isClosed ? literal.substr(piece.from + 1, piece.to - piece.from - 2) : "";
+}
+
+}  // namespace
+
+std::string HoleFor(const std::string& content, const ValueType& type) {
+    const char* const tag = type.Is(Base::String)   ? "$"
+                            : type.Is(Base::Int)    ? "%"
+                            : type.Is(Base::Double) ? "!"
+                                                    : "";
+    if (*tag != '\0') return "{" + (tag + content) + "}";
+    return type.IsNumber() ? "{%" + content + " + 0}" : "";
+}
+
+bool FixHole(korvel::Diagnostic& mistake, const Word& literal) {
+    if (mistake.firstColumn == 0 || !HasHoles(literal)) return false;
+    for (const StringPiece& piece : PiecesOf(literal)) {
+        if (piece.kind == StringPiece::Kind::Text) continue;
+        const std::string content = ContentOf(piece, literal.text);
+        const Variable* const variable = IsName(content) ? FindVariable(content) : nullptr;
+        const std::string hole = variable == nullptr ? "" : HoleFor(content, variable->type);
+        const char next = piece.to < literal.text.size() ? literal.text[piece.to] : '\0';
+        if (!hole.empty() && literal.text.compare(piece.from, piece.to - piece.from, hole) != 0)
+            return AddFix(mistake, piece.from, piece.to, hole);
+        const bool isOpen = piece.kind == StringPiece::Kind::Trouble && content.empty();
+        if (isOpen && piece.to > piece.from + 2 && next != '(' && next != '[')
+            return AddFix(mistake, piece.to, piece.to, "}");
+    }
+    return false;
+}
