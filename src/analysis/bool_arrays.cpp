@@ -147,6 +147,8 @@ void Build() {
 
 }  // namespace
 
+bool AreBoolArraysKnown() { return AllForSpeed() || facts.built; }
+
 bool HandsOnBools(const std::string& name, int dimensions) {
     if (AllForSpeed()) return true;
     if (!facts.built) Build();

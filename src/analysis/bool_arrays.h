@@ -9,3 +9,5 @@
 bool HandsOnBools(const std::string& name, int dimensions);
 // Whether some array of Bool of the program does; arrays that calls return are such then.
 bool AnyHandsOnBools();
+// Whether such a question will read no file any more.
+bool AreBoolArraysKnown();

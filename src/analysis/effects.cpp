@@ -1,6 +1,7 @@
 #include "analysis/effects.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <deque>
 #include <unordered_map>
 #include <unordered_set>
@@ -18,11 +19,12 @@ namespace {
 // Who may run more routines than this is taken to do anything.
 constexpr std::size_t mostRoutines = 300;
 
-// The tokens are those of the cut files, which last.
+// The tokens are those of the cut files, which last. A program has so many statements that their records are small.
 struct Statement {
-    TokenSpan tokens;
-    int node;
-    bool outermost;
+    const Token* first;
+    std::uint32_t size;
+    std::uint32_t node : 31;
+    std::uint32_t outermost : 1;
 };
 
 // A routine, which is read when somebody asks for its effects. Its statements end where those of the next begin.
@@ -32,12 +34,18 @@ struct RoutineText {
     bool isRead = false;
 };
 
+// A routine with statements of a node, and behind the place of the one before among those of the node; 0 where there is none.
+struct TextOfNode {
+    std::uint32_t text, before;
+};
+
 struct Facts {
     std::deque<Statement> statements;  // of all routines
-    std::vector<RoutineText> texts;
-    std::vector<std::vector<std::size_t>> textsOf;  // the routines with statements of a node
-    std::unordered_map<int, EffectSet> own;         // of the nodes themselves, as far as they were read
-    std::unordered_map<int, EffectSet> closures;    // with all that the nodes may run, as far as asked for
+    std::deque<RoutineText> texts;
+    std::deque<TextOfNode> textsOfNodes;
+    std::vector<std::uint32_t> lastTextOf;        // of the nodes, among these, as `before` is
+    std::unordered_map<int, EffectSet> own;       // of the nodes themselves, as far as they were read
+    std::unordered_map<int, EffectSet> closures;  // with all that the nodes may run, as far as asked for
     std::unordered_map<int, bool>
         runsItself;  // whether nodes may come back to themselves, as far as asked for
     bool complete = false;
@@ -47,12 +55,12 @@ Facts facts;
 const PartOfRun partOfRun(facts);
 
 // What a function of C may do: it knows nothing of the program but what it is handed, unless it is inline C++.
-void AddForeign(const ReachGraph& graph, const std::string& name) {
-    const auto found = graph.routines.find(name);
-    if (found == graph.routines.end()) return;
+void AddForeign(const ReachGraph& graph, Token name) {
+    const int* node = graph.routines.Find(name);
+    if (node == nullptr) return;
     const Routine* routine = FindFunction(name);
-    const std::string& file = routine == nullptr ? name : routine->file;
-    EffectSet& set = OwnEffectsOf(found->second);
+    const Token file = routine == nullptr ? name : routine->file;
+    EffectSet& set = OwnEffectsOf(*node);
     set.readsPassed = true;
     if (IsPureModule(file)) return;
     if (!IsModule(file)) set.Add(EffectsOfOutsideCode());
@@ -75,16 +83,19 @@ void ReadText(std::size_t number) {
     const std::size_t end = last ? facts.statements.size() : facts.texts[number + 1].begin;
     RoutineNames names = NamesOf(text.routine);
     for (std::size_t i = text.begin; i < end; ++i) {
-        const auto& [tokens, node, outermost] = facts.statements[i];
-        ReadEffects(node, tokens, names);
-        AddNames(tokens, outermost, names);
+        const Statement& statement = facts.statements[i];
+        const TokenSpan tokens(statement.first, statement.first + statement.size);
+        ReadEffects(static_cast<int>(statement.node), tokens, names);
+        AddNames(tokens, statement.outermost != 0, names);
     }
 }
 
 void ReadTextsOf(int node) {
     const auto i = static_cast<std::size_t>(node);
-    if (i >= facts.textsOf.size()) return;
-    for (const std::size_t text : std::exchange(facts.textsOf[i], {})) ReadText(text);
+    if (i >= facts.lastTextOf.size()) return;
+    for (std::uint32_t at = std::exchange(facts.lastTextOf[i], 0); at != 0;
+         at = facts.textsOfNodes[at - 1].before)
+        ReadText(facts.textsOfNodes[at - 1].text);
 }
 
 EffectSet Closure(const ReachGraph& graph, int start) {
@@ -152,10 +163,15 @@ void BeginEffects(const Routine* routine) { facts.texts.push_back({routine, fact
 
 void NoteEffects(int node, TokenSpan tokens, bool outermost) {
     const auto i = static_cast<std::size_t>(node);
-    if (i >= facts.textsOf.size()) facts.textsOf.resize(i + 1);
-    const std::size_t text = facts.texts.size() - 1;
-    if (facts.textsOf[i].empty() || facts.textsOf[i].back() != text) facts.textsOf[i].push_back(text);
-    facts.statements.push_back({tokens, node, outermost});
+    if (i >= facts.lastTextOf.size()) facts.lastTextOf.resize(i + 1);
+    std::uint32_t& last = facts.lastTextOf[i];
+    const auto text = static_cast<std::uint32_t>(facts.texts.size() - 1);
+    if (last == 0 || facts.textsOfNodes[last - 1].text != text) {
+        facts.textsOfNodes.push_back({text, last});
+        last = static_cast<std::uint32_t>(facts.textsOfNodes.size());
+    }
+    facts.statements.push_back({tokens.first, static_cast<std::uint32_t>(tokens.size()),
+                                static_cast<std::uint32_t>(node), outermost ? 1U : 0U});
 }
 
 void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names) {
@@ -231,6 +247,14 @@ EffectSet EffectsOfMaking(const ClassInfo& element) {
     const ReachGraph& graph = CompleteGraph();
     const auto making = graph.construction.find(&element);
     return making == graph.construction.end() ? EffectSet() : ClosureOf(making->second);
+}
+
+EffectSet EffectsOfRoutine(const Routine& routine) {
+    const ReachGraph& graph = CompleteGraph();
+    if (const int* node = graph.routines.Find(routine.name)) return ClosureOf(*node);
+    EffectSet unknown;
+    unknown.anything = true;
+    return unknown;
 }
 
 EffectSet EffectsOfTimers() { return ClosureOf(CompleteGraph().timers); }

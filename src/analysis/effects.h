@@ -18,6 +18,8 @@ EffectSet EffectsOfPlace(TokenSpan tokens);
 // The same when it is given a value.
 EffectSet EffectsOfTarget(TokenSpan tokens);
 
+// What the routine does when it is called, whatever it is handed; timers count only where it arms them.
+EffectSet EffectsOfRoutine(const Routine& routine);
 // What happens when an Element comes about without a value, and what the handlers of all timers do.
 EffectSet EffectsOfMaking(const ClassInfo& element);
 EffectSet EffectsOfTimers();

@@ -23,11 +23,11 @@ const PartOfRun partOfRun(graph, built, answers, removers);
 std::string PlaceOf(const std::string& fileId, int line) { return fileId + ":" + std::to_string(line); }
 
 void AddNames() {
-    for (const auto& function : symbols.functions) graph.NodeOf(graph.routines, function.first);
+    for (const auto& function : symbols.functions) graph.RoutineNode(function.first);
     for (const ClassInfo* cls : symbols.classList) {
-        for (const std::string& method : cls->methods) graph.NodeOf(graph.routines, method);
+        for (const Token method : cls->methods) graph.RoutineNode(method);
     }
-    for (const auto& routine : symbols.userlibRoutines) graph.NodeOf(graph.routines, routine.first);
+    for (const auto& routine : symbols.userlibRoutines) graph.RoutineNode(routine.first);
     for (const auto& routine : graph.routines) graph.words[routine.first].routine = routine.second;
     for (const auto& cls : symbols.classIndex) graph.words[cls.first].cls = cls.second;
 }
@@ -87,7 +87,7 @@ private:
         switch (word) {
             case Keyword::Function:
             case Keyword::Method:
-                OpenRoutine(word, tokens[1]);
+                OpenRoutine(word, tokens.At(1));
                 return ReadDefaults(tokens);
             case Keyword::EndFunction:
             case Keyword::EndMethod:
@@ -132,15 +132,15 @@ private:
         }
     }
 
-    void OpenRoutine(Keyword word, const std::string& name) {
-        node = graph.NodeOf(graph.routines, name);
+    void OpenRoutine(Keyword word, const Word& name) {
+        node = graph.RoutineNode(name);
         enclosing.clear();
         blocks = 0;
         const bool method = word == Keyword::Method && cls != nullptr;
         BeginEffects(method ? FindMethod(*cls, name) : FindFunction(name));
         if (!method) return;
-        if (name == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
-        if (name != "destructor") return;
+        if (name.text == "constructor") graph.Call(graph.NodeOf(graph.construction, cls), node);
+        if (name.text != "destructor") return;
         graph.Call(graph.destructors, node);
         // Records go when a routine is left, whichever it is.
         if (cls->isElement) graph.Call(graph.timers, node);
@@ -224,8 +224,7 @@ private:
 
     static void MentionKeyword(int node, Keyword keyword) {
         if (keyword == Keyword::Insert) graph.At(node).createsAnything = true;
-        if (keyword == Keyword::SeqSort)
-            graph.Call(node, graph.NodeOf(graph.routines, std::string("Compare")));
+        if (keyword == Keyword::SeqSort) graph.Call(node, graph.RoutineNode("Compare"));
         if (keyword == Keyword::Remove) {
             graph.At(node).removes = true;
             graph.Call(node, graph.destructors);
@@ -282,6 +281,10 @@ std::unordered_set<int> NodesThatRun(const ReachGraph& over, std::vector<int> op
     return marked;
 }
 
+bool IsGraphBuilt() { return built; }
+
+void ForgetGraphNodes() { std::vector<ReachNode>().swap(graph.nodes); }
+
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
     BuiltGraph();
     const auto loop = graph.loops.find(PlaceOf(FileId(file), line));
@@ -291,7 +294,7 @@ bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls) {
 
 // Every routine looks after the timers when it is entered.
 bool RoutineMayRemove(const std::string& name) {
-    const auto routine = BuiltGraph().routines.find(name);
-    if (routine == graph.routines.end() || removers.count(graph.timers) != 0) return true;
-    return removers.count(routine->second) != 0;
+    const int* routine = BuiltGraph().routines.Find(name);
+    if (routine == nullptr || removers.count(graph.timers) != 0) return true;
+    return removers.count(*routine) != 0;
 }

@@ -11,6 +11,12 @@
 // files of the program once.
 bool LoopMayCreate(const std::string& file, int line, const ClassInfo& cls);
 
+// Whether such a question, and one about effects, will read no file any more.
+bool IsGraphBuilt();
+
+// Frees the largest part of the graph, when no such questions will be asked any more.
+void ForgetGraphNodes();
+
 // Whether a Function or Method of this name may remove an object of some Type, itself, through anything it may
 // call or through a timer. Errs on the side of yes.
 bool RoutineMayRemove(const std::string& name);

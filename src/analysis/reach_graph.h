@@ -27,8 +27,8 @@ struct Meaning {
 
 struct ReachGraph {
     std::vector<ReachNode> nodes;
-    NameTable<Meaning> words;                       // the names of routines, Types and Elements
-    std::unordered_map<std::string, int> routines;  // by name, Functions and Methods of all Types in one
+    NameTable<Meaning> words{mark::meanings};  // the names of routines, Types and Elements
+    NameTable<int> routines;                   // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
     std::unordered_map<std::string, int> loops;  // by place
     int timers = 0;
@@ -49,6 +49,10 @@ struct ReachGraph {
         At(caller).callees.push_back(callee);
     }
 
+    int RoutineNode(Token name) {
+        const auto [node, isNew] = routines.Add(name);
+        return isNew ? node = Add() : node;
+    }
     template <class Map, class Key>
     int NodeOf(Map& map, const Key& key) {
         const auto found = map.find(key);

@@ -138,8 +138,8 @@ void ReadSequenceChanges(int node, TokenSpan tokens) {
 
 bool RoutineMayChange(const std::string& name, const ValueType& item) {
     ReachGraph& graph = BuiltGraph();
-    const auto found = graph.routines.find(name);
-    return found == graph.routines.end() || MayChange(graph, found->second, item);
+    const int* routine = graph.routines.Find(name);
+    return routine == nullptr || MayChange(graph, *routine, item);
 }
 
 bool TimersMayChange(const ValueType& item) {

@@ -1,6 +1,6 @@
 // Memory for a translation: hundreds of thousands of short texts and small records that live for a line or for
-// the whole run. Blocks are cut from large chunks and kept by size when they are freed, one list per size and
-// pool; nothing goes back to the system before the end. The largest blocks are left to malloc.
+// the whole run. Blocks of one size lie side by side in spans, which are cut from large chunks, and are kept in a list
+// for their size when they are freed; nothing goes back to the system before the end. The largest blocks are left to malloc.
 // A thread has a pool to itself, and the next thread takes it over. Blocks go back to the pool that they are from,
 // whoever frees them: what one thread makes for another one, again and again, is the same memory each time.
 #include <algorithm>
@@ -9,10 +9,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
+#include "base/chunks.h"
 
 // Sanitizers have to see every block. gcc tells by a macro that there is one, clang by a question.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -29,30 +28,42 @@ namespace {
 
 constexpr std::size_t unit = 16;  // sizes are rounded up to it, and every block is aligned to it
 constexpr std::size_t firstChunk = 1U << 18U;
-constexpr std::size_t laterChunk = 1U << 22U;
-constexpr std::size_t largePage = 1U << 21U;
-constexpr std::size_t finest = 65;      // up to so many units every size has its list
-constexpr std::size_t largest = 65536;  // and up to so many every power of two has four
-constexpr std::size_t largestPower = 16;
+constexpr std::size_t largestSpan = 16 * page;
+constexpr std::size_t finest = 64;      // up to so many units every size has its list
+constexpr std::size_t ownSpan = 2048;   // from so many units on a block has a span to itself
+constexpr std::size_t largest = 65536;  // and up to so many every power of two has four lists
+constexpr std::size_t listCount = finest + 1 + 4 * std::size_t{10};
 
 struct Pool;
 
-// In front of every block, in the unit before it.
-struct alignas(unit) Header {
-    Pool* pool = nullptr;   // null when malloc has given it
-    std::size_t units = 0;  // size of the block with its header
+// In front of every chunk.
+struct Chunk {
+    Pool* pool = nullptr;                                 // null when malloc has given it, for one block
+    std::array<std::uint32_t, chunkSize / page> units{};  // of the blocks that begin in the page
 };
+constexpr std::size_t chunkHeader = (sizeof(Chunk) + page - 1) / page * page;
 
 struct FreeBlock {
     FreeBlock* next;
 };
 
+// Blocks of one size.
+struct BlockList {
+    FreeBlock* freed = nullptr;
+    char *at = nullptr, *end = nullptr;  // what is left of the last span
+    std::size_t nextSpan = page;         // its size
+};
+
+// Pages that have no span yet.
+struct Rest {
+    std::size_t size;
+    Rest* next;
+};
+
 struct Pool {
-    std::array<FreeBlock*, finest + 1> freed{};  // by units
-    std::array<std::array<FreeBlock*, 4>, largestPower + 1> freedLarge{};
-    char* at = nullptr;  // what is left of the chunk
-    std::size_t left = 0;
-    bool begun = false;
+    std::array<BlockList, listCount> lists{};
+    Rest* rests = nullptr;
+    int chunks = 0;
     std::atomic<FreeBlock*> returned{nullptr};  // by other threads
     std::atomic<bool> isTaken{false};
     Pool* next = nullptr;  // of all pools
@@ -88,68 +99,95 @@ Pool* TakePool() {
     return pool;
 }
 
-// The exponent of the first power of two that is not below the number.
-std::size_t PowerFor(std::size_t units) {
-    std::size_t power = 0;
-    while ((std::size_t{1} << power) < units) ++power;
-    return power;
-}
+// The next size that has a list: above the finest ones, five to eight eighths of a power of two.
+struct Size {
+    std::size_t units = 0, list = 0;
 
-// The next size that has a list: five to eight eighths of a power of two.
-std::size_t LargeSize(std::size_t units) {
-    const std::size_t eighth = (std::size_t{1} << PowerFor(units)) / 8;
-    return (units + eighth - 1) / eighth * eighth;
-}
-
-FreeBlock*& FreedOf(Pool& pool, std::size_t units) {
-    if (units <= finest) return pool.freed[units];
-    const std::size_t power = PowerFor(units);
-    return pool.freedLarge[power][units * 8 / (std::size_t{1} << power) - 5];
-}
-
-void* BehindHeader(void* memory, Pool* pool, std::size_t units) {
-    if (memory == nullptr) {
-        if (const std::new_handler report = std::get_new_handler()) report();
-        throw std::bad_alloc();
+    explicit Size(std::size_t wanted) : units(wanted), list(wanted) {
+        if (wanted <= finest) return;
+        std::size_t power = finest * 2;
+        list = finest + 1;
+        for (; power < wanted; power *= 2) list += 4;
+        const std::size_t eighth = power / 8;
+        const std::size_t eighths = (wanted + eighth - 1) / eighth;
+        units = eighths * eighth;
+        list += eighths - 5;
     }
-    return new (memory) Header{pool, units} + 1;
+};
+
+// Chunks begin at multiples of their size.
+std::size_t OffsetInChunk(const void* block) {
+    return reinterpret_cast<std::uintptr_t>(block) & (chunkSize - 1);
+}
+Chunk& ChunkOf(void* block) {
+    return *reinterpret_cast<Chunk*>(static_cast<char*>(block) - OffsetInChunk(block));
+}
+std::uint32_t& UnitsOf(void* block) { return ChunkOf(block).units[OffsetInChunk(block) / page]; }
+
+void AddRest(Pool& pool, char* at, std::size_t size) {
+    if (size >= page) pool.rests = new (at) Rest{size, pool.rests};
 }
 
-// Small programs get along with the first chunk. Those that need more need much more, and being given one large
-// page by the system takes a fraction of the time of five hundred small ones.
-char* NewChunk(Pool& pool, std::size_t wanted, std::size_t& size) {
-    size = std::max(firstChunk, wanted);
-#if defined(__linux__)
-    if (pool.begun) {
-        size = laterChunk;
-        void* chunk = std::aligned_alloc(largePage, size);
-        if (chunk != nullptr) madvise(chunk, size, MADV_HUGEPAGE);  // a wish: without it all works the same
-        return static_cast<char*>(chunk);
-    }
-#endif
-    pool.begun = true;
-    return static_cast<char*>(std::malloc(size));
+// Small programs get along with the first chunk. Those that need more need much more.
+bool AddChunk(Pool& pool) {
+    const bool isFirst = pool.chunks++ == 0;
+    const std::size_t size = isFirst ? firstChunk : chunkSize;
+    void* const memory = isFirst ? Aligned(size) : LargeChunk(pool.chunks);
+    if (memory == nullptr) return false;
+    new (memory) Chunk{&pool, {}};
+    AddRest(pool, static_cast<char*>(memory) + chunkHeader, size - chunkHeader);
+    return true;
 }
 
-void* FromChunk(Pool& pool, std::size_t units) {
-    const std::size_t size = units * unit;
-    if (pool.left < size) {
-        std::size_t got = 0;
-        char* chunk = NewChunk(pool, size, got);
-        if (chunk == nullptr) return nullptr;
-        pool.at = chunk;
-        pool.left = got;
+// Null without any.
+char* PagesOfRests(Pool& pool, std::size_t size) {
+    for (Rest** link = &pool.rests; *link != nullptr; link = &(*link)->next) {
+        const Rest rest = **link;
+        if (rest.size < size) continue;
+        char* const pages = reinterpret_cast<char*>(*link);
+        *link = rest.size < size + page ? rest.next : new (pages + size) Rest{rest.size - size, rest.next};
+        return pages;
     }
-    void* memory = pool.at;
-    pool.at += size;
-    pool.left -= size;
-    return memory;
+    return nullptr;
+}
+
+// Large blocks that nobody has now can be anything.
+void TakeFreedSpans(Pool& pool) {
+    for (std::size_t list = Size(ownSpan).list; list < listCount; ++list)
+        for (FreeBlock* block = std::exchange(pool.lists[list].freed, nullptr); block != nullptr;) {
+            FreeBlock* const following = block->next;
+            AddRest(pool, reinterpret_cast<char*>(block), UnitsOf(block) * unit);
+            block = following;
+        }
+}
+
+char* TakePages(Pool& pool, std::size_t size) {
+    if (char* const pages = PagesOfRests(pool, size)) return pages;
+    TakeFreedSpans(pool);
+    if (char* const pages = PagesOfRests(pool, size)) return pages;
+    const bool tooSmall = pool.chunks == 0 && size > firstChunk - chunkHeader;
+    if (!AddChunk(pool) || (tooSmall && !AddChunk(pool))) return nullptr;
+    return PagesOfRests(pool, size);
+}
+
+// The more blocks of a size there are, the more are made at once.
+bool BeginSpan(Pool& pool, BlockList& list, std::size_t units) {
+    const bool isOwn = units >= ownSpan;
+    const std::size_t size =
+        isOwn ? units * unit : std::max(list.nextSpan, (units * unit + page - 1) / page * page);
+    char* const span = TakePages(pool, size);
+    if (span == nullptr) return false;
+    for (std::size_t at = 0; at < size; at += page) UnitsOf(span + at) = static_cast<std::uint32_t>(units);
+    list.at = span;
+    list.end = span + size;
+    list.nextSpan = std::min(size * 2, largestSpan);
+    return true;
 }
 
 void TakeBack(Pool& pool) {
     for (FreeBlock* block = pool.returned.exchange(nullptr, std::memory_order_acquire); block != nullptr;) {
         FreeBlock* const following = block->next;
-        FreeBlock*& first = FreedOf(pool, (reinterpret_cast<Header*>(block) - 1)->units);
+        FreeBlock*& first = pool.lists[Size(UnitsOf(block)).list].freed;
         block->next = first;
         first = block;
         block = following;
@@ -165,30 +203,49 @@ Pool* BeginThread() {
     return pool;
 }
 
-void* Allocate(std::size_t size) {
-    if (size > (largest - 1) * unit) {
-        const bool possible = size <= SIZE_MAX - sizeof(Header);
-        return BehindHeader(possible ? std::malloc(size + sizeof(Header)) : nullptr, nullptr, 0);
+[[noreturn]] void FailAllocation() {
+    if (const std::new_handler report = std::get_new_handler()) report();
+    throw std::bad_alloc();
+}
+
+void* FromMalloc(std::size_t size) {
+    void* const memory = size <= SIZE_MAX - 2 * chunkHeader ? Aligned(size + chunkHeader) : nullptr;
+    if (memory == nullptr) FailAllocation();
+    ::new (memory) Pool*(nullptr);  // of the chunk
+    return static_cast<char*>(memory) + chunkHeader;
+}
+
+void* FromSpan(Pool& pool, const Size& size) {
+    BlockList& list = pool.lists[size.list];
+    if (list.freed == nullptr && pool.returned.load(std::memory_order_relaxed) != nullptr) TakeBack(pool);
+    if (FreeBlock* const block = list.freed) {
+        list.freed = block->next;
+        return block;
     }
-    std::size_t units = (size + sizeof(Header) + unit - 1) / unit;
-    if (units > finest) units = LargeSize(units);
+    const bool isLeft = static_cast<std::size_t>(list.end - list.at) >= size.units * unit;
+    if (!isLeft && !BeginSpan(pool, list, size.units)) FailAllocation();
+    return std::exchange(list.at, list.at + size.units * unit);
+}
+
+void* Allocate(std::size_t size) {
+    if (size > (largest - 1) * unit) return FromMalloc(size);
     Pool* const pool = own != nullptr ? own : BeginThread();
-    if (pool == nullptr) return BehindHeader(nullptr, nullptr, 0);
-    FreeBlock*& first = FreedOf(*pool, units);
-    if (first == nullptr && pool->returned.load(std::memory_order_relaxed) != nullptr) TakeBack(*pool);
-    if (first == nullptr) return BehindHeader(FromChunk(*pool, units), pool, units);
-    FreeBlock* block = first;
-    first = block->next;
+    if (pool == nullptr) FailAllocation();
+    const Size rounded(size == 0 ? 1 : (size + unit - 1) / unit);
+    BlockList& list = pool->lists[rounded.list];
+    FreeBlock* const block = list.freed;
+    if (block == nullptr) return FromSpan(*pool, rounded);
+    list.freed = block->next;
     return block;
 }
 
 void Free(void* block) {
     if (block == nullptr) return;
-    Header* header = static_cast<Header*>(block) - 1;
-    Pool* const pool = header->pool;
-    if (pool == nullptr) return std::free(header);
+    Chunk& chunk = ChunkOf(block);
+    Pool* const pool = chunk.pool;
+    if (pool == nullptr) return FreeAligned(&chunk);
     if (pool == own) {
-        FreeBlock*& first = FreedOf(*pool, header->units);
+        FreeBlock*& first = pool->lists[Size(UnitsOf(block)).list].freed;
         first = new (block) FreeBlock{first};
         return;
     }

@@ -58,6 +58,7 @@ static std::vector<korvel::Diagnostic> MistakesOf(const std::vector<UnclosedBloc
     for (const UnclosedBlock& block : blocks) {
         mistakes.push_back(HereIs(block.report));
         mistakes.back().line = block.line;
+        mistakes.back().hint = block.hint;
     }
     return mistakes;
 }
@@ -157,8 +158,8 @@ void FailOnErrorStream(const std::string& lines, TokenSpan about) {
 
 void ReportNoMemory() {
     std::fputs("Error: Not enough memory\nFile: ", stdout);
-    const bool begun = !settings.currentFile.empty();
-    std::fputs((begun ? settings.currentFile : settings.mainSource).c_str(), stdout);
+    const std::string& file = settings.currentFile.empty() ? settings.mainSource : settings.currentFile;
+    std::fwrite(file.data(), 1, file.size(), stdout);  // which may not have been made yet
     std::fprintf(stdout, "\nLine: %d\n\n", settings.currentLine);
     std::fflush(stdout);
     std::_Exit(1);  // whatever else is to be done needs memory, too

@@ -29,6 +29,7 @@ struct UnclosedBlock {
     std::string report;
     std::string word;    // which opens it
     std::string closer;  // the word that is missing; empty where several could be
+    std::string hint = {};
 };
 
 // Thrown where something is wrong. Whoever drives a run catches it.

@@ -15,6 +15,8 @@ struct Settings {
     bool safeMode = false;        // -safe
     bool quickBuild = false;      // -quick
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
+    bool units = false;           // -units: with -fast, a program that can comes as several translation units
+    int unitsFrom = 0;            // ... if it has as many lines
     bool lineMarks = false;       // #line directives lead back to the source, and failures tell their place
     bool checkOnly = false;       // -check: nothing is written or deleted
     bool columns = false;         // it is found out which words a mistake is about

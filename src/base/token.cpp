@@ -51,6 +51,15 @@ inline std::uint64_t HashOf(std::string_view text) {
     return hash;
 }
 
+// The words that a thread has asked for last: most come again soon, and the table of all outgrows every cache.
+struct RecentWords {
+    static constexpr std::size_t size = 2048;
+    unsigned run = 0;
+    std::array<const Word*, size> words{};
+};
+thread_local RecentWords recent;
+unsigned runs = 0;
+
 // A table with open addressing: a word stands in the first free slot from that of its hash on. Threads may look for
 // words at the same time: none waits for another one unless it has to add a word.
 class Pool {
@@ -71,9 +80,17 @@ public:
 
     const Word& Find(std::string_view text) {
         if (text.size() == 1) return Find(text[0]);
+        if (recent.run != run) recent = {run, {}};
         const std::uint64_t hash = HashOf(text);
+        const Word*& last = recent.words[hash % RecentWords::size];
+        if (last != nullptr && last->text == text) return *last;
         const Word* known = CurrentTable().Find(hash, text);
-        return known != nullptr ? *known : Add(hash, text);
+        last = known != nullptr ? known : &Add(hash, text);
+        return *last;
+    }
+
+    void ForgetOutgrown() {
+        while (tables.size() > 1) tables.pop_front();
     }
 
     std::size_t Count() const { return words.size(); }
@@ -111,6 +128,7 @@ private:
     std::atomic<Table*> table;
     std::atomic_flag adding = ATOMIC_FLAG_INIT;
     std::size_t used = 0;
+    unsigned run = ++runs;
     std::array<const Word*, 256> single{};
 
     Table& CurrentTable() { return *table.load(std::memory_order_acquire); }
@@ -135,7 +153,7 @@ private:
         if (word == nullptr) {
             word = &words.emplace_back(MakeWord(text, words.size()));
             CurrentTable().Put(hash, word);
-            if (++used * 2 > tables.back().slots.size()) Grow();
+            if (++used * 4 > tables.back().slots.size() * 3) Grow();
         }
         return *word;
     }
@@ -168,4 +186,5 @@ const PartOfRun partOfRun(TheRunPool());
 const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
 const Word& WordOf(char character) { return ThePool().Find(character); }
 bool IsKnownWord(std::string_view text) { return ThePool().Knows(text); }
+void ForgetOutgrownTables() { ThePool().ForgetOutgrown(); }
 std::size_t WordCount() { return ThePool().Count(); }

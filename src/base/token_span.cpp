@@ -16,9 +16,14 @@ std::size_t TokenSpan::Behind(std::size_t i) const {
     return close == noToken ? size() : close + 1;
 }
 
+bool TokenSpan::IsMember(std::size_t i) const {
+    const char before = i > 0 ? SignAt(i - 1) : '\0';
+    return before == '\\' || before == '.';
+}
+
 std::size_t TokenSpan::Find(Keyword word, std::size_t from) const {
     for (std::size_t i = from; i < size(); ++i)
-        if (first[i]->keyword == word) return i;
+        if (first[i]->keyword == word && !IsMember(i)) return i;
     return noToken;
 }
 

@@ -55,7 +55,7 @@ struct TokenSpan {
     Iterator end() const { return Iterator(last); }
 
     // The word of token i, or the empty one past the end: callers may probe ahead without bounds checks.
-    const Word& At(std::size_t i) const { return i < size() ? *first[i] : Nothing(); }
+    const Word& At(std::size_t i) const { return i < size() ? *first[i] : noWord; }
     // Its text, its keyword and its sign.
     const std::string& operator[](std::size_t i) const { return At(i).text; }
     Keyword KeywordAt(std::size_t i) const { return At(i).keyword; }
@@ -86,7 +86,9 @@ struct TokenSpan {
         const bool comment = !empty() && last[-1]->text[0] == '/' && last[-1]->text[1] == '/';
         return comment ? Slice(0, size() - 1) : *this;
     }
-    // Position of the first such word from `from` on; noToken without one.
+    // Whether token i is the name of a member, which may be called like a keyword: route\to
+    bool IsMember(std::size_t i) const;
+    // Position of the first such word from `from` on that is no member; noToken without one.
     std::size_t Find(Keyword word, std::size_t from = 0) const;
     // Whether token i is a "=" that is no part of another operator, and the position of the first one from `from` on
     // that stands outside of brackets; noToken without one.
@@ -96,10 +98,4 @@ struct TokenSpan {
     std::vector<TokenSpan> SplitAt(char separator) const;
     // The texts, with the separator between them.
     std::string Text(std::string_view separator = " ") const;
-
-private:
-    static const Word& Nothing() {
-        static const Word nothing;
-        return nothing;
-    }
 };

@@ -17,7 +17,7 @@ public:
         if (state == done) return;
         state = open;
         path.push_back(&element);
-        for (const std::string& name : element.fields) Follow(element, *element.members.Find(name));
+        for (const Token name : element.fields) Follow(element, *element.members.Find(name));
         path.pop_back();
         states[&element] = done;
     }

@@ -120,6 +120,7 @@ bool CollectDeclarations(Declarations& out, IncludeFollower follow) {
     settings.currentLine = 0;
     FirstPass pass(out, follow);
     ReadLines(pass);
+    out.functions.shrink_to_fit();
     SaySummary(out);
     return pass.goesOn;
 }

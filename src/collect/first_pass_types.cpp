@@ -5,6 +5,7 @@
 #include "collect/first_pass_state.h"
 #include "collect/parameters.h"
 #include "symbols/identifiers.h"
+#include "symbols/modules.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
@@ -34,10 +35,12 @@ Elsewhere MemberOf(const ClassInfo& open, const std::string& file, Token name) {
     return {file, line, name, declaredHere};
 }
 
-// A member may not take the name of another one or, in C++, that of a class.
+// A member may not take the name of another one or, in C++, that of a class. Modules name no class of the program, which
+// need not know of their members.
 void RefuseMemberName(const FirstPass& pass, Token name) {
     const ClassInfo& open = pass.open;
-    const bool taken = IsClass(name) || open.members.Has(name) || open.routines.Has(name);
+    const bool isClass = IsClass(name) && !IsModule(pass.out.source);
+    const bool taken = isClass || open.members.Has(name) || open.routines.Has(name);
     if (taken) FailAlreadyDefined(name, MemberOf(open, pass.out.source, name));
     CheckCppWord(name);
     CheckValueWord(name);
@@ -67,7 +70,7 @@ void AddField(FirstPass& pass, TokenSpan tokens) {
     Variable field = ReadDeclaration(pass, tokens);
     field.isPrivate = pass.isPrivate;
     open.fields.push_back(name);
-    if (field.typed) open.fieldTypes[name] = FieldTypeText(field);
+    if (settings.verbose && field.typed) open.fieldTypes[name] = FieldTypeText(field);
     open.members.Add(name, std::move(field));
 }
 
@@ -78,19 +81,20 @@ void SayRegistered(const ClassInfo& cls) {
     for (std::size_t i = 0; i < cls.fields.size(); ++i) {
         const auto type = cls.fieldTypes.find(cls.fields[i]);
         const std::string text = type == cls.fieldTypes.end() ? "" : " : " + type->second;
-        Say("    Field " + std::to_string(i) + ": " + cls.fields[i] + text);
+        Say("    Field " + std::to_string(i) + ": " + cls.fields[i]->text + text);
     }
 }
 
 void SayDuplicate(const ClassInfo& cls) {
-    VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile + ")");
+    VerboseNote("  - Skipping duplicate class: " + cls.name + " (already defined in " + cls.sourceFile->text +
+                ")");
 }
 
 void Register(ClassInfo& cls, ClassInfo&& read) {
     cls = std::move(read);
     cls.registered = true;
     for (auto& routine : cls.routines) routine.second.owner = &cls;
-    for (const std::string& field : cls.fields) symbols.fieldOwners.Add(field, &cls);
+    for (const Token field : cls.fields) symbols.fieldOwners.Add(field, &cls);
     symbols.classList.push_back(&cls);
     {
         const TellOnly first(Telling::First);

@@ -55,7 +55,7 @@ void SettleFunction(Prototype& prototype) {
 void SettleMethods(const ClassInfo& declared, const std::string& source) {
     if (!declared.registered || declared.sourceFile != source) return;
     ClassInfo& cls = *FindClass(declared.name);
-    for (const std::string& method : cls.methods)
+    for (const Token method : cls.methods)
         KeepMistakesOf(method, [&] { Settle(*cls.routines.Find(method)); });
 }
 
@@ -105,8 +105,8 @@ void SayNames(const Declarations& declarations) {
 
 namespace {
 
-void SettleMembers(ClassInfo& cls, const std::vector<std::string>& names) {
-    for (const std::string& name : names)
+void SettleMembers(ClassInfo& cls, const Tokens& names) {
+    for (const Token name : names)
         if (Variable* field = cls.members.Find(name)) SettleType(*field, &cls);
 }
 

@@ -33,7 +33,7 @@ void AddMentioned(TokenSpan value, const ClassInfo* owner, std::vector<const Var
 }
 
 bool ComesFirst(const Valued& a, const Valued& b) {
-    const auto place = [](const Variable& v) { return std::tie(v.file, v.line, v.name); };
+    const auto place = [](const Variable& v) { return std::tie(v.file->text, v.line, v.name); };
     return place(*a.variable) < place(*b.variable);
 }
 

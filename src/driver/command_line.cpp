@@ -47,6 +47,7 @@ constexpr Flag flags[] = {
     {"-safe", &Settings::safeMode, "Safe mode (runtime error checking)"},
     {"-quick", &Settings::quickBuild, "Quick build mode (incremental compilation)"},
     {"-fast", &Settings::fastMode, "Fast mode (faster programs)"},
+    {"-units", &Settings::units, "Translation units"},
     {"-check", &Settings::checkOnly, "Check only (nothing is written)"},
     {"-warn", &Settings::warnings, "Warnings"},
 };

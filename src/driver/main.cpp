@@ -7,8 +7,10 @@
 #include "driver/build.h"
 #include "driver/command_line.h"
 
+// Before anything else takes memory: tables are made before main begins.
+__attribute__((constructor(101))) static void BeginMemory() { std::set_new_handler(ReportNoMemory); }
+
 int main(int argc, char** argv) {
-    std::set_new_handler(ReportNoMemory);
     int status = 0;
     {
         const Utf8Console console;

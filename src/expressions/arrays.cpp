@@ -124,16 +124,22 @@ void WriteArray(Code& out, const Expr& array) {
         Write(out, array);
 }
 
-void WriteWithIndices(Code& out, const Expr& array, const Texts& indices, const char* open,
-                      const char* close) {
+// A lambda in front goes into parentheses, for "[[" begins something else in C++.
+void WriteBracketed(Code& out, const Code& index) {
+    const bool ledByLambda = index.lambda && index.text[0] == '[';
+    Put(out, ledByLambda ? "[(" : "[", index, ledByLambda ? ")]" : "]");
+}
+
+// KVL_a[i][j]
+void WriteWithIndices(Code& out, const Expr& array, const Texts& indices) {
     WriteArray(out, array);
-    for (const Code& index : indices) Put(out, open, index, close);
+    for (const Code& index : indices) WriteBracketed(out, index);
 }
 
 // ([&]() -> decltype(A) { if ((i) < 0 || (i) >= A_size_0) { std::cerr << ...; exit(1); } return A; })()
 void WriteLambdaCheck(Code& out, const Expr& item, const Expr& array, const Texts& indices) {
     Code plain;
-    WriteWithIndices(plain, array, indices, "[", "]");
+    WriteWithIndices(plain, array, indices);
     out.lambda = true;
     out += "([&]() -> decltype(" + plain + ") { ";
     const std::size_t last = indices.size() - 1;
@@ -174,7 +180,7 @@ void WriteChecked(Code& out, const Expr& item, const Texts& indices) {
     const Expr& array = *item.first;
     const bool wanted = IsCheckWanted(array, indices.size());
     if (!wanted || (item.sized && array.variable->sizes.size() < indices.size()))
-        WriteWithIndices(out, array, indices, "[", "]");
+        WriteWithIndices(out, array, indices);
     // A lambda may not stand inside decltype, nor take what surrounds it outside of routines.
     else if (!item.sized || settings.fastMode || !InsideRoutine() || !AreSimple(item, indices))
         WriteHelperCheck(out, item, array, indices);
@@ -189,7 +195,8 @@ void WriteChecked(Code& out, const Expr& item, const Texts& indices) {
 void WriteInTurn(Code& out, const Expr& item, const Texts& indices) {
     const Expr& array = *item.first;
     if (!IsCheckWanted(array, indices.size())) {
-        WriteWithIndices(out, array, indices, ".at(", ")");
+        WriteArray(out, array);
+        for (const Code& index : indices) Put(out, ".at(", index, ")");
         return;
     }
     RequireSupport(Support::IndexInOrder);
@@ -228,9 +235,9 @@ void WritePlain(Code& out, const Expr& item) {
     const Expr& array = *item.first;
     WriteArray(out, array);
     for (const Expr& index : PartRange{array.next}) {
-        out += '[';
-        WriteIndexText(out, index, &index == array.next, array.form);
-        out += ']';
+        Code text;
+        WriteIndexText(text, index, &index == array.next, array.form);
+        WriteBracketed(out, text);
     }
 }
 

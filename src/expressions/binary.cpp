@@ -10,12 +10,9 @@
 namespace {
 
 bool IsText(const Expr& expr) { return expr.type.Is(Base::String); }
-bool IsPointer(const Expr& expr) {
-    return expr.type.Is(Base::Object) || expr.type.Is(Base::Pointer) || expr.type.Is(Base::Null);
-}
+bool IsPointer(const Expr& expr) { return expr.type.IsReference() || expr.type.Is(Base::Null); }
 bool IsTruth(const Expr& expr) {
-    return !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.Is(Base::Object) ||
-           expr.type.Is(Base::Pointer);
+    return !expr.type.IsKnown() || expr.type.IsNumber() || expr.type.IsReference();
 }
 
 const BinaryOperator plus = {"+", "+", Level::Sum, OperatorKind::Add};
@@ -39,6 +36,9 @@ bool Checked() { return ChecksValues(); }
         message.hint = "Texts are joined with '+'; '&' stands between the items of a Print";
     if (isText && sign == "*")
         message.hint = "Write Repeated(text, 3). It comes with Include \"std/text.kvl\"";
+    if (IsText(left) && sign == "%")
+        message.hint = "Values stand in holes of the text: \"{%count} times {$name}\"";
+    if (left.type.sequence && sign == "+") message.hint = "SeqAdd s, 3 puts an item at the end of a Sequence";
     const bool known = !left.source.empty() && !right.source.empty();
     ReportFatal(message, known ? TokenSpan(left.source.first, right.source.last) : TokenSpan());
 }
@@ -151,8 +151,10 @@ Expr& ApplyUnary(const UnaryOperator& op, Expr& operand) {
                       : op.kind == UnaryKind::Sign ? operand.type.IsNumber()
                                                    : operand.type.IsInteger();
     if (known && !fits) {
+        const bool isNot = op.kind == UnaryKind::Not;
         ReportFatal(
-            std::string("Operator '") + op.korvel + "' cannot be used with " + KorvelName(operand.type),
+            std::string("Operator '") + op.korvel + "' cannot be used with " + KorvelName(operand.type) +
+                (isNot ? Hint{"It means only what stands right behind it: Not (a = b), or a <> b"} : Hint()),
             operand.source);
     }
     const ValueType type = op.kind == UnaryKind::Not ? Single(Base::Bool)

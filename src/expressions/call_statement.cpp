@@ -1,5 +1,6 @@
 // Statements that are calls: Draw 1, 2 ; p\Move(1) ; Tick ; Insert a After b.
 #include "base/report.h"
+#include "expressions/operators.h"
 #include "expressions/order.h"
 #include "expressions/walk.h"
 #include "lexer/lexer.h"
@@ -31,6 +32,7 @@ bool TranslateCallStatement(TokenSpan tokens, Code& out) {
     }
     if (!expr.isCall && !Has(tokens.KeywordAt(0), trait::creates)) return false;
     if (!walk.Done()) FailUnexpected(walk);
+    if (watches.callStatement != nullptr) watches.callStatement({tokens, expr});
     KeepOrder(expr);
     WriteDiscarded(out, expr);
     return true;

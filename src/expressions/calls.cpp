@@ -89,7 +89,7 @@ void WriteCallAtOnce(Code& out, const Expr& call) {
     Code& text = call.ordered ? ordered : out;
     const Expr* object = call.object;
     if (call.named)
-        Put(text, inOrder.NameObject(TextOf(*object)), AccessorOf(*object, false));
+        Put(text, inOrder.NameObject(object->type, TextOf(*object)), AccessorOf(*object, false));
     else if (object != nullptr)
         Put(text, *object, AccessorOf(*object, object->kind == ExprKind::Fixed));
     Put(text, call.text, routine.cppName, " ( ");

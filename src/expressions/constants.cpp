@@ -1,5 +1,6 @@
 #include "expressions/constants.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <unordered_map>
@@ -170,6 +171,13 @@ Value OfConst(const Variable& variable) {
     return value;
 }
 
+// Names of anything but Consts have no value yet; most are those of Locals, which are no names of the file.
+bool NamesConstsOnly(TokenSpan tokens) {
+    return std::all_of(tokens.first, tokens.last, [](Token token) {
+        return token->keyword != Keyword::None || !IsIdentifier(token->text) || symbols.constants.Has(token);
+    });
+}
+
 }  // namespace
 
 Value ConstantOf(const Expr& expr) {
@@ -199,6 +207,7 @@ Value ConstantOf(const Expr& expr) {
 }
 
 Value ConstantIn(TokenSpan tokens) {
+    if (!NamesConstsOnly(tokens)) return {};
     const BorrowedNodes nodes;
     const FileLevelNames names;
     Chapter untold;

@@ -27,8 +27,9 @@ std::string InOrder::NamePlace(const Code& place) {
     return name;
 }
 
-std::string InOrder::NameObject(const Code& object) {
-    Put(values, "auto&& __kvObject = ", object, "; ");
+// An object of a Type is the one that its variable holds now; an Element is where it is.
+std::string InOrder::NameObject(const ValueType& type, const Code& object) {
+    Put(values, type.Is(Base::Object) ? "auto" : "auto&&", " __kvObject = ", object, "; ");
     return "__kvObject";
 }
 

@@ -13,8 +13,8 @@ public:
     std::string Name(const ValueType& type, const Code& value);
     // Where an array or Sequence is; what is fresh lives on. Returns what stands for it.
     std::string NamePlace(const Code& place);
-    // The object of a call or the array of an index; returns what stands for it.
-    std::string NameObject(const Code& object);
+    // The object of a call; returns what stands for it.
+    std::string NameObject(const ValueType& type, const Code& object);
     // Appends `call`, made of what the names stand for, behind the named values.
     void Write(Code& out, const std::string& resultCppType, const Code& call) const;
 

@@ -7,6 +7,7 @@
 #include "expressions/in_order.h"
 #include "expressions/walk.h"
 #include "expressions/writer.h"
+#include "prelude/program_uses.h"
 
 namespace {
 
@@ -118,6 +119,9 @@ ValueType ResultType(const Group& function, const Expr* first, bool& told) {
     return type;
 }
 
+// It takes a text of C, and what was printed before has to be out when the other program writes.
+bool StartsProgram(std::string_view name) { return name == "std::system"; }
+
 Expr& CallOf(const std::string& name, const Group& function, const PartList& arguments) {
     for (const Expr& argument : PartRange{arguments.First()}) {
         RequireValue(argument);
@@ -129,6 +133,7 @@ Expr& CallOf(const std::string& name, const Group& function, const PartList& arg
     call.text = name.c_str();
     call.first = arguments.First();
     call.isCall = call.effects = true;
+    if (StartsProgram(name)) programUses.foreignOutput = true;
     return call;
 }
 
@@ -159,7 +164,7 @@ Expr& ParseLibraryName(Walk& walk) {
 void WriteLibrary(Code& out, const Expr& expr) {
     InOrder inOrder;
     const bool ordered = expr.ordered && expr.type.IsKnown();
-    const bool ofC = std::string_view(expr.text) == "std::system";
+    const bool ofC = StartsProgram(expr.text);
     Code call = expr.text;
     if (expr.closing[0] != '\0') call += "<" + CppName(expr.type) + ">";
     call += " (";

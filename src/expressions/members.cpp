@@ -7,6 +7,7 @@
 #include "symbols/identifiers.h"
 #include "symbols/module_names.h"
 #include "symbols/scopes.h"
+#include "symbols/type_reader.h"
 #include "symbols/uses.h"
 
 namespace {
@@ -18,12 +19,12 @@ Hint UseInstead(const std::string& function, const std::string& arguments) {
                 (include.empty() ? "" : ". It comes with " + include)};
 }
 
-// For those who write s\Length.
+// For those who write s\Length, and map\Get(key)\name.
 Hint HintAtMember(const ValueType& type, const std::string& name, const std::string& member) {
     if (type.sequence)
         return Hint{"What can be done with a Sequence begins with Seq: SeqAdd " + name + ", 1"};
     if (type.IsArray()) return Hint{"An array has no members, and keeps the size that it was declared with"};
-    if (!type.Is(Base::String)) return Hint{};
+    if (!type.Is(Base::String)) return HintAtAnyObject(type);
     const std::string function = FunctionCalledElsewhere(member);
     return function.empty() ? Hint{} : UseInstead(function, name);
 }
@@ -88,7 +89,8 @@ Hint HintAtIndex(const ValueType& type, const std::string& name) {
 
 [[noreturn]] void FailIndexed(const Expr& expr, const std::string& name) {
     if (expr.type.sequence) {
-        ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)",
+        ReportFatal("'" + name + "' is a Sequence. Its items are read with SeqGet(" + name + ", index)" +
+                        Hint{"SeqSet " + name + ", 0, 3 changes one"},
                     Tokens{name});
     }
     ReportFatal("'" + name + "' is " + KorvelName(expr.type) + ", not an array, and cannot be indexed" +

@@ -104,7 +104,12 @@ void FailUnknownName(const Walk& walk, const std::string& name) {
     const std::string lower = Lower(name);
     if (Has(FindKeyword(name), trait::operation)) ReportFatal("Missing operand before '" + name + "'", word);
     if (const ClassInfo* cls = FindClass(name)) FailClassAsValue(*cls, word);
-    if (IsBuiltin(lower)) ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)", word);
+    if (IsBuiltin(lower)) {
+        const bool isCast = walk.at > 1 && walk.Peek() == ")" && walk.tokens.SignAt(walk.at - 2) == '(';
+        ReportFatal("'" + name + "' is called with parentheses: " + name + "(...)" +
+                        (isCast ? Hint{"The value stands in the brackets: " + name + "(3.5)"} : Hint()),
+                    word);
+    }
     if (IsReservedKeyword(name)) ReportFatal("Unexpected keyword '" + name + "' in an expression", word);
     if (walk.mode == ExprMode::Input)
         ReportUnknown("Variable '" + name + "' not found in Input statement", word, Sought::Value);

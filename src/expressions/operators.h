@@ -39,10 +39,24 @@ struct Indexing {
     const Expr& firstIndex;
 };
 
+// A value that becomes one of a type: a variable's, a parameter's, a result.
+struct Giving {
+    const Expr& value;
+    const ValueType& to;
+};
+
+// A statement that is a call.
+struct CallStatement {
+    TokenSpan tokens;
+    const Expr& call;
+};
+
 // Are told of each of them; null while nobody looks.
 struct Watches {
     void (*operation)(const Operation& operation) = nullptr;
     void (*indexing)(const Indexing& indexing) = nullptr;
+    void (*giving)(const Giving& giving) = nullptr;
+    void (*callStatement)(const CallStatement& statement) = nullptr;
 };
 extern Watches watches;
 

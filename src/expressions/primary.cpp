@@ -69,6 +69,17 @@ const Word& WithoutLeadingZeros(const Word& digits) {
 
 bool IsExponent(char c) { return c == 'e' || c == 'E'; }
 
+const Hint wayToNumber = {"A number is made of digits, with a point among them for a Double: 1000, 1.5, 5.0"};
+
+// 5. , 1.x
+[[noreturn]] void FailPoint(const Walk& walk) {
+    const std::string& behind = walk.Peek(1);
+    const bool isPart =
+        walk.PeekSign(1) == '\0' && walk.tokens.KeywordAt(walk.at + 1) == Keyword::None && !IsQuoted(behind);
+    const TokenSpan number = walk.tokens.Slice(walk.at - 1, walk.at + (isPart && !behind.empty() ? 2 : 1));
+    ReportFatal("Invalid number '" + number.Text("") + "'" + wayToNumber, number);
+}
+
 // 1.5 , 2e6 , and the pieces 1.5e and - and 3 of 1.5e-3.
 Expr& ParseDouble(Walk& walk, std::string text) {
     if (IsExponent(text.back()) && (walk.PeekSign() == '-' || walk.PeekSign() == '+') &&
@@ -80,7 +91,7 @@ Expr& ParseDouble(Walk& walk, std::string text) {
     errno = 0;
     const double value = std::strtod(text.c_str(), &end);
     if (*end != '\0' || text.find_first_not_of("0123456789.eE+-") != std::string::npos) {
-        ReportFatal("Invalid number '" + text + "'", Tokens{text});
+        ReportFatal("Invalid number '" + text + "'" + wayToNumber, Tokens{text});
     }
     if (errno == ERANGE && value > 1.0) ReportFatal("Number too large: " + text, Tokens{text});
     return Number(WordOf(text), Base::Double);
@@ -88,7 +99,7 @@ Expr& ParseDouble(Walk& walk, std::string text) {
 
 Expr& ParseNumber(Walk& walk) {
     const Word& token = walk.tokens.At(walk.at++);
-    if (walk.PeekSign() == '.') ReportFatal("Invalid number '" + token.text + "." + walk.Peek(1) + "'");
+    if (walk.PeekSign() == '.') FailPoint(walk);
     if (!AllDigits(token.text)) return ParseDouble(walk, token.text);
     const Word& digits = WithoutLeadingZeros(token);
     return Number(digits, SizeOf(digits.text, 10));

@@ -101,9 +101,15 @@ bool IsHanded(const OpenWalk& walk, Expr* arguments) {
     return false;
 }
 
-}  // namespace
+// Loops inside one another may have variables of one name; their walks are told apart.
+std::string NameOfWalk(const std::string& variable) {
+    std::string name = "__kvWalk_" + variable;
+    const auto hasName = [&name](const OpenWalk& walk) { return walk.name == name; };
+    while (std::any_of(walks.begin(), walks.end(), hasName)) name += '_';
+    return name;
+}
 
-std::string SequenceWalkName(const std::string& variable) { return "__kvWalk_" + variable; }
+}  // namespace
 
 void ResetSequenceWalks() { walks.clear(); }
 
@@ -118,7 +124,7 @@ void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
     if (walks.size() == deepest)
         ReportFatal("Loops over Sequences are nested more than " + std::to_string(deepest) +
                     " deep. Put the inner ones into a Function");
-    OpenWalk walk = {KeptTree(sequence), PlaceOf(sequence), SequenceWalkName(variable), ++walkCount, false};
+    OpenWalk walk = {KeptTree(sequence), PlaceOf(sequence), NameOfWalk(variable), ++walkCount, false};
     walk.place.tree = &walk.sequence.Root();
     walks.push_back(std::move(walk));
 }
@@ -127,7 +133,7 @@ ClosedWalk CloseSequenceWalk() {
     if (walks.empty()) return {};
     const OpenWalk& walk = walks.back();
     const bool changed = walk.changed || (IsInReach(walk) && TimersMayChange(walk.Type().Item()));
-    const ClosedWalk closed = {walk.number, changed};
+    ClosedWalk closed = {walk.number, changed, walk.name};
     walks.pop_back();
     if (changed) RequireSupport(Support::SequenceWalk);
     return closed;

@@ -21,10 +21,9 @@ void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
 struct ClosedWalk {
     int number = -1;
     bool changed = false;  // the loop has to run by KVSeqWalk, and the walk's passages stay
+    std::string name;
 };
 ClosedWalk CloseSequenceWalk();
-
-std::string SequenceWalkName(const std::string& variable);
 
 // Whether an open walk is over the Sequence.
 bool IsWalked(const Expr& sequence);

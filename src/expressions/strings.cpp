@@ -9,6 +9,7 @@
 #include "lexer/holes.h"
 #include "lexer/lexer.h"
 #include "prelude/support.h"
+#include "symbols/hole_fixes.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -84,49 +85,49 @@ void WriteLiteral(Code& out, const std::string& text, std::size_t from, std::siz
     out += '"';
 }
 
-// The tag for values of the type, and an expression that has its type: a variable must be exactly what the tag says.
-std::string HoleFor(const std::string& content, const ValueType& type) {
-    for (const Tag& tag : tags)
-        if (type.Is(tag.base)) return std::string("{") + tag.tag + content + "}";
-    return type.IsNumber() ? "{%" + content + " + 0}" : "";
-}
-
-[[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type) {
+[[noreturn]] void FailTag(const Tag& tag, const std::string& content, const ValueType& type,
+                          TokenSpan literal) {
     const std::string advice = " - use {%" + content + "} or {!" + content + "}";
     const std::string hole = HoleFor(content, type);
     ReportFatal(std::string("Interpolation tag '") + tag.tag + "' (" + tag.korvel + ") does not match '" +
-                content + "' which is " + InWords(type) + (tag.tag == '$' ? advice : "") +
-                Hint{hole.empty() ? "" : "Write " + hole});
+                    content + "' which is " + InWords(type) + (tag.tag == '$' ? advice : "") +
+                    Hint{hole.empty() ? "" : "Write " + hole},
+                literal);
 }
 
 // A variable must be exactly what the tag says; other expressions must be of the right kind.
-void CheckTag(const Tag& tag, const std::string& content, const Expr& value) {
+void CheckTag(const Tag& tag, const std::string& content, const Expr& value, TokenSpan literal) {
     const Variable* variable = FindLocal(content);
     if (variable == nullptr) variable = FindGlobal(content);
     if (variable != nullptr && !variable->isConst && variable->type.IsKnown() &&
         !variable->type.Is(tag.base)) {
-        FailTag(tag, content, variable->type);
+        FailTag(tag, content, variable->type, literal);
     }
     const bool fits = tag.base == Base::String ? value.type.Is(Base::String) : value.type.IsNumber();
-    if (value.type.IsKnown() && !fits) FailTag(tag, content, value.type);
+    if (value.type.IsKnown() && !fits) FailTag(tag, content, value.type, literal);
 }
 
-Expr& ParseHole(const StringPiece& hole) {
+Expr& ParseHole(const StringPiece& hole, TokenSpan literal) {
     const Tag& tag = *FindTag(hole.tag);
     if (hole.content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
     const DepthGuard guard;
     ShowSplit(hole.content);
     Expr& value = TranslateValue(hole.tokens, ExprMode::Condition);
-    CheckTag(tag, hole.content, value);
+    CheckTag(tag, hole.content, value, literal);
     return value;
 }
 
-PartList ParseHoles(const std::vector<StringPiece>& pieces) {
+const Hint wayToBrace = {
+    "{%n} shows a whole number, {!d} a Double, {$s} a text, none of them with quotes in it. A brace "
+    "itself is written ~{"};
+
+PartList ParseHoles(TokenSpan literal) {
+    const std::vector<StringPiece>& pieces = PiecesOf(literal.At(0));
     PartList holes;
     LimitTexts(pieces.size());
     for (const StringPiece& piece : pieces) {
-        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble);
-        if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece));
+        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble + wayToBrace, literal);
+        if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece, literal));
     }
     return holes;
 }
@@ -144,7 +145,7 @@ Expr& ParseString(Walk& walk) {
     expr.word = &literal;
     expr.literal = !holes;
     if (!holes) return expr;
-    const PartList values = ParseHoles(PiecesOf(literal));
+    const PartList values = ParseHoles(walk.Taken());
     expr.first = values.First();
     expr.effects = values.HaveEffects();
     return expr;

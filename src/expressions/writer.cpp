@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "expressions/operators.h"
 #include "expressions/walk.h"
 #include "prelude/output.h"
 #include "prelude/support.h"
@@ -65,6 +66,7 @@ void WriteValue(Code& out, const Expr& expr) {
 
 void WriteAs(Code& out, const Expr& expr, const ValueType& to) {
     RequireValue(expr);
+    if (watches.giving != nullptr && expr.given) watches.giving({expr, to});
     if (const Word* written = AsWritten(expr, to))
         out += written->text;
     else if (expr.form == ArrayForm::Owned && to.IsArray())

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/run.h"
+#include "base/token_text.h"
 #include "lexer/lexer.h"
 
 namespace {
@@ -22,20 +23,32 @@ std::size_t EndOf(std::string_view token) {
     return token.size() > 1 && token.back() == '"' ? token.size() - 1 : token.size();
 }
 
-StringPiece Trouble(const char* message) {
+StringPiece Trouble(const char* message, std::size_t from, std::size_t to) {
     StringPiece piece;
     piece.kind = StringPiece::Kind::Trouble;
+    piece.from = from;
+    piece.to = to;
     piece.trouble = message;
     return piece;
 }
 
+// Where a hole would end that nobody has closed: behind a name, or what is reached from one.
+std::size_t EndOfName(std::string_view token, std::size_t at, std::size_t end) {
+    const auto isOfName = [](char c) { return IsLetterByte(c) || IsDigit(c) || c == '_' || c == '\\'; };
+    while (at < end && isOfName(token[at])) ++at;
+    return at;
+}
+
 // The hole whose brace stands at `open`; the literal ends at `end`.
 StringPiece CutHole(std::string_view token, std::size_t open, std::size_t end) {
-    if (open + 1 == end) return Trouble("Unterminated string interpolation hole '{'");
-    if (tags.find(token[open + 1]) == std::string_view::npos)
-        return Trouble("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}");
+    if (open + 1 == end) return Trouble("Unterminated string interpolation hole '{'", open, end);
     const std::size_t close = token.find('}', open);
-    if (close >= end) return Trouble("Unterminated string interpolation hole - missing '}'");
+    if (tags.find(token[open + 1]) == std::string_view::npos)
+        return Trouble("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}",
+                       open, close < end ? close + 1 : open);
+    if (close >= end)
+        return Trouble("Unterminated string interpolation hole - missing '}'", open,
+                       EndOfName(token, open + 2, end));
     StringPiece piece;
     piece.kind = StringPiece::Kind::Hole;
     piece.from = open;

@@ -15,7 +15,7 @@ struct StringPiece {
         Trouble,  // what stands here is no hole; nothing follows
     };
     Kind kind = Kind::Text;
-    std::size_t from = 0, to = 0;
+    std::size_t from = 0, to = 0;  // of trouble: what was meant as a hole, as far as that can be said
     char tag = '\0';
     std::string content;            // of a hole, without blanks at its ends
     Tokens tokens;                  // the same, cut

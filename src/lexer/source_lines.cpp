@@ -12,7 +12,8 @@ namespace {
 
 // The files that have been cut, by path as opened; null for those that cannot be read.
 std::unordered_map<std::string, std::shared_ptr<CutFile>> cutFiles;
-const PartOfRun partOfRun(cutFiles);
+std::unordered_map<std::string, std::shared_ptr<CutFile>> cutAgain;  // of those whose lines are forgotten
+const PartOfRun partOfRun(cutFiles, cutAgain);
 
 std::shared_ptr<CutFile> Cut(const std::string& path) {
     auto file = std::make_shared<CutFile>();
@@ -20,10 +21,28 @@ std::shared_ptr<CutFile> Cut(const std::string& path) {
     if (!cutter.Open(path)) return nullptr;
     do cutter.CutNext();
     while (!file->lines.back().isEnd);
+    file->lines.shrink_to_fit();
+    file->statements.shrink_to_fit();
+    file->tokens.shrink_to_fit();
     return file;
 }
 
+std::shared_ptr<CutFile> WithLines(const std::string& path) {
+    const std::shared_ptr<CutFile>& file = cutFiles.at(path);
+    if (file == nullptr || !file->lines.empty()) return file;
+    const auto [again, isNew] = cutAgain.emplace(path, nullptr);
+    if (isNew) again->second = Cut(path);
+    return again->second;
+}
+
 }  // namespace
+
+void ForgetLines(const std::string& path) {
+    const auto found = cutFiles.find(path);
+    if (found == cutFiles.end() || found->second == nullptr) return;
+    std::vector<CutLine>().swap(found->second->lines);
+    std::vector<CutStatement>().swap(found->second->statements);
+}
 
 void CutFiles(const std::vector<std::string>& paths) {
     std::vector<std::pair<const std::string, std::shared_ptr<CutFile>>*> added;
@@ -34,12 +53,13 @@ void CutFiles(const std::vector<std::string>& paths) {
         InParallel(added.size(), cut);
     else if (!added.empty())
         cut(0);
+    ForgetOutgrownTables();
 }
 
 bool SourceLines::Open(const std::string& name) {
     path = name;
     CutFiles({path});
-    file = cutFiles.at(path);
+    file = WithLines(path);
     const bool hasReports = file != nullptr && (!file->lexed.empty() || file->trouble.message != nullptr ||
                                                 file->splitTrouble.message != nullptr);
     reports = hasReports && (reading == Reading::FirstPass || reading == Reading::SecondPass);

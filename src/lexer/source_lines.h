@@ -102,6 +102,10 @@ private:
 // Cuts files on both cores, before they are opened one after the other.
 void CutFiles(const std::vector<std::string>& paths);
 
+// Frees what leads to the lines of a file, when nobody is reading it; its tokens stay. Who opens it all the same has it cut
+// again, and the tokens of that are others.
+void ForgetLines(const std::string& path);
+
 // All tokens of a file that has been read; none for other files.
 TokenSpan TokensOf(const std::string& file);
 

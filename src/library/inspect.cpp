@@ -313,7 +313,8 @@ std::string TypeAt(const Inspection& inspection, const std::string& file, int li
         if (found == nullptr || length(typed) < length(*found)) found = &typed;
     }
     const Use* use = UseAt(inspection, file, line, column);
-    const bool named = use != nullptr && (found == nullptr || length(*use) < length(*found));
+    const bool named = use != nullptr && !inspection.symbols[use->symbol].type.empty() &&
+                       (found == nullptr || length(*use) < length(*found));
     if (named) return inspection.symbols[use->symbol].type;
     return found == nullptr ? std::string() : found->type;
 }

@@ -20,6 +20,7 @@
 #include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "prelude/units.h"
 #include "statements/program.h"
 #include "symbols/file_places.h"
 #include "symbols/foreign_words.h"
@@ -29,6 +30,9 @@
 namespace korvel {
 
 namespace {
+
+// Lines of source below which a program is compiled as quickly in one go, header and all.
+constexpr int fewestLinesOfUnits = 400;
 
 void Begin(const Request& request) {
     RenewRun();
@@ -42,6 +46,8 @@ void Begin(const Request& request) {
     forDebugger = request.debugger;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
+    settings.units = request.units;
+    settings.unitsFrom = fewestLinesOfUnits;
     settings.warnings = request.warnings;
     settings.columns = true;
     settings.lineMarks = request.places;
@@ -69,6 +75,11 @@ void DescribeProgram(Result& result) {
 
 void TakeOutputs(Result& result) {
     DescribeProgram(result);
+    if (settings.units) {
+        return MakeUnits(program, [&result](ProgramFile&& file) {
+            result.files.push_back({std::move(file.path), std::move(file.text)});
+        });
+    }
     for (const FileOutput& out : program.files) {
         result.files.push_back({HeaderPath(out), HeaderText(out, symbols.includeHeaders)});
         if (!out.headerOnly) result.files.push_back({CppPath(out), CppText(out)});
@@ -132,6 +143,8 @@ bool IsSound(const Result& result) {
     return std::all_of(result.diagnostics.begin(), result.diagnostics.end(),
                        [](const Diagnostic& diagnostic) { return diagnostic.severity != Severity::Error; });
 }
+
+std::string AdviceOnWord(const std::string& word) { return HintAtForeignWord(word); }
 
 Result Check(const Request& request) { return Run(request, checking); }
 Result Translate(const Request& request) { return Run(request, translating); }

@@ -28,6 +28,7 @@ struct Request {
     bool debugger = false;  // with debug: for include/kvdebugger.h
     bool safe = false;
     bool fast = false;
+    bool units = false;      // with fast: larger programs come as several translation units (prelude/units.h)
     bool places = false;     // the C++ leads back to the source: #line, and failures tell their place
     bool traced = false;     // -t
     bool commented = false;  // -c
@@ -111,6 +112,9 @@ Inspection Inspect(const Request& request);
 const Use* UseAt(const Inspection& inspection, const std::string& file, int line, int column);
 // The type of the shortest expression there; empty when it is not known.
 std::string TypeAt(const Inspection& inspection, const std::string& file, int line, int column);
+
+// What to write here for a word of another language, as a sentence; empty where there is nothing to say.
+std::string AdviceOnWord(const std::string& word);
 
 // Gives back what the last call still holds.
 void Reset();

@@ -157,6 +157,7 @@ constexpr char furtherNames[] =
 // Classes, templates and objects of the C++ library, ambiguous with a function in the global namespace.
 constexpr char cppLibraryNames[] =
     "aligned_storage aligned_union alignment_of allocator allocator_arg allocator_traits array atto "
+    "auto_ptr shared_ptr unique_ptr weak_ptr "
     "bad_alloc bad_array_new_length bad_cast bad_exception bad_function_call bad_typeid binary_function "
     "binary_negate binder1st binder2nd bit_and bit_not bit_or bit_xor centi cerr char_traits chrono cin "
     "clog codecvt codecvt_base collate common_type conditional ctype ctype_base deca decay deci divides "
@@ -233,6 +234,11 @@ bool IsDeclaredByHeaders(const std::string& name) {
         if (StartsWith(name, family)) return true;
     }
     return DeclaredNames().count(name) != 0 || IsVariant(name);
+}
+
+bool IsOfCppLibrary(const std::string& name) {
+    static const std::unordered_set<std::string> names = WordSet({cppLibraryNames});
+    return names.count(name) > 0;
 }
 
 bool IsLibraryNonFunction(const std::string& name) {

@@ -14,5 +14,8 @@ bool IsWindowsMacro(const std::string& name);
 // Extern function of the name could contradict them or be ambiguous.
 bool IsDeclaredByHeaders(const std::string& name);
 
+// True for classes, templates and objects of std, with which a variable of the name would be ambiguous.
+bool IsOfCppLibrary(const std::string& name);
+
 // True for names of the C library that mean a variable, a macro or a type.
 bool IsLibraryNonFunction(const std::string& name);

@@ -75,7 +75,8 @@ std::vector<std::string> ParameterNames(const UserlibFunction& function, const s
 Wrapped Wrap(const UserlibFunction& function) {
     Wrapped wrapped;
     wrapped.function = &function;
-    wrapped.pointer = OwnName(function.name + "_ptr");
+    const std::string pointer = function.name + "_ptr";
+    wrapped.pointer = OwnName(IsOfCppLibrary(pointer) ? pointer + "_" : pointer);
     wrapped.pointerType = OwnName(function.name + "_TYPE");
     wrapped.names = ParameterNames(function, wrapped.pointer);
     wrapped.boundaryReturn = BoundaryCppName(function.korvelReturn, function.cppReturn);

@@ -9,7 +9,7 @@
 #include "precalc/table_machine.h"
 #include "symbols/identifiers.h"
 
-void FailInBlock(const TableInstruction& at, const std::string& message) {
+void FailInBlock(const TableInstruction& at, const Wording& message) {
     settings.currentLine = at.line;
     ReportFatal(message, at.about);
 }
@@ -85,10 +85,14 @@ void AppendLevel(std::string& text, const TableProgram& program, const TableValu
     text += " }";
 }
 
-std::string Definition(const TableProgram& program, const TableValues& values) {
+std::string VariableText(const TableProgram& program) {
     std::string text = (program.isDouble ? "double " : "int ") + SafeName(program.name);
     for (const long long size : program.sizes) text += "[" + std::to_string(size) + "]";
-    text += " = ";
+    return text;
+}
+
+std::string Definition(const TableProgram& program, const TableValues& values) {
+    std::string text = VariableText(program) + " = ";
     const double* item = values.items.data();
     AppendLevel(text, program, values, 0, item);
     return text + ";";
@@ -119,5 +123,6 @@ PreCalcTable EvaluatePreCalc(TokenSpan header, const std::vector<TokenSpan>& bod
     program.isDouble = IsDoubleType(header[3]);
     program.sizes = ReadSizes(header);
     CompileTable(program, body, bodyLines);
-    return {program.name, program.isDouble, program.sizes, Definition(program, RunTable(program))};
+    return {program.name, program.isDouble, program.sizes, VariableText(program),
+            Definition(program, RunTable(program))};
 }

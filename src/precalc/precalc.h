@@ -10,6 +10,7 @@ struct PreCalcTable {
     std::string name;  // as written
     bool isDouble = false;
     std::vector<long long> sizes;
+    std::string variable;    // "int KVL_sq[4]"
     std::string definition;  // "int KVL_sq[4] = { 0, 1, 4, 9 };", for the header
 };
 

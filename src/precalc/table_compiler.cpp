@@ -112,8 +112,8 @@ private:
 
     TokenSpan Taken() const { return tokens.Slice(at - 1, at); }
 
-    void Fail(const std::string& message) { Fail(message, Coming()); }
-    void Fail(const std::string& message, TokenSpan about) {
+    void Fail(const Wording& message) { Fail(message, Coming()); }
+    void Fail(const Wording& message, TokenSpan about) {
         if (failed) return;
         TableInstruction& fail = Emit(TableOp::Fail);
         fail.operand = program.messages.size();
@@ -124,7 +124,8 @@ private:
     }
 
     void FailStatement(std::size_t token) {
-        Fail("PreCalc: only For/Next and assignments are allowed here (got '" + tokens[token] + "')",
+        Fail("PreCalc: only For/Next and assignments are allowed here (got '" + tokens[token] + "')" +
+                 Hint{"What takes more goes into a Function that fills a Global array"},
              tokens.Slice(token, token + 1));
     }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/token_span.h"
+#include "base/wording.h"
 
 enum class TableOp : unsigned char {
     Constant,  // pushes value
@@ -44,10 +45,10 @@ struct TableProgram {
     bool isDouble = false;
     std::vector<long long> sizes;
     std::vector<TableInstruction> code;
-    std::vector<std::string> messages;
+    std::vector<Wording> messages;
     std::size_t variableCount = 0;
     std::size_t stackSize = 0;
 };
 
 // Reports the message for an instruction and ends the run.
-[[noreturn]] void FailInBlock(const TableInstruction& at, const std::string& message);
+[[noreturn]] void FailInBlock(const TableInstruction& at, const Wording& message);

@@ -25,7 +25,8 @@ void CheckTarget(TokenSpan target, const Expr& expr) {
     if (target.size() == 1 && variable != nullptr && variable->isConst)
         ReportFatal("Cannot assign to const variable '" + name + "'", Tokens{name});
     if (!expr.assignable && expr.type.IsKnown())
-        ReportFatal("Cannot assign to '" + target.Text("") + "': it is no variable, Field or array element");
+        ReportFatal("Cannot assign to '" + target.Text("") + "': it is no variable, Field or array element" +
+                    Hint{IsWord(name, "seqget") ? "SeqSet s, 0, 3 changes an item of a Sequence" : ""});
 }
 
 void CheckConstTarget(TokenSpan target) {
@@ -75,11 +76,9 @@ bool IsLoopVariable(const State& state, const Expr& left) {
                        [&left](const Block& block) { return block.braces.variable == left.variable->name; });
 }
 
-// An index or a call in the target comes before the value, which C++ does not warrant.
-bool FindsTargetFirst(TokenSpan target, const Expr& left, const Expr& right) {
-    for (std::size_t i = 0; i < target.size(); ++i)
-        if (OpensBracket(target.SignAt(i))) return IsLookUpSeen(left, &right);
-    return false;
+// An index, a call or an object in the target comes before the value, which C++ does not warrant.
+bool FindsTargetFirst(const Expr& left, const Expr& right) {
+    return VariableOf(left) == nullptr && IsLookUpSeen(left, &right);
 }
 
 // variable = value;
@@ -129,8 +128,9 @@ void TranslateAssignment(State& state, TokenSpan tokens, std::size_t sign) {
     }
     if (!Assignable(left.type, right.type))
         FailMismatch(right.type, left.type, target.Text(""), right.source);
+    if (left.type.base == Base::Element) NeedClass(left.type.cls);
     if (left.type.sequence) return EmitSequenceAssignment(state, left, right);
-    if (FindsTargetFirst(target, left, right)) return EmitFoundAssignment(state, left, right);
+    if (FindsTargetFirst(left, right)) return EmitFoundAssignment(state, left, right);
     if (settings.fastMode && left.type.Is(Base::String)) {
         const Code statement = AppendStatement(left, right, IsLoopVariable(state, left));
         if (!statement.text.empty()) return EmitLine(state, statement);
@@ -143,10 +143,14 @@ bool IsKnownName(const std::string& name) {
            IsReservedKeyword(name);
 }
 
+const Hint wayToUse = {"A statement does something with it: n = 3, Print n, Draw(n)"};
+
 void CheckFirstWord(TokenSpan tokens) {
     const std::string& name = tokens[0];
-    if (!IsName(name)) ReportFatal("Unexpected '" + name + "' at the start of a statement", Tokens{name});
-    if (IsKnownName(name) || WasInEndedBlock(name)) return;
+    if (!IsName(name))
+        ReportFatal("Unexpected '" + name + "' at the start of a statement" + wayToUse, Tokens{name});
+    const bool isLibraryName = Is(name, "std") && tokens.SignAt(1) == ':';
+    if (IsKnownName(name) || isLibraryName || WasInEndedBlock(name)) return;
     ReportUnknownStatement("Identifier not found - " + name, Tokens{name}, SpellingHint(name));
 }
 
@@ -158,8 +162,7 @@ void TranslateCall(State& state, TokenSpan tokens) {
     }
     Code& line = FreshLine();
     if (!TranslateCallStatement(tokens, line))
-        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement" +
-                    Hint{"A statement does something with it: n = 3, Print n, Draw(n)"});
+        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement" + wayToUse);
     line += ';';
     EmitLine(state, line);
 }

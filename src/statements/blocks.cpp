@@ -97,6 +97,11 @@ bool IsLoop(BlockKind kind) { return kind == BlockKind::Loop || kind == BlockKin
 
 }  // namespace
 
+Elsewhere ClosedIf(const State& state) {
+    const bool isInRoutine = state.place.closedIf > state.routine.line;
+    return {settings.currentFile, isInRoutine ? state.place.closedIf : 0, {}, "ends with its line"};
+}
+
 const char* CloserOf(const Opener& opener) {
     if (std::string_view(opener.word) == "While") return "Wend";
     return std::string_view(opener.word) == "EachSeq" ? "NextSeq" : Words(opener.kind).closer;
@@ -149,7 +154,9 @@ std::optional<Block> CloseBlock(State& state, BlockKind kind, const std::string&
     if (at == none) at = FindBlock(state, BlockKind::Inline);
     if (at == none || state.blocks.size() == state.place.firstBlock) {
         const std::string stray = "'" + closer + "' without an open " + Words(kind).name;
-        if (state.blocks.size() == state.place.firstBlock) ReportFatal(stray);
+        const Elsewhere other = kind == BlockKind::If ? ClosedIf(state) : Elsewhere();
+        if (state.blocks.size() == state.place.firstBlock)
+            ReportFatal(other.line > 0 ? stray + wayToOpenIf : stray, {}, other);
         Refuse(state, closer, stray);
         return std::nullopt;
     }

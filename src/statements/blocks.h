@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/report.h"
 #include "expressions/code.h"
 #include "symbols/value_type.h"
 
@@ -103,6 +104,11 @@ void NoteInlineBraces(State& state, int opened);
 // At the end of a routine: what inline C++ has left open is its own affair; what else is open waits for the report,
 // and has nothing to do with slots any more, which end with the routine.
 void LeaveBlocks(State& state);
+
+// What a word has to do with it that has no If to close or divide: the one before in the routine that ended with its line.
+Elsewhere ClosedIf(const State& state);
+inline const Hint wayToOpenIf = {
+    "An If with something behind Then ends with its line; otherwise that stands in the next line"};
 
 // At the end of a file, after the checks for unclosed blocks: ends the run when a closer could not be let through.
 void CheckClosers(const State& state);

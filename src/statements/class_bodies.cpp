@@ -93,7 +93,7 @@ std::string FieldComparison(const ClassInfo& cls, const std::string& field) {
 
 void EmitElementClosing(State& state, const ClassInfo& cls) {
     std::string comparison;
-    for (const std::string& field : cls.fields)
+    for (const Token field : cls.fields)
         comparison += (comparison.empty() ? "" : " && ") + FieldComparison(cls, field);
     if (comparison.empty()) comparison = "true";
     EmitPublic(state);

@@ -63,7 +63,7 @@ Braces& ContinuedIf(State& state, const std::string& keyword) {
                         std::to_string(block.line));
         return block;
     }
-    ReportFatal("'" + keyword + "' without an open If block");
+    ReportFatal("'" + keyword + "' without an open If block" + wayToOpenIf, {}, ClosedIf(state));
 }
 
 bool EndsStatement(const Word& token) {
@@ -198,6 +198,7 @@ void TranslateIf(State& state, TokenSpan tokens) {
         return OpenIf(state, tokens.Slice(1, then == noToken ? tokens.size() : then));
     const std::size_t leftOpenBy = LeftOpenBy(state, tokens);
     TranslateRest(state, tokens, TranslateOneLineIf(state, tokens, 0, leftOpenBy), leftOpenBy);
+    if (leftOpenBy == noToken) state.place.closedIf = state.place.line;
 }
 
 // ElseIf condition [Then [statement]]

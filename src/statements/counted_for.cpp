@@ -34,10 +34,10 @@ struct Parts {
     bool stepGiven = false;
 };
 
-// For [Local] name [: type] = ; returns the index behind the "=".
-const Hint wayToWalk = {"Write For word EachIn words for items of a list, For Local i = 0 To 9 to count"};
+const Hint wayOverItems = {"Write For word EachIn words for items of a list, For Local i = 0 To 9 to count"};
 const Hint wayToWrite = {"Write For Local i = 1 To 10, with Step 2 behind it for every other number"};
 
+// For [Local] name [: type] = ; returns the index behind the "=".
 std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     std::size_t at = 1;
     if (tokens.KeywordAt(at) == Keyword::Local) {
@@ -48,7 +48,8 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     if (counter.name.empty()) ReportFatal("Expected a loop variable after 'For'" + wayToWrite);
     if (Is(tokens[at], ":")) {
         const std::string& type = tokens[at + 1];
-        if (type.empty() || type == "=") ReportFatal("Expected type after ':' in For loop");
+        if (type.empty() || type == "=")
+            ReportFatal("Expected type after ':' in For loop", tokens.Slice(at, at + 1));
         counter.type = ParseType(type);
         if (counter.type.Is(Base::Void)) FailUnknownType(type);
         counter.declared = counter.typed = true;
@@ -56,7 +57,7 @@ std::size_t ReadCounter(TokenSpan tokens, Counter& counter) {
     }
     if (!Is(tokens[at], "="))
         ReportFatal("Expecting assignment operator" +
-                    (tokens.KeywordAt(at) == Keyword::In ? wayToWalk : wayToWrite));
+                    (tokens.KeywordAt(at) == Keyword::In ? wayOverItems : wayToWrite));
     return at + 1;
 }
 
@@ -266,7 +267,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     std::string declaration;
     if (counter.declared) {
         if (!counter.typed) counter.type = CounterType(start, parts.end, parts.step);
-        counter.cppName = NameBeside(counter.name, tokens.From(at));
+        counter.cppName = NameBeside(state, counter.name, tokens.From(at));
         declaration = CppName(counter.type) + " ";
     } else {
         CheckDeclaredCounter(counter);

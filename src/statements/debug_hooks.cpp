@@ -21,6 +21,7 @@ std::string ShownValue(const Variable& variable, const std::string& name) {
     switch (variable.type.base) {
         case Base::Object:
         case Base::Pointer:
+        case Base::AnyObject:
             return "(" + name + " == nullptr ? \"null\" : \"valid\")";
         case Base::Int:
         case Base::Long:
@@ -50,7 +51,7 @@ void ReportOwnFields(State& state) {
     if (!InMethod(state) || state.cls == nullptr || state.cls->fields.empty()) return;
     EmitLine(state,
              state.routine.watchesOwnObject ? "if(__kvRun.object != nullptr) {" : "if(this != nullptr) {");
-    for (const std::string& field : state.cls->fields)
+    for (const Token field : state.cls->fields)
         if (const Variable* member = FindField(*state.cls, field))
             EmitLine(state, Report(*member, "this->" + member->cppName, 3));
     EmitLine(state, "}");
@@ -89,7 +90,7 @@ void PutEnumeration(FileOutput& out, const std::vector<const ClassInfo*>& types)
 
 // Private Fields are named but not read: the function stands outside the class.
 void PutFieldCallbacks(FileOutput& out, const ClassInfo& cls) {
-    for (const std::string& field : cls.fields) {
+    for (const Token field : cls.fields) {
         const Variable* member = FindField(cls, field);
         if (member == nullptr) continue;
         std::string value =
@@ -138,7 +139,7 @@ bool MayLoseObject(const ClassInfo& cls, const Routine& method) {
 }
 
 bool WatchesPresence(const ClassInfo& cls) {
-    return std::any_of(cls.methods.begin(), cls.methods.end(), [&](const std::string& name) {
+    return std::any_of(cls.methods.begin(), cls.methods.end(), [&](Token name) {
         const Routine* method = FindMethod(cls, name);
         return method != nullptr && MayLoseObject(cls, *method);
     });

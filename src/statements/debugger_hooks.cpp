@@ -71,12 +71,14 @@ void NoteStop(State& state) {
     stops.back().lines += std::to_string(state.place.line) + " ";
 }
 
-void PutGlobalList(FileOutput& out) {
-    PutLine(out, "static void __kvListGlobals(kvdebug::Items& _kvItems) {");
+void PutList(FileOutput& out, const char* routine, bool ofConsts) {
+    PutLine(out, std::string("static void ") + routine + "(kvdebug::Items& _kvItems) {");
+    PutLine(out, "    (void)_kvItems;");
     for (const FileOutput& file : program.files) {
         for (const GlobalDefinition& global : file.globals) {
             const Variable* variable = FindGlobal(global.name);
-            if (variable != nullptr && !variable->isConst) PutLine(out, "    " + ItemLine(*variable));
+            if (variable != nullptr && variable->isConst == ofConsts)
+                PutLine(out, "    " + ItemLine(*variable));
         }
     }
     PutLine(out, "}");
@@ -100,13 +102,14 @@ void EmitFieldList(State& state, const ClassInfo& cls) {
     EmitLine(state, " static const char* _kvDebugName() { return " + CppLiteral(cls.name) + "; }");
     EmitLine(state, " void _kvDebugFields(kvdebug::Items& _kvItems) {");
     EmitLine(state, "  (void)_kvItems;");
-    for (const std::string& field : cls.fields)
+    for (const Token field : cls.fields)
         if (const Variable* member = FindField(cls, field)) EmitLine(state, "  " + ItemLine(*member));
     EmitLine(state, " }");
 }
 
 void EmitDebuggerTables(FileOutput& out, const std::vector<const ClassInfo*>& types) {
-    PutGlobalList(out);
+    PutList(out, "__kvListGlobals", false);
+    PutList(out, "__kvListConsts", true);
     PutLine(out, "static const kvdebug::Places _kvPlaces[] = {");
     for (const StoppingPlaces& places : stops)
         PutLine(out, "    {" + CppLiteral(places.routine) + ", " + CppLiteral(places.file) + ", " +
@@ -116,5 +119,7 @@ void EmitDebuggerTables(FileOutput& out, const std::vector<const ClassInfo*>& ty
     for (const ClassInfo* cls : types)
         PutLine(out, "    {" + CppLiteral(cls->name) + ", kvdebug::ListObjects<" + cls->cppName + ">},");
     PutLine(out, "    {nullptr, nullptr}};");
-    PutLine(out, "const kvdebug::Program kvdebug::program = {_kvPlaces, _kvTypes, __kvListGlobals};");
+    PutLine(out,
+            "const kvdebug::Program kvdebug::program = {_kvPlaces, _kvTypes, __kvListGlobals, "
+            "__kvListConsts};");
 }

@@ -78,13 +78,22 @@ std::size_t ReadAnnotation(TokenSpan tokens, Declared& declared) {
     return declared.note.end;
 }
 
+// Of what stands behind a name, or its type, without '='.
+Hint HintAtMore(TokenSpan tokens, std::size_t at) {
+    const std::string &name = tokens[0], &more = tokens[at];
+    if (IsBasicType(more)) return Hint{"The type stands behind a colon: " + name + ":" + more};
+    if (IsBasicType(name) && IsName(more))
+        return Hint{"The type stands behind the name: " + more + ":" + name};
+    return Hint{IsDigit(more[0]) || IsQuoted(more)
+                    ? "A value stands behind '=', the size of an array in brackets: n:Int = 3, a:Int[10]"
+                    : "A name is one word of letters, digits and '_': my_name"};
+}
+
 void ReadValue(TokenSpan tokens, std::size_t at, Declared& declared) {
     if (at >= tokens.size()) return;
     if (!Is(tokens[at], "="))
         ReportFatal("Unexpected '" + tokens[at] + "' in the declaration of '" + declared.name->text + "'" +
-                        Hint{IsBasicType(tokens[at])
-                                 ? "The type stands behind a colon: " + declared.name->text + ":" + tokens[at]
-                                 : "A name is one word of letters, digits and '_': my_name"},
+                        HintAtMore(tokens, at),
                     tokens.Slice(at, at + 1));
     declared.hasValue = true;
     declared.value = tokens.From(at + 1);
@@ -144,7 +153,7 @@ void CheckConstType(const Declared& declared) {
 
 // Statements before the class may have named the Field already.
 std::string CppNameOf(const State& state, const Declared& declared, TokenSpan tokens) {
-    if (declared.kind == DefinitionKind::Local) return NameBeside(declared.name, tokens.From(1));
+    if (declared.kind == DefinitionKind::Local) return NameBeside(state, declared.name, tokens.From(1));
     const Variable* field =
         declared.kind == DefinitionKind::Field ? FindField(*state.cls, declared.name) : nullptr;
     return field != nullptr ? field->cppName : SafeName(declared.name);
@@ -178,7 +187,7 @@ Code SingleText(const Declared& declared, const std::string& variable, const Exp
 // Whether C++ puts the value into the variable before any code runs.
 bool IsConstant(const Declared& declared, const Expr& value) {
     const ValueType& type = declared.note.type;
-    if (!type.IsNumber() && !type.Is(Base::Object) && !type.Is(Base::Pointer)) return false;
+    if (!type.IsNumber() && !type.IsReference()) return false;
     if (!declared.hasValue || value.type.base == Base::Null) return true;
     const std::optional<ConstantValue> known = ConstantOf(value);
     return known && known->toCpp;
@@ -334,7 +343,8 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     else
         DefineSingle(declared, value, definition);
     definition.mentioned = declared.note.type.cls;
-    definition.usesPrelude = declared.note.type.sequence || PreludeUses() != preludeUses;
+    const ValueType& type = declared.note.type;
+    definition.usesPrelude = type.sequence || type.Is(Base::AnyObject) || PreludeUses() != preludeUses;
     Variable& variable = Register(declared, definition, state);
     Complete(declared, definition, variable);
     if (kind != DefinitionKind::Local) NoteDeclaration(variable);

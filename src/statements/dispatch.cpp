@@ -117,7 +117,7 @@ static void PassOverUnclosedType(State& state, TokenSpan tokens) {
         case Keyword::EndElement:
         case Keyword::Function:
             settings.currentLine = state.typeLine;
-            FailUnclosedType(state.typeName, state.typeLine);
+            FailUnclosedType(state);
         default:
             break;
     }
@@ -127,7 +127,7 @@ static void PassOverUnclosedType(State& state, TokenSpan tokens) {
 static void PassOverType(State& state, Keyword keyword) {
     if (keyword == Keyword::Type || keyword == Keyword::Element || keyword == Keyword::Function) {
         settings.currentLine = state.typeLine;
-        FailUnclosedType(state.typeName, state.typeLine);
+        FailUnclosedType(state);
     }
     if (keyword != Keyword::EndType && keyword != Keyword::EndElement) return;
     state.passesOverType = false;

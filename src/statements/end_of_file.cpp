@@ -27,8 +27,18 @@ UnclosedBlock OpenMethod(const std::string& name, int line) {
     return Starting("Method", "'" + name + "'", line, "EndMethod");
 }
 
-UnclosedBlock OpenType(const std::string& name, int line) {
-    return Starting("Type", "'" + name + "'", line, "EndType");
+UnclosedBlock OpenType(const State& state) {
+    UnclosedBlock open = Starting("Type", "'" + state.typeName + "'", state.typeLine, "EndType");
+    if (!state.isElement) return open;
+    open.closer = "EndElement";
+    open.hint = "An Element ends with EndElement";
+    return open;
+}
+
+UnclosedBlock OpenRepeat(int line) {
+    UnclosedBlock open = Starting("Repeat", "loop", line, "Until", "Forever");
+    open.hint = "A Repeat ends with Until and the condition to end, or with Forever";
+    return open;
 }
 
 UnclosedBlock OpenExtern(const State& state) {
@@ -45,8 +55,7 @@ std::vector<const Opener*> Unclosed(const State& state, BlockKind kind) {
 
 void CheckLoops(const State& state) {
     std::vector<UnclosedBlock> findings;
-    for (const Opener* loop : Unclosed(state, BlockKind::Repeat))
-        findings.push_back(Starting("Repeat", "loop", loop->line, "Until", "Forever"));
+    for (const Opener* loop : Unclosed(state, BlockKind::Repeat)) findings.push_back(OpenRepeat(loop->line));
     if (!findings.empty()) FailUnclosed("Repeat block(s)", findings);
     for (const Opener* block : Unclosed(state, BlockKind::If))
         findings.push_back(Starting("If", "block", block->line, "EndIf"));
@@ -69,9 +78,7 @@ void CheckWiths(const State& state) {
 
 }  // namespace
 
-void FailUnclosedType(const std::string& name, int line) {
-    FailUnclosed("Type block", {OpenType(name, line)});
-}
+void FailUnclosedType(const State& state) { FailUnclosed("Type block", {OpenType(state)}); }
 
 void FailUnclosedMethod(const std::string& name, int line) {
     FailUnclosed("Method block", {OpenMethod(name, line)});
@@ -96,7 +103,7 @@ void CheckBlocksClosed(const State& state) {
     if (!state.inType) CheckSelects(state);
     if (state.inType) {
         if (state.passesOverType) settings.currentLine = state.typeLine;
-        FailUnclosedType(state.typeName, state.typeLine);
+        FailUnclosedType(state);
     }
     CheckLoops(state);
     if (state.inPreCalc)

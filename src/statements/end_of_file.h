@@ -12,7 +12,7 @@ void CheckBlocksClosed(const State& state);
 void CheckPartClosed(const State& state);
 
 // The reports of a Type or Element, and of a Method, without their closers.
-[[noreturn]] void FailUnclosedType(const std::string& name, int line);
+[[noreturn]] void FailUnclosedType(const State& state);
 [[noreturn]] void FailUnclosedMethod(const std::string& name, int line);
 
 // "Extern block starting at line 3 is missing 'EndExtern'" when an Extern is open that is never closed; else empty.

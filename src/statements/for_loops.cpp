@@ -14,6 +14,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/sequence_walks.h"
+#include "statements/shadowing.h"
 #include "statements/words.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -195,7 +196,7 @@ void TranslateEach(State& state, const EachHeader& header) {
     Collection collection = CollectionOf(state, header.collection);
     ValueType declared = DeclaredType(header, collection);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(header.name, SafeName(header.name), declared);
+    Variable& variable = DeclareLoopVariable(header.name, NameBeside(state, header.name, {}), declared);
     variable.form = collection.itemForm;
     variable.slot = collection.slot;
     const std::string type = ItemCppType(collection, declared, !header.annotation.empty());
@@ -227,7 +228,7 @@ void SettleWalk(State& state, const SequenceWalk& walk) {
             if (slots[i].walk == closed.number) slots[i].text.clear();
         return;
     }
-    const std::string name = SequenceWalkName(walk.variable);
+    const std::string& name = closed.name;
     const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
     slots[walk.headSlot].text = "KVSeqWalk<" + walk.item + "> " + name + "(";
     slots[walk.tailSlot].text = "); " + name + ".HasItem(); " + name + ".Next()";
@@ -258,14 +259,14 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     if (tokens.size() < 4 || tokens.KeywordAt(2) != Keyword::In)
         ReportFatal("Expected 'EachSeq item In seq'");
     const bool noVariable = tokens.size() == 4 && FindVariable(tokens.At(3)) == nullptr;
-    if (noVariable) ReportUnknown(noSequence, tokens.From(3));
+    if (noVariable) ReportUnknown(noSequence, tokens.From(3), Sought::Value);
     const Expr& sequence = TranslateValue(tokens.From(3), ExprMode::Condition);
     if (sequence.type.IsKnown() && !sequence.type.sequence) ReportFatal(noSequence, tokens.From(3));
     ValueType item = sequence.type.IsKnown() ? sequence.type.Item() : ValueType();
     if (item.Is(Base::Element)) NeedClass(item.cls);
     const Code text = ValueText(sequence);
     PushBlock();
-    Variable& variable = DeclareLoopVariable(tokens[1], SafeName(tokens[1]), item);
+    Variable& variable = DeclareLoopVariable(tokens[1], NameBeside(state, tokens[1], {}), item);
     variable.isItem = true;
     // A packed bit has no lvalue to refer to.
     const char* type = item.Is(Base::Bool) ? "auto&&" : "auto&";

@@ -5,6 +5,7 @@
 #include "statements/program.h"
 #include "statements/translate.h"
 #include "statements/words.h"
+#include "symbols/modules.h"
 #include "symbols/program_files.h"
 
 namespace {
@@ -64,6 +65,9 @@ void TranslateInclude(State& state, TokenSpan tokens) {
     if (symbols.importedNames.count(*name) != 0) return;
     const std::string source = PathOfInclude(*name);
     const bool inRoutine = InRoutine(state);
+    if (inRoutine && IsModule(source))
+        ReportFatal("A module is included outside of Functions and Types" +
+                    Hint{"Move this line to the beginning of the file: Include \"" + *name + "\""});
     if (inRoutine ? !IsPart(source) || IsHeaderOnly(source) : state.inType)
         ReportFatal("'Include' can only be used at the top level (not inside a Function, Method or Type)");
     SourceFile* file = FindSourceFile(source);

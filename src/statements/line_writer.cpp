@@ -32,8 +32,8 @@ void MarkLine(State& state, int number) {
                          marked.slots == state.routine.slots.size();
     const bool own = HoldsOwnCode(piece);
     if (own && !follows && piece.text.empty()) piece.text += OwnCodeMark();
-    if (!own && number > 0 && !follows) piece.text += LineMark(settings.currentFile, number);
-    if (!own && number > 0 && follows && marked.line != number) piece.text += LineMark(number);
+    if (!own && number > 0 && (!follows || marked.line != number))
+        piece.text += LineMark(*state.out, piece, number, !follows);
     marked = {&piece, piece.text.size(), state.routine.slots.size(), number};
 }
 

@@ -3,6 +3,7 @@
 #include "base/report.h"
 #include "expressions/sequence_walks.h"
 #include "statements/words.h"
+#include "symbols/type_reader.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ void TranslateRemove(State& state, TokenSpan tokens) {
     const Expr& object = TranslateValue(written, ExprMode::Statement);
     if (object.type.IsKnown() && !object.type.Is(Base::Object))
         ReportFatal("Cannot use 'Remove' on primitive type " + InWords(object.type) +
-                    ". Remove only works on objects (custom Types).");
+                    ". Remove only works on objects (custom Types)." + HintAtAnyObject(object.type));
     if (object.type.cls != nullptr) NeedClass(object.type.cls);
     NoteDestruction();
     const Code text = GuardedText(object, Level::Unary);

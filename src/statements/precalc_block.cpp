@@ -46,6 +46,10 @@ void ClosePreCalc(State& state) {
     definition.name = table.name;
     definition.plain = table.definition + SizeConstants(table);
     definition.isPreCalc = true;
+    if (settings.units) {
+        definition.declaration = "extern " + table.variable + ";" + SizeConstants(table);
+        definition.definition = table.definition;
+    }
     PutGlobal(*state.out, definition);
 }
 

@@ -17,10 +17,11 @@ const char* LineEnd() { return settings.fastMode ? " << '\\n';" : " << std::endl
 // One item between two "<<"; true when it runs code. What binds weaker than "<<" goes in parentheses, and a Byte is a
 // number, not a character.
 bool WriteItem(Code& out, TokenSpan tokens, const std::string& keyword, ExprMode mode) {
-    if (tokens.empty()) ReportFatal("'" + keyword + "' has an empty item beside '&'");
     const Expr& item = TranslateValue(tokens, mode);
     if (!item.type.IsSingle() || item.type.Is(Base::Element) || item.type.Is(Base::Void))
-        ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type), tokens);
+        ReportFatal("'" + keyword + "' cannot show a value of type " + KorvelName(item.type) +
+                        (item.type.IsSingle() ? Hint() : Hint{"It shows items one by one, in a loop"}),
+                    tokens);
     if (item.type.Is(Base::Null)) {
         out += "static_cast<void*>(nullptr)";
     } else if (item.type.Is(Base::Byte)) {
@@ -55,7 +56,11 @@ bool WriteItems(Code& out, TokenSpan tokens, const std::string& keyword, ExprMod
         if (!separator) continue;
         LimitParts(++items);
         if (start > 0) out += " << ";
-        effects = WriteItem(out, tokens.Slice(start, i), keyword, mode) || effects;
+        const TokenSpan item = tokens.Slice(start, i);
+        const std::size_t sign = i == tokens.size() && i > 0 ? i - 1 : i;
+        if (item.empty())
+            ReportFatal("'" + keyword + "' has an empty item beside '&'", tokens.Slice(sign, sign + 1));
+        effects = WriteItem(out, item, keyword, mode) || effects;
         start = i + 1;
     }
     return effects;

@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "analysis/reach.h"
 #include "base/journal.h"
 #include "base/paths.h"
 #include "base/report.h"
@@ -75,6 +76,7 @@ void FinishProgram() {
     ListHeaders();
     OrderClasses(program);
     OrderGlobals(program);
-    OrderRoutines(program);
+    if (!settings.units) OrderRoutines(program);  // a header has all class bodies otherwise
     CompleteHeaders(program);
+    if (settings.units) ForgetGraphNodes();  // the header of the units takes as much
 }

@@ -7,6 +7,7 @@
 #include "statements/dispatch.h"
 #include "statements/second_pass.h"
 #include "statements/with.h"
+#include "symbols/foreign_words.h"
 #include "symbols/misspelling.h"
 #include "symbols/mistakes.h"
 #include "symbols/scopes.h"
@@ -144,6 +145,14 @@ bool FollowsFromEarlier(const State& state, Keyword keyword) {
     return result && state.routine.declared != nullptr && IsDoubtful(WordOf(state.routine.declared->name));
 }
 
+// Whether it divides or ends a block that was begun as in other languages.
+bool BelongsToForeignBlock(const State& state, TokenSpan statement) {
+    if (!state.routine.holdsForeignBlock) return false;
+    const Keyword keyword = statement.KeywordAt(0);
+    if (keyword == Keyword::None) return ClosesElsewhere(statement[0]);
+    return Has(keyword, trait::closesBlock) || keyword == Keyword::Case || keyword == Keyword::Default;
+}
+
 // Whether the wrong statement could open or close a block.
 bool ConcernsBlocks(TokenSpan statement) {
     const Keyword keyword = statement.KeywordAt(0);
@@ -172,7 +181,9 @@ void TranslateOrRecover(State& state, TokenSpan statement, StatementHandler tran
         return;
     } catch (const Stop& stop) {
         // What is wrong for a doubtful name's sake opens and closes what is written.
-        const bool only = !FollowsFromEarlier(state, keyword) && !KeepMistake(stop, statement);
+        const bool follows = FollowsFromEarlier(state, keyword) || BelongsToForeignBlock(state, statement);
+        const bool only = !follows && !KeepMistake(stop, statement);
+        if (keyword == Keyword::None && OpensElsewhere(statement[0])) state.routine.holdsForeignBlock = true;
         state.mistaken = true;
         state.blocksAreDoubtful = state.blocksAreDoubtful || (!only && ConcernsBlocks(statement));
     }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/constants.h"
@@ -108,10 +109,12 @@ bool OutlivesArrays(const Expr& value) {
     return plain && VariableOf(value) != nullptr && FindLocal(value.variable->name) == value.variable;
 }
 
-// The value may read the arrays that are freed, and what it calls stands under this routine for a debugger.
+// The value may read the arrays that are freed, and for a debugger what it calls, and where it fails, stands under this
+// routine.
 bool IsWorkedOutBefore(const State& state, const Expr& value) {
     if (IsCopied(value)) return false;
-    const bool seen = settings.debugMode && value.effects;
+    const bool mayFail = forDebugger && !OutlivesArrays(value);
+    const bool seen = settings.debugMode && (value.effects || mayFail);
     return seen || (OwnsObjects(state) && !OutlivesArrays(value));
 }
 
@@ -170,7 +173,9 @@ void EmitFreeLoops(State& state) {
 // Return [value]
 //     return (value);
 void TranslateReturn(State& state, TokenSpan tokens) {
-    if (!InRoutine(state)) ReportFatal("Unexpected 'return' token", UnclosedExtern(state));
+    if (!InRoutine(state))
+        ReportFatal("Unexpected 'return' token" + Hint{"It leaves a Function or Method; there is none here"},
+                    UnclosedExtern(state));
     const ValueType result = ResultType(state);
     if (tokens.size() > 1)
         ReturnValue(state, result, tokens.From(1));

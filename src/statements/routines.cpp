@@ -100,12 +100,14 @@ void Open(State& state, RoutineKind kind, const std::string& name, const Routine
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
     MarkLine(state);
     Piece& piece = state.out->pieces.back();
-    piece.signatureEnd = piece.text.size() + static_cast<std::size_t>(state.place.indent) + signature.size();
+    const auto behindText = [&piece] { return static_cast<std::uint32_t>(piece.text.size()); };
+    piece.signatureAt = behindText() + static_cast<std::uint32_t>(state.place.indent);
+    piece.signatureEnd = piece.signatureAt + static_cast<std::uint32_t>(signature.size());
     EmitLine(state, signature);
-    piece.braceAt = piece.text.size();
+    piece.braceAt = behindText();
     MarkLine(state);  // debuggers take it for the beginning of the routine
     EmitLine(state, "{");
-    piece.bodyAt = piece.text.size();
+    piece.bodyAt = behindText();
     state.marked = {};  // calls may follow here
     EmitLines(state, after);
     EmitLine(state, "__kvSchedPoll();");
@@ -223,8 +225,8 @@ void BeginMethodPiece(State& state, const Routine& method) {
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
     DeclareParameters(method);
-    piece.definitionHead =
-        MarkOfPlace() + result + NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
+    piece.definitionHead = MarkOfPiece(*state.out) + result +
+                           NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
                 LinesBeforePoll(state, method));
 }

@@ -212,7 +212,7 @@ Code MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const
     InOrder inOrder;
     const bool named = OrderMatters(arguments.First());
     Code object = ValueText(sequence);
-    if (named && MovesSequence(sequence, arguments)) object = inOrder.NameObject(object);
+    if (named && MovesSequence(sequence, arguments)) object = inOrder.NameObject(sequence.type, object);
     Code texts;
     std::size_t i = 0;
     for (const Expr& argument : PartRange{arguments.First()}) {

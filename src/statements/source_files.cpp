@@ -58,6 +58,7 @@ SourceFile& NewSourceFile(const std::string& path, const std::string& folder, bo
     out.base = StripExtension(StripFolder(path));
     if (isMain && settings.debugMode) out.base += ".debug";
     out.header = HeaderPath(out).substr(settings.outputPath.size() + 1);
+    out.isModule = IsModule(path);
     out.headerOnly = IsHeaderOnly(path);
     ClaimOutputs(out);
     CheckOutputPlaces(out);

@@ -75,6 +75,7 @@ struct PlaceInFile {
     int closerLine = 0;
     std::string closerWord;
     Elsewhere closerOther;                      // the block in its way
+    int closedIf = 0;                           // the line of the last If that ended with its line
     std::size_t firstBlock = 0, firstWith = 0;  // of the file; what is open before stays open
     Passing passing = Passing::Nothing;
 };
@@ -94,6 +95,7 @@ struct OpenRoutine {
     std::vector<LocalArray> localArrays;
     bool watchesOwnObject = false;       // debug builds: the Method may remove its own object
     std::size_t frameRoom = 0;           // -fast: bytes that arrays may still take in the routine's frame
+    bool holdsForeignBlock = false;      // a wrong statement begins one as other languages do
     bool bareLabel = false;              // nothing stands behind the label of the last Case or Default
     std::vector<Slot> slots;             // of its piece, in their order
     std::vector<RoutinePart> parts;      // in the order of their beginnings

@@ -3,13 +3,17 @@
 #include <optional>
 #include <unordered_set>
 
+#include "analysis/bool_arrays.h"
+#include "analysis/reach.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "collect/settle.h"
 #include "expressions/sequence_walks.h"
+#include "lexer/source_lines.h"
 #include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
+#include "prelude/units.h"
 #include "statements/debug_hooks.h"
 #include "statements/parts.h"
 #include "statements/program.h"
@@ -44,7 +48,8 @@ void AddLateWrappers(std::vector<std::string>& wrappers) {
                 wrappers.push_back(prototype.lateWrapper);
 }
 
-HeaderContents ContentsOf(const Declarations& declarations, const FileOutput& out) {
+// The texts of the prototypes go to the header for good.
+HeaderContents TakeContents(Declarations& declarations, const FileOutput& out) {
     const std::string& source = out.source;
     HeaderContents contents;
     contents.classes = declarations.classes;
@@ -52,8 +57,9 @@ HeaderContents ContentsOf(const Declarations& declarations, const FileOutput& ou
     for (const ClassInfo* cls : declarations.classes)
         if (cls->registered && cls->sourceFile == source && listed.insert(cls).second)
             contents.instanceLists.push_back(cls);
-    for (const Prototype& prototype : declarations.functions) {
-        (prototype.isExtern ? contents.externLines : contents.functionLines).push_back(prototype.text);
+    for (Prototype& prototype : declarations.functions) {
+        (prototype.isExtern ? contents.externLines : contents.functionLines)
+            .push_back(std::move(prototype.text));
         const std::string& wrapper =
             out.isMain && !prototype.lateWrapper.empty() ? prototype.lateWrapper : prototype.wrapper;
         if (!wrapper.empty()) contents.externWrappers.push_back(wrapper);
@@ -81,22 +87,23 @@ void NoteMentions(FileOutput& out, const Declarations& declarations) {
         if (const Variable* global = FindGlobal(name)) NoteClass(out, global->type);
 }
 
-void WriteHeaderTop(FileOutput& out, const Declarations& declarations) {
+void WriteHeaderTop(FileOutput& out, const HeaderContents& contents) {
     if (!ReserveOutput(HeaderPath(out))) ReportFatal("Cannot create header file: " + HeaderPath(out));
-    OpenHeader(out, ContentsOf(declarations, out));
+    OpenHeader(out, contents);
     SayHeaderOpened(out);
 }
 
-void OpenFileCpp(FileOutput& out, const Declarations& declarations) {
+void OpenFileCpp(FileOutput& out, const HeaderContents& contents) {
     if (!ReserveOutput(CppPath(out)))
         ReportFatal("Cannot create '" + out.base + ".cpp'file in output folder.");
-    OpenCpp(out, ContentsOf(declarations, out).instanceLists);
+    OpenCpp(out, contents.instanceLists);
 }
 
 void CloseHeader(const FileOutput& out) {
     if (out.isMain && !symbols.includeHeaders.empty())
         VerboseNote("Inserted " + std::to_string(symbols.includeHeaders.size()) +
                     " include(s) into header file.");
+    if (settings.units) return;  // the program's are not those of its files
     AddOnce(symbols.generatedFiles, HeaderPath(out));
     VerboseNote("Header file completed with globals and constants.");
     if (!out.headerOnly) AddOnce(symbols.generatedFiles, CppPath(out));
@@ -109,15 +116,16 @@ void EnterFile(const Declarations& declarations) {
 }
 
 // The outputs of a file up to its statements.
-void OpenOutputs(FileOutput& out, const Declarations& declarations) {
+void OpenOutputs(FileOutput& out, Declarations& declarations) {
+    const HeaderContents contents = TakeContents(declarations, out);
     {
         // An included file has said it before.
         const TellOnly when(IsPart(out.source) ? Telling::Both : Telling::Second);
-        WriteHeaderTop(out, declarations);
+        WriteHeaderTop(out, contents);
         SayNames(declarations);
     }
     CheckFunctionNames(declarations);
-    OpenFileCpp(out, declarations);
+    OpenFileCpp(out, contents);
 }
 
 void CloseOutputs(FileOutput& out, const Declarations& declarations) {
@@ -136,12 +144,27 @@ bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
     return !state.mistaken;
 }
 
+// A file that only lends its declarations has routines that stand elsewhere.
+bool ComesInUnits(const std::vector<SourceFile*>& files) {
+    int lines = 0;
+    for (const SourceFile* file : files) {
+        if (file->output.headerOnly) return false;
+        if (!file->output.isModule) lines += file->declarations.lastLine;
+    }
+    return lines >= settings.unitsFrom && CanComeInUnits();
+}
+
 // What a mistake has left open.
 void ForgetOpenWork() {
     ResetScopes();
     ResetSequenceWalks();
     CollectNeedsInto(nullptr);
     PushRoutineScope();
+}
+
+// Whoever looks at the whole program has done so, as far as can be foreseen: nobody goes through the file again.
+void ForgetSource(const std::string& source) {
+    if (IsGraphBuilt() && AreBoolArraysKnown()) ForgetLines(source);
 }
 
 }  // namespace
@@ -157,6 +180,7 @@ void TranslateFile(SourceFile& file) {
         CloseOutputs(out, file.declarations);
         if (sound && !out.isMain) NoteFinished(out);
         if (!sound) ForgetOpenWork();
+        ForgetSource(out.source);
     } catch (const Stop& stop) {
         KeepMistake(stop, {});
         ForgetOpenWork();
@@ -177,6 +201,7 @@ void TranslatePart(State& state, SourceFile& file) {
 
 void TranslateFiles() {
     const std::vector<SourceFile*>& files = CollectedFiles();
+    settings.units = settings.units && ComesInUnits(files);
     if (!files.empty() && files.back()->output.isMain) TranslateFile(*files.back());
     if (!AnyMistakes()) return;
     // What a mistake has kept Includes from may hold those that are told before it.

@@ -97,8 +97,8 @@ void TranslateWith(State& state, TokenSpan tokens) {
     }
     if (!type.Is(Base::Object) && !type.Is(Base::Element)) {
         const Wording message = "With requires an object (a Type or Element), but '" + Spelling(object) +
-                                "' is " + (unknownName ? Wording("") : InWords(type));
-        if (unknownName) ReportUnknown(message, object);
+                                "' is " + (unknownName ? Wording("", "not known here") : InWords(type));
+        if (unknownName) ReportUnknown(message, object, Sought::Value);
         ReportFatal(message, object);
     }
     state.withs.push_back({std::move(object), state.place.line});

@@ -12,10 +12,10 @@ const Expr& WriteCondition(Code& out, TokenSpan tokens, const std::string& keywo
     if (tokens.empty()) ReportFatal("Expected a condition after '" + keyword + "'");
     const Expr& condition = TranslateValue(tokens, ExprMode::Condition);
     const ValueType& type = condition.type;
-    bool fits = !type.IsKnown() || type.IsNumber() || type.Is(Base::Object) || type.Is(Base::Pointer);
+    bool fits = !type.IsKnown() || type.IsNumber() || type.IsReference();
     if (!fits)
         ReportFatal("The condition of '" + keyword + "' must be a comparison, a number or an object, got " +
-                        KorvelName(type),
+                        KorvelName(type) + Hint{type.Is(Base::String) ? "Compare it: s <> \"\"" : ""},
                     tokens);
     WriteValue(out, condition);
     return condition;

@@ -55,6 +55,7 @@ const char* const declarations =
     "IsNull%(p:TPlayer):\"is_null\"\r\n"
     "Same:TPlayer(p:TPlayer):\"same\"\r\n"
     "sleep%(n%):\"fake_sleep\"\r\n"
+    "exception%(n%):\"fake_sleep\"\r\n"
     "ClassOf%(class%, result%):\"class_of\"\r\n"
     "Missing%(n%)\r\n"
     "  .lib \"not there.so\"\r\n"
@@ -119,7 +120,7 @@ Function Main
     p\name = "Bob"
     Local q:TPlayer = Same(p)
     Print q\name & IsNull(p) & IsNull(Null)
-    Print sleep(7)
+    Print sleep(exception(1) - 3)
     Print ClassOf(4, 2)
     If Add(1, 1) = 2 And length("ab") > 1 Then Print "condition"
     Print Missing(1)

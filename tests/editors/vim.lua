@@ -1,13 +1,7 @@
--- editors/vim in Neovim without a screen: $STAGE is the installation, $WORK an empty folder. What fails is printed, and the
--- number of checks.
+-- editors/vim in Neovim without a screen: $STAGE is the installation, $WORK an empty folder.
 local stage, work = os.getenv('STAGE'), os.getenv('WORK')
-local checks, failures = 0, 0
-local function check(name, wanted, got)
-    checks = checks + 1
-    if vim.deep_equal(wanted, got) then return end
-    failures = failures + 1
-    print('FAILED: ' .. name .. '\n  wanted ' .. vim.inspect(wanted) .. '\n  got    ' .. vim.inspect(got) .. '\n')
-end
+local here = vim.fn.fnamemodify(debug.getinfo(1, 'S').source:sub(2), ':p:h')
+local check, finish = dofile(here .. '/../checks.lua')
 vim.env.PATH = stage .. '/bin:' .. vim.env.PATH
 vim.opt.runtimepath:prepend(stage .. '/editors/vim')
 vim.cmd('filetype plugin indent on | syntax on')
@@ -71,5 +65,4 @@ check('what the server tells', { 1, 2 }, vim.tbl_map(function(said) return said.
 vim.cmd('split ' .. work .. '/colours.kvl')
 check('the same server', 1, #vim.lsp.get_active_clients())
 
-print(checks .. ' checks, ' .. failures .. ' failed\n')
-vim.cmd(failures == 0 and 'qall!' or 'cquit!')
+finish()

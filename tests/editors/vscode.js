@@ -1,7 +1,7 @@
 // node vscode.js STAGE CODE: the extension for VS Code, filled into the folder CODE. Its grammar colours each token of all examples
 // as what it is: words by the lists of the language, texts, comments, numbers and names. Where an editor is needed, a small stand-in
 // takes what the extension hands over. The package holds what it should.
-const fs = require('fs'), path = require('path'), Module = require('module');
+const { spawnSync } = require('child_process'), fs = require('fs'), os = require('os'), path = require('path'), Module = require('module');
 const npm = require('../npm'), textmate = npm('vscode-textmate'), oniguruma = npm('vscode-oniguruma');
 const [stage, code] = process.argv.slice(2);
 let checks = 0, failures = 0;
@@ -27,7 +27,7 @@ const kinds = [
   [/^;.*/, () => /^comment/],
   [/^"[^"]*"/, () => /^string/],
   [/^\\[\w\x80-\uffff]+/, () => /^variable\.other\.member/],
-  [/^(\$[0-9A-Fa-f]+|\d+(\.\d+)?)\b/, () => /^constant\.numeric/],
+  [/^(\$[0-9A-Fa-f]+|\d+(\.\d+)?(e[-+]?\d+)?)\b/i, () => /^constant\.numeric/],
   [/^[A-Za-z_\x80-\uffff][\w\x80-\uffff]*/, (word, before) => /\b(Function|Method)\s+$/i.test(before) ? /^entity\.name\.function/
     : /^\s*(Type|Element)\s+$/i.test(before) ? /^entity\.name\.type/
     : words.has(word.toLowerCase()) ? ofWord : /^variable\.other\.korvel|^keyword\.operator\.word/],
@@ -63,7 +63,7 @@ async function activated(lines) {
     vscode: {
       window: { activeTextEditor: editor },
       workspace: { getConfiguration: () => ({ get: name => ({ kv: '/k/kv', runOptions: ['--safe'], closeBlocks: true })[name] }), asRelativePath: file => file,
-        onDidChangeTextDocument: note('changed'), createFileSystemWatcher: pattern => pattern },
+        onDidChangeTextDocument: note('changed') },
       tasks: { registerTaskProvider: note('tasks'), executeTask: note('ran') },
       commands: { registerCommand: (name, work) => { seen[name] = work; } },
       debug: { registerDebugConfigurationProvider: note('configurations'), registerDebugAdapterDescriptorFactory: note('adapters'), startDebugging: note('debugged') },
@@ -95,11 +95,32 @@ function sourcesIn(folder) {
     : entry.name.endsWith('.kvl') ? [path.join(folder, entry.name)] : []);
 }
 
+// All programs: name and text. Those of the manual stand in its pages.
+function programs() {
+  const list = [...sourcesIn(stage + '/examples'), ...sourcesIn(stage + '/lib')].map(file => [file, fs.readFileSync(file, 'utf8')]);
+  const manual = stage + '/docs/manual/';
+  for (const page of fs.readdirSync(manual, { recursive: true }).filter(name => name.endsWith('.md')))
+    for (const [, text] of fs.readFileSync(manual + page, 'utf8').matchAll(/^```korvel\n(.*?)^```/gms)) list.push([page, text]);
+  return list;
+}
+
+// What kv tells, in short, as VS Code reads it: a line each, whose file, line, column and kind the pattern finds.
+function checkProblems({ regexp, ...groups }) {
+  const work = fs.mkdtempSync(os.tmpdir() + '/wrong 1:2 '), kv = path.resolve(stage, 'bin/kv');
+  fs.writeFileSync(work + '/part.kvl', 'Function Twice:Int(n:Int)\n    Return nn\nEndFunction\n');
+  fs.writeFileSync(work + '/main.kvl', 'Include "part.kvl"\nFunction Main\n    Local a = Twice("x"), b = 3 / 0\n    Print nosuch\n    While a\nEndFunction\n');
+  const said = spawnSync(kv, ['check', '--message-format', 'short', work + '/main.kvl'], { encoding: 'utf8' });
+  const found = (said.stdout + said.stderr).trim().split('\n').map(line => new RegExp(regexp).exec(line) || { input: line });
+  const read = found.map(match => ['file', 'line', 'column', 'severity'].map(name => match[groups[name]]).join('|').replace(work, ''));
+  check('problems: ' + read.join(), read.includes('/part.kvl|2|12|error') && read.filter(one => /^\/main.kvl\|\d+\|\d+\|(error|warning)$/.test(one)).length === found.length - 1 && found.length > 2);
+  fs.rmSync(work, { recursive: true });
+}
+
 registry.loadGrammar('source.korvel').then(async grammar => {
   await checkExtension();
-  for (const file of [...sourcesIn(stage + '/examples'), ...sourcesIn(stage + '/lib')]) {
+  for (const [file, text] of programs()) {
     let state = textmate.INITIAL, isInline = false;
-    for (const line of fs.readFileSync(file, 'utf8').split('\n')) {
+    for (const line of text.split('\n')) {
       const { tokens, ruleStack } = grammar.tokenizeLine(line, state);
       state = ruleStack;
       if (/^\s*EndInlineCpp\b/i.test(line)) isInline = false;
@@ -121,7 +142,7 @@ registry.loadGrammar('source.korvel').then(async grammar => {
   for (const [text, wanted, row = 0] of [['    If a\n\nEndFunction', '    EndIf'], ['While a\n', 'Wend'], ['Repeat\n\nPrint', 'Forever'], ['If a Then Print 1\n'], ['If a\n\nElse'],
     ['If a\n\n    Print 1'], ['For Local i = 1 To 3\n\nNext'], ['type = 3\n'], ['Function F() ; If\n\nFunction G()', 'EndFunction'], ['Print "If"\n'], ['InlineCpp\nif (a) {\n', undefined, 1]])
     check(`the closer of ${text} is ${missingCloser(text.split('\n'), row)}`, missingCloser(text.split('\n'), row) === wanted);
-  check('the problem matcher', new RegExp(pattern.regexp).exec('/a b/c.kvl:2:5: error: no').slice(1).join('|') === '/a b/c.kvl|2|5|error|no');
+  checkProblems(pattern);
   const packed = fs.readFileSync(stage + '/editors/korvel.vsix', 'latin1');  // where names stand as they are
   for (const name of ['extension.js', 'package.json', 'syntaxes/korvel.tmLanguage.json', 'snippets.json', 'language-configuration.json'])
     check(`${name} in the package`, packed.includes('extension/' + name));

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <thread>
 
+#include "base/command_quoting.h"
 #include "kv/command_line.h"
-#include "kv/command_quoting.h"
 #include "kv/commands/commands.h"
 #include "kv/compiler_report.h"
 #include "kv/diagnostics.h"
@@ -17,6 +17,7 @@
 #include "kv/stamp.h"
 #include "kv/toolchain.h"
 #include "kv/translation.h"
+#include "kv/units.h"
 
 namespace {
 
@@ -98,7 +99,10 @@ TEST(KvCommandLine, Refused) {
         {{"run", "a.kvl", "--keep-cpp", "--"}, "--keep-cpp needs a DIR behind it"},
         {{"check", "a.kvl", "--keep-cpp", "x"},
          "--keep-cpp belongs to kv run, kv build, kv watch and kv package"},
-        {{"build", "-O5", "a.kvl"}, "-O: 5 not in {0,1,2,3}"},
+        {{"build", "-O5", "a.kvl"}, "-O is one of 0, 1, 2, 3, not 5"},
+        {{"chekc"}, "unknown command \"chekc\"; did you mean check?"},
+        {{"help", "compile"}, "unknown command \"compile\"; did you mean build?"},
+        {{"run", "--sfae"}, "unknown option \"--sfae\"; did you mean --safe?"},
         {{"version", "x"}, "kv version stands alone"},
         {{"check", "a.kvl", "--", "x"}, "arguments after \"--\" belong to kv run"},
     };
@@ -184,6 +188,15 @@ TEST(CompilerReports, OnlyWhatTheUserCanMend) {
     EXPECT_EQ(found[3].message,
               "no library defines the Extern function cube (a Linker line names libraries)");
     EXPECT_EQ(found[3].line, 2);
+    for (const char* const lack :
+         {"ld: /usr/lib/libSDL2.a(w.o): in function `f':\nld: (.text+0x4): undefined reference to `wl'\n",
+          "/usr/lib/libSDL2.a(w.o):function f: error: undefined reference to 'wl'\n",
+          "ld.lld: error: undefined symbol: wl\n>>> referenced by w.c\n>>>  w.o:(f) in archive "
+          "/usr/libSDL2.a\n"})
+        EXPECT_EQ(
+            ExplainCompilerOutput(lack, {source}, "/a", "/b", true).at(0).message,
+            "the library SDL2 cannot be put into a program: it needs wl, which has no static form here; "
+            "leave out --static");
     const auto trouble = ExplainCompilerOutput(
         "/tmp/x.s: Fatal error: No space left on device\nx:1: fatal error: iostream: "
         "No such file or directory\n",
@@ -260,6 +273,76 @@ TEST(Linking, ApartWhereTheFlagsAllowIt) {
         return std::find(words.begin(), words.end(), word) != words.end();
     };
     EXPECT_TRUE(has(compile, "-DX") && !has(compile, "-lm") && has(link, "-lm"));
+}
+
+// The units of a program by their texts: "a1 b1 c2".
+std::vector<Unit> UnitsNamed(const std::string& texts) {
+    std::vector<Unit> units;
+    std::istringstream words(texts);
+    for (std::string word; words >> word;) units.push_back({word.substr(0, 1), word, 100});
+    return units;
+}
+
+std::string Named(const std::vector<UnitObject>& objects, const std::vector<Unit>& units) {
+    std::string text;
+    for (const UnitObject& object : objects) {
+        text += IsBatch(object) ? "(" : LeansOnBatches(object) ? "~" : "";
+        for (const Unit* unit : UnitsOf(object, units)) text += unit->hash;
+        text += IsBatch(object) ? ")" : "";
+        text += object.mark.empty() ? "* " : " ";
+    }
+    return text;
+}
+
+TEST(UnitPlans, CompileWhatHasChanged) {
+    UnitRecord record;
+    const struct {
+        const char* units;
+        std::size_t overhead;
+        const char* linked;  // in brackets a batch, with a star what has to be compiled
+    } rows[] = {
+        {"g1 a1 b1 c1 d1", 50, "g1* (a1b1)* (c1d1)* "},  // the first time: a batch for each core
+        {"g1 a1 b1 c1 d1", 50, "g1 (a1b1) (c1d1) "},
+        {"g2 a1 b2 c1 d1", 50,
+         "g2* ~b2* (a1) (c1d1) "},                    // what stands in no batch takes the place of what does
+        {"g1 a1 b1 c1 d1", 50, "g1 (a1b1) (c1d1) "},  // taken back
+        {"g1 a1 b2 c1 d3", 50, "g1 ~b2 ~d3* (a1) (c1) "},
+        {"g1 a1 e1 c1", 50, "g1 ~e1* (a1) (c1) "},   // a unit comes, others go
+        {"g1 a4 e4 c4 d1", 500, "g1 (a4e4c4d1)* "},  // that many one by one would take longer
+        {"g1", 500, "g1 "},
+    };
+    for (const auto& row : rows) {
+        const std::vector<Unit> units = UnitsNamed(row.units);
+        const UnitPlan plan =
+            PlanUnits(UnpackUnitRecord(PackUnitRecord(record)), units, row.overhead, 2, true);
+        std::vector<UnitObject> linked;
+        record = plan.record;
+        record.key = "key";
+        for (auto* objects : {&record.singles, &record.batches}) {
+            for (UnitObject& object : *objects) {
+                if (std::count(plan.linked.begin(), plan.linked.end(), object.name) > 0)
+                    linked.push_back(object);
+                object.mark = "made";
+            }
+        }
+        EXPECT_EQ(Named(linked, units), row.linked) << row.units;
+    }
+    // What cannot be linked: new objects do without batches first, then there are none that lean on them.
+    const std::vector<Unit> units = UnitsNamed("g1 a4 e4 c5");
+    UnitRecord before = record;
+    before.batches = {{"batch-x", "made", {"a4", "e4"}}};
+    UnitPlan plan = PlanUnits(before, units, 50, 2, true);
+    EXPECT_EQ(plan.linked, (Words{"unit-g1", "lean-c5", "batch-x"}));
+    EXPECT_TRUE(GiveUpSparing(before, plan.record));
+    plan = PlanUnits(plan.record, units, 50, 2, false);
+    EXPECT_EQ(plan.linked, (Words{"unit-g1", "unit-c5", "batch-x"}));
+    EXPECT_TRUE(GiveUpSparing(before, plan.record)) << "others lean";
+    EXPECT_EQ(Named(plan.record.batches, units), "");
+    EXPECT_FALSE(GiveUpSparing(before, plan.record));
+    const std::string packed = PackUnitRecord(record);
+    EXPECT_EQ(PackUnitRecord(UnpackUnitRecord(packed)), packed);
+    for (std::size_t size = 0; size + 1 < packed.size(); ++size)
+        EXPECT_TRUE(UnpackUnitRecord(packed.substr(0, size)).singles.empty()) << "cut off at " << size;
 }
 
 TEST(ProgressLines, FitTheTerminal) {

@@ -210,6 +210,7 @@ TEST(Library, FixesMistakes) {
         {"Print \"say \\\"hi\\\"\"", "Print \"say ~qhi~q\""},
         {"Print (3 + a[n] ; text", "Print (3 + a[n]) ; text"},
         {"Print \"x", "Print \"x\""},
+        {"Print \"{n} {$n} {%n\"|Print p\\siz", "Print \"{%n} {%n} {%n}\"|Print p\\size"},
         {"If n = 1\n    n = 2\nElse\n    n = 3\n\nPrint n",
          "If n = 1\n    n = 2\nElse\n    n = 3\nEndIf\n\nPrint n"},
         {"Repeat\n    While n < 3\n        n = 3\nUntil n",
@@ -218,7 +219,8 @@ TEST(Library, FixesMistakes) {
          "EndFunction\nFunction A()\n    Print 1\nEndFunction\nFunction B()"},
         {"EndFunction\nType TB\n    Method A()\n        Print 1\nEndType\nFunction B()",
          "EndFunction\nType TB\n    Method A()\n        Print 1\n    EndMethod\nEndType\nFunction B()"}};
-    const std::string head = "Type TA\nEndType\nFunction Main\nLocal n = 1, p:TA = Create TA, a:Int[3]\n";
+    const std::string head =
+        "Type TA\nField size:Int\nEndType\nFunction Main\nLocal n = 1, p:TA = Create TA, a:Int[3]\n";
     for (const auto& [wrong, right] : table) {
         korvel::Request request = RequestFor("/nowhere/main.kvl");
         request.warnings = false;
@@ -262,6 +264,7 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"Local f:Float", "called Double"},
         {"Local b:Boolean", "called Bool"},
         {"Local s:Text", "called String"},
+        {"Local list:List", "A list that grows"},
         {"Print Str$(3)", "called String"},
         {"n = Val(\"3\")", "ToInt(s)"},
         {"Try", "no exceptions"},
@@ -298,6 +301,43 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"n = n Xor 2", "a BitXor b"},
         {"String s = \"a\"", "behind the name"},
         {"Print 0xFF", "begin with '$'"},
+        {"Print 5. + 1", "A number is made of digits"},
+        {"n = 1 +\n    2", "in the next one if"},
+        {"Print \"a\" & ; more", "in the next one if"},
+        {"Repeat\n    While n < 3", "write Until Not (n < 3)"},
+        {"If n = 1 Then Print 1\n    EndIf", "ends with its line"},
+        {"#define A", "Write Const MAX"},
+        {"n = math.sqrt(4)", "called alone here: Sqrt"},
+        {"n = random.randint(1, 2)", "called RandomInt"},
+        {"n = 2 if n = 1 else 3", "a statement of its own"},
+        {"n = n | 2", "BitOr"},
+        {"try:", "no exceptions"},
+        {"Print \"%d\" % 3", "in holes of the text"},
+        {"Print 1)", "one too many"},
+        {"EndFunction\nElement Point\n    Field x:Int\nFunction B", "ends with EndElement"},
+        {"Local i:Int == 3", "with one '='"},
+        {"--n", "n = n - 1"},
+        {"/* comment */", "ends with its line"},
+        {"Exit 2", "Exit leaves a loop"},
+        {"For n = 1 To 3\n        Exit For\n    Next", "Exit stands alone"},
+        {"For n = 1 To 3\n        Continue For\n    Next", "Continue stands alone"},
+        {"Print Using \"##\"; n", "Format(x, 2)"},
+        {"While n = 1 Do\n    Wend", "Nothing stands behind"},
+        {"Local s:std::string", "called String"},
+        {"await Draw()", "AutoCall Tick"},
+        {"Program Test", "between Function Main"},
+        {"EndFunction\nFunction A(Optional n:Int = 1)", "may be left out"},
+        {"Local lien = 1 | Print line", "mean 'lien'?"},
+        {"Repeat\n    Utnil n = 1", "A Repeat ends"},
+        {"EndFunction\nType TA\n    Method A\n    EnMethod\nEndType\nFunction B", "'EndMethod' in line"},
+        {"Local = 3", "A name stands in front"},
+        {"EndFunction\nType TA\n    Feld x:Int\nEndType\nFunction B", "mean 'Field'?"},
+        {"Print \"{}\"", "written ~{"},
+        {"Local e[3]:Int", "behind the type"},
+        {"Local a:Int[2] | a = 3", "with its number"},
+        {"Local q:Sequence Of Int | q = 3", "SeqAdd s, 3"},
+        {"Local p:TPlayer", "Type ... EndType declares"},
+        {"EndFunction\nType TA\nField x:Int\nEndType\nFunction B\nLocal p:TA\np:x = 3", "stand behind '\\'"},
         {"If n = 1 Print 2", "stands Then"},
         {"abstract Foo", "without such words"},
         {"n = 1 << 2", "a Shl b"},
@@ -319,7 +359,7 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"For i = 1 To 3", "For Local i = 1"},
         {"Select n\n        Case 1 To 5\n    EndSelect", "For a range"},
         {"Print Len(\"a\")", "called Length. It comes with Include \"std/text.kvl\""},
-        {"Print Mid$(\"a\", 1)", "called Mid. It"},
+        {"Print Mid$(\"a\", 1)", "Mid comes with"},
         {"Print Rnd(5)", "called RandomDouble. It"},
         {"Cls", "called TerminalClear. It"},
         {"Open \"file\"", "called FileOpen. It"},
@@ -388,6 +428,23 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"EndFunction\nType TA\nMethod A\nEndFunction\nEndMethod\nEndType\nFunction B", "A Method ends"},
         {"}", "Blocks end with a word"},
         {"Function Inner", "outside of one another"},
+        {"Print &HFF", "begin with '$'"},
+        {"Select n\nCase 1:", "end without"},
+        {"Local a:Int[2] | Print a", "one by one"},
+        {"n &= 1", "Write the assignment"},
+        {"Local a:TList", "is a Sequence"},
+        {"SeqRemove n, 1", "takes a value out"},
+        {"If Not \"a\" = \"b\" Then n = 1", "right behind it"},
+        {"With nobody", "nothing that is visible"},
+        {"n = %101", "Write FromBinary"},
+        {"Return 1, 2", "gives one value"},
+        {"n, m = 1, 2", "at a time"},
+        {"n = (1, 2)", "Brackets hold one"},
+        {"n = (int)3.5", "stands in the brackets"},
+        {"Print \"{%n:02}\"", "A hole shows"},
+        {"Print Length(\"a\")", "Length comes with"},
+        {"Include \"std/text.kvl\"", "Move this line"},
+        {"EndFunction\nPreCalc t:Int[3]\nIf i > 1\nEndIf\nEndPreCalc\nFunction B", "What takes more"},
         {"EndFunction\nType TA\n    Method A\n    Method B\n    EndMethod\nEndType", "Methods stand"}};
     for (const auto& row : rows) {
         korvel::Request request = RequestFor("/nowhere/main.kvl");
@@ -421,6 +478,7 @@ TEST(Library, TellsWhatNamesMean) {
                          "        name = this\\name | Other(name)\n        Return name\n    EndMethod\n"
                          "    Field name:String, next:TA\n    Method Other(n:String)\n        Name(name)\n"
                          "    EndMethod\nEndType\n"}};
+    request.warnings = false;
     const korvel::Inspection inspection = korvel::Inspect(request);
     EXPECT_EQ(inspection.result.diagnostics.size(), 1U) << TextOf(inspection.result);
     std::string told;

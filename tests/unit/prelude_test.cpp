@@ -74,18 +74,18 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
 // Each with no more in front of it than what it builds on.
 TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
     const std::string sequence = std::string(texts::fastItems) + std::string(texts::fastSequence);
-    const std::string lists = sequence +
-                              "const bool __kvTidyLists = true;\nconst bool __kvKeepCreated = true;\n" +
-                              std::string(texts::fastInstances) +
+    const std::string lists = sequence + "const bool __kvTidyLists = true;\n" +
+                              std::string(texts::fastInstances) + std::string(texts::fastSeenLists) +
+                              std::string(texts::fastTracked) +
                               "class KVL_TMob : public KVObject, public KVTracked<KVL_TMob>\n{\npublic:\n";
     const std::string closing =
         Fill(std::string(texts::classConstructor) + " ~@C@() {\n" + std::string(texts::fastClassLeaving) +
                  " }\n" + std::string(texts::fastClassNavigation),
              {{"C", "KVL_TMob"}});
     const std::pair<const char*, std::string> sources[] = {
-        {"output", FillNames(texts::fastOutput)},
-        {"line_output", std::string(texts::fastLineOutput)},
-        {"unit_output", std::string(texts::fastUnitOutput)},
+        {"output", FillNames(texts::fastOutput) + std::string(texts::fastOutputObject)},
+        {"line_output", std::string(texts::fastLineOutput) + std::string(texts::fastLineOutputObject)},
+        {"unit_output", std::string(texts::fastUnitOutput) + std::string(texts::fastUnitOutputObject)},
         {"sequence", sequence +
                          "struct Item { int n; bool operator==(const Item& o) const { return n == o.n; } "
                          "int KVL_Compare(Item o) { return n - o.n; } };\ntemplate struct KVRow<Item>;\n"
