@@ -121,7 +121,11 @@ std::string GlobalSection(const FileOutput& out) {
 }  // namespace
 
 std::string SupportCode() {
-    return (settings.fastMode ? FastPrelude(!symbols.classList.empty()) : std::string()) + SupportText();
+    const std::string text = settings.safeMode ? FillNames(texts::safeDivision) : std::string();
+    const std::string prelude = settings.fastMode
+                                    ? FastPrelude(!symbols.classList.empty())
+                                    : SequenceText(texts::sequence) + std::string(texts::scheduler);
+    return text + prelude + SupportText();
 }
 
 void OpenHeader(FileOutput& out, const HeaderContents& contents) {
@@ -129,11 +133,6 @@ void OpenHeader(FileOutput& out, const HeaderContents& contents) {
     if (settings.lineMarks) out.headerOpening += "#include <kvfailure.h>\n";
     out.headerOpening += texts::includes;
     out.headerOpening += "using namespace std;\n";
-    if (out.isMain) {
-        if (settings.safeMode) out.headerPrelude += FillNames(texts::safeDivision);
-        if (!settings.fastMode) out.headerPrelude += texts::sequence;
-        if (!settings.fastMode) out.headerPrelude += texts::scheduler;
-    }
     out.headerClasses = ClassSection(out, contents);
     out.headerFunctions = FunctionSection(out, contents);
 }
@@ -142,7 +141,7 @@ std::string HeaderText(const FileOutput& out, const std::vector<std::string>& in
     std::string text = out.headerOpening;
     if (out.isMain)
         for (const std::string& include : includes) text += "#include \"" + include + "\"\n";
-    text += "\n" + out.headerPrelude;
+    text += "\n";
     if (out.isMain) text += SupportCode();
     text += out.headerClasses + out.headerFunctions + GlobalSection(out) + out.headerLate;
     if (settings.lineMarks) text += OwnCodeMark();

@@ -75,7 +75,6 @@ struct FileOutput {
     bool metAgain = false;      // included more than once: its text must count once
     bool isSettled = false;     // a part whose text is there
     std::string headerOpening;  // from the guard to "using namespace std;" and its empty line
-    std::string headerPrelude;  // main file only
     std::string headerClasses;  // forward declarations, instance lists, iteration helpers
     std::string headerFunctions;
     std::vector<GlobalDefinition> globals;

@@ -86,6 +86,11 @@ std::string SupportObjects() {
     return text;
 }
 
+std::string SequenceText(std::string_view text) {
+    if (!SupportUsed(Support::SequenceWalk)) return Fill(text, {{"SequenceEnd", ""}});
+    return std::string(texts::sequenceEnd) + Fill(text, {{"SequenceEnd", "\n    KVSeqEnd _end;"}});
+}
+
 std::string FillNames(std::string_view text) {
     const std::string div = SafeDivName(), mod = SafeModName();
     const std::string_view before = settings.lineMarks ? texts::fastBeforeFailure : std::string_view();

@@ -51,6 +51,7 @@ extern const std::string_view indexInOrder;
 extern const std::string_view readNow;
 extern const std::string_view stringSelect;
 extern const std::string_view safeIndex;
+extern const std::string_view sequenceEnd;
 extern const std::string_view sequenceWalk;
 extern const std::string_view inputEnd;
 extern const std::string_view inputEndObject;

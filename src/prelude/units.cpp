@@ -88,7 +88,7 @@ private:
     // Units do not hear of what comes behind them.
     void HandOverRest() {
         const FileOutput& main = *program.main;
-        HandOver(folderOfUnits + std::string("prelude.h"), PreludeText(main));
+        HandOver(folderOfUnits + std::string("prelude.h"), PreludeText());
         header += OwnMark() + closing;
         HandOver(main.base + ".h", std::move(header));
         HandOverUnit("globals", globals + Definitions() + lastDefinitions + mainText);
@@ -120,11 +120,10 @@ private:
     }
 
     // What modules have in C++ needs nothing of the program, so it is compiled beforehand with the support code.
-    std::string PreludeText(const FileOutput& main) const {
+    std::string PreludeText() const {
         const std::string failure = settings.lineMarks ? "#include <kvfailure.h>\n" : "";
         return Opened("KV_UNITS_PRELUDE_H") + failure + std::string(texts::includes) +
-               "using namespace std;\n\n" + main.headerPrelude + SupportCode() + modules + OwnMark() +
-               closing;
+               "using namespace std;\n\n" + SupportCode() + modules + OwnMark() + closing;
     }
 
     void Declare(const FileOutput& file) {

@@ -9,7 +9,7 @@ template<typename T>
 class KVSeq : public KVSeqBase {
 public:
     std::vector<T> _items;
-    size_t _cursor = 0;
+    size_t _cursor = 0;@SequenceEnd@
     KVSeq() { __kvAllSeqs().push_back(this); }
     ~KVSeq() {
         auto it = std::find(__kvAllSeqs().begin(), __kvAllSeqs().end(), this);

@@ -34,7 +34,7 @@ template<typename T>
 class KVSeq : public KVSeqItems<T, std::is_pointer<T>::value> {
 public:
     using KVSeqItems<T, std::is_pointer<T>::value>::_items;
-    size_t _cursor = 0;
+    size_t _cursor = 0;@SequenceEnd@
     // 'dead' = a scrubbed (null) slot; only pointer element types can be dead
     bool _isDead(const T& v, std::true_type) const { return v == nullptr; }
     bool _isDead(const T&, std::false_type) const { return false; }

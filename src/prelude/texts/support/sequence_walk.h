@@ -1,7 +1,7 @@
 // A loop over a Sequence that changes meanwhile. The item of a round is a copy, written back when the body
 // has altered it. Who inserts or removes in the body tells the walk first; around calls of routines that may
 // do so the walk is away, and finds its place again by the items. Every item that stays is met once; items
-// that the body adds at the end or in front of those to come are not met.
+// that the body adds at the end or in front of those to come are not met. The loop ends when the Sequence goes.
 template<typename T>
 class KVSeqWalk {
 public:
@@ -11,11 +11,14 @@ public:
         ~Absence() { walk.Back(); }
     };
     explicit KVSeqWalk(KVSeq<T>& walked)
-        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false), _added() {
+        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false), _added(), _open() {
+        _open.walked = &walked._end;
+        _open.outer = KVSeqEnd::Innermost();
+        KVSeqEnd::Innermost() = &_open;
         _load();
     }
-    ~KVSeqWalk() { Store(); }
-    bool HasItem() const { return _index < _end && _index < _seq.Length(); }
+    ~KVSeqWalk() { Store(); KVSeqEnd::Innermost() = _open.outer; }
+    bool HasItem() const { return _index < _end && _index < _size(); }
     void Next() {
         Store();
         do ++_index; while(!_added.empty() && std::find(_added.begin(), _added.end(), _index) != _added.end());
@@ -34,7 +37,7 @@ public:
         return {*this};
     }
     void Back() {
-        const int more = _seq.Length() - _length;
+        const int more = _size() - _length;
         if(more == 0) {
             if(_here && !_holds(_index, _original)) _reload();
             return;
@@ -61,7 +64,7 @@ public:
     void InsertingFirst() { Inserting(0); }
     int Removing(int at) {
         Store();
-        if(at < 0 || at >= _seq.Length()) return at;
+        if(at < 0 || at >= _size()) return at;
         _added.resize(std::remove(_added.begin(), _added.end(), at) - _added.begin());
         for(size_t i = 0; i < _added.size(); ++i) if(_added[i] > at) --_added[i];
         if(at == _index) _here = false;
@@ -73,7 +76,7 @@ public:
     }
     const T& RemovingValue(const T& value) {
         Store();
-        Removing(_seq.Find(value));
+        Removing(_size() == 0 ? -1 : _seq.Find(value));
         return value;
     }
     // The same of a Sequence that may not be the one that is walked any more.
@@ -88,13 +91,15 @@ private:
     int _index, _end, _length;
     bool _here;  // the item still has its place in the Sequence
     std::vector<int> _added;  // places of what was put in front of items to come
-    bool _holds(int at, const T& value) const { return at >= 0 && at < _seq.Length() && _seq._items[at] == value; }
+    KVSeqEnd::Walk _open;
+    int _size() const { return _open.walked == nullptr ? 0 : _seq.Length(); }
+    bool _holds(int at, const T& value) const { return at >= 0 && at < _size() && _seq._items[at] == value; }
     void _mark() {
-        if(_index + 1 < _end && _index + 1 < _seq.Length()) _next = _seq._items[_index + 1];
-        if(_end > 0 && _end <= _seq.Length()) _last = _seq._items[_end - 1];
+        if(_index + 1 < _end && _index + 1 < _size()) _next = _seq._items[_index + 1];
+        if(_end > 0 && _end <= _size()) _last = _seq._items[_end - 1];
     }
     void _load() {
-        _length = _seq.Length();
+        _length = _size();
         _here = HasItem();
         if(!_here) return;
         item = _seq._items[_index];
@@ -118,7 +123,7 @@ private:
     }
     void _follow(int more) {
         _added.clear();
-        _length = _seq.Length();
+        _length = _size();
         if(_end > 0 && !_holds(_end - 1, _last) && (more < 0 || _holds(_end - 1 + more, _last))) _end += more;
         _mark();
     }
