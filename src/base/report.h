@@ -38,6 +38,7 @@ struct Stop {
     struct Subject {
         const Token* at = nullptr;
         Tokens tokens;
+        std::size_t from = 0, to = 0;  // bytes of a literal alone that are meant; all of it where both are 0
     };
 
     std::vector<korvel::Diagnostic> mistakes;
@@ -59,6 +60,21 @@ auto About(TokenSpan tokens, Work work) {
         return work();
     } catch (Stop& stop) {
         if (stop.subject.tokens.empty()) stop.subject = {tokens.first, tokens.Copy()};
+        throw;
+    }
+}
+
+// The same about the bytes [from, to) of a literal, for mistakes in it that are about all of it.
+template <class Work>
+auto AboutPart(TokenSpan literal, std::size_t from, std::size_t to, Work work) {
+    try {
+        return work();
+    } catch (Stop& stop) {
+        if (stop.subject.tokens.empty()) stop.subject = {literal.first, literal.Copy()};
+        if (stop.subject.at == literal.first) {
+            stop.subject.from = from;
+            stop.subject.to = to;
+        }
         throw;
     }
 }

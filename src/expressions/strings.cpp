@@ -126,8 +126,10 @@ PartList ParseHoles(TokenSpan literal) {
     PartList holes;
     LimitTexts(pieces.size());
     for (const StringPiece& piece : pieces) {
-        if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble + wayToBrace, literal);
-        if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece, literal));
+        AboutPart(literal, piece.from, piece.to, [&] {
+            if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble + wayToBrace, literal);
+            if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece, literal));
+        });
     }
     return holes;
 }

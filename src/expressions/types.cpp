@@ -114,7 +114,9 @@ void CheckAssignable(const Expr& target, const Expr& value) {
                     Tokens{target.variable->name});
     }
     if (!target.assignable && !target.slot)
-        ReportFatal("What stands before '=' cannot be assigned to", target.source);
+        ReportFatal("What stands before '=' cannot be assigned to" +
+                        Hint{"'=' assigns here, too. Put a comparison in parentheses: found = (a = b)"},
+                    target.source);
     if (target.type.IsArray() && value.type.IsArray() && !value.isCall) {
         ReportFatal(
             "Cannot assign arrays directly. Arrays are reference types.\n"

@@ -96,6 +96,13 @@ void Open(State& state, RoutineKind kind, const std::string& name, const Routine
     PushRoutineScope();
 }
 
+// A head that is wrong may name parameters that were not read.
+void DoubtParameters(const std::string& name, TokenSpan head) {
+    if (!IsDoubtful(WordOf(name))) return;
+    for (std::size_t i = 1; i < head.size(); ++i)
+        if (head.SignAt(i - 1) == '(' || head.SignAt(i - 1) == ',') Doubt(head.At(i));
+}
+
 // `after` stands between the opening brace and the poll.
 void EmitOpening(State& state, const std::string& signature, const std::string& after) {
     MarkLine(state);
@@ -268,6 +275,7 @@ void TranslateFunction(State& state, TokenSpan tokens) {
     CheckFunctionName(name, routine, isMain);
     BeginPiece(*state.out, isMain ? Piece::Kind::Main : Piece::Kind::Function);
     Open(state, RoutineKind::Function, name, *routine, isMain);
+    DoubtParameters(name, tokens);
     DeclareParameters(*routine);
     const std::string cppName = isMain ? "main" : routine->cppName;
     EmitOpening(state, state.routine.returnType + " " + NameAndParameters(*routine, cppName, true), "");
@@ -301,6 +309,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     CheckMethodKind(state, *method);
     EmitAccessOf(state, *method);
     Open(state, RoutineKind::Method, ReportedName(*method, state.typeName), *method, false);
+    DoubtParameters(name, tokens);
     DeclareThis(state);
     BeginMethodPiece(state, *method);
     EmitEnter(state, state.typeName + "\\\\" + state.routine.name);

@@ -34,10 +34,10 @@ std::string HoleFor(const std::string& content, const ValueType& type) {
     return type.IsNumber() ? "{%" + content + " + 0}" : "";
 }
 
-bool FixHole(korvel::Diagnostic& mistake, const Word& literal) {
+bool FixHole(korvel::Diagnostic& mistake, const Word& literal, std::size_t from) {
     if (mistake.firstColumn == 0 || !HasHoles(literal)) return false;
     for (const StringPiece& piece : PiecesOf(literal)) {
-        if (piece.kind == StringPiece::Kind::Text) continue;
+        if (piece.kind == StringPiece::Kind::Text || piece.from != from) continue;
         const std::string content = ContentOf(piece, literal.text);
         const Variable* const variable = IsName(content) ? FindVariable(content) : nullptr;
         const std::string hole = variable == nullptr ? "" : HoleFor(content, variable->type);

@@ -99,6 +99,13 @@ void LocateLast(korvel::Diagnostic& mistake, const Stop& stop, TokenSpan stateme
         Locate(mistake, stop.subject.tokens);
 }
 
+// From the literal to the part of it that is meant.
+void Narrow(korvel::Diagnostic& mistake, const Stop::Subject& subject) {
+    if (subject.to == 0 || mistake.firstColumn == 0) return;
+    mistake.lastColumn = mistake.firstColumn + static_cast<int>(subject.to) - 1;
+    mistake.firstColumn += static_cast<int>(subject.from);
+}
+
 // What may have been meant, and what to write then.
 void Advise(korvel::Diagnostic& mistake, const Stop& stop) {
     if (stop.sought == Sought::Nothing || stop.subject.tokens.size() != 1) return;
@@ -150,9 +157,10 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
     const bool isOfHole =
-        stop.subject.tokens.size() == 1 && FixHole(mistakes[blocks], *stop.subject.tokens[0]);
+        stop.subject.to > 0 && FixHole(mistakes[blocks], *stop.subject.tokens[0], stop.subject.from);
     if (!isOfHole && MayBeForeign(mistakes[blocks], stop)) HintAtForeignWords(mistakes[blocks]);
     if (stop.onErrorStream) FixOpenSign(mistakes[blocks]);
+    Narrow(mistakes[blocks], stop.subject);
 }
 
 }  // namespace
