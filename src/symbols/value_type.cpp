@@ -53,7 +53,7 @@ const BasicType* FindBasic(Base base) {
 [[noreturn]] void FailUndefinedType(const std::string& name) {
     ReportFatal("Type '" + name + "' is not defined. Make sure to declare it with 'Type " + name +
                     "' before using it.",
-                Tokens{name});
+                Tokens{name}, Sought::Type);
 }
 
 ValueType ClassType(const ClassInfo* cls) {

@@ -164,7 +164,7 @@ TEST(Library, GivesAdvice) {
          "    Prnit 1 | Local p:TPlayr = Null\n    Local q:TPlayer = Create TPlayer\n"
          "    Print \"{%Squre(q\\Score)}\" + Sqt(2)\n    If True Then\n        Local gone = 1\n"
          "    EndIf\n    Print gone\n    Print nosuch\n    Local q = 1\n    Repeat | If gone\n"
-         "    Until True\n    EndIf\nEndFunction\nFunction Wrong(a:Int, b:TPlayr)\n    Print a\n"
+         "    Until True\n    EndIf\nEndFunction\nFunction Wrong(a:Int, b:TPlyer)\n    Print a\n"
          "EndFunction\nFunction Right(a:Int)\n    Print \"{%a}{$a}\"\nEndFunction\n"}};
     std::string told;
     for (const korvel::Diagnostic& said : korvel::Inspect(request).result.diagnostics) {
@@ -187,8 +187,8 @@ TEST(Library, GivesAdvice) {
         "14:23 did you mean 'TPlayer'? > 14:23 TPlayer\n16:14 did you mean 'Square'? > 16:14 Square\n"
         "20:11 'gone' was declared in a block that has ended; declare it before the block\n"
         "21:11 nothing that is visible here is called 'nosuch'; Local, Global and Const declare variables\n"
-        "22:11  < 15:11 declared here\n24:5  < 23:5 opened here\n26:25 did you mean 'TPlayer'? > 26:25 "
-        "TPlayer\n30:16 Write {%a} > 30:16 {%a}\n");
+        "22:11  < 15:11 declared here\n24:5  < 23:5 opened here\n27:25 did you mean 'TPlayer'? > 27:25 "
+        "TPlayer\n31:16 Write {%a} > 31:16 {%a}\n");
 }
 
 // A line for what is wrong, the lines that the fix makes of it, and nothing is wrong with them.
