@@ -175,9 +175,12 @@ const void* FirstOf(std::vector<T>& list) {
     return inside != nullptr ? inside : list.data();
 }
 
+// What the items of a Sequence are, also where they tell loops of changes.
+template <class T>
+std::vector<T> AsVector(std::vector<T>&);
 template <class T>
 struct OfClass<T, Sequence> : Simple {
-    typedef Values<decltype(std::declval<T&>()._items)> Inside;
+    typedef Values<decltype(AsVector(std::declval<T&>()._items))> Inside;
     static char Show(T& value, std::string& text) { return Inside::Show(value._items, text); }
     static void List(T& value, Items& items) { Inside::List(value._items, items); }
 };

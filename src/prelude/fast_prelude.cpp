@@ -45,7 +45,7 @@ std::string FastPrelude(bool withTypes) {
     std::string text = FillNames(output.text);
     if (!settings.units) text += output.object;
     text += SeesContainers() ? texts::fastVectorItems : texts::fastItems;
-    text += SequenceText(texts::fastSequence);
+    text += SequenceText(texts::fastSequence, "KVItems");
     text += programUses.timers ? texts::fastScheduler : texts::fastNoTimers;
     if (!withTypes) return text;
     text += std::string("const bool __kvTidyLists = ") + (programUses.inserts ? "false" : "true") + ";\n";

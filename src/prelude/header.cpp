@@ -122,9 +122,9 @@ std::string GlobalSection(const FileOutput& out) {
 
 std::string SupportCode() {
     const std::string text = settings.safeMode ? FillNames(texts::safeDivision) : std::string();
-    const std::string prelude = settings.fastMode
-                                    ? FastPrelude(!symbols.classList.empty())
-                                    : SequenceText(texts::sequence) + std::string(texts::scheduler);
+    const std::string prelude =
+        settings.fastMode ? FastPrelude(!symbols.classList.empty())
+                          : SequenceText(texts::sequence, "std::vector") + std::string(texts::scheduler);
     return text + prelude + SupportText();
 }
 

@@ -86,9 +86,9 @@ std::string SupportObjects() {
     return text;
 }
 
-std::string SequenceText(std::string_view text) {
-    if (!SupportUsed(Support::SequenceWalk)) return Fill(text, {{"SequenceEnd", ""}});
-    return std::string(texts::sequenceEnd) + Fill(text, {{"SequenceEnd", "\n    KVSeqEnd _end;"}});
+std::string SequenceText(std::string_view text, std::string_view items) {
+    if (!SupportUsed(Support::SequenceWalk)) return Fill(text, {{"Items", items}});
+    return Fill(texts::walkedItems, {{"Items", items}}) + Fill(text, {{"Items", "KVWalkedItems"}});
 }
 
 std::string FillNames(std::string_view text) {

@@ -64,8 +64,8 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
         RenewRun();
         RequireSupport(static_cast<Support>(i));
         const std::string name = "support" + std::to_string(i) + ".cpp";
-        Write(name,
-              WithIncludes(FillNames(texts::safeDivision) + SequenceText(texts::sequence) + SupportText()));
+        Write(name, WithIncludes(FillNames(texts::safeDivision) +
+                                 SequenceText(texts::sequence, "std::vector") + SupportText()));
         EXPECT_EQ(Compile("-fsyntax-only", (folder / name).string()), "") << "support row " << i;
     }
     RenewRun();
@@ -73,7 +73,7 @@ TEST_F(GeneratedCode, EverySupportTextCompilesOnItsOwn) {
 
 // Each with no more in front of it than what it builds on.
 TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
-    const std::string sequence = std::string(texts::fastItems) + SequenceText(texts::fastSequence);
+    const std::string sequence = std::string(texts::fastItems) + SequenceText(texts::fastSequence, "KVItems");
     const std::string lists = sequence + "const bool __kvTidyLists = true;\n" +
                               std::string(texts::fastInstances) + std::string(texts::fastSeenLists) +
                               std::string(texts::fastTracked) +
@@ -90,7 +90,7 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
                          "struct Item { int n; bool operator==(const Item& o) const { return n == o.n; } "
                          "int KVL_Compare(Item o) { return n - o.n; } };\ntemplate struct KVRow<Item>;\n"
                          "void Sort(KVSeq<Item>& items) { items.SortCompare(true); }\n"},
-        {"vector_items", std::string(texts::fastVectorItems) + SequenceText(texts::fastSequence)},
+        {"vector_items", std::string(texts::fastVectorItems) + SequenceText(texts::fastSequence, "KVItems")},
         {"scheduler", std::string(texts::fastScheduler)},
         {"no_timers", std::string(texts::fastNoTimers)},
         {"instances", lists + closing +
@@ -108,8 +108,9 @@ TEST_F(GeneratedCode, EveryFastTextCompilesOnItsOwn) {
 
 TEST_F(GeneratedCode, BehavesUnderTheSanitizers) {
     for (int i = 0; i < static_cast<int>(Support::Count); ++i) RequireSupport(static_cast<Support>(i));
-    const std::string prelude = FillNames(texts::safeDivision) + SequenceText(texts::sequence) +
-                                std::string(texts::scheduler) + std::string(texts::iteration) + SupportText();
+    const std::string prelude = FillNames(texts::safeDivision) +
+                                SequenceText(texts::sequence, "std::vector") + std::string(texts::scheduler) +
+                                std::string(texts::iteration) + SupportText();
     RenewRun();
     Write("all_texts.h", "#include <sstream>\n" + WithIncludes(prelude));
     const std::string closing = std::string(texts::classConstructor) + " ~@C@() {\n" +

@@ -8,8 +8,8 @@ inline std::vector<KVSeqBase*>& __kvAllSeqs() { static std::vector<KVSeqBase*> v
 template<typename T>
 class KVSeq : public KVSeqBase {
 public:
-    std::vector<T> _items;
-    size_t _cursor = 0;@SequenceEnd@
+    @Items@<T> _items;
+    size_t _cursor = 0;
     KVSeq() { __kvAllSeqs().push_back(this); }
     ~KVSeq() {
         auto it = std::find(__kvAllSeqs().begin(), __kvAllSeqs().end(), this);

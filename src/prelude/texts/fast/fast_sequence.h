@@ -14,9 +14,9 @@ template<typename Unused> size_t KVSeqCount<Unused>::live = 0;
 inline void __kvScrubSeqs(void* p) {
     for(size_t i = 0; i < __kvAllSeqs().size(); ++i) __kvAllSeqs()[i]->_scrub(p);
 }
-template<typename T, bool Pointers> struct KVSeqItems { KVItems<T> _items; };
+template<typename T, bool Pointers> struct KVSeqItems { @Items@<T> _items; };
 template<typename T> struct KVSeqItems<T, true> : KVSeqBase {
-    KVItems<T> _items;
+    @Items@<T> _items;
     KVSeqItems() { _place = KVSeqCount<void>::live++; __kvAllSeqs().push_back(this); }
     KVSeqItems(const KVSeqItems& o) : KVSeqBase(), _items(o._items) { _place = (size_t)-1; }
     KVSeqItems& operator=(const KVSeqItems& o) { _items = o._items; return *this; }
@@ -34,7 +34,7 @@ template<typename T>
 class KVSeq : public KVSeqItems<T, std::is_pointer<T>::value> {
 public:
     using KVSeqItems<T, std::is_pointer<T>::value>::_items;
-    size_t _cursor = 0;@SequenceEnd@
+    size_t _cursor = 0;
     // 'dead' = a scrubbed (null) slot; only pointer element types can be dead
     bool _isDead(const T& v, std::true_type) const { return v == nullptr; }
     bool _isDead(const T&, std::false_type) const { return false; }

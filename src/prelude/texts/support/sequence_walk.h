@@ -1,9 +1,9 @@
 // A loop over a Sequence that changes meanwhile. The item of a round is a copy, written back when the body
-// has altered it. Who inserts or removes in the body tells the walk first; around calls of routines that may
-// do so the walk is away, and finds its place again by the items. Every item that stays is met once; items
-// that the body adds at the end or in front of those to come are not met. The loop ends when the Sequence goes.
+// has altered it: before others look at the Sequence, or change it. The Sequence tells the walk what comes and
+// goes. Where all items are replaced, the walk finds its place again by them. Every item that stays is met once;
+// those that are added meanwhile are not met. The loop ends when the Sequence goes.
 template<typename T>
-class KVSeqWalk {
+class KVSeqWalk : private KVWalkBase {
 public:
     T item;
     struct Absence {
@@ -11,13 +11,10 @@ public:
         ~Absence() { walk.Back(); }
     };
     explicit KVSeqWalk(KVSeq<T>& walked)
-        : item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false), _added(), _open() {
-        _open.walked = &walked._end;
-        _open.outer = KVSeqEnd::Innermost();
-        KVSeqEnd::Innermost() = &_open;
+        : KVWalkBase(&walked._items), item(), _seq(walked), _original(), _next(), _last(), _index(0), _end(walked.Length()), _length(_end), _here(false), _replaced(false), _added() {
         _load();
     }
-    ~KVSeqWalk() { Store(); KVSeqEnd::Innermost() = _open.outer; }
+    ~KVSeqWalk() { Store(); }
     bool HasItem() const { return _index < _end && _index < _size(); }
     void Next() {
         Store();
@@ -38,6 +35,7 @@ public:
     }
     void Back() {
         const int more = _size() - _length;
+        _replaced = false;
         if(more == 0) {
             if(_here && !_holds(_index, _original)) _reload();
             return;
@@ -52,37 +50,14 @@ public:
         _follow(more);
     }
     void Leave() { Store(); _added.clear(); _here = false; }
-    int Inserting(int at) {
-        Store();
-        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] >= at) ++_added[i];
-        if(at > _index && at < _end) _added.push_back(at);
-        if(at <= _index) ++_index;
-        if(at < _end) ++_end;
-        ++_length;
-        return at;
-    }
-    void InsertingFirst() { Inserting(0); }
-    int Removing(int at) {
-        Store();
-        if(at < 0 || at >= _size()) return at;
-        _added.resize(std::remove(_added.begin(), _added.end(), at) - _added.begin());
-        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] > at) --_added[i];
-        if(at == _index) _here = false;
-        if(at <= _index) --_index;
-        if(at < _end) --_end;
-        if(at == _end && _end > 0) _last = _seq._items[_end - 1];
-        --_length;
-        return at;
-    }
-    const T& RemovingValue(const T& value) {
-        Store();
-        Removing(_size() == 0 ? -1 : _seq.Find(value));
-        return value;
-    }
+    int Inserting(int at) { Store(); return at; }
+    void InsertingFirst() { Store(); }
+    int Removing(int at) { Store(); return at; }
+    const T& RemovingValue(const T& value) { Store(); return value; }
     // The same of a Sequence that may not be the one that is walked any more.
     void Leave(KVSeq<T>& seq) { if(&seq == &_seq) Leave(); }
     int Inserting(KVSeq<T>& seq, int at) { return &seq == &_seq ? Inserting(at) : at; }
-    void InsertingFirst(KVSeq<T>& seq) { if(&seq == &_seq) Inserting(0); }
+    void InsertingFirst(KVSeq<T>& seq) { if(&seq == &_seq) InsertingFirst(); }
     int Removing(KVSeq<T>& seq, int at) { return &seq == &_seq ? Removing(at) : at; }
     const T& RemovingValue(KVSeq<T>& seq, const T& value) { return &seq == &_seq ? RemovingValue(value) : value; }
 private:
@@ -90,9 +65,30 @@ private:
     T _original, _next, _last;  // the item as the Sequence has it, the one behind it, the last one to be met
     int _index, _end, _length;
     bool _here;  // the item still has its place in the Sequence
+    bool _replaced;  // there may be other items since the walk last looked, which it has not been told of
     std::vector<int> _added;  // places of what was put in front of items to come
-    KVSeqEnd::Walk _open;
-    int _size() const { return _open.walked == nullptr ? 0 : _seq.Length(); }
+    int _size() const { return this->walked == nullptr ? 0 : _seq.Length(); }
+    void Inserted(int at) {
+        if(_replaced) return;
+        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] >= at) ++_added[i];
+        if(at > _index && at < _end) _added.push_back(at);
+        if(at <= _index) ++_index;
+        if(at < _end) ++_end;
+        ++_length;
+    }
+    void Removed(int at) {
+        if(_replaced) return;
+        _added.resize(std::remove(_added.begin(), _added.end(), at) - _added.begin());
+        for(size_t i = 0; i < _added.size(); ++i) if(_added[i] > at) --_added[i];
+        if(at == _index) _here = false;
+        if(at <= _index) --_index;
+        if(at < _end) --_end;
+        --_length;
+    }
+    void Replacing() {
+        if(!_replaced) _mark();
+        _replaced = true;
+    }
     bool _holds(int at, const T& value) const { return at >= 0 && at < _size() && _seq._items[at] == value; }
     void _mark() {
         if(_index + 1 < _end && _index + 1 < _size()) _next = _seq._items[_index + 1];
