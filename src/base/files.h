@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "base/long_text.h"
+
 // What the file system knows about a path; a link at its end is not followed.
 struct FileFacts {
     enum class Kind : unsigned char { Unknown, Missing, Regular, Link, Other };
@@ -23,6 +25,7 @@ bool MayChangeFolder(const std::string& folder);
 // time. A link, or a file with a second name, is replaced: nothing is written to where it leads. False when that
 // fails; a file that could not be written whole is not left behind then.
 bool WriteContents(const std::string& path, const std::string& text);
+bool WriteContents(const std::string& path, const LongText& text);
 
 // Keeps other runs out of a folder while it lives. One that takes longer than some seconds is not waited for, nor is
 // anybody where the system cannot lock a folder.

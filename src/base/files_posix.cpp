@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
 #include "base/files.h"
 
@@ -87,11 +89,12 @@ public:
 
     // The size of a regular file; -1 for everything else.
     off_t Size() const { return size; }
-    bool Holds(const std::string& text) const {
+    bool Holds(std::string_view text, std::size_t begin) const {
         char buffer[65536];
         for (std::size_t at = 0; at < text.size();) {
-            const ssize_t got = pread(handle, buffer, sizeof buffer, static_cast<off_t>(at));
-            if (got <= 0 || static_cast<std::size_t>(got) > text.size() - at) return false;
+            const std::size_t wanted = std::min(sizeof buffer, text.size() - at);
+            const ssize_t got = pread(handle, buffer, wanted, static_cast<off_t>(begin + at));
+            if (got <= 0) return false;
             if (std::memcmp(buffer, text.data() + at, static_cast<std::size_t>(got)) != 0) return false;
             at += static_cast<std::size_t>(got);
         }
@@ -130,17 +133,47 @@ private:
     }
 };
 
-}  // namespace
+// A text in parts that lie in a row.
+struct Parts {
+    const std::string *first, *last;
 
-bool WriteContents(const std::string& path, const std::string& text) {
+    std::size_t Size() const {
+        std::size_t size = 0;
+        for (const std::string* part = first; part != last; ++part) size += part->size();
+        return size;
+    }
+    bool AreIn(const OpenFile& file) const {
+        std::size_t begin = 0;
+        for (const std::string* part = first; part != last; begin += part++->size())
+            if (!file.Holds(*part, begin)) return false;
+        return true;
+    }
+    bool GoTo(const OpenFile& file) const {
+        return std::all_of(first, last, [&file](const std::string& part) { return file.Write(part); });
+    }
+};
+
+bool WriteParts(const std::string& path, const Parts& text) {
     OpenFile file(path);
     file.ReplaceLink(path);
     if (file.Size() < 0) return false;
     // Emptying a file first would make ext4 write it to the disk when it is closed.
-    const auto size = static_cast<std::size_t>(file.Size());
-    if (size == text.size() && file.Holds(text)) return true;
-    const bool written = file.Write(text) && (size <= text.size() || file.Cut(text.size()));
+    const auto before = static_cast<std::size_t>(file.Size());
+    const std::size_t size = text.Size();
+    if (before == size && text.AreIn(file)) return true;
+    const bool written = text.GoTo(file) && (before <= size || file.Cut(size));
     if (file.Close() && written) return true;
     unlink(path.c_str());
     return false;
+}
+
+}  // namespace
+
+bool WriteContents(const std::string& path, const std::string& text) {
+    return WriteParts(path, {&text, &text + 1});
+}
+
+bool WriteContents(const std::string& path, const LongText& text) {
+    const std::vector<std::string>& parts = text.Parts();
+    return WriteParts(path, {parts.data(), parts.data() + parts.size()});
 }

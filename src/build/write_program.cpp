@@ -7,6 +7,7 @@
 #include "base/report.h"
 #include "base/settings.h"
 #include "base/utf8.h"
+#include "lexer/source_lines.h"
 #include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
@@ -98,6 +99,7 @@ void WriteFinished(const std::vector<std::string>& sources) {
 }
 
 void WriteProgram() {
+    ForgetTokens();  // their room is that of the texts
     if (settings.units) return WriteUnits();
     std::vector<const FileOutput*> included;
     for (const FileOutput& file : program.files)

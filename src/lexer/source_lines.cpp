@@ -44,6 +44,11 @@ void ForgetLines(const std::string& path) {
     std::vector<CutStatement>().swap(found->second->statements);
 }
 
+void ForgetTokens() {
+    cutFiles.clear();
+    cutAgain.clear();
+}
+
 void CutFiles(const std::vector<std::string>& paths) {
     std::vector<std::pair<const std::string, std::shared_ptr<CutFile>>*> added;
     for (const std::string& path : paths)

@@ -106,6 +106,9 @@ void CutFiles(const std::vector<std::string>& paths);
 // again, and the tokens of that are others.
 void ForgetLines(const std::string& path);
 
+// Frees all that was read of the files, tokens too, when nothing is asked of the program any more.
+void ForgetTokens();
+
 // All tokens of a file that has been read; none for other files.
 TokenSpan TokensOf(const std::string& file);
 

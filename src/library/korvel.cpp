@@ -77,7 +77,7 @@ void TakeOutputs(Result& result) {
     DescribeProgram(result);
     if (settings.units) {
         return MakeUnits(program, [&result](ProgramFile&& file) {
-            result.files.push_back({std::move(file.path), std::move(file.text)});
+            result.files.push_back({std::move(file.path), file.text.Joined()});
         });
     }
     for (const FileOutput& out : program.files) {

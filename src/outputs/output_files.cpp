@@ -87,6 +87,12 @@ Reservation Reserve(const std::string& path) {
     return reservation;
 }
 
+// What is written does not go when the run ends.
+void Keep(const std::string& path) {
+    const auto reservation = reservations.find(path);
+    if (reservation != reservations.end()) reservation->second.passing = false;
+}
+
 bool IsReservedOutside(const std::string& path) {
     const auto reservation = reservations.find(path);
     return reservation != reservations.end() && reservation->second.outside;
@@ -135,10 +141,15 @@ bool ReserveOutput(const std::string& path) {
 }
 
 bool WriteOutput(const std::string& path, const std::string& text) {
-    const auto reservation = reservations.find(path);
-    if (reservation != reservations.end()) reservation->second.passing = false;
+    Keep(path);
     if (settings.checkOnly) return true;
     return IsReservedOutside(path) ? WriteMarked(path, text) : WriteContents(path, text);
+}
+
+bool WriteOutput(const std::string& path, const LongText& text) {
+    Keep(path);
+    if (settings.checkOnly) return true;
+    return IsReservedOutside(path) ? WriteMarked(path, text.Joined()) : WriteContents(path, text);
 }
 
 void DropOutput(const std::string& path) {

@@ -8,6 +8,8 @@
 
 #include <string>
 
+#include "base/long_text.h"
+
 // An Include that climbs ("../lib/util.kvl"), or a link in its path, leads out of the output folder.
 bool LiesOutside(const std::string& path);
 // Whether a file that is there may be overwritten and deleted: outside the output folder, one that a run of ours wrote.
@@ -28,6 +30,7 @@ void DeletePutOff(const std::string& path);
 bool ReserveOutput(const std::string& path);
 // Writes an output. Different ones can be written at the same time. False when that fails.
 bool WriteOutput(const std::string& path, const std::string& text);
+bool WriteOutput(const std::string& path, const LongText& text);
 // Sees to it that a reserved output is not there. A file of the user's may be.
 void DropOutput(const std::string& path);
 

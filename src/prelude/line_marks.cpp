@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/run.h"
 #include "base/settings.h"
 #include "base/utf8.h"
 #include "linking/runtime_code.h"
@@ -18,16 +19,29 @@ std::string ShownPath(const std::string& source) {
 
 namespace {
 
-std::string Mark(int line, const std::string& file) {
-    return "#line " + std::to_string(line) + " " + CppLiteral(file) + "\n";
+// The source that was marked last, in a C++ literal that is still open: most marks are of the same as the one before.
+struct MarkedSource {
+    std::string path, opened;
+};
+MarkedSource markedSource;
+const PartOfRun partOfRun(markedSource);
+
+const std::string& OpenedLiteral(const std::string& source) {
+    if (markedSource.path != source || markedSource.opened.empty()) {
+        markedSource = {source, CppLiteral(ShownPath(source))};
+        markedSource.opened.pop_back();
+    }
+    return markedSource.opened;
+}
+
+std::string Mark(int line, const std::string& source, int anchor) {
+    std::string mark = "#line " + std::to_string(line) + " " + OpenedLiteral(source);
+    if (anchor != 0) mark += "@" + std::to_string(anchor);
+    return mark += "\"\n";
 }
 
 // Modules of the installation are not edited.
 bool IsAnchored(const FileOutput& out) { return settings.units && !out.isModule; }
-
-std::string AnchorName(const FileOutput& out, int number) {
-    return ShownPath(out.source) + "@" + std::to_string(number);
-}
 
 int NewAnchor(FileOutput& out, int line) {
     out.anchors.push_back(line);
@@ -48,13 +62,13 @@ std::string LineMark(FileOutput& out, Piece& piece, int line, bool named) {
         shown = std::max(1, line - piece.anchorLine + 1);
     }
     if (!named) return "#line " + std::to_string(shown) + "\n";
-    return Mark(shown, piece.anchor == 0 ? ShownPath(settings.currentFile) : AnchorName(out, piece.anchor));
+    return Mark(shown, piece.anchor == 0 ? settings.currentFile : out.source, piece.anchor);
 }
 
 std::string MarkOfPlace(FileOutput& out) {
     if (!IsPlaceKnown()) return {};
-    if (IsAnchored(out)) return Mark(1, AnchorName(out, NewAnchor(out, settings.currentLine)));
-    return Mark(settings.currentLine, ShownPath(settings.currentFile));
+    if (IsAnchored(out)) return Mark(1, out.source, NewAnchor(out, settings.currentLine));
+    return Mark(settings.currentLine, settings.currentFile, 0);
 }
 
 std::string MarkOfPiece(FileOutput& out) {
@@ -62,9 +76,11 @@ std::string MarkOfPiece(FileOutput& out) {
 }
 
 std::string AnchorLines(const FileOutput& out) {
+    const std::string name = ShownPath(out.source) + "@";
     std::string lines;
     int number = 0;
-    for (const int line : out.anchors) lines += AnchorName(out, ++number) + " " + std::to_string(line) + "\n";
+    for (const int line : out.anchors)
+        ((lines += name) += std::to_string(++number)) += " " + std::to_string(line) + "\n";
     return lines;
 }
 

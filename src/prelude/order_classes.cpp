@@ -21,7 +21,7 @@ using PieceVisit = std::function<void(FileOutput&, Piece&)>;
 void ForEachPiece(FileOutput& file, FilesBySource& unseen, const PieceVisit& visit) {
     if (unseen.erase(file.source) == 0 || file.headerOnly) return;
     for (Piece& piece : file.pieces) {
-        const auto included = piece.kind == Kind::Include ? unseen.find(piece.file) : unseen.end();
+        const auto included = piece.kind == Kind::Include ? unseen.find(piece.rest.Get().file) : unseen.end();
         if (included != unseen.end()) ForEachPiece(*included->second, unseen, visit);
         visit(file, piece);
     }
@@ -158,9 +158,11 @@ void ForEachPiece(Program& program, const PieceVisit& visit) {
 Piece TakeMethodBody(Piece& method) {
     Piece body;
     body.kind = Kind::Function;
-    body.text = method.definitionHead + "\n" + method.text.substr(method.braceAt);
-    body.partPaths = std::move(method.partPaths);
-    for (PartPath& part : body.partPaths) part.at += method.definitionHead.size() + 1 - method.braceAt;
+    body.rest = std::move(method.rest);
+    const std::string& head = body.rest.Get().definitionHead;
+    body.text = head + "\n" + method.text.substr(method.braceAt);
+    if (!body.rest.Get().partPaths.empty())
+        for (PartPath& part : body.rest.Make().partPaths) part.at += head.size() + 1 - method.braceAt;
     method.text.resize(method.signatureEnd);
     method.text += ";\n";
     return body;
@@ -177,13 +179,15 @@ void OrderRoutines(Program& program) {
     ForEachPiece(program, [&](FileOutput& file, Piece& piece) {
         if (piece.kind == Kind::ClassClose) defined.insert(piece.cls);
         if (AllDefined(piece, defined)) return;
-        if (piece.kind == Kind::Method && !piece.definitionHead.empty())
+        if (piece.kind == Kind::Method && !piece.rest.Get().definitionHead.empty())
             late.push_back(TakeMethodBody(piece));
         bool routine = piece.kind == Kind::Function || piece.kind == Kind::Main;
         if (!routine || (&file == program.main && piece.kind == Kind::Main)) return;
         late.push_back(std::exchange(piece, Piece()));
     });
-    for (Piece& piece : late) RewritePartPaths(*program.main, piece.text, piece.partPaths);
+    for (Piece& piece : late)
+        if (!piece.rest.Get().partPaths.empty())
+            RewritePartPaths(*program.main, piece.text, piece.rest.Make().partPaths);
     auto& pieces = program.main->pieces;
     pieces.insert(pieces.end(), late.begin(), late.end());
 }

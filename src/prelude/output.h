@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/rare.h"
 #include "symbols/symbols.h"
 
 // The path of a part (a file included inside a routine) in the text that includes it.
@@ -31,12 +32,16 @@ struct Piece {
         Include,     // the #include line of an included .cpp
         Definition,  // of a Global that the header declares extern
     };
+    // A program has so many pieces that what few of them have stands apart.
+    struct Rest {
+        std::string definitionHead;       // Method: the signature line outside the class
+        std::vector<PartPath> partPaths;  // routines: in order
+        Token file;                       // Include: the included source as opened
+    };
     std::string text;
-    std::string definitionHead;           // Method: the signature line outside the class
     std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
-    std::vector<PartPath> partPaths;      // routines: in order
     const ClassInfo* cls = nullptr;       // the class that the piece belongs to
-    Token file;                           // Include: the included source as opened
+    Rare<Rest> rest;
     // Routines: where the text of the signature begins and ends, and the line of the opening brace.
     std::uint32_t signatureAt = 0, signatureEnd = 0, braceAt = 0, bodyAt = 0;
     int anchor = 0;  // the number of that of its marks, see line_marks.h; 0 without one

@@ -42,11 +42,10 @@ public:
     UnitMaker(Program& p, const std::function<void(ProgramFile&&)>& takes) : program(p), take(takes) {}
 
     void Run() {
-        header = Opened(program.main->guard) + Including(folderOfUnits + std::string("prelude.h")) + "\n" +
-                 weakRoutines;
-        header.reserve(SizeOfPieces());
+        header += Opened(program.main->guard) + Including(folderOfUnits + std::string("prelude.h")) + "\n" +
+                  weakRoutines;
         for (const FileOutput* file : program.headers) Declare(*file);
-        globals = ReadingAnchors() + FastObjects();
+        globals += UnitOpening() + ReadingAnchors() + FastObjects();
         ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Take(file, piece); });
         EndUnit();
         HandOverRest();
@@ -55,33 +54,24 @@ public:
 private:
     Program& program;
     const std::function<void(ProgramFile&&)>& take;
-    std::string modules, header, globals, lastDefinitions, mainText;
+    LongText header, globals, lastDefinitions;
+    std::string modules, mainText;
     std::string unit;                    // the last one
     std::size_t units = 0;               // how many have been handed over
     const FileOutput* unitOf = nullptr;  // the file whose routines the last one has
     std::size_t routines = 0;            // how many it has
 
-    // More than any file will have; what is not used of it costs nothing.
-    std::size_t SizeOfPieces() const {
-        std::size_t size = 0;
-        for (const FileOutput& file : program.files)
-            for (const Piece& piece : file.pieces) size += piece.text.size();
-        return size;
-    }
-
-    void HandOver(const std::string& name, std::string&& text) const {
+    void HandOver(const std::string& name, LongText&& text) const {
         take({program.main->folder + "/" + name, std::move(text)});
     }
 
     static std::string PathOfUnit(const std::string& name) { return folderOfUnits + name + ".cpp"; }
 
-    void HandOverUnit(const std::string& name, const std::string& text) const {
-        HandOver(PathOfUnit(name), Including("../" + program.main->base + ".h") + "\n" + text);
-    }
+    std::string UnitOpening() const { return Including("../" + program.main->base + ".h") + "\n"; }
 
     void EndUnit() {
-        if (routines != 0) HandOverUnit(std::to_string(++units), unit);
-        unit.clear();
+        if (routines != 0) HandOver(PathOfUnit(std::to_string(++units)), std::move(unit));
+        unit = UnitOpening();
         routines = 0;
     }
 
@@ -91,7 +81,10 @@ private:
         HandOver(folderOfUnits + std::string("prelude.h"), PreludeText());
         header += OwnMark() + closing;
         HandOver(main.base + ".h", std::move(header));
-        HandOverUnit("globals", globals + Definitions() + lastDefinitions + mainText);
+        AddDefinitions();
+        for (const std::string& part : lastDefinitions.Parts()) globals += part;
+        globals += mainText;
+        HandOver(PathOfUnit("globals"), std::move(globals));
         std::string whole, list;
         const auto add = [&](const std::string& path) {
             whole += Including(path);
@@ -113,8 +106,8 @@ private:
         return "static const bool __kvPlacesRead = (__kvReadPlaces(" + CppLiteral(path) + "), true);\n";
     }
 
-    std::string Anchors() const {
-        std::string lines;
+    LongText Anchors() const {
+        LongText lines;
         for (const FileOutput& file : program.files) lines += AnchorLines(file);
         return lines;
     }
@@ -127,19 +120,19 @@ private:
     }
 
     void Declare(const FileOutput& file) {
-        header += file.headerClasses + file.headerFunctions;
+        header += file.headerClasses;
+        header += file.headerFunctions;
         for (const GlobalDefinition& global : file.globals)
             header += (IsKnownEverywhere(global) ? global.mark + global.plain : global.declaration) + "\n";
     }
 
     // Globals in today's order: those of the headers, then those that had to leave them.
-    std::string Definitions() const {
-        std::string text;
+    void AddDefinitions() {
         for (const FileOutput* file : program.headers)
             for (const GlobalDefinition& global : file->globals)
                 if (!global.moved && !IsKnownEverywhere(global))
-                    text += global.mark + global.definition + "\n";
-        return text + program.main->headerLate;
+                    globals += global.mark + global.definition + "\n";
+        globals += program.main->headerLate;
     }
 
     void AddRoutine(const FileOutput& file, const std::string& text) {
@@ -174,7 +167,10 @@ private:
                 header += piece.text;
                 break;
             case Kind::Lines:
-                (file.isModule ? modules : header) += piece.text;
+                if (file.isModule)
+                    modules += piece.text;
+                else
+                    header += piece.text;
                 break;
             case Kind::Opening:
             case Kind::Include:

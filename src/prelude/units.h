@@ -13,6 +13,7 @@
 #include <functional>
 #include <string>
 
+#include "base/long_text.h"
 #include "prelude/order.h"
 
 constexpr const char* folderOfUnits = "units/";
@@ -21,7 +22,8 @@ constexpr const char* folderOfUnits = "units/";
 bool CanComeInUnits();
 
 struct ProgramFile {
-    std::string path, text;
+    std::string path;
+    LongText text;
 };
 
 // Hands over all files of the program one by one, NAME.units last. It takes the texts out of the pieces.

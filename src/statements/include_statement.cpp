@@ -11,7 +11,7 @@
 namespace {
 
 void EmitIncludeLine(State& state, const FileOutput& included) {
-    BeginPiece(*state.out, Piece::Kind::Include).file = included.source;
+    BeginPiece(*state.out, Piece::Kind::Include).rest.Make().file = included.source;
     if (!included.headerOnly)
         EmitLine(state,
                  "#include \"" + PathSeenFrom(*state.out, StripExtension(included.header) + ".cpp") + "\"");

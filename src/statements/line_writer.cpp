@@ -41,8 +41,8 @@ void MarkLine(State& state, int number) {
 void NoteMarked(State& state) {
     const std::string& text = state.out->pieces.back().text;
     MarkedPlace& marked = state.marked;
-    const auto from = text.begin() + static_cast<std::ptrdiff_t>(std::min(marked.size, text.size()));
-    marked.line += static_cast<int>(std::count(from, text.end(), '\n'));
+    for (std::size_t end = text.find('\n', marked.size); end != std::string::npos; end = text.find('\n', end + 1))
+        ++marked.line;
     marked.size = text.size();
 }
 

@@ -121,5 +121,5 @@ void SettleText(State& state) {
     SettledText settled = Settle(state, {}, EndOf(state), *state.out);
     Piece& piece = state.out->pieces.back();
     piece.text = std::move(settled.text);
-    piece.partPaths = std::move(settled.paths);
+    if (!settled.paths.empty()) piece.rest.Make().partPaths = std::move(settled.paths);
 }

@@ -232,8 +232,9 @@ void BeginMethodPiece(State& state, const Routine& method) {
     const std::string result = special ? "" : ResultCppName(method.result) + " ";
     Piece& piece = BeginPiece(*state.out, Piece::Kind::Method, state.cls);
     DeclareParameters(method);
-    piece.definitionHead = MarkOfPiece(*state.out) + result +
-                           NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
+    piece.rest.Make().definitionHead =
+        MarkOfPiece(*state.out) + result +
+        NameAndParameters(method, state.cls->cppName + "::" + method.cppName, false);
     EmitOpening(state, result + NameAndParameters(method, method.cppName, true),
                 LinesBeforePoll(state, method));
 }

@@ -114,12 +114,10 @@ void WarnOfUnusedLocals() {
         if (mentioned.Of(*local.name) == declared[local.name]) WarnOf(local.warning, local.about);
 }
 
-bool IsInMainFile() { return FileId(settings.currentFile) == FileId(settings.mainSource); }
-
 void WatchDeclarations(const State& state, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     if (word == Keyword::Local) NoteDeclared(statement, watched.locals);
-    if (InRoutine(state) || !IsInMainFile() || state.inExtern) return;
+    if (InRoutine(state) || !state.out->isMain || state.inExtern) return;
     if (word == Keyword::Global) NoteDeclared(statement, declaredAtTop);  // Consts may belong together
     if (word == Keyword::Function && !IsWord(statement[1], "main"))
         declaredAtTop.push_back({&statement.At(1), Kept(statement.Slice(1, 2)), "unused-function"});
@@ -130,11 +128,11 @@ void BeginRoutine() {
     mentioned.Begin();
 }
 
-void EndRoutine() {
+void EndRoutine(const State& state) {
     if (!symbols.inlineCpp && !AnyMistakes()) WarnOfUnusedLocals();
     EndSequences();
     EndLoops();
-    if (watched.name != nullptr && IsInMainFile())
+    if (watched.name != nullptr && state.out->isMain)
         mentionsInOwnBody[watched.name] += mentioned.Of(*watched.name);
     BeginRoutine();
 }
@@ -155,7 +153,7 @@ void WatchRoutine(const State& state, TokenSpan statement) {
     WatchReach(state, statement);
     WatchLoops(statement);
     WatchSequences(statement);
-    if (Has(BlockOf(word), trait::routine)) EndRoutine();
+    if (Has(BlockOf(word), trait::routine)) EndRoutine(state);
 }
 
 void WarnOfUnused() {

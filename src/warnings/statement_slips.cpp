@@ -108,8 +108,8 @@ TokenSpan ComparesInstead(const State&, TokenSpan statement) {
 
 // n = n
 TokenSpan AssignsToItself(const State&, TokenSpan statement) {
-    const std::size_t equals = statement.FindEquals();
-    if (equals == noToken || statement.size() != 2 * equals + 1 ||
+    const std::size_t equals = statement.size() / 2;
+    if (statement.size() % 2 == 0 || !statement.IsEquals(equals) || statement.FindEquals() != equals ||
         Has(statement.KeywordAt(0), trait::variables))
         return {};
     const TokenSpan target = statement.Slice(0, equals), value = statement.From(equals + 1);

@@ -18,22 +18,31 @@
 
 namespace {
 
+// The rows that look at something of the kind: there is much of each.
+template <class Routine>
+std::vector<const WarningRow*> RowsWith(Routine WarningRow::*look) {
+    std::vector<const WarningRow*> found;
+    for (const WarningRow& row : AllWarnings())
+        if (row.*look != nullptr) found.push_back(&row);
+    return found;
+}
+
 void Look(const State& state, TokenSpan statement) {
+    static const std::vector<const WarningRow*> rows = RowsWith(&WarningRow::inStatement);
     WatchRoutine(state, statement);
-    for (const WarningRow& row : AllWarnings()) {
-        if (row.inStatement == nullptr) continue;
-        const TokenSpan about = row.inStatement(state, statement);
-        if (!about.empty()) WarnOf(row, Kept(about));
+    for (const WarningRow* row : rows) {
+        const TokenSpan about = row->inStatement(state, statement);
+        if (!about.empty()) WarnOf(*row, Kept(about));
     }
 }
 
 // In an operator, or an item of an array, by the routine of the rows that looks at such.
 template <class Seen, TokenSpan (*WarningRow::*look)(const Seen&)>
 void LookAt(const Seen& seen) {
-    for (const WarningRow& row : AllWarnings()) {
-        if (row.*look == nullptr) continue;
-        const TokenSpan about = (row.*look)(seen);
-        if (!about.empty()) WarnOf(row, Kept(about));
+    static const std::vector<const WarningRow*> rows = RowsWith(look);
+    for (const WarningRow* row : rows) {
+        const TokenSpan about = (row->*look)(seen);
+        if (!about.empty()) WarnOf(*row, Kept(about));
     }
 }
 
