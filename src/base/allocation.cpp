@@ -2,7 +2,8 @@
 // the whole run. Blocks of one size lie side by side in spans, which are cut from large chunks, and are kept in a list
 // for their size when they are freed; nothing goes back to the system before the end. The largest blocks are left to malloc.
 // A thread has a pool to itself, and the next thread takes it over. Blocks go back to the pool that they are from,
-// whoever frees them: what one thread makes for another one, again and again, is the same memory each time.
+// whoever frees them: what one thread makes for another one, again and again, is the same memory each time. Pages that hold
+// nothing in a pool that nobody has go to whoever needs some.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -36,10 +37,15 @@ constexpr std::size_t listCount = finest + 1 + 4 * std::size_t{10};
 
 struct Pool;
 
+// Of a page in which blocks begin.
+struct PageOfBlocks {
+    Pool* pool = nullptr;     // null when malloc has given the chunk, for one block
+    std::uint32_t units = 0;  // of each of the blocks
+};
+
 // In front of every chunk.
 struct Chunk {
-    Pool* pool = nullptr;                                 // null when malloc has given it, for one block
-    std::array<std::uint32_t, chunkSize / page> units{};  // of the blocks that begin in the page
+    std::array<PageOfBlocks, chunkSize / page> pages{};
 };
 constexpr std::size_t chunkHeader = (sizeof(Chunk) + page - 1) / page * page;
 
@@ -122,7 +128,7 @@ std::size_t OffsetInChunk(const void* block) {
 Chunk& ChunkOf(void* block) {
     return *reinterpret_cast<Chunk*>(static_cast<char*>(block) - OffsetInChunk(block));
 }
-std::uint32_t& UnitsOf(void* block) { return ChunkOf(block).units[OffsetInChunk(block) / page]; }
+PageOfBlocks& PageOf(void* block) { return ChunkOf(block).pages[OffsetInChunk(block) / page]; }
 
 void AddRest(Pool& pool, char* at, std::size_t size) {
     if (size >= page) pool.rests = new (at) Rest{size, pool.rests};
@@ -134,21 +140,30 @@ bool AddChunk(Pool& pool) {
     const std::size_t size = isFirst ? firstChunk : chunkSize;
     void* const memory = isFirst ? Aligned(size) : LargeChunk(pool.chunks);
     if (memory == nullptr) return false;
-    new (memory) Chunk{&pool, {}};
+    new (memory) Chunk;
     AddRest(pool, static_cast<char*>(memory) + chunkHeader, size - chunkHeader);
     return true;
 }
 
-// Null without any.
-char* PagesOfRests(Pool& pool, std::size_t size) {
+struct Pages {
+    char* at = nullptr;
+    std::size_t size = 0;
+};
+
+// As many as are wanted, or fewer where a rest has no more, but `least`. None where there are not so many.
+Pages PagesOfRests(Pool& pool, std::size_t least, std::size_t wanted) {
     for (Rest** link = &pool.rests; *link != nullptr; link = &(*link)->next) {
         const Rest rest = **link;
-        if (rest.size < size) continue;
+        if (rest.size < least) continue;
         char* const pages = reinterpret_cast<char*>(*link);
-        *link = rest.size < size + page ? rest.next : new (pages + size) Rest{rest.size - size, rest.next};
-        return pages;
+        if (rest.size < wanted + page) {
+            *link = rest.next;
+            return {pages, rest.size / page * page};
+        }
+        *link = new (pages + wanted) Rest{rest.size - wanted, rest.next};
+        return {pages, wanted};
     }
-    return nullptr;
+    return {};
 }
 
 // Large blocks that nobody has now can be anything.
@@ -156,42 +171,61 @@ void TakeFreedSpans(Pool& pool) {
     for (std::size_t list = Size(ownSpan).list; list < listCount; ++list)
         for (FreeBlock* block = std::exchange(pool.lists[list].freed, nullptr); block != nullptr;) {
             FreeBlock* const following = block->next;
-            AddRest(pool, reinterpret_cast<char*>(block), UnitsOf(block) * unit);
+            AddRest(pool, reinterpret_cast<char*>(block), PageOf(block).units * unit);
             block = following;
         }
-}
-
-char* TakePages(Pool& pool, std::size_t size) {
-    if (char* const pages = PagesOfRests(pool, size)) return pages;
-    TakeFreedSpans(pool);
-    if (char* const pages = PagesOfRests(pool, size)) return pages;
-    const bool tooSmall = pool.chunks == 0 && size > firstChunk - chunkHeader;
-    if (!AddChunk(pool) || (tooSmall && !AddChunk(pool))) return nullptr;
-    return PagesOfRests(pool, size);
-}
-
-// The more blocks of a size there are, the more are made at once.
-bool BeginSpan(Pool& pool, BlockList& list, std::size_t units) {
-    const bool isOwn = units >= ownSpan;
-    const std::size_t size =
-        isOwn ? units * unit : std::max(list.nextSpan, (units * unit + page - 1) / page * page);
-    char* const span = TakePages(pool, size);
-    if (span == nullptr) return false;
-    for (std::size_t at = 0; at < size; at += page) UnitsOf(span + at) = static_cast<std::uint32_t>(units);
-    list.at = span;
-    list.end = span + size;
-    list.nextSpan = std::min(size * 2, largestSpan);
-    return true;
 }
 
 void TakeBack(Pool& pool) {
     for (FreeBlock* block = pool.returned.exchange(nullptr, std::memory_order_acquire); block != nullptr;) {
         FreeBlock* const following = block->next;
-        FreeBlock*& first = pool.lists[Size(UnitsOf(block)).list].freed;
+        FreeBlock*& first = pool.lists[Size(PageOf(block).units).list].freed;
         block->next = first;
         first = block;
         block = following;
     }
+}
+
+// Of the pools whose threads have ended.
+void TakeRestsOfOthers(Pool& pool) {
+    for (Pool* other = pools.load(std::memory_order_acquire); other != nullptr; other = other->next) {
+        if (other->isTaken.exchange(true, std::memory_order_acquire)) continue;
+        TakeBack(*other);
+        TakeFreedSpans(*other);
+        while (Rest* const rest = other->rests) {
+            other->rests = rest->next;
+            rest->next = std::exchange(pool.rests, rest);
+        }
+        other->isTaken.store(false, std::memory_order_release);
+    }
+}
+
+Pages TakePages(Pool& pool, std::size_t least, std::size_t wanted) {
+    Pages pages = PagesOfRests(pool, least, wanted);
+    for (const auto findMore : {TakeFreedSpans, TakeRestsOfOthers}) {
+        if (pages.at != nullptr) return pages;
+        findMore(pool);
+        pages = PagesOfRests(pool, least, wanted);
+    }
+    if (pages.at != nullptr) return pages;
+    const bool tooSmall = pool.chunks == 0 && least > firstChunk - chunkHeader;
+    if (!AddChunk(pool) || (tooSmall && !AddChunk(pool))) return {};
+    return PagesOfRests(pool, least, wanted);
+}
+
+// The more blocks of a size there are, the more are made at once.
+bool BeginSpan(Pool& pool, BlockList& list, std::size_t units) {
+    const bool isOwn = units >= ownSpan;
+    const std::size_t least = (units * unit + page - 1) / page * page;
+    const std::size_t wanted = isOwn ? least : std::max(list.nextSpan, least);
+    const Pages span = TakePages(pool, least, wanted);
+    if (span.at == nullptr) return false;
+    for (std::size_t at = 0; at < span.size; at += page)
+        PageOf(span.at + at) = {&pool, static_cast<std::uint32_t>(units)};
+    list.at = span.at;
+    list.end = span.at + span.size;
+    list.nextSpan = std::min(wanted * 2, largestSpan);
+    return true;
 }
 
 // The thread has no pool yet. Whoever asks for memory behind its end takes one more for good.
@@ -211,8 +245,9 @@ Pool* BeginThread() {
 void* FromMalloc(std::size_t size) {
     void* const memory = size <= SIZE_MAX - 2 * chunkHeader ? Aligned(size + chunkHeader) : nullptr;
     if (memory == nullptr) FailAllocation();
-    ::new (memory) Pool*(nullptr);  // of the chunk
-    return static_cast<char*>(memory) + chunkHeader;
+    void* const block = static_cast<char*>(memory) + chunkHeader;
+    ::new (&PageOf(block)) PageOfBlocks;
+    return block;
 }
 
 void* FromSpan(Pool& pool, const Size& size) {
@@ -241,11 +276,11 @@ void* Allocate(std::size_t size) {
 
 void Free(void* block) {
     if (block == nullptr) return;
-    Chunk& chunk = ChunkOf(block);
-    Pool* const pool = chunk.pool;
-    if (pool == nullptr) return FreeAligned(&chunk);
+    const PageOfBlocks blocks = PageOf(block);
+    Pool* const pool = blocks.pool;
+    if (pool == nullptr) return FreeAligned(&ChunkOf(block));
     if (pool == own) {
-        FreeBlock*& first = pool->lists[Size(UnitsOf(block)).list].freed;
+        FreeBlock*& first = pool->lists[Size(blocks.units).list].freed;
         first = new (block) FreeBlock{first};
         return;
     }

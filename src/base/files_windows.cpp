@@ -30,7 +30,9 @@ bool WriteContents(const std::string& path, const std::string& text) {
     return false;
 }
 
-bool WriteContents(const std::string& path, const LongText& text) { return WriteContents(path, text.Joined()); }
+bool WriteContents(const std::string& path, const LongText& text) {
+    return WriteContents(path, text.Joined());
+}
 
 FolderLock::FolderLock(const std::string&) {}
 

@@ -13,7 +13,8 @@ public:
     LongText(std::string&& whole) { parts.push_back(std::move(whole)); }  // NOLINT: a text is one of one part
 
     LongText& operator+=(std::string_view text) {
-        if (parts.empty() || parts.back().capacity() - parts.back().size() < text.size()) BeginPart(text.size());
+        if (parts.empty() || parts.back().capacity() - parts.back().size() < text.size())
+            BeginPart(text.size());
         parts.back() += text;
         return *this;
     }
@@ -30,5 +31,7 @@ private:
     static constexpr std::size_t sizeOfPart = 65535;  // with the zero behind it a power of two
     std::vector<std::string> parts;
 
-    void BeginPart(std::size_t needed) { parts.emplace_back().reserve(needed < sizeOfPart ? sizeOfPart : needed); }
+    void BeginPart(std::size_t needed) {
+        parts.emplace_back().reserve(needed < sizeOfPart ? sizeOfPart : needed);
+    }
 };

@@ -41,7 +41,8 @@ void MarkLine(State& state, int number) {
 void NoteMarked(State& state) {
     const std::string& text = state.out->pieces.back().text;
     MarkedPlace& marked = state.marked;
-    for (std::size_t end = text.find('\n', marked.size); end != std::string::npos; end = text.find('\n', end + 1))
+    for (std::size_t end = text.find('\n', marked.size); end != std::string::npos;
+         end = text.find('\n', end + 1))
         ++marked.line;
     marked.size = text.size();
 }
