@@ -27,9 +27,6 @@ std::string WriteOutputs(const FileOutput& out) {
     return {};
 }
 
-// The second thread has to start before it can help.
-constexpr std::size_t filesWorthAThread = 8;
-
 // Two names of one folder may make two outputs one file, and then the later one counts.
 bool FoldersAreDistinct() {
     std::unordered_set<std::string> named, real;

@@ -35,8 +35,12 @@ const std::string& OpenedLiteral(const std::string& source) {
 }
 
 std::string Mark(int line, const std::string& source, int anchor) {
-    std::string mark = "#line " + std::to_string(line) + " " + OpenedLiteral(source);
-    if (anchor != 0) mark += "@" + std::to_string(anchor);
+    const std::string& opened = OpenedLiteral(source);
+    std::string mark;
+    mark.reserve(opened.size() + 40);
+    ((mark += "#line ") += std::to_string(line)) += ' ';
+    mark += opened;
+    if (anchor != 0) (mark += '@') += std::to_string(anchor);
     return mark += "\"\n";
 }
 

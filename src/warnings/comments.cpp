@@ -1,9 +1,11 @@
 #include "warnings/comments.h"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 #include <unordered_map>
 
+#include "base/parallel.h"
 #include "base/run.h"
 #include "base/source_reader.h"
 #include "base/token_span.h"
@@ -80,19 +82,31 @@ bool IsSilenced(const korvel::Diagnostic& warning) {
     return !any;
 }
 
-std::vector<korvel::Diagnostic> SemicolonsBehindPrint() {
+static std::vector<korvel::Diagnostic> SemicolonsBehindPrint(const std::string& file) {
     std::vector<korvel::Diagnostic> found;
-    for (const std::string& file : symbols.sourceFiles) {
-        ForEachComment(file, [&](int number, std::string_view line, std::size_t comment) {
-            if (comment == 0 || line[comment - 1] == ' ' || line[comment - 1] == '\t') return;
-            if (!EndsInPrint(line.substr(0, comment))) return;
-            korvel::Diagnostic& warning = found.emplace_back();
-            warning.file = file;
-            warning.line = number;
-            warning.firstColumn = warning.lastColumn = static_cast<int>(comment) + 1;
-            warning.name = "print-semicolon";
-            warning.severity = korvel::Severity::Warning;
-        });
-    }
+    ForEachComment(file, [&](int number, std::string_view line, std::size_t comment) {
+        if (comment == 0 || line[comment - 1] == ' ' || line[comment - 1] == '\t') return;
+        if (!EndsInPrint(line.substr(0, comment))) return;
+        korvel::Diagnostic& warning = found.emplace_back();
+        warning.file = file;
+        warning.line = number;
+        warning.firstColumn = warning.lastColumn = static_cast<int>(comment) + 1;
+        warning.name = "print-semicolon";
+        warning.severity = korvel::Severity::Warning;
+    });
     return found;
+}
+
+std::vector<korvel::Diagnostic> SemicolonsBehindPrint() {
+    const std::vector<std::string>& files = symbols.sourceFiles;
+    std::vector<std::vector<korvel::Diagnostic>> found(files.size());
+    const auto look = [&](std::size_t i) { found[i] = SemicolonsBehindPrint(files[i]); };
+    if (files.size() >= filesWorthAThread)
+        InParallel(files.size(), look);
+    else
+        for (std::size_t i = 0; i < files.size(); ++i) look(i);
+    std::vector<korvel::Diagnostic> all;
+    for (std::vector<korvel::Diagnostic>& some : found)
+        all.insert(all.end(), std::make_move_iterator(some.begin()), std::make_move_iterator(some.end()));
+    return all;
 }

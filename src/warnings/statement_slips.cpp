@@ -178,7 +178,7 @@ TokenSpan CountsNothing(const State&, TokenSpan statement) {
 
 // For i = 1 To 10 Step 0
 TokenSpan CountsForever(const State&, TokenSpan statement) {
-    if (statement.KeywordAt(0) != Keyword::For) return {};
+    if (statement.KeywordAt(0) != Keyword::For || statement.Find(Keyword::Step) == noToken) return {};
     const Counting counting = CountingOf(statement);
     return counting.step && counting.step->AsReal() == 0 ? statement : TokenSpan();
 }
