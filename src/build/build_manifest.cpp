@@ -129,9 +129,10 @@ public:
 private:
     std::string output;
     Cleaned what;
-    std::vector<std::string> folders;                       // as compared by text
-    std::vector<std::string> realFolders;                   // links followed
-    std::unordered_map<std::string, std::string> resolved;  // the folders of the lines
+    std::vector<std::string> folders;      // as compared by text
+    std::vector<std::string> realFolders;  // links followed
+    // The folders of the lines.
+    std::unordered_map<std::string, std::string> normalised, resolved;
     FileFacts mainSource = Examine(settings.mainSource);
     int count = 0;
 
@@ -151,7 +152,7 @@ private:
 
     // By its text, and also where the links in it lead.
     bool IsInside(const std::string& line) {
-        const std::string path = Normalised(line);
+        const std::string path = NormalisedHere(line);
         const std::string real = PlaceHere(line);
         bool byText = false, really = false;
         for (const std::string& folder : folders) byText = byText || LiesIn(path, folder);
@@ -172,9 +173,28 @@ private:
         });
     }
 
+    // What stands before the name, where that takes no more than a look at the slash between them: as a rule. Else empty.
+    static std::string PlainFolderOf(const std::string& path) {
+        const std::size_t slash = path.rfind('/');
+        if (slash == 0 || slash == std::string::npos || path.find('\\') != std::string::npos) return {};
+        const char before = path[slash - 1];
+        const bool hasName = slash + 1 < path.size() && path[slash + 1] != '.';
+        return hasName && before != '/' && before != ':' ? path.substr(0, slash) : std::string();
+    }
+
+    // Normalised, with what is known of the folder.
+    std::string NormalisedHere(const std::string& path) {
+        const std::string folder = PlainFolderOf(path);
+        if (folder.empty()) return Normalised(path);
+        const auto [known, isNew] = normalised.emplace(folder, std::string());
+        if (isNew) known->second = Normalised(folder);
+        return known->second + Lower(path.substr(folder.size()));
+    }
+
     // PlaceOf, with what is known of the folder.
     std::string PlaceHere(const std::string& path) {
-        const std::string parent = TextOf(PathOf(path).parent_path());
+        std::string parent = PlainFolderOf(path);
+        if (parent.empty()) parent = TextOf(PathOf(path).parent_path());
         return ResolvedFolder(parent.empty() ? "." : parent) + "/" + StripFolder(path);
     }
 
