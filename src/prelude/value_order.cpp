@@ -190,8 +190,9 @@ private:
         const std::size_t before = step.before[step.next++];
         if (!named && before > here) NoteTouched(before, step.index);
         if (met[before]) return;
-        // A constant is there anyway, and takes its value again where the source has it.
-        if (entries[before].IsConstant()) return;
+        // A constant Global is there anyway, and takes its value again where the source has it. A Const may
+        // name others that the header has further down.
+        if (entries[before].IsConstant() && !entries[before].variable->isConst) return;
         if (named || IsThereFromTheStart(entries[before]))
             Push(before);
         else if (!named && !empty[before] && !entries[before].global->empty.empty())

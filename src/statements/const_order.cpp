@@ -11,7 +11,7 @@ bool InMainFile() {
 
 bool StandsBefore(const Variable& variable) {
     if (variable.file != settings.currentFile) return InMainFile();
-    return variable.line <= settings.currentLine;
+    return variable.isReached;  // a line may declare several
 }
 
 }  // namespace

@@ -148,6 +148,7 @@ void DispatchStatement(State& state, TokenSpan tokens) {
     }
     if (!state.routine.openParts.empty()) RefuseInPart(state, tokens);
     if (state.inPreCalc || keyword == Keyword::PreCalc) {
+        if (!state.inPreCalc && watchStatement != nullptr) watchStatement(state, tokens);
         TranslatePreCalc(state, tokens);
         return;
     }

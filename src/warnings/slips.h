@@ -9,6 +9,7 @@ TokenSpan ComparesInstead(const State& state, TokenSpan statement);
 TokenSpan AssignsToItself(const State& state, TokenSpan statement);
 TokenSpan DefaultExceedsType(const State& state, TokenSpan statement);
 TokenSpan NamesFileBare(const State& state, TokenSpan statement);
+TokenSpan NamesOtherItems(const State& state, TokenSpan statement);
 TokenSpan DeclaresTypeAgain(const State& state, TokenSpan statement);
 TokenSpan NamesConstructor(const State& state, TokenSpan statement);
 TokenSpan RunsIntoLabel(const State& state, TokenSpan statement);

@@ -5,6 +5,7 @@
 #include "lexer/source_lines.h"
 #include "statements/state.h"
 #include "symbols/scopes.h"
+#include "symbols/symbols.h"
 #include "warnings/slips.h"
 
 namespace {
@@ -124,6 +125,14 @@ TokenSpan NamesFileBare(const State&, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     const bool names = word == Keyword::Include || word == Keyword::Import;
     return names && !IsQuoted(statement[1]) ? statement.From(1) : TokenSpan();
+}
+
+// PreCalc names:String[3], whose items are Ints
+TokenSpan NamesOtherItems(const State&, TokenSpan statement) {
+    if (statement.KeywordAt(0) != Keyword::PreCalc || statement.size() < 4 || IsWord(statement[3], "int"))
+        return {};
+    const Variable* table = symbols.globals.Find(statement.At(1));
+    return table != nullptr && table->type.base == Base::Int ? statement.Slice(3, 4) : TokenSpan();
 }
 
 // Type TPlayer, where there has been one

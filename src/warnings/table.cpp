@@ -24,6 +24,8 @@ const WarningRow rows[] = {
      "Use a type that holds it: Int or Long, or Double for a fraction", DefaultExceedsType, nullptr, nullptr,
      ExceedsType},
     {"bare-file", "The file name '{}' stands without quotes", "Write Include \"file.kvl\"", NamesFileBare},
+    {"table-type", "The items of this table are Ints, whatever '{}' says",
+     "A PreCalc table holds Int or Double, written like this", NamesOtherItems},
     {"type-again", "'{}' is declared once before; this declaration does not count", "Give it another name",
      DeclaresTypeAgain},
     {"constructor-name", "'{}' is a Method like others, which Create does not call",
