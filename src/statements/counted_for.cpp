@@ -285,4 +285,5 @@ void TranslateCountedFor(State& state, TokenSpan tokens) {
     EmitLine(state, "{");
     Braces& loop = OpenNewBlock(state, BlockKind::Loop, "For", counter.name);
     if (asks) loop.behind = " }";
+    if (counter.declared) NoteNameApart(state, counter.name, counter.cppName);
 }

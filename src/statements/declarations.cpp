@@ -12,6 +12,7 @@
 #include "statements/definition.h"
 #include "statements/emit_lines.h"
 #include "statements/end_of_file.h"
+#include "statements/shadowing.h"
 #include "symbols/scopes.h"
 #include "symbols/type_reader.h"
 
@@ -43,6 +44,7 @@ void DeclareLocal(State& state, TokenSpan tokens) {
     EmitLine(state, definition.text);
     EmitLines(state, definition.after);
     if (!definition.registration.empty()) EmitLine(state, definition.registration);
+    NoteNameApart(state, definition.name, definition.cppName);
 }
 
 void DeclareField(State& state, TokenSpan tokens) {

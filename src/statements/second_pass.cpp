@@ -11,6 +11,7 @@
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
 #include "statements/recovery.h"
+#include "statements/shadowing.h"
 #include "statements/with.h"
 #include "symbols/modules.h"
 #include "symbols/own_names.h"
@@ -74,6 +75,7 @@ void ReadStatements(State& state, const std::string& source) {
             NoteInlineCpp(line.text);
         NoteInlineCppInLoops(line.text);
         NoteInlineJumps(state);
+        GivePlainNames(state, line.text);
         const std::size_t code = line.text.find_first_not_of(" \t");
         if (code != std::string::npos && line.text.compare(code, 2, "//") != 0)
             state.routine.bareLabel = false;

@@ -1,8 +1,10 @@
 #include "statements/shadowing.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "base/settings.h"
+#include "lexer/cpp_lines.h"
 #include "lexer/mentions.h"
 #include "lexer/source_lines.h"
 #include "symbols/identifiers.h"
@@ -23,6 +25,14 @@ bool HidesFreedArray(const State& state, const std::string& name) {
         [&name](const LocalArray& array) { return array.ownsSlots && array.variable->name == name; });
 }
 
+// A Return that frees an array by its plain name must not meet another one.
+bool IsFreed(const State& state, const std::string& cppName) {
+    const auto& arrays = state.routine.localArrays;
+    return std::any_of(arrays.begin(), arrays.end(), [&cppName](const LocalArray& array) {
+        return array.ownsSlots && array.variable->cppName == cppName;
+    });
+}
+
 }  // namespace
 
 std::string NameBeside(const State& state, const std::string& name, TokenSpan declaration) {
@@ -33,4 +43,27 @@ std::string NameBeside(const State& state, const std::string& name, TokenSpan de
     const auto part = symbols.parts.find(FileId(settings.currentFile));
     const std::string file = part == symbols.parts.end() ? "" : std::to_string(part->second) + "_";
     return FreshName(plain + "__" + file + std::to_string(settings.currentLine));
+}
+
+void NoteNameApart(State& state, const std::string& name, const std::string& cppName) {
+    const std::string plain = SafeName(name);
+    if (cppName == plain || !symbols.inlineCpp || IsFreed(state, plain)) return;
+    std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
+    state.routine.namesApart.push_back({name, cppName, OpenSlot(state), std::move(indent)});
+}
+
+void GivePlainNames(State& state, const std::string& inlineCpp) {
+    if (state.routine.namesApart.empty()) return;
+    std::unordered_set<std::string> names;
+    CppLines line;
+    line.onToken = [&names](std::string_view token) { names.emplace(token); };
+    line.Read(inlineCpp);
+    for (const NameApart& apart : state.routine.namesApart) {
+        const Variable* meant = FindLocal(apart.name);
+        if (meant == nullptr || meant->cppName != apart.cppName) continue;
+        const std::string plain = SafeName(apart.name);
+        if (names.count(plain) == 0) continue;
+        state.routine.slots[apart.slot].text =
+            apart.indent + "auto& " + plain + " = " + apart.cppName + ";\n";
+    }
 }

@@ -21,6 +21,13 @@ struct LocalArray {
     bool inOuterBlock = true;
 };
 
+// A variable that the routine's inline C++ knows by the plain name, although it has one apart.
+struct NameApart {
+    std::string name, cppName;
+    std::size_t slot = 0;  // behind its declaration
+    std::string indent;
+};
+
 // What is passed over behind a mistake (statements/recovery.h).
 enum class Passing : unsigned char {
     Nothing,
@@ -98,6 +105,7 @@ struct OpenRoutine {
     bool holdsForeignBlock = false;      // a wrong statement begins one as other languages do
     bool bareLabel = false;              // nothing stands behind the label of the last Case or Default
     std::vector<Slot> slots;             // of its piece, in their order
+    std::vector<NameApart> namesApart;   // in the order of their declarations
     std::vector<RoutinePart> parts;      // in the order of their beginnings
     std::vector<FileOutput*> openParts;  // those under way, the innermost last
 };
