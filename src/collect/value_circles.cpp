@@ -27,8 +27,35 @@ void AddMentioned(TokenSpan value, const ClassInfo* owner, std::vector<const Var
     const TokenSpan span(tokens);
     for (std::size_t i = 0; i < span.size(); ++i) {
         const bool member = i > 0 && (span.SignAt(i - 1) == '\\' || span.SignAt(i - 1) == '.');
-        if (member || span.SignAt(i + 1) == '(') continue;
+        const bool own = owner != nullptr && i > 1 && span.KeywordAt(i - 2) == Keyword::This;
+        if ((member && !own) || span.SignAt(i + 1) == '(') continue;
         if (const Variable* variable = Meant(span.At(i), owner)) used.push_back(variable);
+    }
+}
+
+// In its value and its sizes.
+std::vector<const Variable*> UsedBy(const Variable& variable, const ClassInfo* owner) {
+    std::vector<const Variable*> used;
+    AddMentioned(variable.initialiser, owner, used);
+    for (const std::string& size : variable.sizes) AddMentioned(Split(size), owner, used);
+    return used;
+}
+
+// Fields take their values in their order; what stands below has none yet.
+void CheckFieldOrder(const ClassInfo& cls) {
+    for (auto field = cls.fields.begin(); field != cls.fields.end(); ++field) {
+        const Variable* variable = cls.members.Find(*field);
+        if (variable == nullptr) continue;
+        for (const Variable* used : UsedBy(*variable, &cls)) {
+            if (std::find(field + 1, cls.fields.end(), Token(used->name)) == cls.fields.end()) continue;
+            settings.currentFile = variable->file;
+            settings.currentLine = variable->line;
+            ReportFatal("The value of Field '" + variable->name + "' needs '" + used->name +
+                            "', which has none yet" +
+                            Hint{"Fields get their values one after the other: declare '" + used->name +
+                                 "' above '" + variable->name + "'"},
+                        Tokens{used->name});
+        }
     }
 }
 
@@ -104,8 +131,7 @@ private:
         states[variable] = open;
         Step step;
         step.variable = variable;
-        AddMentioned(variable->initialiser, owner, step.used);
-        for (const std::string& size : variable->sizes) AddMentioned(Split(size), owner, step.used);
+        step.used = UsedBy(*variable, owner);
         path.push_back(std::move(step));
     }
 };
@@ -116,7 +142,10 @@ void CheckValueCircles() {
     std::vector<Valued> all = AllValued();
     CircleSearch search;
     const auto inCircle = [&search](const Valued& valued) { return search.Visit(valued); };
-    if (std::none_of(all.begin(), all.end(), inCircle)) return;
+    if (std::none_of(all.begin(), all.end(), inCircle)) {
+        for (const ClassInfo* cls : symbols.classList) CheckFieldOrder(*cls);
+        return;
+    }
     // Once more in the order of the program, so that every run tells the same.
     std::sort(all.begin(), all.end(), ComesFirst);
     search = CircleSearch();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <unordered_map>
 #include <utility>
@@ -22,9 +24,10 @@ int depth = 0;
 std::unordered_map<const Variable*, Value> valuesOfConsts;
 const PartOfRun partOfRun(depth, valuesOfConsts);
 
-Value Integer(long long value) {
+Value Integer(long long value, bool toCpp = true) {
     ConstantValue result;
     result.integer = value;
+    result.toCpp = toCpp;
     return result;
 }
 
@@ -145,17 +148,30 @@ Value Joined(const Expr& sum) {
     return text;
 }
 
+long long Narrowed(const ValueType& type, long long value) {
+    if (type.Is(Base::Int)) return static_cast<std::int32_t>(value);
+    if (type.Is(Base::Short)) return static_cast<std::int16_t>(value);
+    if (type.Is(Base::Byte)) return static_cast<std::uint8_t>(value);
+    return value;
+}
+
 // What the variable makes of its value.
 Value Converted(const Variable& variable, Value value) {
     if (!value || value->kind == ConstantValue::Kind::Text) return value;
+    if (variable.type.Is(Base::Bool)) return Integer(value->AsReal() != 0 ? 1 : 0, value->toCpp);
     if (variable.type.Is(Base::Double)) {
         value->real = value->AsReal();
         value->kind = ConstantValue::Kind::Real;
-    } else if (value->kind == ConstantValue::Kind::Real) {
-        value->integer = static_cast<long long>(value->real);
-        value->kind = ConstantValue::Kind::Integer;
+        return value;
     }
-    if (variable.type.Is(Base::Int)) value->integer = static_cast<int>(value->integer);
+    if (value->kind == ConstantValue::Kind::Real) {
+        const double whole = std::trunc(value->real);
+        if (!(std::fabs(whole) < 9e18)) return {};
+        value = Integer(static_cast<long long>(whole), value->toCpp);
+        // C++ knows no value for what does not fit.
+        if (Narrowed(variable.type, value->integer) != value->integer) return {};
+    }
+    value->integer = Narrowed(variable.type, value->integer);
     return value;
 }
 
