@@ -78,6 +78,7 @@ void Stand() {
         while (!TakeLine(words)) ReadMore();
     } while (!Obey(words));
     debugger->told.clear();
+    debugger->flags.clear();
     debugger->pauses = false;
 }
 
@@ -179,7 +180,8 @@ void TellTables() {
     std::string json;
     for (const Places* row = program.places; row->routine != nullptr; ++row)
         json += std::string(json.empty() ? "{" : ",{") + "\"routine\":" + Quoted(row->routine) +
-                ",\"file\":" + Quoted(row->file) + ",\"lines\":\"" + row->lines + "\"}";
+                ",\"file\":" + Quoted(row->file) + ",\"lines\":\"" + row->lines + "\",\"names\":\"" +
+                row->names + "\"}";
     Say("{\"event\":\"start\",\"places\":[" + json + "]}");
 }
 

@@ -50,7 +50,7 @@ public:
     std::size_t first, count;  // asked for
     std::size_t total;         // there are
     virtual void Take(const Value& value, std::size_t number) = 0;
-    virtual void TakeText(std::size_t number, char kind, const std::string& text) = 0;
+    virtual void TakeFlag(std::size_t number, std::vector<bool>::reference flag) = 0;
 
     template <class T>
     void Item(const char* name, const char* type, T& value) {
@@ -105,8 +105,9 @@ private:
 
 // ---- Tables of the program ------------------------------------------------------------------------------------------
 
+// Of no routine: the names that are known everywhere.
 struct Places {
-    const char *routine, *file, *lines;
+    const char *routine, *file, *lines, *names;
 };
 struct TypeRow {
     const char* name;

@@ -36,7 +36,7 @@ public:
         const char* const quote = isText ? "\"" : "";
         text += (text.empty() ? "" : ", ") + std::string(value.name) + " = " + quote + part + quote;
     }
-    void TakeText(std::size_t, char, const std::string&) override {}
+    void TakeFlag(std::size_t, std::vector<bool>::reference) override {}
 };
 
 }  // namespace
@@ -93,7 +93,7 @@ public:
         else if (value.handler->opens)
             value.handler->list(value.at, *this);
     }
-    void TakeText(std::size_t, char, const std::string&) override {}
+    void TakeFlag(std::size_t, std::vector<bool>::reference) override {}
 
 private:
     const void* wanted;
@@ -107,7 +107,7 @@ public:
     Owner owner;
 
     void Take(const Value& object, std::size_t) override { object.handler->list(object.at, owner); }
-    void TakeText(std::size_t, char, const std::string&) override {}
+    void TakeFlag(std::size_t, std::vector<bool>::reference) override {}
 };
 
 }  // namespace
@@ -131,24 +131,20 @@ public:
     void Take(const Value& value, std::size_t number) override {
         std::string text;
         const char kind = value.handler->show(value.at, text);
-        Put(value.name, value.type, number, kind, text, std::to_string(debugger->told.size()));
+        const std::string name = value.name != nullptr ? value.name : "[" + std::to_string(number) + "]";
+        json += std::string(json.empty() ? "" : ",") + "{\"name\":" + Quoted(name) +
+                ",\"type\":" + Quoted(value.type != nullptr ? value.type : "") + ",\"kind\":\"" + kind +
+                "\",\"value\":" + Quoted(text) + ",\"ref\":" + std::to_string(debugger->told.size()) + "}";
         debugger->told.push_back(value);
     }
-    void TakeText(std::size_t number, char kind, const std::string& text) override {
-        Put(nullptr, nullptr, number, kind, text, "-1");
+    void TakeFlag(std::size_t number, std::vector<bool>::reference flag) override {
+        debugger->flags.push_back(flag);
+        Item(number, debugger->flags.back());
     }
     void Answer() const { Say("{\"items\":[" + json + "],\"total\":" + std::to_string(total) + "}"); }
 
 private:
     std::string json;
-
-    void Put(const char* name, const char* type, std::size_t number, char kind, const std::string& text,
-             const std::string& ref) {
-        json += std::string(json.empty() ? "" : ",") +
-                "{\"name\":" + Quoted(name != nullptr ? name : "[" + std::to_string(number) + "]") +
-                ",\"type\":" + Quoted(type != nullptr ? type : "") + ",\"kind\":\"" + kind +
-                "\",\"value\":" + Quoted(text) + ",\"ref\":" + ref + "}";
-    }
 };
 
 void TellStack(const Words& words) {
@@ -210,12 +206,22 @@ void TellTypes(const Words&) {
     Say("{\"types\":[" + json + "]}");
 }
 
+// A tilde stands before what would end the word or the line.
+std::string Meant(const std::string& word) {
+    std::string text;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const bool isMarked = word[i] == '~' && ++i < word.size();
+        text += !isMarked || word[i] == '~' ? word[i] : word[i] == 't' ? '\t' : '\n';
+    }
+    return text;
+}
+
 void SetValueOf(const Words& words) {
     const std::size_t number = NumberAt(words, 1);
     bool done = false;
     if (number < debugger->told.size() && words.size() > 2) {
         const Value& value = debugger->told[number];
-        done = value.handler->set(value.at, words[2].c_str());
+        done = value.handler->set(value.at, Meant(words[2]).c_str());
     }
     Say(done ? "{\"done\":true}" : "{\"done\":false}");
 }

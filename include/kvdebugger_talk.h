@@ -4,6 +4,7 @@
 
 #include "kvdebugger.h"
 
+#include <deque>
 #include <map>
 #include <set>
 
@@ -27,6 +28,7 @@ struct Debugger {
     std::vector<Frame> frames;  // outermost first
     std::vector<Value> locals;
     std::vector<Value> told;  // values that kv may ask about, by number, while the program stands
+    std::deque<std::vector<bool>::reference> flags;  // those of them that have no address
 
     std::map<std::string, std::set<int>> breaks;  // by file
     std::vector<bool> breakLines;                 // of any file

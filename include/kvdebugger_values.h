@@ -149,7 +149,7 @@ void PutItem(Items& items, std::size_t number, T& item) {
     items.Item(number, item);
 }
 inline void PutItem(Items& items, std::size_t number, std::vector<bool>::reference&& item) {
-    items.TakeText(number, 'b', item ? "True" : "False");
+    items.TakeFlag(number, item);
 }
 template <class T>
 const void* FirstOf(std::vector<T>& list);

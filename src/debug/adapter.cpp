@@ -151,9 +151,11 @@ void Adapter::Go() {
 void Adapter::TakeStop(const std::string& line) {
     Stop stop;
     std::string logged;
+    const std::map<int, Json> before = AllTold();
     stands = session->TakesStop(line, stop, logged);
+    TellChanged(before);
     SendOutput("console", logged);
-    if (!stands) return;
+    if (!stands) return session->Go("again");
     const bool failed = stop.reason == "failure";
     if (failed && !stopsAtFailures) {
         goesOn = "go";
@@ -238,6 +240,7 @@ const std::vector<Adapter::Row>& Adapter::Rows() {
         {"variables", &Adapter::Variables},
         {"evaluate", &Adapter::EvaluateIt},
         {"setVariable", &Adapter::SetVariable},
+        {"setExpression", &Adapter::SetExpression},
     };
     return rows;
 }

@@ -41,9 +41,10 @@ private:
     int sequence = 0;
     bool leaves = false, begins = false, stands = false, stopsAtFailures = true, stopsAtEntry = false;
     std::map<std::string, std::string>
-        cut;                         // by category: bytes that a letter begins with, whose rest has not come
-    std::vector<std::string> after;  // events that follow the answer
-    std::string goesOn;              // how, behind the answer
+        cut;  // by category: bytes that a letter begins with, whose rest has not come
+    std::map<std::string, std::string> spelled;  // how the editor calls files of the program
+    std::vector<std::string> after;              // events that follow the answer
+    std::string goesOn;                          // how, behind the answer
 
     // Messages.
     void Send(Json message);
@@ -75,7 +76,10 @@ private:
 
     // Breakpoints.
     Json SetAll(const Json& wanted, const std::function<bool(const Breakpoint&)>& are,
-                const std::function<void(const Json& one, Breakpoint& breakpoint)>& find);
+                const std::function<void(const Json& one, Breakpoint& breakpoint)>& ask);
+    static Json Told(const Breakpoint& breakpoint);
+    std::map<int, Json> AllTold() const;  // by number
+    void TellChanged(const std::map<int, Json>& before);
     Json SetBreakpoints(const Json& arguments);
     Json SetFunctionBreakpoints(const Json& arguments);
     Json SetExceptionBreakpoints(const Json& arguments);
@@ -100,7 +104,9 @@ private:
     Json Variables(const Json& arguments);
     Json EvaluateIt(const Json& arguments);
     void Type(const std::string& text);
+    Json Changed(const std::function<Value()>& place, const Value& value);
     Json SetVariable(const Json& arguments);
+    Json SetExpression(const Json& arguments);
 };
 
 }  // namespace debug

@@ -16,6 +16,7 @@ Json Adapter::Initialize(const Json& arguments) {
             {"supportsHitConditionalBreakpoints", true},
             {"supportsLogPoints", true},
             {"supportsSetVariable", true},
+            {"supportsSetExpression", true},
             {"supportsEvaluateForHovers", true},
             {"supportsTerminateRequest", true},
             {"supportsRestartRequest", true},
@@ -54,7 +55,9 @@ void Adapter::Start() {
     else if (!next->target.Start(next->launch.command, FolderOf(next->launch), true, problem))
         throw Refusal{"the program cannot be run: " + problem};
     if (!next->Begin(problem)) throw Refusal{"the program cannot be run: " + problem};
+    const std::map<int, Json> before = AllTold();
     session = std::move(next);
+    TellChanged(before);
     begins = true;
 }
 

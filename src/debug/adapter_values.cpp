@@ -14,13 +14,15 @@ Json Adapter::StackTrace(const Json& arguments) {
     const std::size_t wanted = arguments.value("levels", std::size_t{0});
     std::size_t total = 0;
     Json frames = Json::array();
-    for (const Frame& frame : session->Stack(first, wanted == 0 ? mostItems : wanted, total))
-        frames.push_back(
-            {{"id", first + frames.size()},
-             {"name", frame.routine},
-             {"line", frame.line},
-             {"column", 1},
-             {"source", {{"name", TextOf(PathOf(frame.file).filename())}, {"path", frame.file}}}});
+    for (const Frame& frame : session->Stack(first, wanted == 0 ? mostItems : wanted, total)) {
+        const auto known = spelled.find(frame.file);
+        const std::string& path = known == spelled.end() ? frame.file : known->second;
+        frames.push_back({{"id", first + frames.size()},
+                          {"name", frame.routine},
+                          {"line", frame.line},
+                          {"column", 1},
+                          {"source", {{"name", TextOf(PathOf(path).filename())}, {"path", path}}}});
+    }
     return {{"stackFrames", frames}, {"totalFrames", total}};
 }
 
@@ -48,8 +50,8 @@ Json Adapter::Told(const Value& value) {
     const bool opens = value.ref >= 0 && value.text != "Null" && hasParts;
     Json told = {{"name", value.name},
                  {"value", Shown(value)},
-                 {"type", value.type},
                  {"variablesReference", opens ? Hold({Holder::Kind::Parts, 0, value}) : 0}};
+    if (!value.type.empty()) told["type"] = value.type;
     if (ItemCount(value) > 0) told["indexedVariables"] = ItemCount(value);
     return told;
 }
@@ -124,15 +126,31 @@ Json Adapter::EvaluateIt(const Json& arguments) {
     return told;
 }
 
+// What it is then may be another value: an Int has no fractions.
+Json Adapter::Changed(const std::function<Value()>& place, const Value& value) {
+    if (!session->Set(place(), value)) throw Refusal{"it cannot be changed to " + Shown(value)};
+    return Told(place());
+}
+
 Json Adapter::SetVariable(const Json& arguments) {
     const Holder holder = HolderOf(arguments);
+    const std::string name = arguments.at("name").get<std::string>();
     const Value value = Evaluate(*session, holder.frame, arguments.at("value").get<std::string>());
-    for (const Value& place : PartOf(holder, 0, mostItems).items) {
-        if (place.name != arguments.at("name").get<std::string>()) continue;
-        if (!session->Set(place, value)) throw Refusal{"it cannot be changed to " + Shown(value)};
-        return {{"value", Shown(value)}};
-    }
-    throw Refusal{"there is no such variable"};
+    const auto place = [&]() -> Value {
+        const Part part = PartOf(holder, 0, mostItems);
+        for (const Value& one : part.items)
+            if (one.name == name) return one;
+        throw Refusal{"there is no such variable"};
+    };
+    return Changed(place, value);
+}
+
+Json Adapter::SetExpression(const Json& arguments) {
+    NeedsStop();
+    const std::size_t frame = arguments.value("frameId", std::size_t{0});
+    const Value value = Evaluate(*session, frame, arguments.at("value").get<std::string>());
+    return Changed([&] { return Evaluate(*session, frame, arguments.at("expression").get<std::string>()); },
+                   value);
 }
 
 }  // namespace debug

@@ -27,8 +27,7 @@ const char wardWord[] = "--debuggee";
 // Behind it: where to connect, and the program's command.
 enum Words : std::size_t { wordAt, placeAt, programAt };
 
-constexpr std::intptr_t elsewhere = -1;  // in place of the number of a process
-constexpr int patience = 60000;          // milliseconds in which the program is to come
+constexpr int patience = 60000;  // milliseconds in which the program is to come
 
 bool AddressOf(const std::string& place, sockaddr_un& address) {
     std::memset(&address, 0, sizeof address);
@@ -132,7 +131,7 @@ void Target::Join(int lineToIt, int wardOfIt) {
     ward = wardOfIt;
 }
 
-// Who started it says how it has ended, unless that was killed as well.
+// Who started it says how it has ended, unless that was killed as well; then the program ends when its line is cut.
 int Target::EndElsewhere(bool kills) {
     if (kills) send(ward, "end\n", 4, MSG_NOSIGNAL);
     while (ward != -1) Read(ward, said);

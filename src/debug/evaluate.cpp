@@ -6,21 +6,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
-#include "base/text.h"
 #include "base/token_text.h"
 #include "lexer/lexer.h"
 
 namespace debug {
 
 namespace {
-
-// Of "Int[]" and "Sequence Of Int", "Int".
-std::string TypeOfItems(const std::string& type) {
-    const std::string word = "Sequence Of ";
-    if (StartsWith(type, word)) return type.substr(word.size());
-    return EndsWith(type, "[]") ? type.substr(0, type.size() - 2) : "";
-}
 
 // Behind a tilde in a text; 0 where the tilde is one.
 char Meant(char letter) {
@@ -32,9 +25,12 @@ char Meant(char letter) {
     return '\0';
 }
 
+// What there is for an expression, worked out or only looked for.
 class Reader {
 public:
-    Reader(Session& of, std::size_t at, const std::string& what) : session(of), frame(at), text(what) {}
+    Reader(Session& of, std::size_t at, const std::string& what) : session(&of), frame(at), text(what) {}
+    Reader(const std::function<bool(const std::string& name)>& isKnown, const std::string& what)
+        : knows(isKnown), text(what), isLeftOut(true) {}
 
     Value Whole() {
         Value value = From(Level::Or);
@@ -45,8 +41,9 @@ public:
     }
 
 private:
-    Session& session;
-    std::size_t frame;
+    Session* session = nullptr;
+    std::size_t frame = 0;
+    std::function<bool(const std::string& name)> knows;  // where it is only read
     const std::string& text;
     std::size_t at = 0;
     int deeper = 0;
@@ -169,24 +166,28 @@ private:
 
     // As the program sees it: Locals, the object's own Fields, Globals, Consts.
     Value Variable(const std::string& name) {
+        if (Take("(")) throw Refusal{name + " cannot be called here"};
+        if (knows && !knows(name)) throw Refusal{"there is no " + name + " here"};
         if (isLeftOut) return {};
-        const Part locals = session.Locals(frame);
+        const Part locals = session->Locals(frame);
         if (const Value* local = Named(locals, name)) return *local;
         if (const Value* self = Named(locals, "this")) {
-            const Part fields = session.Items(*self, 0, all);
+            const Part fields = session->Items(*self, 0, all);
             if (const Value* field = Named(fields, name)) return *field;
         }
-        const Part globals = session.Globals();
+        const Part globals = session->Globals();
         if (const Value* global = Named(globals, name)) return *global;
-        const Part consts = session.Consts();
+        const Part consts = session->Consts();
         if (const Value* constant = Named(consts, name)) return *constant;
         throw Refusal{"there is no " + name + " here"};
     }
 
     Value Member(const Value& of, const std::string& name) {
+        if (name.empty()) throw Refusal{"the name of a Field is missing"};
+        if (Take("(")) throw Refusal{name + " cannot be called here"};
         if (isLeftOut) return {};
         if (of.text == "Null") throw Refusal{"what stands before \\" + name + " is Null"};
-        const Part fields = session.Items(of, 0, all);
+        const Part fields = session->Items(of, 0, all);
         if (const Value* field = Named(fields, name)) return *field;
         throw Refusal{"there is no Field " + name + " in " + of.text};
     }
@@ -198,17 +199,15 @@ private:
         if (isLeftOut) return {};
         if (of.kind != 'l') throw Refusal{"only arrays and Sequences whose size is known have items here"};
         const long long number = WholeOf(index);
-        const Part part = number < 0 ? Part() : session.Items(of, static_cast<std::size_t>(number), 1);
+        const Part part = number < 0 ? Part() : session->Items(of, static_cast<std::size_t>(number), 1);
         if (part.items.empty())
             throw Refusal{"index " + std::to_string(number) + " is outside of " + of.text};
-        Value item = part.items.front();
-        if (item.type.empty()) item.type = TypeOfItems(of.type);
-        return item;
+        return part.items.front();
     }
 
     Value Object(const std::string& type, const std::string& number) {
         if (isLeftOut) return {};
-        const Part objects = session.Objects(type, 0, all);
+        const Part objects = session->Objects(type, 0, all);
         if (const Value* object = Named(objects, "[" + number + "]")) return *object;
         throw Refusal{"there is no " + type + "#" + number};
     }
@@ -220,6 +219,15 @@ private:
 
 Value Evaluate(Session& session, std::size_t frame, const std::string& text) {
     return Reader(session, frame, text).Whole();
+}
+
+void Check(const std::string& text) {
+    Reader([](const std::string&) { return true; }, text).Whole();
+}
+
+void Check(const Session& session, const std::string& file, int line, const std::string& text) {
+    const auto isKnown = [&](const std::string& name) { return session.KnowsName(file, line, name); };
+    Reader(isKnown, text).Whole();
 }
 
 }  // namespace debug

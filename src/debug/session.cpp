@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <iterator>
 #include <map>
 #include <sstream>
 
 #include "base/text.h"
+#include "base/token_text.h"
 #include "base/utf8.h"
 #include "debug/evaluate.h"
 
@@ -34,23 +37,63 @@ std::string Range(std::size_t first, std::size_t count) {
     return "\t" + std::to_string(first) + "\t" + std::to_string(count);
 }
 
-// "hp is {hp}" with the values at the place of the stop.
-std::string WithValues(Session& session, const std::string& text) {
+// Of "Int[]" and "Sequence Of Int", "Int".
+std::string TypeOfItems(const std::string& type) {
+    const std::string word = "Sequence Of ";
+    if (StartsWith(type, word)) return type.substr(word.size());
+    return EndsWith(type, "[]") ? type.substr(0, type.size() - 2) : "";
+}
+
+// Of a "{" in a log text: its "}", which does not stand in a text. `npos` where there is none.
+std::size_t EndOfHole(const std::string& text, std::size_t from) {
+    bool isQuoted = false;
+    for (std::size_t at = from; at < text.size(); ++at) {
+        if (text[at] == '"') isQuoted = !isQuoted;
+        if (text[at] == '}' && !isQuoted) return at;
+    }
+    return std::string::npos;
+}
+
+// A hole may have the tag that those of Strings have, "{$name}".
+std::string WithoutTag(const std::string& inside) {
+    const bool hasTag = inside.size() > 1 && (inside[0] == '$' || inside[0] == '%' || inside[0] == '!') &&
+                        IsLetterByte(inside[1]);
+    return hasTag ? inside.substr(1) : inside;
+}
+
+// "hp is {hp}" with what becomes of its holes.
+std::string WithHoles(const std::string& text,
+                      const std::function<std::string(const std::string& inside)>& filling) {
     std::string filled;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::size_t end = text[at] == '{' ? text.find('}', at) : std::string::npos;
+        const std::size_t end = text[at] == '{' ? EndOfHole(text, at + 1) : std::string::npos;
         if (end == std::string::npos) {
             filled += text[at];
             continue;
         }
-        try {
-            filled += Evaluate(session, 0, text.substr(at + 1, end - at - 1)).text;
-        } catch (const Refusal& refusal) {
-            filled += "{" + refusal.text + "}";
-        }
+        filled += filling(WithoutTag(text.substr(at + 1, end - at - 1)));
         at = end;
     }
     return filled;
+}
+
+// What ends words and lines is said by a tilde and a letter.
+std::string InOneWord(const std::string& text) {
+    std::string word;
+    for (const char c : text) {
+        if (c == '~' || c == '\t' || c == '\n')
+            (word += '~') += c == '~' ? '~' : c == '\t' ? 't' : 'n';
+        else
+            word += c;
+    }
+    return word;
+}
+
+template <class Words>
+Words WordsOf(const Json& text) {
+    std::istringstream words(text.get<std::string>());
+    typedef std::istream_iterator<typename Words::value_type> Reading;
+    return {Reading(words), Reading()};
 }
 
 }  // namespace
@@ -62,6 +105,14 @@ std::size_t ItemCount(const Value& value) {
 }
 
 std::string Shown(const Value& value) { return value.kind == 's' ? "\"" + value.text + "\"" : value.text; }
+
+int HitCountOf(const std::string& text) {
+    constexpr std::size_t mostDigits = 9;
+    if (text.empty()) return 0;
+    const bool isNumber = text.size() <= mostDigits && std::all_of(text.begin(), text.end(), IsDigit);
+    const int number = isNumber ? std::atoi(text.c_str()) : 0;
+    return number > 0 ? number : -1;
+}
 
 bool Session::Start(const std::string& folder, bool catches, std::string& problem) {
     return target.Start(launch.command, folder, catches, problem) && Begin(problem);
@@ -75,36 +126,49 @@ bool Session::Begin(std::string& problem) {
             return false;
         }
         if (event != Target::Event::Line) continue;
-        places.clear();
-        const Json said = Json::parse(WholeUtf8(text));
-        for (const Json& row : said.at("places")) {
-            std::istringstream lines(row.at("lines").get<std::string>());
-            places.push_back({row.at("routine").get<std::string>(),
-                              row.at("file").get<std::string>(),
-                              {std::istream_iterator<int>(lines), std::istream_iterator<int>()}});
-        }
+        TakePlaces(Json::parse(WholeUtf8(text)));
         break;
     }
     target.Send("skip\t" + launch.installation + "/lib/");
     ForgetEnds();  // that the run before has not met
-    for (Breakpoint& breakpoint : breakpoints) breakpoint.hits = 0;
+    for (Breakpoint& breakpoint : breakpoints) {
+        breakpoint.hits = 0;
+        Settle(breakpoint);
+    }
     SendBreakpoints();
     return true;
 }
 
-std::string Session::FindFile(const std::string& name) const {
-    const std::filesystem::path typed = (PathOf(launch.typedFolder) / PathOf(name)).lexically_normal();
-    const std::string end = "/" + GenericTextOf(PathOf(name));
-    std::string found;
-    std::error_code ignored;
-    for (const Places& row : places) {
-        const std::filesystem::path file = PathOf(row.file);
-        if (file == typed) return row.file;
-        const bool isSame =
-            EndsWith(GenericTextOf(file), end) || std::filesystem::equivalent(file, typed, ignored);
-        if (isSame) found = row.file;
+void Session::TakePlaces(const Json& said) {
+    places.clear();
+    for (const Json& row : said.at("places")) {
+        Places taken = {row.at("routine").get<std::string>(), row.at("file").get<std::string>(),
+                        WordsOf<std::vector<int>>(row.at("lines")),
+                        WordsOf<std::set<std::string>>(row.at("names"))};
+        if (taken.routine.empty())
+            namesEverywhere = taken.names;
+        else
+            places.push_back(std::move(taken));
     }
-    return found;
+}
+
+// Of the ways in which a name may mean a file the surest one counts.
+std::string Session::FindFile(const std::string& name) const {
+    if (name.empty()) return "";
+    const std::filesystem::path typed = PathOf(launch.typedFolder) / PathOf(name);
+    const std::string end = "/" + GenericTextOf(PathOf(name).lexically_normal());
+    const auto isSame = [&](const std::filesystem::path& file) { return file == typed.lexically_normal(); };
+    const auto isThere = [&](const std::filesystem::path& file) {
+        std::error_code ignored;
+        return std::filesystem::equivalent(file, typed, ignored);
+    };
+    const auto endsSo = [&](const std::filesystem::path& file) { return EndsWith(GenericTextOf(file), end); };
+    const std::function<bool(const std::filesystem::path&)> ways[] = {isSame, isThere, endsSo};
+    for (const auto& means : ways) {
+        for (const Places& row : places)
+            if (means(PathOf(row.file))) return row.file;
+    }
+    return "";
 }
 
 int Session::FindLine(const std::string& file, int line) const {
@@ -125,6 +189,35 @@ bool Session::FindRoutine(const std::string& name, std::string& file, int& line)
         return true;
     }
     return false;
+}
+
+bool Session::KnowsName(const std::string& file, int line, const std::string& name) const {
+    if (namesEverywhere.count(name) != 0) return true;
+    return std::any_of(places.begin(), places.end(), [&](const Places& row) {
+        return row.file == file && row.names.count(name) != 0 &&
+               std::find(row.lines.begin(), row.lines.end(), line) != row.lines.end();
+    });
+}
+
+void Session::Settle(Breakpoint& one) const {
+    one.line = 0;
+    one.problem.clear();
+    if (!one.routine.empty())
+        FindRoutine(one.routine, one.file, one.line);
+    else if (!(one.file = FindFile(one.askedFile)).empty())
+        one.line = FindLine(one.file, one.askedLine);
+    try {
+        if (one.line == 0) throw Refusal{"the program cannot stop there"};
+        if (one.wanted < 0) throw Refusal{"a hit count is a number: 3 stops from the third time on"};
+        if (!one.condition.empty()) Check(*this, one.file, one.line, one.condition);
+        WithHoles(one.log, [&](const std::string& inside) {
+            Check(*this, one.file, one.line, inside);
+            return "";
+        });
+    } catch (const Refusal& refusal) {
+        one.problem = refusal.text;
+    }
+    one.isRight = one.problem.empty();
 }
 
 int Session::Add(Breakpoint breakpoint) {
@@ -153,7 +246,7 @@ void Session::SendBreakpoints() {
     std::map<std::string, std::string> lines;
     for (const Places& row : places) lines[row.file];
     for (const Breakpoint& one : breakpoints)
-        if (one.line > 0) lines[one.file] += "\t" + std::to_string(one.line);
+        if (one.isRight) lines[one.file] += "\t" + std::to_string(one.line);
     for (const auto& [file, list] : lines) target.Send("breaks\t" + file + list);
 }
 
@@ -165,13 +258,23 @@ bool Session::Stops(Breakpoint& breakpoint, std::string& logged) {
         try {
             if (!IsTrue(Evaluate(*this, 0, breakpoint.condition))) return false;
         } catch (const Refusal& refusal) {
+            breakpoint.problem = refusal.text;
             logged +=
                 "condition of breakpoint " + std::to_string(breakpoint.number) + ": " + refusal.text + "\n";
         }
     }
     if (++breakpoint.hits < breakpoint.wanted) return false;
     if (breakpoint.log.empty()) return true;
-    logged += WithValues(*this, breakpoint.log) + "\n";
+    logged += WithHoles(breakpoint.log,
+                        [&](const std::string& inside) -> std::string {
+                            try {
+                                return Evaluate(*this, 0, inside).text;
+                            } catch (const Refusal& refusal) {
+                                breakpoint.problem = refusal.text;
+                                return "{" + refusal.text + "}";
+                            }
+                        }) +
+              "\n";
     return false;
 }
 
@@ -184,17 +287,16 @@ bool Session::TakesStop(const std::string& line, Stop& stop, std::string& logged
     bool stands = stop.reason != "breakpoint" || said.at("stepped").get<bool>();
     if (stop.reason == "breakpoint") stop.reason = "step";
     for (Breakpoint& one : breakpoints) {
-        if (one.file != file || one.line != said.at("line").get<int>() || stop.reason == "failure") continue;
+        if (!one.isRight || one.file != file || one.line != said.at("line").get<int>() ||
+            stop.reason == "failure")
+            continue;
         if (!Stops(one, logged)) continue;
         stands = true;
         if (one.once) continue;  // where a step ends that was given its end
         stop.reason = "breakpoint";
         stop.breakpoint = one.number;
     }
-    if (!stands) {
-        target.Send("again");
-        return false;
-    }
+    if (!stands) return false;
     if (ForgetEnds()) SendBreakpoints();
     return true;
 }
@@ -251,11 +353,17 @@ Part Session::Globals() { return AskForPart("globals"); }
 Part Session::Consts() { return AskForPart("consts"); }
 
 Part Session::Items(const Value& value, std::size_t first, std::size_t count) {
-    return value.ref < 0 ? Part() : AskForPart("items\t" + std::to_string(value.ref) + Range(first, count));
+    if (value.ref < 0) return {};
+    Part part = AskForPart("items\t" + std::to_string(value.ref) + Range(first, count));
+    for (Value& item : part.items)
+        if (item.type.empty()) item.type = TypeOfItems(value.type);
+    return part;
 }
 
 Part Session::Objects(const std::string& type, std::size_t first, std::size_t count) {
-    return AskForPart("objects\t" + type + Range(first, count));
+    Part part = AskForPart("objects\t" + type + Range(first, count));
+    for (Value& object : part.items) object.type = type;
+    return part;
 }
 
 std::vector<TypeCount> Session::Types() {
@@ -271,9 +379,8 @@ bool Session::Set(const Value& place, const Value& value) {
     const auto counts = [](const Value& one) { return one.kind == 'b' || IsNumber(one); };
     const bool isNumber = counts(place) && counts(value);
     if (place.ref < 0 || (!isText && !isNumber)) return false;
-    if (value.text.find_first_of("\t\n") != std::string::npos) return false;
     const std::string text = value.kind == 'b' ? (value.text == "True" ? "1" : "0") : value.text;
-    return Ask("set\t" + std::to_string(place.ref) + "\t" + text).at("done").get<bool>();
+    return Ask("set\t" + std::to_string(place.ref) + "\t" + InOneWord(text)).at("done").get<bool>();
 }
 
 std::string Session::ShortPath(const std::string& file) const {

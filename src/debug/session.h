@@ -1,6 +1,7 @@
 // A program that is debugged: where it shall stop, where it stands, and what it answers.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -12,15 +13,23 @@ namespace debug {
 
 struct Breakpoint {
     int number = 0;
-    std::string file;  // full path
+    // What was asked for: a file in any spelling, with a line in it, or the name of a routine.
+    std::string askedFile, routine;
+    int askedLine = 0;
+    // What the program has there: a full path, and a line; 0 where there is none.
+    std::string file;
     int line = 0;
+    std::string problem;    // why it never stops, or what it could not work out when it was met
+    bool isRight = false;   // it may stop
     std::string condition;  // stops only where this is true
     int hits = 0;           // so often has it been met; it stops from the wanted time on
-    int wanted = 0;
-    std::string log;  // says this, with holes "{name}", and does not stop
+    int wanted = 0;         // -1: that was no number
+    std::string log;        // says this, with holes "{name}", and does not stop
     bool once = false;
-    bool ofRoutine = false;  // it was asked for by a name
 };
+
+// Of the text "3"; 0 when there is none, -1 when it is no number.
+int HitCountOf(const std::string& text);
 
 struct Stop {
     std::string reason;  // "breakpoint", "step", "pause", "failure"
@@ -72,16 +81,20 @@ public:
     int FindLine(const std::string& file, int line) const;
     bool FindRoutine(const std::string& name, std::string& file, int& line) const;
 
+    // Looks for the place of a breakpoint, and for what is wrong with it: `isRight` and `problem` say so.
+    void Settle(Breakpoint& breakpoint) const;
+    // Whether a variable may have that name in this line.
+    bool KnowsName(const std::string& file, int line, const std::string& name) const;
     int NewNumber() { return ++lastNumber; }
     void TakeBreakpoints(const Session& other);
     int Add(Breakpoint breakpoint);
     bool Remove(int number);
     void SendBreakpoints();
 
-    // The program goes on: "go", "into", "over", "out".
+    // The program goes on: "go", "into", "over", "out", "again".
     void Go(const std::string& how);
-    // What to make of a line that the program has said. False when the program has gone on; `logged` is what log points
-    // have to say.
+    // What to make of a line that the program has said. False when it is to go on with what it was told before ("again");
+    // `logged` is what log points have to say.
     bool TakesStop(const std::string& line, Stop& stop, std::string& logged);
 
     // While it stands.
@@ -100,12 +113,15 @@ private:
     struct Places {
         std::string routine, file;
         std::vector<int> lines;
+        std::set<std::string> names;
     };
     std::vector<Places> places;
+    std::set<std::string> namesEverywhere;
     int lastNumber = 0;
 
     Json Ask(const std::string& question);
     Part AskForPart(const std::string& question);
+    void TakePlaces(const Json& said);
     bool Stops(Breakpoint& breakpoint, std::string& logged);
     bool ForgetEnds();  // where a step was given its end; false when there are none
 };

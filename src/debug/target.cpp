@@ -91,12 +91,16 @@ Target::Event Target::Wait(int client, std::string& text) {
             said.clear();
             return Event::Interrupted;
         }
+        if (process == elsewhere && ward == -1) {  // nobody else could end the program
+            Close(line);
+            Close(orders);
+        }
     }
 }
 
 int Target::End(bool kills) {
     if (!IsRunning()) return 0;
-    const int status = ward != -1 ? EndElsewhere(kills) : EndHere(kills);
+    const int status = process == elsewhere ? EndElsewhere(kills) : EndHere(kills);
     process = 0;
     for (int* descriptor : {&line, &orders, &input, &output, &errors, &ward}) Close(*descriptor);
     for (std::string* text : {&unread, &unsent, &said}) text->clear();

@@ -44,6 +44,8 @@ public:
     int End(bool kills);
 
 private:
+    static constexpr std::intptr_t elsewhere = -1;  // in place of its number
+
     std::intptr_t process = 0;   // its number, or what Windows knows it by
     int line = -1, orders = -1;  // from it and to it
     int input = -1, output = -1, errors = -1, ward = -1;

@@ -64,6 +64,7 @@ void Terminal::Perform(const std::string& line) {
 void Terminal::Go(const char* how) {
     if (failed) return End();
     turns.ToProgram();
+    std::fflush(stdout);  // before what the program writes
     session.Go(how);
     Stop stop;
     std::string text, logged;
@@ -75,8 +76,10 @@ void Terminal::Go(const char* how) {
         if (event != Target::Event::Line) continue;
         const bool stopped = session.TakesStop(text, stop, logged);
         std::printf("%s", logged.c_str());
+        std::fflush(stdout);
         logged.clear();
         if (stopped) break;
+        session.Go("again");
     }
     turns.ToUser();
     stands = true;
@@ -131,7 +134,10 @@ void Terminal::Restart(const std::string&) {
     session.target.End(true);
     session.launch = made;
     leaves = !Begin();
-    if (!leaves) std::printf("the program stands before its beginning\n");
+    if (leaves) return;
+    for (const Breakpoint& one : session.breakpoints)
+        if (!one.isRight) TellBreakpoint(one);
+    std::printf("the program stands before its beginning\n");
 }
 
 // ---- Where it is ----------------------------------------------------------------------------------------------------

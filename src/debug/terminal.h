@@ -61,7 +61,6 @@ private:
 
     // Breakpoints.
     Breakpoint PlaceOf(const std::string& text);
-    static std::string TakeClause(std::string& text, const std::string& word);
     void Break(const std::string& rest);
     void TellBreakpoint(const Breakpoint& one);
     void TellBreakpoints();

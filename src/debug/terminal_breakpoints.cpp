@@ -1,56 +1,90 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
+#include "base/token_text.h"
 #include "debug/terminal.h"
 
 namespace debug {
+
+namespace {
+
+// "12 if name = "a" log {x}": what stands before the first word and behind each of them, none of which is in a text. A
+// log text takes all that follows; "hit" may be a name in a condition.
+std::map<std::string, std::string> ClausesOf(const std::string& text) {
+    std::map<std::string, std::string> clauses;
+    std::string current;
+    bool isQuoted = false;
+    for (std::size_t at = 0; at < text.size();) {
+        if (text[at] == '"') isQuoted = !isQuoted;
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        const std::string word = text.substr(at, end - at);
+        const bool isFirst = at == 0 || text[at - 1] == ' ';
+        const bool counts = end + 1 < text.size() && (current.empty() || IsDigit(text[end + 1]));
+        const bool begins = word == "if" || word == "log" || (word == "hit" && counts);
+        if (isFirst && begins && !isQuoted && current != "log") {
+            current = word;
+            clauses[current].clear();
+            at = std::min(end + 1, text.size());
+        } else {
+            clauses[current] += text[at++];
+        }
+    }
+    for (auto& [word, clause] : clauses) clause.erase(clause.find_last_not_of(' ') + 1);
+    return clauses;
+}
+
+int NumberIn(const std::string& text) {
+    const bool isNumber = !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
+    return isNumber ? std::atoi(text.c_str()) : 0;
+}
+
+}  // namespace
 
 // "12", "lib/game.kvl:12", "Draw", "TPlayer\Hit".
 Breakpoint Terminal::PlaceOf(const std::string& text) {
     Breakpoint breakpoint;
     const std::size_t colon = text.rfind(':');
-    const std::string number = colon == std::string::npos ? text : text.substr(colon + 1);
-    const int line = std::atoi(number.c_str());
-    if (line <= 0) {
-        if (session.FindRoutine(text, breakpoint.file, breakpoint.line)) return breakpoint;
-        throw Refusal{"there is no Function or Method " + text + " in which the program could stop"};
-    }
-    if (colon != std::string::npos)
-        breakpoint.file = session.FindFile(text.substr(0, colon));
+    breakpoint.askedLine = NumberIn(colon == std::string::npos ? text : text.substr(colon + 1));
+    if (breakpoint.askedLine == 0)
+        breakpoint.routine = text;
+    else if (colon != std::string::npos)
+        breakpoint.askedFile = text.substr(0, colon);
     else
-        breakpoint.file = stands ? Current().file : session.launch.source;
-    breakpoint.line = session.FindLine(breakpoint.file, line);
-    if (breakpoint.line == 0) throw Refusal{"the program cannot stop at " + text + " or behind it"};
-    return breakpoint;
-}
-
-// Takes " WORD rest" off the end of the text.
-std::string Terminal::TakeClause(std::string& text, const std::string& word) {
-    const std::size_t at = text.find(" " + word + " ");
-    if (at == std::string::npos) return "";
-    const std::string clause = text.substr(at + word.size() + 2);
-    text.erase(at);
-    return clause;
+        breakpoint.askedFile = stands ? Current().file : session.launch.source;
+    session.Settle(breakpoint);
+    if (breakpoint.line > 0) return breakpoint;
+    if (!breakpoint.routine.empty() || breakpoint.askedLine == 0)
+        throw Refusal{"there is no Function or Method " + text + " in which the program could stop"};
+    if (breakpoint.file.empty()) throw Refusal{"the program has no file " + breakpoint.askedFile};
+    throw Refusal{"the program cannot stop at " + text + " or behind it"};
 }
 
 void Terminal::Break(const std::string& rest) {
     if (rest.empty()) return TellBreakpoints();
-    std::string place = rest;
-    const std::string log = TakeClause(place, "log"), hits = TakeClause(place, "hit");
-    const std::string condition = TakeClause(place, "if");
-    Breakpoint breakpoint = PlaceOf(place);
-    breakpoint.condition = condition;
-    breakpoint.wanted = std::atoi(hits.c_str());
-    breakpoint.log = log;
+    std::map<std::string, std::string> clauses = ClausesOf(rest);
+    Breakpoint breakpoint = PlaceOf(clauses[""]);
+    for (const auto& [word, clause] : clauses)
+        if (clause.empty()) throw Refusal{"something is missing behind \"" + word + "\""};
+    breakpoint.condition = clauses["if"];
+    breakpoint.wanted = HitCountOf(clauses["hit"]);
+    breakpoint.log = clauses["log"];
+    session.Settle(breakpoint);
+    if (!breakpoint.isRight) throw Refusal{breakpoint.problem};
     session.Add(breakpoint);
     TellBreakpoint(session.breakpoints.back());
 }
 
 void Terminal::TellBreakpoint(const Breakpoint& one) {
-    std::printf("breakpoint %d at %s:%d", one.number, session.ShortPath(one.file).c_str(), one.line);
+    if (one.line > 0)
+        std::printf("breakpoint %d at %s:%d", one.number, session.ShortPath(one.file).c_str(), one.line);
+    else
+        std::printf("breakpoint %d nowhere", one.number);
     if (!one.condition.empty()) std::printf(" if %s", one.condition.c_str());
     if (one.wanted > 0) std::printf(" hit %d", one.wanted);
     if (!one.log.empty()) std::printf(" log %s", one.log.c_str());
+    if (!one.isRight) std::printf(": %s", one.problem.c_str());
     std::printf("%s\n",
                 one.hits > 0
                     ? (", met " + std::to_string(one.hits) + (one.hits == 1 ? " time" : " times")).c_str()

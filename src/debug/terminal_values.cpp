@@ -17,8 +17,9 @@ void Terminal::TellValue(const std::string& name, const Value& value) {
 
 void Terminal::TellPart(const Part& part, const char* indent) {
     for (const Value& value : part.items) {
+        const bool isItem = value.name[0] == '[';  // whose type is that of the list
         std::printf("%s", indent);
-        TellValue(value.name, value);
+        TellValue(value.name, isItem ? Plain(value.kind, value.text) : value);
     }
     if (part.total > part.items.size())
         std::printf("%sand %zu more\n", indent, part.total - part.items.size());
@@ -44,18 +45,26 @@ void Terminal::Change(const std::string& rest) {
 }
 
 void Terminal::Objects(const std::string& rest) {
-    if (!rest.empty()) return TellPart(session.Objects(rest, 0, itemsShown), "");
-    for (const TypeCount& type : session.Types())
+    bool isKnown = rest.empty();
+    for (const TypeCount& type : session.Types()) {
+        if (rest == type.name) TellPart(session.Objects(rest, 0, itemsShown), "");
+        isKnown = isKnown || rest == type.name;
+        if (!rest.empty()) continue;
         std::printf("%s: %zu object%s\n", type.name.c_str(), type.count, type.count == 1 ? "" : "s");
+    }
+    if (!isKnown) throw Refusal{"there is no Type " + rest};
 }
 
 void Terminal::Watch(const std::string& rest) {
+    Check(rest);
     watched.push_back(rest);
     if (stands) TellValue(rest, Evaluate(session, frame, rest));
 }
 
 void Terminal::Unwatch(const std::string& rest) {
-    watched.erase(std::remove(watched.begin(), watched.end(), rest), watched.end());
+    const auto left = std::remove(watched.begin(), watched.end(), rest);
+    if (left == watched.end()) throw Refusal{"nothing of that kind is watched"};
+    watched.erase(left, watched.end());
 }
 
 void Terminal::Help(const std::string&) {

@@ -28,12 +28,14 @@ std::string ItemLine(const Variable& variable) {
 struct StoppingPlaces {
     std::string routine, file;
     std::string lines;  // "12 13 17 "
+    std::string names;  // what variables and Fields it has there
 };
 std::vector<StoppingPlaces> stops;  // of the run
 const PartOfRun partOfRun(stops);
 
 std::size_t shownLocals = 0;  // of the open routine, in the order of their declarations
-const PartOfRun otherPartOfRun(shownLocals);
+std::string shownNames;
+const PartOfRun otherPartOfRun(shownLocals, shownNames);
 
 bool IsVisible(const Variable& variable) {
     const auto& blocks = localDefList.back().leaves;
@@ -48,6 +50,7 @@ void ShowNewLocals(State& state) {
     for (auto& all = localDefList.back().storage; shownLocals < all.size(); ++shownLocals) {
         const Variable& variable = all[shownLocals];
         if (variable.isConst || !IsVisible(variable)) continue;
+        shownNames += variable.name + " ";
         const std::string what = variable.name == "this" ? "*this" : variable.cppName;
         EmitLine(state, "kvdebug::Local _kvShown_" + variable.cppName + "(" + CppLiteral(variable.name) +
                             ", " + CppLiteral(KorvelName(variable.type)) + ", " + what + ");");
@@ -64,29 +67,49 @@ bool MayStopAt(const State& state, Keyword keyword) {
     return !declares && (!follows || Has(keyword, trait::closesBlock));
 }
 
+std::string FieldNames(const ClassInfo& cls) {
+    std::string names;
+    for (const Token field : cls.fields)
+        if (const Variable* member = FindField(cls, field)) names += member->name + " ";
+    return names;
+}
+
 void NoteStop(State& state) {
     const std::string name = (InMethod(state) ? state.typeName + "\\" : std::string()) + state.routine.name;
     if (stops.empty() || stops.back().routine != name || stops.back().file != settings.currentFile)
-        stops.push_back({name, settings.currentFile, ""});
+        stops.push_back({name, settings.currentFile, "", ""});
     stops.back().lines += std::to_string(state.place.line) + " ";
+    stops.back().names = shownNames + (InMethod(state) ? FieldNames(*currentClass) : "");
+}
+
+std::vector<const Variable*> GlobalVariables() {
+    std::vector<const Variable*> all;
+    for (const FileOutput& file : program.files) {
+        for (const GlobalDefinition& global : file.globals)
+            if (const Variable* variable = FindGlobal(global.name)) all.push_back(variable);
+    }
+    return all;
 }
 
 void PutList(FileOutput& out, const char* routine, bool ofConsts) {
     PutLine(out, std::string("static void ") + routine + "(kvdebug::Items& _kvItems) {");
     PutLine(out, "    (void)_kvItems;");
-    for (const FileOutput& file : program.files) {
-        for (const GlobalDefinition& global : file.globals) {
-            const Variable* variable = FindGlobal(global.name);
-            if (variable != nullptr && variable->isConst == ofConsts)
-                PutLine(out, "    " + ItemLine(*variable));
-        }
-    }
+    for (const Variable* variable : GlobalVariables())
+        if (variable->isConst == ofConsts) PutLine(out, "    " + ItemLine(*variable));
     PutLine(out, "}");
+}
+
+void PutPlaces(FileOutput& out, const StoppingPlaces& places) {
+    PutLine(out, "    {" + CppLiteral(places.routine) + ", " + CppLiteral(places.file) + ", " +
+                     CppLiteral(places.lines) + ", " + CppLiteral(places.names) + "},");
 }
 
 }  // namespace
 
-void BeginDebuggerRoutine() { shownLocals = 0; }
+void BeginDebuggerRoutine() {
+    shownLocals = 0;
+    shownNames.clear();
+}
 
 void EmitDebuggerHook(State& state, Keyword keyword) {
     const bool divides = Has(keyword, trait::divides) || keyword == Keyword::EndSelect;
@@ -111,10 +134,11 @@ void EmitDebuggerTables(FileOutput& out, const std::vector<const ClassInfo*>& ty
     PutList(out, "__kvListGlobals", false);
     PutList(out, "__kvListConsts", true);
     PutLine(out, "static const kvdebug::Places _kvPlaces[] = {");
-    for (const StoppingPlaces& places : stops)
-        PutLine(out, "    {" + CppLiteral(places.routine) + ", " + CppLiteral(places.file) + ", " +
-                         CppLiteral(places.lines) + "},");
-    PutLine(out, "    {nullptr, nullptr, nullptr}};");
+    for (const StoppingPlaces& places : stops) PutPlaces(out, places);
+    StoppingPlaces everywhere;
+    for (const Variable* variable : GlobalVariables()) everywhere.names += variable->name + " ";
+    PutPlaces(out, everywhere);
+    PutLine(out, "    {nullptr, nullptr, nullptr, nullptr}};");
     PutLine(out, "static const kvdebug::TypeRow _kvTypes[] = {");
     for (const ClassInfo* cls : types)
         PutLine(out, "    {" + CppLiteral(cls->name) + ", kvdebug::ListObjects<" + cls->cppName + ">},");

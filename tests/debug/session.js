@@ -72,6 +72,7 @@ class Client extends DebugClient {
     const said = JSON.parse(body);
     if (said.type === 'request') return this.open(said);
     if (said.event === 'output') this.output += said.body.output.replace(/\r/g, '');
+    else if (said.event === 'breakpoint') this.changed = said.body.breakpoint;
     else if (said.event) this.events.push(said);
     super.dispatch(body);
   }
@@ -141,9 +142,11 @@ const steps = [
   }],
   ['no such program', true, async () => (await one.ask('launch', { program: game + 'x' })).includes('cannot find')],
   ['launch', {}, async () => { const said = await one.ask('launch', { program: game, stopOnEntry: true }); await one.event('initialized'); return said; }],
-  ['breakpoints', [6, 7, undefined, undefined], async () => {
-    unitPoints = await one.points(unit, [{ line: 5, condition: 'by = limit - 1' }, { line: 7, logMessage: 'hp {hp}' }, { line: 99 }, { line: 6, hitCondition: 'x' }]);
-    return unitPoints.map(point => point.line);
+  ['breakpoints', [6, 7, 'the program cannot stop there', 'a hit count is a number: 3 stops from the third time on', "')' is missing", 'there is no nobody here',
+    'a value is missing', 'Sum cannot be called here'], async () => {
+    unitPoints = await one.points(unit, [{ line: 5, condition: 'by = limit - 1' }, { line: 7, logMessage: 'hp {%hp}' }, { line: 99 }, { line: 6, hitCondition: '3x' },
+      { line: 6, condition: '(by' }, { line: 6, condition: 'nobody = Null' }, { line: 6, logMessage: 'hp {}' }, { line: 6, condition: 'Sum(by) > 1' }]);
+    return unitPoints.map(point => point.verified ? point.line : point.message);
   }],
   ['of a routine', [10], async () => (await one.ask('setFunctionBreakpoints', { breakpoints: [{ name: 'Tick', hitCondition: '2' }, { name: 'Nobody' }] })).breakpoints.slice(0, 1).map(point => point.line)],
   ['the first line', ['entry', 'Main:20'], async () => { await one.ask('configurationDone'); return one.stop(); }],
@@ -161,6 +164,13 @@ const steps = [
     return [...await one.stop(), [one.output]];
   }],
   ['where', 'TUnit\\Hit:6 Main:26', () => one.where(20)],
+  ['the file by other ways', [6, 6, 6, game], async () => {
+    const lines = [];
+    for (const path of [folder + '/link/unit.kvl', folder + '/lib/../lib/./unit.kvl', 'lib/unit.kvl'].map(path => path[0] === '/' ? seen(path) : path))
+      lines.push((await one.points(path, [{ line: 5, condition: 'by = limit - 1' }]))[0].line);
+    await one.points(unit, [{ line: 5, condition: 'by = limit - 1' }, { line: 7, condition: 'other\\other\\nix = 1' }]);
+    return [...lines, (await one.ask('stackTrace', { threadId: 1 })).stackFrames[1].source.path];
+  }],
   ['Locals, Objects', ['this=TUnit#1 by=2', 'TUnit=2', '[0]=TUnit#0 [1]=TUnit#1'], async () => {
     const types = await one.scope('Objects');
     return [await one.told(await one.scope('Locals')), await one.told(types), await one.told((await one.list(types))[0].variablesReference)];
@@ -181,7 +191,19 @@ const steps = [
     const set = async (name, value) => { const said = await one.ask('setVariable', { variablesReference: await one.scope('Locals'), name, value }); return said.value || said; };
     return [await set('by', '3 + 4'), await set('by', '5000000000'), await set('x', '1')];
   }],
-  ['a step, and out', [['step', 'TUnit\\Hit:7'], '3', ['step', 'Main:27']], async () => [await one.go('next'), await one.value('hp'), await one.go('stepOut')]],
+  ['by an expression', ['2 Int', '"a\tb\n~" String', 'it cannot be changed to "a"', 'there is no x here'], async () => {
+    const set = async (expression, value) => { const said = await one.ask('setExpression', { expression, value, frameId: 1 }); return said.value ? `${said.value} ${said.type}` : said; };
+    return [await set('small[1 + 1]', '2.9'), await set('name', '"a~tb~n~~"'), await set('points[0]\\y', '"a"'), await set('x', '1')];
+  }],
+  ['types', ['TUnit', undefined, 'Int'], async () => {
+    const types = await one.list(await one.scope('Objects')), [object] = await one.list(types[0].variablesReference);
+    const small = (await one.list(await one.scope('Locals', 1))).find(value => value.name === 'small');
+    return [object.type, types[0].type, (await one.list(small.variablesReference))[0].type];
+  }],
+  ['a step, to a condition that makes no sense, and out', [['breakpoint', 'TUnit\\Hit:7'], 'there is no Field nix in TUnit#1', '3', ['step', 'Main:27']], async () => {
+    const said = [await one.go('next'), one.changed.message, await one.value('hp')];
+    return [...said, await one.go('stepOut')];
+  }],
   ['old numbers', 'there is nothing of that number', () => one.ask('variables', { variablesReference: 99 })],
   ['arrays that are parameters', [['breakpoint', 'Sum:14'], 'list=[4] points=[2]', '[0]=0 [1]=0 [2]=5 [3]=0', '5'], async () => {
     await one.points(unit, []);
@@ -284,6 +306,7 @@ const steps = [
 ];
 
 fs.mkdirSync(folder + '/lib');
+fs.symlinkSync('lib', folder + '/link');
 for (const [name, text] of Object.entries(files)) fs.writeFileSync(`${folder}/${name}`, text);
 require('../steps')(steps).then(status => {
   fs.rmSync(folder, { recursive: true });

@@ -66,7 +66,12 @@ local function typed(line, wanted, prompt)
 end
 await('(kv) ')
 typed('break lib/unit.kvl:4 if by > 1\n', 'breakpoint 1 at lib/unit.kvl:5 if by > 1')
-typed('break game.kvl:24 log deep {Depth} {grid[0][9]}\n', 'breakpoint 2 at game.kvl:24 log deep {Depth} {grid[0][9]}')
+for wrong, said in pairs({
+    ['24 log deep {Depth}'] = 'there is no Depth here', ['24 if name = ("a"'] = "')' is missing",
+    ['24 if Depth(1) = 1'] = 'Depth cannot be called here', ['24 hit often'] = 'a hit count is a number: 3 stops from the third time on',
+    ['24 iff name'] = 'there is no Function or Method 24 iff name in which the program could stop',
+}) do typed('break ' .. wrong .. '\n', said) end
+typed('break ./lib/../game.kvl:24 log deep {%deep} {grid[0][9]}\n', 'breakpoint 2 at game.kvl:24 log deep {%deep} {grid[0][9]}')
 typed('run\n', 'name?', 'name? ')
 typed('Ada\n', 'breakpoint 1, TUnit\\Hit at lib/unit.kvl:5\n>    5          hp = hp - by')
 typed('where\n', '>  0  TUnit\\Hit at lib/unit.kvl:5\n   1  Main at game.kvl:22')
@@ -88,7 +93,7 @@ typed('out\n', 'Main at game.kvl:23\n>   23      Next\nhp: there is no hp here')
 typed('delete 1\n', '')
 typed('unwatch hp\n', '')
 typed('break Depth if n = 0\n', 'breakpoint 3 at game.kvl:11 if n = 0')
-typed('continue\n', 'deep {there is no Depth here} {index 9 is outside of [3]}\n' ..
+typed('continue\n', 'deep {there is no deep here} {index 9 is outside of [3]}\n' ..
     'breakpoint 3, Depth at game.kvl:11\n>   11      If n = 0')
 typed('frame 10001\n', 'Main at game.kvl:24\n>   24      Local deep = Depth(10000)')
 typed('delete 3\n', '')
