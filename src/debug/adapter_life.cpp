@@ -42,8 +42,10 @@ std::string Adapter::FolderOf(const Launch& launch) const {
     return folder.empty() ? TextOf(PathOf(launch.source).parent_path()) : folder;
 }
 
+// What runs stays where it is when no other program can be made.
 void Adapter::Start() {
     std::unique_ptr<Session> next = std::make_unique<Session>(MakeIt());
+    Kill();
     if (session != nullptr) next->TakeBreakpoints(*session);
     const std::string console = launched.value("console", "internalConsole");
     std::string problem;
@@ -87,7 +89,6 @@ void Adapter::StartInTerminal(Session& next) {
 }
 
 Json Adapter::LaunchIt(const Json& arguments) {
-    Kill();
     launched = arguments;
     Start();
     after = {"initialized"};
@@ -113,7 +114,6 @@ Json Adapter::Restart(const Json& arguments) {
     NeedsSession();
     if (arguments.contains("arguments") && arguments["arguments"].contains("program"))
         launched = arguments["arguments"];
-    Kill();
     Start();
     return Configured({});
 }

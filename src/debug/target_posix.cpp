@@ -72,12 +72,16 @@ bool Target::Start(const std::vector<std::string>& command, const std::string& f
 }
 
 bool Target::Type(const std::string& text) const {
-    return input != -1 && write(input, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    void (*const before)(int) = signal(SIGPIPE, SIG_IGN);  // it may have ended just now
+    const bool taken =
+        input != -1 && write(input, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    signal(SIGPIPE, before);
+    return taken;
 }
 
 int Target::EndHere(bool kills) const {
     const pid_t number = static_cast<pid_t>(process);
-    if (kills) kill(number, SIGKILL);
+    if (kills && number > 0) kill(number, SIGKILL);  // -1 would be everybody
     int status = 0;
     while (waitpid(number, &status, 0) < 0 && errno == EINTR) {
     }

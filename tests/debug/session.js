@@ -303,6 +303,31 @@ const steps = [
     process.kill(Number(running()), 'SIGKILL');
     return endOf(client);
   }],
+  ...onWindows ? [] : [['kv that is killed: in the terminal, and the one of the editor', [137, '', ''], async () => {
+    const client = await named('Eve', inTerminal), other = await named('Eve');
+    await client.until('6\n');
+    client.terminal.kill('SIGKILL');
+    const { exitCode } = await client.event('exited');
+    await client.ask('disconnect');
+    other._adapterProcess.kill('SIGKILL');
+    await sleep(500);
+    return [exitCode, running(), client.events.map(said => said.event).filter(event => event !== 'terminated').join()];
+  }]],
+  ['a restart with another source: breakpoints find their lines', ['the program cannot stop there', 'breakpoint', 'Tick:10', 'Tick:10', 'breakpoint', 'Late:4'], async () => {
+    const client = await named('Eve'), added = 'Function Late\n    Print "late"\nEndFunction\n', source = fs.readFileSync(folder + '/game.kvl', 'utf8');
+    const write = text => fs.writeFileSync(folder + '/game.kvl', text);
+    const told = (await client.ask('setFunctionBreakpoints', { breakpoints: [{ name: 'Late' }, { name: 'Tick', hitCondition: '2' }] })).breakpoints[0].message;
+    const [said, at] = await client.stop();
+    write('Function Nonsense');
+    await client.ask('restart');
+    const still = await client.where();
+    write('; one\n; two\n' + added + source.replace('Input "name? ", name', 'Late()'));
+    await client.ask('restart');
+    const [again, late] = await client.stop();
+    write(source);
+    await client.ask('disconnect');
+    return [told, said, at, still, again, late];
+  }],
 ];
 
 fs.mkdirSync(folder + '/lib');
