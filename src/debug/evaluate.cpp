@@ -32,6 +32,14 @@ public:
     Reader(const std::function<bool(const std::string& name)>& isKnown, const std::string& what)
         : knows(isKnown), text(what), isLeftOut(true) {}
 
+    // Of a part of what the other one reads.
+    Reader(const Reader& whole, const std::string& what)
+        : session(whole.session),
+          frame(whole.frame),
+          knows(whole.knows),
+          text(what),
+          isLeftOut(whole.isLeftOut) {}
+
     Value Whole() {
         Value value = From(Level::Or);
         Skip();
@@ -150,12 +158,28 @@ private:
         if (end == std::string::npos) throw Refusal{"the closing quote is missing"};
         std::string inside;
         for (; at < end; ++at) {
+            if (text[at] == '{' && std::strchr("$%!", text[at + 1]) != nullptr) {
+                inside += Hole(end);
+                continue;
+            }
             const char meant = text[at] == '~' ? Meant(text[at + 1]) : '\0';
             inside += meant != '\0' ? meant : text[at];
             if (meant != '\0') ++at;
         }
         at = end + 1;
         return Plain('s', inside);
+    }
+
+    // "{$name}" in a text that ends there: what becomes of it. Stays at its brace.
+    std::string Hole(std::size_t endOfText) {
+        const std::size_t from = at + 2;
+        at = text.find('}', at);
+        if (at >= endOfText) throw Refusal{"'}' is missing"};
+        GoDeeper();
+        const std::string what = text.substr(from, at - from);
+        Reader inside(*this, what);
+        const Value value = inside.Whole();
+        return isLeftOut ? "" : FindOperator("+", 0)->apply(Plain('s', ""), value).text;
     }
 
     static const Value* Named(const Part& part, const std::string& name) {

@@ -54,8 +54,12 @@ void Terminal::Perform(const std::string& line) {
     words >> word >> std::ws;
     std::getline(words, rest);
     if (word.empty()) return;
-    for (const Row& row : Rows())
-        if (word == row.word || word == row.shortWord) return (this->*row.perform)(rest);
+    for (const Row& row : Rows()) {
+        if (word != row.word && word != row.shortWord) continue;
+        const bool needs = row.usage[0] != '\0' && row.usage[0] != '[';
+        if (needs && rest.empty()) throw Refusal{std::string(row.word) + " " + row.usage};
+        return (this->*row.perform)(rest);
+    }
     throw Refusal{"there is no command \"" + word + "\"; \"help\" tells those that there are"};
 }
 
@@ -190,9 +194,10 @@ void Terminal::Where(const std::string&) {
 
 void Terminal::Select(const std::string& rest) {
     const std::size_t before = frame;
-    frame = std::strtoul(rest.c_str(), nullptr, 10);
+    char* end = nullptr;
+    frame = std::strtoul(rest.c_str(), &end, 10);
     std::size_t total = 0;
-    if (!session.Stack(frame, 1, total).empty()) return TellFrame();
+    if (*end == '\0' && !session.Stack(frame, 1, total).empty()) return TellFrame();
     frame = before;
     throw Refusal{"there are " + std::to_string(total) + " calls under way"};
 }

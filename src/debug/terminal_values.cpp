@@ -37,7 +37,7 @@ void Terminal::Print(const std::string& rest) {
 
 void Terminal::Change(const std::string& rest) {
     const std::size_t sign = rest.find('=');
-    if (sign == std::string::npos) throw Refusal{"set NAME = VALUE"};
+    if (sign == std::string::npos) throw Refusal{"set NAME = EXPRESSION"};
     const Value place = Evaluate(session, frame, rest.substr(0, sign));
     const Value value = Evaluate(session, frame, rest.substr(sign + 1));
     if (!session.Set(place, value)) throw Refusal{"that cannot be changed to " + Shown(value)};

@@ -75,7 +75,7 @@ std::string FieldNames(const ClassInfo& cls) {
 }
 
 void NoteStop(State& state) {
-    const std::string name = (InMethod(state) ? state.typeName + "\\" : std::string()) + state.routine.name;
+    const std::string name = DebuggerRoutineName(state);
     if (stops.empty() || stops.back().routine != name || stops.back().file != settings.currentFile)
         stops.push_back({name, settings.currentFile, "", ""});
     stops.back().lines += std::to_string(state.place.line) + " ";
@@ -105,6 +105,10 @@ void PutPlaces(FileOutput& out, const StoppingPlaces& places) {
 }
 
 }  // namespace
+
+std::string DebuggerRoutineName(const State& state) {
+    return InMethod(state) ? state.typeName + "\\" + state.routine.declared->name : state.routine.name;
+}
 
 void BeginDebuggerRoutine() {
     shownLocals = 0;

@@ -3,6 +3,9 @@
 
 #include "statements/state.h"
 
+// Of the open routine: "Draw", "TPlayer\Hit", "TPlayer\constructor".
+std::string DebuggerRoutineName(const State& state);
+
 // A routine begins.
 void BeginDebuggerRoutine();
 

@@ -10,10 +10,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/debugger.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "collect/parameters.h"
 #include "lexer/lexer.h"
+#include "linking/runtime_code.h"
 #include "prelude/line_marks.h"
 #include "statements/class_bodies.h"
 #include "statements/debug_hooks.h"
@@ -128,7 +130,8 @@ void EmitEnter(State& state, const std::string& name) {
         EmitLine(state, "\t_kvDebugSetGlobalReporter(&__kvReportGlobals);");
     }
     BeginDebuggerRoutine();
-    EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, \"" + name + "\");");
+    const std::string entered = forDebugger ? DebuggerRoutineName(state) : name;
+    EmitLine(state, "\t_kvDebugEnter(nullptr, nullptr, " + CppLiteral(entered) + ");");
 }
 
 void CheckFunctionName(const std::string& name, const Routine* routine, bool isMain) {
@@ -313,7 +316,7 @@ void TranslateMethod(State& state, TokenSpan tokens) {
     DoubtParameters(name, tokens);
     DeclareThis(state);
     BeginMethodPiece(state, *method);
-    EmitEnter(state, state.typeName + "\\\\" + state.routine.name);
+    EmitEnter(state, state.typeName + "\\" + state.routine.name);
 }
 
 // EndMethod
