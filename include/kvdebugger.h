@@ -105,7 +105,7 @@ private:
 
 // ---- Tables of the program ------------------------------------------------------------------------------------------
 
-// Of no routine: the names that are known everywhere.
+// Of no routine and file: the names that are known everywhere. Of no routine: what `its` means in these lines.
 struct Places {
     const char *routine, *file, *lines, *names;
 };

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 
+#include "base/text.h"
 #include "base/token_text.h"
 #include "lexer/lexer.h"
 
@@ -177,8 +178,7 @@ private:
         if (at >= endOfText) throw Refusal{"'}' is missing"};
         GoDeeper();
         const std::string what = text.substr(from, at - from);
-        Reader inside(*this, what);
-        const Value value = inside.Whole();
+        const Value value = Reader(*this, what).Whole();
         return isLeftOut ? "" : FindOperator("+", 0)->apply(Plain('s', ""), value).text;
     }
 
@@ -191,6 +191,7 @@ private:
     // As the program sees it: Locals, the object's own Fields, Globals, Consts.
     Value Variable(const std::string& name) {
         if (Take("(")) throw Refusal{name + " cannot be called here"};
+        if (Lower(name) == "its") return Its();
         if (knows && !knows(name)) throw Refusal{"there is no " + name + " here"};
         if (isLeftOut) return {};
         const Part locals = session->Locals(frame);
@@ -206,6 +207,19 @@ private:
         throw Refusal{"there is no " + name + " here"};
     }
 
+    // In a With.
+    Value Its() {
+        std::size_t total = 0;
+        std::string object;
+        if (knows && !knows("its")) throw Refusal{"there is no its here"};
+        if (isLeftOut) return {};
+        for (const Frame& at : session->Stack(frame, 1, total))
+            object = session->MeantByIts(at.file, at.line);
+        if (object.empty()) throw Refusal{"there is no its here"};
+        GoDeeper();
+        return Reader(*this, object).Whole();
+    }
+
     Value Member(const Value& of, const std::string& name) {
         if (name.empty()) throw Refusal{"the name of a Field is missing"};
         if (Take("(")) throw Refusal{name + " cannot be called here"};
@@ -213,6 +227,8 @@ private:
         if (of.text == "Null") throw Refusal{"what stands before \\" + name + " is Null"};
         const Part fields = session->Items(of, 0, all);
         if (const Value* field = Named(fields, name)) return *field;
+        if (EndsWith(of.text, "(removed)"))
+            throw Refusal{"what stands before \\" + name + " has been removed"};
         throw Refusal{"there is no Field " + name + " in " + of.text};
     }
 

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
-#include <map>
 #include <sstream>
 
 #include "base/text.h"
@@ -141,13 +140,16 @@ bool Session::Begin(std::string& problem) {
 
 void Session::TakePlaces(const Json& said) {
     places.clear();
+    meantByIts.clear();
     for (const Json& row : said.at("places")) {
         Places taken = {row.at("routine").get<std::string>(), row.at("file").get<std::string>(),
                         WordsOf<std::vector<int>>(row.at("lines")),
                         WordsOf<std::set<std::string>>(row.at("names"))};
-        if (taken.routine.empty())
+        for (const int line : taken.lines)
+            if (taken.routine.empty()) meantByIts[{taken.file, line}] = row.at("names").get<std::string>();
+        if (taken.routine.empty() && taken.file.empty())
             namesEverywhere = taken.names;
-        else
+        else if (!taken.routine.empty())
             places.push_back(std::move(taken));
     }
 }
@@ -191,7 +193,13 @@ bool Session::FindRoutine(const std::string& name, std::string& file, int& line)
     return false;
 }
 
+std::string Session::MeantByIts(const std::string& file, int line) const {
+    const auto found = meantByIts.find({file, line});
+    return found == meantByIts.end() ? "" : found->second;
+}
+
 bool Session::KnowsName(const std::string& file, int line, const std::string& name) const {
+    if (name == "its") return !MeantByIts(file, line).empty();
     if (namesEverywhere.count(name) != 0) return true;
     return std::any_of(places.begin(), places.end(), [&](const Places& row) {
         return row.file == file && row.names.count(name) != 0 &&

@@ -1,8 +1,10 @@
 // A program that is debugged: where it shall stop, where it stands, and what it answers.
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "debug/json.h"
@@ -83,6 +85,8 @@ public:
 
     // Looks for the place of a breakpoint, and for what is wrong with it: `isRight` and `problem` say so.
     void Settle(Breakpoint& breakpoint) const;
+    // What `its` means in a line, in a With; empty where it means nothing.
+    std::string MeantByIts(const std::string& file, int line) const;
     // Whether a variable may have that name in this line.
     bool KnowsName(const std::string& file, int line, const std::string& name) const;
     int NewNumber() { return ++lastNumber; }
@@ -116,6 +120,7 @@ private:
         std::set<std::string> names;
     };
     std::vector<Places> places;
+    std::map<std::pair<std::string, int>, std::string> meantByIts;
     std::set<std::string> namesEverywhere;
     int lastNumber = 0;
 

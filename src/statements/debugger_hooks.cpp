@@ -15,6 +15,7 @@
 #include "base/settings.h"
 #include "linking/runtime_code.h"
 #include "statements/program.h"
+#include "statements/with.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -31,7 +32,8 @@ struct StoppingPlaces {
     std::string names;  // what variables and Fields it has there
 };
 std::vector<StoppingPlaces> stops;  // of the run
-const PartOfRun partOfRun(stops);
+std::vector<StoppingPlaces> withs;  // of no routine; the name is what `its` means there
+const PartOfRun partOfRun(stops, withs);
 
 std::size_t shownLocals = 0;  // of the open routine, in the order of their declarations
 std::string shownNames;
@@ -74,7 +76,15 @@ std::string FieldNames(const ClassInfo& cls) {
     return names;
 }
 
+void NoteWith(const State& state) {
+    const std::string object = Spelling(state.withs.back().object);
+    if (withs.empty() || withs.back().names != object || withs.back().file != settings.currentFile)
+        withs.push_back({"", settings.currentFile, "", object});
+    withs.back().lines += std::to_string(state.place.line) + " ";
+}
+
 void NoteStop(State& state) {
+    if (!state.withs.empty()) NoteWith(state);
     const std::string name = DebuggerRoutineName(state);
     if (stops.empty() || stops.back().routine != name || stops.back().file != settings.currentFile)
         stops.push_back({name, settings.currentFile, "", ""});
@@ -139,6 +149,7 @@ void EmitDebuggerTables(FileOutput& out, const std::vector<const ClassInfo*>& ty
     PutList(out, "__kvListConsts", true);
     PutLine(out, "static const kvdebug::Places _kvPlaces[] = {");
     for (const StoppingPlaces& places : stops) PutPlaces(out, places);
+    for (const StoppingPlaces& places : withs) PutPlaces(out, places);
     StoppingPlaces everywhere;
     for (const Variable* variable : GlobalVariables()) everywhere.names += variable->name + " ";
     PutPlaces(out, everywhere);

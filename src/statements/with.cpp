@@ -17,16 +17,6 @@ bool ItsAt(const std::string& text, std::size_t at) {
     return (at == 0 || !IsNameByte(text[at - 1])) && (at + 3 >= text.size() || !IsNameByte(text[at + 3]));
 }
 
-// The tokens as they may have been written: words stand apart.
-std::string Spelling(TokenSpan tokens) {
-    std::string text;
-    for (const std::string& token : tokens) {
-        if (!text.empty() && IsNameByte(text.back()) && IsNameByte(token[0])) text += ' ';
-        text += token;
-    }
-    return text;
-}
-
 // Replaces `its` inside the holes of a string literal.
 std::string SubstituteInHoles(const Word& literal, const std::string& object) {
     std::string result = "\"";
@@ -78,6 +68,15 @@ bool EndsObject(TokenSpan tokens, std::size_t at) {
 }
 
 }  // namespace
+
+std::string Spelling(TokenSpan tokens) {
+    std::string text;
+    for (const std::string& token : tokens) {
+        if (!text.empty() && IsNameByte(text.back()) && IsNameByte(token[0])) text += ' ';
+        text += token;
+    }
+    return text;
+}
 
 // With object
 // Nothing comes out: `its` becomes the object in the statements that follow.

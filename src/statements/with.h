@@ -7,6 +7,9 @@
 // Opens a With over an object of which nothing is known.
 void OpenUnknownWith(State& state);
 
+// The tokens as they may have been written: words stand apart.
+std::string Spelling(TokenSpan tokens);
+
 // True when a token is `its`, or inside a With a string that may name it in a hole.
 bool MentionsIts(const State& state, TokenSpan tokens);
 

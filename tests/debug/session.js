@@ -14,6 +14,11 @@ const files = {
         hp = hp - by
         If hp < 0 Then hp = 0
     EndMethod
+    Method constructor()
+        With this
+            its\\hp = 10
+        EndWith
+    EndMethod
 EndType
 `,
   'game.kvl': `Include "lib/unit.kvl"
@@ -142,13 +147,14 @@ const steps = [
   }],
   ['no such program', true, async () => (await one.ask('launch', { program: game + 'x' })).includes('cannot find')],
   ['launch', {}, async () => { const said = await one.ask('launch', { program: game, stopOnEntry: true }); await one.event('initialized'); return said; }],
-  ['breakpoints', [6, 7, 'the program cannot stop there', 'a hit count is a number: 3 stops from the third time on', "')' is missing", 'there is no nobody here',
+  ['breakpoints', [6, 7, 'the program cannot stop there', 'a hit count is a number: 3 stops from the third time on', 11, 'there is no its here', "')' is missing", 'there is no nobody here',
     'a value is missing', 'Sum cannot be called here'], async () => {
     unitPoints = await one.points(unit, [{ line: 5, condition: 'by = limit - 1' }, { line: 7, logMessage: 'hp {%hp}' }, { line: 99 }, { line: 6, hitCondition: '3x' },
-      { line: 6, condition: '(by' }, { line: 6, condition: 'nobody = Null' }, { line: 6, logMessage: 'hp {}' }, { line: 6, condition: 'Sum(by) > 1' }]);
+      { line: 11, condition: 'its\\hp <> 10 Or "{%its\\hp}" <> "10"' }, { line: 6, condition: 'its = Null' }, { line: 6, condition: '(by' }, { line: 6, condition: 'nobody = Null' }, { line: 6, logMessage: 'hp {}' }, { line: 6, condition: 'Sum(by) > 1' }]);
     return unitPoints.map(point => point.verified ? point.line : point.message);
   }],
-  ['of a routine', [10], async () => (await one.ask('setFunctionBreakpoints', { breakpoints: [{ name: 'Tick', hitCondition: '2' }, { name: 'Nobody' }] })).breakpoints.slice(0, 1).map(point => point.line)],
+  ['of a routine', [10, 11, 'the program cannot stop there'], async () => (await one.ask('setFunctionBreakpoints', { breakpoints: [{ name: 'Tick', hitCondition: '2' }, { name: 'TUnit\\constructor', condition: 'False' }, { name: 'Nobody' }] }))
+    .breakpoints.map(point => point.message || point.line)],
   ['the first line', ['entry', 'Main:20'], async () => { await one.ask('configurationDone'); return one.stop(); }],
   ['no second beginning', 'the program has begun already', () => one.ask('configurationDone')],
   ['a second session with the same program, in a terminal', true, async () => {
