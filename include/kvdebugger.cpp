@@ -84,13 +84,12 @@ void Stand() {
 
 const Frame nowhere = {"", "", 0, 0};
 
-// A step may end at a breakpoint that kv then takes no notice of.
-void Stop(const char* reason, const char* text, bool stepped = false) {
+// The text is that of a failure; of a breakpoint, which kv may then take no notice of, why it stands nevertheless.
+void Stop(const char* reason, const char* text) {
     std::cout.flush();
     std::fflush(stdout);
     Say(std::string("{\"event\":\"stop\",\"reason\":\"") + reason + "\",\"text\":" + Quoted(text) + "," +
-        Place(debugger->frames.empty() ? nowhere : debugger->frames.back()) +
-        (stepped ? ",\"stepped\":true}" : ",\"stepped\":false}"));
+        Place(debugger->frames.empty() ? nowhere : debugger->frames.back()) + "}");
     Stand();
 }
 
@@ -162,12 +161,11 @@ void Statement(int line, const char* file) {
     frame.line = line;
     if (debugger->hasMail != 0) ReadMail();
     const bool steps = debugger->mode != Mode::Run && EndsStep(file, line);
-    if (debugger->pauses)
-        Stop("pause", "");
-    else if (IsBreak(file, line))
-        Stop("breakpoint", "", steps);
-    else if (steps)
-        Stop("step", "");
+    const char* const reason = debugger->pauses ? "pause" : steps ? "step" : "";
+    if (IsBreak(file, line))
+        Stop("breakpoint", reason);
+    else if (*reason != '\0')
+        Stop(reason, "");
 }
 
 void Variable(const char*, const char*, const char*, int) {}

@@ -120,7 +120,7 @@ void Adapter::Serve(const Json& request) {
     } catch (const Refusal& refusal) {
         problem = refusal.text;
     } catch (const Json::exception& wrong) {
-        problem = wrong.what();
+        problem = std::string("kv dap does not understand ") + command + ": " + wrong.what();
     } catch (const Gone&) {
         problem = "the program has ended";
         isGone = true;

@@ -292,12 +292,12 @@ bool Session::TakesStop(const std::string& line, Stop& stop, std::string& logged
     stop.text = said.at("text").get<std::string>();
     stop.breakpoint = 0;
     const std::string file = said.at("file").get<std::string>();
-    bool stands = stop.reason != "breakpoint" || said.at("stepped").get<bool>();
-    if (stop.reason == "breakpoint") stop.reason = "step";
+    const bool mayBeMet = stop.reason == "breakpoint";
+    if (mayBeMet) stop.reason.clear();
+    if (mayBeMet) stop.reason.swap(stop.text);
+    bool stands = !stop.reason.empty();
     for (Breakpoint& one : breakpoints) {
-        if (!one.isRight || one.file != file || one.line != said.at("line").get<int>() ||
-            stop.reason == "failure")
-            continue;
+        if (!mayBeMet || !one.isRight || one.file != file || one.line != said.at("line").get<int>()) continue;
         if (!Stops(one, logged)) continue;
         stands = true;
         if (one.once) continue;  // where a step ends that was given its end

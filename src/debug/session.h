@@ -84,7 +84,7 @@ public:
     bool FindRoutine(const std::string& name, std::string& file, int& line) const;
 
     // Looks for the place of a breakpoint, and for what is wrong with it: `isRight` and `problem` say so.
-    void Settle(Breakpoint& breakpoint) const;
+    void Settle(Breakpoint& one) const;
     // What `its` means in a line, in a With; empty where it means nothing.
     std::string MeantByIts(const std::string& file, int line) const;
     // Whether a variable may have that name in this line.

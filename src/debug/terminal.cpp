@@ -43,6 +43,7 @@ bool Terminal::Begin() {
 
 void Terminal::TellEnd() {
     turns.ToUser();
+    repeated.clear();  // would begin it once more
     status = session.target.End(false);
     std::printf("the program has ended with status %d\n", status);
     leaves = !Begin();

@@ -255,11 +255,12 @@ const steps = [
     return [await one.ask('next'), await one.ask('evaluate', { expression: '1', context: 'repl' })];
   }],
   ['restarted after its end', ['entry', 'Main:20'], async () => { await one.ask('restart'); return one.stop(); }],
-  ['a pause where it waits for input', ['pause', 'Main:21'], async () => {
+  ['a pause where it waits for input: its breakpoint is met once', ['pause', 'Main:21', 1], async () => {
     one.output = '';
+    await one.points(game, [{ line: 21, logMessage: 'asked' }]);
     await one.ask('continue');
     await one.until('name?');
-    return one.go('pause');
+    return [...await one.go('pause'), one.output.split('asked').length - 1];
   }],
   ['a client that leaves', [0, ''], async () => {
     one.outputStream.end();
