@@ -2,6 +2,7 @@
 
 #include "base/settings.h"
 #include "expressions/constants.h"
+#include "lexer/holes.h"
 #include "lexer/source_lines.h"
 #include "statements/state.h"
 #include "symbols/scopes.h"
@@ -38,6 +39,16 @@ bool IsEscaped(std::string_view text) {
     const bool isPath =
         text.find(":\\") != std::string_view::npos || text.find('.', text.rfind('\\')) < text.size() - 1;
     return found && !isPath;
+}
+
+// Of a literal what stands outside of its holes.
+std::string TextOf(const Word& literal) {
+    if (!HasHoles(literal)) return std::string(Unquoted(literal.text));
+    std::string text;
+    for (const StringPiece& piece : PiecesOf(literal))
+        if (piece.kind == StringPiece::Kind::Text)
+            text += literal.text.substr(piece.from, piece.to - piece.from);
+    return text;
 }
 
 struct Counting {
@@ -219,6 +230,6 @@ TokenSpan EscapesByBackslash(const State&, TokenSpan statement) {
     const Keyword word = statement.KeywordAt(0);
     if (word == Keyword::Include || word == Keyword::Import || word == Keyword::Linker) return {};
     for (std::size_t i = 0; i < statement.size(); ++i)
-        if (IsQuoted(statement[i]) && IsEscaped(Unquoted(statement[i]))) return statement.Slice(i, i + 1);
+        if (IsQuoted(statement[i]) && IsEscaped(TextOf(statement.At(i)))) return statement.Slice(i, i + 1);
     return {};
 }
