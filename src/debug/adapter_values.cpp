@@ -16,7 +16,7 @@ Json Adapter::StackTrace(const Json& arguments) {
     Json frames = Json::array();
     for (const Frame& frame : session->Stack(first, wanted == 0 ? mostItems : wanted, total)) {
         const auto known = spelled.find(frame.file);
-        const std::string& path = known == spelled.end() ? frame.file : known->second;
+        const std::string path = PlainPath(known == spelled.end() ? frame.file : known->second);
         frames.push_back({{"id", first + frames.size()},
                           {"name", frame.routine},
                           {"line", frame.line},

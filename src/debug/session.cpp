@@ -159,10 +159,14 @@ std::string Session::FindFile(const std::string& name) const {
     if (name.empty()) return "";
     const std::filesystem::path typed = PathOf(launch.typedFolder) / PathOf(name);
     const std::string end = "/" + GenericTextOf(PathOf(name).lexically_normal());
-    const auto isSame = [&](const std::filesystem::path& file) { return file == typed.lexically_normal(); };
+    const auto isSame = [&](const std::filesystem::path& file) {
+        return file.lexically_normal() == typed.lexically_normal();
+    };
     const auto isThere = [&](const std::filesystem::path& file) {
         std::error_code ignored;
-        return std::filesystem::equivalent(file, typed, ignored);
+        const std::filesystem::path besideMain = PathOf(launch.source).parent_path() / PathOf(name);
+        return std::filesystem::equivalent(file, typed, ignored) ||
+               std::filesystem::equivalent(file, besideMain, ignored);
     };
     const auto endsSo = [&](const std::filesystem::path& file) { return EndsWith(GenericTextOf(file), end); };
     const std::function<bool(const std::filesystem::path&)> ways[] = {isSame, isThere, endsSo};
@@ -391,7 +395,14 @@ bool Session::Set(const Value& place, const Value& value) {
     return Ask("set\t" + std::to_string(place.ref) + "\t" + InOneWord(text)).at("done").get<bool>();
 }
 
-std::string Session::ShortPath(const std::string& file) const {
+std::string PlainPath(const std::string& file) {
+    std::error_code ignored;
+    const std::filesystem::path plain = PathOf(file).lexically_normal();
+    return std::filesystem::equivalent(plain, PathOf(file), ignored) ? TextOf(plain) : file;
+}
+
+std::string Session::ShortPath(const std::string& written) const {
+    const std::string file = PlainPath(written);
     const std::string& folder = launch.typedFolder;
     const bool isInside =
         StartsWith(file, folder) && file.find_first_of("/\\", folder.size()) == folder.size();

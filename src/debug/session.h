@@ -111,7 +111,7 @@ public:
     std::vector<TypeCount> Types();
     bool Set(const Value& place, const Value& value);
 
-    std::string ShortPath(const std::string& file) const;
+    std::string ShortPath(const std::string& written) const;
 
 private:
     struct Places {
@@ -136,6 +136,9 @@ extern const char* const waitsText;
 
 // How many items a list has, "[3]".
 std::size_t ItemCount(const Value& value);
+
+// Of a file: without "./" and "a/../", where that is the same one.
+std::string PlainPath(const std::string& file);
 
 // How a value is shown: Strings in quotes.
 std::string Shown(const Value& value);
