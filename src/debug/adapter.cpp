@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 #include "debug/streams.h"
 #include "lsp/framing.h"
@@ -9,7 +10,8 @@
 namespace debug {
 
 namespace {
-constexpr int thread = 1;  // programs have one
+constexpr int thread = 1;                 // programs have one
+constexpr std::size_t errorsKept = 4096;  // bytes
 
 Json ArgumentsOf(const Json& request) {
     const auto found = request.find("arguments");
@@ -26,6 +28,15 @@ std::size_t UnfinishedBytes(const std::string& text) {
     }
     return 0;
 }
+// What the program has said of it itself, before the lines "  at ..."; where that is in a terminal nobody knows.
+std::string TextOfFailure(const std::string& errors) {
+    std::istringstream lines(errors);
+    std::string text = "run-time error";
+    for (std::string line; std::getline(lines, line);)
+        if (!line.empty() && line[0] != ' ') text = line;
+    return text;
+}
+
 }  // namespace
 
 std::string TextAt(const Json& message, const char* name) {
@@ -79,6 +90,8 @@ void Adapter::Take(Target::Event event, const std::string& text) {
         case Target::Event::Output:
             return SendOutput("stdout", text);
         case Target::Event::Errors:
+            errors += text;
+            errors.erase(0, errors.size() - std::min(errors.size(), errorsKept));
             return SendOutput("stderr", text);
         case Target::Event::Line:
             return TakeStop(text);
@@ -165,7 +178,8 @@ void Adapter::TakeStop(const std::string& line) {
     stopsAtEntry = false;
     Json body = {
         {"reason", failed ? "exception" : stop.reason}, {"threadId", thread}, {"allThreadsStopped", true}};
-    if (failed) body["text"] = stop.text.empty() ? "run-time error" : stop.text;
+    if (failed) body["text"] = stop.text.empty() ? TextOfFailure(errors) : stop.text;
+    errors.clear();
     if (stop.breakpoint != 0) body["hitBreakpointIds"] = {stop.breakpoint};
     SendEvent("stopped", body);
 }

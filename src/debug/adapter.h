@@ -41,7 +41,8 @@ private:
     int sequence = 0;
     bool leaves = false, begins = false, stands = false, stopsAtFailures = true, stopsAtEntry = false;
     std::map<std::string, std::string>
-        cut;  // by category: bytes that a letter begins with, whose rest has not come
+        cut;             // by category: bytes that a letter begins with, whose rest has not come
+    std::string errors;  // that the program has told of since it stood last
     std::map<std::string, std::string> spelled;  // how the editor calls files of the program
     std::vector<std::string> after;              // events that follow the answer
     std::string goesOn;                          // how, behind the answer

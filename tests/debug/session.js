@@ -274,10 +274,10 @@ const steps = [
     await client.ask('disconnect');
     return [said, client.output.includes('\ufffd')];
   }],
-  ['an array that is too short, where a value is returned', ['exception', 'Item:17 Main:33', [1, {}]], async () => {
-    const client = await named('wrong'), [said] = await client.stop(), at = await client.where(9);
+  ['an array that is too short, where a value is returned', ['Array bounds error: big[100000] dimension 0 out of range [0, 99999]', 'Item:17 Main:33', [1, {}]], async () => {
+    const client = await named('wrong'), { text } = await client.event('stopped'), at = await client.where(9);
     await client.ask('continue');
-    return [said, at, await endOf(client)];
+    return [text, at, await endOf(client)];
   }],
   ['a pause in a Sleep', ['pause', 'Sleep:35', {}], async () => {
     const client = await named('sleepy');
