@@ -16,14 +16,19 @@ namespace debug {
 
 namespace {
 
+const struct {
+    char letter, meant;
+} escapes[] = {{'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'q', '"'}, {'~', '~'}, {'{', '{'}, {'}', '}'}};
+
 // Behind a tilde in a text; 0 where the tilde is one.
 char Meant(char letter) {
-    static const struct {
-        char letter, meant;
-    } rows[] = {{'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'q', '"'}, {'~', '~'}, {'{', '{'}, {'}', '}'}};
-    for (const auto& row : rows)
+    for (const auto& row : escapes)
         if (row.letter == letter) return row.meant;
     return '\0';
+}
+
+bool BeginsHole(const std::string& text, std::size_t at) {
+    return text[at] == '{' && at + 1 < text.size() && std::strchr("$%!", text[at + 1]) != nullptr;
 }
 
 // What there is for an expression, worked out or only looked for.
@@ -159,7 +164,7 @@ private:
         if (end == std::string::npos) throw Refusal{"the closing quote is missing"};
         std::string inside;
         for (; at < end; ++at) {
-            if (text[at] == '{' && std::strchr("$%!", text[at + 1]) != nullptr) {
+            if (BeginsHole(text, at)) {
                 inside += Hole(end);
                 continue;
             }
@@ -256,6 +261,21 @@ private:
 };
 
 }  // namespace
+
+// Braces are none but where a hole would begin.
+std::string Written(const std::string& text) {
+    std::string written = "\"";
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto isMeant = [&](const auto& row) { return row.meant == text[at]; };
+        const auto* const escape = std::find_if(std::begin(escapes), std::end(escapes), isMeant);
+        const bool isBrace = text[at] == '}' || (text[at] == '{' && !BeginsHole(text, at));
+        if (escape != std::end(escapes) && !isBrace)
+            (written += '~') += escape->letter;
+        else
+            written += text[at];
+    }
+    return written + "\"";
+}
 
 Value Evaluate(Session& session, std::size_t frame, const std::string& text) {
     return Reader(session, frame, text).Whole();

@@ -103,7 +103,7 @@ std::size_t ItemCount(const Value& value) {
     return value.kind == 'l' ? std::strtoul(value.text.c_str() + 1, nullptr, 10) : 0;
 }
 
-std::string Shown(const Value& value) { return value.kind == 's' ? "\"" + value.text + "\"" : value.text; }
+std::string Shown(const Value& value) { return value.kind == 's' ? Written(value.text) : value.text; }
 
 int HitCountOf(const std::string& text) {
     constexpr std::size_t mostDigits = 9;
@@ -219,6 +219,9 @@ void Session::Settle(Breakpoint& one) const {
     else if (!(one.file = FindFile(one.askedFile)).empty())
         one.line = FindLine(one.file, one.askedLine);
     try {
+        if (one.line == 0 && !one.routine.empty())
+            throw Refusal{"there is no Function or Method " + one.routine +
+                          " in which the program could stop"};
         if (one.line == 0) throw Refusal{"the program cannot stop there"};
         if (one.wanted < 0) throw Refusal{"a hit count is a number: 3 stops from the third time on"};
         if (!one.condition.empty()) Check(*this, one.file, one.line, one.condition);

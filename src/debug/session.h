@@ -140,7 +140,7 @@ std::size_t ItemCount(const Value& value);
 // Of a file: without "./" and "a/../", where that is the same one.
 std::string PlainPath(const std::string& file);
 
-// How a value is shown: Strings in quotes.
+// How a value is shown: Strings as they are written.
 std::string Shown(const Value& value);
 
 }  // namespace debug

@@ -55,8 +55,7 @@ Breakpoint Terminal::PlaceOf(const std::string& text) {
         breakpoint.askedFile = stands ? Current().file : session.launch.source;
     session.Settle(breakpoint);
     if (breakpoint.line > 0) return breakpoint;
-    if (!breakpoint.routine.empty() || breakpoint.askedLine == 0)
-        throw Refusal{"there is no Function or Method " + text + " in which the program could stop"};
+    if (!breakpoint.routine.empty()) throw Refusal{breakpoint.problem};
     if (breakpoint.file.empty()) throw Refusal{"the program has no file " + breakpoint.askedFile};
     throw Refusal{"the program cannot stop at " + text + " or behind it"};
 }
