@@ -134,7 +134,9 @@ public:
         const std::string name = value.name != nullptr ? value.name : "[" + std::to_string(number) + "]";
         json += std::string(json.empty() ? "" : ",") + "{\"name\":" + Quoted(name) +
                 ",\"type\":" + Quoted(value.type != nullptr ? value.type : "") + ",\"kind\":\"" + kind +
-                "\",\"value\":" + Quoted(text) + ",\"ref\":" + std::to_string(debugger->told.size()) + "}";
+                "\",\"value\":" + Quoted(text) +
+                ",\"left\":" + std::to_string(text.size() - std::min(text.size(), longestText)) +
+                ",\"ref\":" + std::to_string(debugger->told.size()) + "}";
         debugger->told.push_back(value);
     }
     void TakeFlag(std::size_t number, std::vector<bool>::reference flag) override {

@@ -57,7 +57,11 @@ std::string InText(const Value& value, const char* doubles) {
 }
 
 Value Add(const Value& left, const Value& right) {
-    if (left.kind == 's' || right.kind == 's') return Plain('s', InText(left, "%f") + InText(right, "%f"));
+    if (left.kind == 's' || right.kind == 's') {
+        Value joined = Plain('s', InText(left, "%f") + InText(right, "%f"));
+        joined.left = left.left + right.left;
+        return joined;
+    }
     return Calculated(left, right, std::plus<>(), std::plus<>());
 }
 

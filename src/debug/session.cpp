@@ -29,6 +29,7 @@ Value ValueOf(const Json& item) {
     value.kind = item.at("kind").get<std::string>()[0];
     value.text = item.at("value").get<std::string>();
     value.ref = item.at("ref").get<int>();
+    value.left = item.at("left").get<std::size_t>();
     return value;
 }
 
@@ -103,7 +104,10 @@ std::size_t ItemCount(const Value& value) {
     return value.kind == 'l' ? std::strtoul(value.text.c_str() + 1, nullptr, 10) : 0;
 }
 
-std::string Shown(const Value& value) { return value.kind == 's' ? Written(value.text) : value.text; }
+std::string Shown(const Value& value) {
+    const std::string more = value.left > 0 ? " and " + std::to_string(value.left) + " bytes more" : "";
+    return value.kind == 's' ? Written(value.text) + more : value.text;
+}
 
 int HitCountOf(const std::string& text) {
     constexpr std::size_t mostDigits = 9;
@@ -393,7 +397,7 @@ bool Session::Set(const Value& place, const Value& value) {
     const bool isText = place.kind == 's' && value.kind == 's';
     const auto counts = [](const Value& one) { return one.kind == 'b' || IsNumber(one); };
     const bool isNumber = counts(place) && counts(value);
-    if (place.ref < 0 || (!isText && !isNumber)) return false;
+    if (place.ref < 0 || value.left > 0 || (!isText && !isNumber)) return false;
     const std::string text = value.kind == 'b' ? (value.text == "True" ? "1" : "0") : value.text;
     return Ask("set\t" + std::to_string(place.ref) + "\t" + InOneWord(text)).at("done").get<bool>();
 }

@@ -47,9 +47,10 @@ struct Frame {
 // A variable, or what an expression yields.
 struct Value {
     std::string name, type;
-    char kind = '?';   // see include/kvdebugger.h
-    std::string text;  // of a String as it is
-    int ref = -1;      // what it is asked about by; -1: it has no place in the program
+    char kind = '?';       // see include/kvdebugger.h
+    std::string text;      // of a String as it is
+    int ref = -1;          // what it is asked about by; -1: it has no place in the program
+    std::size_t left = 0;  // bytes of a long String that have not been told
 };
 
 struct Part {

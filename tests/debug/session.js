@@ -197,9 +197,9 @@ const steps = [
     const set = async (name, value) => { const said = await one.ask('setVariable', { variablesReference: await one.scope('Locals'), name, value }); return said.value || said; };
     return [await set('by', '3 + 4'), await set('by', '5000000000'), await set('x', '1')];
   }],
-  ['by an expression', ['2 Int', '"a~tb~n~~" String', 'it cannot be changed to "a"', 'there is no x here'], async () => {
+  ['by an expression', ['x" and 2000 bytes more String', '2 Int', '"a~tb~n~~" String', 'it cannot be changed to "a"', 'there is no x here'], async () => {
     const set = async (expression, value) => { const said = await one.ask('setExpression', { expression, value, frameId: 1 }); return said.value ? `${said.value} ${said.type}` : said; };
-    return [await set('small[1 + 1]', '2.9'), await set('name', '"a~tb~n~~"'), await set('points[0]\\y', '"a"'), await set('x', '1')];
+    return [(await set('name', `"${'x'.repeat(12000)}"`)).slice(-29), await set('small[1 + 1]', '2.9'), await set('name', '"a~tb~n~~"'), await set('points[0]\\y', '"a"'), await set('x', '1')];
   }],
   ['types', ['TUnit', undefined, 'Int'], async () => {
     const types = await one.list(await one.scope('Objects')), [object] = await one.list(types[0].variablesReference);
