@@ -21,7 +21,7 @@ Json Adapter::SetAll(const Json& wanted, const std::function<bool(const Breakpoi
     for (const Json& one : wanted) {
         Breakpoint breakpoint;
         breakpoint.condition = one.value("condition", "");
-        breakpoint.wanted = HitCountOf(one.value("hitCondition", ""));
+        breakpoint.wanted = CountIn(one.value("hitCondition", ""));
         breakpoint.log = one.value("logMessage", "");
         ask(one, breakpoint);
         breakpoint.number = session->NewNumber();

@@ -109,7 +109,7 @@ std::string Shown(const Value& value) {
     return value.kind == 's' ? Written(value.text) + more : value.text;
 }
 
-int HitCountOf(const std::string& text) {
+int CountIn(const std::string& text) {
     constexpr std::size_t mostDigits = 9;
     if (text.empty()) return 0;
     const bool isNumber = text.size() <= mostDigits && std::all_of(text.begin(), text.end(), IsDigit);

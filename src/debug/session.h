@@ -31,7 +31,7 @@ struct Breakpoint {
 };
 
 // Of the text "3"; 0 when there is none, -1 when it is no number.
-int HitCountOf(const std::string& text);
+int CountIn(const std::string& text);
 
 struct Stop {
     std::string reason;  // "breakpoint", "step", "pause", "failure"

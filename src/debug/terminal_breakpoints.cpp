@@ -20,10 +20,10 @@ std::map<std::string, std::string> ClausesOf(const std::string& text) {
         if (text[at] == '"') isQuoted = !isQuoted;
         const std::size_t end = std::min(text.find(' ', at), text.size());
         const std::string word = text.substr(at, end - at);
-        const bool isFirst = at == 0 || text[at - 1] == ' ';
+        const bool isWord = at > 0 && text[at - 1] == ' ';
         const bool counts = end + 1 < text.size() && (current.empty() || IsDigit(text[end + 1]));
         const bool begins = word == "if" || word == "log" || (word == "hit" && counts);
-        if (isFirst && begins && !isQuoted && current != "log") {
+        if (isWord && begins && !isQuoted && current != "log") {
             current = word;
             clauses[current].clear();
             at = std::min(end + 1, text.size());
@@ -35,18 +35,13 @@ std::map<std::string, std::string> ClausesOf(const std::string& text) {
     return clauses;
 }
 
-int NumberIn(const std::string& text) {
-    const bool isNumber = !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
-    return isNumber ? std::atoi(text.c_str()) : 0;
-}
-
 }  // namespace
 
 // "12", "lib/game.kvl:12", "Draw", "TPlayer\Hit".
 Breakpoint Terminal::PlaceOf(const std::string& text) {
     Breakpoint breakpoint;
     const std::size_t colon = text.rfind(':');
-    breakpoint.askedLine = NumberIn(colon == std::string::npos ? text : text.substr(colon + 1));
+    breakpoint.askedLine = std::max(CountIn(colon == std::string::npos ? text : text.substr(colon + 1)), 0);
     if (breakpoint.askedLine == 0)
         breakpoint.routine = text;
     else if (colon != std::string::npos)
@@ -67,7 +62,7 @@ void Terminal::Break(const std::string& rest) {
     for (const auto& [word, clause] : clauses)
         if (clause.empty()) throw Refusal{"something is missing behind \"" + word + "\""};
     breakpoint.condition = clauses["if"];
-    breakpoint.wanted = HitCountOf(clauses["hit"]);
+    breakpoint.wanted = CountIn(clauses["hit"]);
     breakpoint.log = clauses["log"];
     session.Settle(breakpoint);
     if (!breakpoint.isRight) throw Refusal{breakpoint.problem};
