@@ -24,7 +24,9 @@ class KVWalkedItems : public @Items@<T> {
 public:
     KVWalkedItems() {}
     KVWalkedItems(const KVWalkedItems& o) : Items(o) {}
+    KVWalkedItems(KVWalkedItems&& o) : Items(std::move(o)) { o._replacing(); }
     KVWalkedItems& operator=(const KVWalkedItems& o) { _replacing(); Items::operator=(o); return *this; }
+    KVWalkedItems& operator=(KVWalkedItems&& o) { _replacing(); o._replacing(); Items::operator=(std::move(o)); return *this; }
     ~KVWalkedItems() { KVWalkBase::ForAll(this, [](KVWalkBase& walk) { walk.walked = nullptr; }); }
     void push_back(const T& item) { Items::push_back(item); _inserted((int)this->size() - 1); }
     template<typename... Parts> void emplace_back(Parts&&... parts) {
