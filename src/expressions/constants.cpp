@@ -125,6 +125,20 @@ Value Text(const std::string& literal) {
     return text;
 }
 
+long long Narrowed(const ValueType& type, long long value) {
+    if (type.Is(Base::Int)) return static_cast<std::int32_t>(value);
+    if (type.Is(Base::Short)) return static_cast<std::int16_t>(value);
+    if (type.Is(Base::Byte)) return static_cast<std::uint8_t>(value);
+    return value;
+}
+
+// What an operation yields is cut off to its type. To C++ that is no constant.
+Value CutOff(const ValueType& type, Value value) {
+    if (!value || value->kind != ConstantValue::Kind::Integer) return value;
+    const long long narrowed = Narrowed(type, value->integer);
+    return Integer(narrowed, value->toCpp && narrowed == value->integer);
+}
+
 Value Signed(char sign, const Expr& operand) {
     if (sign == '!') return {};
     if (sign == '~') return Combine('^', Integer(-1), ConstantOf(operand));
@@ -134,7 +148,9 @@ Value Signed(char sign, const Expr& operand) {
 Value Result(const Expr& operation) {
     if (IsComparison(operation.operation) || operation.operation->kind == OperatorKind::Logic) return {};
     const Value left = ConstantOf(*operation.first);
-    return left ? Combine(operation.operation->text[0], left, ConstantOf(*operation.first->next)) : left;
+    if (!left) return left;
+    return CutOff(operation.type,
+                  Combine(operation.operation->text[0], left, ConstantOf(*operation.first->next)));
 }
 
 Value Checked(Value value) {
@@ -146,13 +162,6 @@ Value Joined(const Expr& sum) {
     Value text = Text("");
     for (const Expr& part : PartsOf(sum)) text = text ? Combine('+', text, ConstantOf(part)) : text;
     return text;
-}
-
-long long Narrowed(const ValueType& type, long long value) {
-    if (type.Is(Base::Int)) return static_cast<std::int32_t>(value);
-    if (type.Is(Base::Short)) return static_cast<std::int16_t>(value);
-    if (type.Is(Base::Byte)) return static_cast<std::uint8_t>(value);
-    return value;
 }
 
 // What the variable makes of its value.
@@ -209,7 +218,7 @@ Value ConstantOf(const Expr& expr) {
         case ExprKind::Parentheses:
             return ConstantOf(*expr.first);
         case ExprKind::Sign:
-            return Signed(expr.text[0], *expr.first);
+            return CutOff(expr.type, Signed(expr.text[0], *expr.first));
         case ExprKind::Quotient:
             return Checked(Result(expr));
         case ExprKind::Operation:
