@@ -31,7 +31,7 @@ struct Value {
     const char* name;  // null: an item, which has a number
     const char* type;  // in Korvel's words; null: the kind says enough
     const Handler* handler;
-    void* at;
+    void* at;  // null: the object is Null
 };
 
 template <class T>
@@ -92,6 +92,11 @@ public:
     template <class T>
     Local(const char* name, const char* type, T& value) : before(0) {
         if (KV_DEBUG_LISTENS) before = NoteLocal({name, type, &HandlerOf<T>(), Items::Address(value)});
+    }
+    // `this`, which is no variable, and Null where a Method is called on a Null object.
+    template <class T>
+    Local(const char* name, const char* type, T*&& self) : before(0) {
+        if (KV_DEBUG_LISTENS) before = NoteLocal({name, type, &HandlerOf<T>(), self});
     }
     ~Local() {
         if (KV_DEBUG_LISTENS) ForgetLocals(before);

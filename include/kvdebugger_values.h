@@ -74,6 +74,11 @@ struct Simple {
     }
 };
 
+inline char ShowNull(std::string& text) {
+    text = "Null";
+    return 'o';
+}
+
 template <class T, class Kind>
 struct OfClass : Simple {
     static char Show(T&, std::string& text) {
@@ -240,9 +245,7 @@ template <class T>
 struct OfPointer<T, FieldedClass> : Simple {
     static const bool opens = Values<T>::opens;
     static char Show(T* value, std::string& text) {
-        if (value != nullptr) return Values<T>::Show(*value, text);
-        text = "Null";
-        return 'o';
+        return value == nullptr ? ShowNull(text) : Values<T>::Show(*value, text);
     }
     static void List(T* value, Items& items) {
         if (value != nullptr) Values<T>::List(*value, items);
@@ -293,22 +296,23 @@ KV_DEBUG_NUMBER(float)
 KV_DEBUG_NUMBER(double)
 #undef KV_DEBUG_NUMBER
 
-// Bodies of these are made at the end of the program, when every class is known.
+// Bodies of these are made at the end of the program, when every class is known. An address is looked at before it becomes
+// a reference, of which C++ takes for granted that it is none of nothing.
 template <class T>
 char ShowValue(void* at, std::string& text) {
-    return Values<T>::Show(*static_cast<T*>(at), text);
+    return at == nullptr ? ShowNull(text) : Values<T>::Show(*static_cast<T*>(at), text);
 }
 template <class T>
 void ListValue(void* at, Items& items) {
-    Values<T>::List(*static_cast<T*>(at), items);
+    if (at != nullptr) Values<T>::List(*static_cast<T*>(at), items);
 }
 template <class T>
 const void* FirstItem(void* at) {
-    return Values<T>::First(*static_cast<T*>(at));
+    return at == nullptr ? nullptr : Values<T>::First(*static_cast<T*>(at));
 }
 template <class T>
 bool SetValue(void* at, const char* text) {
-    return Values<T>::Set(*static_cast<T*>(at), text);
+    return at != nullptr && Values<T>::Set(*static_cast<T*>(at), text);
 }
 inline bool SetNothing(void*, const char*) { return false; }
 

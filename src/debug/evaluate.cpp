@@ -209,7 +209,9 @@ private:
         if (const Value* global = Named(globals, name)) return *global;
         const Part consts = session->Consts();
         if (const Value* constant = Named(consts, name)) return *constant;
-        throw Refusal{"there is no " + name + " here"};
+        const Value* const self = Named(locals, "this");
+        const bool isNull = self != nullptr && self->text == "Null";
+        throw Refusal{"there is no " + name + " here" + (isNull ? ": this is Null" : "")};
     }
 
     // In a With.

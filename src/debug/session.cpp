@@ -328,17 +328,21 @@ bool Session::ForgetEnds() {
     return any;
 }
 
-Json Session::Ask(const std::string& question) {
+// A program that fails while it is asked says so instead of an answer, and is left to end.
+Json Session::Ask(const std::string& question, const char* wanted) {
     target.Send(question);
     for (std::string text;;) {
         const Target::Event event = target.Wait(-1, text);
         if (event == Target::Event::Ended) throw Gone();
-        if (event == Target::Event::Line) return Json::parse(WholeUtf8(text));
+        if (event != Target::Event::Line) continue;
+        const Json answer = Json::parse(WholeUtf8(text), nullptr, false);
+        if (answer.is_object() && answer.contains(wanted)) return answer;
+        Go("go");
     }
 }
 
 Part Session::AskForPart(const std::string& question) {
-    const Json answer = Ask(question);
+    const Json answer = Ask(question, "items");
     Part part;
     for (const Json& item : answer.at("items")) part.items.push_back(ValueOf(item));
     part.total = answer.at("total").get<std::size_t>();
@@ -346,7 +350,7 @@ Part Session::AskForPart(const std::string& question) {
 }
 
 std::vector<Frame> Session::Stack(std::size_t first, std::size_t count, std::size_t& total) {
-    const Json answer = Ask("stack" + Range(first, count));
+    const Json answer = Ask("stack" + Range(first, count), "frames");
     std::vector<Frame> frames;
     for (const Json& row : answer.at("frames"))
         frames.push_back({row.at("routine").get<std::string>(), row.at("file").get<std::string>(),
@@ -387,7 +391,7 @@ Part Session::Objects(const std::string& type, std::size_t first, std::size_t co
 
 std::vector<TypeCount> Session::Types() {
     std::vector<TypeCount> types;
-    const Json answer = Ask("types");
+    const Json answer = Ask("types", "types");
     for (const Json& row : answer.at("types"))
         types.push_back({row.at("name").get<std::string>(), row.at("count").get<std::size_t>()});
     return types;
@@ -399,7 +403,7 @@ bool Session::Set(const Value& place, const Value& value) {
     const bool isNumber = counts(place) && counts(value);
     if (place.ref < 0 || value.left > 0 || (!isText && !isNumber)) return false;
     const std::string text = value.kind == 'b' ? (value.text == "True" ? "1" : "0") : value.text;
-    return Ask("set\t" + std::to_string(place.ref) + "\t" + InOneWord(text)).at("done").get<bool>();
+    return Ask("set\t" + std::to_string(place.ref) + "\t" + InOneWord(text), "done").at("done").get<bool>();
 }
 
 std::string PlainPath(const std::string& file) {

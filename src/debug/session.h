@@ -125,7 +125,7 @@ private:
     std::set<std::string> namesEverywhere;
     int lastNumber = 0;
 
-    Json Ask(const std::string& question);
+    Json Ask(const std::string& question, const char* wanted);
     Part AskForPart(const std::string& question);
     void TakePlaces(const Json& said);
     bool Stops(Breakpoint& breakpoint, std::string& logged);

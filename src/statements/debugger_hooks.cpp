@@ -53,9 +53,8 @@ void ShowNewLocals(State& state) {
         const Variable& variable = all[shownLocals];
         if (variable.isConst || !IsVisible(variable)) continue;
         shownNames += variable.name + " ";
-        const std::string what = variable.name == "this" ? "*this" : variable.cppName;
         EmitLine(state, "kvdebug::Local _kvShown_" + variable.cppName + "(" + CppLiteral(variable.name) +
-                            ", " + CppLiteral(KorvelName(variable.type)) + ", " + what + ");");
+                            ", " + CppLiteral(KorvelName(variable.type)) + ", " + variable.cppName + ");");
     }
 }
 

@@ -54,13 +54,27 @@ Function Main
     While True
         If name = "loud" Then Print "a line with ä and ö and more of the like"
         If name = "wrong" Then Print Item(100000)
-        If name = "null" Then Print nobody\\hp
+        If name = "null" Then Lose(nobody)
         If name = "sleepy" Then Sleep 100000
         If name = "busy" Then Print RunCommand("sleep 4")
+        If name = "broken" Then Spoil()
     Wend
 EndFunction
 Include "std/time.kvl"
 Include "std/system.kvl"
+Function Lose(nobody:TUnit)
+    Local gone:TUnit = Create TUnit
+    Remove gone
+    nobody\\Hit(1)
+EndFunction
+Function Spoil
+    Local broken:String, n = 1
+    InlineCpp
+    *reinterpret_cast<void**>(&KVL_broken) = reinterpret_cast<void*>(8);
+    reinterpret_cast<std::size_t*>(&KVL_broken)[1] = 8;
+    EndInlineCpp
+    n = 2
+EndFunction
 `,
 };
 const game = seen(folder + '/game.kvl'), unit = seen(folder + '/lib/unit.kvl');
@@ -125,9 +139,10 @@ class Client extends DebugClient {
 const [one, two] = [new Client(), new Client()];
 let unitPoints;
 // A program that is given this name; it stands or ends.
-async function named(name, more) {
+async function named(name, more, points = []) {
   const client = new Client();
   await client.begin(more);
+  await client.points(game, points);
   await client.ask('configurationDone');
   await client.until('name?');
   await client.type(name);
@@ -291,10 +306,17 @@ const steps = [
     await client.until('the program waits for something');
     return [...await client.stop(), await client.ask('disconnect')];
   }]],
-  ['a Null object', ['exception', 'Main:34', true], async () => {
+  ['a Null object', ['exception', 'TUnit\\Hit:6', 'this=Null by=1', 'True', 'there is no hp here: this is Null', true], async () => {
     const client = await named('null'), said = await client.stop();
+    said.push(await client.told(await client.scope('Locals')), await client.value('this = Null'), await client.value('hp'));
     await client.ask('continue');
     return [...said, (await endOf(client))[0] !== 0];
+  }],
+  ['a program that fails while it is asked', ['the program has ended', true], async () => {
+    const client = await named('broken', {}, [{ line: 53 }]);
+    await client.stop();
+    const said = await client.ask('variables', { variablesReference: await client.scope('Locals') });
+    return [said, (await endOf(client))[0] !== 0];
   }],
   ['not told of failures', [1, {}], async () => {
     const client = new Client();
