@@ -40,6 +40,7 @@ struct Name {
     explicit Name(const char* text) : first{text, std::strlen(text)}, rest(text + first.size) {
         if (!StartsWith(text, "_Z")) return;
         rest = text + 2;
+        inside = *rest == 'Z';
         while (*rest == 'Z' || *rest == 'L') ++rest;
         nested = *rest == 'N';
         while (*rest == 'N' || *rest == 'K' || *rest == 'L') ++rest;
@@ -48,7 +49,15 @@ struct Name {
     Word first;
     const char* rest;  // behind it
     bool nested = false;
+    bool inside = false;  // of something that stands in the routine of this name
 };
+
+bool IsNameless(const Name& name) {
+    return name.first.size == 0 || StartsWith(name.first.text, "operator()");
+}
+
+// Of a routine, which comes next.
+bool IsPart(const Name& name) { return name.inside || IsNameless(name); }
 
 // Of the support code or the C++ library. Parts of these have no line of their own once they are a part of another
 // routine: the tables give the line of whatever stands before.
@@ -62,7 +71,7 @@ bool IsOwn(const Name& name) {
 
 void SayRoutine(Line& line, Name name) {
     Word first = WithoutPrefix(name.first), second;
-    if (first.size == 0 || StartsWith(first.text, "operator()")) return;  // a part of a routine
+    if (IsNameless(name)) return;
     if (first.size == 4 && StartsWith(first.text, "main")) {
         line << " in Function Main";
     } else if (StartsWith(first.text, "__") || StartsWith(first.text, "_GLOBAL__")) {

@@ -43,7 +43,11 @@ char folder[1000];  // in front of the sources' paths, as whoever runs the progr
 
 #ifdef KV_BACKTRACE
 
-const int framesShown = 20;
+#ifdef KV_STACK
+const int placesWanted = 20;
+#else
+const int placesWanted = 1;
+#endif
 backtrace_state* state = nullptr;
 int placesSaid = 0;
 
@@ -78,22 +82,43 @@ void FindSourceLine(Word& file, unsigned long long& number) {
     }
 }
 
+struct Place {
+    Word file;
+    unsigned long long line;  // 0: none
+    const char* routine;
+};
+Place held = {};  // that of a part of a routine, until the routine itself comes
+
+bool AreInOneLine(const Place& one, const Place& other) {
+    return one.line == other.line && one.file.size == other.file.size &&
+           std::strncmp(one.file.text, other.file.text, one.file.size) == 0;
+}
+
+void Say(const Place& place) {
+    Line line;
+    (line << "  at " << folder).Add(place.file.text, place.file.size) << ":" << place.line;
+    if (place.routine != nullptr) SayRoutine(line, Name(place.routine));
+    line.End();
+    ++placesSaid;
+}
+
+void SayHeld() {
+    if (held.line > 0 && placesSaid < placesWanted) Say(held);
+    held.line = 0;
+}
+
 int SayPlace(void*, uintptr_t, const char* file, int number, const char* routine) {
     const char* path = PathOf(file, number, routine);
     if (path == nullptr) return 0;
-    Word source = {path, std::strlen(path)};
-    unsigned long long sourceLine = static_cast<unsigned long long>(number);
-    FindSourceLine(source, sourceLine);
-    Line line;
-    (line << "  at " << folder).Add(source.text, source.size) << ":" << sourceLine;
-    if (routine != nullptr) SayRoutine(line, Name(routine));
-    line.End();
-    ++placesSaid;
-#ifdef KV_STACK
-    return 0;
-#else
-    return 1;
-#endif
+    Place place = {{path, std::strlen(path)}, static_cast<unsigned long long>(number), routine};
+    FindSourceLine(place.file, place.line);
+    if (AreInOneLine(place, held)) held.line = 0;
+    SayHeld();
+    if (routine != nullptr && IsPart(Name(routine)))
+        held = place;
+    else if (placesSaid < placesWanted)
+        Say(place);
+    return placesSaid < placesWanted ? 0 : 1;
 }
 
 // Where the code of the program lies: the first of what is loaded. Libraries may bring line tables of their own.
@@ -176,7 +201,7 @@ _Unwind_Reason_Code Visit(_Unwind_Context* context, void* data) {
     ++walk.frames;
 #ifdef KV_STACK
     if (address == walk.last) ++walk.repeats;
-    if (address == walk.last || placesSaid >= framesShown) return _URC_NO_REASON;
+    if (address == walk.last || placesSaid >= placesWanted) return _URC_NO_REASON;
     walk.last = address;
     SayRepeats(walk);
 #else
@@ -193,8 +218,11 @@ void SayPlaces() {
     Walk walk;
     _Unwind_Backtrace(Visit, &walk);
     SayRepeats(walk);
+    SayHeld();
+#ifdef KV_STACK
     Line line;
-    if (placesSaid >= framesShown) (line << "  ... " << walk.frames << " calls are under way").End();
+    if (placesSaid >= placesWanted) (line << "  ... " << walk.frames << " calls are under way").End();
+#endif
 }
 
 #ifndef _WIN32

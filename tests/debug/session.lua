@@ -113,7 +113,7 @@ typed('break 31\n', 'breakpoint 5 at game.kvl:31')
 typed('set ticks = 3\n', 'ticks:Int = 3')
 typed('continue\n', 'breakpoint 5, Main at game.kvl:31\n>   31      Print "ticks " & (ticks > 2)')
 typed('set ticks = 3\n', 'ticks:Int = 3')
-typed('continue\n', 'ticks 1\nArray bounds error: grid[27][...] dimension 0 out of range [0, 1]\n  at game.kvl:32\n  at game.kvl:32 in Function Main\n' ..
+typed('continue\n', 'ticks 1\nArray bounds error: grid[27][...] dimension 0 out of range [0, 1]\n  at game.kvl:32 in Function Main\n' ..
     'the program has failed and will end\nMain at game.kvl:32\n>   32      grid[ticks * 9][0] = 1')
 typed('print grid[1]\n', 'grid[1]:Int[] = [3]\n    [0] = 0\n    [1] = 0\n    [2] = 10000')
 typed('\n', 'grid[1]:Int[] = [3]\n    [0] = 0\n    [1] = 0\n    [2] = 10000')
