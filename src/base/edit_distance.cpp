@@ -1,7 +1,8 @@
 #include "base/edit_distance.h"
 
 #include <algorithm>
-#include <vector>
+
+#include "base/token_text.h"
 
 std::size_t EditDistance(const std::string& a, const std::string& b, std::size_t most) {
     if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > most) return most + 1;
@@ -19,4 +20,19 @@ std::size_t EditDistance(const std::string& a, const std::string& b, std::size_t
         }
     }
     return std::min(table[a.size()][b.size()], most + 1);
+}
+
+std::string NearestWord(const std::string& word, const std::vector<std::string>& known, std::size_t most) {
+    const auto small = [](std::string text) {
+        std::transform(text.begin(), text.end(), text.begin(), LowerLetter);
+        return text;
+    };
+    std::string nearest;
+    for (const std::string& other : known) {
+        const std::size_t distance = EditDistance(small(word), small(other), most);
+        if (distance > most || (distance == most && !nearest.empty())) continue;
+        most = distance;
+        nearest = other;
+    }
+    return nearest;
 }

@@ -1,6 +1,6 @@
 // expression:  signed { operator signed }    (operators.cpp has these, and which of them come first)
 // signed:      { sign } value { \name | [ expression ] }
-// value:       number | "text" | True | False | Null | name | TName#number | ( expression )
+// value:       number | "text" | True | False | Null | name | TName#number | SeqLength ( expression ) | ( expression )
 #include "debug/evaluate.h"
 
 #include <algorithm>
@@ -193,9 +193,28 @@ private:
         return found == part.items.end() ? nullptr : &*found;
     }
 
+    static std::vector<std::string> NamesOf(const Part& part) {
+        std::vector<std::string> names;
+        for (const Value& value : part.items) names.push_back(value.name);
+        return names;
+    }
+
+    // The one call whose result is known without the program.
+    Value Length() {
+        GoDeeper();
+        const Value of = From(Level::Or);
+        Need(")");
+        if (isLeftOut) return {};
+        if (of.kind != 'l') throw Refusal{"SeqLength takes a Sequence here"};
+        return WholeNumber(static_cast<long long>(ItemCount(of)));
+    }
+
     // As the program sees it: Locals, the object's own Fields, Globals, Consts.
     Value Variable(const std::string& name) {
-        if (Take("(")) throw Refusal{name + " cannot be called here"};
+        if (Take("(")) {
+            if (Lower(name) == "seqlength") return Length();
+            throw Refusal{name + " cannot be called here"};
+        }
         if (Lower(name) == "its") return Its();
         if (knows && !knows(name)) throw Refusal{"there is no " + name + " here"};
         if (isLeftOut) return {};
@@ -236,7 +255,10 @@ private:
         if (const Value* field = Named(fields, name)) return *field;
         if (EndsWith(of.text, "(removed)"))
             throw Refusal{"what stands before \\" + name + " has been removed"};
-        throw Refusal{"there is no Field " + name + " in " + of.text};
+        const std::vector<std::string> routines = session->NamesOfRoutines();
+        if (std::find(routines.begin(), routines.end(), of.type + "\\" + name) != routines.end())
+            throw Refusal{name + " is a Method, and cannot be called here"};
+        throw Refusal{"there is no Field " + name + " in " + of.text + DidYouMean(name, NamesOf(fields))};
     }
 
     Value Item(const Value& of) {

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 
+#include "base/edit_distance.h"
 #include "base/token_text.h"
 #include "lexer/lexer.h"
 
@@ -187,6 +188,12 @@ const Operator* Find(const Operator (&rows)[count], const std::string& text, std
 }
 
 }  // namespace
+
+// Short names are like too many others.
+std::string DidYouMean(const std::string& name, const std::vector<std::string>& known) {
+    const std::string nearest = NearestWord(name, known, name.size() < 4 ? 0 : name.size() < 6 ? 1 : 2);
+    return nearest.empty() ? "" : "; did you mean " + nearest + "?";
+}
 
 const Operator* FindOperator(const std::string& text, std::size_t at) { return Find(operators, text, at); }
 

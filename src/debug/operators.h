@@ -12,6 +12,9 @@ struct Refusal {
     std::string text;
 };
 
+// "; did you mean load?", of the names that there are; empty where none is like it.
+std::string DidYouMean(const std::string& name, const std::vector<std::string>& known);
+
 enum class Level { Or, And, BitOr, BitXor, BitAnd, Equality, Relation, Shift, Sum, Product, Sign };
 
 struct Operator {

@@ -201,6 +201,16 @@ bool Session::FindRoutine(const std::string& name, std::string& file, int& line)
     return false;
 }
 
+std::vector<std::string> Session::NamesOfRoutines() const {
+    std::vector<std::string> names;
+    for (const Places& row : places) {
+        const std::size_t sign = row.routine.find('\\');
+        names.push_back(row.routine);
+        if (sign != std::string::npos) names.push_back(row.routine.substr(sign + 1));
+    }
+    return names;
+}
+
 std::string Session::MeantByIts(const std::string& file, int line) const {
     const auto found = meantByIts.find({file, line});
     return found == meantByIts.end() ? "" : found->second;
@@ -225,7 +235,7 @@ void Session::Settle(Breakpoint& one) const {
     try {
         if (one.line == 0 && !one.routine.empty())
             throw Refusal{"there is no Function or Method " + one.routine +
-                          " in which the program could stop"};
+                          " in which the program could stop" + DidYouMean(one.routine, NamesOfRoutines())};
         if (one.line == 0) throw Refusal{"the program cannot stop there"};
         if (one.wanted < 0) throw Refusal{"a hit count is a number: 3 stops from the third time on"};
         if (!one.condition.empty()) Check(*this, one.file, one.line, one.condition);

@@ -83,6 +83,8 @@ public:
     std::string FindFile(const std::string& name) const;
     int FindLine(const std::string& file, int line) const;
     bool FindRoutine(const std::string& name, std::string& file, int& line) const;
+    // Of those that have a place to stop in; "TPlayer\Hit" and "Hit".
+    std::vector<std::string> NamesOfRoutines() const;
 
     // Looks for the place of a breakpoint, and for what is wrong with it: `isRight` and `problem` say so.
     void Settle(Breakpoint& one) const;

@@ -12,7 +12,7 @@ namespace debug {
 
 namespace {
 constexpr std::size_t framesShown = 20;
-constexpr int linesAround = 4;
+constexpr int linesAround = 4, linesOfBeginning = 40;
 }  // namespace
 
 int Terminal::Run() {
@@ -57,6 +57,7 @@ void Terminal::Perform(const std::string& line) {
     if (word.empty()) return;
     for (const Row& row : Rows()) {
         if (word != row.word && word != row.shortWord) continue;
+        if (row.onlyOnce) repeated.clear();
         const bool needs = row.usage[0] != '\0' && row.usage[0] != '[';
         if (needs && rest.empty()) throw Refusal{std::string(row.word) + " " + row.usage};
         return (this->*row.perform)(rest);
@@ -164,11 +165,11 @@ std::vector<std::string> Terminal::LinesOf(const std::string& file) {
     return lines;
 }
 
-void Terminal::TellLines(const Frame& at, int around) {
-    const std::vector<std::string> lines = LinesOf(at.file);
-    const int last = std::min(at.line + around, static_cast<int>(lines.size()));
-    for (int i = std::max(at.line - around, 1); i <= last; ++i)
-        std::printf("%s%5d  %s\n", i == at.line ? ">" : " ", i,
+void Terminal::TellLines(const std::string& file, int first, int last, int marked) {
+    const std::vector<std::string> lines = LinesOf(file);
+    const int all = static_cast<int>(lines.size());
+    for (int i = std::max(first, 1); i <= std::min(last, all); ++i)
+        std::printf("%s%5d  %s\n", i == marked ? ">" : " ", i,
                     lines[static_cast<std::size_t>(i - 1)].c_str());
 }
 
@@ -179,10 +180,18 @@ std::string Terminal::PlaceText(const Frame& at) {
 void Terminal::TellFrame() {
     const Frame at = Current();
     std::printf("%s\n", PlaceText(at).c_str());
-    TellLines(at, 0);
+    TellLines(at.file, at.line, at.line, at.line);
 }
 
-void Terminal::List(const std::string&) { TellLines(Current(), linesAround); }
+// Without a place in the program: how the main file begins.
+void Terminal::List(const std::string& rest) {
+    if (rest.empty() && !stands) return TellLines(session.launch.source, 1, linesOfBeginning, 0);
+    const Frame at = rest.empty() ? Current() : Frame();
+    const Breakpoint asked = rest.empty() ? Breakpoint() : PlaceOf(rest);
+    const std::string& file = rest.empty() ? at.file : asked.file;
+    const int line = rest.empty() ? at.line : asked.line;
+    TellLines(file, line - linesAround, line + linesAround, at.line);
+}
 
 void Terminal::Where(const std::string&) {
     std::size_t total = 0;
@@ -209,28 +218,28 @@ void Terminal::Down(const std::string&) { Select(std::to_string(frame == 0 ? 0 :
 
 const std::vector<Terminal::Row>& Terminal::Rows() {
     static const std::vector<Row> rows = {
-        {"run", "r", "", "begin", &Terminal::Run},
+        {"run", "r", "", "begin", &Terminal::Run, true},
         {"continue", "c", "", "go on to the next breakpoint", &Terminal::Continue},
         {"next", "n", "", "go to the next line, over calls", &Terminal::Next},
         {"step", "s", "", "go to the next line, into calls", &Terminal::Step},
         {"out", "o", "", "go to where this routine was called", &Terminal::Finish},
         {"until", "u", "PLACE", "go to a place", &Terminal::Until},
-        {"restart", "", "", "make the program and begin anew", &Terminal::Restart},
+        {"restart", "", "", "make the program and begin anew", &Terminal::Restart, true},
         {"break", "b", "[PLACE [if CONDITION] [hit N] [log TEXT]]", "stop there; alone: list the breakpoints",
-         &Terminal::Break},
-        {"delete", "d", "NUMBER", "forget a breakpoint", &Terminal::Delete},
+         &Terminal::Break, true},
+        {"delete", "d", "NUMBER", "forget a breakpoint", &Terminal::Delete, true},
         {"where", "w", "", "the calls under way", &Terminal::Where},
         {"frame", "f", "NUMBER", "look at one of them", &Terminal::Select},
         {"up", "", "", "look at the caller", &Terminal::Up},
         {"down", "", "", "look at what it has called", &Terminal::Down},
-        {"list", "l", "", "the source around", &Terminal::List},
+        {"list", "l", "[PLACE]", "the source around", &Terminal::List},
         {"locals", "v", "", "the Locals and parameters", &Terminal::Locals},
         {"globals", "g", "", "Globals", &Terminal::Globals},
         {"print", "p", "EXPRESSION", "a value, with its Fields or items", &Terminal::Print},
-        {"set", "", "NAME = EXPRESSION", "change a variable", &Terminal::Change},
+        {"set", "", "NAME = EXPRESSION", "change a variable", &Terminal::Change, true},
         {"objects", "t", "[TYPE]", "how many objects there are; those of a Type", &Terminal::Objects},
-        {"watch", "", "EXPRESSION", "show it at each stop", &Terminal::Watch},
-        {"unwatch", "", "EXPRESSION", "do so no more", &Terminal::Unwatch},
+        {"watch", "", "EXPRESSION", "show it at each stop", &Terminal::Watch, true},
+        {"unwatch", "", "EXPRESSION", "do so no more", &Terminal::Unwatch, true},
         {"help", "h", "", "this list", &Terminal::Help},
         {"quit", "q", "", "end the program and leave", &Terminal::Quit},
     };

@@ -17,6 +17,7 @@ private:
     struct Row {
         const char *word, *shortWord, *usage, *help;
         void (Terminal::*perform)(const std::string& rest);
+        bool onlyOnce = false;  // an empty line does not repeat it
     };
     static const std::vector<Row>& Rows();
 
@@ -50,10 +51,10 @@ private:
     // Where it is.
     Frame Current();
     static std::vector<std::string> LinesOf(const std::string& file);
-    static void TellLines(const Frame& at, int around);
+    static void TellLines(const std::string& file, int first, int last, int marked);
     std::string PlaceText(const Frame& at);
     void TellFrame();
-    void List(const std::string&);
+    void List(const std::string& rest);
     void Where(const std::string&);
     void Select(const std::string& rest);
     void Up(const std::string&);
@@ -69,6 +70,7 @@ private:
     // Values.
     static void TellValue(const std::string& name, const Value& value);
     static void TellPart(const Part& part, const char* indent);
+    static void TellAll(const Part& part, const std::string& what);
     void Locals(const std::string&);
     void Globals(const std::string&);
     void Print(const std::string& rest);

@@ -25,9 +25,14 @@ void Terminal::TellPart(const Part& part, const char* indent) {
         std::printf("%sand %zu more\n", indent, part.total - part.items.size());
 }
 
-void Terminal::Locals(const std::string&) { TellPart(session.Locals(frame), ""); }
+void Terminal::TellAll(const Part& part, const std::string& what) {
+    TellPart(part, "");
+    if (part.items.empty()) std::printf("there are no %s\n", what.c_str());
+}
 
-void Terminal::Globals(const std::string&) { TellPart(session.Globals(), ""); }
+void Terminal::Locals(const std::string&) { TellAll(session.Locals(frame), "Locals here"); }
+
+void Terminal::Globals(const std::string&) { TellAll(session.Globals(), "Globals"); }
 
 void Terminal::Print(const std::string& rest) {
     const Value value = Evaluate(session, frame, rest);
@@ -45,19 +50,23 @@ void Terminal::Change(const std::string& rest) {
 }
 
 void Terminal::Objects(const std::string& rest) {
-    bool isKnown = rest.empty();
-    for (const TypeCount& type : session.Types()) {
-        if (rest == type.name) TellPart(session.Objects(rest, 0, itemsShown), "");
-        isKnown = isKnown || rest == type.name;
+    const std::vector<TypeCount> types = session.Types();
+    std::vector<std::string> names;
+    for (const TypeCount& type : types) {
+        if (rest == type.name) return TellAll(session.Objects(rest, 0, itemsShown), "objects of " + rest);
+        names.push_back(type.name);
         if (!rest.empty()) continue;
         std::printf("%s: %zu object%s\n", type.name.c_str(), type.count, type.count == 1 ? "" : "s");
     }
-    if (!isKnown) throw Refusal{"there is no Type " + rest};
+    if (types.empty()) throw Refusal{"the program has no Types"};
+    if (rest.empty()) return;
+    const std::string meant = DidYouMean(rest, names);
+    throw Refusal{"there is no Type " + rest + (meant.empty() ? ", and Elements have no objects" : meant)};
 }
 
 void Terminal::Watch(const std::string& rest) {
     Check(rest);
-    watched.push_back(rest);
+    if (std::find(watched.begin(), watched.end(), rest) == watched.end()) watched.push_back(rest);
     if (stands) TellValue(rest, Evaluate(session, frame, rest));
 }
 

@@ -29,14 +29,7 @@ const struct {
 
 // "; did you mean check?", of the words that there are; empty where none is like it.
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& known) {
-    std::string nearest;
-    std::size_t best = word.size() < 5 ? 1 : 2;
-    for (const std::string& other : known) {
-        const std::size_t distance = EditDistance(word, other, best);
-        if (distance > best || (distance == best && !nearest.empty())) continue;
-        best = distance;
-        nearest = other;
-    }
+    std::string nearest = NearestWord(word, known, word.size() < 5 ? 1 : 2);
     for (const auto& row : elsewhere)
         if (word == row.word) nearest = row.here;
     return nearest.empty() ? "" : "; did you mean " + nearest + "?";

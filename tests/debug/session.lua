@@ -65,6 +65,16 @@ local function typed(line, wanted, prompt)
     check(vim.trim(line), wanted, (said:gsub('%s+$', '')))
 end
 await('(kv) ')
+local function numbered(first, last)
+    local lines = {}
+    for i, text in ipairs(vim.fn.readfile(work .. '/game.kvl')) do lines[i] = ('%6d  %s'):format(i, text) end
+    return table.concat(lines, '\n', first, math.min(last, #lines))
+end
+typed('list\n', numbered(1, 40))
+typed('list Depth\n', numbered(7, 15))
+typed('objects TUnit\n', 'there are no objects of TUnit')
+typed('objects EPoint\n', 'there is no Type EPoint, and Elements have no objects')
+typed('break TUnit\\hit\n', 'there is no Function or Method TUnit\\hit in which the program could stop; did you mean TUnit\\Hit?')
 typed('break lib/unit.kvl:4 if by > 1\n', 'breakpoint 1 at lib/unit.kvl:5 if by > 1')
 for wrong, said in pairs({
     ['24 log deep {Depth}'] = 'there is no Depth here', ['24 if name = ("a"'] = "')' is missing",
@@ -78,6 +88,11 @@ typed('where\n', '>  0  TUnit\\Hit at lib/unit.kvl:5\n   1  Main at game.kvl:22'
 typed('locals\n', 'this:TUnit = TUnit#1\nby:Int = 2')
 typed('print this\n', 'this:TUnit = TUnit#1\n    hp:Int = 10')
 typed('watch hp\n', 'hp:Int = 10')
+typed('\n', '')
+typed('watch hp\n', 'hp:Int = 10')
+typed('print this\\Hit\n', 'Hit is a Method, and cannot be called here')
+typed('print this\\HP\n', 'there is no Field HP in TUnit#1; did you mean hp?')
+typed('print SeqLength(names) * 2\n', 'SeqLength(names) * 2 = 2')
 typed('set by = hp / 3\n', 'by:Int = 3')
 typed('next\n', 'TUnit\\Hit at lib/unit.kvl:6\n>    6          If hp < 0 Then hp = 0\nhp:Int = 7')
 typed('print TUnit#0\\hp * 2 > 17 And Not (hp = 9.5)\n', 'TUnit#0\\hp * 2 > 17 And Not (hp = 9.5) = True')
