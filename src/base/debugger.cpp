@@ -3,7 +3,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 
-bool forDebugger = false;
-static const PartOfRun partOfRun(forDebugger);
+bool forDebugger = false, checksBesideHooks = false;
+static const PartOfRun partOfRun(forDebugger, checksBesideHooks);
 
-bool ChecksValues() { return settings.safeMode && (!settings.debugMode || forDebugger); }
+bool ChecksValues() { return settings.safeMode && (!settings.debugMode || checksBesideHooks); }

@@ -5,5 +5,8 @@
 // Written where the settings are.
 extern bool forDebugger;
 
-// Whether the program checks divisions and array bounds; what -d puts out has no room for that.
+// Whether a build with hooks checks divisions and array bounds as one of -safe does, which kvt's -d leaves out.
+extern bool checksBesideHooks;
+
+// Whether the program checks divisions and array bounds.
 bool ChecksValues();

@@ -28,7 +28,7 @@ bool FindInstallation(Job& job) {
 // Ways of building that must not overwrite one another's files.
 std::string Variant(const Options& options) {
     const std::string checks = IsForDebugger(options) ? "debugger"
-                               : options.debug        ? "debug"
+                               : options.debug        ? options.safe ? "safedebug" : "debug"
                                : options.safe         ? "safe"
                                                       : "";
     const std::string mode = checks + (IsFast(options) ? "fast" : checks.empty() ? "plain" : "");

@@ -44,6 +44,7 @@ void Begin(const Request& request) {
     settings.outputComments = request.commented;
     settings.debugMode = request.debug;
     forDebugger = request.debugger;
+    checksBesideHooks = request.debugger || request.safe;
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
     settings.units = request.units;

@@ -78,7 +78,7 @@ const std::vector<OptionRow>& OptionRows() {
         {"--safe", &Options::safe, "", "", translating,
          "check divisions and array bounds while the program runs"},
         {"--debug", &Options::debug, "", "", translating,
-         "hooks for a debugger (KVDEBUG=trace shows every step); takes the place of --safe"},
+         "hooks for a debugger (KVDEBUG=trace shows every step)"},
         {"-O", &Options::optimisation, "LEVEL", "0 1 2 3", translating,
          "compile fast (-O0, usual for run) or for speed (-O2, usual for build)"},
         {"--plain", &Options::plain, "", "", translating,
