@@ -102,6 +102,8 @@ std::vector<std::string> Beginning(const std::vector<std::string>& compiler, con
     if (job.places && job.optimisation != "-O0" && IsGnu(compiler))
         Add(command, FlagsThatKeepPlaces(job.safe));
     if (job.optimisation != "-O0" && IsGnu(compiler)) Add(command, FlagsThatSaveTime());
+    // Reports in a Method ask whether `this` is Null.
+    if (job.debug && job.optimisation != "-O0") command.push_back("-fno-delete-null-pointer-checks");
     if (!job.prelude.empty()) command.insert(command.end(), {"-include", ForTool(job, job.prelude)});
     Add(command, job.unitFlags);
     // The user's folder serves #include "..." only: a program named like a standard header must not hide it.
