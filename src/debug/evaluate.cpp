@@ -193,9 +193,10 @@ private:
         return found == part.items.end() ? nullptr : &*found;
     }
 
-    static std::vector<std::string> NamesOf(const Part& part) {
+    static std::vector<std::string> NamesOf(const std::vector<Part>& parts) {
         std::vector<std::string> names;
-        for (const Value& value : part.items) names.push_back(value.name);
+        for (const Part& part : parts)
+            for (const Value& value : part.items) names.push_back(value.name);
         return names;
     }
 
@@ -220,17 +221,16 @@ private:
         if (isLeftOut) return {};
         const Part locals = session->Locals(frame);
         if (const Value* local = Named(locals, name)) return *local;
-        if (const Value* self = Named(locals, "this")) {
-            const Part fields = session->Items(*self, 0, all);
-            if (const Value* field = Named(fields, name)) return *field;
-        }
+        const Value* const self = Named(locals, "this");
+        const Part fields = self != nullptr ? session->Items(*self, 0, all) : Part();
+        if (const Value* field = Named(fields, name)) return *field;
         const Part globals = session->Globals();
         if (const Value* global = Named(globals, name)) return *global;
         const Part consts = session->Consts();
         if (const Value* constant = Named(consts, name)) return *constant;
-        const Value* const self = Named(locals, "this");
         const bool isNull = self != nullptr && self->text == "Null";
-        throw Refusal{"there is no " + name + " here" + (isNull ? ": this is Null" : "")};
+        throw Refusal{"there is no " + name + " here" + (isNull ? ": this is Null" : "") +
+                      DidYouMean(name, NamesOf({locals, fields, globals, consts}))};
     }
 
     // In a With.
@@ -258,7 +258,7 @@ private:
         const std::vector<std::string> routines = session->NamesOfRoutines();
         if (std::find(routines.begin(), routines.end(), of.type + "\\" + name) != routines.end())
             throw Refusal{name + " is a Method, and cannot be called here"};
-        throw Refusal{"there is no Field " + name + " in " + of.text + DidYouMean(name, NamesOf(fields))};
+        throw Refusal{"there is no Field " + name + " in " + of.text + DidYouMean(name, NamesOf({fields}))};
     }
 
     Value Item(const Value& of) {

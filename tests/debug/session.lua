@@ -101,6 +101,7 @@ typed('print points\n', 'points:EPoint[] = [2]\n    [0] = EPoint {x = 1, y = 0}\
 typed('print points[1]\\x + grid[1][2]\n', 'points[1]\\x + grid[1][2] = 1')
 typed('print (points[1]\\y + 3) / 2\n', '(points[1]\\y + 3) / 2 = 1.5')
 typed('print nobody\n', 'there is no nobody here')
+typed('print Nams\n', 'there is no Nams here; did you mean name?')
 typed('globals\n', 'ticks:Int = 0\nnames:Sequence Of String = [1]')
 typed('print names[0] & "!"\n', 'names[0] & "!" = "Ada!"')
 typed('objects\n', 'TUnit: 2 objects')
