@@ -32,8 +32,10 @@ std::size_t UnfinishedBytes(const std::string& text) {
 std::string TextOfFailure(const std::string& errors) {
     std::istringstream lines(errors);
     std::string text = "run-time error";
-    for (std::string line; std::getline(lines, line);)
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
         if (!line.empty() && line[0] != ' ') text = line;
+    }
     return text;
 }
 
