@@ -46,7 +46,7 @@ StringPiece CutHole(std::string_view token, std::size_t open, std::size_t end) {
     if (tags.find(token[open + 1]) == std::string_view::npos)
         return Trouble("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}",
                        open, close < end ? close + 1 : open);
-    if (close >= end)
+    if (close >= end || token.find('{', open + 1) < close)
         return Trouble("Unterminated string interpolation hole - missing '}'", open,
                        EndOfName(token, open + 2, end));
     StringPiece piece;

@@ -154,6 +154,15 @@ void CheckFirstWord(TokenSpan tokens) {
     ReportUnknownStatement("Identifier not found - " + name, Tokens{name}, SpellingHint(name));
 }
 
+// d->Bark() is about its arrow.
+[[noreturn]] void FailAsValue(TokenSpan tokens) {
+    const Wording message = "'" + tokens.Text("") + "' is a value, not a statement" + wayToUse;
+    for (std::size_t i = 1; i + 1 < tokens.size(); ++i)
+        if (tokens.SignAt(i) == '-' && tokens.SignAt(i + 1) == '>')
+            ReportFatal(message, tokens.Slice(i, i + 2));
+    ReportFatal(message);
+}
+
 void TranslateCall(State& state, TokenSpan tokens) {
     CheckFirstWord(tokens);
     if (Has(tokens.KeywordAt(0), trait::creates)) {
@@ -161,8 +170,7 @@ void TranslateCall(State& state, TokenSpan tokens) {
         return;
     }
     Code& line = FreshLine();
-    if (!TranslateCallStatement(tokens, line))
-        ReportFatal("'" + tokens.Text("") + "' is a value, not a statement" + wayToUse);
+    if (!TranslateCallStatement(tokens, line)) FailAsValue(tokens);
     line += ';';
     EmitLine(state, line);
 }

@@ -6,7 +6,9 @@
 #include "base/keywords.h"
 #include "lexer/lexer.h"
 #include "symbols/foreign_rows.h"
+#include "symbols/foreign_signs.h"
 #include "symbols/foreign_words.h"
+#include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 
 namespace {
@@ -38,40 +40,57 @@ const ForeignRow sameRows[] = {
     {"#include", "Include"},
 };
 
-// Adds the change that puts the text in place of a part of the mistake's line.
-void AddFix(korvel::Diagnostic& mistake, std::size_t at, std::size_t size, const std::string& text) {
-    korvel::Fix& fix = mistake.fixes.emplace_back();
-    fix.file = mistake.file;
-    fix.line = mistake.line;
-    fix.firstColumn = static_cast<int>(at) + 1;
-    fix.lastColumn = static_cast<int>(at + size);
-    fix.replacement = text;
-}
+// What is called to make a value of another one.
+const ForeignRow callRows[] = {
+    {"str cstr string text", "ToString"},
+    {"val cint clng int integer long parseint", "ToInt"},
+    {"cdbl csng float double real parsefloat", "ToDouble"},
+};
 
 // Puts the text in place of each of the others, wherever it stands.
 void ReplaceAll(korvel::Diagnostic& mistake, const std::string& line,
                 std::initializer_list<std::string_view> others, const std::string& text) {
     for (const std::string_view other : others)
         for (std::size_t at = line.find(other); at != std::string::npos; at = line.find(other, at + 1))
-            AddFix(mistake, at, other.size(), text);
+            AddFix(mistake, at, at + other.size(), text);
 }
 
 // Which word stands here for one that is so called elsewhere; null without one.
 const char* SameWord(const std::string& word) {
     static const ForeignWords index = IndexOf(sameRows);
-    if (IsAmong("dim var auto", word)) return localDefList.size() > 1 ? "Local" : "Global";
+    if (DeclaresElsewhere(word)) return localDefList.size() > 1 ? "Local" : "Global";
     return Find(index, word);
 }
 
-void FixSign(korvel::Diagnostic& mistake, const std::string& line, std::size_t at, std::string_view meant) {
-    if (meant == "/" && at == line.find_first_not_of(" \t")) return AddFix(mistake, at, 2, ";");
-    if (meant == ":") return line[at + 1] == '=' ? AddFix(mistake, at, 2, "=") : AddFix(mistake, at, 1, "|");
-    if (meant.substr(0, 2) == "0x" || meant.substr(0, 2) == "0X") return AddFix(mistake, at, 2, "$");
+std::string TypeHere(const std::string& type) {
+    const char* const word = Find(IndexOf(sameRows), Lower(type));
+    return word == nullptr ? type : word;
 }
 
-// 'text' instead of a comment
-bool IsQuote(std::string_view meant, std::string_view line) {
-    return meant == "'" && std::count(line.begin(), line.end(), '\'') > 1;
+// Of "name As Type", from the name on.
+void FixAs(korvel::Diagnostic& mistake, const WrongLine& line, std::size_t name) {
+    const std::string& type = line.tokens[name + 2];
+    const bool isKnown = IsName(line.tokens[name]) && IsWord(line.tokens[name + 1], "as") && IsName(type) &&
+                         !IsWord(type, "new");
+    if (isKnown) AddFix(mistake, line.End(name), line.End(name + 2), ":" + TypeHere(type));
+}
+
+// The name of a Function, and the '$' that it may have behind it elsewhere.
+void FixCall(korvel::Diagnostic& mistake, const WrongLine& line, const std::string& function) {
+    const bool hasSuffix = line.tokens.SignAt(line.at + 1) == '$';
+    if (function == line.tokens[line.at] && !hasSuffix) return;
+    AddFix(mistake, line.Start(line.at), line.End(line.at + (hasSuffix ? 1 : 0)), function);
+}
+
+// Of a word that is called, with or without the '$' of elsewhere, the Function that does the same here.
+std::string CalledHere(const WrongLine& line) {
+    static const ForeignWords index = IndexOf(callRows);
+    const std::string& meant = line.tokens[line.at];
+    const bool hasSuffix = line.tokens.SignAt(line.at + 1) == '$';
+    const bool isCalled = line.tokens.SignAt(line.at + (hasSuffix ? 2 : 1)) == '(';
+    if (const char* const name = isCalled ? Find(index, Lower(meant)) : nullptr) return name;
+    const std::string function = FunctionCalledElsewhere(meant);
+    return function.empty() && hasSuffix && isCalled ? meant : function;
 }
 
 }  // namespace
@@ -92,22 +111,24 @@ void JoinWords(korvel::Diagnostic& mistake, const std::string& line) {
     const Keyword joined = FindKeyword(tokens[0] + tokens[1]);
     const bool isApart = second != std::string::npos && second > at + tokens[0].size();
     if (isApart && (Has(joined, trait::divides) || BlockOf(joined) != Keyword::None))
-        AddFix(mistake, at, second + tokens[1].size() - at, tokens[0] + tokens[1]);
+        AddFix(mistake, at, second + tokens[1].size(), tokens[0] + tokens[1]);
 }
 
-void FixForeignWord(korvel::Diagnostic& mistake, const std::string& line) {
-    ReplaceAll(mistake, line, {"\xE2\x80\x9C", "\xE2\x80\x9D"}, "\"");
-    ReplaceAll(mistake, line, {"\\\""}, "~q");
-    const Tokens cut = Cut(TextOf(mistake, line));
-    if (!mistake.fixes.empty() || cut.empty()) return;
-    const auto at = static_cast<std::size_t>(mistake.firstColumn - 1);
-    const std::string& meant = cut[0]->text;
-    const char* const word = SameWord(Lower(meant));
-    const std::string function = FunctionCalledElsewhere(meant);
-    std::size_t end = at + meant.size();
-    if (word == nullptr && !function.empty() && function != meant)
-        return AddFix(mistake, at, end - at, function);
-    if (word == nullptr || IsQuote(meant, line)) return FixSign(mistake, line, at, meant);
-    if (*word == '\0') end = std::min(line.find_first_not_of(" \t", end), line.size());
-    AddFix(mistake, at, end - at, word);
+void FixForeignWord(korvel::Diagnostic& mistake, const WrongLine& line) {
+    ReplaceAll(mistake, line.text, {"\xE2\x80\x9C", "\xE2\x80\x9D"}, "\"");
+    ReplaceAll(mistake, line.text, {"\\\""}, "~q");
+    const std::size_t at = line.at;
+    if (!mistake.fixes.empty() || at >= line.tokens.size()) return;
+    const std::string &meant = line.tokens[at], function = CalledHere(line);
+    const bool isLoop = at == 1 && line.tokens.KeywordAt(0) == Keyword::For && line.tokens.SignAt(2) == '=';
+    if (isLoop) return AddFix(mistake, line.Start(at), line.Start(at), "Local ");
+    const char* const word = function.empty() ? SameWord(Lower(meant)) : nullptr;
+    if (!function.empty()) return FixCall(mistake, line, function);
+    if (word == nullptr || BeginsText(line.text, line.tokens, at)) return FixSign(mistake, line);
+    if (IsWord(meant, "as")) return FixAs(mistake, line, at - 1);
+    const std::size_t start = line.Start(at), behind = line.text.find_first_not_of(" \t", line.End(at));
+    const std::size_t end = *word == '\0' ? std::min(behind, line.text.size()) : line.End(at);
+    AddFix(mistake, start, end, word);
+    if (DeclaresElsewhere(meant))
+        for (std::size_t name = at + 1; name < line.tokens.size(); ++name) FixAs(mistake, line, name);
 }

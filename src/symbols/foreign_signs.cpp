@@ -109,7 +109,9 @@ const char* HintAtSuffix(TokenSpan tokens, std::size_t at) {
                : nullptr;
 }
 
-// Local = 3, Field :Int, Function F(a:Int, :Int)
+}  // namespace
+
+// Function F(a:Int, :Int) is another one.
 bool LacksName(TokenSpan tokens, std::size_t at) {
     const char sign = tokens.SignAt(at), before = at > 0 ? tokens.SignAt(at - 1) : '\0';
     const bool isFirst = Has(tokens.KeywordAt(0), trait::variables) && at == 1;
@@ -123,7 +125,15 @@ bool IsObject(const Word& name) {
     return variable != nullptr && variable->type.IsSingle() && variable->type.cls != nullptr;
 }
 
-}  // namespace
+bool BeginsText(std::string_view line, TokenSpan tokens, std::size_t at) {
+    const char quote = tokens.SignAt(at);
+    if (at == 0 || (quote != '\'' && quote != '`')) return false;
+    const Word& before = tokens.At(at - 1);
+    const bool isValue =
+        ClosesBracket(before.sign) ||
+        (before.sign == '\0' && (before.keyword == Keyword::None || Has(before.keyword, trait::value)));
+    return !isValue && std::count(line.begin(), line.end(), quote) > 1;
+}
 
 bool EndsOpen(TokenSpan tokens) {
     if (tokens.size() < 2) return false;
@@ -146,8 +156,8 @@ const char* HintAtQuotes(std::string_view line, TokenSpan tokens, std::size_t at
     if ((meant == "f" || meant == "F") && IsText(tokens[at + 1]))
         return "A text may have holes as it stands: \"{%count} times {$name}\"";
     if (meant != "'" && meant.substr(0, 1) != "`") return nullptr;
-    const bool isPair = std::count(line.begin(), line.end(), meant[0]) > 1;
-    return at > 0 && isPair ? "Texts stand between double quotes: \"text\"" : "A comment begins with ';'";
+    return BeginsText(line, tokens, at) ? "Texts stand between double quotes: \"text\""
+                                        : "A comment begins with ';'";
 }
 
 // A sign that is wrong where it stands: Print "a": Print "b"

@@ -32,8 +32,10 @@ const ForeignRow meantRows[] = {
     {"integer uint int32 int64 unsigned", "The type of whole numbers is called Int, of larger ones Long"},
     {"float single real decimal number", "The type of numbers with a point is called Double"},
     {"boolean logical", "The type of True and False is called Bool"},
-    {"str text char string$", "The type of texts is called String; ToString(n) makes a text of a number"},
-    {"val cint int(", "ToInt(s) makes a whole number of a text, ToDouble(s) one with a point"},
+    {"str text char string$ string(",
+     "The type of texts is called String; ToString(n) makes a text of a number"},
+    {"val cint int( integer( cdbl float( double(",
+     "ToInt(s) makes a whole number of a text, ToDouble(s) one with a point"},
     {"try catch except throw raise finally on endtry",
      "There are no exceptions: ask beforehand, or return a value that tells what went wrong"},
     {"tlist list arraylist vector seq sequence", "A list that grows is a Sequence: Local s:Sequence Of Int"},
@@ -215,6 +217,7 @@ static bool IsBlockElsewhere(const std::string& word) {
 
 bool OpensElsewhere(const std::string& word) { return IsAmong(openers, Lower(word)); }
 bool ClosesElsewhere(const std::string& word) { return IsAmong(closers, Lower(word)); }
+bool DeclaresElsewhere(const std::string& word) { return IsAmong("dim var auto", Lower(word)); }
 
 std::string HintAtWord(const std::string& word) {
     const char* const hint = Find(MeantWords(), word);

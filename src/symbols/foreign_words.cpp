@@ -71,6 +71,8 @@ std::string HintFor(const Meant& meant) {
     const TokenSpan tokens = meant.tokens;
     if (meant.word.size() > 1 && meant.word[0] == '#') return HintAtWord(meant.word);
     const bool isKnown = tokens.SignAt(meant.at + 1) == '$' && !HintAtWord(meant.word).empty();
+    const std::string called = tokens.SignAt(meant.at + 1) == '(' ? HintAtWord(meant.word + "(") : "";
+    if (!called.empty()) return called;
     const char* const sign = isKnown ? nullptr : HintAtSign(meant.tokens, meant.at);
     if (sign != nullptr) return sign;
     if (const char* hint = HintAtBeginning(meant.tokens, meant.word, meant.at)) return hint;
@@ -131,9 +133,12 @@ void HintAtForeignWords(korvel::Diagnostic& mistake) {
         if (ReachesOpenEnd(mistake, meant)) return PointToEnd(mistake, line, meant.tokens);
         JoinWords(mistake, line);
         const std::string hint = HintFor(meant);
-        if (hint.empty()) return;
-        mistake.hint = hint;
-        mistake.fixes.clear();
-        FixForeignWord(mistake, line);
+        const WrongLine wrong = {line, meant.tokens, meant.at};
+        if (!hint.empty()) {
+            mistake.hint = hint;
+            mistake.fixes.clear();
+            FixForeignWord(mistake, wrong);
+        }
+        if (mistake.fixes.empty()) FixStatement(mistake, wrong);
     }
 }

@@ -15,5 +15,8 @@ std::string HintAtForeignWord(const std::string& word);
 bool OpensElsewhere(const std::string& word);
 bool ClosesElsewhere(const std::string& word);
 
+// Whether variables are declared with the word in other languages.
+bool DeclaresElsewhere(const std::string& word);
+
 // The Function of a module, or of the language, that other languages call so, in any letter case; empty for other words.
 std::string FunctionCalledElsewhere(const std::string& word);

@@ -71,6 +71,28 @@ void PutInPlace(korvel::Diagnostic& mistake, int line, std::size_t begin, std::s
     mistake.fixes.back().lastColumn = static_cast<int>(end);
 }
 
+// A Function that stands in a Type, up to its end, is meant as a Method.
+void FixFunctionInType(korvel::Diagnostic& mistake, std::string_view opener) {
+    SourceReader reader;
+    std::string_view line;
+    const Keyword block = TokenSpan(Cut(opener)).KeywordAt(0);
+    if (!Has(block, trait::classes) || !GoTo(reader, mistake, mistake.line, line)) return;
+    const std::size_t indentation = line.find_first_not_of(blanks);
+    if (TokenSpan(Cut(line)).KeywordAt(0) != Keyword::Function) return;
+    for (int number = mistake.line + 1; !reader.AtEnd(); ++number) {
+        line = reader.TakeLine();
+        if (line.find_first_not_of(blanks) != indentation) continue;
+        const Tokens tokens = Cut(line);
+        const Keyword word = TokenSpan(tokens).KeywordAt(0);
+        if (word != Keyword::EndFunction && !tokens.empty()) return;
+        if (word != Keyword::EndFunction) continue;
+        const auto function = static_cast<std::size_t>(mistake.firstColumn) - 1;
+        mistake.hint = "What a Type does stands in Methods: Method ... EndMethod";
+        PutInPlace(mistake, mistake.line, function, function + TextOf(Keyword::Function).size(), "Method");
+        return PutInPlace(mistake, number, indentation, indentation + tokens[0]->text.size(), "EndMethod");
+    }
+}
+
 }  // namespace
 
 void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& closer) {
@@ -102,6 +124,8 @@ void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& 
         last = number;
         size = line.size();
     }
+    // What is wrong inside of the block stays so wherever that ends.
+    if (mistake.line > openLine && last >= mistake.line) return FixFunctionInType(mistake, opener);
     if (last != 0 && !closer.empty())
         AddBehind(mistake, last, size, "\n" + std::string(opener.substr(0, indentation)) + closer);
 }

@@ -48,7 +48,8 @@ void DoubtIfName(const Word& word) {
 // The names that a wrong statement would have declared: those behind Local, say, and behind each comma.
 void DoubtDeclared(TokenSpan statement) {
     for (std::size_t i = 0; i < statement.size(); ++i) {
-        if (!Has(statement.KeywordAt(i), trait::names)) continue;
+        const bool isForeign = i == 0 && DeclaresElsewhere(statement[0]);
+        if (!isForeign && !Has(statement.KeywordAt(i), trait::names)) continue;
         for (const TokenSpan declared : statement.From(i + 1).SplitAt(',')) DoubtIfName(declared.At(0));
     }
 }

@@ -197,7 +197,7 @@ TEST(Library, FixesMistakes) {
         {"Let n = 3|set a[1] = 2", "n = 3|a[1] = 2"},
         {"// text", "; text"},
         {"Local x:Integer = 3|Local f:float = 3", "Local x:Int = 3|Local f:Double = 3"},
-        {"Dim x As Int = 3", "Local x : Int = 3"},
+        {"Dim x As Int = 3|Dim y As TA|y\\size = x", "Local x:Int = 3|Local y:TA|y\\size = x"},
         {"Println n div 2|delete p", "Print n / 2|Remove p"},
         {"If p is Nil Then Print 0xFF", "If p = Null Then Print $FF"},
         {"If n = 1\n    n = 2\nElse If n = 2\nEnd If", "If n = 1\n    n = 2\nElseIf n = 2\nEndIf"},
@@ -206,6 +206,18 @@ TEST(Library, FixesMistakes) {
          "Select n\n    Case 1\n        Print 1\nEndSelect"},
         {"n := 4", "n = 4"},
         {"Print \"a\" : Print n", "Print \"a\" | Print n"},
+        {"If n = 1:\n    n = 2\nElse:\n    Local b[2][3]:Int\nEndIf",
+         "If n = 1\n    n = 2\nElse\n    Local b:Int[2][3]\nEndIf"},
+        {"If n = 1: Print n|Print \"{%n: {%n}\"", "If n = 1 Then Print n|Print \"{%n}: {%n}\""},
+        {"Print Str(n) + Str$(n)|n = int(\"3\")|Print Chr$(n)",
+         "Print ToString(n) + ToString(n)|n = ToInt(\"3\")|Print Chr(n)"},
+        {"p->size = 3|Print p->size|p->size++", "p\\size = 3|Print p\\size|p\\size = p\\size + 1"},
+        {"a[n - 1] -= n + 1|--n|If n = 1 Then n *= 2",
+         "a[n - 1] = a[n - 1] - (n + 1)|n = n - 1|If n = 1 Then n = n * 2"},
+        {"If n = 1 Print 'a' + 'b' // two", "If n = 1 Then Print \"a\" + \"b\" ; two"},
+        {"For i = 1 To 3|Print i|Next", "For Local i = 1 To 3|Print i|Next"},
+        {"EndFunction\nType TB\n    Function A()\n        Print 1\n    EndFunction\nEndType\nFunction B()",
+         "EndFunction\nType TB\n    Method A()\n        Print 1\n    EndMethod\nEndType\nFunction B()"},
         {"Print \xE2\x80\x9C"
          "a\xE2\x80\x9D",
          "Print \"a\""},
@@ -228,7 +240,7 @@ TEST(Library, FixesMistakes) {
         request.warnings = false;
         request.overlays = {{request.source, head + wrong + "\nEndFunction\n"}};
         std::string& text = request.overlays[0].text;
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 9; ++i) {
             const std::vector<korvel::Diagnostic> mistakes = korvel::Check(request).diagnostics;
             if (mistakes.empty()) break;
             std::cout << mistakes[0].hint << "\n";
@@ -349,6 +361,8 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"If n => 2 Then Print n", "Write >="},
         {"If n =< 2 Then Print n", "Write <="},
         {"n->x = 3", "p\\hp"},
+        {"n->x()", "p\\hp"},
+        {"Print \"{%n:3}\"", "PadLeft and Format"},
         {"Local a(10)", "size in brackets"},
         {"Local a:Int[3] = [1, 2]", "one by one"},
         {"Print Chr$(65)", "no '$' at their end"},
