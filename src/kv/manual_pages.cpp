@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "base/edit_distance.h"
+#include "base/source_reader.h"
 #include "base/text.h"
 #include "base/token_text.h"
 #include "base/utf8.h"
@@ -175,7 +176,8 @@ std::string PageAbout(const std::string& word) {
     const fs::path page = PathOf(ManualFolder()) / PathOf(Key(word) + ".md");
     std::error_code failed;
     const bool isPage = word.find_first_of("/\\.") == std::string::npos && fs::is_regular_file(page, failed);
-    return isPage ? TextOf(page) : "";
+    std::string text;
+    return isPage && ReadFile(TextOf(page), text) ? text : "";
 }
 
 std::string FirstSentence(const ManualEntry& entry) {

@@ -17,7 +17,7 @@ struct ManualEntry {
 // All entries of the pages in a folder, page by page; none where there is no such folder.
 std::vector<ManualEntry> ReadManual(const std::string& folder);
 
-// The page of the manual that is called like the word; empty if there is none.
+// The text of the page of the manual that is called like the word; empty if there is none.
 std::string PageAbout(const std::string& word);
 
 // What an entry says first.

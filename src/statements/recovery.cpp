@@ -86,6 +86,7 @@ void Replace(State& state, TokenSpan statement) {
     const Tokens substitute = Substitute(statement);
     if (substitute.empty() || EndsOnItsLine(statement)) return;
     DispatchStatement(state, substitute);
+    if (Has(statement.KeywordAt(0), trait::loop)) state.blocks.back().braces.broken = true;  // it may end
     if (statement.KeywordAt(0) == Keyword::Select) state.blocks.back().braces.select->subject = ValueType();
     if (statement.KeywordAt(0) == Keyword::For) state.blocks.back().opener.word = "For";
     if (statement.KeywordAt(0) == Keyword::EachSeq) state.blocks.back().opener.word = "EachSeq";

@@ -64,6 +64,13 @@ void AddTexts(korvel::Diagnostic& warning) {
     }
 }
 
+// What is wrong on a line makes whatever is odd there doubtful.
+bool IsOnWrongLine(const korvel::Diagnostic& warning, const std::vector<korvel::Diagnostic>& mistakes) {
+    return std::any_of(mistakes.begin(), mistakes.end(), [&warning](const korvel::Diagnostic& mistake) {
+        return mistake.line == warning.line && mistake.file == warning.file;
+    });
+}
+
 std::size_t FileNumber(const std::string& file) {
     const auto& files = symbols.sourceFiles;
     return static_cast<std::size_t>(std::find(files.begin(), files.end(), file) - files.begin());
@@ -95,9 +102,11 @@ void TellWarnings() {
     };
     std::stable_sort(warnings.begin(), warnings.end(),
                      [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
+    const std::vector<korvel::Diagnostic> mistakes = KeptMistakes();
     std::set<decltype(placeOf(warnings.front()))> told;  // what stands in a file included twice comes twice
     for (korvel::Diagnostic& warning : warnings) {
         if (!told.insert(placeOf(warning)).second || IsSilenced(warning)) continue;
+        if (IsOnWrongLine(warning, mistakes)) continue;
         AddTexts(warning);
         TellWarning(warning);
     }

@@ -185,6 +185,8 @@ const steps = [
   ['its stays', ['mixed.kvl 9:11-14,10:5-8,11:10-13,14:14-17,14:30-33,14:43-46,15:11-14,16:9-12'], () => renamed(x, 'Local it|em', 'thing')],
   ['the other place', ['lib/ball.kvl 3:12-15'], async () => { await changed(m, '(Twice(score), 3)', '()'); return places(told[m][0].relatedInformation[0].location); }],
   ['as before', [], () => changed(m, '\\Move()', '\\Move(Twice(score), 3)')],
+  ['no odds where something is wrong', ['14:5-22 Expected \'To\' in For loop'], () => changed(m, 'AutoCall Tick', 'For Local i = 1, 3\n    Next\n    AutoCall Tick')],
+  ['as before', [], () => changed(m, 'For Local i = 1, 3\n    Next\n    AutoCall Tick', 'AutoCall Tick')],
   ['a file that no program has', 2, async () => { await open('alone.kvl'); return (await mistakes('alone.kvl')).length; }],
   ['which one has, unsaved', [], async () => {
     await open('other.kvl');

@@ -33,8 +33,7 @@ std::string Contents(const std::vector<ManualEntry>& entries) {
 
 // Where else to look for a word without an entry.
 std::string NearestTo(const std::vector<ManualEntry>& entries, const std::string& word) {
-    const std::string page = PageAbout(word), advice = korvel::AdviceOnWord(word);
-    if (!page.empty()) return "; its page is " + page;
+    const std::string advice = korvel::AdviceOnWord(word);
     if (!advice.empty()) return ". " + advice;
     std::string text;
     for (const std::string& name : SimilarNames(entries, word))
@@ -54,6 +53,11 @@ int DocCommand(const Options& options) {
     const std::string& word = options.names[0];
     if (const ManualEntry* entry = FindEntry(entries, word)) {
         std::fputs(PlainText(entry->text).c_str(), stdout);
+        return 0;
+    }
+    const std::string page = PageAbout(word);
+    if (!page.empty()) {
+        std::fputs(PlainText(page).c_str(), stdout);
         return 0;
     }
     return Fail("the manual has no entry for \"" + word + "\"" + NearestTo(entries, word));

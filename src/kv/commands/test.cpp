@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/source_reader.h"
 #include "kv/commands/commands.h"
 #include "kv/diagnostics.h"
 #include "kv/job.h"
@@ -86,6 +87,9 @@ int TestCommand(const Options& options) {
     if (names.empty()) names.emplace_back(".");
     for (const std::string& name : names) {
         const std::vector<std::string> found = SourcesOf(name, testEnding);
+        const bool isName = found.size() == 1 && found[0] == name;
+        if (isName && !IsFile(name) && !IsFile(name + ".kvl"))
+            return Fail("there is no folder or program " + name);
         if (found.empty()) {
             return Fail("there is no program *" + std::string(testEnding) + " in " + name);
         }
