@@ -149,6 +149,12 @@ public:
         for (const auto& [name, method] : cls.routines) AddRoutine(method, Symbol::Kind::Method, cls.name);
     }
 
+    void AddConstant(const Variable& constant) {
+        AddVariable(constant, Symbol::Kind::Const, constant.file);
+        const TokenSpan value = constant.initialiser;
+        list.back().value = value.Text(value.size() == 2 ? "" : " ");  // -1
+    }
+
     void AddLocal(const NotedLocal& local) {
         const Variable& variable = local.variable;
         const auto kind = variable.isParameter ? Symbol::Kind::Parameter : Symbol::Kind::Local;
@@ -165,8 +171,7 @@ public:
             AddRoutine(routine, Symbol::Kind::Function);
         for (const auto& [name, global] : symbols.globals)
             AddVariable(global, Symbol::Kind::Global, global.file);
-        for (const auto& [name, constant] : symbols.constants)
-            AddVariable(constant, Symbol::Kind::Const, constant.file);
+        for (const auto& [name, constant] : symbols.constants) AddConstant(constant);
         for (const NotedLocal& local : notedUses.locals) AddLocal(local);
     }
 };

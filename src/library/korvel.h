@@ -84,6 +84,7 @@ struct Symbol : Range {
     std::string
         type;  // in Korvel's words, of a routine its result; empty where there is none or it is not known
     std::string parameters;  // of a routine: "(a:Int, b:String = \"x\")"
+    std::string value;       // of a Const, as it is written
     int lastLine = 0;        // of a Local or parameter: where its scope ends
 };
 

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "base/keywords.h"
+#include "base/token_text.h"
 #include "lexer/lexer.h"
 #include "lsp/code.h"
 #include "lsp/features.h"
@@ -16,16 +17,24 @@ namespace {
 
 using Kind = korvel::Symbol::Kind;
 
+constexpr char mainName[] = "Main";  // to declare, not to call
+
 constexpr int keywordNumber = 14;
 
 constexpr int fileNumber = 17, folderNumber = 19;
+
+// What the program calls by itself.
+bool IsCalledAlone(const korvel::Symbol& symbol) {
+    return (symbol.kind == Kind::Function && Lower(symbol.name) == "main") ||
+           (symbol.kind == Kind::Method && (symbol.name == "constructor" || symbol.name == "destructor"));
+}
 
 class Offer {
 public:
     Json items = Json::array();
 
     void Add(const korvel::Symbol& symbol) {
-        if (!names.insert(symbol.name).second) return;
+        if (IsCalledAlone(symbol) || !names.insert(symbol.name).second) return;
         items.push_back({{"label", symbol.name},
                          {"kind", RowOf(symbol.kind).completion},
                          {"detail", DeclarationOf(symbol)}});
@@ -80,7 +89,8 @@ void AddVisible(Offer& offer, const Spot& spot, const Workspace& workspace) {
     if (!owner.empty()) AddMembers(offer, spot, owner);
     for (const korvel::Symbol& symbol : symbols)
         if (!IsLocal(symbol) && !IsMember(symbol) && symbol.kind != Kind::File) offer.Add(symbol);
-    for (const std::string& word : workspace.services.words) offer.AddWord(word, workspace.takesSnippets);
+    for (const std::string& word : workspace.services.words)
+        if (word != mainName) offer.AddWord(word, workspace.takesSnippets);
 }
 
 void AddKind(Offer& offer, const Spot& spot, Kind kind) {
@@ -105,7 +115,9 @@ void AddBehind(Offer& offer, const Spot& spot, const Workspace& workspace, std::
                std::size_t column) {
     const char sign = before.empty() ? ' ' : before.back();
     const Keyword word = FindKeyword(Lower(LastWord(before)));
-    if (sign == '\\')
+    const std::string_view owner = sign == '.' ? LastWord(before.substr(0, before.size() - 1)) : "";
+    const bool isPoint = !owner.empty() && !IsDigit(owner[0]);
+    if (sign == '\\' || isPoint)
         AddMembers(offer, spot,
                    korvel::TypeAt(spot.program->inspection, spot.file, spot.line, static_cast<int>(column)));
     else if (word == Keyword::Of)
@@ -114,8 +126,10 @@ void AddBehind(Offer& offer, const Spot& spot, const Workspace& workspace, std::
         AddTypes(offer, spot);
     else if (word == Keyword::Create || word == Keyword::New)
         AddKind(offer, spot, Kind::Type);
-    else
+    else {
+        if (word == Keyword::Function) offer.AddWord(mainName);
         AddVisible(offer, spot, workspace);
+    }
 }
 
 }  // namespace

@@ -61,8 +61,9 @@ std::string PathOfDocument(const Json& params) {
 std::string DeclarationOf(const korvel::Symbol& symbol) {
     const std::string type = symbol.type.empty() ? "" : ":" + symbol.type;
     const std::string quote = symbol.kind == Kind::File ? "\"" : "";
+    const std::string value = symbol.value.empty() ? "" : " = " + symbol.value;
     return RowOf(symbol.kind).word + std::string(" ") + quote + symbol.name + quote + type +
-           symbol.parameters;
+           symbol.parameters + value;
 }
 
 std::string DescriptionOf(Workspace& workspace, const korvel::Symbol& symbol) {

@@ -14,11 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void AddFiles(const fs::path& folder, std::vector<std::string>& names) {
+void AddFiles(const fs::path& folder, std::vector<std::string>& names, bool withFolders = true) {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(folder, ignored)) {
         const std::string name = TextOf(entry.path().filename());
-        if (entry.is_directory(ignored) && name[0] != '.') names.push_back(name + "/");
+        if (withFolders && entry.is_directory(ignored) && name[0] != '.') names.push_back(name + "/");
         if (entry.path().extension() == ".kvl") names.push_back(name);
     }
 }
@@ -40,7 +40,9 @@ std::vector<std::string> NamesToInclude(const std::string& main, const std::stri
                                         const std::string& begun) {
     std::vector<std::string> names;
     AddFiles(PathOf(FolderOf(main)) / PathOf(FolderOf(begun)), names);
-    AddFiles(PathOf(installation) / "lib" / PathOf(FolderOf(begun)), names);
+    // Folders among the modules hold parts of them.
+    const std::string folder = FolderOf(begun);
+    AddFiles(PathOf(installation) / "lib" / PathOf(folder), names, folder.empty());
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;

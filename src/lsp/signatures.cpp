@@ -1,6 +1,8 @@
 // The parameters of the call that is being typed.
 #include <algorithm>
 
+#include "base/keywords.h"
+#include "lexer/lexer.h"
 #include "lsp/code.h"
 #include "lsp/features.h"
 
@@ -37,13 +39,16 @@ struct Call {
     std::size_t end = 0;  // of the name, in the code
     bool isMember = false;
     int argument = 0;
+    bool creates = false;  // the name is that of a Type behind Create
 };
 
 Call CallBefore(std::string_view code, std::size_t end, int argument) {
     const std::size_t last = code.substr(0, end).find_last_not_of(' ') + 1;
     const std::size_t start = StartOfWord(code.substr(0, last));
-    return {std::string(code.substr(start, last - start)), last, start > 0 && code[start - 1] == '\\',
-            argument};
+    const Keyword before = FindKeyword(Lower(LastWord(code.substr(0, start))));
+    const bool isMember = start > 0 && (code[start - 1] == '\\' || code[start - 1] == '.');
+    return {std::string(code.substr(start, last - start)), last, isMember, argument,
+            Has(before, trait::creates)};
 }
 
 // Where the name at the front ends, the objects that it is called of included: `list[i]\Add`.
@@ -95,19 +100,23 @@ Json SignatureOf(const std::string& label, const std::string& parameters,
 
 // Of the Method that the object in front of the name has; of all Methods of that name where the object is not known.
 bool Fits(const korvel::Symbol& symbol, const Call& call, const std::string& type) {
+    if (call.creates)
+        return symbol.kind == Kind::Method && symbol.owner == call.name && symbol.name == "constructor";
     if (symbol.name != call.name) return false;
     if (call.isMember) return symbol.kind == Kind::Method && (type.empty() || symbol.owner == type);
     return symbol.kind == Kind::Function || symbol.kind == Kind::Method;
 }
 
-// A function of the language: the line by which the manual shows how it is called.
+// A function of the language, or a statement with a Sequence: the line by which the manual shows how it is called.
 Json SignaturesInManual(const Services& services, const std::string& name) {
     const std::string text = services.explain(name);
-    const std::size_t start = text.find("    " + name + "(");
+    const bool isStatement = Has(FindKeyword(Lower(name)), trait::changesFirst) &&
+                             text.find("    " + name + "(") == std::string::npos;
+    const std::size_t start = text.find("    " + name + (isStatement ? " " : "("));
     Json signatures = Json::array();
     if (name.empty() || start == std::string::npos) return signatures;
     const std::string label = text.substr(start + 4, text.find('\n', start) - start - 4);
-    signatures.push_back(SignatureOf(label, label.substr(name.size())));
+    signatures.push_back(SignatureOf(label, label.substr(name.size()) + (isStatement ? ")" : "")));
     return signatures;
 }
 

@@ -43,10 +43,18 @@ Function Main
     Print "{%item\\size} of {%item\\Grow(1, item\\size)} them"
     Print item\\Grow(1, _
         item\\size)
+    Local made:TMade = Create TMade(LIMIT) | made.size = 2 | SeqAdd two, 1
     InlineCpp
     KVL_one = 2;
     EndInlineCpp
 EndFunction
+Const LIMIT = -3
+Type TMade
+    Field size:Int
+    Method constructor(size:Int)
+        this\\size = size
+    EndMethod
+EndType
 `,
   'other.kvl': 'Include "lib/ball.kvl"\nFunction Main\n    Local b = Create TBall\n    b\\Move(1)\nEndFunction\n',
 };
@@ -155,11 +163,11 @@ const steps = [
   ['types that are not written', ['4:24 :String', '12:42 :Double'], async () => (await ask('inlayHint', m, null, { range: { start: at(m, 'Include'), end: at(m, 'Print') } }))
     .map(hint => `${hint.position.line + 1}:${hint.position.character + 1} ${hint.label}`)],
   ['colours', [3, 7, 5, 5, 1], async () => (await ask('semanticTokens/full', m)).data.slice(0, 5)],
-  ['completion of what is visible', ['ball', 'score', 'Twice', 'While', 'Upper'], () => labels(m, '|Print', ['ball', 'score', 'Twice', 'While', 'Upper', 'by', 'n'])],
+  ['completion of what is visible', ['ball', 'score', 'Twice', 'While', 'Upper'], () => labels(m, '|Print', ['ball', 'score', 'Twice', 'While', 'Upper', 'by', 'n', 'Main'])],
   ['members', ['x', 'Move'], () => labels(m, 'ball\\|', ['x', 'Move', 'score', 'Print'])],
   ['types', ['TBall', 'Int'], () => labels(m, 'ball:|', ['TBall', 'Int', 'score'])],
   ['files', ['ball.kvl'], () => labels(m, '"lib/|', ['ball.kvl', 'score'])],
-  ['modules', ['files.kvl', 'text.kvl'], () => labels(m, '"std/|', ['files.kvl', 'text.kvl'])],
+  ['modules', ['files.kvl', 'text.kvl'], () => labels(m, '"std/|', ['files.kvl', 'text.kvl', 'parts/'])],
   ['the parameter under way', 1, async () => (await ask('signatureHelp', m, 'score), |3')).activeParameter],
   ['no more names where it was declared', 'the program would be wrong with \'Tick\': Identifier \'Tick\' is already defined.', () => renamed(m, 'Twi|ce', 'Tick')],
   ['rename in all programs', [b + ' 3:12-15', m + ' 13:10-13', 'other.kvl 4:7-10'], () => renamed(m, '\\Mo|ve', 'Push')],
@@ -179,6 +187,10 @@ const steps = [
   ['parameters in a hole', grow, () => parameter(x, '(1, |item\\size)}')],
   ['parameters without brackets', grow, () => parameter(x, 'Grow 1, |2')],
   ['parameters on the next line', grow, () => parameter(x, '        |item\\size)\n')],
+  ['parameters of a constructor', 'Method constructor(size:Int) 0', () => parameter(x, 'Create TMade(|LIMIT')],
+  ['members behind a point', ['size'], () => labels(x, 'made.|', ['size', 'constructor', 'Print'])],
+  ['parameters of a statement', 'SeqAdd SEQUENCE, VALUE 1', () => parameter(x, 'SeqAdd two, |1')],
+  ['the value of a Const', '```korvel|Const LIMIT:Int = -3|```', () => hover(x, 'LI|MIT)')],
   ['parameters that the manual tells', 'Asc(TEXT) 0', () => parameter(x, 'Asc(|"a"')],
   ['C++ knows it', "inline C++ uses 'one', as KVL_one", () => renamed(x, 'Global on|e', 'many')],
   ['a parameter would hide it', "'by' means something else where the name is used", () => renamed(x, 'Field si|ze', 'by')],
