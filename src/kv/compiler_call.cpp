@@ -149,9 +149,18 @@ void ShowFailureUnlessDisturbed(Job& job, const std::string& output) {
     if (!IsDisturbed(job.build) && !GiveUpPlace(job.build)) ShowFailure(job, output);
 }
 
+// On Windows a program that runs cannot be written over, but it can be called otherwise.
+static bool MoveAside(const std::string& file) {
+    std::error_code failed;
+    if (!fs::is_regular_file(PathOf(file), failed)) return false;
+    fs::rename(PathOf(file), PathOf(file + ".old"), failed);
+    return !failed;
+}
+
 bool Finish(const Job& job, const std::string& newFile, const std::string& file) {
     std::error_code failed;
     fs::rename(PathOf(newFile), PathOf(file), failed);
+    if (failed && MoveAside(file)) fs::rename(PathOf(newFile), PathOf(file), failed);
     if (failed && !IsDisturbed(job.build)) ShowProblem("cannot write " + file + ": " + failed.message());
     return !failed;
 }
