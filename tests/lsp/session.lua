@@ -36,7 +36,7 @@ local mistakes = {
     [51] = { 'Local customer:Customer = SeqRemoveFist(waiting)', 'Identifier not found - SeqRemoveFist', true },
     [54] = { 'EndWhile', 'Identifier not found - EndWhile', true },
     [60] = { 'counter\\label = Chr(64 + i', "Unclosed parenthesis '('", true },
-    [75] = { 'End If', "'End If' ends the whole program", true },
+    [75] = { 'End If', "Syntax error: Use 'EndIf' instead of 'End If'", true },
     [77] = { 'longest = ToInt(Max(longest))', "'Max' expects 2 argument(s), got 1", false },
     [80] = { 'Print "arrived " & arived & ", served " & SeqLength(done) & ", longest queue " & longest', "Variable 'arived' used out of scope in Print statement", true },
     [86] = { 'Print "counters agree: " & (served = SeqLegnth(done))', "Variable 'SeqLegnth' used out of scope in Print statement", true },
