@@ -206,7 +206,7 @@ private:
         const Value of = From(Level::Or);
         Need(")");
         if (isLeftOut) return {};
-        if (of.kind != 'l') throw Refusal{"SeqLength takes a Sequence here"};
+        if (of.kind != 'l') throw Refusal{"only arrays and Sequences have a length here"};
         return WholeNumber(static_cast<long long>(ItemCount(of)));
     }
 
