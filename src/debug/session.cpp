@@ -6,6 +6,7 @@
 #include <functional>
 #include <iterator>
 #include <sstream>
+#include <utility>
 
 #include "base/text.h"
 #include "base/token_text.h"
@@ -314,8 +315,7 @@ bool Session::TakesStop(const std::string& line, Stop& stop, std::string& logged
     stop.breakpoint = 0;
     const std::string file = said.at("file").get<std::string>();
     const bool mayBeMet = stop.reason == "breakpoint";
-    if (mayBeMet) stop.reason.clear();
-    if (mayBeMet) stop.reason.swap(stop.text);
+    if (mayBeMet) stop.reason = std::exchange(stop.text, "");
     bool stands = !stop.reason.empty();
     for (Breakpoint& one : breakpoints) {
         if (!mayBeMet || !one.isRight || one.file != file || one.line != said.at("line").get<int>()) continue;

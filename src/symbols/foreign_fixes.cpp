@@ -5,6 +5,7 @@
 
 #include "base/keywords.h"
 #include "lexer/lexer.h"
+#include "symbols/fixes.h"
 #include "symbols/foreign_rows.h"
 #include "symbols/foreign_signs.h"
 #include "symbols/foreign_words.h"

@@ -1,18 +1,16 @@
 #include "symbols/hole_fixes.h"
 
 #include "lexer/holes.h"
+#include "symbols/fixes.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
 
 namespace {
 
 // Puts the text in place of the bytes [from, to) of the literal; true, for the caller to hand on.
-bool AddFix(korvel::Diagnostic& mistake, std::size_t from, std::size_t to, const std::string& text) {
-    korvel::Fix& fix = mistake.fixes.emplace_back();
-    static_cast<korvel::Range&>(fix) = mistake;
-    fix.firstColumn += static_cast<int>(from);
-    fix.lastColumn = mistake.firstColumn + static_cast<int>(to) - 1;
-    fix.replacement = text;
+bool FixPart(korvel::Diagnostic& mistake, std::size_t from, std::size_t to, const std::string& text) {
+    const auto literal = static_cast<std::size_t>(mistake.firstColumn) - 1;
+    AddFix(mistake, literal + from, literal + to, text);
     return true;
 }
 
@@ -43,10 +41,10 @@ bool FixHole(korvel::Diagnostic& mistake, const Word& literal, std::size_t from)
         const std::string hole = variable == nullptr ? "" : HoleFor(content, variable->type);
         const char next = piece.to < literal.text.size() ? literal.text[piece.to] : '\0';
         if (!hole.empty() && literal.text.compare(piece.from, piece.to - piece.from, hole) != 0)
-            return AddFix(mistake, piece.from, piece.to, hole);
+            return FixPart(mistake, piece.from, piece.to, hole);
         const bool isOpen = piece.kind == StringPiece::Kind::Trouble && content.empty();
         if (isOpen && piece.to > piece.from + 2 && next != '(' && next != '[')
-            return AddFix(mistake, piece.to, piece.to, "}");
+            return FixPart(mistake, piece.to, piece.to, "}");
     }
     return false;
 }

@@ -7,6 +7,7 @@
 #include "base/source_reader.h"
 #include "base/token_span.h"
 #include "lexer/lexer.h"
+#include "symbols/fixes.h"
 
 namespace {
 
@@ -16,15 +17,6 @@ int fixes = 0;
 const PartOfRun partOfRun(fixes);
 
 constexpr char blanks[] = " \t";
-
-void AddBehind(korvel::Diagnostic& mistake, int line, std::size_t at, const std::string& text) {
-    korvel::Fix& fix = mistake.fixes.emplace_back();
-    fix.file = mistake.file;
-    fix.line = line;
-    fix.firstColumn = static_cast<int>(at) + 1;
-    fix.lastColumn = static_cast<int>(at);
-    fix.replacement = text;
-}
 
 bool GoTo(SourceReader& reader, const korvel::Range& range, int line, std::string_view& text) {
     if (++fixes > mostFixes || !reader.Open(range.file)) return false;
@@ -65,12 +57,6 @@ bool IsMisspelt(std::string_view line, const std::string& closer) {
            EditDistance(Lower(tokens[0]->text), Lower(closer), most) <= most;
 }
 
-void PutInPlace(korvel::Diagnostic& mistake, int line, std::size_t begin, std::size_t end,
-                const std::string& text) {
-    AddBehind(mistake, line, begin, text);
-    mistake.fixes.back().lastColumn = static_cast<int>(end);
-}
-
 // A Function that stands in a Type, up to its end, is meant as a Method.
 void FixFunctionInType(korvel::Diagnostic& mistake, std::string_view opener) {
     SourceReader reader;
@@ -88,8 +74,8 @@ void FixFunctionInType(korvel::Diagnostic& mistake, std::string_view opener) {
         if (word != Keyword::EndFunction) continue;
         const auto function = static_cast<std::size_t>(mistake.firstColumn) - 1;
         mistake.hint = "What a Type does stands in Methods: Method ... EndMethod";
-        PutInPlace(mistake, mistake.line, function, function + TextOf(Keyword::Function).size(), "Method");
-        return PutInPlace(mistake, number, indentation, indentation + tokens[0]->text.size(), "EndMethod");
+        AddFix(mistake, mistake.line, function, function + TextOf(Keyword::Function).size(), "Method");
+        return AddFix(mistake, number, indentation, indentation + tokens[0]->text.size(), "EndMethod");
     }
 }
 
@@ -109,16 +95,16 @@ void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& 
         if (start == std::string_view::npos) continue;
         if (start == indentation && IsEndOfTwoWords(line)) {
             mistake.hint = "End ends the program, with whatever word behind it: write " + closer;
-            return PutInPlace(mistake, number, start, line.size(), closer);
+            return AddFix(mistake, number, start, line.size(), closer);
         }
         if (start == indentation && IsMisspelt(line, closer)) {
             mistake.hint = "did you mean '" + closer + "' in line " + std::to_string(number) + "?";
-            return PutInPlace(mistake, number, start, line.size(), closer);
+            return AddFix(mistake, number, start, line.size(), closer);
         }
         const std::string end = isRepeat && start <= indentation ? EndOfRepeat(line) : std::string();
         if (!end.empty()) {
             mistake.hint = "A Repeat ends with Until and the condition to end, or with Forever: write " + end;
-            return PutInPlace(mistake, number, start, line.size(), end);
+            return AddFix(mistake, number, start, line.size(), end);
         }
         if (start <= indentation && !Divides(line)) break;
         last = number;
@@ -127,7 +113,7 @@ void FixOpenBlock(korvel::Diagnostic& mistake, int openLine, const std::string& 
     // What is wrong inside of the block stays so wherever that ends.
     if (mistake.line > openLine && last >= mistake.line) return FixFunctionInType(mistake, opener);
     if (last != 0 && !closer.empty())
-        AddBehind(mistake, last, size, "\n" + std::string(opener.substr(0, indentation)) + closer);
+        AddFix(mistake, last, size, size, "\n" + std::string(opener.substr(0, indentation)) + closer);
 }
 
 void FixOpenSign(korvel::Diagnostic& mistake) {
@@ -141,5 +127,5 @@ void FixOpenSign(korvel::Diagnostic& mistake) {
     const std::size_t end = code.find_last_not_of(blanks) + 1;
     const bool goesOn = code.find('|', at) != std::string_view::npos || code[end - 1] == '_';
     if (closer != '\0' && (sign == '"' || !goesOn))
-        AddBehind(mistake, mistake.line, end, std::string(1, closer));
+        AddFix(mistake, mistake.line, end, end, std::string(1, closer));
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/keywords.h"
+#include "symbols/fixes.h"
 #include "symbols/foreign_signs.h"
 #include "symbols/identifiers.h"
 #include "symbols/scopes.h"
@@ -175,15 +176,6 @@ std::size_t WrongLine::Start(std::size_t token) const {
         if (i < token) start += tokens[i].size();
     }
     return start;
-}
-
-void AddFix(korvel::Diagnostic& mistake, std::size_t from, std::size_t to, const std::string& text) {
-    korvel::Fix& fix = mistake.fixes.emplace_back();
-    fix.file = mistake.file;
-    fix.line = mistake.line;
-    fix.firstColumn = static_cast<int>(from) + 1;
-    fix.lastColumn = static_cast<int>(to);
-    fix.replacement = text;
 }
 
 void FixSign(korvel::Diagnostic& mistake, const WrongLine& line) {

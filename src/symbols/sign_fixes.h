@@ -19,9 +19,6 @@ struct WrongLine {
     std::size_t End(std::size_t token) const { return Start(token) + tokens[token].size(); }
 };
 
-// Adds the change that puts the text in place of the bytes [from, to) of the mistake's line.
-void AddFix(korvel::Diagnostic& mistake, std::size_t from, std::size_t to, const std::string& text);
-
 // Adds what to write in place of the sign that is meant, where that can be told.
 void FixSign(korvel::Diagnostic& mistake, const WrongLine& line);
 
