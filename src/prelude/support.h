@@ -44,8 +44,8 @@ std::size_t PreludeUses();
 std::string SupportText();
 std::string SupportObjects();
 
-// The code of Sequences, `text` in this mode, which keeps items in an `items`. Asked when the whole program is known: those that are walked while they
-// change tell the loops of it.
+// The code of Sequences, `text` in this mode, which keeps its items in an `items`. Asked when the whole program is known:
+// where Sequences are walked while they change, their items tell the loops of it.
 std::string SequenceText(std::string_view text, std::string_view items);
 
 // A text with the names of the checked division and remainder, and of what ends a program that has failed, in their
