@@ -33,17 +33,31 @@ public:
         Items::emplace_back(std::forward<Parts>(parts)...);
         _inserted((int)this->size() - 1);
     }
-    void insert(Place place, const T& item) {
+    Place insert(Place place, const T& item) {
         const int at = (int)(place - this->begin());
         Items::insert(place, item);
         _inserted(at);
+        return this->begin() + at;
     }
-    void erase(Place place) {
+    Place insert(Place place, T&& item) { return insert(place, static_cast<const T&>(item)); }
+    Place erase(Place place) {
         const int at = (int)(place - this->begin());
         Items::erase(place);
         _removed(at);
+        return this->begin() + at;
     }
-    void erase(Place from, Place to) { _replacing(); Items::erase(from, to); }
+    Place erase(Place from, Place to) {
+        const int at = (int)(from - this->begin());
+        _replacing();
+        Items::erase(from, to);
+        return this->begin() + at;
+    }
+    // What inline C++ does otherwise is found by the items.
+    using Items::operator=;
+    using Items::insert;
+    using Items::erase;
+    using Items::assign;
+    using Items::swap;
     void clear() { _replacing(); Items::clear(); }
     template<typename From> void assign(From from, From to) { _replacing(); Items::assign(from, to); }
     void swap(KVWalkedItems& o) { _replacing(); o._replacing(); Items::swap(o); }
