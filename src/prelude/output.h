@@ -88,6 +88,7 @@ struct FileOutput {
     std::vector<const ClassInfo*> classesInHeader;  // that prototypes and globals mention
     std::vector<std::string> functionNames;         // with prototypes in headerFunctions, as written
     std::deque<Piece> pieces;
+    std::vector<std::string> routines;  // of a program in units: their texts, which stand apart from the pieces
     std::vector<int> anchors;  // the lines of the source where they stand
 };
 

@@ -21,6 +21,9 @@ constexpr const char* folderOfUnits = "units/";
 // Whether the program has nothing in it that could not be told apart so. Known when all declarations are.
 bool CanComeInUnits();
 
+// Parts the routines of a file whose pieces are all there from these, where only the declarations of Methods stay.
+void SetRoutinesApart(FileOutput& out);
+
 struct ProgramFile {
     std::string path;
     LongText text;

@@ -180,6 +180,7 @@ void TranslateFile(SourceFile& file) {
         CloseOutputs(out, file.declarations);
         if (sound && !out.isMain) NoteFinished(out);
         if (!sound) ForgetOpenWork();
+        if (settings.units) SetRoutinesApart(out);
         ForgetSource(out.source);
     } catch (const Stop& stop) {
         KeepMistake(stop, {});
