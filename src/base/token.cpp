@@ -65,6 +65,7 @@ public:
     }
 
     std::size_t Count() const { return words.size(); }
+    const Word& WithId(std::uint32_t id) const { return words[id]; }
 
 private:
     // The hash is there before the word.
@@ -158,4 +159,5 @@ const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
 const Word& WordOf(char character) { return ThePool().Find(character); }
 bool IsKnownWord(std::string_view text) { return ThePool().Knows(text); }
 void ForgetOutgrownTables() { ThePool().ForgetOutgrown(); }
+const Word& WordWithId(std::uint32_t id) { return ThePool().WithId(id); }
 std::size_t WordCount() { return ThePool().Count(); }

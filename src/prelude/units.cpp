@@ -1,5 +1,7 @@
 #include "prelude/units.h"
 
+#include <algorithm>
+
 #include "base/platform.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
@@ -35,6 +37,10 @@ bool IsKnownEverywhere(const GlobalDefinition& global) {
            (global.constant && variable != nullptr && variable->isConst && !global.moved);
 }
 
+std::size_t CountUnits(const FileOutput& file) {
+    return file.isInUnits ? file.unitCount : (file.routines.size() + routinesOfUnit - 1) / routinesOfUnit;
+}
+
 // The files under way. Each is handed over as soon as it is whole, and what has been taken of a piece is freed: at their end
 // the pieces are most of what there is in memory.
 class UnitMaker {
@@ -59,7 +65,7 @@ private:
     std::size_t units = 0;  // how many have been handed over
 
     void HandOver(const std::string& name, LongText&& text) const {
-        take({program.main->folder + "/" + name, std::move(text)});
+        take({program.main->folder + "/" + name, std::move(text), false});
     }
 
     static std::string PathOfUnit(const std::string& name) { return folderOfUnits + name + ".cpp"; }
@@ -127,14 +133,25 @@ private:
     }
 
     void AddRoutines(FileOutput& file) {
-        std::string unit;
-        for (std::size_t i = 0; i < file.routines.size(); ++i) {
-            if (i % routinesOfUnit == 0) unit = UnitOpening();
+        file.firstUnit = units + 1;
+        file.unitCount = CountUnits(file);
+        for (std::size_t i = 0; i < file.unitCount; ++i) {
+            const std::string path = PathOfUnit(std::to_string(++units));
+            if (file.isInUnits)
+                take({program.main->folder + "/" + path, {}, true});
+            else
+                HandOver(path, TakeUnit(file, i * routinesOfUnit));
+        }
+    }
+
+    // The routines from one on, as many as a unit has.
+    std::string TakeUnit(FileOutput& file, std::size_t from) const {
+        std::string unit = UnitOpening();
+        for (std::size_t i = from; i < std::min(from + routinesOfUnit, file.routines.size()); ++i) {
             unit += file.routines[i];
             std::string().swap(file.routines[i]);
-            if ((i + 1) % routinesOfUnit == 0 || i + 1 == file.routines.size())
-                HandOver(PathOfUnit(std::to_string(++units)), std::move(unit));
         }
+        return unit;
     }
 
     void Take(const FileOutput& file, Piece& piece) {
@@ -192,6 +209,15 @@ void SetRoutinesApart(FileOutput& out) {
     }
     out.pieces = std::move(left);
     out.routines.shrink_to_fit();
+}
+
+bool UnitsStayInPlace(const Program& program) {
+    std::size_t units = 0;
+    for (const FileOutput* file : program.headers) {
+        if (file->isInUnits && file->firstUnit != units + 1) return false;
+        units += CountUnits(*file);
+    }
+    return true;
 }
 
 std::string UnitListPath(const FileOutput& main) { return main.folder + "/" + main.base + ".units"; }
