@@ -145,11 +145,19 @@ bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
     return !state.mistaken;
 }
 
+// What definitions leave in the tables.
+void TakeDefined(Variable& variable) {
+    variable.handsOnBools = variable.type.IsArray() && variable.type.base == Base::Bool && AnyHandsOnBools();
+}
+
 // What it came to in the translation before.
-bool TakeRecorded(FileOutput& out, const Declarations& declarations) {
+void TakeRecorded(FileOutput& out, const Declarations& declarations) {
     TakeFromRecord(out, [](const std::string& source) { TranslateIncluded(*FindSourceFile(source)); });
     for (const std::string& name : declarations.constNames) ReachConst(name);
-    return true;
+    for (const std::string& name : declarations.globalNames)
+        if (Variable* global = symbols.globals.Find(name)) TakeDefined(*global);
+    for (const ClassInfo* declared : declarations.classes)
+        for (auto& field : FindClass(declared->name)->members) TakeDefined(field.second);
 }
 
 // A file that only lends its declarations has routines that stand elsewhere.
@@ -194,8 +202,8 @@ static void TranslateFile(SourceFile& file) {
         OpenOutputs(out, file.declarations);
         const CollectedFile collected = {&out, &file.declarations};
         const bool isRecorded = IsRecorded(collected);
-        const bool sound =
-            isRecorded ? TakeRecorded(out, file.declarations) : TranslateStatements(out, file.declarations);
+        if (isRecorded) TakeRecorded(out, file.declarations);
+        const bool sound = isRecorded || TranslateStatements(out, file.declarations);
         CloseOutputs(out, file.declarations);
         if (sound && !out.isMain) NoteFinished(out);
         if (!sound) ForgetOpenWork();
