@@ -159,6 +159,16 @@ void AddCalls(TokenSpan tokens, EffectSet& set) {
 
 EffectSet& OwnEffectsOf(int node) { return facts.own[node]; }
 
+EffectSet AllOwnEffectsOf(int node) {
+    CompleteGraph();
+    ReadTextsOf(node);
+    EffectSet set = OwnEffectsOf(node);
+    set.Settle();
+    return set;
+}
+
+void ForgetOwnEffectsOf(int node) { facts.own.erase(node); }
+
 void BeginEffects(const Routine* routine) { facts.texts.push_back({routine, facts.statements.size()}); }
 
 void NoteEffects(int node, TokenSpan tokens, bool outermost) {

@@ -107,6 +107,10 @@ private:
             case Keyword::Include:
                 if (node != outside) ReadPart(tokens);
                 return;
+            case Keyword::Global:
+            case Keyword::Const:
+                if (node == outside) return Mention(graph.NodeOf(graph.outside, file), tokens);
+                break;
             default:
                 break;
         }

@@ -3,6 +3,7 @@
 // are followed without regard to the object they are called on.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -30,7 +31,8 @@ struct ReachGraph {
     NameTable<Meaning> words{mark::meanings};  // the names of routines, Types and Elements
     NameTable<int> routines;                   // by name, Functions and Methods of all Types in one
     std::unordered_map<const ClassInfo*, int> construction;
-    std::unordered_map<std::string, int> loops;  // by place
+    std::unordered_map<std::string, int> loops;    // by place
+    std::unordered_map<std::string, int> outside;  // the initial values of a file, by its path
     int timers = 0;
     int destructors = 0;
     std::unordered_map<const ClassInfo*, std::vector<int>>
@@ -78,3 +80,9 @@ void NoteEffects(int node, TokenSpan tokens, bool outermost);
 void ReadEffects(int node, TokenSpan tokens, const RoutineNames& names);
 // The effects of the node's own statements, to be added to.
 EffectSet& OwnEffectsOf(int node);
+// The same when all of them have been read, settled.
+EffectSet AllOwnEffectsOf(int node);
+// For when nobody asks for effects any more.
+void ForgetOwnEffectsOf(int node);
+// A number for each node, of the Sequences that its own statements may change.
+std::vector<std::uint64_t> NumbersOfSequenceChanges(std::size_t nodes);

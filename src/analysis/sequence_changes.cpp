@@ -1,7 +1,10 @@
 #include "analysis/sequence_changes.h"
 
+#include <algorithm>
+
 #include "analysis/reach_graph.h"
 #include "base/run.h"
+#include "base/text_hash.h"
 #include "lexer/holes.h"
 
 namespace {
@@ -134,6 +137,18 @@ void BeginSequenceChanges() {
 void ReadSequenceChanges(int node, TokenSpan tokens) {
     if (facts.names.empty()) return;
     WithHoles(tokens, [node](TokenSpan part) { ReadPart(node, part); });
+}
+
+std::vector<std::uint64_t> NumbersOfSequenceChanges(std::size_t nodes) {
+    std::vector<std::uint64_t> numbers(nodes);
+    const auto add = [&numbers](std::vector<int> changers, std::uint64_t number) {
+        std::sort(changers.begin(), changers.end());
+        changers.erase(std::unique(changers.begin(), changers.end()), changers.end());
+        for (const int node : changers) numbers[static_cast<std::size_t>(node)] += number;
+    };
+    for (const auto& [key, changers] : facts.changers) add(changers, TextHash(key));
+    add(facts.changersOfAny, 1);
+    return numbers;
 }
 
 bool RoutineMayChange(const std::string& name, const ValueType& item) {

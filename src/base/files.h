@@ -11,6 +11,8 @@ struct FileFacts {
     enum class Kind : unsigned char { Unknown, Missing, Regular, Link, Other };
     Kind kind = Kind::Unknown;
     std::uint64_t device = 0, number = 0;  // the same for all names of a file
+    std::uint64_t size = 0;
+    std::int64_t time = 0;  // when it was written last, in nanoseconds where these are known
 };
 FileFacts Examine(const std::string& path);
 

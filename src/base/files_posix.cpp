@@ -20,6 +20,15 @@ static bool HasUsualRights(const struct stat& status) {
            status.st_gid == getegid();
 }
 
+static std::int64_t TimeOf(const struct stat& status) {
+#ifdef __APPLE__
+    const struct timespec& time = status.st_mtimespec;
+#else
+    const struct timespec& time = status.st_mtim;
+#endif
+    return static_cast<std::int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
+}
+
 FileFacts Examine(const std::string& path) {
     FileFacts facts;
     struct stat status;
@@ -32,6 +41,8 @@ FileFacts Examine(const std::string& path) {
                                            : FileFacts::Kind::Other;
     facts.device = static_cast<std::uint64_t>(status.st_dev);
     facts.number = static_cast<std::uint64_t>(status.st_ino);
+    facts.size = static_cast<std::uint64_t>(status.st_size);
+    facts.time = TimeOf(status);
     return facts;
 }
 
@@ -60,13 +71,7 @@ FolderLock::~FolderLock() {
 
 std::int64_t FineFileTime(const std::string& path) {
     struct stat status;
-    if (stat(path.c_str(), &status) != 0) return 0;
-#ifdef __APPLE__
-    const struct timespec& time = status.st_mtimespec;
-#else
-    const struct timespec& time = status.st_mtim;
-#endif
-    return static_cast<std::int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
+    return stat(path.c_str(), &status) != 0 ? 0 : TimeOf(status);
 }
 
 namespace {

@@ -174,6 +174,10 @@ void Warn(const char* name, const std::string& message, const Stop::Subject& abo
     slip.about = about;
 }
 
+void PutSlip(Slip slip) { slips.push_back(std::move(slip)); }
+
+const std::vector<Slip>& NotedSlips() { return slips; }
+
 std::vector<Slip> TakeSlips() { return std::exchange(slips, {}); }
 
 void TellWarning(const korvel::Diagnostic& warning) {

@@ -118,7 +118,10 @@ struct Slip {
 
 // With -warn, notes what is odd about the current line of the current file under a name (warnings/table.h).
 void Warn(const char* name, const std::string& message, const Stop::Subject& about = {});
-// Hands over what has been noted.
+// The same with what is said of it elsewhere.
+void PutSlip(Slip slip);
+// What has been noted; hands it over.
+const std::vector<Slip>& NotedSlips();
 std::vector<Slip> TakeSlips();
 // Says a warning; the run goes on.
 void TellWarning(const korvel::Diagnostic& warning);

@@ -17,6 +17,9 @@ struct Settings {
     bool fastMode = false;        // -fast: the generated program runs faster and reads less plainly
     bool units = false;           // -units: with -fast, a program that can comes as several translation units
     int unitsFrom = 0;            // ... if it has as many lines
+    std::string record;           // where it is kept what the files of such a program came to; empty: nowhere
+    std::string recordKey;        // ... by whom
+    int recordFrom = 0;           // ... if it has as many lines
     bool lineMarks = false;       // #line directives lead back to the source, and failures tell their place
     bool checkOnly = false;       // -check: nothing is written or deleted
     bool columns = false;         // it is found out which words a mistake is about

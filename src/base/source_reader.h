@@ -17,6 +17,8 @@ public:
     std::string_view TakeLine();
     // Goes back to the first line, for the second pass.
     void Rewind();
+    // All of it.
+    std::string_view Text() const { return text; }
 
 private:
     std::string text;

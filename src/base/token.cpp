@@ -1,12 +1,12 @@
 #include "base/token.h"
 #include "base/run.h"
 
+#include "base/text_hash.h"
 #include "base/token_text.h"
 
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <deque>
 #include <memory>
 
@@ -20,35 +20,6 @@ Word MakeWord(std::string_view text, std::size_t id) {
     if (text.size() == 1 && !IsNameByte(text[0])) word.sign = text[0];
     word.braced = text.size() > 1 && text[0] == '"' && text.find('{') != std::string_view::npos;
     return word;
-}
-
-template <typename Number>
-std::uint64_t Load(const char* bytes) {
-    Number number = 0;
-    std::memcpy(&number, bytes, sizeof number);
-    return number;
-}
-
-// All bytes of a text of less than eight, some of them twice.
-std::uint64_t LoadFew(std::string_view text) {
-    const std::size_t size = text.size();
-    const char* end = text.data() + size;
-    if (size >= 4) return Load<std::uint32_t>(text.data()) << 32 | Load<std::uint32_t>(end - 4);
-    if (size >= 2) return Load<std::uint16_t>(text.data()) << 16 | Load<std::uint16_t>(end - 2);
-    return size == 1 ? static_cast<unsigned char>(text[0]) : 0;
-}
-
-// Eight bytes at a time; tokens are short.
-inline std::uint64_t HashOf(std::string_view text) {
-    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
-    std::uint64_t hash = text.size();
-    const auto mix = [&hash](std::uint64_t bytes) {
-        hash = (hash ^ bytes) * factor;
-        hash ^= hash >> 32;
-    };
-    for (; text.size() >= 8; text.remove_prefix(8)) mix(Load<std::uint64_t>(text.data()));
-    mix(LoadFew(text));
-    return hash;
 }
 
 // The words that a thread has asked for last: most come again soon, and the table of all outgrows every cache.
@@ -75,13 +46,13 @@ public:
     const Word& Find(char character) const { return *single[static_cast<unsigned char>(character)]; }
 
     bool Knows(std::string_view text) {
-        return text.size() == 1 || CurrentTable().Find(HashOf(text), text) != nullptr;
+        return text.size() == 1 || CurrentTable().Find(TextHash(text), text) != nullptr;
     }
 
     const Word& Find(std::string_view text) {
         if (text.size() == 1) return Find(text[0]);
         if (recent.run != run) recent = {run, {}};
-        const std::uint64_t hash = HashOf(text);
+        const std::uint64_t hash = TextHash(text);
         const Word*& last = recent.words[hash % RecentWords::size];
         if (last != nullptr && last->text == text) return *last;
         const Word* known = CurrentTable().Find(hash, text);
@@ -94,6 +65,7 @@ public:
     }
 
     std::size_t Count() const { return words.size(); }
+    const Word& WithId(std::uint32_t id) const { return words[id]; }
 
 private:
     // The hash is there before the word.
@@ -187,4 +159,5 @@ const Word& WordOf(std::string_view text) { return ThePool().Find(text); }
 const Word& WordOf(char character) { return ThePool().Find(character); }
 bool IsKnownWord(std::string_view text) { return ThePool().Knows(text); }
 void ForgetOutgrownTables() { ThePool().ForgetOutgrown(); }
+const Word& WordWithId(std::uint32_t id) { return ThePool().WithId(id); }
 std::size_t WordCount() { return ThePool().Count(); }

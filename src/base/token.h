@@ -34,6 +34,8 @@ const Word& WordOf(char character);
 bool IsKnownWord(std::string_view text);
 // For when no other thread looks for words: frees what they have outgrown.
 void ForgetOutgrownTables();
+// The word with the id.
+const Word& WordWithId(std::uint32_t id);
 // How many words there are so far; their ids are smaller.
 std::size_t WordCount();
 

@@ -12,6 +12,7 @@
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "prelude/units.h"
+#include "reuse/reuse.h"
 #include "statements/program.h"
 
 namespace {
@@ -55,6 +56,7 @@ class BatchWriter {
 public:
     void Add(ProgramFile&& file) {
         AddOnce(symbols.generatedFiles, file.path);
+        if (file.stays) return static_cast<void>(TakeOver(file.path));
         if (!ReserveOutput(file.path)) Fail(file.path);
         files.push_back(std::move(file));
         if (files.size() == filesOfBatch) Write();
@@ -80,6 +82,7 @@ private:
 };
 
 void WriteUnits() {
+    if (!UnitsStayInPlace(program)) throw StaleRecord();
     std::error_code failed;
     if (!settings.checkOnly)
         std::filesystem::create_directories(PathOf(program.main->folder + "/" + folderOfUnits), failed);

@@ -133,7 +133,7 @@ Expr& CallOf(const std::string& name, const Group& function, const PartList& arg
     call.text = name.c_str();
     call.first = arguments.First();
     call.isCall = call.effects = true;
-    if (StartsProgram(name)) programUses.foreignOutput = true;
+    if (StartsProgram(name)) NoteUse(&ProgramUses::foreignOutput);
     return call;
 }
 

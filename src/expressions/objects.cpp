@@ -89,7 +89,7 @@ Expr& ParseInsert(Walk& walk, const std::string& word) {
         ReportFatal("Insert expects two objects of one Type, got " + KorvelName(object.type) + " and " +
                     KorvelName(target.type));
     }
-    programUses.inserts = true;
+    NoteUse(&ProgramUses::inserts);
     Expr& expr =
         ObjectOf(ExprKind::Insert, nullptr, place == Keyword::After ? "InsertAfter" : "InsertBefore");
     expr.type = Single(Base::Void);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/settings.h"
+#include "base/text_hash.h"
 
 namespace {
 
@@ -40,7 +41,11 @@ Keyword FirstWord(const Tokens& tokens) { return tokens.empty() ? Keyword::None 
 
 }  // namespace
 
-bool LineCutter::Open(const std::string& path) { return reader.Open(path); }
+bool LineCutter::Open(const std::string& path) {
+    if (!reader.Open(path)) return false;
+    if (!settings.record.empty()) file.hash = TextHash(reader.Text());
+    return true;
+}
 
 std::string_view LineCutter::ReadLine() {
     ++physical;

@@ -72,6 +72,7 @@ struct CutFile {
     CutTrouble trouble;                 // the first
     CutTrouble splitTrouble;            // the first bracket that a "|" cuts apart
     bool inlineOpen = false;            // the file ends inside inline C++
+    std::uint64_t hash = 0;             // of its text, where settings.record is there
     std::vector<LexedText> lexed;       // with -v: up to the first trouble
 };
 

@@ -126,6 +126,11 @@ TokenSpan TokensOf(const std::string& file) {
                                                                : TokenSpan(found->second->tokens);
 }
 
+std::uint64_t HashOfFile(const std::string& file) {
+    const auto found = cutFiles.find(file);
+    return found == cutFiles.end() || found->second == nullptr ? 0 : found->second->hash;
+}
+
 std::string FileWithToken(const Token* token, std::size_t& index) {
     const std::less<> before;
     for (const auto& [path, file] : cutFiles) {

@@ -112,6 +112,9 @@ void ForgetTokens();
 // All tokens of a file that has been read; none for other files.
 TokenSpan TokensOf(const std::string& file);
 
+// What stands for the text of such a file, where settings.record is there; 0 for other files.
+std::uint64_t HashOfFile(const std::string& file);
+
 // The file whose list the token stands in; empty when it is a copy or stands in none. Then its index there.
 std::string FileWithToken(const Token* token, std::size_t& index);
 

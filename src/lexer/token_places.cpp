@@ -92,6 +92,15 @@ bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& p
            FindCopy(wanted.Slice(0, 1), statement, place);
 }
 
+void Locate(korvel::Diagnostic& said, const Stop::Subject& about) {
+    SourcePlace place;
+    if (!FindPlace(about, {}, place)) return;
+    said.file = place.file;
+    said.line = place.where.line;
+    said.firstColumn = place.where.first;
+    said.lastColumn = place.where.last;
+}
+
 bool FindPlace(TokenSpan tokens, SourcePlace& place) {
     return !tokens.empty() && PlaceInFile(tokens.first, tokens.size(), place);
 }

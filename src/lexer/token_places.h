@@ -21,6 +21,9 @@ const std::vector<TokenPlace>& PlacesOf(const std::string& file);
 // are looked for in the statement. False when it cannot be told.
 bool FindPlace(const Stop::Subject& subject, TokenSpan statement, SourcePlace& place);
 
+// Gives what is said the place of what it is about, as far as that can be told without a statement.
+void Locate(korvel::Diagnostic& said, const Stop::Subject& about);
+
 // The same for tokens of a file's own list.
 bool FindPlace(TokenSpan tokens, SourcePlace& place);
 

@@ -17,10 +17,12 @@
 #include "library/inspect.h"
 #include "library/phases.h"
 #include "linking/deploy.h"
+#include "outputs/atomic_file.h"
 #include "outputs/output_files.h"
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "prelude/units.h"
+#include "reuse/reuse.h"
 #include "statements/program.h"
 #include "symbols/file_places.h"
 #include "symbols/foreign_words.h"
@@ -33,6 +35,8 @@ namespace {
 
 // Lines of source below which a program is compiled as quickly in one go, header and all.
 constexpr int fewestLinesOfUnits = 400;
+// Below which translating all of it takes hardly longer than finding out what need not be.
+constexpr int fewestLinesOfRecord = 20'000;
 
 void Begin(const Request& request) {
     RenewRun();
@@ -48,7 +52,10 @@ void Begin(const Request& request) {
     settings.safeMode = request.safe || request.debug;
     settings.fastMode = request.fast;
     settings.units = request.units;
-    settings.unitsFrom = fewestLinesOfUnits;
+    settings.unitsFrom = request.recordsAll ? 0 : fewestLinesOfUnits;
+    settings.record = request.record;
+    settings.recordKey = request.recordKey;
+    settings.recordFrom = request.recordsAll ? 0 : fewestLinesOfRecord;
     settings.warnings = request.warnings;
     settings.columns = true;
     settings.lineMarks = request.places;
@@ -98,6 +105,8 @@ void WriteOutputs(Result& result) {
     WriteBuildManifest(settings.outputPath);
     SettleOutputs();
     TrustDependencyManifest();
+    EndRecord(program);
+    result.recorded = RecordedFiles();
 }
 
 const Task checking = {false, false, Nothing, DescribeProgram};
@@ -109,6 +118,7 @@ Result Run(const Request& request, const Task& task) {
     Result result;
     Begin(request);
     settings.checkOnly = !task.writes;
+    if (!task.writes) settings.record.clear();
     settings.uses = task.notesUses;
     const Silence silence(result.diagnostics);
     std::optional<FolderLock> alone;
@@ -125,7 +135,10 @@ Result Run(const Request& request, const Task& task) {
     }
     for (Diagnostic& diagnostic : result.diagnostics) HintAtForeignWords(diagnostic);
     for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
-    SettleOutputs();  // nothing is left of those that did not come again
+    if (AnyMistakes() && FileExists(settings.record))
+        LeaveOutputs();  // the record counts on them
+    else
+        SettleOutputs();  // nothing is left of those that did not come again
     result.sources = symbols.sourceFiles;
     result.missing = symbols.missingFiles;
     for (const std::string& name : symbols.importedNames)
@@ -149,7 +162,15 @@ std::string AdviceOnWord(const std::string& word) { return HintAtForeignWord(wor
 
 Result Check(const Request& request) { return Run(request, checking); }
 Result Translate(const Request& request) { return Run(request, translating); }
-Result Build(const Request& request) { return Run(request, building); }
+Result Build(const Request& request) {
+    try {
+        return Run(request, building);
+    } catch (const StaleRecord&) {
+        Request anew = request;
+        anew.record.clear();
+        return Run(anew, building);
+    }
+}
 
 Inspection Inspect(const Request& request) {
     Inspection inspection;

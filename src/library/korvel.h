@@ -28,10 +28,14 @@ struct Request {
     bool debugger = false;  // with debug: for include/kvdebugger.h
     bool safe = false;
     bool fast = false;
-    bool units = false;      // with fast: larger programs come as several translation units (prelude/units.h)
-    bool places = false;     // the C++ leads back to the source: #line, and failures tell their place
-    bool traced = false;     // -t
-    bool commented = false;  // -c
+    bool units = false;  // with fast: larger programs come as several translation units (prelude/units.h)
+    std::string
+        record;  // with units: a file for what the next Build of a large program can take from this one
+    std::string recordKey;    // what it is worthless without: which compiler this is, say
+    bool recordsAll = false;  // of programs of all sizes
+    bool places = false;      // the C++ leads back to the source: #line, and failures tell their place
+    bool traced = false;      // -t
+    bool commented = false;   // -c
 };
 
 struct GeneratedFile {
@@ -52,6 +56,7 @@ struct Result {
     std::vector<std::string> linkerFlags;  // as written
     std::vector<std::string> libraries;    // names of the shared libraries it loads
     std::vector<GeneratedFile> files;      // only Translate tells them
+    std::size_t recorded = 0;              // how many sources were taken from the record
 };
 
 // Whether no mistake has been found.

@@ -157,6 +157,11 @@ void DropOutput(const std::string& path) {
     if (!settings.checkOnly && (!outside || IsMarked(path))) Remove(path, outside);
 }
 
+void LeaveOutputs() {
+    putOff.clear();
+    reservations.clear();
+}
+
 void SettleOutputs() {
     for (const auto& [key, path] : putOff) Remove(path);
     putOff.clear();

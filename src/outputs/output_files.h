@@ -34,5 +34,7 @@ bool WriteOutput(const std::string& path, const LongText& text);
 // Sees to it that a reserved output is not there. A file of the user's may be.
 void DropOutput(const std::string& path);
 
-// Deletes what was put off and nobody took over. The end of every run, also of one that a mistake ends.
+// Deletes what was put off and nobody took over. The end of every run, also of one that a mistake ends,
 void SettleOutputs();
+// unless what the build before has left is to stay for the next one.
+void LeaveOutputs();

@@ -67,8 +67,12 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls) {
 }
 
 void PutGlobal(FileOutput& out, GlobalDefinition definition) {
-    definition.number = ++globalCount;
     definition.mark = MarkOfPlace(out);
+    PutMarkedGlobal(out, std::move(definition));
+}
+
+void PutMarkedGlobal(FileOutput& out, GlobalDefinition definition) {
+    definition.number = ++globalCount;
     out.globals.push_back(std::move(definition));
 }
 
@@ -84,6 +88,12 @@ std::vector<const ClassInfo*>* CollectNeedsInto(std::vector<const ClassInfo*>* l
     std::vector<const ClassInfo*>* before = needsSink;
     needsSink = list;
     return before;
+}
+
+FileOutput* OpenOutput() { return openOutput; }
+
+void LeanOnOthers() {
+    if (openOutput != nullptr) openOutput->leansOnOthers = true;
 }
 
 FileOutput* SetOpenOutput(FileOutput* out) {

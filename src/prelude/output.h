@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/rare.h"
+#include "prelude/program_uses.h"
 #include "symbols/symbols.h"
 
 // The path of a part (a file included inside a routine) in the text that includes it.
@@ -36,7 +37,8 @@ struct Piece {
     struct Rest {
         std::string definitionHead;       // Method: the signature line outside the class
         std::vector<PartPath> partPaths;  // routines: in order
-        Token file;                       // Include: the included source as opened
+        Token file;                       // Include: the included source as opened,
+        std::size_t globals = 0;          // and how many Globals and Consts the file has before it
     };
     std::string text;
     std::vector<const ClassInfo*> needs;  // classes whose bodies must stand before it
@@ -88,7 +90,14 @@ struct FileOutput {
     std::vector<const ClassInfo*> classesInHeader;  // that prototypes and globals mention
     std::vector<std::string> functionNames;         // with prototypes in headerFunctions, as written
     std::deque<Piece> pieces;
+    std::vector<std::string>
+        routines;              // of a program in units: their texts, which stand apart from the pieces
     std::vector<int> anchors;  // the lines of the source where they stand
+    bool isInUnits = false;    // these lie in their units already
+    std::size_t firstUnit = 0, unitCount = 0;
+    std::uint32_t support = 0;  // the support code that it needs, a bit for each
+    ProgramUses uses;
+    bool leansOnOthers = false;  // what it came to depends on more than reuse/reuse.h knows of
 };
 
 std::string HeaderPath(const FileOutput& out);
@@ -106,9 +115,16 @@ Piece& BeginPiece(FileOutput& out, Piece::Kind kind, const ClassInfo* cls = null
 // Hands a Global, Const or PreCalc definition to the header.
 void PutGlobal(FileOutput& out, GlobalDefinition definition);
 
+// The same with one that has been marked before.
+void PutMarkedGlobal(FileOutput& out, GlobalDefinition definition);
+
 // Makes `out` the file whose last piece is the open one (an included file has its own).
 // Returns the one before.
 FileOutput* SetOpenOutput(FileOutput* out);
+// The file whose statements are translated; null between them.
+FileOutput* OpenOutput();
+// Notes that what it comes to depends on the translation of other files, or they on its.
+void LeanOnOthers();
 
 // Notes that the text being produced uses the body of a class (a member, new, delete, a value of an
 // Element, its instance list), so the open piece must stand after it.

@@ -1,5 +1,7 @@
 #include "prelude/program_uses.h"
+
 #include "base/run.h"
+#include "prelude/output.h"
 
 #include <string_view>
 
@@ -71,6 +73,11 @@ void NoteInclude(const std::string& line) {
 }
 
 }  // namespace
+
+void NoteUse(bool ProgramUses::*use) {
+    programUses.*use = true;
+    if (FileOutput* out = OpenOutput()) out->uses.*use = true;
+}
 
 void NoteInlineCpp(const std::string& line) {
     programUses.inlineCpp = true;

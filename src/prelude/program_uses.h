@@ -11,8 +11,15 @@ struct ProgramUses {
     bool unsyncedOutput = false;  // code that parts the C++ streams from those of C
 };
 
-// Written by the statements, by NoteInlineCpp, and reset with the tables.
+constexpr bool ProgramUses::*allProgramUses[] = {&ProgramUses::inlineCpp, &ProgramUses::timers,
+                                                 &ProgramUses::inserts, &ProgramUses::foreignOutput,
+                                                 &ProgramUses::unsyncedOutput};
+
+// Written by NoteUse and NoteInlineCpp, and reset with the tables.
 extern ProgramUses programUses;
+
+// Notes it for the program and for the file whose outputs are under way.
+void NoteUse(bool ProgramUses::*use);
 
 // Takes a line of inline C++ into account.
 void NoteInlineCpp(const std::string& line);

@@ -61,6 +61,13 @@ void RequireSupport(Support support) {
     NotePreludeUse();
     used[IndexOf(support)] = true;
     used[IndexOf(rows[IndexOf(support)].builtOn)] = true;
+    if (FileOutput* out = OpenOutput()) out->support |= std::uint32_t{1} << IndexOf(support);
+}
+
+void AddUsesOf(const FileOutput& out) {
+    for (std::size_t i = 0; i < supportCount; ++i)
+        if ((out.support >> i & 1U) != 0) RequireSupport(static_cast<Support>(i));
+    for (bool ProgramUses::*const use : allProgramUses) programUses.*use = programUses.*use || out.uses.*use;
 }
 
 bool SupportUsed(Support support) { return used[IndexOf(support)]; }

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "prelude/output.h"
+
 enum class Support : unsigned char {
     ArraySize,     // check of an array size that is worked out when the program runs
     ResultSize,    // comparison of the size of an array that a call gave with the declared one
@@ -33,6 +35,8 @@ enum class Support : unsigned char {
 // Marks the support code as used by this program.
 void RequireSupport(Support support);
 bool SupportUsed(Support support);
+// What a file needs and uses counts for the program.
+void AddUsesOf(const FileOutput& out);
 
 // Notes that the text being produced names something that only the main header declares, fixed prelude
 // included; RequireSupport does so. Whoever wants to know it of a text compares the count before and after.

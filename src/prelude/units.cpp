@@ -1,5 +1,7 @@
 #include "prelude/units.h"
 
+#include <algorithm>
+
 #include "base/platform.h"
 #include "base/settings.h"
 #include "linking/runtime_code.h"
@@ -35,6 +37,10 @@ bool IsKnownEverywhere(const GlobalDefinition& global) {
            (global.constant && variable != nullptr && variable->isConst && !global.moved);
 }
 
+std::size_t CountUnits(const FileOutput& file) {
+    return file.isInUnits ? file.unitCount : (file.routines.size() + routinesOfUnit - 1) / routinesOfUnit;
+}
+
 // The files under way. Each is handed over as soon as it is whole, and what has been taken of a piece is freed: at their end
 // the pieces are most of what there is in memory.
 class UnitMaker {
@@ -47,7 +53,7 @@ public:
         for (const FileOutput* file : program.headers) Declare(*file);
         globals += UnitOpening() + ReadingAnchors() + FastObjects();
         ForEachPiece(program, [this](FileOutput& file, Piece& piece) { Take(file, piece); });
-        EndUnit();
+        for (FileOutput* file : program.headers) AddRoutines(*file);
         HandOverRest();
     }
 
@@ -56,24 +62,15 @@ private:
     const std::function<void(ProgramFile&&)>& take;
     LongText header, globals, lastDefinitions;
     std::string modules, mainText;
-    std::string unit;                    // the last one
-    std::size_t units = 0;               // how many have been handed over
-    const FileOutput* unitOf = nullptr;  // the file whose routines the last one has
-    std::size_t routines = 0;            // how many it has
+    std::size_t units = 0;  // how many have been handed over
 
     void HandOver(const std::string& name, LongText&& text) const {
-        take({program.main->folder + "/" + name, std::move(text)});
+        take({program.main->folder + "/" + name, std::move(text), false});
     }
 
     static std::string PathOfUnit(const std::string& name) { return folderOfUnits + name + ".cpp"; }
 
     std::string UnitOpening() const { return Including("../" + program.main->base + ".h") + "\n"; }
-
-    void EndUnit() {
-        if (routines != 0) HandOver(PathOfUnit(std::to_string(++units)), std::move(unit));
-        unit = UnitOpening();
-        routines = 0;
-    }
 
     // Units do not hear of what comes behind them.
     void HandOverRest() {
@@ -135,23 +132,30 @@ private:
         globals += program.main->headerLate;
     }
 
-    void AddRoutine(const FileOutput& file, const std::string& text) {
-        if (unitOf != &file || routines == routinesOfUnit) EndUnit();
-        unitOf = &file;
-        unit += text;
-        ++routines;
+    void AddRoutines(FileOutput& file) {
+        file.firstUnit = units + 1;
+        file.unitCount = CountUnits(file);
+        for (std::size_t i = 0; i < file.unitCount; ++i) {
+            const std::string path = PathOfUnit(std::to_string(++units));
+            if (file.isInUnits)
+                take({program.main->folder + "/" + path, {}, true});
+            else
+                HandOver(path, TakeUnit(file, i * routinesOfUnit));
+        }
+    }
+
+    // The routines from one on, as many as a unit has.
+    std::string TakeUnit(FileOutput& file, std::size_t from) const {
+        std::string unit = UnitOpening();
+        for (std::size_t i = from; i < std::min(from + routinesOfUnit, file.routines.size()); ++i) {
+            unit += file.routines[i];
+            std::string().swap(file.routines[i]);
+        }
+        return unit;
     }
 
     void Take(const FileOutput& file, Piece& piece) {
         switch (piece.kind) {
-            case Kind::Method: {
-                AddRoutine(file, TakeMethodBody(piece).text);
-                header += piece.text.insert(piece.signatureAt, routineMark);
-                break;
-            }
-            case Kind::Function:
-                AddRoutine(file, piece.text);
-                break;
             case Kind::Main:
                 mainText += piece.text;
                 break;
@@ -163,6 +167,7 @@ private:
                 break;
             case Kind::ClassOpen:
             case Kind::ClassLines:
+            case Kind::Method:
             case Kind::ClassClose:
                 header += piece.text;
                 break;
@@ -174,6 +179,7 @@ private:
                 break;
             case Kind::Opening:
             case Kind::Include:
+            case Kind::Function:
                 break;
         }
         std::string().swap(piece.text);
@@ -185,6 +191,33 @@ private:
 bool CanComeInUnits() {
     return settings.fastMode && !settings.debugMode && !symbols.inlineCpp && symbols.userlibDLLs.empty() &&
            symbols.parts.empty();
+}
+
+// What a routine needs of classes is nobody's concern: all of them stand in the header.
+void SetRoutinesApart(FileOutput& out) {
+    std::deque<Piece> left;
+    for (Piece& piece : out.pieces) {
+        if (piece.kind == Kind::Function) {
+            out.routines.push_back(std::move(piece.text));
+            continue;
+        }
+        if (piece.kind == Kind::Method) {
+            out.routines.push_back(TakeMethodBody(piece).text);
+            piece.text.insert(piece.signatureAt, routineMark);
+        }
+        left.push_back(std::move(piece));
+    }
+    out.pieces = std::move(left);
+    out.routines.shrink_to_fit();
+}
+
+bool UnitsStayInPlace(const Program& program) {
+    std::size_t units = 0;
+    for (const FileOutput* file : program.headers) {
+        if (file->isInUnits && file->firstUnit != units + 1) return false;
+        units += CountUnits(*file);
+    }
+    return true;
 }
 
 std::string UnitListPath(const FileOutput& main) { return main.folder + "/" + main.base + ".units"; }

@@ -21,10 +21,17 @@ constexpr const char* folderOfUnits = "units/";
 // Whether the program has nothing in it that could not be told apart so. Known when all declarations are.
 bool CanComeInUnits();
 
+// Parts the routines of a file whose pieces are all there from these, where only the declarations of Methods stay.
+void SetRoutinesApart(FileOutput& out);
+
 struct ProgramFile {
     std::string path;
     LongText text;
+    bool stays = false;  // it is there already
 };
+
+// Whether the units that lie there already have the numbers that they get today.
+bool UnitsStayInPlace(const Program& program);
 
 // Hands over all files of the program one by one, NAME.units last. It takes the texts out of the pieces.
 void MakeUnits(Program& program, const std::function<void(ProgramFile&&)>& take);

@@ -5,6 +5,7 @@
 #include "base/settings.h"
 #include "expressions/constants.h"
 #include "lexer/lexer.h"
+#include "prelude/output.h"
 
 namespace {
 
@@ -58,6 +59,7 @@ std::optional<long long> KnownSize(const std::string& written) {
 }
 
 void RecordResultSizes(Routine& routine, const Expr& value, bool first) {
+    LeanOnOthers();
     const std::vector<std::string> sizes = SizesOf(routine, value);
     if (first) routine.resultSizes = sizes;
     for (std::size_t k = 0; k < sizes.size() && k < routine.resultSizes.size(); ++k)
@@ -83,6 +85,7 @@ void CheckArrayResult(const std::string& name, const ValueType& type,
                         Hint{ConversionHint(type, value.type).hint},
                     Tokens{name});
     if (called == nullptr || declared.empty()) return;
+    LeanOnOthers();
     if (IsComplete(*called, open))
         CheckResultSizes(name, declared, *called);
     else
@@ -100,6 +103,7 @@ void CheckAwaitedResults() {
 
 bool HasSizes(const Expr& value, const std::vector<std::string>& declared, const Routine* open) {
     const Routine* called = RoutineOf(value);
+    LeanOnOthers();
     if (called == nullptr || !IsComplete(*called, open)) return false;
     const std::vector<std::string>& sizes = called->resultSizes;
     for (std::size_t k = 0; k < declared.size(); ++k) {

@@ -273,6 +273,13 @@ void Complete(const Declared& declared, const Definition& definition, Variable& 
     CompleteSizes(variable);
 }
 
+// Whether others cannot tell by the record that its definition has been translated.
+bool LooksAlike(const Variable& before, const Variable& after) {
+    return before.cppName == after.cppName && before.type == after.type && before.typed == after.typed &&
+           before.form == after.form && before.handsOnBools == after.handsOnBools &&
+           before.sizes == after.sizes;
+}
+
 // Whether an array of Bool has to give out addresses of its items.
 bool HandsOn(const Declared& declared) {
     const ValueType& type = declared.note.type;
@@ -346,7 +353,9 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     const ValueType& type = declared.note.type;
     definition.usesPrelude = type.sequence || type.Is(Base::AnyObject) || PreludeUses() != preludeUses;
     Variable& variable = Register(declared, definition, state);
+    const Variable before = kind == DefinitionKind::Local ? Variable() : variable;
     Complete(declared, definition, variable);
+    if (kind != DefinitionKind::Local && !LooksAlike(before, variable)) LeanOnOthers();
     if (kind != DefinitionKind::Local) NoteDeclaration(variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
         state.routine.localArrays.push_back({&variable, variable.type.base == Base::Element, true});

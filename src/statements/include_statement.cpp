@@ -11,7 +11,9 @@
 namespace {
 
 void EmitIncludeLine(State& state, const FileOutput& included) {
-    BeginPiece(*state.out, Piece::Kind::Include).rest.Make().file = included.source;
+    Piece::Rest& rest = BeginPiece(*state.out, Piece::Kind::Include).rest.Make();
+    rest.file = included.source;
+    rest.globals = state.out->globals.size();
     if (!included.headerOnly)
         EmitLine(state,
                  "#include \"" + PathSeenFrom(*state.out, StripExtension(included.header) + ".cpp") + "\"");
@@ -27,31 +29,9 @@ void IncludePart(State& state, SourceFile& file) {
     if (InnermostIs(state, BlockKind::Select)) EmitLine(state, ";");
 }
 
-// Its mistakes count whenever a file that includes it is told.
-void TellMistakes(const SourceFile& file) {
-    NoteMistakesOf(file.declared, Telling::Second);
-    NoteMistakesOf(file.translated, Telling::Second);
-}
-
-void TellWhereIncluded(const SourceFile& file) {
-    {
-        const TellOnly first(Telling::First);
-        TellMistakes(file);
-    }
-    const TellOnly second(Telling::Second);
-    NoteChapter(file.declared, Telling::Second);
-    NoteChapter(file.translated, Telling::Second);
-}
-
 void IncludeFile(State& state, SourceFile& file) {
     EmitIncludeLine(state, file.output);
-    if (file.begun != nullptr) {
-        file.begun->metAgain = true;
-        return TellMistakes(file);
-    }
-    NoteInclude(file.output);
-    TellWhereIncluded(file);
-    TranslateFile(file);
+    TranslateIncluded(file);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
     CheckPreCalcHeader(tokens, !InRoutine(state) && !state.inType);
     CheckGlobalName(tokens[1]);
     state.inPreCalc = true;
+    LeanOnOthers();
     state.preCalcLine = state.place.line;
     state.preCalcHeader = tokens.Copy();
     state.preCalcBody.clear();

@@ -10,6 +10,7 @@
 #include "base/settings.h"
 #include "lexer/source_lines.h"
 #include "prelude/header.h"
+#include "reuse/reuse.h"
 #include "statements/array_results.h"
 #include "symbols/program_files.h"
 
@@ -78,5 +79,6 @@ void FinishProgram() {
     OrderGlobals(program);
     if (!settings.units) OrderRoutines(program);  // a header has all class bodies otherwise
     CompleteHeaders(program);
+    if (settings.units) RecordRoutines();
     if (settings.units) ForgetGraphNodes();  // the header of the units takes as much
 }

@@ -73,7 +73,7 @@ void TranslateAutoCall(State& state, TokenSpan tokens) {
     if (interval.type.IsKnown() && !interval.type.IsNumber())
         ReportFatal("The interval of AutoCall must be a number, got " + KorvelName(interval.type),
                     tokens.From(3));
-    programUses.timers = true;
+    NoteUse(&ProgramUses::timers);
     EmitLine(state, "__kvAutoCall(\"" + name + "\", [](){ " + HandlerCall(name) + "; }, (long long)(" +
                         TextOf(interval) + "), " + (every ? "true" : "false") + ");");
 }

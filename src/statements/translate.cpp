@@ -14,6 +14,7 @@
 #include "prelude/cpp_file.h"
 #include "prelude/header.h"
 #include "prelude/units.h"
+#include "reuse/reuse.h"
 #include "statements/debug_hooks.h"
 #include "statements/parts.h"
 #include "statements/program.h"
@@ -144,6 +145,13 @@ bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
     return !state.mistaken;
 }
 
+// What it came to in the translation before.
+bool TakeRecorded(FileOutput& out, const Declarations& declarations) {
+    TakeFromRecord(out, [](const std::string& source) { TranslateIncluded(*FindSourceFile(source)); });
+    for (const std::string& name : declarations.constNames) ReachConst(name);
+    return true;
+}
+
 // A file that only lends its declarations has routines that stand elsewhere.
 bool ComesInUnits(const std::vector<SourceFile*>& files) {
     int lines = 0;
@@ -152,6 +160,13 @@ bool ComesInUnits(const std::vector<SourceFile*>& files) {
         if (!file->output.isModule) lines += file->declarations.lastLine;
     }
     return lines >= settings.unitsFrom && CanComeInUnits();
+}
+
+std::vector<CollectedFile> CollectedForReuse(const std::vector<SourceFile*>& files) {
+    std::vector<CollectedFile> collected;
+    collected.reserve(files.size());
+    for (const SourceFile* file : files) collected.push_back({&file->output, &file->declarations});
+    return collected;
 }
 
 // What a mistake has left open.
@@ -169,22 +184,54 @@ void ForgetSource(const std::string& source) {
 
 }  // namespace
 
-void TranslateFile(SourceFile& file) {
+static void TranslateFile(SourceFile& file) {
     FileOutput& out = BeginOutput(file);
     const OpenedOutput opened(out);
     const OpenChapter chapter(file.translated);
     EnterFile(file.declarations);
+    RecordedPass pass;
     try {
         OpenOutputs(out, file.declarations);
-        const bool sound = TranslateStatements(out, file.declarations);
+        const CollectedFile collected = {&out, &file.declarations};
+        const bool isRecorded = IsRecorded(collected);
+        const bool sound =
+            isRecorded ? TakeRecorded(out, file.declarations) : TranslateStatements(out, file.declarations);
         CloseOutputs(out, file.declarations);
         if (sound && !out.isMain) NoteFinished(out);
         if (!sound) ForgetOpenWork();
+        if (settings.units && !isRecorded) SetRoutinesApart(out);
+        if (sound && !isRecorded) pass.Record(collected);
         ForgetSource(out.source);
     } catch (const Stop& stop) {
         KeepMistake(stop, {});
         ForgetOpenWork();
     }
+}
+
+// Its mistakes count whenever a file that includes it is told.
+static void TellMistakes(const SourceFile& file) {
+    NoteMistakesOf(file.declared, Telling::Second);
+    NoteMistakesOf(file.translated, Telling::Second);
+}
+
+static void TellWhereIncluded(const SourceFile& file) {
+    {
+        const TellOnly first(Telling::First);
+        TellMistakes(file);
+    }
+    const TellOnly second(Telling::Second);
+    NoteChapter(file.declared, Telling::Second);
+    NoteChapter(file.translated, Telling::Second);
+}
+
+void TranslateIncluded(SourceFile& file) {
+    if (file.begun != nullptr) {
+        file.begun->metAgain = true;
+        return TellMistakes(file);
+    }
+    NoteInclude(file.output);
+    TellWhereIncluded(file);
+    TranslateFile(file);
 }
 
 void TranslatePart(State& state, SourceFile& file) {
@@ -202,6 +249,7 @@ void TranslatePart(State& state, SourceFile& file) {
 void TranslateFiles() {
     const std::vector<SourceFile*>& files = CollectedFiles();
     settings.units = settings.units && ComesInUnits(files);
+    if (settings.units) BeginReuse(CollectedForReuse(files));
     if (!files.empty() && files.back()->output.isMain) TranslateFile(*files.back());
     if (!AnyMistakes()) return;
     // What a mistake has kept Includes from may hold those that are told before it.

@@ -9,8 +9,8 @@ struct State;
 // the files that were not met, too. Mistakes are kept.
 void TranslateFiles();
 
-// Translates a file that is included at the top level.
-void TranslateFile(SourceFile& file);
+// Translates a file that is included at the top level, unless that has been done before.
+void TranslateIncluded(SourceFile& file);
 
 // Translates a file that is included in the open routine, as if its statements stood there.
 void TranslatePart(State& state, SourceFile& file);

@@ -1,6 +1,7 @@
 #include "symbols/own_names.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "base/run.h"
 #include "base/settings.h"
@@ -10,6 +11,9 @@
 
 namespace {
 
+AskedWords asked;
+const PartOfRun partOfRun(asked);
+
 // Names written in the program are known before anything is emitted: every name is a word of some line. One that
 // is merely mentioned counts, too; a program that declares it nowhere is refused anyway.
 bool IsNameOfProgram(const std::string& cppName) {
@@ -17,12 +21,14 @@ bool IsNameOfProgram(const std::string& cppName) {
     const std::string start = SafeName("");
     if (cppName.compare(0, start.size(), start) != 0) return false;
     const std::string written = cppName.substr(start.size());
-    return IsKnownWord(written) && SafeName(written) == cppName;
+    const bool isKnown = IsKnownWord(written);
+    if (!settings.record.empty()) asked.emplace(written, isKnown);
+    return isKnown && SafeName(written) == cppName;
 }
 
 std::unordered_set<std::string> fresh;  // given out on the line below
 int freshLine = 0;
-const PartOfRun partOfRun(fresh, freshLine);
+const PartOfRun otherPartOfRun(fresh, freshLine);
 
 }  // namespace
 
@@ -39,6 +45,8 @@ std::string FreshName(const std::string& plain) {
         name = OwnName(plain + "_" + std::to_string(count));
     return name;
 }
+
+AskedWords ExchangeAskedWords(AskedWords others) { return std::exchange(asked, std::move(others)); }
 
 void ResetFreshNames() { fresh.clear(); }
 

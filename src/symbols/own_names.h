@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 
 // The name in the whole program: `plain`, or longer where a name of the program comes out the same in C++.
 std::string OwnName(std::string plain);
@@ -11,6 +12,11 @@ std::string OwnName(std::string plain);
 std::string FreshName(const std::string& plain);
 // Before a file is translated: its lines have no such names yet.
 void ResetFreshNames();
+
+// The words that decided about such names since this was called last, and whether the program had them: kept for those
+// only who keep records of what came out (settings.record).
+using AskedWords = std::unordered_map<std::string, bool>;
+AskedWords ExchangeAskedWords(AskedWords others);
 
 // Name of the constant that holds the size of dimension k: "KVL_a_size_0".
 std::string SizeName(const std::string& cppName, int dimension);

@@ -46,15 +46,6 @@ void LookAt(const Seen& seen) {
     }
 }
 
-void Locate(korvel::Diagnostic& warning, const Stop::Subject& about) {
-    SourcePlace place;
-    if (!FindPlace(about, {}, place)) return;
-    warning.file = place.file;
-    warning.line = place.where.line;
-    warning.firstColumn = place.where.first;
-    warning.lastColumn = place.where.last;
-}
-
 // The texts of its row; what is said where it is met has a message already.
 void AddTexts(korvel::Diagnostic& warning) {
     for (const WarningRow& row : AllWarnings()) {
