@@ -135,6 +135,7 @@ Result Run(const Request& request, const Task& task) {
     }
     for (Diagnostic& diagnostic : result.diagnostics) HintAtForeignWords(diagnostic);
     for (const Diagnostic& mistake : KeptMistakes()) result.diagnostics.push_back(mistake);
+    AbandonRecord();  // unless it has ended
     if (AnyMistakes() && FileExists(settings.record))
         LeaveOutputs();  // the record counts on them
     else

@@ -20,12 +20,18 @@
 
 namespace {
 
+// What can be had of a file.
+struct Recorded {
+    const FileRecord* record;
+    std::string_view packed;
+};
+
 struct Reuse {
     bool isOn = false;
     Record before;
-    std::unordered_map<std::string, const FileRecord*> recorded;  // those that can be had, by source
-    std::vector<const Declarations*> changed;                     // those with another text
-    bool knowsRoutines = false;                                   // the digests of all others are still right
+    std::unordered_map<std::string, Recorded> recorded;  // those that can be had, by source
+    std::vector<const Declarations*> changed;            // those with another text
+    bool knowsRoutines = false;                          // the digests of all others are still right
     RecordWriter writer;
     std::size_t taken = 0;  // how many were
 };
@@ -71,8 +77,15 @@ std::string KeyOf(const std::vector<CollectedFile>& files) {
     return key;
 }
 
-// Notes the files with another text. False when some declaration is another one.
-bool FindChanged(const std::vector<CollectedFile>& files) {
+// A file with the text that it had.
+struct Unchanged {
+    const Declarations* declarations;
+    const FileRecord* record;
+};
+
+// Tells the files with another text from those with the same that have left something. False when some declaration is
+// another one.
+bool FindChanged(const std::vector<CollectedFile>& files, std::vector<Unchanged>& unchanged) {
     if (reuse.before.table.files.size() != files.size()) return false;
     std::unordered_map<std::string_view, const FileRecord*> known;
     for (const FileRecord& file : reuse.before.table.files) known.emplace(file.source, &file);
@@ -85,7 +98,7 @@ bool FindChanged(const std::vector<CollectedFile>& files) {
                 return false;
             reuse.changed.push_back(file.declarations);
         } else if (record->second->packedSize != 0) {
-            reuse.recorded.emplace(source, record->second);
+            unchanged.push_back({file.declarations, record->second});
         }
     }
     return true;
@@ -142,19 +155,18 @@ bool UnitsStand(const FileOutput& main, const FileRecord& file) {
 }
 
 void FindRecorded(const std::vector<CollectedFile>& files) {
+    std::vector<Unchanged> unchanged;
     std::vector<Token> routines;
     const bool holds = reuse.before.Read(settings.record) && reuse.before.table.key == KeyOf(files) &&
-                       FindChanged(files) && FindChangedRoutines(routines);
+                       FindChanged(files, unchanged) && FindChangedRoutines(routines);
     reuse.knowsRoutines = holds;
     const Concerned concerned(routines);
-    if (!holds || concerned.IsEverything()) return reuse.recorded.clear();
-    for (const CollectedFile& file : files) {
-        const auto record = reuse.recorded.find(file.declarations->source);
-        if (record == reuse.recorded.end()) continue;
-        const std::string_view packed = reuse.before.Packed(*record->second);
-        if (packed.empty() || Concerns(concerned, *file.declarations) || !NamesStayOwn(packed) ||
-            !UnitsStand(*files.back().output, *record->second))
-            reuse.recorded.erase(record);
+    if (!holds || concerned.IsEverything()) return;
+    for (const Unchanged& file : unchanged) {
+        const std::string_view packed = reuse.before.Packed(*file.record);
+        if (!packed.empty() && !Concerns(concerned, *file.declarations) && NamesStayOwn(packed) &&
+            UnitsStand(*files.back().output, *file.record))
+            reuse.recorded.emplace(file.record->source, Recorded{file.record, packed});
     }
 }
 
@@ -202,18 +214,17 @@ void BeginReuse(const std::vector<CollectedFile>& files) {
     reuse.writer.table.key = KeyOf(files);
 }
 
-// Where something is wrong with the program, less is found odd. A Local may have taken the name of one of the file's Consts
-// by now, which its second pass has to tell.
+// A Local may have taken the name of one of the file's Consts by now, which its second pass has to tell.
 bool IsRecorded(const CollectedFile& file) {
     const Declarations& declarations = *file.declarations;
-    return reuse.recorded.count(declarations.source) != 0 && !AnyMistakes() &&
+    return reuse.recorded.count(declarations.source) != 0 &&
            std::none_of(declarations.constNames.begin(), declarations.constNames.end(),
                         [](const std::string& name) { return symbols.constants[name].isTakenEarlier; });
 }
 
 void TakeFromRecord(FileOutput& out, const std::function<void(const std::string&)>& include) {
-    const FileRecord& record = *reuse.recorded.at(out.source);
-    const std::string_view packed = reuse.before.Packed(record);
+    const auto& [file, packed] = reuse.recorded.at(out.source);
+    const FileRecord& record = *file;
     out.isInUnits = true;
     out.firstUnit = record.firstUnit;
     out.unitCount = record.units.size();
@@ -247,6 +258,7 @@ void RecordRoutines() {
     } else {
         for (const Token name : NamesOfRoutines()) note(name);
     }
+    reuse.recorded.clear();
     reuse.before = Record();
 }
 
@@ -264,5 +276,7 @@ void EndRecord(const Program& program) {
     }
     reuse.writer.End();
 }
+
+void AbandonRecord() { reuse.writer = RecordWriter(); }
 
 std::size_t RecordedFiles() { return reuse.taken; }

@@ -59,6 +59,8 @@ struct StaleRecord {};
 
 // When the units lie where they belong: the record counts from now on.
 void EndRecord(const Program& program);
+// When they do not: the one before stays.
+void AbandonRecord();
 
 // How many files came from the record.
 std::size_t RecordedFiles();

@@ -1,6 +1,7 @@
 #include "statements/definition.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "analysis/bool_arrays.h"
 #include "base/report.h"
@@ -353,9 +354,10 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
     const ValueType& type = declared.note.type;
     definition.usesPrelude = type.sequence || type.Is(Base::AnyObject) || PreludeUses() != preludeUses;
     Variable& variable = Register(declared, definition, state);
-    const Variable before = kind == DefinitionKind::Local ? Variable() : variable;
+    std::optional<Variable> before;
+    if (kind != DefinitionKind::Local && !settings.record.empty()) before = variable;
     Complete(declared, definition, variable);
-    if (kind != DefinitionKind::Local && !LooksAlike(before, variable)) LeanOnOthers();
+    if (before && !LooksAlike(*before, variable)) LeanOnOthers();
     if (kind != DefinitionKind::Local) NoteDeclaration(variable);
     if (array && kind == DefinitionKind::Local && PlaceOf(state, kind) == ArrayPlace::Local)
         state.routine.localArrays.push_back({&variable, variable.type.base == Base::Element, true});

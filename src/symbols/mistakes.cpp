@@ -191,6 +191,7 @@ bool IsDoubtful(const Word& name) {
 void EndDoubtsOfRoutine() { doubtfulInRoutine.clear(); }
 
 bool AnyMistakes() { return !kept.empty(); }
+std::size_t MistakesSoFar() { return kept.size(); }
 
 std::vector<korvel::Diagnostic> KeptMistakes() {
     std::unordered_map<std::string, std::size_t> numbers;

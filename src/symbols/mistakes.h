@@ -19,5 +19,7 @@ bool IsDoubtful(const Word& name);
 void EndDoubtsOfRoutine();
 
 bool AnyMistakes();
+// How many have been kept.
+std::size_t MistakesSoFar();
 // What has been kept so far, each mistake once, by file and line.
 std::vector<korvel::Diagnostic> KeptMistakes();

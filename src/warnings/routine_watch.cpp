@@ -45,6 +45,7 @@ private:
 // What is known of the open routine.
 struct Watched {
     const Word* name = nullptr;
+    std::size_t mistakesBefore = 0;
     bool wasReachable = true;
     TokenSpan counted;  // for the mentions: the last statement
     std::vector<Declared> locals;
@@ -125,11 +126,12 @@ void WatchDeclarations(const State& state, TokenSpan statement) {
 
 void BeginRoutine() {
     watched = {};
+    watched.mistakesBefore = MistakesSoFar();
     mentioned.Begin();
 }
 
 void EndRoutine(const State& state) {
-    if (!symbols.inlineCpp && !AnyMistakes()) WarnOfUnusedLocals();
+    if (!symbols.inlineCpp && MistakesSoFar() == watched.mistakesBefore) WarnOfUnusedLocals();
     EndSequences();
     EndLoops();
     if (watched.name != nullptr && state.out->isMain)
