@@ -153,7 +153,10 @@ void TakeDefined(Variable& variable) {
 // What it came to in the translation before.
 void TakeRecorded(FileOutput& out, const Declarations& declarations) {
     TakeFromRecord(out, [](const std::string& source) { TranslateIncluded(*FindSourceFile(source)); });
-    for (const std::string& name : declarations.constNames) ReachConst(name);
+    for (const std::string& name : declarations.constNames) {
+        const AtPlace place(declarations.source, symbols.constants[name].line);
+        ReachConst(name);
+    }
     for (const std::string& name : declarations.globalNames)
         if (Variable* global = symbols.globals.Find(name)) TakeDefined(*global);
     for (const ClassInfo* declared : declarations.classes)
