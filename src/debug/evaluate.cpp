@@ -35,14 +35,14 @@ bool BeginsHole(const std::string& text, std::size_t at) {
 class Reader {
 public:
     Reader(Session& of, std::size_t at, const std::string& what) : session(&of), frame(at), text(what) {}
-    Reader(const std::function<bool(const std::string& name)>& isKnown, const std::string& what)
-        : knows(isKnown), text(what), isLeftOut(true) {}
+    Reader(const std::function<void(const std::string& name)>& check, const std::string& what)
+        : checkName(check), text(what), isLeftOut(true) {}
 
     // Of a part of what the other one reads.
     Reader(const Reader& whole, const std::string& what)
         : session(whole.session),
           frame(whole.frame),
-          knows(whole.knows),
+          checkName(whole.checkName),
           text(what),
           isLeftOut(whole.isLeftOut) {}
 
@@ -57,7 +57,7 @@ public:
 private:
     Session* session = nullptr;
     std::size_t frame = 0;
-    std::function<bool(const std::string& name)> knows;  // where it is only read
+    std::function<void(const std::string& name)> checkName;  // where it is only read
     const std::string& text;
     std::size_t at = 0;
     int deeper = 0;
@@ -217,7 +217,7 @@ private:
             throw Refusal{name + " cannot be called here"};
         }
         if (Lower(name) == "its") return Its();
-        if (knows && !knows(name)) throw Refusal{"there is no " + name + " here"};
+        if (checkName) checkName(name);
         if (isLeftOut) return {};
         const Part locals = session->Locals(frame);
         if (const Value* local = Named(locals, name)) return *local;
@@ -237,7 +237,7 @@ private:
     Value Its() {
         std::size_t total = 0;
         std::string object;
-        if (knows && !knows("its")) throw Refusal{"there is no its here"};
+        if (checkName) checkName("its");
         if (isLeftOut) return {};
         for (const Frame& at : session->Stack(frame, 1, total))
             object = session->MeantByIts(at.file, at.line);
@@ -306,12 +306,18 @@ Value Evaluate(Session& session, std::size_t frame, const std::string& text) {
 }
 
 void Check(const std::string& text) {
-    Reader([](const std::string&) { return true; }, text).Whole();
+    Reader([](const std::string&) {}, text).Whole();
 }
 
 void Check(const Session& session, const std::string& file, int line, const std::string& text) {
-    const auto isKnown = [&](const std::string& name) { return session.KnowsName(file, line, name); };
-    Reader(isKnown, text).Whole();
+    const auto check = [&](const std::string& name) {
+        const bool isIts = name == "its";
+        if (isIts && session.MeantByIts(file, line).empty()) throw Refusal{"there is no its here"};
+        const std::vector<std::string> names = isIts ? std::vector{name} : session.NamesIn(file, line);
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            throw Refusal{"there is no " + name + " here" + DidYouMean(name, names)};
+    };
+    Reader(check, text).Whole();
 }
 
 }  // namespace debug

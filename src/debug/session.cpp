@@ -217,13 +217,12 @@ std::string Session::MeantByIts(const std::string& file, int line) const {
     return found == meantByIts.end() ? "" : found->second;
 }
 
-bool Session::KnowsName(const std::string& file, int line, const std::string& name) const {
-    if (name == "its") return !MeantByIts(file, line).empty();
-    if (namesEverywhere.count(name) != 0) return true;
-    return std::any_of(places.begin(), places.end(), [&](const Places& row) {
-        return row.file == file && row.names.count(name) != 0 &&
-               std::find(row.lines.begin(), row.lines.end(), line) != row.lines.end();
-    });
+std::vector<std::string> Session::NamesIn(const std::string& file, int line) const {
+    std::vector<std::string> names(namesEverywhere.begin(), namesEverywhere.end());
+    for (const Places& row : places)
+        if (row.file == file && std::find(row.lines.begin(), row.lines.end(), line) != row.lines.end())
+            names.insert(names.end(), row.names.begin(), row.names.end());
+    return names;
 }
 
 void Session::Settle(Breakpoint& one) const {

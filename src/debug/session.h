@@ -90,8 +90,8 @@ public:
     void Settle(Breakpoint& one) const;
     // What `its` means in a line, in a With; empty where it means nothing.
     std::string MeantByIts(const std::string& file, int line) const;
-    // Whether a variable may have that name in this line.
-    bool KnowsName(const std::string& file, int line, const std::string& name) const;
+    // What variables may be called in this line.
+    std::vector<std::string> NamesIn(const std::string& file, int line) const;
     int NewNumber() { return ++lastNumber; }
     void TakeBreakpoints(const Session& other);
     int Add(Breakpoint breakpoint);

@@ -27,6 +27,8 @@ struct OpenWalk {
     std::string name;
     int number = 0;
     bool changed = false;
+    std::string variable;
+    bool isItem = false;  // or a copy of it
 
     const ValueType& Type() const { return place.tree->type; }
 };
@@ -109,6 +111,15 @@ std::string NameOfWalk(const std::string& variable) {
     return name;
 }
 
+// What changes the Sequence of a walk changes that of those around it that are over the same one.
+std::string ItemOf(const OpenWalk& innermost) {
+    std::string around;
+    for (const OpenWalk& walk : walks)
+        if (&walk != &innermost && IsOver(walk, *innermost.place.tree))
+            around += (around.empty() ? "" : ", ") + walk.name;
+    return around.empty() ? "item" : "Beside(" + around + ")";
+}
+
 }  // namespace
 
 void ResetSequenceWalks() { walks.clear(); }
@@ -119,12 +130,13 @@ void DropSequenceWalks(std::size_t count) {
     if (walks.size() > count) walks.erase(walks.begin() + static_cast<std::ptrdiff_t>(count), walks.end());
 }
 
-void OpenSequenceWalk(const Expr& sequence, const std::string& variable) {
+void OpenSequenceWalk(const Expr& sequence, const std::string& variable, bool isItem) {
     constexpr std::size_t deepest = 200;
     if (walks.size() == deepest)
         ReportFatal("Loops over Sequences are nested more than " + std::to_string(deepest) +
                     " deep. Put the inner ones into a Function");
-    OpenWalk walk = {KeptTree(sequence), PlaceOf(sequence), NameOfWalk(variable), ++walkCount, false};
+    OpenWalk walk = {
+        KeptTree(sequence), PlaceOf(sequence), NameOfWalk(variable), ++walkCount, false, variable, isItem};
     walk.place.tree = &walk.sequence.Root();
     walks.push_back(std::move(walk));
 }
@@ -133,7 +145,7 @@ ClosedWalk CloseSequenceWalk() {
     if (walks.empty()) return {};
     const OpenWalk& walk = walks.back();
     const bool changed = walk.changed || (IsInReach(walk) && TimersMayChange(walk.Type().Item()));
-    ClosedWalk closed = {walk.number, changed, walk.name};
+    ClosedWalk closed = {walk.number, changed, walk.name, ItemOf(walk)};
     walks.pop_back();
     if (changed) RequireSupport(Support::SequenceWalk);
     return closed;
@@ -250,15 +262,27 @@ void NoteInlineCppInLoops(const std::string& line) {
     }
 }
 
-Code BeforeInnerLoop(const Expr& sequence) {
+// Whether the walk's variable can be the item in its place while an inner loop, which changes nothing, goes through
+// the very Sequence. A packed bit has no place of its own.
+static bool IsInPlace(const OpenWalk& walk, const Expr& sequence) {
+    return walk.isItem && IsOver(walk, sequence) && !walk.Type().Item().Is(Base::Bool);
+}
+
+// __kvWalk_KVL_x.Store(); , or { auto& KVL_x = __kvWalk_KVL_x.InPlace();
+Code BeforeInnerLoop(const Expr& sequence, bool changes) {
     Code text;
-    for (const OpenWalk* walk : AwayFrom(sequence, false)) AddPassage(text, *walk, walk->name + ".Store(); ");
+    for (const OpenWalk* walk : AwayFrom(sequence, false))
+        AddPassage(text, *walk,
+                   !changes && IsInPlace(*walk, sequence)
+                       ? "{ auto& " + walk->variable + " = " + walk->name + ".InPlace(); "
+                       : walk->name + ".Store(); ");
     return text;
 }
 
-Code BehindInnerLoop(const Expr& sequence) {
+Code BehindInnerLoop(const Expr& sequence, bool changes) {
     Code text;
     for (const OpenWalk* walk : AwayFrom(sequence, false))
-        AddPassage(text, *walk, " " + walk->name + ".Back();");
+        AddPassage(text, *walk,
+                   (!changes && IsInPlace(*walk, sequence) ? " } " : " ") + walk->name + ".Back();");
     return text;
 }

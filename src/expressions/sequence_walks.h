@@ -15,13 +15,16 @@ void ResetSequenceWalks();
 std::size_t SequenceWalkCount();
 void DropSequenceWalks(std::size_t count);
 
-// Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name.
-void OpenSequenceWalk(const Expr& sequence, const std::string& variable);
+// Opens the walk of a loop over a Sequence variable or Field; it is named after the loop variable's C++ name. The
+// variable is the item, or a copy of it.
+void OpenSequenceWalk(const Expr& sequence, const std::string& variable, bool isItem);
 // Closes the innermost walk.
 struct ClosedWalk {
     int number = -1;
     bool changed = false;  // the loop has to run by KVSeqWalk, and the walk's passages stay
     std::string name;
+    std::string
+        item;  // its member, or a call that gives the item of a walk around it: Beside(__kvWalk_KVL_x)
 };
 ClosedWalk CloseSequenceWalk();
 
@@ -56,6 +59,7 @@ void NoteDestruction();
 // A line of inline C++, which may do anything to the Sequences that it names.
 void NoteInlineCppInLoops(const std::string& line);
 
-// What stands before and behind an inner loop over a Sequence that outer ones may be walking.
-Code BeforeInnerLoop(const Expr& sequence);
-Code BehindInnerLoop(const Expr& sequence);
+// What stands before and behind an inner loop over a Sequence that outer ones may be walking. Where its body lets
+// nothing come or go, the variables of those that are walking it are meanwhile the items in their places.
+Code BeforeInnerLoop(const Expr& sequence, bool changes);
+Code BehindInnerLoop(const Expr& sequence, bool changes);

@@ -181,7 +181,7 @@ void PopScopeOf(const Braces& braces) {
 // What stands before the closing brace.
 static void Finish(State& state, Braces& braces) {
     if (braces.select != nullptr) FinishSelect(state, *braces.select);
-    if (braces.walk != nullptr) SettleWalk(state, *braces.walk);
+    if (braces.walk != nullptr) SettleWalk(state, braces);
 }
 
 void EmitClosing(State& state, Braces& braces) {

@@ -28,6 +28,9 @@ struct SequenceWalk {
     std::string item;      // C++ type of the Sequence's items
     // Around the Sequence in "for(...)", and behind the line "{".
     std::size_t headSlot = 0, tailSlot = 0, bodySlot = 0;
+    // Before and behind the loop, where it turns out that its body lets nothing come or go; the first slot before it.
+    Code before, behind;
+    std::size_t beforeSlot = 0;
 };
 
 struct OpenSelect {

@@ -38,6 +38,7 @@ void CloseClassState(State& state) {
     state.emittedAccess = "public";
     state.typeName.clear();
     state.cls = nullptr;
+    state.lateValues.clear();
     state.isElement = false;
     currentClass = nullptr;
 }
@@ -53,8 +54,15 @@ void EmitPublic(State& state) {
     EmitAccess(state);
 }
 
+// The last member of the class, which is made when all others are:
+//      bool _kvLate = (KVL_a = KVL_Sum ( ), true);
+void EmitLateValues(State& state) {
+    if (!state.lateValues.empty()) EmitLine(state, " bool _kvLate = (" + state.lateValues + "true);");
+}
+
 void EmitTypeClosing(State& state, const ClassInfo& cls) {
     EmitPublic(state);
+    EmitLateValues(state);
     if (forDebugger) EmitFieldList(state, cls);
     EmitLines(state, texts::classTracking);
     if (!HasPlainConstructor(cls)) EmitLines(state, Fill(texts::classConstructor, {{"C", cls.cppName}}));
@@ -97,6 +105,7 @@ void EmitElementClosing(State& state, const ClassInfo& cls) {
         comparison += (comparison.empty() ? "" : " && ") + FieldComparison(cls, field);
     if (comparison.empty()) comparison = "true";
     EmitPublic(state);
+    EmitLateValues(state);
     if (forDebugger) EmitFieldList(state, cls);
     if (FindMethod(cls, "constructor") != nullptr && !HasPlainConstructor(cls))
         EmitLine(state, " " + cls.cppName + "() {}");

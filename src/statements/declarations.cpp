@@ -54,6 +54,7 @@ void DeclareField(State& state, TokenSpan tokens) {
     const Definition definition = CreateDefinition(state, tokens, DefinitionKind::Field);
     currentClass = nullptr;
     EmitLine(state, " ", definition.text);
+    if (!definition.late.text.empty()) state.lateValues += definition.late.text + ", ";
 }
 
 void NoteMentioned(FileOutput& out, const ClassInfo* cls) {

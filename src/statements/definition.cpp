@@ -4,10 +4,12 @@
 #include <optional>
 
 #include "analysis/bool_arrays.h"
+#include "analysis/effects.h"
 #include "base/report.h"
 #include "base/settings.h"
 #include "expressions/constants.h"
 #include "lexer/lexer.h"
+#include "lexer/mentions.h"
 #include "lexer/source_lines.h"
 #include "prelude/support.h"
 #include "statements/array_declarations.h"
@@ -194,12 +196,50 @@ bool IsConstant(const Declared& declared, const Expr& value) {
     return known && known->toCpp;
 }
 
-void DefineSingle(const Declared& declared, const Expr& value, Definition& definition) {
+// Whether the value calls a Method of the object under way, or hands that on.
+bool RunsOwnMethod(const ClassInfo& cls, TokenSpan value) {
+    const Tokens mentioned = MentionedTokens(value);
+    const TokenSpan tokens(mentioned);
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const bool isOther = i > 0 && tokens.SignAt(i - 1) == '\\';
+        const bool isCall =
+            !isOther && tokens.SignAt(i + 1) == '(' && FindMethod(cls, tokens.At(i)) != nullptr;
+        if (isCall || tokens.KeywordAt(i) == Keyword::This) return true;
+    }
+    return false;
+}
+
+// Whether what the value calls may meet Fields that stand below, which are not made yet.
+bool MeetsFieldsBelow(const ClassInfo& cls, const Declared& declared) {
+    if (!RunsOwnMethod(cls, declared.value)) return false;
+    const EffectSet effects = EffectsOf(declared.value);
+    const auto below = std::find(cls.fields.begin(), cls.fields.end(), declared.name);
+    return std::any_of(below, cls.fields.end(), [&](Token name) {
+        const std::vector<Thing> field = {ThingOf(*name)};
+        const Variable* const variable = FindField(cls, name);
+        const bool hasItems = variable != nullptr && !variable->type.IsSingle();
+        return effects.anything || Meet(field, effects.reads) || Meet(field, effects.changes) ||
+               (hasItems && (effects.readsItems || effects.changesItems));
+    });
+}
+
+// Fields get their values in their order, and below one that comes late all that may use it.
+bool ComesLate(const State& state, const Declared& declared, const Expr& value) {
+    if (declared.kind != DefinitionKind::Field || !declared.hasValue || state.cls == nullptr) return false;
+    const bool isFixed = value.literal || value.type.base == Base::Null || ConstantOf(value);
+    return !isFixed && (!state.lateValues.empty() || MeetsFieldsBelow(*state.cls, declared));
+}
+
+void DefineSingle(const State& state, const Declared& declared, const Expr& value, Definition& definition) {
     const ValueType& type = declared.note.type;
     if (declared.hasValue && !Assignable(type, value.type))
         FailMismatch(value.type, type, declared.name, declared.value);
     const std::string variable = (type.IsKnown() ? CppName(type) : "auto") + " " + definition.cppName;
     definition.text = SingleText(declared, variable, value);
+    if (ComesLate(state, declared, value)) {
+        definition.text = variable + " = " + DefaultValue(CppName(type)) + ";";
+        definition.late = definition.cppName + " = " + TextAs(value, type);
+    }
     if (const std::optional<long long> number = WrittenOut(declared, value)) {
         definition.text = variable + " = " + std::to_string(*number) + ";";
         definition.constant = true;
@@ -348,7 +388,7 @@ Definition CreateDefinition(State& state, TokenSpan tokens, DefinitionKind kind)
         CheckArrayResult(declared.name, declared.note.type, {}, declared.value, value,
                          state.routine.declared);
     else
-        DefineSingle(declared, value, definition);
+        DefineSingle(state, declared, value, definition);
     definition.mentioned = declared.note.type.cls;
     const ValueType& type = declared.note.type;
     definition.usesPrelude = type.sequence || type.Is(Base::AnyObject) || PreludeUses() != preludeUses;

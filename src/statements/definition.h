@@ -22,6 +22,7 @@ struct Definition {
     bool handsOnBools = false;             // of an array: see Variable
     const ClassInfo* mentioned = nullptr;  // class that the variable's type names
     bool usesPrelude = false;              // the text names what only the main header declares
+    Code late;                             // of a Field that gets its value behind all others: the assignment
     bool constant = false;                 // the variable has its value before any code runs
     std::string again;                     // the assignment of its value, where that can stand alone
     std::string empty;                     // the definition without a value, when it needs one before that

@@ -176,20 +176,23 @@ void EmitRangeHeader(State& state, const std::string& type, const std::string& v
 
 // The same for a Sequence, with slots for what comes when the body changes it.
 void EmitSequenceHeader(State& state, Braces& loop, const std::string& type, const std::string& variable,
-                        const Code& range, const Expr& sequence) {
+                        const Code& range, const Expr& sequence, bool isItem) {
     auto walk = std::make_unique<SequenceWalk>();
     walk->variable = variable;
     walk->type = type;
     walk->item = CppName(sequence.type.Item());
+    walk->before = BeforeInnerLoop(sequence, false);
+    walk->behind = BehindInnerLoop(sequence, false);
+    walk->beforeSlot = state.routine.slots.size();
     const std::vector<std::size_t> slots =
-        EmitSlottedLine(state, {BeforeInnerLoop(sequence) + "for(", range, ")"});
+        EmitSlottedLine(state, {BeforeInnerLoop(sequence, true) + "for(", range, ")"});
     walk->headSlot = slots.front();
     walk->tailSlot = slots.back();
     EmitLine(state, "{");
     walk->bodySlot = OpenSlot(state);
     loop.walk = std::move(walk);
-    loop.behind = BehindInnerLoop(sequence);
-    OpenSequenceWalk(sequence, variable);
+    loop.behind = BehindInnerLoop(sequence, true);
+    OpenSequenceWalk(sequence, variable, isItem);
 }
 
 void TranslateEach(State& state, const EachHeader& header) {
@@ -208,7 +211,7 @@ void TranslateEach(State& state, const EachHeader& header) {
                LoopMayCreate(settings.currentFile, state.place.line, *collection.walked)) {
         EmitIndexWalk(state, variable.cppName, type, collection.text.text);
     } else if (collection.sequence) {
-        EmitSequenceHeader(state, loop, type, variable.cppName, collection.text, *collection.expr);
+        EmitSequenceHeader(state, loop, type, variable.cppName, collection.text, *collection.expr, false);
     } else {
         EmitRangeHeader(state, type, variable.cppName, collection.text);
     }
@@ -219,11 +222,15 @@ constexpr char noSequence[] = "Expected a Sequence after 'In' in EachSeq loop";
 
 }  // namespace
 
-void SettleWalk(State& state, const SequenceWalk& walk) {
+void SettleWalk(State& state, Braces& loop) {
+    const SequenceWalk& walk = *loop.walk;
     const ClosedWalk closed = CloseSequenceWalk();
     std::vector<Slot>& slots = state.routine.slots;
     if (!closed.changed) {
         slots[walk.headSlot].text = walk.type + " " + walk.variable + " : ";
+        for (std::size_t i = 0; i < walk.before.passages.size(); ++i)
+            slots[walk.beforeSlot + i].text = walk.before.passages[i].text;
+        loop.behind = walk.behind;
         for (std::size_t i = walk.bodySlot; i < slots.size(); ++i)
             if (slots[i].walk == closed.number) slots[i].text.clear();
         return;
@@ -232,7 +239,8 @@ void SettleWalk(State& state, const SequenceWalk& walk) {
     const std::string indent(static_cast<std::size_t>(state.place.indent), '\t');
     slots[walk.headSlot].text = "KVSeqWalk<" + walk.item + "> " + name + "(";
     slots[walk.tailSlot].text = "); " + name + ".HasItem(); " + name + ".Next()";
-    slots[walk.bodySlot].text = indent + " " + walk.type + " " + walk.variable + " = " + name + ".item;\n";
+    slots[walk.bodySlot].text =
+        indent + " " + walk.type + " " + walk.variable + " = " + name + "." + closed.item + ";\n";
 }
 
 Variable& DeclareLoopVariable(const std::string& name, const std::string& cppName, const ValueType& type) {
@@ -273,7 +281,7 @@ void TranslateEachSeq(State& state, TokenSpan tokens) {
     const bool lasting = sequence.type.IsKnown() && !sequence.isCall;
     Braces& loop = OpenNewBlock(state, BlockKind::Loop, "EachSeq", tokens[1]);
     if (lasting)
-        EmitSequenceHeader(state, loop, type, variable.cppName, text, sequence);
+        EmitSequenceHeader(state, loop, type, variable.cppName, text, sequence, true);
     else
         EmitRangeHeader(state, type, variable.cppName, text);
     if (item.Is(Base::Object)) EmitLine(state, " if(!" + variable.cppName + ") continue;");

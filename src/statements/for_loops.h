@@ -11,7 +11,7 @@ void TranslateCountedFor(State& state, TokenSpan tokens);
 //     for(KVSeqWalk<int> __kvWalk_x(list); __kvWalk_x.HasItem(); __kvWalk_x.Next())
 //     {
 //      auto& x = __kvWalk_x.item;
-void SettleWalk(State& state, const SequenceWalk& walk);
+void SettleWalk(State& state, Braces& loop);
 
 // Declares a loop variable in the block just pushed and fills in its record.
 Variable& DeclareLoopVariable(const std::string& name, const std::string& cppName, const ValueType& type);

@@ -129,6 +129,7 @@ struct State {
     int typeLine = 0;
     bool isElement = false;
     ClassInfo* cls = nullptr;     // the class being emitted
+    std::string lateValues;       // assignments to Fields that get their values behind all others
     bool passesOverType = false;  // the open Type counts elsewhere, or is never closed (cls is null)
     std::unordered_set<const ClassInfo*> emitted;  // the classes of the file so far
     std::string access = "public";                 // of the members that follow

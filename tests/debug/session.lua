@@ -78,7 +78,8 @@ typed('break TUnit\\hit\n', 'there is no Function or Method TUnit\\hit in which 
 typed('break lib/unit.kvl:4 if by > 1\n', 'breakpoint 1 at lib/unit.kvl:5 if by > 1')
 for wrong, said in pairs({
     ['24 log deep {Depth}'] = 'there is no Depth here', ['24 if name = ("a"'] = "')' is missing",
-    ['24 if Depth(1) = 1'] = 'Depth cannot be called here', ['24 hit often'] = 'a hit count is a number: 3 stops from the third time on',
+    ['24 if Grid = 1'] = 'there is no Grid here; did you mean grid?', ['24 if Depth(1) = 1'] = 'Depth cannot be called here',
+    ['24 hit often'] = 'a hit count is a number: 3 stops from the third time on',
     ['24 iff name'] = 'there is no Function or Method 24 iff name in which the program could stop',
 }) do typed('break ' .. wrong .. '\n', said) end
 typed('break ./lib/../game.kvl:24 log deep {%deep} {grid[0][9]}\n', 'breakpoint 2 at game.kvl:24 log deep {%deep} {grid[0][9]}')

@@ -28,6 +28,17 @@ public:
         _original = item;
         _mark();
     }
+    // The item where it stands, as long as nothing comes or goes.
+    T& InPlace() {
+        Store();
+        return _here ? _seq._items[_index] : item;
+    }
+    // The item, or that of a walk around this one that stands at the same place; the outermost comes first.
+    T& Beside() { return item; }
+    template<typename... Inner> T& Beside(KVSeqWalk& outer, Inner&... inner) {
+        const bool isMet = _here && outer._here && outer._index == _index && &outer._seq == &_seq;
+        return isMet ? outer.item : Beside(inner...);
+    }
     Absence Away() {
         Store();
         _mark();
