@@ -137,6 +137,7 @@ std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::
     PackList(packer, slips, [&](const Slip& slip) { PackSlip(packer, slip); });
     packer.Number(out.support);
     for (const auto use : allProgramUses) packer.Number(out.uses.*use ? 1 : 0);
+    PackClasses(packer, out.classesInHeader);
     PackList(packer, out.anchors, [&](int line) { packer.Number(static_cast<std::uint64_t>(line)); });
     PackList(packer, out.globals, [&](const GlobalDefinition& global) { PackGlobal(packer, global); });
     packer.Number(static_cast<std::uint64_t>(std::count_if(out.pieces.begin(), out.pieces.end(), IsPacked)));
@@ -149,9 +150,9 @@ bool NamesStayOwn(std::string_view packed) {
     Unpacker words(packed);
     bool same = true;
     UnpackList(words, [&] {
-        const std::string_view word = words.Text();
+        const std::string word(words.Text());
         const bool wasKnown = words.Number() != 0;
-        same = same && IsKnownWord(word) == wasKnown;
+        same = same && IsWordOfProgram(word) == wasKnown;
     });
     return same;
 }
@@ -167,6 +168,7 @@ void UnpackFile(std::string_view packed, FileOutput& out,
     out.support = static_cast<std::uint32_t>(file.Number());
     for (const auto use : allProgramUses) out.uses.*use = file.Number() != 0;
     AddUsesOf(out);
+    out.classesInHeader = UnpackClasses(file);
     std::vector<int> anchors;
     UnpackList(file, [&] { anchors.push_back(static_cast<int>(file.Number())); });
     std::vector<GlobalDefinition> globals;
