@@ -68,12 +68,15 @@ bool UnpackTable(std::string_view text, RecordTable& table) {
     return packed.IsGood();
 }
 
+// More than any program leaves; a damaged file may seem to have no end.
+constexpr std::uintmax_t longestRecord = std::uintmax_t{1} << 30;
+
 // Not more than it holds: nobody wants to find room for a record that is being written.
 bool ReadAll(const std::string& path, std::string& bytes) {
     std::error_code failed;
     if (!fs::is_regular_file(PathOf(path), failed)) return false;
     const std::uintmax_t size = fs::file_size(PathOf(path), failed);
-    std::FILE* file = failed ? nullptr : OpenFile(path, "rb");
+    std::FILE* file = failed || size > longestRecord ? nullptr : OpenFile(path, "rb");
     if (file == nullptr) return false;
     bytes.resize(static_cast<std::size_t>(size));
     const bool whole = std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
