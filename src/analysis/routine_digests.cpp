@@ -82,7 +82,7 @@ RoutineDigests::RoutineDigests() {
 // A sum, since neither the order nor the number of calls can be told. Loops hold loops, and may be taken for one another
 // where they begin on one line.
 std::uint64_t RoutineDigests::OfNode(int node, int depth) const {
-    constexpr int deepest = 100;
+    constexpr int deepest = 1000;  // as blocks may be open
     std::uint64_t sum = facts[IndexOf(node)] + NumberOf(AllOwnEffectsOf(node));
     for (const int callee : Distinct(BuiltGraph().At(node).callees)) {
         const std::uint64_t name = names[IndexOf(callee)];
