@@ -5,6 +5,7 @@
 #include "collect/userlib_reader.h"
 #include "linking/linker_flags.h"
 #include "symbols/file_places.h"
+#include "symbols/mistakes.h"
 #include "symbols/program_files.h"
 
 static void SayDuplicate(const std::string& name) { VerboseNote("  - Skipping duplicate import: " + name); }
@@ -30,7 +31,7 @@ void CollectLinker(FirstPass&, TokenSpan tokens) {
 
 void CollectInclude(FirstPass& pass, TokenSpan tokens) {
     const auto name = IncludedName(tokens);
-    if (!name) return;
+    if (!name) return NoteUnreadFile(tokens[1]);
     pass.out.includes.push_back(*name);
     pass.goesOn = About(tokens.Slice(1, 2), [&pass, &name] { return pass.follow(*name); });
 }

@@ -139,18 +139,48 @@ Value CutOff(const ValueType& type, Value value) {
     return Integer(narrowed, value->toCpp && narrowed == value->integer);
 }
 
+bool IsText(const ConstantValue& value) { return value.kind == ConstantValue::Kind::Text; }
+
+Value Negated(const Value& value) {
+    if (!value || IsText(*value)) return {};
+    return Integer(value->AsReal() == 0 ? 1 : 0, value->toCpp);
+}
+
+template <class Number>
+bool Holds(const std::string& comparison, Number a, Number b) {
+    if (comparison == "==") return a == b;
+    if (comparison == "!=") return a != b;
+    if (comparison == "<") return a < b;
+    if (comparison == "<=") return a <= b;
+    return comparison == ">" ? a > b : a >= b;
+}
+
+// What a comparison or a logical operation yields. Texts have escapes, and are compared where the program runs.
+Value Truth(const BinaryOperator& op, const Value& a, const Value& b) {
+    if (!a || !b || IsText(*a) || IsText(*b)) return {};
+    const bool bothHold = a->AsReal() != 0 && b->AsReal() != 0,
+               oneHolds = a->AsReal() != 0 || b->AsReal() != 0;
+    const bool areWhole = a->kind == ConstantValue::Kind::Integer && b->kind == ConstantValue::Kind::Integer;
+    const bool holds = op.level == Level::And  ? bothHold
+                       : op.level == Level::Or ? oneHolds
+                       : areWhole              ? Holds(op.text, a->integer, b->integer)
+                                               : Holds(op.text, a->AsReal(), b->AsReal());
+    return Integer(holds ? 1 : 0, a->toCpp && b->toCpp);
+}
+
 Value Signed(char sign, const Expr& operand) {
-    if (sign == '!') return {};
+    if (sign == '!') return Negated(ConstantOf(operand));
     if (sign == '~') return Combine('^', Integer(-1), ConstantOf(operand));
     return Combine(sign, Integer(0), ConstantOf(operand));
 }
 
 Value Result(const Expr& operation) {
-    if (IsComparison(operation.operation) || operation.operation->kind == OperatorKind::Logic) return {};
+    const BinaryOperator& op = *operation.operation;
     const Value left = ConstantOf(*operation.first);
     if (!left) return left;
-    return CutOff(operation.type,
-                  Combine(operation.operation->text[0], left, ConstantOf(*operation.first->next)));
+    const Value right = ConstantOf(*operation.first->next);
+    if (IsComparison(&op) || op.kind == OperatorKind::Logic) return Truth(op, left, right);
+    return CutOff(operation.type, Combine(op.text[0], left, right));
 }
 
 Value Checked(Value value) {

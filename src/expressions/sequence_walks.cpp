@@ -64,7 +64,7 @@ bool StaysInPlace(const Expr& sequence) {
     return record != nullptr && record->type.Is(Base::Element);
 }
 
-// __kvWalk_KVL_x.Removing(0) , or __kvWalk_KVL_x.Removing(KVL_a -> KVL_q, 0) where KVL_a may have become another
+// __kvWalk_KVL_x.Storing(0) , or __kvWalk_KVL_x.Storing(KVL_a -> KVL_q, 0) where KVL_a may have become another
 Code Told(const OpenWalk& walk, const char* member, const Expr& sequence, const Code& argument) {
     Code told = walk.name + "." + member + "(";
     const bool stays = StaysInPlace(sequence);
@@ -139,16 +139,11 @@ ClosedWalk CloseSequenceWalk() {
     return closed;
 }
 
-bool IsWalked(const Expr& sequence) {
-    return std::any_of(walks.begin(), walks.end(),
-                       [&](const OpenWalk& walk) { return IsOver(walk, sequence); });
-}
-
-Code TellWalks(const Expr& sequence, const char* member, Code value) {
+Code StoreWalks(const Expr& sequence, Code value) {
     for (OpenWalk& walk : walks) {
         if (!IsOver(walk, sequence)) continue;
         walk.changed = true;
-        value = Told(walk, member, sequence, value);
+        value = Told(walk, "Storing", sequence, value);
     }
     return value;
 }

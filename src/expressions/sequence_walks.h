@@ -25,11 +25,9 @@ struct ClosedWalk {
 };
 ClosedWalk CloseSequenceWalk();
 
-// Whether an open walk is over the Sequence.
-bool IsWalked(const Expr& sequence);
-// The value wrapped in a call of `member` for each open walk over the Sequence, as in
-// "__kvWalk_KVL_x.Removing(KVL_i)". Without walks it is the value itself.
-Code TellWalks(const Expr& sequence, const char* member, Code value);
+// The value wrapped in a call for each open walk over the Sequence, as in "__kvWalk_KVL_x.Storing(KVL_i)", which
+// stores the walk's item behind it. Without walks it is the value itself.
+Code StoreWalks(const Expr& sequence, Code value);
 // Calls without an argument, each followed by `separator`: "__kvWalk_KVL_x.Leave(), ".
 Code WalkCalls(const Expr& sequence, const char* member, const char* separator);
 // The walks over the Sequence are to run by KVSeqWalk, though nothing has to be told.

@@ -97,13 +97,11 @@ void WriteMemberCall(Code& out, const Expr& expr) {
     out += ')';
 }
 
-// Loops over the Sequence hear of an item that goes: (__kvWalk_KVL_x.Removing(0), KVL_s.RemoveFirst())
+// Loops over the Sequence store their items before: (__kvWalk_KVL_x.Store(), KVL_s.RemoveFirst())
 void WriteRemoval(Code& out, const Expr& expr) {
-    const Expr& sequence = *expr.first;
-    if (!IsWalked(sequence)) return WriteMemberCall(out, expr);
-    const bool first = expr.seqFunction->effect == SeqEffect::RemovesFirst;
-    out +=
-        "(" + TellWalks(sequence, "Removing", first ? Code("0") : TextOf(sequence) + ".Length() - 1") + ", ";
+    const Code calls = WalkCalls(*expr.first, "Store", ", ");
+    if (calls.text.empty()) return WriteMemberCall(out, expr);
+    out += "(" + calls;
     WriteMemberCall(out, expr);
     out += ')';
 }

@@ -107,9 +107,14 @@ void CheckTag(const Tag& tag, const std::string& content, const Expr& value, Tok
     if (value.type.IsKnown() && !fits) FailTag(tag, content, value.type, literal);
 }
 
+const Hint wayToBrace = {
+    "{%n} shows a whole number, {!d} a Double, {$s} a text, none of them with quotes in it. A brace "
+    "itself is written ~{"};
+
 Expr& ParseHole(const StringPiece& hole, TokenSpan literal) {
     const Tag& tag = *FindTag(hole.tag);
-    if (hole.content.empty()) ReportFatal(std::string("Empty string interpolation hole '{") + tag.tag + "}'");
+    if (hole.content.find('{') != std::string::npos)
+        ReportFatal("Unexpected '{' in an expression" + wayToBrace, literal);
     const DepthGuard guard;
     ShowSplit(hole.content);
     Expr& value = TranslateValue(hole.tokens, ExprMode::Condition);
@@ -117,19 +122,25 @@ Expr& ParseHole(const StringPiece& hole, TokenSpan literal) {
     return value;
 }
 
-const Hint wayToBrace = {
-    "{%n} shows a whole number, {!d} a Double, {$s} a text, none of them with quotes in it. A brace "
-    "itself is written ~{"};
+// What is no hole, or an empty one, is told before what stands in others.
+void CheckHoles(const std::vector<StringPiece>& pieces, TokenSpan literal) {
+    for (const StringPiece& piece : pieces) {
+        AboutPart(literal, piece.from, piece.to, [&] {
+            if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble + wayToBrace, literal);
+            if (piece.kind == StringPiece::Kind::Hole && piece.content.empty())
+                ReportFatal(std::string("Empty string interpolation hole '{") + piece.tag + "}'");
+        });
+    }
+}
 
 PartList ParseHoles(TokenSpan literal) {
     const std::vector<StringPiece>& pieces = PiecesOf(literal.At(0));
     PartList holes;
     LimitTexts(pieces.size());
+    CheckHoles(pieces, literal);
     for (const StringPiece& piece : pieces) {
-        AboutPart(literal, piece.from, piece.to, [&] {
-            if (piece.kind == StringPiece::Kind::Trouble) ReportFatal(piece.trouble + wayToBrace, literal);
-            if (piece.kind == StringPiece::Kind::Hole) holes.Add(ParseHole(piece, literal));
-        });
+        if (piece.kind != StringPiece::Kind::Hole) continue;
+        AboutPart(literal, piece.from, piece.to, [&] { holes.Add(ParseHole(piece, literal)); });
     }
     return holes;
 }

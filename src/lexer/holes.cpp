@@ -32,23 +32,16 @@ StringPiece Trouble(const char* message, std::size_t from, std::size_t to) {
     return piece;
 }
 
-// Where a hole would end that nobody has closed: behind a name, or what is reached from one.
-std::size_t EndOfName(std::string_view token, std::size_t at, std::size_t end) {
-    const auto isOfName = [](char c) { return IsLetterByte(c) || IsDigit(c) || c == '_' || c == '\\'; };
-    while (at < end && isOfName(token[at])) ++at;
-    return at;
-}
-
 // The hole whose brace stands at `open`; the literal ends at `end`.
 StringPiece CutHole(std::string_view token, std::size_t open, std::size_t end) {
     if (open + 1 == end) return Trouble("Unterminated string interpolation hole '{'", open, end);
     const std::size_t close = token.find('}', open);
     if (tags.find(token[open + 1]) == std::string_view::npos)
         return Trouble("String interpolation hole must start with a type tag: {$str}, {%int} or {!double}",
-                       open, close < end ? close + 1 : open);
-    if (close >= end || token.find('{', open + 1) < close)
+                       open, close < end ? close + 1 : open + 1);
+    if (close >= end)
         return Trouble("Unterminated string interpolation hole - missing '}'", open,
-                       EndOfName(token, open + 2, end));
+                       EndOfName(token, open + 2));
     StringPiece piece;
     piece.kind = StringPiece::Kind::Hole;
     piece.from = open;
@@ -90,6 +83,12 @@ std::deque<std::vector<StringPiece>> cutLiterals;  // for the words that point t
 const PartOfRun partOfRun(cutLiterals);
 
 }  // namespace
+
+std::size_t EndOfName(std::string_view literal, std::size_t at) {
+    const auto isOfName = [](char c) { return IsLetterByte(c) || IsDigit(c) || c == '_' || c == '\\'; };
+    while (at < literal.size() && isOfName(literal[at])) ++at;
+    return at;
+}
 
 const std::vector<StringPiece>& PiecesOf(const Word& literal) {
     if (literal.pieces == nullptr) literal.pieces = &cutLiterals.emplace_back(CutPieces(literal.text));

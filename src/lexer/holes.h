@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/token_span.h"
@@ -24,6 +25,8 @@ struct StringPiece {
 
 // The pieces of the literal, in order; none for "". They last until the end of the run.
 const std::vector<StringPiece>& PiecesOf(const Word& literal);
+// Behind the name at a place of a literal, or what is reached from one: where the brace of an open hole would stand.
+std::size_t EndOfName(std::string_view literal, std::size_t at);
 // Whether the token is a literal with a hole, or with what was meant to be one.
 bool HoldsHole(const Word& braced);
 inline bool HasHoles(const Word& token) { return token.braced && HoldsHole(token); }

@@ -46,11 +46,11 @@ Size ReadSize(const Variable& array, ArrayPlace place, const std::string& writte
     const Expr& size = TranslateValue(tokens, ExprMode::Condition);
     const std::optional<ConstantValue> constant = ConstantOf(size);
     const std::optional<long long> known = IntegerOf(constant);
-    if (known) CheckKnownSize(*known);
     const bool fits = !size.type.IsKnown() || (size.type.IsInteger() && size.type.base != Base::Bool);
     if (!fits || (constant && !known))
         ReportFatal("The size of array '" + array.name + "' must be an Int, got " + KorvelName(size.type),
                     Tokens{array.name});
+    if (known) CheckKnownSize(*known);
     if (!known) {
         RequireSupport(Support::ArraySize);
         return {"__kvSize(" + TextOf(size) + (", \"" + array.name + "\")"), std::nullopt};

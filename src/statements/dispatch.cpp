@@ -65,7 +65,9 @@ bool IsNoAccessWord(TokenSpan tokens) {
         ReportFatal(message + Hint{"A Field begins with Field: Field " + tokens[0] + ":Int"}, word);
     const bool isKnown = isStatement || tokens.SignAt(1) == '=' || FindFunction(tokens[0]) != nullptr;
     if (!isKnown) ReportFatal(message, word, Sought::Statement);
-    ReportFatal(message + Hint{"What the program does stands between Function Main and EndFunction"}, word);
+    const std::string place = "What the program does stands between Function Main and EndFunction";
+    const char* const partOf = ". A file that others include inside a Function is checked with them";
+    ReportFatal(message + Hint{place + (HasMainFunction() ? "" : partOf)}, word);
 }
 
 // Code at the top level or in a class body outside its Methods would never run.

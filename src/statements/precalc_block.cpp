@@ -18,6 +18,7 @@ void OpenPreCalc(State& state, TokenSpan tokens) {
     LeanOnOthers();
     state.preCalcLine = state.place.line;
     state.preCalcHeader = tokens.Copy();
+    state.preCalcInline = {"InlineCpp"};
     state.preCalcBody.clear();
     state.preCalcBodyLines.clear();
 }
@@ -55,6 +56,11 @@ void ClosePreCalc(State& state) {
 }
 
 }  // namespace
+
+void NoteInlineInPreCalc(State& state, int line) {
+    state.preCalcBody.emplace_back(state.preCalcInline);
+    state.preCalcBodyLines.push_back(line);
+}
 
 void TranslatePreCalc(State& state, TokenSpan tokens) {
     if (!state.inPreCalc)

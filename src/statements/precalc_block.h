@@ -6,3 +6,5 @@
 
 // A statement that opens a block or stands inside one.
 void TranslatePreCalc(State& state, TokenSpan tokens);
+// A line of inline C++ inside of one, which may hold none.
+void NoteInlineInPreCalc(State& state, int line);

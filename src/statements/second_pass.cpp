@@ -10,6 +10,7 @@
 #include "prelude/support.h"
 #include "statements/end_of_file.h"
 #include "statements/line_writer.h"
+#include "statements/precalc_block.h"
 #include "statements/recovery.h"
 #include "statements/shadowing.h"
 #include "statements/with.h"
@@ -68,6 +69,7 @@ void ReadStatements(State& state, const std::string& source) {
     const bool isModule = IsModule(source), checked = ChecksValues();
     int opened = 0;  // braces of inline C++ since the line before
     lines.onInlineCpp = [&](const InlineLine& line) {
+        if (state.inPreCalc) return NoteInlineInPreCalc(state, line.line);
         opened += line.braces;
         if (isModule)
             RequireSupport(checked ? Support::Misuse : Support::NoMisuse);

@@ -87,12 +87,20 @@ bool IsOutOfReach(const OpenSelect& select, const ConstantValue& label) {
     return narrow && (label.integer < INT_MIN || label.integer > INT_MAX);
 }
 
+// Case 1 Or 2 , Case n > 5
+// A Select over Bools has such labels, too; over numbers they are meant as something else.
+bool IsCondition(const OpenSelect& select, const Expr& label) {
+    if (label.kind == ExprKind::Parentheses) return IsCondition(select, *label.first);
+    const bool isWorkedOut = label.kind == ExprKind::Operation || label.kind == ExprKind::Sign;
+    return isWorkedOut && label.type.Is(Base::Bool) && !select.subject.Is(Base::Bool);
+}
+
 // Checks one label and gives its C++ text; empty for one that never matches.
 Code LabelText(OpenSelect& select, TokenSpan tokens) {
     if (tokens.empty()) ReportFatal("Expected a value after 'Case'");
     const Expr& label = TranslateValue(tokens, ExprMode::Statement);
     CheckLabelType(select, label);
-    const std::optional<ConstantValue> value = ConstantOf(label);
+    const auto value = IsCondition(select, label) ? std::nullopt : ConstantOf(label);
     if (!value) {
         // The index form compares at run time, so any Const will do there.
         const bool constant = select.byIndex && (label.isConst || label.kind == ExprKind::Holes);

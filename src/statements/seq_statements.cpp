@@ -16,17 +16,20 @@ enum class Argument : unsigned char { Index, Value, Sequence, Array, Order };
 // What becomes of the Sequence: nothing that a loop over it could meet, another order, or items come and go.
 enum class Change : unsigned char { None, Order, Items };
 
-// What the statement tells the loops over the Sequence that it stands in: a member of KVSeqWalk that its
-// first argument goes through, or one called before it; null for a change that no loop has to know about.
+// What the statement tells the loops over the Sequence that it stands in: to store their items, which its first
+// argument goes through, or a member of KVSeqWalk that is called before it; null for a change that no loop has to
+// know about.
 struct Notice {
-    const char* byArgument;
+    bool byArgument;
     const char* before;
     Change change;
 };
-constexpr Notice unseen = {nullptr, nullptr, Change::Items};
-constexpr Notice moves = {nullptr, "Leave", Change::Items};
-constexpr Notice inPlace = {nullptr, nullptr, Change::None};
-constexpr Notice reorders = {nullptr, nullptr, Change::Order};
+constexpr Notice unseen = {false, nullptr, Change::Items};
+constexpr Notice stores = {true, nullptr, Change::Items};
+constexpr Notice storesBefore = {false, "Store", Change::Items};
+constexpr Notice moves = {false, "Leave", Change::Items};
+constexpr Notice inPlace = {false, nullptr, Change::None};
+constexpr Notice reorders = {false, nullptr, Change::Order};
 
 struct Row {
     const char* word;
@@ -41,28 +44,20 @@ const Row rows[] = {
     {"seqinsert",
      "InsertAt",
      {Argument::Index, Argument::Value},
-     {"Inserting", nullptr, Change::Items},
+     stores,
      "SeqInsert expects: SeqInsert seq, index, value"},
     {"seqset",
      "Set",
      {Argument::Index, Argument::Value},
      inPlace,
      "SeqSet expects: SeqSet seq, index, value"},
-    {"seqdelete",
-     "DeleteValue",
-     {Argument::Value},
-     {"RemovingValue", nullptr, Change::Items},
-     "SeqDelete expects: SeqDelete seq, value"},
-    {"seqdeleteat",
-     "DeleteAt",
-     {Argument::Index},
-     {"Removing", nullptr, Change::Items},
-     "SeqDeleteAt expects: SeqDeleteAt seq, index"},
+    {"seqdelete", "DeleteValue", {Argument::Value}, stores, "SeqDelete expects: SeqDelete seq, value"},
+    {"seqdeleteat", "DeleteAt", {Argument::Index}, stores, "SeqDeleteAt expects: SeqDeleteAt seq, index"},
     {"seqclear", "Clear", {}, moves, "SeqClear expects: SeqClear seq"},
     {"seqaddfirst",
      "AddFirst",
      {Argument::Value},
-     {nullptr, "InsertingFirst", Change::Items},
+     storesBefore,
      "SeqAddFirst expects: SeqAddFirst seq, value"},
     {"seqreverse", "Reverse", {}, reorders, "SeqReverse expects: SeqReverse seq"},
     {"seqswap", "Swap", {Argument::Sequence}, moves, "SeqSwap expects: SeqSwap seqA, seqB"},
@@ -219,8 +214,7 @@ Code MemberCall(const Expr& sequence, const std::vector<TokenSpan>& parts, const
         const bool isValue = row.arguments[i] == Argument::Value;
         Code text = ArgumentText(argument, row, i);
         if (named) text = inOrder.Name(isValue ? sequence.type.Item() : argument.type, text);
-        if (i == 0 && row.notice.byArgument != nullptr)
-            text = TellWalks(sequence, row.notice.byArgument, text);
+        if (i == 0 && row.notice.byArgument) text = StoreWalks(sequence, text);
         if (i++ > 0) texts += ", ";
         texts += text;
     }

@@ -142,6 +142,7 @@ struct State {
     Tokens preCalcHeader;
     std::vector<TokenSpan> preCalcBody;
     std::vector<int> preCalcBodyLines;
+    Tokens preCalcInline;  // stands there for a line of inline C++
 
     bool beforeFirstCase = false;    // debug builds: the hook of the first label would never run
     bool mistaken = false;           // something is wrong with the file,

@@ -41,6 +41,17 @@ const ForeignRow sameRows[] = {
     {"#include", "Include"},
 };
 
+// Types as they stand in front of names elsewhere.
+const ForeignRow typeRows[] = {
+    {"int integer int32", "Int"},
+    {"double float", "Double"},
+    {"bool boolean", "Bool"},
+    {"string str", "String"},
+    {"byte", "Byte"},
+    {"short", "Short"},
+    {"long", "Long"},
+};
+
 // What is called to make a value of another one.
 const ForeignRow callRows[] = {
     {"str cstr string text", "ToString"},
@@ -74,6 +85,27 @@ void FixAs(korvel::Diagnostic& mistake, const WrongLine& line, std::size_t name)
     const bool isKnown = IsName(line.tokens[name]) && IsWord(line.tokens[name + 1], "as") && IsName(type) &&
                          !IsWord(type, "new");
     if (isKnown) AddFix(mistake, line.End(name), line.End(name + 2), ":" + TypeHere(type));
+}
+
+// int a = 1, b[3]
+bool FixTyped(korvel::Diagnostic& mistake, const WrongLine& line) {
+    static const ForeignWords index = IndexOf(typeRows);
+    const char* const type = line.at == 0 ? Find(index, Lower(line.tokens[0])) : nullptr;
+    if (type == nullptr) return false;
+    std::vector<std::size_t> names;
+    std::size_t name = 1, end = 1;
+    while (end < line.tokens.size() && line.tokens.SignAt(end) != '|') ++end;
+    for (const TokenSpan part : line.tokens.Slice(1, end).SplitAt(',')) {
+        const char behind = part.SignAt(1);
+        const bool isDeclared = IsName(part[0]) && (part.size() == 1 || behind == '=' || behind == '[');
+        if (!isDeclared) return false;
+        names.push_back(name);
+        name += part.size() + 1;
+    }
+    AddFix(mistake, line.Start(0), line.End(0), localDefList.size() > 1 ? "Local" : "Global");
+    for (const std::size_t declared : names)
+        AddFix(mistake, line.End(declared), line.End(declared), std::string(":") + type);
+    return true;
 }
 
 // The name of a Function, and the '$' that it may have behind it elsewhere.
@@ -120,6 +152,7 @@ void FixForeignWord(korvel::Diagnostic& mistake, const WrongLine& line) {
     ReplaceAll(mistake, line.text, {"\\\""}, "~q");
     const std::size_t at = line.at;
     if (!mistake.fixes.empty() || at >= line.tokens.size()) return;
+    if (FixTyped(mistake, line)) return;
     const std::string &meant = line.tokens[at], function = CalledHere(line);
     const bool isLoop = at == 1 && line.tokens.KeywordAt(0) == Keyword::For && line.tokens.SignAt(2) == '=';
     if (isLoop) return AddFix(mistake, line.Start(at), line.Start(at), "Local ");

@@ -27,6 +27,7 @@ const PairRow pairRows[] = {
     {"++", "Write the assignment out: n = n + 1"},
     {"--", "Write the assignment out: n = n - 1"},
     {"/*", "A comment begins with ';' and ends with its line"},
+    {"*/", "A comment begins with ';' and ends with its line"},
     {"->", "Fields and Methods stand behind '\\': p\\hp"},
     {"//", "A comment begins with ';'. Between whole numbers '/' gives a whole number: 7 / 2 is 3"},
 };

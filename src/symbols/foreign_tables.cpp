@@ -257,7 +257,9 @@ const char* HintAtBeginning(TokenSpan tokens, const std::string& word, std::size
         return "Lines have no numbers and no labels: use loops, Functions, Exit and Continue";
     if (first != word) return nullptr;
     if (IsAmong("string int double bool byte short long", word))
-        return "The type stands behind the name: Local s:String";
+        return tokens.SignAt(2) == '(' ? "The type stands behind the name: Function Add:Int(a:Int, b:Int)"
+                                       : "The type stands behind the name: Local s:String, or Global "
+                                         "s:String outside of Functions";
     for (const Token token : tokens)
         for (const ForeignRow& row : insideRows)
             if (IsAmong(row.words, Lower(token->text))) return row.text;

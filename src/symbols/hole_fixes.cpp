@@ -21,6 +21,19 @@ std::string ContentOf(const StringPiece& piece, const std::string& literal) {
     return isClosed ? literal.substr(piece.from + 1, piece.to - piece.from - 2) : "";
 }
 
+// Without its brace a hole goes on to the end of the literal, or into the hole behind it.
+bool IsOpen(const StringPiece& piece, const std::string& content) {
+    if (piece.kind == StringPiece::Kind::Hole) return content.find('{') != std::string::npos;
+    return content.empty() && piece.to > piece.from + 2;
+}
+
+// {%n, but not {%F(n
+bool CloseHole(korvel::Diagnostic& mistake, const std::string& literal, std::size_t name) {
+    const std::size_t end = EndOfName(literal, name);
+    const char next = end < literal.size() ? literal[end] : '\0';
+    return end > name && next != '(' && next != '[' && FixPart(mistake, end, end, "}");
+}
+
 }  // namespace
 
 std::string HoleFor(const std::string& content, const ValueType& type) {
@@ -39,12 +52,9 @@ bool FixHole(korvel::Diagnostic& mistake, const Word& literal, std::size_t from)
         const std::string content = ContentOf(piece, literal.text);
         const Variable* const variable = IsName(content) ? FindVariable(content) : nullptr;
         const std::string hole = variable == nullptr ? "" : HoleFor(content, variable->type);
-        const char next = piece.to < literal.text.size() ? literal.text[piece.to] : '\0';
         if (!hole.empty() && literal.text.compare(piece.from, piece.to - piece.from, hole) != 0)
             return FixPart(mistake, piece.from, piece.to, hole);
-        const bool isOpen = piece.kind == StringPiece::Kind::Trouble && content.empty();
-        if (isOpen && piece.to > piece.from + 2 && next != '(' && next != '[')
-            return FixPart(mistake, piece.to, piece.to, "}");
+        if (IsOpen(piece, content)) return CloseHole(mistake, literal.text, piece.from + 2);
     }
     return false;
 }

@@ -190,6 +190,7 @@ Advice AdviceOnFile(const std::string& literal) {
 Advice AdviceFor(const std::string& word, Sought sought, const ClassInfo* owner) {
     if (++hints > mostHints) return {};
     if (sought == Sought::File) return AdviceOnFile(word);
+    if (sought == Sought::Statement && IsBasicType(word)) return {};  // int n = 3
     Nearest nearest(word, 2, sought == Sought::Member ? 3 : 4);
     OfferAll(nearest, sought, owner);
     if (sought == Sought::Member && nearest.Found().empty() && owner != nullptr)

@@ -26,8 +26,9 @@ namespace {
 std::vector<korvel::Diagnostic> kept;
 std::unordered_set<const Word*> doubtful;           // everywhere
 std::unordered_set<const Word*> doubtfulInRoutine;  // until it ends
+std::vector<Elsewhere> unreadFiles;
 korvel::Range openEnd;  // of the last mistake's line, if it ends in an operator or comma
-const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine, openEnd);
+const PartOfRun partOfRun(kept, doubtful, doubtfulInRoutine, unreadFiles, openEnd);
 
 bool IsDeclared(const std::string& name) {
     return FindFunction(name) != nullptr || FindUserlibFunction(name) != nullptr || IsClass(name) ||
@@ -157,6 +158,8 @@ void Explain(korvel::Diagnostic* mistakes, const Stop& stop, TokenSpan statement
     LocateLast(mistakes[blocks], stop, statement);
     Advise(mistakes[blocks], stop);
     for (const Elsewhere& other : stop.others) AddRelated(mistakes[blocks], other);
+    if (stop.sought != Sought::File && (stop.ofUnknown || stop.sought != Sought::Nothing))
+        for (const Elsewhere& unread : unreadFiles) AddRelated(mistakes[blocks], unread);
     const bool isOfHole =
         stop.subject.to > 0 && FixHole(mistakes[blocks], *stop.subject.tokens[0], stop.subject.from);
     if (!isOfHole && MayBeForeign(mistakes[blocks], stop)) HintAtForeignWords(mistakes[blocks]);
@@ -180,6 +183,11 @@ bool KeepMistake(const Stop& stop, TokenSpan statement) {
     DoubtUnknown(stop);
     DoubtDeclared(statement);
     return !follows;
+}
+
+void NoteUnreadFile(const std::string& name) {
+    unreadFiles.push_back({settings.currentFile, settings.currentLine, name,
+                           "this file is not read: its name stands without quotes"});
 }
 
 void Doubt(const Word& name) { (localDefList.size() > 1 ? doubtfulInRoutine : doubtful).insert(&name); }

@@ -3,6 +3,7 @@
 // there on, and whatever is wrong in a statement that mentions a doubtful name is not told.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "base/report.h"
@@ -11,6 +12,9 @@
 // Called where a mistake has been caught: it is kept, if the statement mentions nothing doubtful, and the
 // statement's own names become doubtful. False when it only follows from doubtful names.
 bool KeepMistake(const Stop& stop, TokenSpan statement);
+
+// An Include of the current line whose file is not read: mistakes about names that are not known mention it.
+void NoteUnreadFile(const std::string& name);
 
 // Doubts the name until the routine under way ends.
 void Doubt(const Word& name);

@@ -73,6 +73,15 @@ void FixSlashes(korvel::Diagnostic& mistake, const WrongLine& line, std::size_t 
         AddFix(mistake, line.Start(at), line.End(at + 1), ";");
 }
 
+// /* text */ , behind which nothing stands
+void FixComment(korvel::Diagnostic& mistake, const WrongLine& line, std::size_t at) {
+    const std::size_t end = line.text.find("*/", line.End(at + 1));
+    const bool isLast = end != std::string::npos && end + 2 == line.text.find_last_not_of(" \t\r") + 1;
+    if (!isLast) return;
+    AddFix(mistake, line.Start(at), line.End(at + 1), ";");
+    AddFix(mistake, line.text.find_last_not_of(" \t", end - 1) + 1, end + 2, "");
+}
+
 // 'text'
 void FixQuotes(korvel::Diagnostic& mistake, const WrongLine& line) {
     const std::size_t open = line.Start(line.at), close = line.text.find(line.text[open], open + 1);
@@ -184,6 +193,8 @@ void FixSign(korvel::Diagnostic& mistake, const WrongLine& line) {
     if (line.tokens.SignAt(at) == ':') return FixColon(mistake, line);
     if (IsPair(line, at, '/', '/')) return FixSlashes(mistake, line, at);
     if (IsPair(line, before, '/', '/')) return FixSlashes(mistake, line, before);
+    for (const std::size_t comment : {before, at})
+        if (IsPair(line, comment, '/', '*')) return FixComment(mistake, line, comment);
     for (const std::size_t arrow : {before, at})
         if (IsPair(line, arrow, '-', '>') && arrow > 0 && IsName(line.tokens[arrow + 2]))
             return AddFix(mistake, line.Start(arrow), line.End(arrow + 1), "\\");

@@ -134,6 +134,7 @@ void EndRoutine(const State& state) {
     if (!symbols.inlineCpp && MistakesSoFar() == watched.mistakesBefore) WarnOfUnusedLocals();
     EndSequences();
     EndLoops();
+    EndCopies();
     if (watched.name != nullptr && state.out->isMain)
         mentionsInOwnBody[watched.name] += mentioned.Of(*watched.name);
     BeginRoutine();
@@ -147,6 +148,7 @@ void WatchRoutine(const State& state, TokenSpan statement) {
     if (Has(word, trait::routine)) {
         BeginRoutine();
         EndLoops();
+        EndCopies();
         if (word == Keyword::Function) watched.name = &statement.At(1);
         return CountMentions(statement);
     }
@@ -155,6 +157,7 @@ void WatchRoutine(const State& state, TokenSpan statement) {
     WatchReach(state, statement);
     WatchLoops(statement);
     WatchSequences(statement);
+    if (!symbols.inlineCpp) WatchCopies(statement);
     if (Has(BlockOf(word), trait::routine)) EndRoutine(state);
 }
 

@@ -20,6 +20,9 @@ TokenSpan GetsBeyondEnd(const State& state, TokenSpan statement);
 TokenSpan PrintsShifted(const State& state, TokenSpan statement);
 TokenSpan EscapesByBackslash(const State& state, TokenSpan statement);
 
+// The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
+ValueType TypeOfPlace(TokenSpan place);
+
 // Of operators.
 TokenSpan NegatesOperand(const Operation& operation);
 TokenSpan IsPower(const Operation& operation);

@@ -73,8 +73,9 @@ bool IsNegative(TokenSpan tokens) {
     return tokens.SignAt(0) == '-' && tokens.size() == 2 && IsDigit(tokens[1][0]);
 }
 
-// The type of a variable, its items or Fields: name[...]\name. Unknown where it is anything else.
-ValueType TypeOf(TokenSpan place) {
+}  // namespace
+
+ValueType TypeOfPlace(TokenSpan place) {
     const Variable* variable = FindVariable(place.At(0));
     ValueType type = variable == nullptr ? ValueType() : variable->type;
     for (std::size_t i = 1; i < place.size() && type.IsKnown();) {
@@ -91,8 +92,6 @@ ValueType TypeOf(TokenSpan place) {
     return type;
 }
 
-}  // namespace
-
 // flag = a = b, where a is no Bool that somebody may want to set as well
 TokenSpan AssignsTwice(const State&, TokenSpan statement) {
     if (statement.KeywordAt(0) != Keyword::None) return {};
@@ -100,9 +99,9 @@ TokenSpan AssignsTwice(const State&, TokenSpan statement) {
     if (first == noToken || first == 0) return {};
     const std::size_t second = statement.FindEquals(first + 1);
     const TokenSpan between = statement.Slice(first + 1, second);
-    if (second == noToken || !IsPlace(between) || !TypeOf(statement.Slice(0, first)).Is(Base::Bool))
+    if (second == noToken || !IsPlace(between) || !TypeOfPlace(statement.Slice(0, first)).Is(Base::Bool))
         return {};
-    return TypeOf(between).Is(Base::Bool) ? TokenSpan() : between;
+    return TypeOfPlace(between).Is(Base::Bool) ? TokenSpan() : between;
 }
 
 // Local a = b = 2, where a is not called a Bool

@@ -63,6 +63,8 @@ const WarningRow rows[] = {
      nullptr, nullptr, nullptr, nullptr, LosesResult},
     // more than one statement (routine_watch)
     {"unreachable", "This line is never reached", "What stands before it always leaves"},
+    {"lost-change", "'{}' changes a copy of the item, which nothing uses",
+     "To change the items themselves write EachSeq item In s, or count through an array: a[i] = 3"},
     {"unused-variable", "'{}' is never used", "Remove it"},
     {"unused-function", "Nothing calls '{}'", "Remove it, or call it"},
     // source lines (comments)

@@ -204,7 +204,8 @@ TEST(Library, FixesMistakes) {
         {"While True\n    break\nEndWhile", "While True\n    Exit\nWend"},
         {"Select Case n\n    Case 1\n        Print 1\nEndSelect",
          "Select n\n    Case 1\n        Print 1\nEndSelect"},
-        {"n := 4", "n = 4"},
+        {"n := 4 /* four */\n/* text */", "n = 4 ; four\n; text"},
+        {"int k = 3, b[2]|k = b[0]\nString t", "Local k:Int = 3, b:Int[2]|k = b[0]\nLocal t:String"},
         {"Print \"a\" : Print n", "Print \"a\" | Print n"},
         {"If n = 1:\n    n = 2\nElse:\n    Local b[2][3]:Int\nEndIf",
          "If n = 1\n    n = 2\nElse\n    Local b:Int[2][3]\nEndIf"},
@@ -461,6 +462,8 @@ TEST(Library, AdvisesOnOtherLanguages) {
         {"Print \"{%n:02}\"", "A hole shows"},
         {"Print Length(\"a\")", "Length comes with"},
         {"Include \"std/text.kvl\"", "Move this line"},
+        {"EndFunction\nint Add(int a, int b)\nFunction B", "Function Add:Int"},
+        {"Include util.kvl | Foo()", "without quotes"},
         {"EndFunction\nPreCalc t:Int[3]\nIf i > 1\nEndIf\nEndPreCalc\nFunction B", "What takes more"},
         {"EndFunction\nType TA\n    Method A\n    Method B\n    EndMethod\nEndType", "Methods stand"}};
     for (const auto& row : rows) {
@@ -472,8 +475,8 @@ TEST(Library, AdvisesOnOtherLanguages) {
         ASSERT_FALSE(result.diagnostics.empty()) << row.line;
         const korvel::Diagnostic& said = result.diagnostics[0];
         std::cout << said.message << "\n" << said.hint << "\n";  // counts as provoked
-        EXPECT_NE(said.hint.find(row.hint), std::string::npos)
-            << row.line << ": " << said.message << said.hint;
+        const std::string advice = said.related.empty() ? said.hint : said.hint + said.related[0].message;
+        EXPECT_NE(advice.find(row.hint), std::string::npos) << row.line << ": " << said.message << advice;
         EXPECT_GT(said.firstColumn, 0) << row.line;
     }
 }

@@ -50,16 +50,12 @@ public:
         _follow(more);
     }
     void Leave() { Store(); _added.clear(); _here = false; }
-    int Inserting(int at) { Store(); return at; }
-    void InsertingFirst() { Store(); }
-    int Removing(int at) { Store(); return at; }
-    const T& RemovingValue(const T& value) { Store(); return value; }
+    // The argument of a call that changes the Sequence, behind which the item is stored.
+    template<typename A> const A& Storing(const A& argument) { Store(); return argument; }
     // The same of a Sequence that may not be the one that is walked any more.
     void Leave(KVSeq<T>& seq) { if(&seq == &_seq) Leave(); }
-    int Inserting(KVSeq<T>& seq, int at) { return &seq == &_seq ? Inserting(at) : at; }
-    void InsertingFirst(KVSeq<T>& seq) { if(&seq == &_seq) InsertingFirst(); }
-    int Removing(KVSeq<T>& seq, int at) { return &seq == &_seq ? Removing(at) : at; }
-    const T& RemovingValue(KVSeq<T>& seq, const T& value) { return &seq == &_seq ? RemovingValue(value) : value; }
+    void Store(KVSeq<T>& seq) { if(&seq == &_seq) Store(); }
+    template<typename A> const A& Storing(KVSeq<T>& seq, const A& argument) { Store(seq); return argument; }
 private:
     KVSeq<T>& _seq;
     T _original, _next, _last;  // the item as the Sequence has it, the one behind it, the last one to be met
