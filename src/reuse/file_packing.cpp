@@ -129,11 +129,13 @@ Slip UnpackSlip(Unpacker& packed) {
 }  // namespace
 
 std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::vector<Slip>& slips) {
-    Packer packer;
-    PackList(packer, asked, [&](const auto& word) {
-        packer.Text(word.first);
-        packer.Number(word.second ? 1 : 0);
+    Packer words;
+    PackList(words, asked, [&](const auto& word) {
+        words.Text(word.first);
+        words.Number(word.second ? 1 : 0);
     });
+    Packer packer;
+    packer.Text(words.packed);
     PackList(packer, slips, [&](const Slip& slip) { PackSlip(packer, slip); });
     packer.Number(out.support);
     for (const auto use : allProgramUses) packer.Number(out.uses.*use ? 1 : 0);
@@ -147,7 +149,7 @@ std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::
 }
 
 bool NamesStayOwn(std::string_view packed) {
-    Unpacker words(packed);
+    Unpacker words(Unpacker(packed).Text());
     bool same = true;
     UnpackList(words, [&] {
         const std::string word(words.Text());
@@ -160,10 +162,7 @@ bool NamesStayOwn(std::string_view packed) {
 void UnpackFile(std::string_view packed, FileOutput& out,
                 const std::function<void(const std::string&)>& include) {
     Unpacker file(packed);
-    UnpackList(file, [&] {
-        file.Text();
-        file.Number();
-    });
+    file.Text();  // the words, which NamesStayOwn has looked at
     UnpackList(file, [&] { PutSlip(UnpackSlip(file)); });
     out.support = static_cast<std::uint32_t>(file.Number());
     for (const auto use : allProgramUses) out.uses.*use = file.Number() != 0;
