@@ -91,6 +91,7 @@ private:
                 return ReadDefaults(tokens);
             case Keyword::EndFunction:
             case Keyword::EndMethod:
+            case Keyword::EndExtern:  // the heads in there have no ends of their own
                 node = outside;
                 return;
             case Keyword::Type:

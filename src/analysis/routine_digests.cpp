@@ -7,7 +7,7 @@
 
 namespace {
 
-// Keeps apart what is added up.
+// Keeps apart what is added up: nothing goes into a sum but what Numbered gives.
 enum class Part : std::uint8_t {
     Routine,
     Construction,
@@ -16,8 +16,12 @@ enum class Part : std::uint8_t {
     Creation,
     Call,
     Loop,
+    Anything,
+    Items,
     Read,
-    Change
+    Change,
+    Nodes,
+    SequenceChanges
 };
 
 std::uint64_t Numbered(Part part, std::uint64_t number) {
@@ -40,17 +44,20 @@ std::uint64_t NumberOf(Thing thing) {
 }
 
 std::uint64_t NumberOf(const EffectSet& set) {
-    if (set.anything) return 1;
-    std::uint64_t sum = 2;
+    if (set.anything) return Numbered(Part::Anything, 0);
+    std::uint64_t items = 0;
     for (const bool flag : {set.readsItems, set.changesItems, set.readsPassed, set.changesPassed})
-        sum = sum * 2 + (flag ? 1 : 0);
+        items = items * 2 + (flag ? 1 : 0);
+    std::uint64_t sum = Numbered(Part::Items, items);
     for (const Thing thing : set.reads) sum += Numbered(Part::Read, NumberOf(thing));
     for (const Thing thing : set.changes) sum += Numbered(Part::Change, NumberOf(thing));
     return sum;
 }
 
 std::uint64_t NumberOf(const ReachNode& node) {
-    return (node.createsAnything ? 1U : 0U) + (node.holdsInlineCpp ? 2U : 0U) + (node.removes ? 4U : 0U);
+    const unsigned flags =
+        (node.createsAnything ? 1U : 0U) + (node.holdsInlineCpp ? 2U : 0U) + (node.removes ? 4U : 0U);
+    return Numbered(Part::Nodes, flags);
 }
 
 }  // namespace
@@ -65,7 +72,8 @@ RoutineDigests::RoutineDigests() {
     names[IndexOf(graph.timers)] = Numbered(Part::Timers, 0);
     names[IndexOf(graph.destructors)] = Numbered(Part::Destructors, 0);
     facts = NumbersOfSequenceChanges(graph.nodes.size());
-    for (std::size_t i = 0; i < graph.nodes.size(); ++i) facts[i] += NumberOf(graph.nodes[i]);
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i)
+        facts[i] = Numbered(Part::SequenceChanges, facts[i]) + NumberOf(graph.nodes[i]);
     for (const auto& [cls, nodes] : graph.creators)
         for (const int node : Distinct(nodes))
             facts[IndexOf(node)] += Numbered(Part::Creation, TextHash(cls->name));
@@ -74,7 +82,7 @@ RoutineDigests::RoutineDigests() {
 // A sum, since neither the order nor the number of calls can be told. Loops hold loops, and may be taken for one another
 // where they begin on one line.
 std::uint64_t RoutineDigests::OfNode(int node, int depth) const {
-    constexpr int deepest = 100;
+    constexpr int deepest = 1000;  // as blocks may be open
     std::uint64_t sum = facts[IndexOf(node)] + NumberOf(AllOwnEffectsOf(node));
     for (const int callee : Distinct(BuiltGraph().At(node).callees)) {
         const std::uint64_t name = names[IndexOf(callee)];

@@ -28,7 +28,7 @@ private:
     std::uint64_t OfNode(int node, int depth) const;
 };
 
-// Reads all files of the program, where nobody has done so yet. From then on all words in them are known, those in holes too.
+// Reads all files of the program, where nobody has done so yet.
 void ReadRoutines();
 // The names of all Functions and Methods.
 std::vector<Token> NamesOfRoutines();

@@ -129,14 +129,17 @@ Slip UnpackSlip(Unpacker& packed) {
 }  // namespace
 
 std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::vector<Slip>& slips) {
-    Packer packer;
-    PackList(packer, asked, [&](const auto& word) {
-        packer.Text(word.first);
-        packer.Number(word.second ? 1 : 0);
+    Packer words;
+    PackList(words, asked, [&](const auto& word) {
+        words.Text(word.first);
+        words.Number(word.second ? 1 : 0);
     });
+    Packer packer;
+    packer.Text(words.packed);
     PackList(packer, slips, [&](const Slip& slip) { PackSlip(packer, slip); });
     packer.Number(out.support);
     for (const auto use : allProgramUses) packer.Number(out.uses.*use ? 1 : 0);
+    PackClasses(packer, out.classesInHeader);
     PackList(packer, out.anchors, [&](int line) { packer.Number(static_cast<std::uint64_t>(line)); });
     PackList(packer, out.globals, [&](const GlobalDefinition& global) { PackGlobal(packer, global); });
     packer.Number(static_cast<std::uint64_t>(std::count_if(out.pieces.begin(), out.pieces.end(), IsPacked)));
@@ -146,12 +149,12 @@ std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::
 }
 
 bool NamesStayOwn(std::string_view packed) {
-    Unpacker words(packed);
+    Unpacker words(Unpacker(packed).Text());
     bool same = true;
     UnpackList(words, [&] {
-        const std::string_view word = words.Text();
+        const std::string word(words.Text());
         const bool wasKnown = words.Number() != 0;
-        same = same && IsKnownWord(word) == wasKnown;
+        same = same && IsWordOfProgram(word) == wasKnown;
     });
     return same;
 }
@@ -159,14 +162,12 @@ bool NamesStayOwn(std::string_view packed) {
 void UnpackFile(std::string_view packed, FileOutput& out,
                 const std::function<void(const std::string&)>& include) {
     Unpacker file(packed);
-    UnpackList(file, [&] {
-        file.Text();
-        file.Number();
-    });
+    file.Text();  // the words, which NamesStayOwn has looked at
     UnpackList(file, [&] { PutSlip(UnpackSlip(file)); });
     out.support = static_cast<std::uint32_t>(file.Number());
     for (const auto use : allProgramUses) out.uses.*use = file.Number() != 0;
     AddUsesOf(out);
+    out.classesInHeader = UnpackClasses(file);
     std::vector<int> anchors;
     UnpackList(file, [&] { anchors.push_back(static_cast<int>(file.Number())); });
     std::vector<GlobalDefinition> globals;

@@ -68,13 +68,17 @@ bool UnpackTable(std::string_view text, RecordTable& table) {
     return packed.IsGood();
 }
 
+// More than any program leaves; a damaged file may seem to have no end.
+constexpr std::uintmax_t longestRecord = std::uintmax_t{1} << 30;
+
 // Not more than it holds: nobody wants to find room for a record that is being written.
 bool ReadAll(const std::string& path, std::string& bytes) {
     std::error_code failed;
     if (!fs::is_regular_file(PathOf(path), failed)) return false;
-    bytes.resize(static_cast<std::size_t>(fs::file_size(PathOf(path), failed)));
-    std::FILE* file = failed ? nullptr : OpenFile(path, "rb");
+    const std::uintmax_t size = fs::file_size(PathOf(path), failed);
+    std::FILE* file = failed || size > longestRecord ? nullptr : OpenFile(path, "rb");
     if (file == nullptr) return false;
+    bytes.resize(static_cast<std::size_t>(size));
     const bool whole = std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
     std::fclose(file);
     return whole;
@@ -108,11 +112,12 @@ struct RecordWriter::Passing {
     std::uint64_t size = 0;
     bool good = true;
 
-    explicit Passing(const std::string& target)
-        : path(target),
-          passingPath(target + ".new"),
-          file(OpenFile(passingPath, "wb")),
-          good(file != nullptr) {}
+    explicit Passing(const std::string& target) : path(target), passingPath(target + ".new") {
+        // What lies there may be a link, or a pipe that would have to be waited for.
+        std::error_code ignored;
+        fs::remove(PathOf(passingPath), ignored);
+        file = OpenFile(passingPath, "wb");
+    }
     ~Passing() {
         if (file == nullptr) return;
         Close();
@@ -131,6 +136,7 @@ struct RecordWriter::Passing {
 
 void RecordWriter::Begin(const std::string& path) {
     passing = std::make_shared<Passing>(path);
+    if (passing->file == nullptr) return passing.reset();
     passing->Put(opening);
 }
 

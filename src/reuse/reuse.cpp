@@ -148,9 +148,12 @@ OutputMark MarkOf(const std::string& path) {
     return facts.kind == FileFacts::Kind::Regular ? OutputMark{facts.size, facts.time} : OutputMark{};
 }
 
+// Where nothing is known of files, as on Windows, none does.
 bool UnitsStand(const FileOutput& main, const FileRecord& file) {
-    for (std::size_t i = 0; i < file.units.size(); ++i)
-        if (!(MarkOf(PathOfUnit(main, file.firstUnit + i)) == file.units[i])) return false;
+    for (std::size_t i = 0; i < file.units.size(); ++i) {
+        const OutputMark mark = MarkOf(PathOfUnit(main, file.firstUnit + i));
+        if (mark == OutputMark() || !(mark == file.units[i])) return false;
+    }
     return true;
 }
 

@@ -53,8 +53,8 @@ private:
 // When nobody asks for effects any more, and nothing is wrong with the program.
 void RecordRoutines();
 
-// Thrown when units would get other numbers than the record has for them, before anything is written: the program is to be
-// translated without it.
+// Thrown when units would get other numbers than the record has for them, or what is wrong can only be told by the second pass
+// of a file that was taken from it, before anything is written: the program is to be translated without it.
 struct StaleRecord {};
 
 // When the units lie where they belong: the record counts from now on.

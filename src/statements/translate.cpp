@@ -20,6 +20,7 @@
 #include "statements/program.h"
 #include "statements/second_pass.h"
 #include "symbols/mistakes.h"
+#include "symbols/own_names.h"
 #include "symbols/program_files.h"
 #include "symbols/scopes.h"
 
@@ -150,13 +151,24 @@ void TakeDefined(Variable& variable) {
     variable.handsOnBools = variable.type.IsArray() && variable.type.base == Base::Bool && AnyHandsOnBools();
 }
 
+// Those that stand before what comes next, which may be an included file that takes a name of theirs. One that has taken
+// the name of a later Const is told where that stands.
+void ReachConsts(const FileOutput& out) {
+    for (const GlobalDefinition& global : out.globals) {
+        const Variable* constant = symbols.constants.Find(global.name);
+        if (constant == nullptr) continue;
+        if (constant->isTakenEarlier) throw StaleRecord();
+        ReachConst(global.name);
+    }
+}
+
 // What it came to in the translation before.
 void TakeRecorded(FileOutput& out, const Declarations& declarations) {
-    TakeFromRecord(out, [](const std::string& source) { TranslateIncluded(*FindSourceFile(source)); });
-    for (const std::string& name : declarations.constNames) {
-        const AtPlace place(declarations.source, symbols.constants[name].line);
-        ReachConst(name);
-    }
+    TakeFromRecord(out, [&out](const std::string& source) {
+        ReachConsts(out);
+        TranslateIncluded(*FindSourceFile(source));
+    });
+    ReachConsts(out);
     for (const std::string& name : declarations.globalNames)
         if (Variable* global = symbols.globals.Find(name)) TakeDefined(*global);
     for (const ClassInfo* declared : declarations.classes)
@@ -260,6 +272,7 @@ void TranslatePart(State& state, SourceFile& file) {
 void TranslateFiles() {
     const std::vector<SourceFile*>& files = CollectedFiles();
     settings.units = settings.units && ComesInUnits(files);
+    CloseNamesOfProgram();
     if (settings.units) BeginReuse(CollectedForReuse(files));
     if (!files.empty() && files.back()->output.isMain) TranslateFile(*files.back());
     if (!AnyMistakes()) return;

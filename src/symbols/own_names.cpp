@@ -12,7 +12,8 @@
 namespace {
 
 AskedWords asked;
-const PartOfRun partOfRun(asked);
+std::size_t wordsOfProgram = 0;  // how many words there were when all files had been read; 0 before
+const PartOfRun partOfRun(asked, wordsOfProgram);
 
 // Names written in the program are known before anything is emitted: every name is a word of some line. One that
 // is merely mentioned counts, too; a program that declares it nowhere is refused anyway.
@@ -21,7 +22,7 @@ bool IsNameOfProgram(const std::string& cppName) {
     const std::string start = SafeName("");
     if (cppName.compare(0, start.size(), start) != 0) return false;
     const std::string written = cppName.substr(start.size());
-    const bool isKnown = IsKnownWord(written);
+    const bool isKnown = IsWordOfProgram(written);
     if (!settings.record.empty()) asked.emplace(written, isKnown);
     return isKnown && SafeName(written) == cppName;
 }
@@ -31,6 +32,12 @@ int freshLine = 0;
 const PartOfRun otherPartOfRun(fresh, freshLine);
 
 }  // namespace
+
+void CloseNamesOfProgram() { wordsOfProgram = WordCount(); }
+
+bool IsWordOfProgram(const std::string& text) {
+    return IsKnownWord(text) && (wordsOfProgram == 0 || WordOf(text).id < wordsOfProgram);
+}
 
 std::string OwnName(std::string plain) {
     while (IsNameOfProgram(plain)) plain += '_';

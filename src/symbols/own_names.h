@@ -10,6 +10,11 @@ std::string OwnName(std::string plain);
 
 // The same for a variable of which one line may need several: no two calls on one line give the same name.
 std::string FreshName(const std::string& plain);
+// When all files have been read: words that come up from now on are the translator's own, and decide about no names.
+void CloseNamesOfProgram();
+// Whether it is a word of the program.
+bool IsWordOfProgram(const std::string& text);
+
 // Before a file is translated: its lines have no such names yet.
 void ResetFreshNames();
 
