@@ -91,7 +91,6 @@ private:
                 return ReadDefaults(tokens);
             case Keyword::EndFunction:
             case Keyword::EndMethod:
-            case Keyword::EndExtern:  // the heads in there have no ends of their own
                 node = outside;
                 return;
             case Keyword::Type:
@@ -110,7 +109,7 @@ private:
                 return;
             case Keyword::Global:
             case Keyword::Const:
-                if (node == outside) return Mention(graph.NodeOf(graph.outside, file), tokens);
+                Mention(graph.NodeOf(graph.outside, file), tokens);
                 break;
             default:
                 break;
