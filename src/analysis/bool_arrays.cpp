@@ -162,3 +162,15 @@ bool AnyHandsOnBools() {
     if (!facts.built) Build();
     return facts.taken || facts.read;
 }
+
+void NoteHandedOnBools() {
+    const auto note = [](Variable& variable) {
+        const ValueType& type = variable.type;
+        if (!type.IsArray() || type.base != Base::Bool) return;
+        variable.handsOnBools =
+            variable.initialiser.empty() ? HandsOnBools(variable.name, type.dims) : AnyHandsOnBools();
+    };
+    for (auto& global : symbols.globals) note(global.second);
+    for (ClassInfo* cls : symbols.classList)
+        for (auto& field : cls->members) note(field.second);
+}

@@ -11,3 +11,6 @@ bool HandsOnBools(const std::string& name, int dimensions);
 bool AnyHandsOnBools();
 // Whether such a question will read no file any more.
 bool AreBoolArraysKnown();
+
+// Notes it of all Globals and Fields, before anything is translated: Functions may use what is declared further down.
+void NoteHandedOnBools();

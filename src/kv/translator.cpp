@@ -32,7 +32,7 @@ const FlagRow flagRows[] = {{"--debug", &korvel::Request::debug}, {"--debugger",
 // What translates: kv itself, and the words that it reads.
 std::string RecordKey(const std::vector<std::string>& arguments) {
     const std::string& installation = arguments[installationAt];
-    return MarkOf(arguments[0]) + MarkOf(installation + "/config/keywords.txt") +
+    return MarkOf(OwnExecutable()) + MarkOf(installation + "/config/keywords.txt") +
            MarkOf(installation + "/config/cpp.txt");
 }
 

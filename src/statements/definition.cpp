@@ -314,10 +314,11 @@ void Complete(const Declared& declared, const Definition& definition, Variable& 
     CompleteSizes(variable);
 }
 
-// Whether others cannot tell that its definition has been translated, but for TakeDefined.
+// Whether others cannot tell that its definition has been translated.
 bool LooksAlike(const Variable& before, const Variable& after) {
     return before.cppName == after.cppName && before.type == after.type && before.typed == after.typed &&
-           before.form == after.form && before.sizes == after.sizes;
+           before.form == after.form && before.sizes == after.sizes &&
+           before.handsOnBools == after.handsOnBools;
 }
 
 // Whether an array of Bool has to give out addresses of its items.

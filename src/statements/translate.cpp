@@ -146,11 +146,6 @@ bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
     return !state.mistaken;
 }
 
-// What definitions leave in the tables.
-void TakeDefined(Variable& variable) {
-    variable.handsOnBools = variable.type.IsArray() && variable.type.base == Base::Bool && AnyHandsOnBools();
-}
-
 // Those that stand before what comes next, which may be an included file that takes a name of theirs. One that has taken
 // the name of a later Const is told where that stands.
 void ReachConsts(const FileOutput& out) {
@@ -163,16 +158,12 @@ void ReachConsts(const FileOutput& out) {
 }
 
 // What it came to in the translation before.
-void TakeRecorded(FileOutput& out, const Declarations& declarations) {
+void TakeRecorded(FileOutput& out) {
     TakeFromRecord(out, [&out](const std::string& source) {
         ReachConsts(out);
         TranslateIncluded(*FindSourceFile(source));
     });
     ReachConsts(out);
-    for (const std::string& name : declarations.globalNames)
-        if (Variable* global = symbols.globals.Find(name)) TakeDefined(*global);
-    for (const ClassInfo* declared : declarations.classes)
-        for (auto& field : FindClass(declared->name)->members) TakeDefined(field.second);
 }
 
 // A file that only lends its declarations has routines that stand elsewhere.
@@ -217,7 +208,7 @@ static void TranslateFile(SourceFile& file) {
         OpenOutputs(out, file.declarations);
         const CollectedFile collected = {&out, &file.declarations};
         const bool isRecorded = IsRecorded(collected);
-        if (isRecorded) TakeRecorded(out, file.declarations);
+        if (isRecorded) TakeRecorded(out);
         const bool sound = isRecorded || TranslateStatements(out, file.declarations);
         CloseOutputs(out, file.declarations);
         if (sound && !out.isMain) NoteFinished(out);
@@ -272,6 +263,7 @@ void TranslatePart(State& state, SourceFile& file) {
 void TranslateFiles() {
     const std::vector<SourceFile*>& files = CollectedFiles();
     settings.units = settings.units && ComesInUnits(files);
+    NoteHandedOnBools();
     CloseNamesOfProgram();
     if (settings.units) BeginReuse(CollectedForReuse(files));
     if (!files.empty() && files.back()->output.isMain) TranslateFile(*files.back());
