@@ -83,6 +83,7 @@ private:
 
 void WriteUnits() {
     if (!UnitsStayInPlace(program)) throw StaleRecord();
+    DropRecordBefore();
     std::error_code failed;
     if (!settings.checkOnly)
         std::filesystem::create_directories(PathOf(program.main->folder + "/" + folderOfUnits), failed);

@@ -1,6 +1,7 @@
 #include "library/korvel.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
 #include <optional>
 
@@ -11,6 +12,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "base/source_reader.h"
+#include "base/utf8.h"
 #include "build/build_manifest.h"
 #include "build/dependency_manifest.h"
 #include "build/write_program.h"
@@ -167,9 +169,9 @@ Result Build(const Request& request) {
     try {
         return Run(request, building);
     } catch (const StaleRecord&) {
-        Request anew = request;
-        anew.record.clear();
-        return Run(anew, building);
+        std::error_code ignored;
+        std::filesystem::remove(PathOf(request.record), ignored);
+        return Run(request, building);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "reuse/reuse.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <unordered_map>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "base/run.h"
 #include "base/settings.h"
 #include "base/text_hash.h"
+#include "base/utf8.h"
 #include "lexer/source_lines.h"
 #include "lexer/token_places.h"
 #include "prelude/units.h"
@@ -209,7 +211,8 @@ std::vector<Slip> SlipsOf(const std::string& source, std::size_t from) {
 void BeginReuse(const std::vector<CollectedFile>& files) {
     int lines = 0;
     for (const CollectedFile& file : files) lines += file.declarations->lastLine;
-    reuse.isOn = !settings.record.empty() && lines >= settings.recordFrom;
+    const bool isKnown = Examine(settings.mainSource).kind != FileFacts::Kind::Unknown;  // as on Windows
+    reuse.isOn = !settings.record.empty() && lines >= settings.recordFrom && isKnown;
     if (!reuse.isOn) return;
     ReadRoutines();
     FindRecorded(files);
@@ -263,6 +266,11 @@ void RecordRoutines() {
     }
     reuse.recorded.clear();
     reuse.before = Record();
+}
+
+void DropRecordBefore() {
+    std::error_code ignored;
+    if (reuse.isOn) std::filesystem::remove(PathOf(settings.record), ignored);
 }
 
 void EndRecord(const Program& program) {

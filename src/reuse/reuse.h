@@ -57,6 +57,8 @@ void RecordRoutines();
 // of a file that was taken from it, before anything is written: the program is to be translated without it.
 struct StaleRecord {};
 
+// Before units are written: the record before knows nothing of these, should this run end half-way.
+void DropRecordBefore();
 // When the units lie where they belong: the record counts from now on.
 void EndRecord(const Program& program);
 // When they do not: the one before stays.
