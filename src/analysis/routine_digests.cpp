@@ -100,10 +100,8 @@ std::uint64_t RoutineDigests::Of(Token name) {
 
 std::uint64_t RoutineDigests::OfTimers() { return OfNode(BuiltGraph().timers, 0); }
 
-std::uint64_t RoutineDigests::LastOf(Token name) {
-    const std::uint64_t digest = Of(name);
+void RoutineDigests::Forget(Token name) {
     if (const int* node = BuiltGraph().routines.Find(name)) ForgetOwnEffectsOf(*node);
-    return digest;
 }
 
 void ReadRoutines() { BuiltGraph(); }

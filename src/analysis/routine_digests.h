@@ -18,8 +18,8 @@ public:
     std::uint64_t Of(Token name);
     // Of the handlers of timers.
     std::uint64_t OfTimers();
-    // The same as Of; the effects of the routine are forgotten: nobody must ask for effects any more.
-    std::uint64_t LastOf(Token name);
+    // When nobody asks for effects any more, nor for this digest once more: frees what is known of the routine.
+    static void Forget(Token name);
 
 private:
     std::vector<std::uint64_t> names;  // of the nodes; 0 for loops, which are part of their routines

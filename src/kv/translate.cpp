@@ -29,6 +29,8 @@ int RunTranslator(const Job& job) {
     request.whileWaiting = progress.Ticks();
     const int status = RunProcess(request, problem);
     progress.End();
+    const std::string said = job.options.verbose ? ReadWhole(job.build.translatorOutput) : "";
+    if (!said.empty()) std::fprintf(stderr, "kv: %s", said.c_str());
     if (problem.empty()) return status;
     ShowProblem("cannot run " + job.kv + ": " + problem);
     return -1;

@@ -70,6 +70,7 @@ int TranslateAsCommanded(const std::vector<std::string>& arguments) {
     if (has(recordWord) || request.recordsAll) request.record = arguments[replyAt] + ".kept";
     request.recordKey = RecordKey(arguments);
     const korvel::Result result = has(checkWord) ? korvel::Check(request) : korvel::Build(request);
-    if (request.recordsAll) std::printf("kept %zu of %zu files\n", result.recorded, result.sources.size());
+    if (request.recordsAll || result.recorded > 0)
+        std::printf("kept %zu of %zu files\n", result.recorded, result.sources.size());
     return WriteOver(PathOf(arguments[replyAt]), PackTranslation(result)) ? 0 : 1;
 }

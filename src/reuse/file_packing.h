@@ -1,4 +1,4 @@
-// What a file came to, packed: what the second pass has put into its outputs, found odd in it and taken from the program.
+// What a file came to, packed: what the second pass has put into its outputs, warned of and taken from the program.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 #include "prelude/output.h"
 #include "symbols/own_names.h"
 
-// Of a file whose routines stand apart. The slips have their places.
+// Of a file whose routines stand apart. The slips are located already.
 std::string PackFile(const FileOutput& out, const AskedWords& asked, const std::vector<Slip>& slips);
 
 // Whether the words that decided about names decide the same today.

@@ -1,6 +1,6 @@
 // The record of a translation: a file beside the outputs with what each source came to, for the next translation of the
 // program (reuse.h). It is written while the files are translated, since in memory it would be much, and takes the place
-// of the one before when the outputs are whole. Whatever is damaged in it is found out by hashes.
+// of the one before when the outputs are whole. Hashes find damage.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-// An output as it was left: what is found there later has been touched if it is of another size or time.
+// An output as it was left. One that has this size and time later is taken as untouched.
 struct OutputMark {
     std::uint64_t size = 0;
     std::int64_t time = 0;
@@ -50,7 +50,7 @@ private:
     std::string bytes;
 };
 
-// One that is written, under a passing name.
+// One that is written, under a temporary name.
 class RecordWriter {
 public:
     // Does nothing from then on when the file cannot be written.

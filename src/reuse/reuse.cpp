@@ -72,7 +72,7 @@ std::uint64_t HashOfDeclarations(const std::string& source) {
 
 std::string KeyOf(const std::vector<CollectedFile>& files) {
     std::string key = settings.recordKey + "\n" + settings.outputPath + "\n" + settings.installation + "\n";
-    for (const bool flag : {settings.safeMode, settings.traceMode, settings.outputComments,
+    for (const bool flag : {settings.fastMode, settings.safeMode, settings.traceMode, settings.outputComments,
                             settings.lineMarks, settings.warnings, settings.columns})
         key += flag ? '1' : '0';
     for (const CollectedFile& file : files) key += "\n" + file.declarations->source;
@@ -257,12 +257,15 @@ void RecordRoutines() {
     RecordTable& table = reuse.writer.table;
     RoutineDigests digests;
     table.timers = digests.OfTimers();
-    const auto note = [&](Token name) { table.routines[TextHash(name->text)] = digests.LastOf(name); };
+    const auto note = [&](Token name) { table.routines[TextHash(name->text)] = digests.Of(name); };
     if (reuse.knowsRoutines) {
         table.routines = std::move(reuse.before.table.routines);
         for (const Declarations* file : reuse.changed) ForEachRoutine(*file, note);
     } else {
-        for (const Token name : NamesOfRoutines()) note(name);
+        for (const Token name : NamesOfRoutines()) {
+            note(name);
+            RoutineDigests::Forget(name);
+        }
     }
     reuse.recorded.clear();
     reuse.before = Record();

@@ -5,7 +5,8 @@
 //     no routine that it calls, directly or not, does anything else than before (analysis/routine_digests.h);
 //     the words that have decided about names of ours are in the program as before (symbols/own_names.h);
 //     the units of its routines lie there as they were left.
-// What leans on more than that (FileOutput::leansOnOthers), the main file and modules are translated each time. All files
+// What leans on more than that (FileOutput::leansOnOthers), what names AnyObject, the main file and modules are translated each
+// time. All files
 // are read, cut and collected as ever, and everything behind the second pass is done for the program as a whole.
 //
 // The record is for programs in units, in which a file's routines stand apart from everything else.
@@ -34,7 +35,7 @@ bool IsRecorded(const CollectedFile& file);
 // Puts what it came to into its opened outputs; `include` translates what the file includes, where it does so.
 void TakeFromRecord(FileOutput& out, const std::function<void(const std::string&)>& include);
 
-// The second pass of a file. What it comes to belongs into the record, unless something is wrong with it.
+// The second pass of a file. What it comes to goes into the record, unless something is wrong with it.
 class RecordedPass {
 public:
     RecordedPass();
@@ -53,8 +54,8 @@ private:
 // When nobody asks for effects any more, and nothing is wrong with the program.
 void RecordRoutines();
 
-// Thrown when units would get other numbers than the record has for them, or what is wrong can only be told by the second pass
-// of a file that was taken from it, before anything is written: the program is to be translated without it.
+// Thrown, before anything is written, when the program has to be translated without the record: its units would get other
+// numbers, or only the second pass of a file that was taken from it could tell what is wrong there.
 struct StaleRecord {};
 
 // Before units are written: the record before knows nothing of these, should this run end half-way.
