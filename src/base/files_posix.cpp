@@ -16,8 +16,9 @@ static bool HasUsualRights(const struct stat& status) {
         umask(mask);
         return mask;
     }();
-    return (status.st_mode & 07777) == (0666 & ~hidden) && status.st_uid == geteuid() &&
-           status.st_gid == getegid();
+    static const uid_t user = geteuid();
+    static const gid_t group = getegid();
+    return (status.st_mode & 07777) == (0666 & ~hidden) && status.st_uid == user && status.st_gid == group;
 }
 
 static std::int64_t TimeOf(const struct stat& status) {

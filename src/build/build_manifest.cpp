@@ -114,6 +114,7 @@ public:
     }
 
     void Clean(const std::string& line) {
+        facts = Examine(line);
         if (IsSource(line)) {
             Say("  Refusing to delete source file listed in manifest: " + line);
         } else if (IsInside(line) || IsBesideItsSource(line)) {
@@ -134,6 +135,7 @@ private:
     // The folders of the lines.
     std::unordered_map<std::string, std::string> normalised, resolved;
     FileFacts mainSource = Examine(settings.mainSource);
+    FileFacts facts;  // of the line under way
     int count = 0;
 
     bool IsSource(const std::string& line) const {
@@ -142,7 +144,6 @@ private:
     }
 
     bool IsMainSource(const std::string& line) const {
-        const FileFacts facts = Examine(line);
         if (facts.kind == FileFacts::Kind::Missing) return false;
         const auto regular = FileFacts::Kind::Regular;
         if (facts.kind == regular && mainSource.kind == regular)
@@ -214,13 +215,19 @@ private:
                place == PlaceHere(stem + ".linkflags");
     }
 
+    bool IsRegular(const std::string& line) const {
+        if (facts.kind != FileFacts::Kind::Unknown) return facts.kind == FileFacts::Kind::Regular;
+        std::error_code failed;
+        return fs::is_regular_file(fs::symlink_status(PathOf(line), failed));
+    }
+
     void Delete(const std::string& line) {
         std::error_code failed;
-        if (!IsProduct(line) || !fs::is_regular_file(fs::symlink_status(PathOf(line), failed))) return;
+        if (!IsProduct(line) || !IsRegular(line)) return;
         if (IsGenerated(ExtensionOf(line)) && !IsOurs(line)) return;
-        if (IsPutOff(line)) return;  // counted already
+        if (IsPutOff(line, facts)) return;  // counted already
         const bool mayComeAgain = ComesAgain(ExtensionOf(line));
-        if (mayComeAgain && PutOffDeletion(line)) {
+        if (mayComeAgain && PutOffDeletion(line, facts)) {
             ++count;
         } else if (fs::remove(PathOf(line), failed) && !failed) {
             ++count;

@@ -47,15 +47,16 @@ bool MayChangeFolderOf(const std::string& path) {
 }
 
 // The entry of putOff that a path leads to.
-auto FindPutOff(const std::string& path) {
-    if (putOff.empty()) return putOff.end();
-    FileFacts facts = Examine(path);
+auto FindPutOff(const std::string& path, FileFacts facts) {
     if (facts.kind == FileFacts::Kind::Link) {
         std::error_code failed;
         facts = Examine(TextOf(fs::canonical(PathOf(path), failed)));
     }
     if (facts.kind != FileFacts::Kind::Regular) return putOff.end();
     return putOff.find({facts.device, facts.number});
+}
+auto FindPutOff(const std::string& path) {
+    return putOff.empty() ? putOff.end() : FindPutOff(path, Examine(path));
 }
 
 bool CanOpen(const std::string& path) {
@@ -110,14 +111,18 @@ bool LiesOutside(const std::string& path) {
 
 bool IsOurs(const std::string& path) { return !LiesOutside(path) || IsMarked(path); }
 
-bool PutOffDeletion(const std::string& path) {
+bool PutOffDeletion(const std::string& path) { return PutOffDeletion(path, Examine(path)); }
+
+bool PutOffDeletion(const std::string& path, const FileFacts& facts) {
     if (!IsLikeNew(path) || !MayChangeFolderOf(path)) return false;
-    const FileFacts facts = Examine(path);
     putOff.emplace(FileKey{facts.device, facts.number}, path);
     return true;
 }
 
 bool IsPutOff(const std::string& path) { return FindPutOff(path) != putOff.end(); }
+bool IsPutOff(const std::string& path, const FileFacts& facts) {
+    return FindPutOff(path, facts) != putOff.end();
+}
 
 bool TakeOver(const std::string& path) {
     const auto found = FindPutOff(path);

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "base/long_text.h"
+#include "base/files.h"
 
 // An Include that climbs ("../lib/util.kvl"), or a link in its path, leads out of the output folder.
 bool LiesOutside(const std::string& path);
@@ -16,10 +16,12 @@ bool LiesOutside(const std::string& path);
 bool IsOurs(const std::string& path);
 
 // Leaves a file of the previous build where it is until the run ends. False when it is not certain that it
-// can be deleted then and that overwriting it is as good: it has to be deleted at once.
+// can be deleted then and that overwriting it is as good: it has to be deleted at once. `facts` are those of the path.
+bool PutOffDeletion(const std::string& path, const FileFacts& facts);
 bool PutOffDeletion(const std::string& path);
 // Whether the file is one of those, however its path is spelt.
 bool IsPutOff(const std::string& path);
+bool IsPutOff(const std::string& path, const FileFacts& facts);
 // Takes such a file over from the previous build, so that it stays; false when it is none.
 bool TakeOver(const std::string& path);
 // Deletes such a file now, for those who must not see it.
