@@ -17,8 +17,6 @@
 #include "reuse/file_packing.h"
 #include "reuse/record.h"
 #include "symbols/identifiers.h"
-#include "symbols/mistakes.h"
-#include "symbols/scopes.h"
 
 namespace {
 
@@ -35,7 +33,7 @@ struct Reuse {
     std::vector<const Declarations*> changed;            // those with another text
     bool knowsRoutines = false;                          // the digests of all others are still right
     RecordWriter writer;
-    std::size_t taken = 0;  // how many were
+    std::size_t taken = 0;  // how many have been had
 };
 
 Reuse reuse;
@@ -177,13 +175,6 @@ void FindRecorded(const std::vector<CollectedFile>& files) {
 
 // ---- the next record
 
-FileRecord RecordOf(const Declarations& file) {
-    FileRecord record;
-    record.source = file.source;
-    record.text = HashOfFile(file.source);
-    return record;
-}
-
 bool MentionsAnyObject(const std::string& source) {
     const TokenSpan tokens = TokensOf(source);
     return NamesAnyObject() && std::any_of(tokens.begin(), tokens.end(),
@@ -220,13 +211,7 @@ void BeginReuse(const std::vector<CollectedFile>& files) {
     reuse.writer.table.key = KeyOf(files);
 }
 
-// A Local may have taken the name of one of the file's Consts by now, which its second pass has to tell.
-bool IsRecorded(const CollectedFile& file) {
-    const Declarations& declarations = *file.declarations;
-    return reuse.recorded.count(declarations.source) != 0 &&
-           std::none_of(declarations.constNames.begin(), declarations.constNames.end(),
-                        [](const std::string& name) { return symbols.constants[name].isTakenEarlier; });
-}
+bool IsRecorded(const std::string& source) { return reuse.recorded.count(source) != 0; }
 
 void TakeFromRecord(FileOutput& out, const std::function<void(const std::string&)>& include) {
     const auto& [file, packed] = reuse.recorded.at(out.source);
@@ -245,7 +230,9 @@ RecordedPass::~RecordedPass() { ExchangeAskedWords(std::move(askedAround)); }
 void RecordedPass::Record(const CollectedFile& file) {
     if (!reuse.isOn) return;
     const FileOutput& out = *file.output;
-    FileRecord record = RecordOf(*file.declarations);
+    FileRecord record;
+    record.source = out.source;
+    record.text = HashOfFile(out.source);
     record.declarations = HashOfDeclarations(out.source);
     const AskedWords asked = ExchangeAskedWords({});
     reuse.writer.Add(record,

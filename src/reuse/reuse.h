@@ -31,7 +31,7 @@ struct CollectedFile {
 void BeginReuse(const std::vector<CollectedFile>& files);
 
 // Whether the file can be had from the record.
-bool IsRecorded(const CollectedFile& file);
+bool IsRecorded(const std::string& source);
 // Puts what it came to into its opened outputs; `include` translates what the file includes, where it does so.
 void TakeFromRecord(FileOutput& out, const std::function<void(const std::string&)>& include);
 

@@ -146,7 +146,7 @@ bool TranslateStatements(FileOutput& out, const Declarations& declarations) {
     return !state.mistaken;
 }
 
-// Those that stand before what comes next, which may be an included file that takes a name of theirs. One that has taken
+// Those that stand before what comes next, which may be an included file that takes a name of theirs. Whatever has taken
 // the name of a later Const is told where that stands.
 void ReachConsts(const FileOutput& out) {
     for (const GlobalDefinition& global : out.globals) {
@@ -207,7 +207,7 @@ static void TranslateFile(SourceFile& file) {
     try {
         OpenOutputs(out, file.declarations);
         const CollectedFile collected = {&out, &file.declarations};
-        const bool isRecorded = IsRecorded(collected);
+        const bool isRecorded = IsRecorded(out.source);
         if (isRecorded) TakeRecorded(out);
         const bool sound = isRecorded || TranslateStatements(out, file.declarations);
         CloseOutputs(out, file.declarations);
