@@ -141,9 +141,12 @@ Value CutOff(const ValueType& type, Value value) {
 
 bool IsText(const ConstantValue& value) { return value.kind == ConstantValue::Kind::Text; }
 
+bool IsWhole(const ConstantValue& value) { return value.kind == ConstantValue::Kind::Integer; }
+
+// C++ takes no Double Const as a constant, so what comes of Doubles is written out.
 Value Negated(const Value& value) {
     if (!value || IsText(*value)) return {};
-    return Integer(value->AsReal() == 0 ? 1 : 0, value->toCpp);
+    return Integer(value->AsReal() == 0 ? 1 : 0, value->toCpp && IsWhole(*value));
 }
 
 template <class Number>
@@ -160,12 +163,12 @@ Value Truth(const BinaryOperator& op, const Value& a, const Value& b) {
     if (!a || !b || IsText(*a) || IsText(*b)) return {};
     const bool bothHold = a->AsReal() != 0 && b->AsReal() != 0,
                oneHolds = a->AsReal() != 0 || b->AsReal() != 0;
-    const bool areWhole = a->kind == ConstantValue::Kind::Integer && b->kind == ConstantValue::Kind::Integer;
+    const bool areWhole = IsWhole(*a) && IsWhole(*b);
     const bool holds = op.level == Level::And  ? bothHold
                        : op.level == Level::Or ? oneHolds
                        : areWhole              ? Holds(op.text, a->integer, b->integer)
                                                : Holds(op.text, a->AsReal(), b->AsReal());
-    return Integer(holds ? 1 : 0, a->toCpp && b->toCpp);
+    return Integer(holds ? 1 : 0, a->toCpp && b->toCpp && areWhole);
 }
 
 Value Signed(char sign, const Expr& operand) {
